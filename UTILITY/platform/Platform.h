@@ -1,0 +1,27 @@
+// The library's one door to the operating system: free functions, declared here once and defined
+// twice, in posix/ and in win32/. Callable from any thread unless a function says otherwise.
+#ifndef QEL_PLATFORM_PLATFORM_H
+#define QEL_PLATFORM_PLATFORM_H
+
+#include <cstddef>
+
+namespace qel::platform {
+
+// --- Memory of strings (Memory.cpp) --------------------------------------------------------------
+
+// A zero-filled block of `size` bytes, or null when memory is exhausted. Freed by stringFree alone.
+[[nodiscard]] char* stringAlloc(std::size_t size) noexcept;
+
+// The block grown or shrunk to `size` bytes, content kept and new bytes zero; it may move. Null
+// when memory is exhausted, and then `block` stands as it was. A null `block` allocates.
+[[nodiscard]] char* stringRealloc(char* block, std::size_t size) noexcept;
+
+// Frees a block of the two functions above; null is nothing.
+void stringFree(char* block) noexcept;
+
+// The number of bytes that may be used in `block`, at least what was asked for; 0 for null.
+[[nodiscard]] std::size_t stringBlockSize(const char* block) noexcept;
+
+}  // namespace qel::platform
+
+#endif
