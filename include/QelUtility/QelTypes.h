@@ -34,6 +34,7 @@ enum QelResult {
     QEL_STORAGE_NOT_OWNED = 2013,   // external storage cannot grow
     QEL_MALFORMED = 2015,           // malformed text or number
     QEL_END_OF_INPUT = 2018,        // no more input; never counted as a failure
+    QEL_OUTPUT_TOO_SMALL = 2021,    // the caller's buffer cannot hold the result
     QEL_READ_PAST_END = 2023,       // a read past the end of a stream
     QEL_NOT_INITIALIZED = 2024,     // not initialised, or an invalid argument
     QEL_RULE_INEXPRESSIBLE = 2105,  // a rule part that a repeat record cannot hold
