@@ -22,6 +22,21 @@ void stringFree(char* block) noexcept;
 // The number of bytes that may be used in `block`, at least what was asked for; 0 for null.
 [[nodiscard]] std::size_t stringBlockSize(const char* block) noexcept;
 
+// --- The local clock (LocalClock.cpp) ------------------------------------------------------------
+
+// A wall-clock reading in the computer's current time zone.
+struct LocalClock {
+    int year;    // all digits, such as 2005
+    int month;   // [1, 12]
+    int day;     // [1, 31]
+    int hour;    // [0, 23]
+    int minute;  // [0, 59]
+    int second;  // [0, 59]; a leap second shows as the 59th
+};
+
+// The local wall clock now; all zero when the system cannot tell.
+[[nodiscard]] LocalClock localClock() noexcept;
+
 }  // namespace qel::platform
 
 #endif

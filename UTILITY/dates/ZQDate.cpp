@@ -1,0 +1,212 @@
+// Code dates and code times, and their fixed-width texts.
+#include "QelUtility/ZQDate.h"
+
+#include <cstddef>
+#include <cstring>
+
+#include "dates/CivilDate.h"
+#include "dates/ZQDateInternal.h"
+#include "platform/Platform.h"
+
+namespace {
+
+using qel::CivilDate;
+
+// The day numbers that callers and stored records rely on.
+static_assert(qel::encodeCivilDate({1900, 1, 1}) == 0);
+static_assert(qel::encodeCivilDate({1970, 1, 1}) == qel::kUnixEpochCodeDate);
+static_assert(qel::encodeCivilDate({2000, 1, 1}) == 36524);
+static_assert(qel::encodeCivilDate({2499, 12, 31}) == qel::kLastCodeDate);
+static_assert(qel::encodeCivilDate({1900, 2, 29}) == qel::encodeCivilDate({1900, 3, 1}));
+static_assert(qel::encodeCivilDate({2000, 2, 29}) + 1 == qel::encodeCivilDate({2000, 3, 1}));
+static_assert(qel::weekdayOf(0) == 2 && qel::weekdayOf(6) == 1 && qel::weekdayOf(-1) == 1);
+
+// Walks the calendar month by month and compares the closed formulas with plain counting.
+constexpr bool formulasCountEveryMonth() {
+    int code = 0;
+    for (int year = qel::kFirstYear; year <= qel::kLastYear; ++year) {
+        for (int month = 1; month <= 12; ++month) {
+            const int length = qel::daysInMonth(month, year);
+            const CivilDate first{year, month, 1};
+            const CivilDate last{year, month, length};
+            if (qel::encodeCivilDate(first) != code) return false;
+            if (qel::encodeCivilDate({year, month, 31}) != code + 30) return false;
+            if (qel::decodeCivilDate(code) != first) return false;
+            code += length;
+            if (qel::decodeCivilDate(code - 1) != last) return false;
+        }
+    }
+    return code == qel::kLastCodeDate + 1;
+}
+static_assert(formulasCountEveryMonth());
+
+template <typename T>
+void store(T* target, T value) {
+    if (target != nullptr) *target = value;
+}
+
+constexpr bool isBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// The decimal number at the head of the first `width` characters (at most 9): blanks, a sign,
+// digits. Anything else, the terminator too, ends it; nothing readable is 0.
+int decimalField(const char* text, std::size_t width) {
+    std::size_t i = 0;
+    while (i < width && isBlank(text[i])) ++i;
+    bool negative = false;
+    if (i < width && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
+    int value = 0;
+    for (; i < width && isDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
+    return negative ? -value : value;
+}
+
+// The decimal field of `width` characters at `*cursor`, which moves past it but never past the
+// terminator.
+int takeField(const char** cursor, std::size_t width) {
+    const int value = decimalField(*cursor, width);
+    for (std::size_t i = 0; i < width && **cursor != '\0'; ++i) ++*cursor;
+    return value;
+}
+
+void putTwoDigits(char* buffer, int value) {
+    const int shown = value < 0 || value > 99 ? 99 : value;
+    buffer[0] = static_cast<char>('0' + shown / 10);
+    buffer[1] = static_cast<char>('0' + shown % 10);
+}
+
+}  // namespace
+
+int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) {
+    if (year < qel::kFirstYear || year > qel::kLastYear) return -1;
+    if (month < 1 || month > 12 || day < 1 || day > 31) return -1;
+    store(code, static_cast<unsigned>(qel::encodeCivilDate({year, month, day})));
+    return 0;
+}
+
+int ZQ_DateDecode(int code, int* month, int* day, int* year) {
+    if (!qel::isCodeDate(code)) return -1;
+    const CivilDate date = qel::decodeCivilDate(code);
+    store(month, date.month);
+    store(day, date.day);
+    store(year, date.year);
+    return 0;
+}
+
+void QELUTILITY_CALL ZQ_AlphaToDate(const char* text, int* month, int* day, int* year) {
+    const char* cursor = text == nullptr ? "" : text;
+    store(year, takeField(&cursor, 4));
+    store(month, takeField(&cursor, 2));
+    store(day, takeField(&cursor, 2));
+}
+
+void ZQ_AlphaToTime(const char* text, int* hour, int* minute, int* second) {
+    const bool empty = text == nullptr || *text == '\0';
+    const char* cursor = empty ? "" : text;
+    store(hour, takeField(&cursor, 2));
+    store(minute, takeField(&cursor, 2));
+    if (!empty) store(second, takeField(&cursor, 2));
+}
+
+bool ZQ_IsValidAlphaDate(const char* text) {
+    if (text == nullptr) return false;
+    CivilDate date{};
+    ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
+    if (date.year < qel::kFirstYear || date.month < 1 || date.month > 12) return false;
+    return date.day >= 1 && date.day <= qel::daysInMonth(date.month, date.year);
+}
+
+bool ZQ_IsValidAlphaTime(const char* text) {
+    if (text == nullptr || std::strlen(text) != 4) return false;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int code = 0;
+    ZQ_AlphaToTime(text, &hour, &minute, &second);
+    return ZQ_TimeEncode(hour, minute, second, &code) == 0;
+}
+
+int QELUTILITY_CALL ZQ_AlphaToCodeDate(const char* text) {
+    if (!ZQ_IsValidAlphaDate(text)) return 0;
+    CivilDate date{};
+    ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
+    unsigned code = 0;
+    // A year after 2499 is valid in a text but has no code date; it reads as 0.
+    return ZQ_DateEncode(date.month, date.day, date.year, &code) == 0 ? static_cast<int>(code) : 0;
+}
+
+int QELUTILITY_CALL ZQ_AlphaToCodeTime(const char* text) {
+    if (!ZQ_IsValidAlphaTime(text)) return 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int code = 0;
+    ZQ_AlphaToTime(text, &hour, &minute, &second);
+    return ZQ_TimeEncode(hour, minute, second, &code) == 0 ? code : 0;
+}
+
+int ZQ_TimeEncode(int hour, int minute, int second, int* code) {
+    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return -1;
+    store(code, hour * 3600 + minute * 60 + second);
+    return 0;
+}
+
+int ZQ_TimeDecode(int code, int* hour, int* minute, int* second) {
+    store(hour, code / 3600);
+    store(minute, code % 3600 / 60);
+    store(second, code % 60);
+    return 0;
+}
+
+char* ZQ_DateToAlpha(int month, int day, int year, char* buffer) {
+    if (buffer == nullptr) return nullptr;
+    const int shownYear = year < 0 || year > 9999 ? 9999 : year;
+    putTwoDigits(buffer, shownYear / 100);
+    putTwoDigits(buffer + 2, shownYear % 100);
+    putTwoDigits(buffer + 4, month);
+    putTwoDigits(buffer + 6, day);
+    buffer[8] = '\0';
+    return buffer;
+}
+
+char* ZQ_TimeToAlpha(int hour, int minute, int second, char* buffer) {
+    if (buffer == nullptr) return nullptr;
+    putTwoDigits(buffer, hour);
+    putTwoDigits(buffer + 2, minute);
+    putTwoDigits(buffer + 4, second);
+    buffer[6] = '\0';
+    return buffer;
+}
+
+char* QELUTILITY_CALL ZQ_CodeDateToAlpha(int code, char* buffer) {
+    CivilDate date{};
+    // A code that does not decode leaves the zeros.
+    ZQ_DateDecode(code, &date.month, &date.day, &date.year);
+    return ZQ_DateToAlpha(date.month, date.day, date.year, buffer);
+}
+
+char* QELUTILITY_CALL ZQ_CodeTimeToAlpha(int code, char* buffer) {
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    ZQ_TimeDecode(code, &hour, &minute, &second);
+    return ZQ_TimeToAlpha(hour, minute, second, buffer);
+}
+
+int ZQ_DayOfWeek(int code) {
+    return qel::weekdayOf(code);
+}
+
+int QELUTILITY_CALL ZQ_GetCurrentDate() {
+    const qel::platform::LocalClock now = qel::platform::localClock();
+    unsigned code = 0;
+    return ZQ_DateEncode(now.month, now.day, now.year, &code) == 0 ? static_cast<int>(code) : 0;
+}
+
+int ZQ_GetCurrentTime() {
+    const qel::platform::LocalClock now = qel::platform::localClock();
+    return now.hour * 3600 + now.minute * 60 + now.second;
+}

@@ -1,0 +1,14 @@
+// The local wall clock, from the system's time-zone settings.
+#include <windows.h>
+
+#include "platform/Platform.h"
+
+namespace qel::platform {
+
+LocalClock localClock() noexcept {
+    SYSTEMTIME local{};
+    GetLocalTime(&local);
+    return {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
+}
+
+}  // namespace qel::platform

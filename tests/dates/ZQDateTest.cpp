@@ -1,0 +1,165 @@
+// Code dates and code times: the calendar as the year tables count it, the field readers on untidy
+// texts, and the clamping writers.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <climits>
+#include <cstring>
+#include <string>
+
+#include "dates/ZQDateInternal.h"
+
+namespace {
+
+// The calendar counted from tables of centuries, years and months, year by year: the second opinion
+// on the closed formulas.
+struct TableCalendar {
+    static constexpr std::array<int, 7> kCentury{1900, 2000, 2100, 2200, 2300, 2400, 2500};
+    static constexpr std::array<int, 7> kStart{0, 36524, 73049, 109573, 146097, 182621, 219146};
+    static int yearLength(int index, int base) {
+        if (index == 0) return base % 400 == 0 ? 366 : 365;
+        return index % 4 == 0 ? 366 : 365;
+    }
+    static std::array<int, 12> monthLengths(int year) {
+        const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+        return {31, leap ? 29 : 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    }
+    static int encode(int month, int day, int year) {
+        std::size_t i = 0;
+        while (year > kCentury[i + 1]) ++i;
+        int code = kStart[i];
+        for (int k = 0; k < year - kCentury[i]; ++k) code += yearLength(k, kCentury[i]);
+        for (int m = 1; m < month; ++m) code += monthLengths(year)[static_cast<std::size_t>(m - 1)];
+        return code + day - 1;
+    }
+};
+
+TEST(CodeDate, EncodesAndDecodesEveryDayAsTheTablesDo) {
+    int expected = 0;
+    for (int year = 1900; year <= 2499; ++year) {
+        for (int month = 1; month <= 12; ++month) {
+            const int length =
+                TableCalendar::monthLengths(year)[static_cast<std::size_t>(month - 1)];
+            ASSERT_EQ(TableCalendar::encode(month, 1, year), expected);
+            for (int day = 1; day <= 31; ++day) {
+                unsigned code = 0;
+                ASSERT_EQ(ZQ_DateEncode(month, day, year, &code), 0);
+                ASSERT_EQ(static_cast<int>(code), expected + day - 1);
+                if (day > length) continue;  // counts on into the next month
+                int m = 0;
+                int d = 0;
+                int y = 0;
+                ASSERT_EQ(ZQ_DateDecode(static_cast<int>(code), &m, &d, &y), 0);
+                ASSERT_TRUE(m == month && d == day && y == year) << code;
+                ASSERT_EQ(ZQ_DayOfWeek(static_cast<int>(code)),
+                          (static_cast<int>(code) + 1) % 7 + 1);
+            }
+            expected += length;
+        }
+    }
+    EXPECT_EQ(expected, 219146);
+}
+
+TEST(CodeDate, RefusesWhatLiesOutsideAndLeavesTheResultAlone) {
+    const int bad[][3] = {{1, 1, 1899}, {1, 1, 2500},  {0, 1, 2005},       {13, 1, 2005},
+                          {1, 0, 2005}, {1, 32, 2005}, {INT_MIN, 1, 2005}, {1, INT_MAX, INT_MIN}};
+    for (const auto& date : bad) {
+        unsigned code = 77;
+        EXPECT_EQ(ZQ_DateEncode(date[0], date[1], date[2], &code), -1);
+        EXPECT_EQ(code, 77U);
+    }
+    for (const int code : {-1, 219146, INT_MIN, INT_MAX}) {
+        int month = 5;
+        int day = 6;
+        int year = 7;
+        EXPECT_EQ(ZQ_DateDecode(code, &month, &day, &year), -1);
+        EXPECT_TRUE(month == 5 && day == 6 && year == 7);
+        char text[9];
+        EXPECT_STREQ(ZQ_CodeDateToAlpha(code, text), "00000000");
+    }
+    EXPECT_EQ(ZQ_DateEncode(1, 1, 2005, nullptr), 0);
+    for (const int code : {INT_MIN, -8, -7, -1, INT_MAX}) {
+        EXPECT_GE(ZQ_DayOfWeek(code), 1);
+        EXPECT_LE(ZQ_DayOfWeek(code), 7);
+    }
+}
+
+TEST(AlphaDate, ReadsItsFieldsAndKnowsTheCalendar) {
+    const struct {
+        const char* text;
+        int year, month, day, code;
+    } rows[] = {
+        {"20050615", 2005, 6, 15, 38516},
+        {"19000101", 1900, 1, 1, 0},
+        {"24991231", 2499, 12, 31, 219145},
+        {"20050230", 2005, 2, 30, 0},
+        {"20000229", 2000, 2, 29, 36583},
+        {"19000229", 1900, 2, 29, 0},
+        {"25000101", 2500, 1, 1, 0},  // valid text, no code date
+        {"20050631", 2005, 6, 31, 0},
+        {"20050615T083000Z", 2005, 6, 15, 38516},
+        {"2005 615", 2005, 6, 15, 38516},
+        {"20056", 2005, 6, 0, 0},
+        {"2005+6-1", 2005, 6, -1, 0},
+        {"200x0615", 200, 6, 15, 0},
+        {"7", 7, 0, 0, 0},
+        {"", 0, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        // A block of exactly the text's size: a read past its end is caught by the sanitizer.
+        const std::string exact(row.text);
+        int month = -1;
+        int day = -1;
+        int year = -1;
+        ZQ_AlphaToDate(exact.c_str(), &month, &day, &year);
+        EXPECT_TRUE(year == row.year && month == row.month && day == row.day) << row.text;
+        EXPECT_EQ(ZQ_AlphaToCodeDate(exact.c_str()), row.code) << row.text;
+    }
+    EXPECT_TRUE(ZQ_IsValidAlphaDate("25000101"));
+    EXPECT_FALSE(ZQ_IsValidAlphaDate("18991231"));
+    int month = -1;
+    int day = -1;
+    int year = -1;
+    ZQ_AlphaToDate(nullptr, &month, &day, &year);
+    EXPECT_TRUE(year == 0 && month == 0 && day == 0);
+    EXPECT_EQ(ZQ_AlphaToCodeDate(nullptr), 0);
+}
+
+TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
+    const struct {
+        const char* text;
+        int code;
+    } rows[] = {{"0930", 34200}, {"2359", 86340}, {"0000", 0}, {"093000", 0}, {"235959", 0},
+                {"2400", 0},     {"0960", 0},     {"930", 0},  {"-130", 0},   {" 9 5", 32700},
+                {"ab30", 1800},  {"", 0},         {nullptr, 0}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(ZQ_AlphaToCodeTime(row.text), row.code) << (row.text ? row.text : "null");
+    }
+    int hour = -1;
+    int minute = -1;
+    int second = 42;
+    ZQ_AlphaToTime("", &hour, &minute, &second);
+    EXPECT_TRUE(hour == 0 && minute == 0 && second == 42);
+    ZQ_AlphaToTime("123456", &hour, &minute, &second);
+    EXPECT_TRUE(hour == 12 && minute == 34 && second == 56);
+
+    char text[7];
+    EXPECT_STREQ(ZQ_CodeTimeToAlpha(86340, text), "235900");
+    EXPECT_STREQ(ZQ_CodeTimeToAlpha(-1, text), "000099");
+    EXPECT_STREQ(ZQ_CodeTimeToAlpha(INT_MAX, text), "991407");
+    EXPECT_STREQ(ZQ_CodeTimeToAlpha(INT_MIN, text), "999999");
+    char date[9];
+    EXPECT_STREQ(ZQ_DateToAlpha(-1, 100, 10000, date), "99999999");
+    EXPECT_STREQ(ZQ_DateToAlpha(1, 2, 3, date), "00030102");
+}
+
+TEST(Clock, ReadsAPresentDay) {
+    const int today = ZQ_GetCurrentDate();
+    EXPECT_GT(today, 45000);  // 2023
+    EXPECT_LE(today, 219145);
+    const int now = ZQ_GetCurrentTime();
+    EXPECT_GE(now, 0);
+    EXPECT_LT(now, 86400);
+}
+
+}  // namespace
