@@ -1,3 +1,105 @@
-int main() {
-    return 0;
+// qelutil: calendars, rules, times, texts and codes of a phone and its PC, from the command line.
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <system_error>
+
+#include "commands/Command.h"
+#include "platform/Console.h"
+
+namespace {
+
+using qel::cli::Context;
+
+// Every command's function, in the order in which --help lists them.
+using AddCommand = void (*)(CLI::App&, Context&);
+constexpr AddCommand kCommands[] = {nullptr};
+
+std::string commandLineOf(const CLI::App& app) {
+    std::string words = "qelutil";
+    for (const CLI::App* command : app.get_subcommands()) words += " " + command->get_name();
+    return words;
+}
+
+int usage(Context& context, const CLI::App& app, std::string text) {
+    while (!text.empty() && (text.back() == '.' || text.back() == '\n')) text.pop_back();
+    context.error(text + "; see `" + commandLineOf(app) + " --help`");
+    return qel::cli::kExitUsage;
+}
+
+int parseAndRun(Context& context, const std::vector<std::string>& words) {
+    CLI::App app(
+        "Turns a phone's calendar files into iCalendar and back, explains recurrence rules,\n"
+        "and converts times, texts and codes.",
+        "qelutil");
+    // A path such as /tmp/a.vcs is no option, on any platform.
+    app.allow_windows_style_options(false);
+    app.set_version_flag("--version", "qelutil " QELUTIL_VERSION);
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(30);
+    app.footer(
+        "Exit status: 0 when all is well, 1 when some input was bad, 2 when the command line "
+        "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
+    for (const AddCommand add : kCommands)
+        if (add != nullptr) add(app, context);
+    if (!words.empty() && words[0].rfind('-', 0) != 0 &&
+        app.get_subcommand_no_throw(words[0]) == nullptr)
+        return usage(context, app, "there is no command `" + words[0] + "`");
+    try {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::ParseError& problem) {
+        if (problem.get_exit_code() == 0) return app.exit(problem, context.out, std::cerr);
+        return usage(context, app, problem.what());
+    } catch (const qel::cli::UsageError& problem) {
+        return usage(context, app, problem.what());
+    }
+    return context.exitCode();
+}
+
+// Every way in which a run can end that is not a plain return.
+int guarded(Context& context, const std::vector<std::string>& words) {
+    try {
+        const int code = parseAndRun(context, words);
+        context.out.flush();
+        return code;
+    } catch (const std::ios_base::failure&) {
+        const int number = errno;
+        std::cout.exceptions(std::ios::goodbit);
+        std::cout.clear(std::ios::badbit);
+        context.error("the output cannot be written: " +
+                      std::error_code(number, std::generic_category()).message());
+    } catch (const qel::cli::InputError& problem) {
+        context.error(problem.what());
+    } catch (const std::bad_alloc&) {
+        context.error("memory is exhausted; give the input in smaller pieces");
+    } catch (const std::exception& problem) {
+        context.error(problem.what());
+    } catch (int code) {
+        context.error("the library gave up with code " + std::to_string(code));
+    } catch (const char* text) {
+        context.error(text);
+    }
+    return qel::cli::kExitBadInput;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qel::cli::platform::prepareStreams();
+    std::ios::sync_with_stdio(false);
+    std::cin.tie(nullptr);
+    std::cout.exceptions(std::ios::badbit);
+    Context context(std::cin, std::cout, std::cerr);
+    int code = qel::cli::kExitBadInput;
+    try {
+        code = guarded(context, qel::cli::platform::arguments(argc, argv));
+        std::cout.flush();
+    } catch (...) {
+        // Neither the output nor the message about it could be written: the exit code is all there
+        // is left to say it with.
+        code = qel::cli::kExitBadInput;
+    }
+    return code;
 }

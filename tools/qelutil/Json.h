@@ -1,0 +1,23 @@
+// How every command writes its facts with --json: one document, members in the order in which they
+// were set, two blanks of indentation, a line end. One thread.
+#ifndef QELUTIL_JSON_H
+#define QELUTIL_JSON_H
+
+#include <iosfwd>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+
+namespace qel::cli {
+
+using Json = nlohmann::ordered_json;
+
+// A text value: the text itself when it is UTF-8, else with each stray byte written as \xNN (and
+// nothing else escaped), for JSON holds no other bytes.
+[[nodiscard]] std::string jsonText(std::string_view text);
+
+void writeJson(std::ostream& out, const Json& document);
+
+}  // namespace qel::cli
+
+#endif

@@ -1,0 +1,28 @@
+// The program's own door to the operating system: declared once, defined in posix/ and in win32/.
+// One thread; prepareStreams is called once, before anything is read, written or opened.
+#ifndef QELUTIL_PLATFORM_CONSOLE_H
+#define QELUTIL_PLATFORM_CONSOLE_H
+
+#include <string>
+#include <vector>
+
+namespace qel::cli::platform {
+
+// Makes the three standard streams binary, keeps the numbers of closed ones from being handed to
+// files opened later (a write to a closed standard output must fail, not land in a file), and lets
+// a write to a broken pipe fail instead of ending the process.
+void prepareStreams();
+
+// The command line's words after the program's name, as UTF-8.
+[[nodiscard]] std::vector<std::string> arguments(int argc, char** argv);
+
+[[nodiscard]] bool outputIsTerminal();
+[[nodiscard]] bool errorIsTerminal();
+// Columns of the terminal on standard output; 0 when there is none or it does not say.
+[[nodiscard]] int outputColumns();
+// True when the terminal on standard output obeys ANSI escape sequences.
+[[nodiscard]] bool outputUnderstandsEscapes();
+
+}  // namespace qel::cli::platform
+
+#endif

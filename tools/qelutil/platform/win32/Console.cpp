@@ -1,0 +1,81 @@
+#include "platform/Console.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+// After windows.h, whose types it uses.
+#include <shellapi.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace qel::cli::platform {
+
+namespace {
+
+UINT previousOutputPage = 0;
+
+void restoreOutputPage() {
+    SetConsoleOutputCP(previousOutputPage);
+}
+
+bool isConsole(DWORD which) {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(which), &mode) != 0;
+}
+
+std::string toUtf8(const wchar_t* wide) {
+    const int needed = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+    if (needed <= 1) return {};
+    std::string text(static_cast<std::size_t>(needed), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide, -1, text.data(), needed, nullptr, nullptr);
+    text.pop_back();  // the terminator that was asked for with length -1
+    return text;
+}
+
+}  // namespace
+
+void prepareStreams() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    if (isConsole(STD_OUTPUT_HANDLE) || isConsole(STD_ERROR_HANDLE)) {
+        previousOutputPage = GetConsoleOutputCP();
+        if (previousOutputPage != 0 && SetConsoleOutputCP(CP_UTF8) != 0)
+            std::atexit(restoreOutputPage);
+    }
+}
+
+std::vector<std::string> arguments(int, char**) {
+    int count = 0;
+    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> words;
+    if (wide == nullptr) return words;
+    for (int i = 1; i < count; ++i) words.push_back(toUtf8(wide[i]));
+    LocalFree(wide);
+    return words;
+}
+
+bool outputIsTerminal() {
+    return isConsole(STD_OUTPUT_HANDLE);
+}
+
+bool errorIsTerminal() {
+    return isConsole(STD_ERROR_HANDLE);
+}
+
+int outputColumns() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) return 0;
+    return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+bool outputUnderstandsEscapes() {
+    constexpr DWORD kVirtualTerminal = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return GetConsoleMode(output, &mode) != 0 &&
+           SetConsoleMode(output, mode | kVirtualTerminal) != 0;
+}
+
+}  // namespace qel::cli::platform
