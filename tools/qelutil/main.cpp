@@ -44,9 +44,11 @@ int parseAndRun(Context& context, const std::vector<std::string>& words) {
         "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
     for (const AddCommand add : kCommands)
         if (add != nullptr) add(app, context);
-    if (!words.empty() && words[0].rfind('-', 0) != 0 &&
-        app.get_subcommand_no_throw(words[0]) == nullptr)
-        return usage(context, app, "there is no command `" + words[0] + "`");
+    if (!words.empty() && words[0].rfind('-', 0) != 0) {
+        const auto known =
+            app.get_subcommands([&](const CLI::App* each) { return each->check_name(words[0]); });
+        if (known.empty()) return usage(context, app, "there is no command `" + words[0] + "`");
+    }
     try {
         app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     } catch (const CLI::ParseError& problem) {
