@@ -1,0 +1,84 @@
+// Month grids: columns under the right weekday, marks, several months side by side.
+#include "MonthGrid.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+using namespace qel::cli;
+using namespace std::chrono_literals;
+using std::chrono::year_month_day;
+
+std::string grid(const std::vector<std::chrono::year_month>& months, const MarkedDays& marks,
+                 const MonthGridLayout& layout) {
+    std::ostringstream out;
+    writeMonths(out, months, marks, layout);
+    return out.str();
+}
+
+TEST(MonthGrid, ShowsMarkedDaysUnderTheirWeekday) {
+    const MarkedDays marks = {{2005y / 6 / 1, DayMark::Occurrence},
+                              {2005y / 6 / 15, DayMark::Occurrence},
+                              {2005y / 6 / 16, DayMark::Excluded},
+                              {2005y / 6 / 30, DayMark::Occurrence}};
+    EXPECT_EQ(grid({2005y / 6}, marks, {}),
+              "         June 2005\n"
+              " Su  Mo  Tu  We  Th  Fr  Sa\n"
+              "            [ 1]  2   3   4\n"
+              "  5   6   7   8   9  10  11\n"
+              " 12  13  14 [15](16) 17  18\n"
+              " 19  20  21  22  23  24  25\n"
+              " 26  27  28  29 [30]\n");
+    MonthGridLayout monday;
+    monday.firstDayOfWeek = std::chrono::Monday;
+    // A month that starts on the week's last day needs six weeks.
+    EXPECT_EQ(grid({2023y / 10}, {{2023y / 10 / 31, DayMark::Occurrence}}, monday),
+              "        October 2023\n"
+              " Mo  Tu  We  Th  Fr  Sa  Su\n"
+              "                          1\n"
+              "  2   3   4   5   6   7   8\n"
+              "  9  10  11  12  13  14  15\n"
+              " 16  17  18  19  20  21  22\n"
+              " 23  24  25  26  27  28  29\n"
+              " 30 [31]\n");
+}
+
+TEST(MonthGrid, PutsMonthsSideBySideAsThePageTakesThem) {
+    const MarkedDays marks = {{2024y / 2 / 29, DayMark::Occurrence},
+                              {2024y / 3 / 31, DayMark::Occurrence},
+                              {2024y / 3 / 1, DayMark::Occurrence},
+                              {2025y / 2 / 28, DayMark::Occurrence}};
+    const auto months = monthsWith(marks);
+    ASSERT_EQ(months.size(), 3U);
+    MonthGridLayout page;
+    page.width = 58;
+    EXPECT_EQ(grid(months, marks, page),
+              "       February 2024                   March 2024\n"
+              " Su  Mo  Tu  We  Th  Fr  Sa    Su  Mo  Tu  We  Th  Fr  Sa\n"
+              "                  1   2   3                       [ 1]  2\n"
+              "  4   5   6   7   8   9  10     3   4   5   6   7   8   9\n"
+              " 11  12  13  14  15  16  17    10  11  12  13  14  15  16\n"
+              " 18  19  20  21  22  23  24    17  18  19  20  21  22  23\n"
+              " 25  26  27  28 [29]           24  25  26  27  28  29  30\n"
+              "                              [31]\n"
+              "\n"
+              "       February 2025\n"
+              " Su  Mo  Tu  We  Th  Fr  Sa\n"
+              "                          1\n"
+              "  2   3   4   5   6   7   8\n"
+              "  9  10  11  12  13  14  15\n"
+              " 16  17  18  19  20  21  22\n"
+              " 23  24  25  26  27 [28]\n");
+    // A page narrower than a month, a month that is none, and highlighting, whose escape sequences
+    // take no columns.
+    page.width = -5;
+    page.highlight = true;
+    const std::string shown = grid({2024y / 13, 2024y / 3}, marks, page);
+    EXPECT_EQ(shown.find("         March 2024\n"), 0U) << shown;
+    EXPECT_NE(shown.find(" \x1b[7m 1\x1b[0m   2\n"), std::string::npos) << shown;
+    EXPECT_EQ(shown.find('['), shown.find("\x1b[") + 1);
+}
+
+}  // namespace

@@ -1,0 +1,47 @@
+// Runs qelutil with its log kept in a folder of the test's own. One thread.
+#ifndef QEL_TESTS_QELUTIL_QELUTIL_H
+#define QEL_TESTS_QELUTIL_QELUTIL_H
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "support/Process.h"
+#include "support/TempDir.h"
+
+namespace qel::test {
+
+class QelutilTest : public testing::Test {
+  protected:
+    ProcessResult run(const std::vector<std::string>& arguments,
+                      ProcessOptions options = {}) const {
+        options.environment.emplace("XDG_STATE_HOME", state_.path().string());
+        options.environment.emplace("APPDATA", state_.path().string());
+        return runProcess(QELUTIL_PROGRAM, arguments, options);
+    }
+
+    ProcessResult runWithInput(const std::vector<std::string>& arguments,
+                               const std::string& input) const {
+        ProcessOptions options;
+        options.input = input;
+        return run(arguments, options);
+    }
+
+    // The document that the command prints; a failure of the test when it is none.
+    nlohmann::ordered_json runJson(const std::vector<std::string>& arguments,
+                                   const std::string& input = {}) const {
+        const ProcessResult result = runWithInput(arguments, input);
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        auto document = nlohmann::ordered_json::parse(result.out, nullptr, false);
+        EXPECT_FALSE(document.is_discarded()) << result.out;
+        return document;
+    }
+
+    TempDir state_;
+};
+
+}  // namespace qel::test
+
+#endif
