@@ -37,6 +37,20 @@ struct LocalClock {
 // The local wall clock now; all zero when the system cannot tell.
 [[nodiscard]] LocalClock localClock() noexcept;
 
+// --- Locks (Lock.cpp) ----------------------------------------------------------------------------
+// A recursive lock of one process, in storage that its owner provides.
+
+constexpr std::size_t kLockSize = 6 * sizeof(void*);
+constexpr std::size_t kLockAlignment = alignof(void*);
+
+// `storage` is kLockSize bytes, aligned to kLockAlignment, that stay where they are until
+// lockDestroy. REQUIRES of the others: initialised; of lockLeave: held by the calling thread; of
+// lockDestroy: held by nobody.
+void lockInit(void* storage) noexcept;
+void lockEnter(void* storage) noexcept;
+void lockLeave(void* storage) noexcept;
+void lockDestroy(void* storage) noexcept;
+
 }  // namespace qel::platform
 
 #endif

@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -15,8 +16,10 @@ char* stringRealloc(char* block, std::size_t size) noexcept {
     const std::size_t before = stringBlockSize(block);
     char* grown = static_cast<char*>(std::realloc(block, size));
     if (grown != nullptr) {
-        const std::size_t after = malloc_usable_size(grown);
-        if (after > before) std::memset(grown + before, 0, after - before);
+        // What a block held beyond its new size is forgotten, so that it cannot come back as "new"
+        // bytes when the block grows again.
+        const std::size_t kept = std::min(before, size);
+        std::memset(grown + kept, 0, malloc_usable_size(grown) - kept);
     }
     return grown;
 }

@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <bit>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+
+#include "QelUtility/VStrArray.h"
+#include "strings/VStrArrayInternal.h"
+
+namespace {
+
+constexpr int kStep = 128;
+
+// Up to here a block holds exactly the elements that the array claims room for. Past it the block
+// is rounded up to a power of two, so that a list of a million items is not moved eight thousand
+// times; the array still claims its room in steps.
+constexpr int kExactBlock = 4096;
+constexpr int kMostElements = 1 << 30;
+
+constexpr int blockFor(int room) {
+    return room <= kExactBlock ? room
+                               : static_cast<int>(std::bit_ceil(static_cast<unsigned>(room)));
+}
+
+static_assert(blockFor(128) == 128 && blockFor(4096) == 4096 && blockFor(4224) == 8192);
+
+}  // namespace
+
+CBxArray<VStr>::CBxArray() : m_lastIndex(-1), m_size(0), m_data(nullptr) {
+    static_assert(offsetof(CBxArray<VStr>, m_lastIndex) == 0 &&
+                  offsetof(CBxArray<VStr>, m_size) == 4 && offsetof(CBxArray<VStr>, m_data) == 8);
+}
+
+CBxArray<VStr>::CBxArray(const CBxArray& o) : CBxArray() {
+    *this = o;
+}
+
+CBxArray<VStr>::~CBxArray() {
+    RemoveAll();
+}
+
+CBxArray<VStr>& CBxArray<VStr>::operator=(const CBxArray& o) {
+    if (this == &o) return *this;
+    RemoveAll();
+    if (o.m_data == nullptr) return *this;
+    m_data = qel::newStrings(blockFor(o.m_lastIndex + 1));
+    if (m_data == nullptr) return *this;
+    m_lastIndex = o.m_lastIndex;
+    m_size = o.m_size;
+    std::copy_n(o.m_data, m_size, m_data);
+    return *this;
+}
+
+int CBxArray<VStr>::GetSize() {
+    return m_size;
+}
+
+VStr* CBxArray<VStr>::GetPtr() {
+    return m_data;
+}
+
+bool CBxArray<VStr>::GrowForOne(bool moving) {
+    if (m_size <= m_lastIndex) return true;
+    const int room = m_lastIndex + 1 + kStep;
+    if (room > kMostElements) return false;
+    if (m_data == nullptr || blockFor(room) != blockFor(m_lastIndex + 1)) {
+        VStr* block = qel::newStrings(blockFor(room));
+        if (block == nullptr) return false;
+        for (int i = 0; i < m_size; ++i) {
+            if (moving) {
+                block[i] <<= m_data[i];
+            } else {
+                block[i] = m_data[i];
+            }
+        }
+        delete[] m_data;
+        m_data = block;
+    }
+    m_lastIndex = room - 1;
+    return true;
+}
+
+int CBxArray<VStr>::Add(VStr v) {
+    if (!GrowForOne(false)) return -1;
+    m_data[m_size] = v;
+    return m_size++;
+}
+
+VStr& CBxArray<VStr>::operator[](int i) {
+    if (i < 0 || i >= m_size) throw -1;
+    return m_data[i];
+}
+
+int CBxArray<VStr>::FindItem(VStr v) {
+    for (int i = 0; i < m_size; ++i) {
+        if (std::strcmp(m_data[i], v) == 0) return i;
+    }
+    return -1;
+}
+
+void CBxArray<VStr>::RemoveAll() {
+    delete[] m_data;
+    m_data = nullptr;
+    m_lastIndex = -1;
+    m_size = 0;
+}
+
+Bx_VStrArray::Bx_VStrArray() = default;
+Bx_VStrArray::Bx_VStrArray(const Bx_VStrArray& o) = default;
+Bx_VStrArray::~Bx_VStrArray() = default;
+Bx_VStrArray& Bx_VStrArray::operator=(const Bx_VStrArray& o) = default;
+
+int Bx_VStrArray::AddVStr(VStr& v) {
+    // Taken before the block grows: `v` may be one of its elements.
+    VStr taken;
+    taken <<= v;
+    if (!GrowForOne(true)) {
+        v <<= taken;
+        return -1;
+    }
+    m_data[m_size] <<= taken;
+    return m_size++;
+}
+
+int Bx_VStrArray::FindItemNoCase(const char* s) {
+    for (int i = 0; i < m_size; ++i) {
+        if (m_data[i].CompareNoCase(s) == 0) return i;
+    }
+    return -1;
+}

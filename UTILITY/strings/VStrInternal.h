@@ -1,0 +1,23 @@
+// What the sources of VStr share.
+#ifndef QEL_STRINGS_VSTRINTERNAL_H
+#define QEL_STRINGS_VSTRINTERNAL_H
+
+#include <climits>
+#include <cstddef>
+#include <cstring>
+
+namespace qel {
+
+// The longest text whose size with the terminator is still an `int`.
+constexpr int kMaxLength = INT_MAX - 1;
+
+// The number of bytes before the first NUL among the `room` bytes at `text`, at most kMaxLength.
+inline int textLength(const char* text, std::size_t room) {
+    const std::size_t most = room < static_cast<std::size_t>(kMaxLength) ? room : kMaxLength;
+    const void* end = most == 0 ? nullptr : std::memchr(text, '\0', most);
+    return static_cast<int>(end == nullptr ? most : static_cast<const char*>(end) - text);
+}
+
+}  // namespace qel
+
+#endif
