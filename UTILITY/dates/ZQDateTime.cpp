@@ -1,0 +1,106 @@
+// Date-time texts: reading, writing and moving them.
+#include <climits>
+#include <cstdint>
+
+#include "dates/CivilDate.h"
+#include "dates/ZQDateInternal.h"
+
+namespace {
+
+constexpr bool isBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Reads one number as scanf's "%<width>d" does: blanks, which do not count against the width, then
+// at most `width` characters of an optional sign and digits. False, with `value` untouched, when no
+// digit is found; `cursor` is then of no further use.
+bool scanNumber(const char*& cursor, int width, int& value) {
+    while (isBlank(*cursor)) ++cursor;
+    const bool negative = *cursor == '-';
+    if (*cursor == '-' || *cursor == '+') {
+        ++cursor;
+        --width;
+    }
+    if (!isDigit(*cursor)) return false;
+    int number = 0;
+    for (; width > 0 && isDigit(*cursor); --width, ++cursor) number = number * 10 + (*cursor - '0');
+    value = negative ? -number : number;
+    return true;
+}
+
+struct DateTimeFields {
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+};
+
+// The fields that scanf's "%4d%2d%2dT%2d%2d%2d" fills; those from the first mismatch on stay 0. The
+// T must follow the day at once, blanks may stand before any number.
+DateTimeFields scanDateTime(const char* text) {
+    DateTimeFields fields;
+    const bool dated = scanNumber(text, 4, fields.year) && scanNumber(text, 2, fields.month) &&
+                       scanNumber(text, 2, fields.day);
+    if (!dated || *text != 'T') return fields;
+    ++text;
+    // The first field that does not scan ends the reading.
+    static_cast<void>(scanNumber(text, 2, fields.hour) && scanNumber(text, 2, fields.minute) &&
+                      scanNumber(text, 2, fields.second));
+    return fields;
+}
+
+void appendDateTime(std::int64_t codeDate, std::int64_t codeTime, VStr& out, bool noUtc) {
+    char text[8 + 1 + 6 + 1 + 1];
+    // A day number outside the calendar, however large, is written as the day that does not decode.
+    ZQ_CodeDateToAlpha(qel::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1, text);
+    text[8] = 'T';
+    ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
+    text[15] = noUtc ? '\0' : 'Z';
+    text[16] = '\0';
+    out += text;
+}
+
+}  // namespace
+
+std::int64_t ZQ_DateTimeToSeconds(VStr text) {
+    const DateTimeFields fields = scanDateTime(text);
+    unsigned code = 0;
+    // A date that is refused counts as day 0; the time still counts.
+    ZQ_DateEncode(fields.month, fields.day, fields.year, &code);
+    return std::int64_t{code} * qel::kSecondsPerDay + std::int64_t{fields.hour} * 3600 +
+           std::int64_t{fields.minute} * 60 + fields.second;
+}
+
+void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc) {
+    appendDateTime(seconds / qel::kSecondsPerDay, seconds % qel::kSecondsPerDay, out, noUtc);
+}
+
+int ZQ_DateTimeToUnixTime(VStr text) {
+    const std::int64_t seconds =
+        ZQ_DateTimeToSeconds(text) - std::int64_t{qel::kUnixEpochCodeDate} * qel::kSecondsPerDay;
+    if (seconds < 1) return 0;
+    return seconds > INT_MAX ? INT_MAX : static_cast<int>(seconds);
+}
+
+const char* ZQ_UnixTimeToDateTime(int seconds, VStr& out, bool noUtc) {
+    appendDateTime(seconds / qel::kSecondsPerDay + qel::kUnixEpochCodeDate,
+                   seconds % qel::kSecondsPerDay, out, noUtc);
+    return out;
+}
+
+int ZQ_DateTimeDifference(VStr start, VStr end, int* seconds) {
+    const std::int64_t difference = ZQ_DateTimeToSeconds(end) - ZQ_DateTimeToSeconds(start);
+    if (seconds != nullptr) *seconds = static_cast<int>(difference);
+    return 0;
+}
+
+int ZQ_AddSeconds(VStr text, int seconds, VStr& out) {
+    const bool noUtc = text.Find('Z') < 0;
+    ZQ_SecondsToDateTime(ZQ_DateTimeToSeconds(text) + seconds, out, noUtc);
+    return 0;
+}
