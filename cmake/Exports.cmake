@@ -1,0 +1,87 @@
+# The exported names of the shared library, read from the binary itself. Run with cmake -P:
+#
+#   cmake -DMODE=check|write -DPLATFORM=linux|windows -DLIBRARY=FILE -DLIST=FILE
+#         -DTOOL=nm-or-objdump [-DCXXFILT=c++filt] -P Exports.cmake
+#
+# check compares them, name by name, with the checked-in list; write replaces the list, each name
+# followed by a tab and its demangled form. A Windows library must also be one for 32-bit x86.
+cmake_minimum_required(VERSION 3.22)
+
+function(run_tool result)
+    execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE code)
+    if(NOT code EQUAL 0)
+        message(FATAL_ERROR "${ARGN} failed: ${err}")
+    endif()
+    set(${result} "${out}" PARENT_SCOPE)
+endfunction()
+
+set(names "")
+if(PLATFORM STREQUAL "linux")
+    run_tool(dump ${TOOL} -D --defined-only ${LIBRARY})
+    # "0000000000001130 T ZQ_DateEncode", and for some tools "@@VERSION" behind the name.
+    string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n@]+" lines "${dump}")
+    foreach(line IN LISTS lines)
+        string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
+        list(APPEND names "${name}")
+    endforeach()
+else()
+    run_tool(format ${TOOL} -f ${LIBRARY})
+    if(NOT format MATCHES "file format pei-i386")
+        message(FATAL_ERROR "${LIBRARY} is no 32-bit Windows library: ${format}")
+    endif()
+    run_tool(dump ${TOOL} -p ${LIBRARY})
+    # The name table alone: "\t[   0] +base[   1] 0000 ZQ_DateEncode", one line for each export.
+    string(REGEX REPLACE "^.*\\[Ordinal/Name Pointer\\] Table" "" dump "${dump}")
+    string(REGEX REPLACE "\n\n.*$" "" dump "${dump}")
+    string(REPLACE "[" "(" dump "${dump}")
+    string(REPLACE "]" ")" dump "${dump}")
+    string(REGEX MATCHALL "\n\t\\( *[0-9]+\\)[^\n]+" lines "${dump}")
+    foreach(line IN LISTS lines)
+        string(REGEX REPLACE "^.* " "" name "${line}")
+        list(APPEND names "${name}")
+    endforeach()
+endif()
+list(REMOVE_DUPLICATES names)
+list(SORT names)
+if(NOT names)
+    message(FATAL_ERROR "${LIBRARY} exports nothing that ${TOOL} shows")
+endif()
+
+if(MODE STREQUAL "write")
+    set(text "")
+    foreach(name IN LISTS names)
+        execute_process(COMMAND ${CXXFILT} ${name} OUTPUT_VARIABLE plain
+                        OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(plain STREQUAL name)
+            string(APPEND text "${name}\n")
+        else()
+            string(APPEND text "${name}\t${plain}\n")
+        endif()
+    endforeach()
+    file(WRITE ${LIST} "${text}")
+    return()
+endif()
+
+file(STRINGS ${LIST} entries)
+set(expected "")
+foreach(entry IN LISTS entries)
+    string(REGEX REPLACE "\t.*$" "" name "${entry}")
+    list(APPEND expected "${name}")
+endforeach()
+set(differences "")
+foreach(name IN LISTS expected)
+    if(NOT name IN_LIST names)
+        string(APPEND differences "  missing:    ${name}\n")
+    endif()
+endforeach()
+foreach(name IN LISTS names)
+    if(NOT name IN_LIST expected)
+        string(APPEND differences "  unexpected: ${name}\n")
+    endif()
+endforeach()
+if(differences)
+    message(
+        FATAL_ERROR
+            "${LIBRARY} does not export what ${LIST} says:\n${differences}"
+            "When the change of the interface is meant, run cmake/update-exports and review the lists.")
+endif()
