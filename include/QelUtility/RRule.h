@@ -8,8 +8,7 @@
 #include <cstddef>
 
 #include "QelUtility/QelTypes.h"
-
-class VStr;
+#include "QelUtility/VStr.h"
 
 // _rruleRepeat::freq. Readers set exactly one bit; where several are set, YEARLY wins over MONTHLY,
 // MONTHLY over WEEKLY, WEEKLY over DAILY.

@@ -1,0 +1,102 @@
+// What the rule readers and writers share inside the library, and the positional writer, which is
+// not exported. Stateless; any thread may call.
+#ifndef QELUTILITY_RRULEINTERNAL_H
+#define QELUTILITY_RRULEINTERNAL_H
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include "QelUtility/RRule.h"
+#include "QelUtility/VStr.h"
+
+namespace qel {
+
+// The two-letter day codes by weekday, 1 Sunday .. 7 Saturday; entry 0 is no day.
+inline constexpr std::array<const char*, 8> kDayCodes = {"",   "SU", "MO", "TU",
+                                                         "WE", "TH", "FR", "SA"};
+
+// A frequency's bit and its RFC 2445 name; the order is the writers' order of precedence.
+struct RRuleFrequencyName {
+    unsigned char bit;
+    const char* name;
+};
+inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
+    {{RRULE_FREQ_YEARLY, "YEARLY"},
+     {RRULE_FREQ_MONTHLY, "MONTHLY"},
+     {RRULE_FREQ_WEEKLY, "WEEKLY"},
+     {RRULE_FREQ_DAILY, "DAILY"}}};
+
+// The list writers. Each appends one set of `rule` to `out`, its items parted by `separator`.
+
+// "SU" .. "SA" for each bit of byDay.
+void RRule_AppendDays(const _rruleRepeat& rule, VStr& out, char separator);
+// The positive days ascending, then the negative ones by ascending magnitude: "-1", but "1-" when
+// the items are parted by spaces (vCalendar's form of the last day).
+void RRule_AppendMonthDays(const _rruleRepeat& rule, VStr& out, char separator);
+// 1 .. 366, then -1 .. -366.
+void RRule_AppendYearDays(const _rruleRepeat& rule, VStr& out, char separator);
+// 1 .. 53, then -1 .. -53, parted by commas.
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, VStr& out);
+// "1" .. "12" for each bit of byMonth.
+void RRule_AppendMonths(const _rruleRepeat& rule, VStr& out, char separator);
+// Every slot of setPos that is not free, in slot order, parted by commas.
+void RRule_AppendSetPositions(const _rruleRepeat& rule, VStr& out);
+
+// Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
+// returns out's text, or null when no frequency bit is set. With `withTime`, what a reader yields
+// for values in range is read back to the same record: INTERVAL is always written, COUNT whenever
+// there is no UNTIL and it is not the default, WKST as the first weekday of `wkst` that is not the
+// default Sunday. Without it UNTIL keeps its date alone.
+const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime);
+
+// Appends `until` as a date-time in UTC ("20051231T000000Z"), or its eight-digit date alone.
+void RRule_AppendUntil(__int64 until, VStr& out, bool withTime);
+
+// The items of a text as CBxParseValues yields them for one separator (no escapes), without its
+// array: that one grows by 128 items at a time, so that a hostile text of a million items would
+// cost thousands of millions of moves. The text must outlive the cursor and its items.
+class RuleItems {
+  public:
+    enum class Empty { kDrop, kKeep };
+
+    RuleItems(std::string_view text, char separator, Empty empty)
+        : rest_(text), separator_(separator), keepEmpty_(empty == Empty::kKeep) {}
+
+    // Reads the next item; false when there is none.
+    bool next(std::string_view& item);
+
+    // With empty items kept: whether the item just read was the last one.
+    bool atEnd() const { return ended_; }
+
+  private:
+    std::string_view rest_;
+    char separator_;
+    bool keepEmpty_;
+    bool ended_ = false;
+};
+
+// The number at the start of an item: white space, a sign and digits as atoi reads them, anything
+// else ends it, no digits give 0. Saturates at 32 bits.
+int RRule_Number(std::string_view item);
+
+// Whether two texts are equal but for the case of ASCII letters.
+bool RRule_EqualNoCase(std::string_view a, std::string_view b);
+
+// The weekday, 1 .. 7, whose code `text` is, or 0.
+int RRule_DayOfCode(std::string_view text);
+int RRule_DayOfCodeNoCase(std::string_view text);
+
+// What every reader starts with: *flags (may be null) to 0, `rule` to its defaults.
+void RRule_Start(_rruleRepeat* rule, int* flags);
+
+// Takes `text` as the end date: *flags gets RRULE_UNTIL_HAS_TIME when it is longer than 8
+// characters. Returns its seconds since 1 January 1900 (0 when it cannot be read).
+__int64 RRule_ReadUntil(std::string_view text, int* flags);
+
+// Reports an unknown frequency and returns the readers' result for it, -1.
+int RRule_BadFrequency(std::string_view text);
+
+}  // namespace qel
+
+#endif

@@ -1,0 +1,91 @@
+// The list writers that the rule writers share.
+#include <cstdio>
+
+#include "recurrence/RRuleInternal.h"
+
+namespace qel {
+
+namespace {
+
+// Puts the separator between items, never before the first or after the last.
+class ItemWriter {
+  public:
+    ItemWriter(VStr& out, char separator) : out_(out), separator_(separator) {}
+
+    void text(const char* item) {
+        if (!first_) out_ += separator_;
+        first_ = false;
+        out_ += item;
+    }
+
+    void number(const char* format, int value) {
+        char item[16];
+        std::snprintf(item, sizeof item, format, value);
+        text(item);
+    }
+
+  private:
+    VStr& out_;
+    char separator_;
+    bool first_ = true;
+};
+
+bool hasBit(unsigned long long set, int bit) {
+    return (set >> bit & 1) != 0;
+}
+
+}  // namespace
+
+void RRule_AppendDays(const _rruleRepeat& rule, VStr& out, char separator) {
+    ItemWriter items(out, separator);
+    for (int day = 1; day <= 7; ++day) {
+        if (hasBit(rule.byDay, day)) items.text(kDayCodes[static_cast<std::size_t>(day)]);
+    }
+}
+
+void RRule_AppendMonthDays(const _rruleRepeat& rule, VStr& out, char separator) {
+    ItemWriter items(out, separator);
+    for (int day = 1; day <= 31; ++day) {
+        if (hasBit(rule.byMonthDay, day)) items.number("%d", day);
+    }
+    const char* negative = separator == ' ' ? "%d-" : "-%d";
+    for (int day = 1; day <= 31; ++day) {
+        if (hasBit(rule.byMonthDayNeg, day)) items.number(negative, day);
+    }
+}
+
+void RRule_AppendYearDays(const _rruleRepeat& rule, VStr& out, char separator) {
+    ItemWriter items(out, separator);
+    for (int day = 1; day <= 366; ++day) {
+        if (hasBit(rule.byYearDay[day / 64], day % 64)) items.number("%d", day);
+    }
+    for (int day = 1; day <= 366; ++day) {
+        if (hasBit(rule.byYearDayNeg[day / 64], day % 64)) items.number("-%d", day);
+    }
+}
+
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, VStr& out) {
+    ItemWriter items(out, ',');
+    for (int week = 1; week <= 53; ++week) {
+        if (hasBit(rule.byWeekNo, week)) items.number("%d", week);
+    }
+    for (int week = 1; week <= 53; ++week) {
+        if (hasBit(rule.byWeekNoNeg, week)) items.number("-%d", week);
+    }
+}
+
+void RRule_AppendMonths(const _rruleRepeat& rule, VStr& out, char separator) {
+    ItemWriter items(out, separator);
+    for (int month = 1; month <= 12; ++month) {
+        if (hasBit(rule.byMonth, month)) items.number("%d", month);
+    }
+}
+
+void RRule_AppendSetPositions(const _rruleRepeat& rule, VStr& out) {
+    ItemWriter items(out, ',');
+    for (short position : rule.setPos) {
+        if (position != 0) items.number("%d", position);
+    }
+}
+
+}  // namespace qel

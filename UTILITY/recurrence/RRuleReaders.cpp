@@ -1,0 +1,209 @@
+// The readers of the positional and the iCalendar form. Both find the texts of a rule's fields and
+// hand them to one set of rules.
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "QelUtility/RRule.h"
+#include "recurrence/RRuleInternal.h"
+
+namespace qel {
+
+namespace {
+
+constexpr int kPositions = 4;        // slots of setPos
+constexpr int kLongestOrdinal = 3;   // characters of an ordinal that BYDAY skips
+constexpr long long kYearWords = 6;  // words of byYearDay
+
+// The fields that are read, in the order of the positional form; it has three more, BYSECOND,
+// BYMINUTE and BYHOUR, between INTERVAL and BYDAY.
+enum Field : std::size_t {
+    kFreq,
+    kUntil,
+    kCount,
+    kInterval,
+    kByDay,
+    kByMonthDay,
+    kByYearDay,
+    kByWeekNo,
+    kByMonth,
+    kBySetPos,
+    kWeekStart,
+    kFields
+};
+constexpr std::size_t kFirstUnread = 4;  // positional index of BYSECOND
+constexpr std::size_t kUnread = 3;
+
+// A field that is missing has an empty text; both set nothing.
+using Fields = std::array<std::string_view, kFields>;
+
+bool isLetter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// Calls `use` with each item of a list; a list with any item is present, whatever it holds.
+template <typename Use>
+void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use) {
+    RRuleItems items(list, ',', RRuleItems::Empty::kDrop);
+    std::string_view item;
+    while (items.next(item)) {
+        rule.type |= part;
+        use(item);
+    }
+}
+
+// Ordinals go to the slots of setPos; returns the number of slots used.
+int readByDay(std::string_view list, _rruleRepeat& rule) {
+    int positions = 0;
+    readList(list, rule, RRULE_TYPE_BYDAY, [&](std::string_view item) {
+        if (const int ordinal = RRule_Number(item); ordinal != 0) {
+            rule.type |= RRULE_TYPE_BYSETPOS;
+            if (positions < kPositions) rule.setPos[positions++] = static_cast<short>(ordinal);
+        }
+        for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i) {
+            item.remove_prefix(1);
+        }
+        if (const int day = RRule_DayOfCodeNoCase(item); day != 0) {
+            rule.byDay |= static_cast<unsigned char>(1U << day);
+        }
+    });
+    return positions;
+}
+
+void readByMonthDay(std::string_view list, _rruleRepeat& rule) {
+    readList(list, rule, RRULE_TYPE_BYMONTHDAY, [&](std::string_view item) {
+        const long long n = RRule_Number(item);
+        if (n > 0) rule.byMonthDay |= 1U << (n % 32);
+        if (n < 0) rule.byMonthDayNeg |= 1U << (-n % 32);
+    });
+}
+
+void readByYearDay(std::string_view list, _rruleRepeat& rule) {
+    readList(list, rule, RRULE_TYPE_BYYEARDAY, [&](std::string_view item) {
+        const long long n = RRule_Number(item);
+        const long long magnitude = n < 0 ? -n : n;
+        if (n == 0 || magnitude / 64 >= kYearWords) return;
+        const unsigned long long bit = 1ULL << (magnitude % 64);
+        if (n > 0) {
+            rule.byYearDay[magnitude / 64] |= bit;
+        } else {
+            rule.byYearDayNeg[magnitude / 64] |= bit;
+        }
+    });
+}
+
+void readByWeekNo(std::string_view list, _rruleRepeat& rule) {
+    readList(list, rule, RRULE_TYPE_BYWEEKNO, [&](std::string_view item) {
+        const long long n = RRule_Number(item);
+        if (n > 0 && n < 64) rule.byWeekNo |= 1ULL << n;
+        if (n < 0 && n > -64) rule.byWeekNoNeg |= 1ULL << -n;
+    });
+}
+
+// No range is tested: "0" and 13 to 15 set bits that are no month's.
+void readByMonth(std::string_view list, _rruleRepeat& rule) {
+    readList(list, rule, RRULE_TYPE_BYMONTH, [&](std::string_view item) {
+        const auto bit = 1U << (static_cast<unsigned>(RRule_Number(item)) % 32);
+        rule.byMonth |= static_cast<unsigned short>(bit);
+    });
+}
+
+// The slots that BYDAY's ordinals took are passed over together with as many items of this list:
+// after one ordinal, item 1 goes to slot 1 and item 0 nowhere.
+void readBySetPos(std::string_view list, _rruleRepeat& rule, int slotsTaken) {
+    int index = 0;
+    readList(list, rule, RRULE_TYPE_BYSETPOS, [&](std::string_view item) {
+        if (index >= kPositions) return;
+        if (index >= slotsTaken) rule.setPos[index] = static_cast<short>(RRule_Number(item));
+        ++index;
+    });
+}
+
+// UNTIL, or COUNT where there is none, and INTERVAL.
+void readBounds(const Fields& fields, _rruleRepeat& rule, int* flags) {
+    if (!fields[kUntil].empty()) {
+        const __int64 until = RRule_ReadUntil(fields[kUntil], flags);
+        if (until >= 0) rule.until = until;
+    }
+    if (rule.until < 0 && !fields[kCount].empty()) {
+        rule.count = static_cast<short>(RRule_Number(fields[kCount]));
+    }
+    const int interval = RRule_Number(fields[kInterval]);
+    if (interval > 0) rule.interval = static_cast<short>(interval);
+}
+
+int readFields(const Fields& fields, _rruleRepeat& rule, int* flags) {
+    for (const auto& frequency : kFrequencyNames) {
+        if (RRule_EqualNoCase(fields[kFreq], frequency.name)) rule.freq = frequency.bit;
+    }
+    if (rule.freq == 0) return RRule_BadFrequency(fields[kFreq]);
+    readBounds(fields, rule, flags);
+    const int slotsTaken = readByDay(fields[kByDay], rule);
+    readByMonthDay(fields[kByMonthDay], rule);
+    readByYearDay(fields[kByYearDay], rule);
+    readByWeekNo(fields[kByWeekNo], rule);
+    readByMonth(fields[kByMonth], rule);
+    readBySetPos(fields[kBySetPos], rule, slotsTaken);
+    if (const int day = RRule_DayOfCodeNoCase(fields[kWeekStart]); day != 0) {
+        rule.wkst |= static_cast<unsigned char>(1U << day);
+    }
+    return QEL_OK;
+}
+
+// The names under which the iCalendar reader seeks its fields. The month days come from BYMONTH and
+// the week start from BYWEEKST: parts named BYMONTHDAY and WKST are not read.
+constexpr std::array<std::string_view, kFields> kNames = {
+    "FREQ",      "UNTIL",    "COUNT",   "INTERVAL", "BYDAY",   "BYMONTH",
+    "BYYEARDAY", "BYWEEKNO", "BYMONTH", "BYSETPOS", "BYWEEKST"};
+
+// Of a name that comes twice the first value counts, an empty one too.
+Fields namedFields(std::string_view text) {
+    std::array<std::optional<std::string_view>, kFields> found;
+    RRuleItems items(text, ';', RRuleItems::Empty::kDrop);
+    std::string_view item;
+    while (items.next(item)) {
+        const std::size_t equals = item.find('=');
+        if (equals == std::string_view::npos) continue;
+        const std::string_view name = item.substr(0, equals);
+        for (std::size_t field = 0; field < kFields; ++field) {
+            if (!found[field] && name == kNames[field]) found[field] = item.substr(equals + 1);
+        }
+    }
+    Fields fields;
+    for (std::size_t field = 0; field < kFields; ++field) {
+        fields[field] = found[field].value_or(std::string_view());
+    }
+    return fields;
+}
+
+Fields positionalFields(std::string_view text) {
+    Fields fields;
+    RRuleItems items(text, ';', RRuleItems::Empty::kKeep);
+    std::string_view item;
+    for (std::size_t index = 0; index < kFields + kUnread && items.next(item); ++index) {
+        if (index < kFirstUnread) {
+            fields[index] = item;
+        } else if (index >= kFirstUnread + kUnread) {
+            fields[index - kUnread] = item;
+        }
+    }
+    return fields;
+}
+
+}  // namespace
+
+}  // namespace qel
+
+using namespace qel;
+
+int BxUtil_PositionaltoRRULE(const char* text, _rruleRepeat* rule, int* flags) {
+    RRule_Start(rule, flags);
+    if (rule == nullptr) return QEL_FAILED;
+    return readFields(positionalFields(text != nullptr ? text : ""), *rule, flags);
+}
+
+int BxUtil_PositionalV20toRRULE(const char* text, _rruleRepeat* rule, int* flags) {
+    RRule_Start(rule, flags);
+    if (rule == nullptr) return QEL_FAILED;
+    return readFields(namedFields(text != nullptr ? text : ""), *rule, flags);
+}
