@@ -56,11 +56,11 @@ void RRule_AppendUntil(__int64 until, VStr& out, bool withTime);
 // The items of a text as CBxParseValues yields them for one separator (no escapes), without its
 // array: that one grows by 128 items at a time, so that a hostile text of a million items would
 // cost thousands of millions of moves. The text must outlive the cursor and its items.
-class RuleItems {
+class RRuleItems {
   public:
     enum class Empty { kDrop, kKeep };
 
-    RuleItems(std::string_view text, char separator, Empty empty)
+    RRuleItems(std::string_view text, char separator, Empty empty)
         : rest_(text), separator_(separator), keepEmpty_(empty == Empty::kKeep) {}
 
     // Reads the next item; false when there is none.

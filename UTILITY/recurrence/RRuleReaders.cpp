@@ -47,7 +47,7 @@ void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use
     RRuleItems items(list, ',', RRuleItems::Empty::kDrop);
     std::string_view item;
     while (items.next(item)) {
-        rule.type |= part;
+        rule.type |= static_cast<short>(part);
         use(item);
     }
 }
