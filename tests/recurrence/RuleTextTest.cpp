@@ -39,7 +39,7 @@ constexpr Row kV10Rows[] = {
      "FREQ=WEEKLY;UNTIL=20051231T120000Z;INTERVAL=1;BYDAY=MO", "W1 MO 20051231T120000Z",
      "WEEKLY;20051231T120000Z;;1;;;;MO"},
     // A last token of 8 characters is the end date whatever it says.
-    {"D1 whenever", "DAILY until=0+0 time", "FREQ=DAILY;UNTIL=19000101T000000Z;INTERVAL=1",
+    {"D1 whenever", "DAILY until=0+0", "FREQ=DAILY;UNTIL=19000101T000000Z;INTERVAL=1",
      "D1 19000101T000000Z", "DAILY;19000101T000000Z;;1"},
     // A blank at the end makes an empty last token, and "#3" a modifier.
     {"W1 MO #3 ", "WEEKLY parts=BYDAY days=2", "FREQ=WEEKLY;INTERVAL=1;BYDAY=MO", "W1 MO #0",
