@@ -1,0 +1,175 @@
+// The converter's descriptor level: open, convert, close.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include "encodings/BxCharConvInternal.h"
+#include "platform/Platform.h"
+
+namespace qel {
+namespace {
+
+constexpr std::uint32_t kUtf8CodePage = 65001;
+constexpr std::uint32_t kDefaultCodePage = 0;
+constexpr char16_t kByteOrderMark = 0xFEFF;
+constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
+
+char foldedToLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Only these two names are looked at as names. So "8859-2" is page 8859, which no system has, and
+// "SJIS" is the default page: the connector's own meaning of its list, not an oversight.
+std::uint32_t codePageOf(const char* name) {
+    if (sameName(name, "UTF-8")) return kUtf8CodePage;
+    if (sameName(name, "8859-1")) return kDefaultCodePage;
+    std::uint64_t value = 0;
+    for (; *name >= '0' && *name <= '9'; ++name) {
+        value = value * 10 + static_cast<std::uint64_t>(*name - '0');
+        value = std::min<std::uint64_t>(value, std::numeric_limits<std::uint32_t>::max());
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
+int errorOf(platform::CodePageFailure failure) {
+    switch (failure) {
+        case platform::CodePageFailure::kNoRoom:
+            return kErrorTooBig;
+        case platform::CodePageFailure::kInvalid:
+            return kErrorInvalidSequence;
+        default:
+            return kErrorBadDescriptor;
+    }
+}
+
+// The work buffer with at least `need` units, all of it zero; false when memory is exhausted.
+bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
+    if (cd.wideBufCount < need) {
+        if (need > std::numeric_limits<std::uint32_t>::max() ||
+            need > std::numeric_limits<std::size_t>::max() / sizeof(char16_t)) {
+            return false;
+        }
+        const auto bytes = static_cast<std::size_t>(need) * sizeof(char16_t);
+        void* grown = std::realloc(cd.wideBuf, bytes);
+        if (grown == nullptr) return false;
+        cd.wideBuf = static_cast<char16_t*>(grown);
+        cd.wideBufCount = static_cast<std::uint32_t>(need);
+    }
+    std::fill_n(cd.wideBuf, cd.wideBufCount, u'\0');
+    return true;
+}
+
+void release(_iconv_info* cd) {
+    std::free(cd->toName);
+    std::free(cd->fromName);
+    std::free(cd->wideBuf);
+    std::free(cd);
+}
+
+}  // namespace
+
+bool sameName(const char* a, const char* b) {
+    while (*a != '\0' && foldedToLower(*a) == foldedToLower(*b)) {
+        ++a;
+        ++b;
+    }
+    return foldedToLower(*a) == foldedToLower(*b);
+}
+
+char* duplicate(const char* text) {
+    if (text == nullptr) return nullptr;
+    const std::size_t size = std::strlen(text) + 1;
+    auto* copy = static_cast<char*>(std::malloc(size));
+    if (copy != nullptr) std::memcpy(copy, text, size);
+    return copy;
+}
+
+}  // namespace qel
+
+unsigned int CBxCharConvSvcs::Fail(int error) {
+    m_lastError = error;
+    return qel::kIconvFailed;
+}
+
+_iconv_info* CBxCharConvSvcs::iconv_open(const char* to, const char* from) {
+    if (to == nullptr || *to == '\0' || from == nullptr || *from == '\0') {
+        m_lastError = qel::kErrorInvalidArgument;
+        return qel::failedOpen();
+    }
+    auto* cd = static_cast<_iconv_info*>(std::calloc(1, sizeof(_iconv_info)));
+    if (cd != nullptr) {
+        cd->toName = qel::duplicate(to);
+        cd->fromName = qel::duplicate(from);
+    }
+    if (cd == nullptr || cd->toName == nullptr || cd->fromName == nullptr) {
+        if (cd != nullptr) qel::release(cd);
+        m_lastError = qel::kErrorNoMemory;
+        return qel::failedOpen();
+    }
+    cd->toCodePage = qel::codePageOf(to);
+    cd->fromCodePage = qel::codePageOf(from);
+    cd->useCodePages = 1;
+    return cd;
+}
+
+int CBxCharConvSvcs::iconv_close(_iconv_info* cd) {
+    if (cd == nullptr || cd == qel::failedOpen()) {
+        m_lastError = qel::kErrorBadDescriptor;
+        return -1;
+    }
+    if (cd == m_handle) {
+        m_handle = nullptr;
+        m_initialized = false;
+    }
+    qel::release(cd);
+    return 0;
+}
+
+unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned int* inLeft,
+                                    char** out, unsigned int* outLeft) {
+    if (cd == qel::failedOpen()) cd = nullptr;
+    if (cd != nullptr && (in == nullptr || *in == nullptr)) return 0;
+    const bool available = qel::platform::codePagesAvailable();
+    if (cd != nullptr && !available) cd->useCodePages = 0;
+    if (cd == nullptr || inLeft == nullptr || out == nullptr || *out == nullptr ||
+        outLeft == nullptr) {
+        return Fail(qel::kErrorBadDescriptor);
+    }
+    if (cd->useCodePages != 0 && *inLeft != 0) {
+        return ConvertThroughUtf16(*cd, in, inLeft, out, outLeft);
+    }
+
+    const unsigned int copied = std::min(*inLeft, *outLeft);
+    std::memmove(*out, *in, copied);
+    *in += copied;
+    *inLeft -= copied;
+    *out += copied;
+    *outLeft -= copied;
+    return *inLeft != 0 ? Fail(qel::kErrorTooBig) : copied;
+}
+
+unsigned int CBxCharConvSvcs::ConvertThroughUtf16(_iconv_info& cd, const char** in,
+                                                  unsigned int* inLeft, char** out,
+                                                  unsigned int* outLeft) {
+    // One unit more than any text decodes to, so that a zero follows it.
+    const std::uint64_t need = std::uint64_t{*inLeft} + 1;
+    if (!qel::prepareWideBuf(cd, need)) return Fail(qel::kErrorNoMemory);
+    const auto decoded = qel::platform::decodeCodePage(cd.fromCodePage, *in, *inLeft, cd.wideBuf,
+                                                       static_cast<std::uint32_t>(need));
+    if (decoded.count == 0) return Fail(qel::errorOf(decoded.failure));
+
+    // A byte-order mark is left out but still counted: the zero unit after the text is encoded in
+    // its place, and the result ends in a NUL byte.
+    const char16_t* text = cd.wideBuf;
+    if (*text == qel::kByteOrderMark || *text == qel::kSwappedByteOrderMark) ++text;
+    const auto encoded =
+        qel::platform::encodeCodePage(cd.toCodePage, text, decoded.count, *out, *outLeft);
+    if (encoded.count == 0) return Fail(qel::errorOf(encoded.failure));
+
+    *in += *inLeft;
+    *inLeft = 0;
+    *out += encoded.count;
+    *outLeft -= encoded.count;
+    return 1;
+}
