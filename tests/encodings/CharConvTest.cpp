@@ -1,0 +1,350 @@
+// The converter between character sets: set-up, the descriptor level's codes, resynchronisation,
+// conversion in place, and real texts in both directions.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "QelUtility/BxCharConv.h"
+#include "platform/Platform.h"
+#include "support/TempDir.h"
+
+namespace {
+
+// Reaches the protected call.
+class Converter : public CBxCharConvSvcs {
+  public:
+    using CBxCharConvSvcs::BxConvChar_guts;
+};
+
+// Windows replaces invalid input where others refuse it.
+const bool kStrict = [] {
+    char16_t unit[4] = {};
+    return qel::platform::codePagesAvailable() &&
+           qel::platform::decodeCodePage(65001, "\xFF", 1, unit, 4).failure ==
+               qel::platform::CodePageFailure::kInvalid;
+}();
+
+struct Outcome {
+    int result;
+    std::string text;
+    unsigned int inLeft;
+};
+
+Outcome convert(CBxCharConvSvcs& converter, const std::string& text, unsigned int room) {
+    std::vector<char> buffer(room + 1, '~');
+    const char* in = text.data();
+    auto inLeft = static_cast<unsigned int>(text.size());
+    char* out = buffer.data();
+    unsigned int outLeft = room;
+    const int result = converter.BxConvChar(in, inLeft, out, outLeft);
+    EXPECT_EQ(in + inLeft, text.data() + text.size());
+    EXPECT_EQ(out + outLeft, buffer.data() + room);
+    EXPECT_EQ(buffer[room], '~');
+    return {result, {buffer.data(), out}, inLeft};
+}
+
+std::string converted(const char* to, const char* from, const std::string& text) {
+    CBxCharConvSvcs converter;
+    EXPECT_EQ(converter.Initialize(to, from), 0);
+    const Outcome outcome =
+        convert(converter, text, static_cast<unsigned int>(3 * text.size() + 4));
+    EXPECT_EQ(outcome.result, 0) << to << " from " << from;
+    EXPECT_EQ(outcome.inLeft, 0U);
+    return outcome.text;
+}
+
+TEST(CharConv, LooksNamesUpAndKeepsWhatItHasOnAFailure) {
+    const char** names = CBxCharConvSvcs::GetCharSetNames();
+    EXPECT_STREQ(names[0], "UTF-8");
+    EXPECT_STREQ(names[16], "SJIS");
+    EXPECT_STREQ(names[17], "");
+
+    CBxCharConvSvcs converter;
+    EXPECT_EQ(converter.LastError(), 0);
+    ASSERT_EQ(converter.Initialize("utf-8", "sJIS"), 0);
+    EXPECT_STREQ(converter.ToName(), "UTF-8");
+    EXPECT_STREQ(converter.FromName(), "SJIS");
+    const char* const bad[][2] = {{"UTF-8", "utf-8"}, {"UTF-8", "1252"}, {"UTF-8", ""},
+                                  {"", "936"},        {nullptr, "936"},  {"936", nullptr},
+                                  {"8859-11", "936"}, {"UTF-8 ", "936"}};
+    for (const auto& pair : bad) {
+        EXPECT_EQ(converter.Initialize(pair[0], pair[1]), QEL_NOT_INITIALIZED);
+        EXPECT_TRUE(converter.IsInitialized());
+        EXPECT_STREQ(converter.FromName(), "SJIS");
+    }
+    ASSERT_EQ(converter.InitializeTo("936"), 0);
+    EXPECT_STREQ(converter.ToName(), "936");
+    EXPECT_STREQ(converter.FromName(), "UTF-8");
+}
+
+TEST(CharConv, ConvertsTheSetsThatHaveCodePages) {
+    const struct {
+        const char* set;
+        std::string encoded;
+        std::string utf8;
+    } rows[] = {
+        {"8859-1", "Z\xFCrich \x80", "Z\xC3\xBCrich \xE2\x82\xAC"},
+        {"SJIS", "\xE9", "\xC3\xA9"},  // the default set, by its name's lack of digits
+        {"936", "\xC4\xE3\xBA\xC3 ok", "\xE4\xBD\xA0\xE5\xA5\xBD ok"},
+        {"950", "\xA7\x41\xA6\x6E", "\xE4\xBD\xA0\xE5\xA5\xBD"},
+        {"936", std::string("a\0b", 3), std::string("a\0b", 3)},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(converted("UTF-8", row.set, row.encoded), row.utf8) << row.set;
+        EXPECT_EQ(converted(row.set, "UTF-8", row.utf8), row.encoded) << row.set;
+    }
+    EXPECT_EQ(converted("8859-1", "936", "\xA8\xA6"), "\xE9");
+    // What the target lacks: one "?" for each UTF-16 unit.
+    EXPECT_EQ(converted("8859-1", "UTF-8",
+                        "a\xE4\xBD\xA0"
+                        "b\xF0\x9F\x98\x80"),
+              "a?b??");
+    EXPECT_EQ(converted("UTF-8", "8859-1", ""), "");
+}
+
+TEST(CharConv, RefusesThePartsOf8859AndWhatIsNotInitialised) {
+    Converter converter;
+    const char* in = "abc";
+    unsigned int inLeft = 3;
+    char buffer[8];
+    char* out = buffer;
+    unsigned int outLeft = sizeof buffer;
+    EXPECT_EQ(converter.BxConvChar_guts(in, inLeft, out, outLeft), QEL_NOT_INITIALIZED);
+    EXPECT_EQ(converter.BxConvChar(in, inLeft, out, outLeft), BX_CONV_FAILED);
+    VStr text("abc");
+    EXPECT_EQ(converter.BxConvChar(text), BX_CONV_FAILED);
+
+    for (const bool from : {true, false}) {
+        ASSERT_EQ(from ? converter.InitializeFrom("8859-5") : converter.InitializeTo("8859-10"), 0);
+        EXPECT_EQ(converter.BxConvChar_guts(in, inLeft, out, outLeft), BX_CONV_REFUSED);
+        EXPECT_EQ(converter.LastError(), 9);
+        EXPECT_EQ(converter.BxConvChar(in, inLeft, out, outLeft), BX_CONV_FAILED);
+        EXPECT_EQ(converter.BxConvChar(text), BX_CONV_FAILED);
+        EXPECT_STREQ(text, "abc");
+        EXPECT_EQ(inLeft, 3U);
+        EXPECT_EQ(outLeft, sizeof buffer);
+    }
+    VStr empty;
+    EXPECT_EQ(converter.BxConvChar(empty), 0);
+    EXPECT_TRUE(empty.IsEmpty());
+}
+
+TEST(CharConv, TheDescriptorLevelHasItsCodes) {
+    CBxCharConvSvcs converter;
+    _iconv_info* const failure = converter.iconv_open("", "936");
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(failure), UINTPTR_MAX);
+    EXPECT_EQ(converter.LastError(), 22);
+    EXPECT_EQ(converter.iconv_close(nullptr), -1);
+    EXPECT_EQ(converter.LastError(), 9);
+    EXPECT_EQ(converter.iconv_close(failure), -1);
+
+    _iconv_info* cd = converter.iconv_open("UTF-8", "8859-1");
+    ASSERT_NE(cd, failure);
+    EXPECT_STREQ(cd->toName, "UTF-8");
+    EXPECT_EQ(cd->toCodePage, 65001U);
+    EXPECT_EQ(cd->fromCodePage, 0U);
+    EXPECT_EQ(cd->useCodePages, 1U);
+    EXPECT_EQ(cd->wideBufCount, 0U);
+
+    char buffer[4] = {};
+    const char* in = "\xE9";
+    unsigned int inLeft = 1;
+    char* out = buffer;
+    unsigned int outLeft = 0;
+    constexpr unsigned int kFailed = 0xFFFFFFFF;
+    const char* const nothing = nullptr;
+    const char* reset = nothing;
+    EXPECT_EQ(converter.iconv(cd, nullptr, nullptr, nullptr, nullptr), 0U);
+    EXPECT_EQ(converter.iconv(cd, &reset, &inLeft, &out, &outLeft), 0U);
+    EXPECT_EQ(converter.iconv(nullptr, &in, &inLeft, &out, &outLeft), kFailed);
+    EXPECT_EQ(converter.iconv(failure, &in, &inLeft, &out, &outLeft), kFailed);
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, nullptr, &outLeft), kFailed);
+    EXPECT_EQ(converter.LastError(), 9);
+    for (outLeft = 0; outLeft < 2; ++outLeft) {
+        EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), kFailed) << outLeft;
+        EXPECT_EQ(converter.LastError(), 7);
+        EXPECT_EQ(inLeft, 1U);
+        EXPECT_EQ(out, buffer);
+    }
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), 1U);
+    EXPECT_EQ(outLeft, 0U);
+    EXPECT_EQ(cd->wideBufCount, 2U);
+    EXPECT_STREQ(buffer, "\xC3\xA9");
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), 0U) << "nothing to copy";
+
+    cd->useCodePages = 0;
+    in = "\xE9xy";
+    inLeft = 3;
+    out = buffer;
+    outLeft = 2;
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), kFailed);
+    EXPECT_EQ(converter.LastError(), 7);
+    EXPECT_EQ(inLeft, 1U);
+    EXPECT_EQ(outLeft, 0U);
+    outLeft = 2;
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), 1U);
+    EXPECT_STREQ(buffer, "\xE9xy");
+    EXPECT_EQ(converter.iconv_close(cd), 0);
+
+    // Names are free here: leading digits make the page, and too many of them no small one.
+    cd = converter.iconv_open("936GB", "99999999999999999999999");
+    ASSERT_NE(cd, failure);
+    EXPECT_EQ(cd->toCodePage, 936U);
+    EXPECT_EQ(cd->fromCodePage, 0xFFFFFFFFU);
+    EXPECT_EQ(converter.iconv_close(cd), 0);
+}
+
+TEST(CharConv, AByteOrderMarkBecomesATrailingNul) {
+    EXPECT_EQ(converted("8859-1", "UTF-8",
+                        "\xEF\xBB\xBF"
+                        "ab"),
+              std::string("ab\0", 3));
+    CBxCharConvSvcs converter;
+    ASSERT_EQ(converter.InitializeTo("8859-1"), 0);
+    VStr text("\xEF\xBB\xBFZ\xC3\xBC");
+    EXPECT_EQ(converter.BxConvChar(text), 0);
+    EXPECT_STREQ(text, "Z\xFC");
+    EXPECT_EQ(text.GetLength(), 2);
+}
+
+TEST(CharConv, ConvertsStringsInPlaceWithinTwiceTheirLength) {
+    CBxCharConvSvcs converter;
+    ASSERT_EQ(converter.InitializeFrom("8859-1"), 0);
+    VStr text('\xE9', 31);  // 63 bytes of room, 62 used
+    EXPECT_EQ(converter.BxConvChar(text), 0);
+    EXPECT_EQ(text.GetLength(), 62);
+    text += "!";
+    EXPECT_STREQ(static_cast<const char*>(text) + 60, "\xC3\xA9!");
+    VStr euros('\x80', 2);  // 6 bytes into 5
+    EXPECT_EQ(converter.BxConvChar(euros), QEL_OUTPUT_TOO_SMALL);
+    EXPECT_STREQ(euros, "\x80\x80");
+    VStr cut("ab\0cd", 5);
+    EXPECT_EQ(converter.BxConvChar(cut), 0);
+    EXPECT_EQ(cut.GetLength(), 2);
+}
+
+TEST(CharConv, ResynchronisesBehindWhatItCannotDecode) {
+    if (!kStrict) GTEST_SKIP() << "the system replaces invalid input";
+    const struct {
+        const char* from;
+        std::string text;
+        std::string rest;
+        unsigned int inLeft;
+    } rows[] = {
+        {"UTF-8", "good\xFFok", "ok", 0},
+        {"UTF-8", "a\xC3\xA9\xE4\xBD", "", 1},  // cut inside a character
+        {"UTF-8",
+         "\xED\xA0\x80"
+         "abc",
+         "abc", 0},  // half a surrogate pair
+        {"UTF-8",
+         "\xC0\xAF"
+         "abc",
+         "abc", 0},                // overlong
+        {"UTF-8", "\xFF", "", 1},  // the last byte, given up
+        {"936", "ab\x81", "", 1},
+        {"936", "x\x81\x20\x81\x40", " \xE4\xB8\x82", 0},
+    };
+    for (const auto& row : rows) {
+        CBxCharConvSvcs converter;
+        ASSERT_EQ(converter.Initialize(row.from[0] == 'U' ? "936" : "UTF-8", row.from), 0);
+        const Outcome outcome = convert(converter, row.text, 100);
+        EXPECT_EQ(outcome.result, 0);
+        EXPECT_EQ(outcome.text, row.rest) << row.text;
+        EXPECT_EQ(outcome.inLeft, row.inLeft) << row.text;
+        EXPECT_EQ(converter.LastError(), 42);
+    }
+}
+
+// Skipping in one step does what trying byte by byte does, for every short text of awkward bytes.
+TEST(CharConv, SkipsAsTryingEachByteWould) {
+    if (!kStrict) GTEST_SKIP() << "the system replaces invalid input";
+    const std::string pool = "a@\x81\xFE\xFF\xC3\xA9\xF0\x9F";
+    for (const std::uint32_t page : {0U, 936U, 950U, 65001U}) {
+        std::uint32_t state = page + 1;
+        for (int round = 0; round < 3000; ++round) {
+            std::string text(2 + round % 9, ' ');
+            for (char& c : text) {
+                state = state * 1664525 + 1013904223;
+                c = pool[(state >> 16) % pool.size()];
+            }
+            char16_t units[16];
+            const auto length = static_cast<std::uint32_t>(text.size());
+            const auto fails = [&](std::uint32_t at) {
+                return qel::platform::decodeCodePage(page, text.data() + at, length - at, units, 16)
+                           .failure != qel::platform::CodePageFailure::kNone;
+            };
+            if (!fails(0)) continue;
+            std::uint32_t expected = 1;
+            while (expected < length - 1 && fails(expected)) ++expected;
+            ASSERT_EQ(qel::platform::undecodablePrefix(page, text.data(), length), expected)
+                << page << " " << testing::PrintToString(text);
+        }
+    }
+}
+
+TEST(CharConv, LongHostileTextsTakeLinearTime) {
+    const auto start = std::chrono::steady_clock::now();
+    const struct {
+        const char* to;
+        const char* from;
+        std::string text;
+    } rows[] = {
+        {"936", "UTF-8", std::string(400000, 'a') + "\xFF"},
+        {"UTF-8", "936", std::string(400000, '\x81') + "\xFF"},
+        {"UTF-8", "936", std::string(400001, '\xFF')},
+        {"UTF-8", "8859-1", std::string(200000, '\x81') + std::string(200000, 'a')},
+        {"8859-1", "936", std::string(400000, '\xB0')},  // nothing but "?"
+    };
+    for (const auto& row : rows) {
+        CBxCharConvSvcs converter;
+        ASSERT_EQ(converter.Initialize(row.to, row.from), 0);
+        EXPECT_EQ(convert(converter, row.text, 2000000).result, 0);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+TEST(CharConv, CopiesShareNothing) {
+    CBxCharConvSvcs second;
+    {
+        CBxCharConvSvcs first;
+        ASSERT_EQ(first.InitializeFrom("936"), 0);
+        CBxCharConvSvcs copy(first);
+        second = copy;
+        second = second;
+        first.InitializeTo("950");
+    }
+    EXPECT_STREQ(second.FromName(), "936");
+    EXPECT_EQ(convert(second, "\xC4\xE3", 3).text, "\xE4\xBD\xA0");
+    CBxCharConvSvcs none;
+    second = none;
+    EXPECT_FALSE(second.IsInitialized());
+    EXPECT_EQ(second.ToName(), nullptr);
+    EXPECT_EQ(convert(second, "a", 3).result, BX_CONV_FAILED);
+}
+
+TEST(CharConv, RealTextsMatchTheirPairs) {
+    const std::string folder = std::string(QEL_TEST_SHARED_DATA) + "/text/";
+    if (qel::test::readFile(folder + "tutor.es").empty()) GTEST_SKIP() << "no shared data";
+    const auto text = [&](const char* name) { return qel::test::readFile(folder + name); };
+
+    EXPECT_EQ(converted("UTF-8", "8859-1", text("tutor.es")), text("tutor.es.utf-8"));
+    EXPECT_EQ(converted("8859-1", "UTF-8", text("tutor.es.utf-8")), text("tutor.es"));
+    const std::string euro = converted("UTF-8", "8859-1", text("enc-windows-1252-ude_1.txt"));
+    EXPECT_NE(euro.find("\xE2\x82\xAC"), std::string::npos);
+
+    // The pair differs in one word; the way there and back loses nothing.
+    const std::string gb = text("tutor.zh.euc");
+    const std::string gbUtf8 = converted("UTF-8", "936", gb);
+    EXPECT_EQ(gbUtf8.substr(0, 15000), text("tutor.zh_cn.utf-8").substr(0, 15000));
+    EXPECT_EQ(converted("936", "UTF-8", gbUtf8), gb);
+
+    // Bytes beyond the standard stand in the Big5 text; its first part is free of them.
+    EXPECT_EQ(converted("UTF-8", "950", text("tutor.zh.big5").substr(0, 1309)),
+              text("tutor.zh_tw.utf-8").substr(0, 1720));
+}
+
+}  // namespace
