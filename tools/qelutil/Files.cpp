@@ -1,8 +1,8 @@
 #include "Files.h"
 
 #include <cerrno>
-#include <cstring>
 #include <istream>
+#include <sstream>
 #include <system_error>
 
 #include "Text.h"
@@ -29,7 +29,7 @@ fs::path pathOf(const std::string& utf8Name) {
     return fs::path(std::u8string(utf8Name.begin(), utf8Name.end()));
 }
 
-InputFile::InputFile(Context& context, const std::string& name) : stream_(&file_), name_(name) {
+InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
     if (isStandardStream(name)) {
         stream_ = &context.in;
         name_ = kStandardInput;
@@ -40,11 +40,21 @@ InputFile::InputFile(Context& context, const std::string& name) : stream_(&file_
     if (fs::is_directory(path, failure))
         throw InputError(name + ": is a directory; name the files in it");
     errno = 0;
-    file_.open(path, std::ios::binary);
-    if (!file_) throw InputError(name + ": cannot be read: " + lastSystemError());
-    const std::uintmax_t size =
-        fs::is_regular_file(path, failure) ? fs::file_size(path, failure) : 0;
+    owned_ = std::make_unique<std::ifstream>(path, std::ios::binary);
+    stream_ = owned_.get();
+    if (!*owned_) throw InputError(name + ": cannot be read: " + lastSystemError());
+    if (!fs::is_regular_file(path, failure)) return;
+    const std::uintmax_t size = fs::file_size(path, failure);
     if (!failure) size_ = static_cast<std::uint64_t>(size);
+}
+
+InputFile InputFile::ofText(const std::string& text) {
+    InputFile file;
+    file.owned_ = std::make_unique<std::istringstream>(text);
+    file.stream_ = file.owned_.get();
+    file.name_ = "the text given";
+    file.size_ = text.size();
+    return file;
 }
 
 std::size_t InputFile::read(char* bytes, std::size_t room) {

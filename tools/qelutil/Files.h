@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iosfwd>
+#include <memory>
 #include <string>
 
 #include "commands/Command.h"
@@ -23,6 +24,8 @@ inline constexpr char kStandardInput[] = "standard input";
 class InputFile {
   public:
     InputFile(Context& context, const std::string& name);
+    // A text of the command line itself.
+    static InputFile ofText(const std::string& text);
 
     [[nodiscard]] std::istream& stream() { return *stream_; }
     // For messages.
@@ -35,8 +38,10 @@ class InputFile {
     [[nodiscard]] std::string readAll(std::size_t most);
 
   private:
-    std::ifstream file_;
-    std::istream* stream_;
+    InputFile() = default;
+
+    std::unique_ptr<std::istream> owned_;
+    std::istream* stream_ = nullptr;
     std::string name_;
     std::uint64_t size_ = 0;
 };

