@@ -15,7 +15,7 @@ using qel::cli::Context;
 
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
-constexpr AddCommand kCommands[] = {nullptr};
+constexpr AddCommand kCommands[] = {qel::cli::addCharsetCommand};
 
 std::string commandLineOf(const CLI::App& app) {
     std::string words = "qelutil";
@@ -42,8 +42,7 @@ int parseAndRun(Context& context, const std::vector<std::string>& words) {
     app.footer(
         "Exit status: 0 when all is well, 1 when some input was bad, 2 when the command line "
         "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
-    for (const AddCommand add : kCommands)
-        if (add != nullptr) add(app, context);
+    for (const AddCommand add : kCommands) add(app, context);
     if (!words.empty() && words[0].rfind('-', 0) != 0) {
         const auto known =
             app.get_subcommands([&](const CLI::App* each) { return each->check_name(words[0]); });

@@ -5,6 +5,10 @@
 
 #include "commands/Command.h"
 
-namespace qel::cli {}  // namespace qel::cli
+namespace qel::cli {
+
+void addCharsetCommand(CLI::App& app, Context& context);
+
+}  // namespace qel::cli
 
 #endif

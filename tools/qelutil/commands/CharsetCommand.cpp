@@ -1,0 +1,312 @@
+// qelutil charset: text between UTF-8 and the character sets that phones use, and their list.
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "Json.h"
+#include "Progress.h"
+#include "QelUtility/BxCharConv.h"
+#include "Source.h"
+#include "Text.h"
+#include "commands/Commands.h"
+
+namespace qel::cli {
+
+namespace {
+
+constexpr std::size_t kPiece = 1U << 18U;
+constexpr std::size_t kLongestLine = 64U << 20U;
+constexpr unsigned kMostReports = 10;
+constexpr char kReplacement = '?';
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kSubstitute = "\xEF\xBF\xBD";  // U+FFFD
+
+struct Options {
+    SourceOptions source;
+    std::string from = "UTF-8";
+    std::string to = "UTF-8";
+    bool list = false;
+    bool json = false;
+};
+
+enum class Support { Converts, SystemPage, Nothing };
+
+// Of the names in the library's list, only these have a code page of their own.
+Support supportOf(std::string_view set) {
+    if (set == "UTF-8" || set == "8859-1" || set == "936" || set == "950") return Support::Converts;
+    return set.substr(0, 5) == "8859-" ? Support::Nothing : Support::SystemPage;
+}
+
+const char* wordsOf(Support support) {
+    switch (support) {
+        case Support::Converts:
+            return "converts";
+        case Support::SystemPage:
+            return "taken for the system's own set";
+        case Support::Nothing:
+            break;
+    }
+    return "does not convert";
+}
+
+std::vector<std::string> setNames() {
+    std::vector<std::string> names;
+    for (const char** name = CBxCharConvSvcs::GetCharSetNames(); **name != '\0'; ++name)
+        names.emplace_back(*name);
+    return names;
+}
+
+void listSets(Context& context, bool asJson) {
+    Json document = Json::array();
+    for (const std::string& name : setNames()) {
+        const Support support = supportOf(name);
+        if (asJson) {
+            document.push_back({{"name", name},
+                                {"converts", support == Support::Converts},
+                                {"note", wordsOf(support)}});
+        } else {
+            context.out << name << std::string(10 - name.size(), ' ') << wordsOf(support) << '\n';
+        }
+    }
+    if (asJson) writeJson(context.out, document);
+}
+
+// One direction of the library's converter, on the level that consumes its whole input or nothing.
+class Converter {
+  public:
+    Converter(const std::string& to, const std::string& from) {
+        descriptor_ = services_.iconv_open(to.c_str(), from.c_str());
+        if (descriptor_ == nullptr ||
+            descriptor_ == reinterpret_cast<_iconv_info*>(~std::uintptr_t{0}))
+            throw InputError("no conversion can be opened from " + from + " to " + to);
+    }
+    ~Converter() { services_.iconv_close(descriptor_); }
+    Converter(const Converter&) = delete;
+    Converter& operator=(const Converter&) = delete;
+
+    enum class Outcome { Done, InvalidInput, Refused };
+
+    // Replaces `result` when Done. REQUIRES: text begins with no byte-order mark.
+    Outcome convert(std::string_view text, std::string& result) {
+        if (text.empty()) {
+            result.clear();
+            return Outcome::Done;
+        }
+        // No set here needs more than four bytes for what takes one in another.
+        result.resize(4 * text.size() + 16);
+        const char* in = text.data();
+        auto inLeft = static_cast<unsigned>(text.size());
+        char* out = result.data();
+        auto outLeft = static_cast<unsigned>(result.size());
+        constexpr unsigned kFailure = 0xFFFFFFFFU;
+        if (services_.iconv(descriptor_, &in, &inLeft, &out, &outLeft) == kFailure) {
+            constexpr int kInvalidSequence = 42;
+            return services_.LastError() == kInvalidSequence ? Outcome::InvalidInput
+                                                             : Outcome::Refused;
+        }
+        result.resize(result.size() - outLeft);
+        return Outcome::Done;
+    }
+
+  private:
+    CBxCharConvSvcs services_;
+    _iconv_info* descriptor_;
+};
+
+// The bytes of the character at the start of `text` in one of the sets that convert; 1 for what is
+// none.
+std::size_t characterLength(std::string_view set, std::string_view text) {
+    if (set == "UTF-8") return std::max<std::size_t>(1, utf8CharacterLength(text));
+    const bool twoBytes = (set == "936" || set == "950") && text.size() > 1 &&
+                          static_cast<unsigned char>(text[0]) > 0x80U;
+    return twoBytes ? 2 : 1;
+}
+
+class Conversion {
+  public:
+    Conversion(Context& context, const Options& options, std::string name)
+        : context_(context),
+          from_(options.from),
+          to_(options.to),
+          name_(std::move(name)),
+          there_(to_, from_),
+          back_(from_, to_) {
+        if (from_ != kUtf8) fromToUtf8_ = std::make_unique<Converter>(kUtf8, from_);
+        if (to_ != kUtf8) toToUtf8_ = std::make_unique<Converter>(kUtf8, to_);
+    }
+
+    // Several whole lines at once when all is well, else line by line, else character by character,
+    // so that what cannot be converted is named by its line and costs one "?".
+    void convert(std::string_view text, std::size_t firstLine, std::ostream& out) {
+        std::string result;
+        if (firstLine == 1 && from_ == kUtf8 && text.substr(0, 3) == kByteOrderMark)
+            text.remove_prefix(kByteOrderMark.size());
+        if (comesBack(text, result)) {
+            out << result;
+            return;
+        }
+        for (std::size_t line = firstLine; !text.empty(); ++line) {
+            const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+            if (comesBack(text.substr(0, length), result))
+                out << result;
+            else
+                convertLine(text.substr(0, length), line, out);
+            text.remove_prefix(length);
+        }
+    }
+
+    void finish() {
+        if (reports_ > kMostReports)
+            context_.error(name_, 0,
+                           std::to_string(reports_ - kMostReports) + " more of the same kind");
+    }
+
+  private:
+    static constexpr char kUtf8[] = "UTF-8";
+    enum class Fit { Arrives, NoPlace, Invalid };
+
+    // U+FEFF and U+FFFE at the start: the converter takes either for a byte-order mark.
+    [[nodiscard]] bool startsWithMark(std::string_view text) const {
+        return from_ == kUtf8 &&
+               (text.substr(0, 3) == kByteOrderMark || text.substr(0, 3) == "\xEF\xBF\xBE");
+    }
+
+    Converter::Outcome forward(std::string_view text, std::string& result) {
+        const auto outcome = there_.convert(text, result);
+        if (outcome == Converter::Outcome::Refused)
+            throw InputError(name_ + ": the conversion from " + from_ + " to " + to_ +
+                             " is not possible here; see `qelutil charset --list`");
+        return outcome;
+    }
+
+    // True when the result, converted back, is the text: then nothing was lost.
+    bool comesBack(std::string_view text, std::string& result) {
+        if (startsWithMark(text)) return false;
+        std::string back;
+        return forward(text, result) == Converter::Outcome::Done &&
+               back_.convert(result, back) == Converter::Outcome::Done && back == text;
+    }
+
+    static std::string inUtf8(const std::unique_ptr<Converter>& converter, std::string_view text) {
+        std::string result(text);
+        if (converter && converter->convert(text, result) != Converter::Outcome::Done) return {};
+        return result;
+    }
+
+    // One character. Some sets have two codes for one character, so it need not come back as it
+    // was; it must mean the same. Some systems do not refuse what they cannot decode or encode, but
+    // put a substitute in its place.
+    Fit fitOf(std::string_view character, std::string& result) {
+        if (startsWithMark(character)) return Fit::NoPlace;
+        if (forward(character, result) != Converter::Outcome::Done) return Fit::Invalid;
+        const std::string meaning = inUtf8(fromToUtf8_, character);
+        if (!isUtf8(meaning) || meaning.empty()) return Fit::Invalid;
+        const bool substituted = meaning == "?" || meaning.find(kSubstitute) != std::string::npos;
+        if (fromToUtf8_ && substituted && character != "?") return Fit::Invalid;
+        return inUtf8(toToUtf8_, result) == meaning ? Fit::Arrives : Fit::NoPlace;
+    }
+
+    void convertLine(std::string_view text, std::size_t line, std::ostream& out) {
+        std::string result;
+        for (std::size_t at = 0; at < text.size();) {
+            std::size_t length = characterLength(from_, text.substr(at));
+            const Fit fit = fitOf(text.substr(at, length), result);
+            if (fit == Fit::Arrives) {
+                out << result;
+            } else {
+                // The second byte of what is no pair may stand for itself.
+                if (fit == Fit::Invalid) length = 1;
+                out << kReplacement;
+                report(line, at + 1, text.substr(at, length), fit);
+            }
+            at += length;
+        }
+    }
+
+    void report(std::size_t line, std::size_t column, std::string_view character, Fit fit) {
+        if (++reports_ > kMostReports) return;
+        context_.error(name_, line,
+                       "byte " + std::to_string(column) + ", \"" + std::string(character) + "\": " +
+                           (fit == Fit::Invalid ? "is not " + from_ : "has no place in " + to_) +
+                           "; a \"?\" is written for it");
+    }
+
+    Context& context_;
+    std::string from_;
+    std::string to_;
+    std::string name_;
+    Converter there_;
+    Converter back_;
+    std::unique_ptr<Converter> fromToUtf8_;  // null when the set is UTF-8
+    std::unique_ptr<Converter> toToUtf8_;
+    std::uint64_t reports_ = 0;
+};
+
+// The name as the library writes it. Throws UsageError for a name that it does not know.
+std::string knownSet(const std::string& name) {
+    std::string known;
+    for (const std::string& each : setNames()) {
+        if (CLI::detail::to_lower(each) == CLI::detail::to_lower(name)) return each;
+        known += (known.empty() ? "" : ", ") + each;
+    }
+    throw UsageError("there is no character set \"" + name + "\"; there are " + known);
+}
+
+void run(Context& context, Options options) {
+    if (options.list) {
+        listSets(context, options.json);
+        return;
+    }
+    options.from = knownSet(options.from);
+    options.to = knownSet(options.to);
+    if (options.from == options.to)
+        throw UsageError("both sets are " + options.from + "; name another with --from or --to");
+    for (const std::string& set : {options.from, options.to}) {
+        if (supportOf(set) == Support::Nothing)
+            throw InputError(set +
+                             " is in the list of sets but has no conversion; take another "
+                             "program for it, such as iconv");
+        if (supportOf(set) == Support::SystemPage)
+            context.warning({}, 0,
+                            set + " has no conversion of its own: the system's own set is taken");
+    }
+    InputFile input = options.source.open(context);
+    OutputFile output(context, options.source.output);
+    Progress progress(context, input.name(), input.size());
+    // No set here has the byte of a line end inside a character.
+    Pieces pieces(input, kPiece, kLongestLine);
+    Conversion conversion(context, options, input.name());
+    std::string piece;
+    const auto afterLastLine = [](std::string_view text) { return text.rfind('\n') + 1; };
+    while (pieces.next(piece, afterLastLine)) {
+        conversion.convert(piece, pieces.line(), output.stream());
+        progress.update(pieces.bytesTaken());
+    }
+    conversion.finish();
+    output.commit();
+}
+
+}  // namespace
+
+void addCharsetCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        app.add_subcommand("charset", "Text between UTF-8 and the character sets of phones");
+    options->source.addTo(*command);
+    command->add_option("--from", options->from, "the set that the text is in")
+        ->capture_default_str();
+    command->add_option("--to", options->to, "the set to convert it to")->capture_default_str();
+    CLI::Option* list = command->add_flag("--list", options->list, "list the sets");
+    command->add_flag("--json", options->json, "with --list: as JSON")->needs(list);
+    command->footer(
+        "What means nothing in the one set, or has no place in the other, becomes \"?\", is named\n"
+        "on standard error with its line, and makes the exit status 1.\n"
+        "Examples:\n"
+        "  qelutil charset --list\n"
+        "  qelutil charset --from 936 notes.txt -o notes-utf8.txt\n"
+        "  qelutil charset --to 8859-1 --text \"Caf\xC3\xA9\" | od -c");
+    command->callback([options, &context] { run(context, *options); });
+}
+
+}  // namespace qel::cli
