@@ -14,9 +14,11 @@
 #define QELUTILITY_API __declspec(dllimport)
 #endif
 #define QELUTILITY_CALL __cdecl
+#define QELUTILITY_STDCALL __stdcall
 #else
 #define QELUTILITY_API __attribute__((visibility("default")))
 #define QELUTILITY_CALL
+#define QELUTILITY_STDCALL
 // The interface speaks of __int64 on every platform; `long` and `long long` stay distinct types.
 typedef long long __int64;
 #endif
