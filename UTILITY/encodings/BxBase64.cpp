@@ -1,0 +1,105 @@
+#include <array>
+#include <cassert>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "QelUtility/BxEncodings.h"
+
+namespace qel {
+namespace {
+
+constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr char kPadding = '=';
+constexpr std::uint64_t kMaxResult = std::numeric_limits<int>::max();
+
+constexpr std::uint8_t kNoDigit = 0xFF;
+constexpr auto kValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(kNoDigit);
+    for (std::uint8_t i = 0; i < 64; ++i) values[static_cast<unsigned char>(kAlphabet[i])] = i;
+    return values;
+}();
+static_assert(sizeof kAlphabet == 65 && kValues['A'] == 0 && kValues['/'] == 63);
+
+constexpr bool isSpace(unsigned char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+char digit(unsigned int sixBits) {
+    assert(sixBits < 64);
+    return kAlphabet[sixBits];
+}
+
+void skipSpace(const unsigned char*& text) {
+    while (isSpace(*text)) ++text;
+}
+
+// Puts one digit's bits where its place in the group of four has them; false when `dst` is full.
+bool storeDigit(unsigned int value, unsigned int state, unsigned char* dst, unsigned int dstSize,
+                std::uint64_t index) {
+    // The second and third digit begin the next byte as well.
+    const bool beginsNext = state == 1 || state == 2;
+    if (index + (beginsNext ? 1 : 0) >= dstSize) return false;
+    if (state == 0) {
+        dst[index] = static_cast<unsigned char>(value << 2);
+        return true;
+    }
+    dst[index] = static_cast<unsigned char>(dst[index] | value >> (6 - 2 * state));
+    if (beginsNext) dst[index + 1] = static_cast<unsigned char>(value << (2 + 2 * state) & 0xFF);
+    return true;
+}
+
+}  // namespace
+}  // namespace qel
+
+int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcLength, char* dst,
+                                     unsigned int dstSize) {
+    if (dst == nullptr || (src == nullptr && srcLength != 0)) return -1;
+    std::uint64_t position = 0;
+    for (std::uint64_t i = 0; i < srcLength; i += 3) {
+        const std::uint64_t left = srcLength - i;
+        if (position + 4 > dstSize || position + 4 > qel::kMaxResult) return -1;
+        const unsigned int first = src[i];
+        const unsigned int second = left > 1 ? src[i + 1] : 0U;
+        const unsigned int third = left > 2 ? src[i + 2] : 0U;
+        char* group = dst + position;
+        group[0] = qel::digit(first >> 2);
+        group[1] = qel::digit((first & 0x03) << 4 | second >> 4);
+        group[2] = left > 1 ? qel::digit((second & 0x0F) << 2 | third >> 6) : qel::kPadding;
+        group[3] = left > 2 ? qel::digit(third & 0x3F) : qel::kPadding;
+        position += 4;
+    }
+    if (position >= dstSize) return -1;
+    dst[position] = '\0';
+    return static_cast<int>(position);
+}
+
+int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsigned int dstSize) {
+    if (src == nullptr) return -1;
+    const auto* text = reinterpret_cast<const unsigned char*>(src);
+    std::uint64_t index = 0;
+    unsigned int state = 0;  // digits of the current group so far
+    for (; *text != '\0' && *text != qel::kPadding; ++text) {
+        if (qel::isSpace(*text)) continue;
+        const unsigned int value = qel::kValues[*text];
+        if (value == qel::kNoDigit) return -1;
+        if (dst != nullptr && !qel::storeDigit(value, state, dst, dstSize, index)) return -1;
+        if (state != 0) ++index;
+        state = (state + 1) % 4;
+    }
+    if (index > qel::kMaxResult) return -1;
+    if (*text == '\0') return state == 0 ? static_cast<int>(index) : -1;
+
+    if (state < 2) return -1;
+    ++text;
+    if (state == 2) {
+        qel::skipSpace(text);
+        if (*text != qel::kPadding) return -1;
+        ++text;
+    }
+    qel::skipSpace(text);
+    if (*text != '\0') return -1;
+    if (dst != nullptr && dst[index] != 0) return -1;
+    return static_cast<int>(index);
+}
