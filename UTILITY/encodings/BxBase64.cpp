@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "QelUtility/BxEncodings.h"
+#include "strings/AsciiText.h"
 
 namespace qel {
 namespace {
@@ -22,17 +23,13 @@ constexpr auto kValues = [] {
 }();
 static_assert(sizeof kAlphabet == 65 && kValues['A'] == 0 && kValues['/'] == 63);
 
-constexpr bool isSpace(unsigned char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 char digit(unsigned int sixBits) {
     assert(sixBits < 64);
     return kAlphabet[sixBits];
 }
 
-void skipSpace(const unsigned char*& text) {
-    while (isSpace(*text)) ++text;
+void skipSpace(const char*& text) {
+    while (isAsciiSpace(*text)) ++text;
 }
 
 // Puts one digit's bits where its place in the group of four has them; false when `dst` is full.
@@ -77,12 +74,12 @@ int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcL
 
 int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsigned int dstSize) {
     if (src == nullptr) return -1;
-    const auto* text = reinterpret_cast<const unsigned char*>(src);
+    const char* text = src;
     std::uint64_t index = 0;
     unsigned int state = 0;  // digits of the current group so far
     for (; *text != '\0' && *text != qel::kPadding; ++text) {
-        if (qel::isSpace(*text)) continue;
-        const unsigned int value = qel::kValues[*text];
+        if (qel::isAsciiSpace(*text)) continue;
+        const unsigned int value = qel::kValues[static_cast<unsigned char>(*text)];
         if (value == qel::kNoDigit) return -1;
         if (dst != nullptr && !qel::storeDigit(value, state, dst, dstSize, index)) return -1;
         if (state != 0) ++index;

@@ -10,6 +10,7 @@
 
 #include "encodings/BxCharConvInternal.h"
 #include "platform/Platform.h"
+#include "strings/AsciiText.h"
 
 namespace qel {
 namespace {
@@ -23,7 +24,7 @@ static_assert(kCharSetNames.size() == 18);
 const char* findCharSet(const char* name) {
     if (name == nullptr || *name == '\0') return nullptr;
     const auto found = std::find_if(kCharSetNames.begin(), kCharSetNames.end(),
-                                    [name](const char* entry) { return sameName(entry, name); });
+                                    [name](const char* entry) { return equalNoCase(entry, name); });
     return found == kCharSetNames.end() ? nullptr : *found;
 }
 

@@ -6,6 +6,7 @@
 
 #include "encodings/BxCharConvInternal.h"
 #include "platform/Platform.h"
+#include "strings/AsciiText.h"
 
 namespace qel {
 namespace {
@@ -15,15 +16,11 @@ constexpr std::uint32_t kDefaultCodePage = 0;
 constexpr char16_t kByteOrderMark = 0xFEFF;
 constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
 
-char foldedToLower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // Only these two names are looked at as names. So "8859-2" is page 8859, which no system has, and
 // "SJIS" is the default page: the connector's own meaning of its list, not an oversight.
 std::uint32_t codePageOf(const char* name) {
-    if (sameName(name, "UTF-8")) return kUtf8CodePage;
-    if (sameName(name, "8859-1")) return kDefaultCodePage;
+    if (equalNoCase(name, "UTF-8")) return kUtf8CodePage;
+    if (equalNoCase(name, "8859-1")) return kDefaultCodePage;
     std::uint64_t value = 0;
     for (; *name >= '0' && *name <= '9'; ++name) {
         value = value * 10 + static_cast<std::uint64_t>(*name - '0');
@@ -68,14 +65,6 @@ void release(_iconv_info* cd) {
 }
 
 }  // namespace
-
-bool sameName(const char* a, const char* b) {
-    while (*a != '\0' && foldedToLower(*a) == foldedToLower(*b)) {
-        ++a;
-        ++b;
-    }
-    return foldedToLower(*a) == foldedToLower(*b);
-}
 
 char* duplicate(const char* text) {
     if (text == nullptr) return nullptr;

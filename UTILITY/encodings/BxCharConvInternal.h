@@ -1,5 +1,5 @@
 // What the two halves of the converter share: the descriptor level's error codes and failure
-// values, and its small text helpers. No state.
+// values. No state.
 #ifndef QEL_ENCODINGS_BXCHARCONVINTERNAL_H
 #define QEL_ENCODINGS_BXCHARCONVINTERNAL_H
 
@@ -21,9 +21,6 @@ constexpr unsigned int kIconvFailed = 0xFFFFFFFF;
 inline _iconv_info* failedOpen() {
     return reinterpret_cast<_iconv_info*>(UINTPTR_MAX);
 }
-
-// Whether two names are equal but for the case of ASCII letters.
-[[nodiscard]] bool sameName(const char* a, const char* b);
 
 // A malloc copy, which the caller frees; null for null and when memory is exhausted.
 [[nodiscard]] char* duplicate(const char* text);
