@@ -3,12 +3,14 @@
 #ifndef QEL_PLATFORM_PLATFORM_H
 #define QEL_PLATFORM_PLATFORM_H
 
+#include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
 namespace qel::platform {
 
-// --- Memory of strings (Memory.cpp) --------------------------------------------------------------
+// --- Memory of strings (Memory.cpp) -------------------------------------------------------------
 
 // A zero-filled block of `size` bytes, or null when memory is exhausted. Freed by stringFree alone.
 [[nodiscard]] char* stringAlloc(std::size_t size) noexcept;
@@ -23,16 +25,17 @@ void stringFree(char* block) noexcept;
 // The number of bytes that may be used in `block`, at least what was asked for; 0 for null.
 [[nodiscard]] std::size_t stringBlockSize(const char* block) noexcept;
 
-// --- The local clock (LocalClock.cpp) ------------------------------------------------------------
+// --- The local clock (LocalClock.cpp) -----------------------------------------------------------
 
 // A wall-clock reading in the computer's current time zone.
 struct LocalClock {
-    int year;    // all digits, such as 2005
-    int month;   // [1, 12]
-    int day;     // [1, 31]
-    int hour;    // [0, 23]
-    int minute;  // [0, 59]
-    int second;  // [0, 59]; a leap second shows as the 59th
+    int year;         // all digits, such as 2005
+    int month;        // [1, 12]
+    int day;          // [1, 31]
+    int hour;         // [0, 23]
+    int minute;       // [0, 59]
+    int second;       // [0, 59]; a leap second shows as the 59th
+    int millisecond;  // [0, 999]
 };
 
 // The local wall clock now; all zero when the system cannot tell.
@@ -122,6 +125,128 @@ struct CodePageResult {
 // Takes time in proportion to the length, where trying each position would take its square.
 [[nodiscard]] std::uint32_t undecodablePrefix(std::uint32_t codePage, const char* in,
                                               std::uint32_t length) noexcept;
+
+// --- Clock, thread, process (Process.cpp) -------------------------------------------------------
+
+// Milliseconds of system up-time; wraps every 49.7 days.
+[[nodiscard]] std::uint32_t tickCount() noexcept;
+void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
+
+[[nodiscard]] std::uint32_t threadId() noexcept;
+[[nodiscard]] std::uint32_t processId() noexcept;
+
+// The full path of the process's executable, and of the module (shared library or program) that
+// this code is part of. False, with an empty text, when it is unknown or longer than `room` - 1.
+[[nodiscard]] bool processPath(char* out, std::size_t room) noexcept;
+[[nodiscard]] bool modulePath(char* out, std::size_t room) noexcept;
+
+// The value of an environment variable, cut at room - 1 bytes. False when it is not set or empty.
+[[nodiscard]] bool environment(const char* name, char* out, std::size_t room) noexcept;
+
+// Tells the user: a task-modal message box, a line on standard error where there are none.
+void messageBox(const char* title, const char* text) noexcept;
+
+// --- The writer's mutex (TraceMutex.cpp) --------------------------------------------------------
+
+enum class LockResult {
+    kLocked,
+    kTimedOut,
+    kUnavailable  // the mutex could not be created; a later call tries again
+};
+
+// The recursive mutex that all trace output of this process goes through, shared on Windows by all
+// copies of the library in the process. Every kLocked is paired with an unlock on the same thread.
+[[nodiscard]] LockResult lockTraceMutex(std::uint32_t timeoutMilliseconds) noexcept;
+void unlockTraceMutex() noexcept;
+
+// --- Files (Files.cpp) --------------------------------------------------------------------------
+//
+// Paths are in the system's code page. No function here follows a path into a device that blocks.
+
+// What is written between the parts of a path.
+extern const char kPathSeparator;
+// True for each character that separates the parts of a path on this platform.
+[[nodiscard]] bool isPathSeparator(char c) noexcept;
+// The length of the path's drive and directory, the last separator included; 0 when it has none.
+[[nodiscard]] std::size_t directoryLength(const char* path) noexcept;
+
+// Streams that are not inherited by child processes; null with errno set when there is none. New
+// files are made for the user alone. Appending: text mode; every write lands at the file's end, and
+// the file can be renamed while it is open. Reading and writing: binary, regular files only.
+[[nodiscard]] std::FILE* openForAppend(const char* path) noexcept;
+[[nodiscard]] std::FILE* openForRead(const char* path) noexcept;
+[[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
+
+[[nodiscard]] bool fileExists(const char* path) noexcept;
+// The size in bytes; -1 when the file cannot be examined.
+[[nodiscard]] std::int64_t fileSize(const char* path) noexcept;
+
+// Which file a name or a stream stands for just now; two that are equal are the same file.
+struct FileIdentity {
+    std::uint64_t volume = 0;
+    std::uint64_t index = 0;
+    bool known = false;
+    bool operator==(const FileIdentity&) const = default;
+};
+[[nodiscard]] FileIdentity fileIdentity(const char* path) noexcept;
+[[nodiscard]] FileIdentity fileIdentity(std::FILE* stream) noexcept;
+
+// 0, or -1 with errno set. removeFile removes no directory.
+int removeFile(const char* path) noexcept;
+int renameFile(const char* from, const char* to) noexcept;
+
+[[nodiscard]] bool directoryWritable(const char* directory) noexcept;
+// Makes the directory, for the user alone; true also when it is there already. Parents are not
+// made.
+[[nodiscard]] bool createDirectory(const char* directory) noexcept;
+[[nodiscard]] bool currentDirectory(char* out, std::size_t room) noexcept;
+
+// The folder below which programs keep a user's state: the roaming application-data folder,
+// $XDG_STATE_HOME or ~/.local/state. It is made when missing. False when there is none.
+[[nodiscard]] bool userStateDirectory(char* out, std::size_t room) noexcept;
+
+// --- Locks between processes (PathLock.cpp) -----------------------------------------------------
+
+// Keeps the processes that write, rotate or rewrite the file `path` apart; advisory, and held by
+// one object at a time, so a thread that holds one must not wait for another on the same path. The
+// lock leaves no file behind. One thread.
+class PathLock {
+  public:
+    PathLock() noexcept = default;
+    ~PathLock() { release(); }
+    PathLock(const PathLock&) = delete;
+    PathLock& operator=(const PathLock&) = delete;
+
+    // Waits at most `timeoutMilliseconds`. kUnavailable: nothing to lock with, as where the
+    // directory does not exist.
+    LockResult acquire(const char* path, std::uint32_t timeoutMilliseconds) noexcept;
+    void release() noexcept;
+    [[nodiscard]] bool held() const noexcept { return handle_ != kNone; }
+
+  private:
+    static constexpr std::intptr_t kNone = -1;
+    std::intptr_t handle_ = kNone;
+};
+
+// --- Profile files (Profile.cpp) ----------------------------------------------------------------
+//
+// INI files: "[section]" lines and "key=value" lines. Names are compared without regard to case,
+// blanks around names and values do not count, and one pair of quotes around a value is dropped.
+
+// The value, cut at room - 1 bytes; an empty text when it is missing or the file cannot be read.
+void readProfile(const char* path, const char* section, const char* key, char* out,
+                 std::size_t room) noexcept;
+// Sets one value and keeps every other line. False when the file cannot be written; it is then as
+// it was.
+bool writeProfile(const char* path, const char* section, const char* key,
+                  const char* value) noexcept;
+
+// --- Formatting (Format.cpp) --------------------------------------------------------------------
+
+// Formats like vsnprintf into `out`, whole or cut at room - 1 bytes, always terminated, and returns
+// the length that the whole text has (negative, with an empty text, when the format is bad). %I64d,
+// %I32d and their like work on every platform. A null format is the text "(null)".
+int formatTextV(char* out, std::size_t room, const char* format, std::va_list arguments) noexcept;
 
 }  // namespace qel::platform
 

@@ -6,6 +6,7 @@
 // QELUTILITY_API marks what the shared library exports. QELUTILITY_BUILDING is defined while the
 // library itself is compiled, QELUTILITY_STATIC by programs that link its objects directly.
 #if defined(_WIN32)
+#include <stdint.h>  // spells __int64 where the compiler does not know it
 #if defined(QELUTILITY_BUILDING)
 #define QELUTILITY_API __declspec(dllexport)
 #elif defined(QELUTILITY_STATIC)

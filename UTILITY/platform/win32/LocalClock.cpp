@@ -8,7 +8,8 @@ namespace qel::platform {
 LocalClock localClock() noexcept {
     SYSTEMTIME local{};
     GetLocalTime(&local);
-    return {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
+    return {local.wYear,   local.wMonth,  local.wDay,         local.wHour,
+            local.wMinute, local.wSecond, local.wMilliseconds};
 }
 
 }  // namespace qel::platform

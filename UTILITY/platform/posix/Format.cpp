@@ -1,0 +1,53 @@
+// printf formats in the C library's own spelling of the sizes of integers.
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "platform/Platform.h"
+
+namespace qel::platform {
+
+namespace {
+
+// Writes `format` to `out` (of the same size) with "I64" as "ll" and "I32" as nothing wherever they
+// stand as the size of an integer; the C library would read the "I" as a flag of its own.
+void respell(const char* format, char* out) noexcept {
+    bool inside = false;  // between a "%" and its conversion
+    for (const char* p = format; *p != '\0';) {
+        if (inside && std::strncmp(p, "I64", 3) == 0) {
+            *out++ = 'l';
+            *out++ = 'l';
+            p += 3;
+        } else if (inside && std::strncmp(p, "I32", 3) == 0) {
+            p += 3;
+        } else {
+            if (*p == '%') {
+                inside = !inside;
+            } else if (inside && std::strchr("0123456789+-# .*'hlqjzt", *p) == nullptr) {
+                inside = false;
+            }
+            *out++ = *p++;
+        }
+    }
+    *out = '\0';
+}
+
+}  // namespace
+
+int formatTextV(char* out, std::size_t room, const char* format, std::va_list arguments) noexcept {
+    if (format == nullptr) return std::snprintf(out, room, "(null)");
+    if (room > 0) out[0] = '\0';
+    int length = -1;
+    if (std::strstr(format, "I64") == nullptr && std::strstr(format, "I32") == nullptr) {
+        length = std::vsnprintf(out, room, format, arguments);
+    } else {
+        const std::unique_ptr<char[]> own(new (std::nothrow) char[std::strlen(format) + 1]);
+        if (own == nullptr) return -1;
+        respell(format, own.get());
+        length = std::vsnprintf(out, room, own.get(), arguments);
+    }
+    if (length < 0 && room > 0) out[0] = '\0';
+    return length;
+}
+
+}  // namespace qel::platform

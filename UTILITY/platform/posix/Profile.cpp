@@ -1,0 +1,197 @@
+// Profile files without the system's own calls for them: the same rules of reading, and writing
+// that replaces the file in one step, so that a reader or a crash never meets half of one.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "platform/Platform.h"
+
+namespace qel::platform {
+
+namespace {
+
+// No sensible settings file is larger; one that is counts as unreadable and is left alone.
+constexpr std::size_t kMostBytes = std::size_t{4} * 1024 * 1024;
+constexpr std::uint32_t kLockMilliseconds = 200;
+
+char lower(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool equalNoCase(std::string_view a, std::string_view b) noexcept {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (lower(a[i]) != lower(b[i])) return false;
+    return true;
+}
+
+std::string_view trim(std::string_view text) noexcept {
+    constexpr std::string_view kBlanks = " \t\r\n\v\f";
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+std::string_view unquote(std::string_view value) noexcept {
+    const bool quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
+                        value.front() == value.back();
+    return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+enum class ReadResult { kRead, kMissing, kFailed };
+
+ReadResult readWhole(const char* path, std::string& text) {
+    const int handle = open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (handle < 0) return errno == ENOENT ? ReadResult::kMissing : ReadResult::kFailed;
+    struct stat status {};
+    bool good = fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    char block[4096];
+    while (good) {
+        const ssize_t count = read(handle, block, sizeof block);
+        if (count == 0) break;
+        if (count < 0 && errno == EINTR) continue;
+        good = count > 0 && text.size() + static_cast<std::size_t>(count) <= kMostBytes;
+        if (good) text.append(block, static_cast<std::size_t>(count));
+    }
+    close(handle);
+    return good ? ReadResult::kRead : ReadResult::kFailed;
+}
+
+// Where a key is, or where it would go. Only the first section of a name counts, and its first key.
+struct Place {
+    bool sectionFound = false;
+    bool keyFound = false;
+    std::size_t valueStart = 0;  // just behind the "="
+    std::size_t valueEnd = 0;    // the end of the line's text
+    std::size_t insertAt = 0;    // behind the section's last line that is not blank
+};
+
+Place find(std::string_view text, std::string_view section, std::string_view key) noexcept {
+    Place place;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t newline = text.find('\n', start);
+        const std::size_t next = newline == std::string_view::npos ? text.size() : newline + 1;
+        const std::string_view line = trim(text.substr(start, next - start));
+        if (!line.empty() && line.front() == '[') {
+            if (place.sectionFound) return place;
+            const std::size_t close = line.find(']');
+            place.sectionFound = close != std::string_view::npos &&
+                                 equalNoCase(trim(line.substr(1, close - 1)), section);
+        } else if (place.sectionFound && !line.empty() && line.front() != ';') {
+            const std::size_t equals = text.substr(0, next).find('=', start);
+            if (equals != std::string_view::npos &&
+                equalNoCase(trim(text.substr(start, equals - start)), key)) {
+                place.keyFound = true;
+                place.valueStart = equals + 1;
+                place.valueEnd = next;
+                while (place.valueEnd > place.valueStart &&
+                       (text[place.valueEnd - 1] == '\n' || text[place.valueEnd - 1] == '\r'))
+                    --place.valueEnd;
+                return place;
+            }
+        }
+        if (place.sectionFound && !line.empty()) place.insertAt = next;
+        start = next;
+    }
+    return place;
+}
+
+// `text` with the value set. Line ends are those of the file.
+std::string withValue(const std::string& text, std::string_view section, std::string_view key,
+                      std::string_view value) {
+    const std::string end = text.find("\r\n") == std::string::npos ? "\n" : "\r\n";
+    const Place place = find(text, section, key);
+    std::string result = text;
+    if (place.keyFound) {
+        result.replace(place.valueStart, place.valueEnd - place.valueStart, value);
+        return result;
+    }
+    std::string lines;
+    std::size_t at = place.sectionFound ? place.insertAt : text.size();
+    if (at > 0 && text[at - 1] != '\n') lines += end;
+    if (!place.sectionFound) lines.append("[").append(section).append("]").append(end);
+    lines.append(key).append("=").append(value).append(end);
+    return result.insert(at, lines);
+}
+
+bool writeAll(int handle, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const ssize_t count = write(handle, text.data(), text.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        text.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+bool replaceFile(const std::string& path, std::string_view text) {
+    std::string temporary = path + ".XXXXXX";
+    const int handle = mkostemp(temporary.data(), O_CLOEXEC);
+    if (handle < 0) return false;
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) (void)!fchmod(handle, status.st_mode & 0777);
+    const bool written = writeAll(handle, text);
+    const bool closed = close(handle) == 0;
+    if (written && closed && rename(temporary.c_str(), path.c_str()) == 0) return true;
+    unlink(temporary.c_str());
+    return false;
+}
+
+// A name or value that would not read back as it was given.
+bool unfit(std::string_view text) noexcept {
+    return text.find_first_of("\r\n") != std::string_view::npos;
+}
+
+bool writeProfileChecked(const char* path, std::string_view section, std::string_view key,
+                         std::string_view value) {
+    if (unfit(section) || unfit(key) || unfit(value) || key.empty()) return false;
+    // A link stays a link: the file that it leads to is replaced.
+    char resolved[PATH_MAX];
+    const std::string target = realpath(path, resolved) != nullptr ? resolved : path;
+    PathLock lock;
+    if (lock.acquire(target.c_str(), kLockMilliseconds) == LockResult::kTimedOut) return false;
+    std::string text;
+    if (readWhole(target.c_str(), text) == ReadResult::kFailed) return false;
+    const std::string changed = withValue(text, trim(section), trim(key), value);
+    if (changed.size() > kMostBytes) return false;
+    return changed == text || replaceFile(target, changed);
+}
+
+}  // namespace
+
+void readProfile(const char* path, const char* section, const char* key, char* out,
+                 std::size_t room) noexcept {
+    if (room == 0) return;
+    out[0] = '\0';
+    try {
+        std::string text;
+        if (readWhole(path, text) != ReadResult::kRead) return;
+        const Place place = find(text, trim(section), trim(key));
+        if (!place.keyFound) return;
+        const std::string_view line(text.data() + place.valueStart,
+                                    place.valueEnd - place.valueStart);
+        const std::string_view value = unquote(trim(line)).substr(0, room - 1);
+        std::memcpy(out, value.data(), value.size());
+        out[value.size()] = '\0';
+    } catch (...) {
+        out[0] = '\0';  // out of memory: as if the file could not be read
+    }
+}
+
+bool writeProfile(const char* path, const char* section, const char* key,
+                  const char* value) noexcept {
+    try {
+        return writeProfileChecked(path, section, key, value);
+    } catch (...) {
+        return false;
+    }
+}
+
+}  // namespace qel::platform

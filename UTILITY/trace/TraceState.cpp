@@ -1,0 +1,159 @@
+#include "trace/TraceState.h"
+
+#include <cassert>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+
+namespace qel::trace {
+
+namespace {
+
+// Every text that was ever a path. There are a handful in the life of a process, so they are looked
+// for one after another and are never freed: a pointer to one stays good.
+struct PathText {
+    char text[kPathRoom];
+    PathText* next;
+};
+
+constinit PathText emptyPath{"", nullptr};
+constinit PathText* knownPaths = &emptyPath;
+constinit std::array<std::atomic<char*>, 7> paths{emptyPath.text, emptyPath.text, emptyPath.text,
+                                                  emptyPath.text, emptyPath.text, emptyPath.text,
+                                                  emptyPath.text};
+
+std::mutex& knownPathsMutex() {
+    static std::mutex* const mutex = new std::mutex;
+    return *mutex;
+}
+
+constinit Settings theSettings;
+constinit std::atomic<std::uint32_t> writerThread{0};
+constinit thread_local int writerDepth = 0;
+
+using TickSource = std::uint32_t (*)();
+constinit std::atomic<TickSource> tickSource{nullptr};
+
+// The last stamp: its millisecond in the upper half, its number in the lower. 1000 is no
+// millisecond.
+constinit std::atomic<std::uint64_t> lastStamp{std::uint64_t{1000} << 32};
+
+}  // namespace
+
+Settings& settings() noexcept {
+    return theSettings;
+}
+
+char* path(Path which) noexcept {
+    return paths[static_cast<std::size_t>(which)].load(std::memory_order_acquire);
+}
+
+void publish(Path which, const char* text) noexcept {
+    std::atomic<char*>& slot = paths[static_cast<std::size_t>(which)];
+    if (text == slot.load(std::memory_order_relaxed)) return;
+    const std::lock_guard lock(knownPathsMutex());
+    const std::size_t length = strnlen(text, kPathRoom - 1);
+    PathText* known = knownPaths;
+    while (known != nullptr &&
+           (std::strncmp(known->text, text, length) != 0 || known->text[length] != '\0'))
+        known = known->next;
+    if (known == nullptr) {
+        known = new (std::nothrow) PathText;
+        if (known == nullptr) return;
+        std::memcpy(known->text, text, length);
+        known->text[length] = '\0';
+        known->next = knownPaths;
+        knownPaths = known;
+    }
+    slot.store(known->text, std::memory_order_release);
+}
+
+WriterLock::WriterLock() noexcept : result_(platform::lockTraceMutex(kWaitMilliseconds)) {
+    if (result_ == platform::LockResult::kLocked) ++writerDepth;
+}
+
+WriterLock::~WriterLock() {
+    if (result_ != platform::LockResult::kLocked) return;
+    --writerDepth;
+    platform::unlockTraceMutex();
+}
+
+bool WriterLock::heldHere() noexcept {
+    return writerDepth > 0;
+}
+
+Writer& writer() noexcept {
+    assert(WriterLock::heldHere());
+    alignas(Writer) static unsigned char storage[sizeof(Writer)];
+    static Writer* const theWriter = new (storage) Writer;
+    return *theWriter;
+}
+
+int retroSize() noexcept {
+    const int size = theSettings.retroBufferSize.load(std::memory_order_relaxed);
+    return writer().flushing ? -size : size;
+}
+
+void resizeRetroBuffers(int size) noexcept {
+    Writer& w = writer();
+    for (char*& buffer : w.retro) {
+        if (size < 0) break;
+        char* resized = static_cast<char*>(
+            std::realloc(buffer, static_cast<std::size_t>(size) + std::size_t{1}));
+        if (resized == nullptr) {
+            size = -1;
+        } else {
+            buffer = resized;
+        }
+    }
+    if (size < 0) size = 0;
+    theSettings.retroBufferSize.store(size);
+    if (size == 0) return;
+    w.retroCurrent = 0;
+    w.retroFill = 0;
+    for (char* buffer : w.retro) buffer[0] = '\0';
+}
+
+const char* activeLogPath() noexcept {
+    const char* redirected = writer().redirectedTo;
+    return redirected != nullptr ? redirected : path(Path::kLog);
+}
+
+Stamp makeStamp() noexcept {
+    const platform::LocalClock now = platform::localClock();
+    const auto millisecond = static_cast<std::uint64_t>(now.millisecond);
+    std::uint64_t last = lastStamp.load(std::memory_order_relaxed);
+    std::uint64_t mine = 0;
+    do {
+        mine = last >> 32 == millisecond ? (millisecond << 32) | ((last + 1) & 0xFFFFFFFF)
+                                         : millisecond << 32;
+    } while (!lastStamp.compare_exchange_weak(last, mine, std::memory_order_relaxed));
+    Stamp stamp;
+    std::snprintf(stamp.text, sizeof stamp.text, "%02d/%02d %02d:%02d:%02d.%03d %03u", now.month,
+                  now.day, now.hour, now.minute, now.second, now.millisecond,
+                  static_cast<unsigned>(mine));
+    return stamp;
+}
+
+std::uint32_t ticks() noexcept {
+    const TickSource source = tickSource.load(std::memory_order_relaxed);
+    return source != nullptr ? source() : platform::tickCount();
+}
+
+void resetForTest(std::uint32_t (*ticks)()) noexcept {
+    const WriterLock lock;
+    if (!lock) return;
+    Writer& w = writer();
+    if (w.keptStream != nullptr) std::fclose(w.keptStream);
+    for (char* buffer : w.retro) std::free(buffer);
+    w.~Writer();
+    new (&w) Writer;
+    theSettings.~Settings();
+    new (&theSettings) Settings;
+    for (std::atomic<char*>& slot : paths) slot.store(emptyPath.text);
+    forgetLoad();
+    tickSource.store(ticks);
+}
+
+}  // namespace qel::trace
