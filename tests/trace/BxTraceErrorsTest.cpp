@@ -1,0 +1,34 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "support/TraceCapture.h"
+#include "trace/BxTraceInternal.h"
+
+namespace {
+
+using qel::test::TraceCapture;
+
+TEST(BxTraceErrors, EachFormWritesItsDetailsAndReturnsTheCode) {
+    const TraceCapture trace;
+    EXPECT_EQ(BxTrace_Error("RptNext", 12, 5, 2001), 2001);
+    EXPECT_EQ(BxTrace_Error_L("S", 2, -2, 2015), 2015);
+    EXPECT_EQ(BxTrace_Error_S("S", 3, "text", -1), -1);
+    EXPECT_EQ(BxTrace_Error_SS("S", 4, "a", nullptr, 7), 7);
+    EXPECT_EQ(BxTrace_Error_SL("S", 5, "%s%n", 2147483647L, 8), 8);
+    EXPECT_EQ(BxTrace_Error_SSL("S", 6, "a", "b", -5L, 9), 9);
+    EXPECT_EQ(BxTrace_Error_SI64L("S", 7, "a", -1, 3L, 10), 10);
+    EXPECT_EQ(BxTrace_Error_III("S", 8, 1, -2, 11), 11);
+    EXPECT_EQ(BxTrace_Error_I64(nullptr, 9, 0x123456789ABCLL, 1, 2, 12), 12);
+    EXPECT_EQ(trace.errors(),
+              (std::vector<std::string>{
+                  "Error 5.2001 at RptNext line 12", "Error 0xfffffffe.-2.2015 at S line 2",
+                  "Error text.-1 at S line 3", "Error a.(null).7 at S line 4",
+                  "Error %s%n.2147483647.8 at S line 5", "Error a.b.-5.9 at S line 6",
+                  "Error a.ffffffffffffffff.3.10 at S line 7", "Error 1.-2.11 at S line 8",
+                  "Error 123456789abc.1.2.12 at (null) line 9"}));
+    EXPECT_TRUE(trace.hasError("5.2001", "RptNext", 12));
+    EXPECT_FALSE(trace.hasError("5.2001", "RptNext", 1));
+}
+
+}  // namespace
