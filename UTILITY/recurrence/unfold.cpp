@@ -1,0 +1,143 @@
+// The listing itself: range, list, trim. The range arithmetic is in unfoldRange.cpp.
+#include "recurrence/unfold.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "QelUtility/BxTrace.h"
+#include "dates/CivilDate.h"
+
+namespace {
+
+constexpr char kSourceName[] = "unfold";
+
+int fail(int line, int detail, int code) {
+    return BxTrace_Error(kSourceName, line, detail, code);
+}
+
+bool isExcluded(const ZQTR_REPEAT& repeat, int date) {
+    if (repeat.exclusions == nullptr || repeat.exclusionCount <= 0) return false;
+    const int* const end = repeat.exclusions + repeat.exclusionCount;
+    return std::find(static_cast<const int*>(repeat.exclusions), end, date) != end;
+}
+
+// A list under construction.
+struct Listing {
+    int* entries;
+    std::int64_t capacity;  // entries
+    int total = 0;
+    int valid = 0;
+};
+
+// Lists the days of the occurrence that begins on `start` and lie from `from` to `to`; true when
+// the listing is complete.
+bool listOccurrence(const ZQTR_REPEAT& repeat, int start, int from, int to, Listing& listing) {
+    const std::int64_t end = std::int64_t{start} + repeat.unitCount;
+    for (std::int64_t day = std::max(start, from); day < end; ++day) {
+        if (day > to || listing.total >= listing.capacity) return true;
+        const int date = static_cast<int>(day);
+        const bool excluded = isExcluded(repeat, date);
+        listing.entries[listing.total++] = excluded ? -date : date;
+        if (!excluded) ++listing.valid;
+        if (listing.total >= listing.capacity) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+int WeekOfMonth(int codeDate) {
+    if (!qel::isCodeDate(codeDate)) return 1;
+    return (qel::decodeCivilDate(codeDate).day - 1) / 7 + 1;
+}
+
+int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock* list, int* valid,
+                     int* total) {
+    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr) {
+        return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
+    }
+    *valid = 0;
+    *total = 0;
+    const int exclusions = std::max<int>(repeat->exclusionCount, 0);
+    const std::int64_t capacity =
+        limit == -1 ? exclusions + std::int64_t{1} : std::int64_t{limit} + exclusions + 200;
+    if (const int result = DateBlock_Reserve(list, capacity * std::int64_t{sizeof(int)});
+        result != QEL_OK) {
+        return fail(__LINE__, result, QEL_OUT_OF_MEMORY);
+    }
+    Listing listing{list->data, capacity};
+    int current = repeat->startDate;  // the single occurrence of a record of type 0
+    int previous = -1;
+    for (bool isFirst = true;; isFirst = false) {
+        const int before = current;
+        if (const int result = ZQRepeatNextDate(repeat, &current, &previous); result != QEL_OK) {
+            return fail(__LINE__, result, result);
+        }
+        if (!isFirst && current <= before) return fail(__LINE__, current, QEL_REPEAT_ENGINE);
+        if (listOccurrence(*repeat, current, from, to, listing)) break;
+        // Past the last code date there is nothing to list, wherever the range ends.
+        if (repeat->type == REPEAT_NONE || current > qel::kLastCodeDate) break;
+    }
+    *valid = listing.valid;
+    *total = listing.total;
+    return QEL_OK;
+}
+
+int Unfold_TrimToCount(int wanted, int anchor, DateBlock* list, int* valid, int* total) {
+    int* const entries = list->data;
+    const int excess = *valid - wanted;
+    int before = 0;  // occurrences before the anchor that can go
+    int kept = 0;    // index of the first entry behind them
+    for (int i = 0; i < *total && entries[i] < anchor && before < excess; ++i) {
+        if (entries[i] <= 0) continue;
+        ++before;
+        kept = i + 1;
+    }
+    if (before == 0) {
+        int index = *total;
+        for (int found = 0; found < excess;) {
+            if (--index < 0) return fail(__LINE__, index, QEL_STORAGE_NOT_OWNED);
+            if (entries[index] > 0) ++found;
+        }
+        *total = index;
+    } else {
+        int moved = 0;
+        for (int found = 0; found < wanted; ++kept) {
+            if (kept >= *total) return fail(__LINE__, kept, QEL_STORAGE_NOT_OWNED);
+            if (entries[kept] > 0) ++found;
+            entries[moved++] = entries[kept];
+        }
+        *total = moved;
+    }
+    *valid = wanted;
+    return QEL_OK;
+}
+
+int Unfold_Repeat(ZQTR_REPEAT* repeat, int wanted, int anchor, int from, int to, DateBlock* list,
+                  int* valid, int* total) {
+    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr) {
+        return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
+    }
+    *valid = 0;
+    *total = 0;
+    if (wanted < 1) return fail(__LINE__, wanted, QEL_NOT_INITIALIZED);
+    int result = Unfold_ClampRange(repeat, wanted, anchor, &from, &to);
+    if (result == QEL_OK) result = Unfold_ListDates(repeat, wanted, from, to, list, valid, total);
+    if (result == QEL_OK && *valid > wanted) {
+        result = Unfold_TrimToCount(wanted, anchor, list, valid, total);
+    }
+    return result;
+}
+
+int Unfold_HasOccurrence(int from, int to, int anchor, ZQTR_REPEAT* repeat) {
+    DateBlock list{};
+    int valid = 0;
+    int total = 0;
+    int result = DateBlock_Init(&list, 0, kDateBlockStep, kDateBlockMaximum);
+    if (result == QEL_OK) {
+        result = Unfold_Repeat(repeat, 1, anchor, from, to, &list, &valid, &total);
+    }
+    DateBlock_Free(&list);
+    if (result != QEL_OK) return fail(__LINE__, result, result);
+    return valid > 0 ? 1 : 0;
+}
