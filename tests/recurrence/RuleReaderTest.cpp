@@ -11,16 +11,19 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/RRuleInternal.h"
 #include "recurrence/RuleRecordText.h"
+#include "support/TraceCapture.h"
 
 namespace {
 
 using qel::test::describe;
 
+using Reader = int (*)(const char*, _rruleRepeat*, int*);
+
 TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
-    std::mt19937 random(4);
+    std::minstd_rand random(4);
     for (int round = 0; round < 2000; ++round) {
         std::string text;
-        for (unsigned length = random() % 12; length > 0; --length) text += "a,;\\= "[random() % 6];
+        for (auto length = random() % 12; length > 0; --length) text += "a,;\\= "[random() % 6];
         const bool keep = round % 2 != 0;
         CBxParseValues parser;
         parser.SetSeparators(",");
@@ -33,9 +36,43 @@ TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
         for (; items.next(item); ++count) {
             ASSERT_LT(count, parser.GetSize()) << text;
             EXPECT_EQ(item, static_cast<const char*>(parser[count])) << text;
-            if (keep) EXPECT_EQ(items.atEnd(), count + 1 == parser.GetSize()) << text;
+            if (keep) {
+                EXPECT_EQ(items.atEnd(), count + 1 == parser.GetSize()) << text;
+            }
         }
         EXPECT_EQ(count, parser.GetSize()) << text;
+    }
+}
+
+// An unknown frequency is refused, reported with the text that was taken for it, and leaves the
+// defaults; nothing else is refused.
+TEST(RuleReader, RefusesAnUnknownFrequencyAlone) {
+    const struct {
+        Reader read;
+        const char* text;
+        const char* report;
+    } kCases[] = {
+        {BxUtil_PositionalV10toRRULE, "X1 #0", "Bad FREQX1.0.-1"},
+        {BxUtil_PositionalV10toRRULE, "w1 MO", "Bad FREQw1.0.-1"},
+        {BxUtil_PositionalV10toRRULE, " D1 #0", "Bad FREQ.0.-1"},
+        {BxUtil_PositionalV10toRRULE, "", "Bad FREQ.0.-1"},
+        {BxUtil_PositionalV10toRRULE, nullptr, "Bad FREQ.0.-1"},
+        {BxUtil_PositionalV20toRRULE, "FREQ=HOURLY;COUNT=3;UNTIL=20051231T000000",
+         "Bad FREQHOURLY.0.-1"},
+        {BxUtil_PositionalV20toRRULE, "freq=DAILY", "Bad FREQ.0.-1"},
+        {BxUtil_PositionalV20toRRULE, nullptr, "Bad FREQ.0.-1"},
+        {BxUtil_PositionaltoRRULE, "FORTNIGHTLY;;2", "Bad FREQFORTNIGHTLY.0.-1"},
+        {BxUtil_PositionaltoRRULE, ";;;1", "Bad FREQ.0.-1"},
+        {BxUtil_PositionaltoRRULE, nullptr, "Bad FREQ.0.-1"},
+    };
+    for (const auto& each : kCases) {
+        const qel::test::TraceCapture trace;
+        _rruleRepeat rule;
+        int flags = 7;
+        EXPECT_EQ(each.read(each.text, &rule, &flags), -1) << each.report;
+        EXPECT_TRUE(trace.hasError(each.report, "RRule")) << each.report;
+        EXPECT_EQ(describe(rule), "");
+        EXPECT_EQ(flags, 0);
     }
 }
 
