@@ -1,0 +1,59 @@
+// What the sources of the buffer and the stream share.
+#ifndef QEL_STREAMS_BXDATASTREAMINTERNAL_H
+#define QEL_STREAMS_BXDATASTREAMINTERNAL_H
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <string>
+
+#include "QelUtility/BxTrace.h"
+#include "QelUtility/QelTypes.h"
+
+namespace qel {
+
+constexpr char kStreamSourceName[] = "BxDataStream";
+constexpr char kSeparator = '\x1F';
+
+constexpr bool endsValue(unsigned char c) {
+    return c == static_cast<unsigned char>(kSeparator) || c == 0;
+}
+
+// The head of bytes that need not end in a zero, as a log line shows it.
+inline std::string excerpt(const void* bytes, std::size_t size) {
+    constexpr std::size_t kMost = 350;
+    if (bytes == nullptr) return {};
+    const auto* text = static_cast<const char*>(bytes);
+    const std::size_t most = std::min(size, kMost);
+    const void* end = std::memchr(text, '\0', most);
+    return {text,
+            end == nullptr ? most : static_cast<std::size_t>(static_cast<const char*>(end) - text)};
+}
+
+inline bool pointsInto(const void* p, const void* block, std::size_t size) {
+    const std::less<const void*> before;
+    return block != nullptr && !before(p, block) &&
+           before(p, static_cast<const char*>(block) + size);
+}
+
+// Logs the code with a size as detail, cut to what a detail holds, and throws it.
+[[noreturn]] inline void failWithSize(int line, unsigned long long size, int code) {
+    const int detail = size > INT_MAX ? INT_MAX : static_cast<int>(size);
+    throw BxTrace_Error(kStreamSourceName, line, detail, code);
+}
+
+// -1 for what is no hexadecimal digit.
+constexpr int hexDigit(unsigned char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+constexpr char kHexDigits[] = "0123456789abcdef";
+
+}  // namespace qel
+
+#endif
