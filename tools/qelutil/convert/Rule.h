@@ -48,6 +48,7 @@ struct RuleStart {
     int day = 1;
     int secondOfDay = 0;
     bool isDate = false;  // an all-day entry: only the date counts
+    int utcOffset = 0;    // seconds east of UTC at the start; moves an UNTIL with Z into this clock
 };
 
 // What expandRule stops at.

@@ -1,0 +1,138 @@
+#include "convert/ContentLine.h"
+
+#include <algorithm>
+
+#include "convert/Ascii.h"
+
+namespace qel::convert {
+
+namespace {
+
+// Takes the blanks at `folds` out of `text`, from `from` on.
+void eraseFolds(std::string& text, std::vector<std::size_t>& folds, std::size_t from) {
+    std::size_t write = from;
+    auto fold = std::lower_bound(folds.begin(), folds.end(), from);
+    for (std::size_t read = from; read < text.size(); ++read) {
+        if (fold != folds.end() && *fold == read) {
+            ++fold;
+            continue;
+        }
+        text[write++] = text[read];
+    }
+    text.resize(write);
+}
+
+bool foldedByWidth(const RawLine& raw) {
+    if (raw.folds.size() == 1) return raw.widest >= 74 && raw.widest <= 76;
+    return raw.widest == raw.narrowest && raw.widest >= 70;
+}
+
+bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
+    auto fold = std::lower_bound(raw.folds.begin(), raw.folds.end(), from);
+    for (std::size_t at = from; at < raw.text.size(); ++at) {
+        if (fold != raw.folds.end() && *fold == at) {
+            ++fold;
+        } else if (raw.text[at] == ' ' || raw.text[at] == '\t') {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Undoes the folds of the head always as iCalendar does, those of the value by `style`.
+void unfold(RawLine& raw, FoldStyle style) {
+    if (raw.folds.empty()) return;
+    const std::size_t colon = std::min(findColon(raw.text), raw.text.size());
+    const bool eraseAll =
+        style == FoldStyle::ICalendar || foldedByWidth(raw) || !hasBlankBesidesFolds(raw, colon);
+    if (eraseAll) {
+        eraseFolds(raw.text, raw.folds, 0);
+    } else {
+        std::string head = raw.text.substr(0, colon);
+        raw.text.erase(0, colon);
+        std::erase_if(raw.folds, [&](std::size_t fold) { return fold >= colon; });
+        eraseFolds(head, raw.folds, 0);
+        raw.text.insert(0, head);
+    }
+    raw.folds.clear();
+}
+
+bool isName(std::string_view name) {
+    return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+        return isAlpha(c) || isDigit(c) || c == '-' || c == '_' || c == '.';
+    });
+}
+
+// The part of `head` up to a ";" outside quotes, which is taken off with it.
+std::string_view nextParameter(std::string_view& head) {
+    bool inQuotes = false;
+    std::size_t end = 0;
+    for (; end < head.size(); ++end) {
+        if (head[end] == '"') inQuotes = !inQuotes;
+        if (head[end] == ';' && !inQuotes) break;
+    }
+    if (inQuotes) end = std::min(head.find(';'), head.size());
+    const std::string_view parameter = head.substr(0, end);
+    head.remove_prefix(std::min(end + 1, head.size()));
+    return parameter;
+}
+
+// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^.
+std::string parameterValue(std::string_view text) {
+    std::string value;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"') continue;
+        if (text[at] == '^' && at + 1 < text.size()) {
+            const char next = text[at + 1];
+            if (next == 'n' || next == '\'' || next == '^') {
+                value += next == 'n' ? '\n' : next == '\'' ? '"' : '^';
+                ++at;
+                continue;
+            }
+        }
+        value += text[at];
+    }
+    return value;
+}
+
+}  // namespace
+
+std::string_view ContentLine::parameter(std::string_view parameterName) const {
+    for (const Parameter& each : parameters)
+        if (each.name == parameterName) return each.value;
+    return {};
+}
+
+bool ContentLine::hasParameter(std::string_view parameterName) const {
+    return std::any_of(parameters.begin(), parameters.end(),
+                       [&](const Parameter& each) { return each.name == parameterName; });
+}
+
+bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
+    unfold(raw, style);
+    line.number = raw.number;
+    line.parameters.clear();
+    line.value.clear();
+    line.cut = raw.cut;
+    line.openEnd = raw.openEnd;
+    const std::size_t colon = findColon(raw.text);
+    if (colon == std::string::npos) return false;
+    std::string_view head = std::string_view(raw.text).substr(0, colon);
+    line.name = upper(trimmed(nextField(head, ';')));
+    if (!isName(line.name)) return false;
+    while (!head.empty()) {
+        const std::string_view parameter = nextParameter(head);
+        const std::size_t equals = parameter.find('=');
+        if (trimmed(parameter).empty()) continue;
+        if (equals == std::string_view::npos) {
+            line.parameters.push_back({"", parameterValue(trimmed(parameter))});
+        } else {
+            line.parameters.push_back({upper(trimmed(parameter.substr(0, equals))),
+                                       parameterValue(trimmed(parameter.substr(equals + 1)))});
+        }
+    }
+    line.value = raw.text.substr(colon + 1);
+    return true;
+}
+
+}  // namespace qel::convert

@@ -1,0 +1,246 @@
+#include "convert/LineReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "convert/Ascii.h"
+
+namespace qel::convert {
+
+namespace {
+
+constexpr std::size_t kChunk = 65536;
+constexpr std::size_t kLongestHead = 8192;
+
+void appendUtf8(std::string& text, unsigned code) {
+    if (code < 0x80) {
+        text += static_cast<char>(code);
+    } else if (code < 0x800) {
+        text += static_cast<char>(0xC0 | (code >> 6));
+        text += static_cast<char>(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        text += static_cast<char>(0xE0 | (code >> 12));
+        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        text += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+        text += static_cast<char>(0xF0 | (code >> 18));
+        text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
+        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+        text += static_cast<char>(0x80 | (code & 0x3F));
+    }
+}
+
+bool isBase64Text(std::string_view text) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+        return isAlpha(c) || isDigit(c) || c == '+' || c == '/' || c == '=';
+    });
+}
+
+// The first line of a component or its last; never the rest of a quoted-printable value.
+bool isComponentMark(std::string_view text) {
+    text = trimmed(text);
+    return startsWithIgnoreCase(text, "BEGIN:V") || startsWithIgnoreCase(text, "END:V");
+}
+
+// Where the "=" of a soft line break at the end of `text` is, else npos. Blanks may follow it.
+std::size_t softBreak(std::string_view text) {
+    std::size_t end = text.size();
+    while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
+    return end > 0 && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
+}
+
+}  // namespace
+
+std::size_t findColon(std::string_view text) {
+    bool inQuotes = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"') inQuotes = !inQuotes;
+        if (text[at] == ':' && !inQuotes) return at;
+    }
+    return text.find(':');
+}
+
+LineEncoding lineEncoding(std::string_view text) {
+    const std::size_t colon = findColon(text);
+    if (colon == std::string_view::npos) return LineEncoding::Plain;
+    std::string_view head = text.substr(0, colon);
+    static_cast<void>(nextField(head, ';'));
+    while (!head.empty()) {
+        std::string_view value = nextField(head, ';');
+        const std::string_view name = trimmed(nextField(value, '='));
+        value = trimmed(value);
+        if (value.empty()) {
+            value = name;
+        } else if (!equalsIgnoreCase(name, "ENCODING")) {
+            continue;
+        }
+        if (equalsIgnoreCase(value, "QUOTED-PRINTABLE")) return LineEncoding::QuotedPrintable;
+        if (equalsIgnoreCase(value, "BASE64") || equalsIgnoreCase(value, "B"))
+            return LineEncoding::Base64;
+    }
+    return LineEncoding::Plain;
+}
+
+LineReader::LineReader(ByteSource source) : source_(std::move(source)) {}
+
+bool LineReader::fill() {
+    // Called only when the chunk is used up.
+    at_ = 0;
+    chunk_.resize(kChunk);
+    const std::size_t got = source_(chunk_.data(), kChunk);
+    chunk_.resize(got);
+    bytesRead_ += got;
+    if (got == 0) return false;
+    if (!started_) {
+        // A mark of three bytes may come in pieces.
+        while (chunk_.size() < 3) {
+            char byte = 0;
+            if (source_(&byte, 1) == 0) break;
+            ++bytesRead_;
+            chunk_ += byte;
+        }
+        started_ = true;
+        detectEncoding();
+    }
+    if (encoding_ != Encoding::Bytes) decodeUtf16();
+    return true;
+}
+
+void LineReader::detectEncoding() {
+    if (chunk_.starts_with("\xEF\xBB\xBF")) {
+        at_ = 3;
+    } else if (chunk_.starts_with("\xFF\xFE")) {
+        encoding_ = Encoding::Utf16LittleEndian;
+        chunk_.erase(0, 2);
+    } else if (chunk_.starts_with("\xFE\xFF")) {
+        encoding_ = Encoding::Utf16BigEndian;
+        chunk_.erase(0, 2);
+    }
+}
+
+void LineReader::decodeUtf16() {
+    const std::string bytes = std::exchange(halfUnit_, {}) + std::exchange(chunk_, {});
+    const auto unitAt = [&](std::size_t at) {
+        const unsigned one = static_cast<unsigned char>(bytes[at]);
+        const unsigned two = static_cast<unsigned char>(bytes[at + 1]);
+        return encoding_ == Encoding::Utf16LittleEndian ? one | (two << 8) : (one << 8) | two;
+    };
+    std::size_t at = 0;
+    while (at + 2 <= bytes.size()) {
+        const unsigned unit = unitAt(at);
+        if (unit >= 0xD800 && unit < 0xDC00) {
+            if (at + 4 > bytes.size()) break;
+            const unsigned low = unitAt(at + 2);
+            if (low >= 0xDC00 && low < 0xE000) {
+                appendUtf8(chunk_, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+                at += 4;
+                continue;
+            }
+        }
+        appendUtf8(chunk_, unit >= 0xD800 && unit < 0xE000 ? 0xFFFD : unit);
+        at += 2;
+    }
+    halfUnit_ = bytes.substr(at);
+}
+
+bool LineReader::readPhysical(std::string& text, bool& cut) {
+    text.clear();
+    cut = false;
+    bool any = false;
+    for (;;) {
+        if (at_ == chunk_.size()) {
+            if (!fill()) return any;
+            continue;
+        }
+        if (afterCarriageReturn_) {
+            afterCarriageReturn_ = false;
+            if (chunk_[at_] == '\n') {
+                ++at_;
+                continue;
+            }
+            if (chunk_[at_] == '\r') {
+                afterCarriageReturn_ = true;
+                ++at_;
+                continue;
+            }
+        }
+        any = true;
+        const std::size_t end = std::min(chunk_.find_first_of("\r\n", at_), chunk_.size());
+        const std::size_t room = kLongestLine - text.size();
+        cut = cut || end - at_ > room;
+        text.append(chunk_, at_, std::min(end - at_, room));
+        at_ = end;
+        if (end == chunk_.size()) continue;
+        afterCarriageReturn_ = chunk_[end] == '\r';
+        ++at_;
+        return true;
+    }
+}
+
+bool LineReader::nextPhysical() {
+    hasAhead_ = readPhysical(ahead_, aheadCut_);
+    if (hasAhead_) ++aheadNumber_;
+    return hasAhead_;
+}
+
+void LineReader::append(RawLine& line, bool folded) {
+    // A fold costs memory too, however little stands between two of them.
+    constexpr std::size_t kFoldCost = 4 * sizeof(std::size_t);
+    const std::size_t used = line.text.size() + line.folds.size() * kFoldCost;
+    const std::size_t room = kLongestLine - std::min(used, kLongestLine);
+    line.cut = line.cut || aheadCut_ || ahead_.size() > room;
+    if (folded && room > 0) line.folds.push_back(line.text.size());
+    line.text.append(ahead_, 0, room);
+}
+
+bool LineReader::next(RawLine& line) {
+    line.text.clear();
+    line.folds.clear();
+    line.narrowest = 0;
+    line.widest = 0;
+    line.cut = false;
+    line.openEnd = false;
+    if (!hasAhead_ && !nextPhysical()) return false;
+    while (trimmed(ahead_).empty())
+        if (!nextPhysical()) return false;
+    line.number = aheadNumber_;
+    line.text.swap(ahead_);
+    line.cut = aheadCut_;
+    std::size_t width = line.text.size();
+    LineEncoding encoding = lineEncoding(line.text);
+    bool hasColon = findColon(line.text) != std::string::npos;
+    while (nextPhysical()) {
+        const std::size_t soft =
+            encoding == LineEncoding::QuotedPrintable ? softBreak(line.text) : std::string::npos;
+        const bool folded = !ahead_.empty() && (ahead_.front() == ' ' || ahead_.front() == '\t');
+        if (soft != std::string::npos) {
+            if (isComponentMark(ahead_)) {
+                line.openEnd = true;
+                break;
+            }
+            line.text.erase(soft);
+            append(line, false);
+        } else if (encoding == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
+            ahead_ = std::string(trimmed(ahead_));
+            append(line, false);
+        } else if (folded) {
+            line.narrowest = line.folds.empty() ? width : std::min(line.narrowest, width);
+            line.widest = std::max(line.widest, width);
+            append(line, true);
+        } else {
+            break;
+        }
+        width = ahead_.size();
+        // A property's name and parameters are not that long; looking on would take time.
+        if (!hasColon && line.text.size() < kLongestHead) {
+            hasColon = findColon(line.text) != std::string::npos;
+            if (hasColon) encoding = lineEncoding(line.text);
+        }
+    }
+    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable &&
+        softBreak(line.text) != std::string::npos)
+        line.openEnd = true;
+    return true;
+}
+
+}  // namespace qel::convert

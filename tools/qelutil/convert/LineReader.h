@@ -1,0 +1,81 @@
+// The lines of a calendar file as a stream, joined where they are folded. Memory is bounded by the
+// longest line, and that by kLongestLine. One thread.
+#ifndef QELUTIL_CONVERT_LINEREADER_H
+#define QELUTIL_CONVERT_LINEREADER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qel::convert {
+
+// Gives the next at most `room` bytes, 0 at the end.
+using ByteSource = std::function<std::size_t(char* bytes, std::size_t room)>;
+
+// The bytes of one physical line that are kept, and of one joined line. What is beyond is passed
+// over, and the line says that it was cut.
+inline constexpr std::size_t kLongestLine = std::size_t{32} << 20;
+
+// One joined line. Folds are not undone yet, because the two formats undo them differently.
+struct RawLine {
+    std::size_t number = 0;          // of its first physical line, from 1
+    std::string text;                // each fold's first blank is still there
+    std::vector<std::size_t> folds;  // where in text those blanks are
+    std::size_t narrowest = 0;       // octets of the shortest physical line before a fold
+    std::size_t widest = 0;          // and of the longest
+    bool cut = false;                // longer than kLongestLine; the rest is gone
+    bool openEnd = false;            // a soft line break of quoted-printable with nothing behind it
+};
+
+class LineReader {
+  public:
+    explicit LineReader(ByteSource source);
+
+    // The next line that is not empty. False at the end. Line ends are LF, CR LF, CR, and CR CR LF;
+    // a UTF-8 byte-order mark is passed over, UTF-16 with one is read as UTF-8. A quoted-printable
+    // value goes on behind a "=" at a line's end, a Base64 value over all lines of its alphabet.
+    bool next(RawLine& line);
+
+    // Bytes taken from the source so far.
+    [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
+
+  private:
+    enum class Encoding { Bytes, Utf16LittleEndian, Utf16BigEndian };
+
+    bool fill();
+    void detectEncoding();
+    void decodeUtf16();
+    bool nextPhysical();
+    bool readPhysical(std::string& text, bool& cut);
+    void append(RawLine& line, bool folded);
+
+    ByteSource source_;
+    std::string chunk_;
+    std::size_t at_ = 0;
+    std::uint64_t bytesRead_ = 0;
+    Encoding encoding_ = Encoding::Bytes;
+    bool started_ = false;
+    bool afterCarriageReturn_ = false;
+    std::string halfUnit_;  // bytes of UTF-16 that wait for the rest of their character
+
+    // One physical line is always looked at ahead.
+    std::string ahead_;
+    std::size_t aheadNumber_ = 0;
+    bool aheadCut_ = false;
+    bool hasAhead_ = false;
+};
+
+// What the part of a line before its value says of the value's encoding. Folds may still be in it.
+enum class LineEncoding { Plain, QuotedPrintable, Base64 };
+[[nodiscard]] LineEncoding lineEncoding(std::string_view text);
+
+// Where the value's colon is: the first one outside quotes, or the first one where the quotes do
+// not close before it. npos when there is none.
+[[nodiscard]] std::size_t findColon(std::string_view text);
+
+}  // namespace qel::convert
+
+#endif

@@ -1,0 +1,212 @@
+#include "convert/Moment.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "convert/Ascii.h"
+#include "convert/Days.h"
+
+namespace qel::convert {
+
+namespace {
+
+constexpr int kDaySeconds = 86400;
+const std::int64_t kFirstSecond = std::int64_t{dayNumber(1, 1, 1)} * kDaySeconds;
+const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeconds - 1;
+
+// Takes `count` digits off the front of `text`.
+std::optional<int> takeDigits(std::string_view& text, std::size_t count) {
+    const std::string_view digits = text.substr(0, count);
+    if (digits.size() != count || !allDigits(digits)) return std::nullopt;
+    text.remove_prefix(count);
+    return parseInt(digits);
+}
+
+void skip(std::string_view& text, char separator) {
+    if (!text.empty() && text.front() == separator) text.remove_prefix(1);
+}
+
+std::optional<int> takeDate(std::string_view& text) {
+    const auto year = takeDigits(text, 4);
+    skip(text, '-');
+    const auto month = year ? takeDigits(text, 2) : std::nullopt;
+    skip(text, '-');
+    const auto day = month ? takeDigits(text, 2) : std::nullopt;
+    if (!day || *year < 1 || *month < 1 || *month > 12 || *day < 1 ||
+        *day > daysInMonth(*year, *month))
+        return std::nullopt;
+    return dayNumber(*year, *month, *day);
+}
+
+std::optional<int> takeTime(std::string_view& text) {
+    const auto hour = takeDigits(text, 2);
+    skip(text, ':');
+    const auto minute = hour ? takeDigits(text, 2) : std::nullopt;
+    if (!minute) return std::nullopt;
+    skip(text, ':');
+    int second = 0;
+    if (!text.empty() && isDigit(text.front())) {
+        const auto digits = takeDigits(text, 2);
+        if (!digits) return std::nullopt;
+        second = *digits == 60 ? 59 : *digits;
+    }
+    const bool endOfDay = *hour == 24 && *minute == 0 && second == 0;
+    if ((*hour > 23 && !endOfDay) || *minute > 59 || second > 59) return std::nullopt;
+    return *hour * 3600 + *minute * 60 + second;
+}
+
+}  // namespace
+
+Moment momentAt(const Moment& moment, std::int64_t seconds) {
+    Moment result = moment;
+    seconds = std::clamp(seconds, kFirstSecond, kLastSecond);
+    std::int64_t day = seconds / kDaySeconds;
+    if (seconds % kDaySeconds < 0) --day;
+    result.day = static_cast<int>(day);
+    result.second = static_cast<int>(seconds - day * kDaySeconds);
+    if (result.second != 0) result.isDate = false;
+    return result;
+}
+
+std::optional<Moment> parseMoment(std::string_view text) {
+    text = trimmed(text);
+    Moment moment;
+    const auto day = takeDate(text);
+    if (!day) return std::nullopt;
+    moment.day = *day;
+    if (text.empty()) {
+        moment.isDate = true;
+        return moment;
+    }
+    if (toUpper(text.front()) != 'T' && text.front() != ' ') return std::nullopt;
+    text.remove_prefix(1);
+    const auto time = takeTime(text);
+    if (!time) return std::nullopt;
+    std::int64_t seconds = moment.seconds() + *time;
+    if (text.size() == 1 && toUpper(text.front()) == 'Z') {
+        moment.clock = Clock::Utc;
+    } else if (!text.empty()) {
+        const auto offset =
+            text.front() == '+' || text.front() == '-' ? parseUtcOffset(text) : std::nullopt;
+        if (!offset) return std::nullopt;
+        moment.clock = Clock::Utc;
+        seconds -= *offset;
+    }
+    if (seconds < kFirstSecond || seconds > kLastSecond) return std::nullopt;
+    return momentAt(moment, seconds);
+}
+
+std::string formatMoment(const Moment& moment) {
+    const Moment held = momentAt(moment, moment.seconds());
+    const Civil civil = civilOf(held.day);
+    char text[40];
+    if (moment.isDate) {
+        std::snprintf(text, sizeof text, "%04d%02d%02d", civil.year, civil.month, civil.day);
+    } else {
+        std::snprintf(text, sizeof text, "%04d%02d%02dT%02d%02d%02d%s", civil.year, civil.month,
+                      civil.day, held.second / 3600, held.second / 60 % 60, held.second % 60,
+                      moment.clock == Clock::Utc ? "Z" : "");
+    }
+    return text;
+}
+
+std::optional<Duration> parseDuration(std::string_view text) {
+    text = trimmed(text);
+    const bool negative = !text.empty() && text.front() == '-';
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+    if (text.size() < 2 || toUpper(text.front()) != 'P') return std::nullopt;
+    text.remove_prefix(1);
+    Duration result;
+    bool inTime = false;
+    while (!text.empty()) {
+        if (toUpper(text.front()) == 'T' && !inTime) {
+            inTime = true;
+            text.remove_prefix(1);
+            continue;
+        }
+        const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+        if (digits == 0 || digits == text.size()) return std::nullopt;
+        const std::int64_t number = *parseInt(text.substr(0, digits));
+        const char unit = toUpper(text[digits]);
+        text.remove_prefix(digits + 1);
+        if (unit == 'W' && !inTime) {
+            result.days += number * 7;
+        } else if (unit == 'D' && !inTime) {
+            result.days += number;
+        } else if (unit == 'H' && inTime) {
+            result.seconds += number * 3600;
+        } else if (unit == 'M' && inTime) {
+            result.seconds += number * 60;
+        } else if (unit == 'S' && inTime) {
+            result.seconds += number;
+        } else {
+            return std::nullopt;
+        }
+        // Far beyond any calendar, and far from overflow.
+        if (result.total() > 400LL * 366 * kDaySeconds) return std::nullopt;
+    }
+    if (negative) {
+        result.days = -result.days;
+        result.seconds = -result.seconds;
+    }
+    return result;
+}
+
+std::string formatDuration(std::int64_t seconds) {
+    std::string result = seconds < 0 ? "-P" : "P";
+    const std::int64_t total = seconds < 0 ? -seconds : seconds;
+    if (total == 0) return "PT0S";
+    if (total % (7 * kDaySeconds) == 0)
+        return result + std::to_string(total / (7 * kDaySeconds)) + "W";
+    if (total >= kDaySeconds) result += std::to_string(total / kDaySeconds) + "D";
+    const std::int64_t rest = total % kDaySeconds;
+    if (rest != 0) result += "T";
+    if (rest >= 3600) result += std::to_string(rest / 3600) + "H";
+    // RFC 5545 does not let hours and seconds stand without the minutes between them.
+    if (rest / 60 % 60 != 0 || (rest >= 3600 && rest % 60 != 0))
+        result += std::to_string(rest / 60 % 60) + "M";
+    if (rest % 60 != 0) result += std::to_string(rest % 60) + "S";
+    return result;
+}
+
+std::optional<int> parseUtcOffset(std::string_view text) {
+    text = trimmed(text);
+    const int sign = !text.empty() && text.front() == '-' ? -1 : 1;
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+    std::optional<int> hours = takeDigits(text, 2);
+    if (!hours) return std::nullopt;
+    skip(text, ':');
+    int minutes = 0;
+    int seconds = 0;
+    if (!text.empty()) {
+        const auto digits = takeDigits(text, 2);
+        if (!digits) return std::nullopt;
+        minutes = *digits;
+        skip(text, ':');
+    }
+    if (!text.empty()) {
+        const auto digits = takeDigits(text, 2);
+        if (!digits || !text.empty()) return std::nullopt;
+        seconds = *digits;
+    }
+    if (minutes > 59 || seconds > 59) return std::nullopt;
+    const int total = *hours * 3600 + minutes * 60 + seconds;
+    if (total > 15 * 3600) return std::nullopt;
+    return sign * total;
+}
+
+std::string formatUtcOffset(int seconds, bool colon) {
+    const int total = std::abs(seconds);
+    char text[40];
+    std::snprintf(text, sizeof text, "%c%02d%s%02d", seconds < 0 ? '-' : '+', total / 3600,
+                  colon ? ":" : "", total / 60 % 60);
+    std::string result = text;
+    if (total % 60 != 0) {
+        std::snprintf(text, sizeof text, "%s%02d", colon ? ":" : "", total % 60);
+        result += text;
+    }
+    return result;
+}
+
+}  // namespace qel::convert

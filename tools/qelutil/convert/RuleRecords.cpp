@@ -1,0 +1,177 @@
+// From rules to the library's records: texts in good order, read by the library.
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+#include "convert/Ascii.h"
+#include "convert/RuleParts.h"
+
+namespace qel::convert {
+
+namespace {
+
+constexpr int kMostInRecord = std::numeric_limits<short>::max();
+constexpr std::size_t kMostPositions = 4;
+
+std::string joined(const std::vector<int>& numbers, char separator = ',') {
+    std::string text;
+    for (const int number : numbers) {
+        if (!text.empty()) text += separator;
+        text += std::to_string(number);
+    }
+    return text;
+}
+
+std::string daysText(const std::vector<RuleDay>& days) {
+    std::string text;
+    for (const RuleDay& day : days) {
+        if (!text.empty()) text += ',';
+        if (day.position != 0) text += std::to_string(day.position);
+        text += kDayCodes[static_cast<std::size_t>(day.weekday)];
+    }
+    return text;
+}
+
+std::string_view frequencyText(Frequency frequency) {
+    switch (frequency) {
+        case Frequency::Daily:
+            return "DAILY";
+        case Frequency::Weekly:
+            return "WEEKLY";
+        case Frequency::Monthly:
+            return "MONTHLY";
+        case Frequency::Yearly:
+            return "YEARLY";
+    }
+    return "";
+}
+
+// The rules, each with days that one record can hold: those without a position together, each one
+// with a position by itself.
+std::vector<Rule> splitByDays(const Rule& rule) {
+    std::vector<Rule> pieces;
+    Rule plain = rule;
+    plain.days.clear();
+    for (const RuleDay& day : rule.days)
+        if (day.position == 0) plain.days.push_back(day);
+    if (!plain.days.empty() || rule.days.empty()) pieces.push_back(plain);
+    for (const RuleDay& day : rule.days) {
+        if (day.position == 0) continue;
+        pieces.push_back(plain);
+        pieces.back().days = {day};
+    }
+    return pieces;
+}
+
+bool isOrdinal(const Rule& piece) {
+    return piece.days.size() == 1 && piece.days.front().position != 0;
+}
+
+std::string positionalText(const Rule& piece) {
+    std::string text(frequencyText(piece.frequency));
+    const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
+    text += ";" + piece.until;
+    text += ";" + (holdsCount ? std::to_string(piece.count) : std::string());
+    text += ";" + std::to_string(std::min(piece.interval, kMostInRecord));
+    text += ";;;;" + daysText(piece.days);
+    text += ";" + joined(piece.monthDays) + ";" + joined(piece.yearDays) + ";" +
+            joined(piece.weekNumbers) + ";" + joined(piece.months) + ";";
+    // The one position of an ordinal is on its day already.
+    if (!isOrdinal(piece)) {
+        std::vector<int> positions = piece.setPositions;
+        if (positions.size() > kMostPositions) positions.resize(kMostPositions);
+        text += joined(positions);
+    }
+    text += ";";
+    if (piece.weekStart != 0) text += kDayCodes[static_cast<std::size_t>(piece.weekStart)];
+    return text + ";";
+}
+
+// The vCalendar 1.0 text of a piece where the library reads that form without loss, else "".
+std::string vCalendarPieceText(const Rule& piece) {
+    const auto positive = [](const std::vector<int>& list) {
+        return std::all_of(list.begin(), list.end(), [](int number) { return number > 0; });
+    };
+    const bool onlyDays = piece.monthDays.empty() && piece.yearDays.empty() && piece.months.empty();
+    if (piece.weekStart != 0 || !piece.weekNumbers.empty() || !piece.setPositions.empty())
+        return "";
+    std::string code;
+    std::string list;
+    if (piece.frequency == Frequency::Daily && onlyDays && piece.days.empty()) {
+        code = "D";
+    } else if (piece.frequency == Frequency::Weekly && onlyDays) {
+        code = "W";
+        for (const RuleDay& day : piece.days)
+            list += " " + std::string(kDayCodes[static_cast<std::size_t>(day.weekday)]);
+    } else if (piece.frequency == Frequency::Monthly && onlyDays && isOrdinal(piece)) {
+        const RuleDay& day = piece.days.front();
+        code = "MP";
+        list = " " + std::to_string(std::abs(day.position)) + (day.position > 0 ? "+ " : "- ") +
+               std::string(kDayCodes[static_cast<std::size_t>(day.weekday)]);
+    } else if (piece.frequency == Frequency::Monthly && piece.days.empty() &&
+               piece.months.empty() && piece.yearDays.empty() && !piece.monthDays.empty() &&
+               positive(piece.monthDays)) {
+        code = "MD";
+        list = " " + joined(piece.monthDays, ' ');
+    } else if (piece.frequency == Frequency::Yearly && piece.days.empty() &&
+               piece.monthDays.empty() && piece.yearDays.empty() && !piece.months.empty()) {
+        code = "YM";
+        list = " " + joined(piece.months, ' ');
+    } else if (piece.frequency == Frequency::Yearly && piece.days.empty() &&
+               piece.monthDays.empty() && piece.months.empty() && !piece.yearDays.empty() &&
+               positive(piece.yearDays)) {
+        code = "YD";
+        list = " " + joined(piece.yearDays, ' ');
+    } else {
+        return "";
+    }
+    const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
+    const std::string end =
+        !piece.until.empty() ? piece.until : "#" + std::to_string(holdsCount ? piece.count : 0);
+    return code + std::to_string(std::min(piece.interval, kMostInRecord)) + list + " " + end;
+}
+
+void noteLimits(const Rule& rule, std::vector<RuleNote>& notes) {
+    if (rule.interval > kMostInRecord || rule.count > kMostInRecord)
+        notes.push_back({Severity::Warning, "a record holds no number beyond 32767"});
+    if (!rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty())
+        notes.push_back({Severity::Warning, "a record holds no times of day"});
+    const bool ordinals = std::any_of(rule.days.begin(), rule.days.end(),
+                                      [](const RuleDay& day) { return day.position != 0; });
+    if (rule.setPositions.size() > kMostPositions)
+        notes.push_back({Severity::Warning, "a record holds no more than four positions"});
+    if (ordinals && !rule.setPositions.empty())
+        notes.push_back({Severity::Warning,
+                         "a record does not hold positions of weekdays and BYSETPOS together"});
+    if (rule.count > 0 && splitByDays(rule).size() > 1)
+        notes.push_back({Severity::Note,
+                         "the rule takes several records; its count is the count "
+                         "of all their dates together"});
+}
+
+}  // namespace
+
+std::vector<std::string> positionalTexts(const Rule& rule) {
+    std::vector<std::string> texts;
+    for (const Rule& piece : splitByDays(rule)) texts.push_back(positionalText(piece));
+    return texts;
+}
+
+std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<RuleNote>* notes) {
+    if (notes != nullptr) noteLimits(rule, *notes);
+    std::vector<RulePiece> pieces;
+    for (const Rule& each : splitByDays(rule)) {
+        RulePiece piece{};
+        piece.positionsAreOrdinals = isOrdinal(each);
+        const std::string text = vCalendarPieceText(each);
+        const int result =
+            text.empty()
+                ? BxUtil_PositionaltoRRULE(positionalText(each).c_str(), &piece.record, nullptr)
+                : BxUtil_PositionalV10toRRULE(text.c_str(), &piece.record, nullptr);
+        if (result != 0) return {};
+        pieces.push_back(piece);
+    }
+    return pieces;
+}
+
+}  // namespace qel::convert
