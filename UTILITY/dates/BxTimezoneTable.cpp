@@ -150,7 +150,8 @@ constexpr std::size_t changeCount(const ZoneRow& row) {
 // Where each zone's changes begin in the table of all changes; the last entry is their number.
 constexpr auto kFirstChange = [] {
     std::array<std::size_t, kZoneCount + 1> first{};
-    for (std::size_t i = 0; i < kZones.size(); ++i) first[i + 1] = first[i] + changeCount(kZones[i]);
+    for (std::size_t i = 0; i < kZones.size(); ++i)
+        first[i + 1] = first[i] + changeCount(kZones[i]);
     return first;
 }();
 constexpr std::size_t kChangeCount = kFirstChange[kZoneCount];
@@ -175,10 +176,8 @@ constexpr ZoneTime zoneTime(int codeDate, int minutes, int offset) {
     }
     const CivilDate date = decodeCivilDate(codeDate);
     return {date.year * 10000 + date.month * 100 + date.day,
-            static_cast<std::uint8_t>(minutes / kHour),
-            static_cast<std::uint8_t>(minutes % kHour),
-            static_cast<std::int8_t>(offset / kHour),
-            static_cast<std::int8_t>(offset % kHour)};
+            static_cast<std::uint8_t>(minutes / kHour), static_cast<std::uint8_t>(minutes % kHour),
+            static_cast<std::int8_t>(offset / kHour), static_cast<std::int8_t>(offset % kHour)};
 }
 
 constexpr ZoneChange change(int codeDate, int hour, int offset) {
@@ -220,7 +219,9 @@ static_assert(kChanges[kFirstChange[11 - 1]].utc.hour == 6);
 
 }  // namespace
 
-const char* zoneName(int zone) noexcept { return kZones[static_cast<std::size_t>(zone) - 1].name; }
+const char* zoneName(int zone) noexcept {
+    return kZones[static_cast<std::size_t>(zone) - 1].name;
+}
 
 std::span<const ZoneChange> zoneChanges(int zone) noexcept {
     const std::size_t index = static_cast<std::size_t>(zone) - 1;

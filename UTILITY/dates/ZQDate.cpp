@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "dates/CivilDate.h"
+#include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
 #include "platform/Platform.h"
 
@@ -45,29 +46,10 @@ void store(T* target, T value) {
     if (target != nullptr) *target = value;
 }
 
-constexpr bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-// The decimal number at the head of the first `width` characters (at most 9): blanks, a sign,
-// digits. Anything else, the terminator too, ends it; nothing readable is 0.
-int decimalField(const char* text, std::size_t width) {
-    std::size_t i = 0;
-    while (i < width && isBlank(text[i])) ++i;
-    bool negative = false;
-    if (i < width && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
-    int value = 0;
-    for (; i < width && isDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
-    return negative ? -value : value;
-}
-
 // The decimal field of `width` characters at `*cursor`, which moves past it but never past the
 // terminator.
 int takeField(const char** cursor, std::size_t width) {
-    const int value = decimalField(*cursor, width);
+    const int value = qel::decimalField(*cursor, width);
     for (std::size_t i = 0; i < width && **cursor != '\0'; ++i) ++*cursor;
     return value;
 }

@@ -3,30 +3,28 @@
 #include <cstdint>
 
 #include "dates/CivilDate.h"
+#include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
 
 namespace {
 
-constexpr bool isBlank(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+using qel::isAsciiBlank;
+using qel::isAsciiDigit;
 
 // Reads one number as scanf's "%<width>d" does: blanks, which do not count against the width, then
 // at most `width` characters of an optional sign and digits. False, with `value` untouched, when no
 // digit is found; `cursor` is then of no further use.
 bool scanNumber(const char*& cursor, int width, int& value) {
-    while (isBlank(*cursor)) ++cursor;
+    while (isAsciiBlank(*cursor)) ++cursor;
     const bool negative = *cursor == '-';
     if (*cursor == '-' || *cursor == '+') {
         ++cursor;
         --width;
     }
-    if (!isDigit(*cursor)) return false;
+    if (!isAsciiDigit(*cursor)) return false;
     int number = 0;
-    for (; width > 0 && isDigit(*cursor); --width, ++cursor) number = number * 10 + (*cursor - '0');
+    for (; width > 0 && isAsciiDigit(*cursor); --width, ++cursor)
+        number = number * 10 + (*cursor - '0');
     value = negative ? -number : number;
     return true;
 }

@@ -1,0 +1,262 @@
+// The conversions by the built-in table of zones.
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <numeric>
+#include <string>
+#include <tuple>
+
+#include "QelUtility/BxTimezones.h"
+#include "QelUtility/BxTrace.h"
+#include "dates/BxTimezoneTable.h"
+#include "dates/CivilDate.h"
+#include "dates/DecimalField.h"
+#include "dates/ZQDateInternal.h"
+#include "dates/ZoneLookup.h"
+
+namespace {
+
+using qel::ZoneChange;
+using qel::ZoneColumn;
+using qel::ZoneTime;
+
+constexpr char kSourceName[] = "BxTimezones";
+constexpr int kLineUnknownName = 120;
+constexpr int kLineNameOfBadZone = 139;
+constexpr int kLineUtcToUtcByOffset = 280;
+constexpr int kLineLocalOfBadZone = 327;
+constexpr int kLineUtcToUtc = 334;
+constexpr int kLineUtcOfBadZone = 380;
+constexpr int kLinePositiveMinutes = 475;
+constexpr int kLineNegativeMinutes = 510;
+constexpr int kLineOffsetOfBadZone = 563;
+constexpr int kLineNoOffsets = 582;
+
+constexpr int kBadZoneNumber = 2016;
+constexpr int kNotUtc = 2098;
+
+int reportBadZone(int line, int zone) {
+    return BxTrace_Error_SL(kSourceName, line, "invalid timezoneID", zone, kBadZoneNumber);
+}
+
+bool has(const char* text, char c) {
+    return text != nullptr && std::strchr(text, c) != nullptr;
+}
+
+constexpr char foldCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
+bool equalNoCase(const char* a, const char* b) {
+    while (*a != '\0' && foldCase(*a) == foldCase(*b)) ++a, ++b;
+    return *a == *b;
+}
+
+// The part of a text from a position on, empty when the text ends before it.
+const char* tail(const char* text, std::size_t position) {
+    return std::memchr(text, '\0', position) == nullptr ? text + position : "";
+}
+
+ZoneTime parseZoneTime(const char* text) {
+    ZoneTime time;
+    time.date = qel::decimalField(text, 8);
+    if (has(text, 'T')) {
+        // A signed field is no time of day; it counts as 0.
+        time.hour = static_cast<std::uint8_t>(std::max(qel::decimalField(tail(text, 9), 2), 0));
+        time.minute = static_cast<std::uint8_t>(std::max(qel::decimalField(tail(text, 11), 2), 0));
+    }
+    return time;
+}
+
+// The date `step` days from an eight-digit date; the date itself when the calendar does not hold
+// both.
+std::int32_t neighbourDay(std::int32_t date, int step) {
+    unsigned code = 0;
+    if (ZQ_DateEncode(date / 100 % 100, date % 100, date / 10000, &code) != 0) return date;
+    const int neighbour = static_cast<int>(code) + step;
+    if (!qel::isCodeDate(neighbour)) return date;
+    char text[9];
+    return qel::decimalField(ZQ_CodeDateToAlpha(neighbour, text), 8);
+}
+
+// The text of a zone time less an offset, hour and minute alone. An offset of less than an hour
+// moves nothing, its minutes included.
+std::string textLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes) {
+    std::int32_t date = time.date;
+    int hour = time.hour;
+    int minute = time.minute;
+    if (offsetHours < 0) {
+        if (offsetMinutes > 0) {
+            BxTrace_Error_SL(kSourceName, kLinePositiveMinutes, "bad timezone offset (minutes)",
+                             offsetMinutes, QEL_MALFORMED);
+            offsetMinutes = -offsetMinutes;
+        }
+        minute -= offsetMinutes;
+        if (minute > 59) {
+            minute -= 60;
+            ++hour;
+        }
+        hour -= offsetHours;
+        if (hour >= 24) {
+            hour -= 24;
+            date = neighbourDay(date, 1);
+        }
+    } else if (offsetHours > 0) {
+        if (offsetMinutes < 0) {
+            BxTrace_Error_SL(kSourceName, kLineNegativeMinutes, "bad timezone offset (minutes)",
+                             offsetMinutes, QEL_MALFORMED);
+            offsetMinutes = -offsetMinutes;
+        }
+        minute -= offsetMinutes;
+        if (minute < 0) {
+            minute += 60;
+            --hour;
+        }
+        hour -= offsetHours;
+        if (hour < 0) {
+            hour += 24;
+            date = neighbourDay(date, -1);
+        }
+    }
+    char text[48];
+    std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date), hour, minute);
+    return text;
+}
+
+// The two second digits of a text, as many as there are; a Z in their place is none.
+std::string secondDigits(const char* text) {
+    const char* const seconds = tail(text, 13);
+    std::size_t count = 0;
+    while (count < 2 && seconds[count] != '\0' && seconds[count] != 'Z') ++count;
+    return {seconds, count};
+}
+
+void convertToUtc(const char* text, const ZoneTime& time, int hours, int minutes, VStr& out) {
+    out = (textLessOffset(time, hours, minutes) + secondDigits(text) + "Z").c_str();
+}
+
+// Copies a text that needs no conversion and says so with true: one without a time, or in UTC.
+bool copiedToUtc(const char* text, int line, VStr& out) {
+    if (has(text, 'T')) {
+        if (!has(text, 'Z')) return false;
+        BxTrace_Trace1(kSourceName, line, "local time is actually in UTC!");
+    }
+    const VStr copy(text);
+    out = copy;
+    return true;
+}
+
+// What an offset may be: a zone time holds 8 bits of each part.
+int clampOffset(int part) {
+    return std::clamp<int>(part, INT8_MIN, INT8_MAX);
+}
+
+}  // namespace
+
+namespace qel {
+
+int offsetAt(std::span<const ZoneChange> changes, ZoneColumn column, ZoneTime& time) {
+    if (changes.empty()) {
+        return BxTrace_Error_S(kSourceName, kLineNoOffsets, "no offsets array", QEL_FAILED);
+    }
+    const auto key = [](const ZoneTime& t) { return std::tuple(t.date, t.hour, t.minute); };
+    const auto half = [column](const ZoneChange& change) -> const ZoneTime& {
+        return column == ZoneColumn::Local ? change.local : change.utc;
+    };
+    auto next = std::upper_bound(
+        changes.begin(), changes.end(), key(time),
+        [&](const auto& wanted, const ZoneChange& change) { return wanted < key(half(change)); });
+    if (next != changes.begin()) --next;
+    time.offsetHours = half(*next).offsetHours;
+    time.offsetMinutes = half(*next).offsetMinutes;
+    return 0;
+}
+
+int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time) {
+    if (!isZoneNumber(zone)) return reportBadZone(kLineOffsetOfBadZone, zone);
+    return offsetAt(zoneChanges(zone), column, time);
+}
+
+}  // namespace qel
+
+int BxTZ_GetZoneID(const char* name) {
+    const char* const wanted = name == nullptr ? "" : name;
+    for (int zone = 1; zone <= qel::kZoneCount; ++zone) {
+        if (equalNoCase(wanted, qel::zoneName(zone))) return zone;
+    }
+    const std::string text = std::string("Bad Timezone: ") + wanted;
+    BxTrace_Error_SL(kSourceName, kLineUnknownName, text.c_str(), QEL_MALFORMED, QEL_MALFORMED);
+    return -1;
+}
+
+int BxTZ_GetZoneName(int zone, VStr& name) {
+    if (!qel::isZoneNumber(zone)) {
+        reportBadZone(kLineNameOfBadZone, zone);
+        return 0;
+    }
+    name += qel::zoneName(zone);
+    return zone;
+}
+
+void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
+    std::array<int, qel::kZoneCount> zones{};
+    std::iota(zones.begin(), zones.end(), 1);
+    std::sort(zones.begin(), zones.end(),
+              [](int a, int b) { return std::strcmp(qel::zoneName(a), qel::zoneName(b)) < 0; });
+    names.SetSize(qel::kZoneCount);
+    for (int i = 0; i < qel::kZoneCount; ++i) {
+        names.SetAt(i, qel::zoneName(zones[static_cast<std::size_t>(i)]));
+    }
+    numbers.assign(zones.begin(), zones.end());
+}
+
+int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
+    if (has(text, 'T') && !qel::isZoneNumber(zone)) {
+        reportBadZone(kLineLocalOfBadZone, zone);
+        out.Empty();
+        return kBadZoneNumber;
+    }
+    if (copiedToUtc(text, kLineUtcToUtc, out)) return 0;
+    ZoneTime time = parseZoneTime(text);
+    if (const int code = zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0) return code;
+    convertToUtc(text, time, time.offsetHours, time.offsetMinutes, out);
+    return 0;
+}
+
+int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, const char* text, VStr& out) {
+    if (copiedToUtc(text, kLineUtcToUtcByOffset, out)) return 0;
+    convertToUtc(text, parseZoneTime(text), clampOffset(offsetHours), clampOffset(offsetMinutes),
+                 out);
+    return 0;
+}
+
+int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
+    const bool timed = has(text, 'T');
+    if (timed && !qel::isZoneNumber(zone)) {
+        reportBadZone(kLineUtcOfBadZone, zone);
+        out.Empty();
+        return kBadZoneNumber;
+    }
+    if (!timed || !has(text, 'Z')) {
+        const VStr copy(text);
+        out = copy;
+        return timed ? kNotUtc : 0;
+    }
+    ZoneTime time = parseZoneTime(text);
+    if (const int code = zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0) return code;
+    out =
+        (textLessOffset(time, -time.offsetHours, -time.offsetMinutes) + secondDigits(text)).c_str();
+    return 0;
+}
+
+int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone) {
+    if (fromZone == toZone) return 0;
+    VStr utc;
+    VStr local;
+    const int toUtc = BxTZ_LocalToUTC(fromZone, text, utc);
+    const int toLocal = BxTZ_UTCToLocal(toZone, utc, local);
+    if (toUtc == 0 && toLocal == 0) text = local;
+    return toLocal;
+}

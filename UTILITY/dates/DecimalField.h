@@ -1,0 +1,33 @@
+// How the date functions read numbers out of texts: ASCII alone, never by the locale, and never
+// past the terminator. For the library's own use, from any thread.
+#ifndef QEL_DATES_DECIMALFIELD_H
+#define QEL_DATES_DECIMALFIELD_H
+
+#include <cstddef>
+
+namespace qel {
+
+[[nodiscard]] constexpr bool isAsciiBlank(char c) noexcept {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+[[nodiscard]] constexpr bool isAsciiDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
+// The decimal number at the head of the first `width` characters: blanks, a sign, digits. Anything
+// else, the terminator too, ends it; nothing readable is 0.
+// REQUIRES: width <= 9
+[[nodiscard]] constexpr int decimalField(const char* text, std::size_t width) noexcept {
+    std::size_t i = 0;
+    while (i < width && isAsciiBlank(text[i])) ++i;
+    bool negative = false;
+    if (i < width && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
+    int value = 0;
+    for (; i < width && isAsciiDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
+    return negative ? -value : value;
+}
+
+}  // namespace qel
+
+#endif

@@ -1,0 +1,96 @@
+#include "dates/ZoneRules.h"
+
+#include <chrono>
+#include <optional>
+
+#include "dates/CivilDate.h"
+#include "dates/reldaymo.h"
+
+namespace qel {
+
+namespace {
+
+namespace chr = std::chrono;
+
+constexpr std::int64_t kFileTimePerDay = kSecondsPerDay * kFileTimePerSecond;
+constexpr chr::sys_days kFileTimeEpoch = chr::year(1601) / chr::January / 1;
+static_assert((chr::sys_days(chr::year(1900) / chr::January / 1) - kFileTimeEpoch).count() *
+                  kFileTimePerDay ==
+              kFileTimeOf1900);
+
+std::int64_t fileTimeOfDay(chr::sys_days day) {
+    return (day - kFileTimeEpoch).count() * kFileTimePerDay;
+}
+
+// Minutes as they are kept: 16 bits.
+std::int64_t offsetOfMinutes(std::int64_t minutes) {
+    return static_cast<std::int16_t>(minutes) * kFileTimePerMinute;
+}
+
+// The file time of a change in a year, in the local time that ends; none when the rule names no
+// date or no time of day.
+std::optional<std::int64_t> momentIn(int year, const platform::ZoneChangeMoment& moment,
+                                     bool absolute) {
+    if (moment.hour < 0 || moment.hour > 23 || moment.minute < 0 || moment.minute > 59 ||
+        moment.second < 0 || moment.second > 59 || moment.millisecond < 0 ||
+        moment.millisecond > 999) {
+        return std::nullopt;
+    }
+    std::int64_t day = 0;
+    if (absolute) {
+        if (moment.month < 1 || moment.month > 12 || moment.day < 1 ||
+            moment.day > daysInMonth(moment.month, year)) {
+            return std::nullopt;
+        }
+        day = fileTimeOfDay(chr::year(year) / moment.month / moment.day);
+    } else {
+        const int code = relativeDayOfMonth(year, moment.month, moment.day, moment.dayOfWeek);
+        if (code < 0) return std::nullopt;
+        day = kFileTimeOf1900 + code * kFileTimePerDay;
+    }
+    const std::int64_t seconds = moment.hour * 3600 + moment.minute * 60 + moment.second;
+    return day + seconds * kFileTimePerSecond + moment.millisecond * (kFileTimePerSecond / 1000);
+}
+
+}  // namespace
+
+FileTimeFields splitFileTime(std::int64_t fileTime) {
+    const std::int64_t days = fileTime / kFileTimePerDay;
+    const auto seconds = static_cast<int>(fileTime % kFileTimePerDay / kFileTimePerSecond);
+    const chr::year_month_day date(kFileTimeEpoch + chr::days(days));
+    return {static_cast<int>(date.year()),
+            static_cast<int>(static_cast<unsigned>(date.month())),
+            static_cast<int>(static_cast<unsigned>(date.day())),
+            seconds / 3600,
+            seconds % 3600 / 60,
+            seconds % 60};
+}
+
+ZoneOffsets zoneOffsets(const platform::TimeZoneDescription& zone, bool followsDaylight) {
+    const std::int64_t standardBias = std::int64_t{zone.bias} + zone.standardBias;
+    ZoneOffsets offsets{};
+    offsets.daylightEnabled = followsDaylight && zone.standardDate.month != 0;
+    offsets.standard = offsetOfMinutes(-standardBias);
+    offsets.daylight = offsets.daylightEnabled
+                           ? offsetOfMinutes(-(standardBias + zone.daylightBias))
+                           : offsets.standard;
+    return offsets;
+}
+
+bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
+                    std::int64_t daylightOffset) {
+    if (fileTime <= 0) return false;
+    const int year = splitFileTime(fileTime).year;
+    const bool absolute = zone.standardDate.year != 0;
+    const auto standardChange = momentIn(year, zone.standardDate, absolute);
+    const auto daylightChange = momentIn(year, zone.daylightDate, absolute);
+    if (!standardChange || !daylightChange) return false;
+    // The daylight offset for both changes, the one to daylight saving too: what is converted is
+    // compared as a time of the daylight half of the year.
+    const bool beforeStandard = fileTime < *standardChange - daylightOffset;
+    const bool fromDaylight = fileTime >= *daylightChange - daylightOffset;
+    const bool southern = zone.standardDate.month <= zone.daylightDate.month;
+    return southern ? beforeStandard || fromDaylight : beforeStandard && fromDaylight;
+}
+
+}  // namespace qel
