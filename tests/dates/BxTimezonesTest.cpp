@@ -16,8 +16,11 @@
 #include "dates/BxTimezoneTable.h"
 #include "dates/ZQDateInternal.h"
 #include "dates/ZoneLookup.h"
+#include "support/TraceCapture.h"
 
 namespace {
+
+using qel::test::TraceCapture;
 
 std::string toUtc(int zone, const char* text) {
     VStr out("old");
@@ -216,10 +219,38 @@ TEST(ZoneTable, KnowsItsNames) {
     }
 }
 
-TEST(ZoneTable, FindsNoOffsetWithoutChangesOrZone) {
+TEST(ZoneTable, ReportsWhatIsWrongWhereItIsWrong) {
+    const TraceCapture trace;
+    VStr out;
     qel::ZoneTime time{20050615, 8, 30};
-    EXPECT_EQ(qel::offsetAt({}, qel::ZoneColumn::Local, time), -1);
+    EXPECT_EQ(BxTZ_GetZoneID("Atlantis"), -1);
+    EXPECT_EQ(BxTZ_GetZoneName(0, out), 0);
+    EXPECT_EQ(BxTZ_LocalToUTCByOffset(5, 0, "20050615T083000Z", out), 0);
+    EXPECT_EQ(BxTZ_LocalToUTC(78, "20050615T083000", out), 2016);
+    EXPECT_EQ(BxTZ_LocalToUTC(11, "20050615T083000Z", out), 0);
+    EXPECT_EQ(BxTZ_UTCToLocal(-1, "20050615T083000", out), 2016);
+    EXPECT_EQ(BxTZ_LocalToUTCByOffset(-2, 30, "20050615T083000", out), 0);
+    EXPECT_EQ(BxTZ_LocalToUTCByOffset(2, -30, "20050615T083000", out), 0);
     EXPECT_EQ(qel::zoneOffsetAt(78, qel::ZoneColumn::Utc, time), 2016);
+    EXPECT_EQ(qel::offsetAt({}, qel::ZoneColumn::Local, time), -1);
+    const std::vector<std::string> expected = {
+        "Error Bad Timezone: Atlantis.2015.2015 at BxTimezones line 120",
+        "Error invalid timezoneID.0.2016 at BxTimezones line 139",
+        "Error invalid timezoneID.78.2016 at BxTimezones line 327",
+        "Error invalid timezoneID.-1.2016 at BxTimezones line 380",
+        "Error bad timezone offset (minutes).30.2015 at BxTimezones line 475",
+        "Error bad timezone offset (minutes).-30.2015 at BxTimezones line 510",
+        "Error invalid timezoneID.78.2016 at BxTimezones line 563",
+        "Error no offsets array.-1 at BxTimezones line 582",
+    };
+    EXPECT_EQ(trace.errors(), expected);
+    std::string traced;
+    for (const std::string& line : trace.lines()) traced += line + "\n";
+    for (const char* const line : {"280", "334"}) {
+        EXPECT_NE(
+            traced.find("local time is actually in UTC! at BxTimezones line " + std::string(line)),
+            std::string::npos);
+    }
 }
 
 // The public record of two zones. The table agrees with it on every local moment of change but

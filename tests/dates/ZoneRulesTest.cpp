@@ -10,6 +10,7 @@
 #include "dates/ZQDateInternal.h"
 #include "dates/ZoneRules.h"
 #include "dates/reldaymo.h"
+#include "support/TraceCapture.h"
 
 namespace {
 
@@ -46,7 +47,14 @@ TEST(RelativeDay, FindsTheWeekdayOfTheMonth) {
     const int bad[][4] = {{-1, 1, 1, 0},    {2005, 0, 1, 0}, {2005, 13, 1, 0},
                           {2005, 1, 0, 0},  {2005, 1, 6, 0}, {2005, 1, 1, 7},
                           {2005, 1, 1, -1}, {2500, 1, 1, 0}, {1899, 1, 1, 0}};
+    const qel::test::TraceCapture trace;
     for (const auto& b : bad) EXPECT_EQ(qel::relativeDayOfMonth(b[0], b[1], b[2], b[3]), -1);
+    EXPECT_EQ(trace.errors().size(), std::size(bad));
+    EXPECT_TRUE(trace.hasError("-1.-1", "reldaymo", 25));
+    EXPECT_TRUE(trace.hasError("13.-1", "reldaymo", 28));
+    EXPECT_TRUE(trace.hasError("6.-1", "reldaymo", 31));
+    EXPECT_TRUE(trace.hasError("7.-1", "reldaymo", 34));
+    EXPECT_TRUE(trace.hasError("2500.-1", "reldaymo", 44));
 }
 
 TEST(ZoneRules, SplitTheYearAtItsChanges) {
