@@ -1,0 +1,176 @@
+#include "QelUtility/BxFieldIDs.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "QelUtility/BxTrace.h"
+#include "catalogue/CalendarFields.h"
+#include "catalogue/ContactFields.h"
+#include "catalogue/FieldTables.h"
+#include "catalogue/MessageFields.h"
+
+namespace qel {
+namespace {
+
+constexpr char kSourceName[] = "BxFieldIDs";
+
+// Thirteen fields of 32 bits each where pointers have 32.
+static_assert(offsetof(FieldData, name) == 11 * 4 + (sizeof(void*) - 4) &&
+              sizeof(FieldData) == offsetof(FieldData, name) + 2 * sizeof(void*));
+
+// By record type less 1.
+constexpr std::array<FieldTables, 5> kTables{
+    CalendarTables<FIELD_EVENT>::kTables, CalendarTables<FIELD_TODO>::kTables,
+    ContactTables::kTables, NoteTables::kTables, EmailTables::kTables};
+
+template <typename Row>
+constexpr const Row* rowAt(std::span<const Row> rows, std::uint32_t id) {
+    const std::uint32_t index = id & kIndexMask;
+    return index < rows.size() ? &rows[index] : nullptr;
+}
+
+constexpr FieldAccessType accessOf(std::uint32_t id) {
+    return static_cast<FieldAccessType>(id >> 24 & 0x0F);
+}
+
+constexpr void takeProperty(const PropertyRow& row, FieldData& data) {
+    data.dataType = row.dataType;
+    data.componentCount = row.componentCount;
+    data.maxLength = row.maxLength;
+    data.propertyName = row.name;
+}
+
+constexpr void takeSubItem(const SubItemRow& row, FieldData& data) {
+    data.propertyId = row.propertyId;
+    data.selector = row.selector;
+    data.occurrence = row.occurrence;
+}
+
+// The functions below complete `data` and give null, or the reason why they cannot.
+
+constexpr const char* describeProperty(const PropertyRow* row, const char* missing,
+                                       FieldData& data) {
+    if (row == nullptr) return missing;
+    data.propertyId = data.fieldId;
+    data.name = row->name;
+    takeProperty(*row, data);
+    return nullptr;
+}
+
+constexpr const char* describeSubItem(const FieldTables& tables, FieldData& data) {
+    const SubItemRow* row = rowAt(tables.subItems, data.fieldId);
+    if (row == nullptr) return "Invalid table pointer (sub item)";
+    data.name = row->name;
+    takeSubItem(*row, data);
+    const PropertyRow* property = rowAt(tables.multi, row->propertyId);
+    if (property == nullptr) return "Invalid pointer (remaining attributes)";
+    takeProperty(*property, data);
+    return nullptr;
+}
+
+constexpr const char* describeValue(const FieldTables& tables, FieldData& data) {
+    const ValueRow* row = rowAt(tables.values, data.fieldId);
+    if (row == nullptr) return "Invalid table pointer (field value)";
+    data.name = row->name;
+    data.valueIndex = row->valueIndex;
+    switch (accessOf(row->parentId)) {
+        case FIELD_BASIC_PROPERTY: {
+            const PropertyRow* parent = rowAt(tables.basic, row->parentId);
+            if (parent == nullptr) return "Invalid parent basic prop";
+            data.propertyId = row->parentId;
+            takeProperty(*parent, data);
+            return nullptr;
+        }
+        case FIELD_SUB_ITEM: {
+            const SubItemRow* parent = rowAt(tables.subItems, row->parentId);
+            if (parent == nullptr) return "Invalid parent sub-item prop";
+            takeSubItem(*parent, data);
+            const PropertyRow* property = rowAt(tables.multi, parent->propertyId);
+            if (property == nullptr) return "Invalid parent basic prop (remaining)";
+            takeProperty(*property, data);
+            return nullptr;
+        }
+        default:
+            return "Unknown sub item access type";
+    }
+}
+
+// `data` holds the three parts of the identifier and zeros.
+constexpr const char* describe(FieldData& data) {
+    if (data.recordType < 1 || data.recordType > kTables.size()) return "Unknown record type";
+    const FieldTables& tables = kTables[data.recordType - 1];
+    const char* problem = nullptr;
+    switch (data.accessType) {
+        case FIELD_BASIC_PROPERTY:
+            problem = describeProperty(rowAt(tables.basic, data.fieldId),
+                                       "Invalid table pointer (basic prop)", data);
+            break;
+        case FIELD_MULTI_PROPERTY:
+            problem = describeProperty(rowAt(tables.multi, data.fieldId),
+                                       "Invalid table pointer (multi prop)", data);
+            break;
+        case FIELD_SUB_ITEM:
+            problem = describeSubItem(tables, data);
+            break;
+        case FIELD_VALUE:
+            problem = describeValue(tables, data);
+            break;
+        default:
+            problem = "Unknown field access type";
+            break;
+    }
+    if (problem != nullptr) return problem;
+    data.propertyIndex = data.propertyId & kIndexMask;
+    // Deliberately loose: a multi property's index is held against both tables together too.
+    if (data.propertyIndex >= tables.basic.size() + tables.multi.size()) {
+        return "Invalid parent property index";
+    }
+    return nullptr;
+}
+
+constexpr FieldData split(std::uint32_t id) {
+    FieldData data{};
+    data.accessType = accessOf(id);
+    data.recordType = id >> 28;
+    data.fieldId = id;
+    return data;
+}
+
+template <typename Row>
+constexpr bool allResolve(std::span<const Row> rows) {
+    for (const Row& row : rows) {
+        FieldData data = split(row.id);
+        if (describe(data) != nullptr || data.name != row.name) return false;
+    }
+    return true;
+}
+
+static_assert([] {
+    for (const FieldTables& tables : kTables) {
+        if (!allResolve(tables.basic) || !allResolve(tables.multi) ||
+            !allResolve(tables.subItems) || !allResolve(tables.values)) {
+            return false;
+        }
+    }
+    return true;
+}());
+
+}  // namespace
+}  // namespace qel
+
+int BxUtil_GetFieldDataByID(unsigned long fieldId, FieldData* out) {
+    if (out == nullptr) {
+        return BxTrace_Error_S(qel::kSourceName, __LINE__, "No field data", QEL_FAILED);
+    }
+    FieldData data = qel::split(static_cast<std::uint32_t>(fieldId & 0xFFFFFFFF));
+    out->accessType = data.accessType;
+    out->recordType = data.recordType;
+    out->fieldId = data.fieldId;
+    const char* problem = qel::describe(data);
+    if (problem != nullptr) {
+        return BxTrace_Error_S(qel::kSourceName, __LINE__, problem, QEL_FAILED);
+    }
+    *out = data;
+    return QEL_OK;
+}
