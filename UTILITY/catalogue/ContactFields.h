@@ -9,7 +9,7 @@ namespace qel {
 
 constexpr auto kContactBasic = std::to_array<PropertyText>({
     {"N", FIELD_TYPE_TITLE, 5, 528},
-    {"ORG", FIELD_TYPE_TEXT, 2, 264},
+    {"ORG", FIELD_TYPE_TITLE, 2, 264},
     {"TITLE", FIELD_TYPE_TEXT, kSingle, 264},
     {"ROLE", FIELD_TYPE_TEXT, kSingle, 264},
     {"NOTE", FIELD_TYPE_TEXT, kSingle, 32767},

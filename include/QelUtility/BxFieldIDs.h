@@ -25,7 +25,7 @@ enum FieldAccessType {
 };
 
 enum FieldDataType {
-    FIELD_TYPE_TITLE = 1,  // the text that stands for the record or names people
+    FIELD_TYPE_TITLE = 1,  // the text that stands for the record, or names people or firms
     FIELD_TYPE_TEXT = 2,
     FIELD_TYPE_DATE = 0x12,
     FIELD_TYPE_START_TIME = 0x31,

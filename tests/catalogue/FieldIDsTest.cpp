@@ -1,0 +1,138 @@
+// The field catalogue: rows at the ends of the tables and at the places where the order is easy to
+// get wrong, and every way in which an identifier can name nothing.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+#include <string>
+
+#include "QelUtility/BxFieldIDs.h"
+#include "support/TraceCapture.h"
+
+namespace {
+
+struct Expected {
+    unsigned int id;
+    const char* name;
+    unsigned int propertyId;
+    const char* propertyName;
+    int dataType;
+    unsigned int selector;
+    int occurrence;
+    int valueIndex;
+    int componentCount;
+    int maxLength;
+};
+
+const Expected kRows[] = {
+    {0x11000000, "SUMMARY", 0x11000000, "SUMMARY", 1, 0, 0, 0, 1, 4001},
+    {0x11000002, "DTSTART", 0x11000002, "DTSTART", 0x31, 0, 0, 0, -1, 28},
+    {0x2100000E, "EXDATE", 0x2100000E, "EXDATE", 0x32, 0, 0, 0, -1, 508},
+    {0x1100001F, "STATUS", 0x1100001F, "STATUS", 2, 0, 0, 0, 1, 40},
+    {0x21000025, "URL", 0x21000025, "URL", 2, 0, 0, 0, 1, 208},
+    {0x12000001, "ATTENDEE", 0x12000001, "ATTENDEE", 2, 0, 0, 0, 1, 4001},
+    {0x14000000, "Completed_Flag", 0x11000005, "COMPLETED", 0x32, 0, 0, -50, -1, 28},
+    {0x24000007, "Alarm_Duration", 0x21000008, "VALARM", 2, 0, 0, 2, -1, 308},
+    {0x1400000D, "NULL", 0x11000000, "SUMMARY", 1, 0, 0, -59, 1, 4001},
+    {0x31000000, "N", 0x31000000, "N", 1, 0, 0, 0, 5, 528},
+    {0x31000009, "BDAY", 0x31000009, "BDAY", 0x12, 0, 0, 0, -1, 28},
+    {0x31000005, "CATEGORIES", 0x31000005, "CATEGORIES", 2, 0, 0, 0, -5, 1008},
+    {0x31000030, "X-CUSTOM5", 0x31000030, "X-CUSTOM5", 2, 0, 0, 0, 1, 1008},
+    {0x32000002, "__EMAIL", 0x32000002, "__EMAIL", 2, 0, 0, 0, 1, 4001},
+    {0x33000000, "Adr_Work_1", 0x32000000, "__ADR", 2, 0x1, 0, 0, 7, 4001},
+    {0x33000006, "__Adr_Any_2", 0x32000000, "__ADR", 2, 0, 1, 0, 7, 4001},
+    {0x3300000E, "Phone_Other_FAX", 0x32000001, "__TEL", 2, 0x1000C, 0, 0, 1, 4001},
+    {0x33000024, "__Phone_VoiceNotWorkNotHome_2", 0x32000001, "__TEL", 2, 0x60200, 1, 0, 1, 4001},
+    {0x33000029, "EMail_Work_2", 0x32000002, "__EMAIL", 2, 0x1, 1, 0, 1, 4001},
+    {0x3300002A, "Phone_Home_FAX", 0x32000001, "__TEL", 2, 0x10006, 0, 0, 1, 4001},
+    {0x3300002B, "EMail_Home_2", 0x32000002, "__EMAIL", 2, 0x2, 1, 0, 1, 4001},
+    {0x34000000, "Family_Name", 0x31000000, "N", 1, 0, 0, 0, 5, 528},
+    {0x34000006, "Org_Unit", 0x31000001, "ORG", 1, 0, 0, 1, 2, 264},
+    {0x34000007, "Adr_Work_1_PO", 0x32000000, "__ADR", 2, 0x1, 0, 0, 7, 4001},
+    {0x34000014, "__Adr_Work_2_Country", 0x32000000, "__ADR", 2, 0x1, 1, 6, 7, 4001},
+    {0x34000025, "Adr_Other_1_Street", 0x32000000, "__ADR", 2, 0x8, 0, 2, 7, 4001},
+    {0x34000037, "__Adr_Any_2_Country", 0x32000000, "__ADR", 2, 0, 1, 6, 7, 4001},
+    {0x34000038, "NULL", 0x31000000, "N", 1, 0, 0, -59, 5, 528},
+    {0x41000004, "DCREATED", 0x41000004, "DCREATED", 2, 0, 0, 0, 1, 28},
+    {0x41000009, "X-CUSTOM5", 0x41000009, "X-CUSTOM5", 2, 0, 0, 0, 1, 1008},
+    {0x44000000, "Confidential_Flag", 0x41000003, "CLASS", 2, 0, 0, -56, 1, 58},
+    {0x51000005, "SUBJECT", 0x51000005, "SUBJECT", 1, 0, 0, 0, 1, 1008},
+    {0x51000012, "__RESENT-MESSAGE-ID", 0x51000012, "__RESENT-MESSAGE-ID", 2, 0, 0, 0, 1, 308},
+    {0x51000021, "X-CATEGORIES", 0x51000021, "X-CATEGORIES", 2, 0, 0, 0, -5, 1008},
+    {0x52000001, "__RECEIVED", 0x52000001, "__RECEIVED", 2, 0, 0, 0, 2, 4001},
+    {0x54000000, "Message-Body", 0x5100001B, "X-BODY", 2, 0, 0, -57, -1, 32767},
+    {0x54000001, "X-Date", 0x51000006, "DATE", 2, 0, 0, -58, 1, 58},
+};
+
+TEST(FieldIDs, DescribesFields) {
+    for (const Expected& row : kRows) {
+        FieldData data;
+        std::memset(&data, 0x5A, sizeof data);
+        ASSERT_EQ(BxUtil_GetFieldDataByID(row.id, &data), 0) << row.name;
+        EXPECT_STREQ(data.name, row.name);
+        EXPECT_EQ(data.accessType, row.id >> 24 & 0xF);
+        EXPECT_EQ(data.recordType, row.id >> 28);
+        EXPECT_EQ(data.fieldId, row.id);
+        EXPECT_EQ(data.propertyId, row.propertyId) << row.name;
+        EXPECT_EQ(data.propertyIndex, row.propertyId & 0xFFFFFF) << row.name;
+        EXPECT_STREQ(data.propertyName, row.propertyName);
+        EXPECT_EQ(data.dataType, row.dataType) << row.name;
+        EXPECT_EQ(data.selector, row.selector) << row.name;
+        EXPECT_EQ(data.occurrence, row.occurrence) << row.name;
+        EXPECT_EQ(data.valueIndex, row.valueIndex) << row.name;
+        EXPECT_EQ(data.componentCount, row.componentCount) << row.name;
+        EXPECT_EQ(data.maxLength, row.maxLength) << row.name;
+    }
+}
+
+// Names are unique within a table, and the tables end where they should.
+TEST(FieldIDs, TablesHaveTheirSizes) {
+    const unsigned int sizes[5][4] = {
+        {38, 2, 0, 14}, {38, 2, 0, 14}, {49, 3, 44, 57}, {10, 0, 0, 2}, {34, 2, 0, 3}};
+    for (unsigned int record = 1; record <= 5; ++record) {
+        for (unsigned int access = 1; access <= 4; ++access) {
+            const unsigned int size = sizes[record - 1][access - 1];
+            std::set<std::string> names;
+            FieldData data{};
+            for (unsigned int i = 0; i < size; ++i) {
+                ASSERT_EQ(BxUtil_GetFieldDataByID(record << 28 | access << 24 | i, &data), 0);
+                names.insert(data.name);
+            }
+            EXPECT_EQ(names.size(), size);
+            EXPECT_EQ(BxUtil_GetFieldDataByID(record << 28 | access << 24 | size, &data), -1);
+        }
+    }
+}
+
+TEST(FieldIDs, SaysWhyAnIdentifierNamesNothing) {
+    const struct {
+        unsigned int id;
+        const char* problem;
+    } rows[] = {
+        {0x00000000, "Unknown record type"},
+        {0x61000000, "Unknown record type"},
+        {0xFFFFFFFF, "Unknown record type"},
+        {0x10000000, "Unknown field access type"},
+        {0x15000000, "Unknown field access type"},
+        {0x11000026, "Invalid table pointer (basic prop)"},
+        {0x31FFFFFF, "Invalid table pointer (basic prop)"},
+        {0x42000000, "Invalid table pointer (multi prop)"},
+        {0x13000000, "Invalid table pointer (sub item)"},
+        {0x54000003, "Invalid table pointer (field value)"},
+    };
+    for (const auto& row : rows) {
+        qel::test::TraceCapture trace;
+        FieldData data;
+        std::memset(&data, 0x5A, sizeof data);
+        EXPECT_EQ(BxUtil_GetFieldDataByID(row.id, &data), -1);
+        EXPECT_TRUE(trace.hasError(std::string(row.problem) + ".-1", "BxFieldIDs")) << row.problem;
+        EXPECT_EQ(data.recordType, row.id >> 28);
+        EXPECT_EQ(data.accessType, row.id >> 24 & 0xF);
+        EXPECT_EQ(data.fieldId, row.id);
+        EXPECT_EQ(data.propertyId, 0x5A5A5A5AU) << "kept";
+        EXPECT_EQ(data.maxLength, 0x5A5A5A5A);
+    }
+    EXPECT_EQ(BxUtil_GetFieldDataByID(0x11000000, nullptr), -1);
+}
+
+}  // namespace
