@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "QelUtility/BxTrace.h"
 #include "catalogue/CalendarFields.h"
@@ -24,10 +25,11 @@ constexpr std::array<FieldTables, 5> kTables{
     CalendarTables<FIELD_EVENT>::kTables, CalendarTables<FIELD_TODO>::kTables,
     ContactTables::kTables, NoteTables::kTables, EmailTables::kTables};
 
+// A copy, because g++ 12 under its sanitizers takes no row's address in a constant expression.
 template <typename Row>
-constexpr const Row* rowAt(std::span<const Row> rows, std::uint32_t id) {
+constexpr std::optional<Row> rowAt(std::span<const Row> rows, std::uint32_t id) {
     const std::uint32_t index = id & kIndexMask;
-    return index < rows.size() ? &rows[index] : nullptr;
+    return index < rows.size() ? std::optional<Row>(rows[index]) : std::nullopt;
 }
 
 constexpr FieldAccessType accessOf(std::uint32_t id) {
@@ -49,9 +51,9 @@ constexpr void takeSubItem(const SubItemRow& row, FieldData& data) {
 
 // The functions below complete `data` and give null, or the reason why they cannot.
 
-constexpr const char* describeProperty(const PropertyRow* row, const char* missing,
+constexpr const char* describeProperty(const std::optional<PropertyRow>& row, const char* missing,
                                        FieldData& data) {
-    if (row == nullptr) return missing;
+    if (!row) return missing;
     data.propertyId = data.fieldId;
     data.name = row->name;
     takeProperty(*row, data);
@@ -59,35 +61,35 @@ constexpr const char* describeProperty(const PropertyRow* row, const char* missi
 }
 
 constexpr const char* describeSubItem(const FieldTables& tables, FieldData& data) {
-    const SubItemRow* row = rowAt(tables.subItems, data.fieldId);
-    if (row == nullptr) return "Invalid table pointer (sub item)";
+    const auto row = rowAt(tables.subItems, data.fieldId);
+    if (!row) return "Invalid table pointer (sub item)";
     data.name = row->name;
     takeSubItem(*row, data);
-    const PropertyRow* property = rowAt(tables.multi, row->propertyId);
-    if (property == nullptr) return "Invalid pointer (remaining attributes)";
+    const auto property = rowAt(tables.multi, row->propertyId);
+    if (!property) return "Invalid pointer (remaining attributes)";
     takeProperty(*property, data);
     return nullptr;
 }
 
 constexpr const char* describeValue(const FieldTables& tables, FieldData& data) {
-    const ValueRow* row = rowAt(tables.values, data.fieldId);
-    if (row == nullptr) return "Invalid table pointer (field value)";
+    const auto row = rowAt(tables.values, data.fieldId);
+    if (!row) return "Invalid table pointer (field value)";
     data.name = row->name;
     data.valueIndex = row->valueIndex;
     switch (accessOf(row->parentId)) {
         case FIELD_BASIC_PROPERTY: {
-            const PropertyRow* parent = rowAt(tables.basic, row->parentId);
-            if (parent == nullptr) return "Invalid parent basic prop";
+            const auto parent = rowAt(tables.basic, row->parentId);
+            if (!parent) return "Invalid parent basic prop";
             data.propertyId = row->parentId;
             takeProperty(*parent, data);
             return nullptr;
         }
         case FIELD_SUB_ITEM: {
-            const SubItemRow* parent = rowAt(tables.subItems, row->parentId);
-            if (parent == nullptr) return "Invalid parent sub-item prop";
+            const auto parent = rowAt(tables.subItems, row->parentId);
+            if (!parent) return "Invalid parent sub-item prop";
             takeSubItem(*parent, data);
-            const PropertyRow* property = rowAt(tables.multi, parent->propertyId);
-            if (property == nullptr) return "Invalid parent basic prop (remaining)";
+            const auto property = rowAt(tables.multi, parent->propertyId);
+            if (!property) return "Invalid parent basic prop (remaining)";
             takeProperty(*property, data);
             return nullptr;
         }
