@@ -120,9 +120,9 @@ int BxFile_SaveFile(const char* path, const void* data, unsigned long size) {
     if (stream == nullptr) return BxTrace_Error(kSourceName, __LINE__, errno, QEL_CANNOT_OPEN);
     errno = 0;
     // What the stream still buffers counts as written only once the system has taken it.
-    const bool written = size == 0 || (data != nullptr &&
-                                       std::fwrite(data, 1, size, stream) == size &&
-                                       std::fflush(stream) == 0);
+    const bool written =
+        size == 0 ||
+        (data != nullptr && std::fwrite(data, 1, size, stream) == size && std::fflush(stream) == 0);
     if (!written) return BxTrace_Error(kSourceName, __LINE__, errno, QEL_SHORT_WRITE);
     if (std::fclose(stream) != 0)
         return BxTrace_Error(kSourceName, __LINE__, errno, QEL_SHORT_WRITE);
@@ -142,8 +142,8 @@ int BxFile_CopyFile(const char* from, const char* to, bool keepExisting) {
     unsigned char* data = nullptr;
     unsigned long size = 0;
     if (BxFile_LoadFile(from, &data, &size) != QEL_OK) return QEL_FAILED;
-    const bool copied = (!exists || platform::removeFile(to) == 0) &&
-                        BxFile_SaveFile(to, data, size) == QEL_OK;
+    const bool copied =
+        (!exists || platform::removeFile(to) == 0) && BxFile_SaveFile(to, data, size) == QEL_OK;
     std::free(data);
     return copied ? QEL_OK : QEL_FAILED;
 }

@@ -6,8 +6,9 @@
 #include "QelUtility/QelTypes.h"
 #include "QelUtility/VStr.h"
 
-// A copy of `name` in which each ? * : / \ " ' & is replaced by "_": "N:70/x.cfg" gives "N_70_x.cfg".
-// Blanks and dots are kept, so "." and ".." stay what they are. Null gives a null string.
+// A copy of `name` in which each ? * : / \ " ' & is replaced by "_": "N:70/x.cfg" gives
+// "N_70_x.cfg". Blanks and dots are kept, so "." and ".." stay what they are. Null gives a null
+// string.
 QELUTILITY_API VStr CleanseFilename(const char* name);
 
 extern "C" {

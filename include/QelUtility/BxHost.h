@@ -24,7 +24,7 @@ QELUTILITY_API bool GetCurrentModelID(char* buffer, unsigned long size);
 QELUTILITY_API void BxHost_SetProfileDirectorySource(BxHostTextSource source);
 QELUTILITY_API void BxHost_SetModelIDSource(BxHostTextSource source);
 
-enum BxHostString {
+enum BxHostString : int {
     BXHOST_COMPANY,              // "Halverd"
     BXHOST_PRODUCT,              // "Linkup"
     BXHOST_MESSAGE_TITLE,        // "Norvale", the title of the trace's message boxes
