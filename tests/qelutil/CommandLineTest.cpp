@@ -19,6 +19,27 @@ TEST_F(QelutilTest, HelpAndVersionGoToStandardOutput) {
     EXPECT_EQ(help.err, "");
 }
 
+TEST_F(QelutilTest, EveryCommandHasHelpWithExamples) {
+    const std::string help = run({"--help"}).out;
+    const std::string heading = "\nSubcommands:\n";
+    ASSERT_NE(help.find(heading), std::string::npos);
+    std::istringstream lines(help.substr(help.find(heading) + heading.size()));
+    int commands = 0;
+    for (std::string line; std::getline(lines, line) && !line.empty();) {
+        const std::string name = line.substr(2, line.find(' ', 2) - 2);
+        if (name.empty()) continue;  // a description's second line
+        ++commands;
+        const ProcessResult result = run({name, "--help"});
+        EXPECT_EQ(result.exitCode, 0) << name;
+        EXPECT_NE(result.out.find("Examples:\n  qelutil " + name), std::string::npos) << result.out;
+        const ProcessResult unknown = run({name, "--frobnicate"});
+        EXPECT_EQ(unknown.exitCode, 2) << name;
+        EXPECT_NE(unknown.err.find("see `qelutil " + name + " --help`"), std::string::npos)
+            << unknown.err;
+    }
+    EXPECT_GE(commands, 4);
+}
+
 TEST_F(QelutilTest, UsageErrorsAreExitCodeTwoAndPointToTheHelp) {
     const struct {
         std::vector<std::string> words;
@@ -47,6 +68,9 @@ TEST_F(QelutilTest, OutputThatCannotBeWrittenIsAnError) {
     const ProcessResult result = run({"--help"}, closed);
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_NE(result.err.find("the output cannot be written"), std::string::npos) << result.err;
+    // A command that would go on for long stops at the first failure.
+    closed.input.assign(3 << 20, 'x');
+    EXPECT_EQ(run({"encode", "base64"}, closed).exitCode, 1);
     if (!std::filesystem::exists("/dev/full")) return;
     ProcessOptions full;
     full.outputTo = "/dev/full";

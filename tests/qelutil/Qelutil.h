@@ -17,8 +17,8 @@ class QelutilTest : public testing::Test {
   protected:
     ProcessResult run(const std::vector<std::string>& arguments,
                       ProcessOptions options = {}) const {
-        options.environment.emplace("XDG_STATE_HOME", state_.path().string());
-        options.environment.emplace("APPDATA", state_.path().string());
+        options.environment.emplace("BX_ERR_LOG_FILE_PATH", state_.file("BxTrace.log"));
+        options.environment.emplace("BX_OPTIONS_FILE_PATH", state_.file("BxOptions.opt"));
         return runProcess(QELUTIL_PROGRAM, arguments, options);
     }
 

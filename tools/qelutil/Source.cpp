@@ -6,10 +6,12 @@ namespace qel::cli {
 
 void SourceOptions::addTo(CLI::App& command) {
     CLI::Option* fileOption =
-        command.add_option("FILE", file, "what to read; \"-\" or nothing is standard input");
+        command.add_option("FILE", file, "what to read; \"-\" or nothing is standard input")
+            ->type_name("");
     command.add_option("-t,--text", text, "the text itself, instead of a file")
         ->excludes(fileOption);
-    command.add_option("-o,--output", output, "where to write; standard output by default");
+    command.add_option("-o,--output", output, "where to write; standard output by default")
+        ->type_name("FILE");
 }
 
 InputFile SourceOptions::open(Context& context) const {

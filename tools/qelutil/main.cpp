@@ -15,7 +15,12 @@ using qel::cli::Context;
 
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
-constexpr AddCommand kCommands[] = {qel::cli::addCharsetCommand};
+constexpr AddCommand kCommands[] = {
+    qel::cli::addEncodeCommand,
+    qel::cli::addDecodeCommand,
+    qel::cli::addCharsetCommand,
+    qel::cli::addLogCommand,
+};
 
 std::string commandLineOf(const CLI::App& app) {
     std::string words = "qelutil";

@@ -1,0 +1,207 @@
+// qelutil log: where the trace goes, with which options, and the end of it.
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Json.h"
+#include "QelUtility/BxTrace.h"
+#include "Text.h"
+#include "commands/Commands.h"
+
+namespace qel::cli {
+
+namespace {
+
+constexpr char kSection[] = "LogSettings";
+constexpr std::size_t kMostTail = 100000;
+// A trace line has no bound; what is looked through for the last lines has.
+constexpr std::streamoff kMostTailBytes = 16 << 20;
+
+struct TraceOption {
+    const char* key;
+    bool hexadecimal;
+    int defaultValue;
+    const char* meaning;
+};
+
+constexpr std::array<TraceOption, 10> kOptions = {{
+    {"MaxFileSize", false, 5000000, "bytes at which the log is rotated"},
+    {"MaxBackupCount", false, 3, "backups that a rotation keeps, 16 at most"},
+    {"KeepLogFiles", false, 1, "not 0: a host's request to delete the log does nothing"},
+    {"VTraceVerbosity", false, 0, "levelled traces are written up to this level"},
+    {"TracingOptions", true, 1, "bits: 1 default, 2 and 4 SyncML in and out, 8000000 in one log"},
+    {"LogManagerLevel", true, 0, "stored only"},
+    {"LogManagerDetail", true, 0, "stored only"},
+    {"RetroactiveTracingBufferSize", false, 0, "not 0: traces are kept back until an error"},
+    {"SeparateLogForEachProcess", false, 0, "not 0: the process number joins the log's name"},
+    {"KeepLogFileOpen", false, 0, "not 0: the log stays open between messages"},
+}};
+
+struct Options {
+    std::vector<std::string> settings;
+    std::size_t tail = 10;
+    bool json = false;
+};
+
+int valueOf(const TraceOption& option) {
+    int value = option.defaultValue;
+    if (option.hexadecimal)
+        BxTrace_GetHexOptionValue(kSection, option.key, value);
+    else
+        BxTrace_GetOptionValue(kSection, option.key, value);
+    return value;
+}
+
+std::string textOf(const TraceOption& option, int value) {
+    if (!option.hexadecimal) return std::to_string(value);
+    char text[16];
+    std::snprintf(text, sizeof(text), "%x", static_cast<unsigned>(value));
+    return text;
+}
+
+const TraceOption& optionNamed(const std::string& key) {
+    std::string known;
+    for (const TraceOption& option : kOptions) {
+        if (CLI::detail::to_lower(option.key) == CLI::detail::to_lower(key)) return option;
+        known += (known.empty() ? "" : ", ") + std::string(option.key);
+    }
+    throw UsageError("there is no option \"" + key + "\"; there are " + known);
+}
+
+int parseValue(const TraceOption& option, const std::string& text) {
+    std::size_t used = 0;
+    long long value = 0;
+    try {
+        value = std::stoll(text, &used, option.hexadecimal ? 16 : 10);
+    } catch (const std::exception&) {
+        used = 0;
+    }
+    using Limits = std::numeric_limits<std::int32_t>;
+    const long long most =
+        option.hexadecimal ? std::numeric_limits<std::uint32_t>::max() : Limits::max();
+    const long long least = option.hexadecimal ? 0 : Limits::min();
+    if (used == 0 || used != text.size() || value < least || value > most)
+        throw UsageError("\"" + text + "\" is no " +
+                         (option.hexadecimal ? "hexadecimal" : "decimal") +
+                         " number of 32 bits, which " + option.key + " takes");
+    return static_cast<int>(static_cast<std::uint32_t>(value & 0xFFFFFFFFLL));
+}
+
+void set(const std::string& setting) {
+    const std::size_t equals = setting.find('=');
+    if (equals == std::string::npos)
+        throw UsageError("\"" + setting + "\" is not of the form KEY=VALUE");
+    const TraceOption& option = optionNamed(setting.substr(0, equals));
+    const int wanted = parseValue(option, setting.substr(equals + 1));
+    if (option.hexadecimal)
+        BxTrace_SetHexOptionValue(kSection, option.key, wanted);
+    else
+        BxTrace_SetOptionValue(kSection, option.key, wanted);
+    // Writing reports nothing; reading back what is not there leaves the other value in place.
+    TraceOption other = option;
+    other.defaultValue = wanted == 0 ? 1 : 0;
+    if (valueOf(other) != wanted)
+        throw InputError(std::string(BxTrace_GetOptionsFilePath()) +
+                         ": cannot be written; see that its directory exists and is yours");
+}
+
+// The file's size and its last lines; no size when it cannot be read.
+struct Tail {
+    std::optional<std::uint64_t> size;
+    std::deque<std::string> lines;
+};
+
+Tail tailOf(const std::string& path, std::size_t most) {
+    Tail tail;
+    // The library's paths are in the system's own character set, as fopen takes them.
+    std::ifstream file(path.c_str(), std::ios::binary | std::ios::ate);
+    const std::streamoff size = file ? static_cast<std::streamoff>(file.tellg()) : -1;
+    if (size < 0) return tail;
+    const std::streamoff start = size > kMostTailBytes ? size - kMostTailBytes : 0;
+    file.seekg(start);
+    std::string line;
+    // The first line is cut off when the reading does not begin with the file.
+    if (start != 0) std::getline(file, line);
+    while (most != 0 && std::getline(file, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        tail.lines.push_back(line);
+        if (tail.lines.size() > most) tail.lines.pop_front();
+    }
+    // A directory can be opened and has a size, but nothing can be read from it.
+    if (!file.bad()) tail.size = static_cast<std::uint64_t>(size);
+    return tail;
+}
+
+void showText(Context& context, const Tail& tail) {
+    std::ostream& out = context.out;
+    out << "log      " << printable(BxTrace_GetLogFilePath());
+    if (tail.size)
+        out << " (" << *tail.size << " bytes)\n";
+    else
+        out << " (not there yet, or not readable)\n";
+    out << "options  " << printable(BxTrace_GetOptionsFilePath()) << "\n\n";
+    for (const TraceOption& option : kOptions) {
+        const std::string key = option.key;
+        const std::string value = textOf(option, valueOf(option));
+        out << key << std::string(29 - key.size(), ' ') << value
+            << std::string(value.size() < 9 ? 9 - value.size() : 1, ' ') << option.meaning << '\n';
+    }
+    if (!tail.lines.empty()) out << '\n';
+    for (const std::string& line : tail.lines) out << printable(line) << '\n';
+}
+
+void showJson(Context& context, const Tail& tail) {
+    Json document;
+    document["log"] = jsonText(BxTrace_GetLogFilePath());
+    document["bytes"] = nullptr;
+    if (tail.size) document["bytes"] = *tail.size;
+    document["options_file"] = jsonText(BxTrace_GetOptionsFilePath());
+    for (const TraceOption& option : kOptions)
+        document["options"][option.key] = textOf(option, valueOf(option));
+    document["tail"] = Json::array();
+    for (const std::string& line : tail.lines) document["tail"].push_back(jsonText(line));
+    writeJson(context.out, document);
+}
+
+void run(Context& context, const Options& options) {
+    // Loads the settings, so that the paths are known.
+    static_cast<void>(BxTrace_GetTracingOptions());
+    for (const std::string& setting : options.settings) set(setting);
+    if (!options.settings.empty() && !options.json) return;
+    const Tail tail = tailOf(BxTrace_GetLogFilePath(), options.tail);
+    if (options.json)
+        showJson(context, tail);
+    else
+        showText(context, tail);
+}
+
+}  // namespace
+
+void addLogCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        app.add_subcommand("log", "Where the trace goes, its options, and the end of it");
+    command->add_option("--set", options->settings, "set an option; may be repeated")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+    command->add_option("--tail", options->tail, "how many of the last lines to show")
+        ->capture_default_str()
+        ->check(CLI::Range(std::size_t{0}, kMostTail));
+    command->add_flag("--json", options->json, "as JSON");
+    command->footer(
+        "The log is where BX_ERR_LOG_FILE_PATH says, else in the user's profile directory; the\n"
+        "options file is where BX_OPTIONS_FILE_PATH says, else beside the log. Running programs\n"
+        "read the options again within a minute.\n"
+        "Examples:\n"
+        "  qelutil log --tail 40\n"
+        "  qelutil log --set VTraceVerbosity=3 --set TracingOptions=7\n"
+        "  BX_ERR_LOG_FILE_PATH=/tmp/trace.log qelutil log --json");
+    command->callback([options, &context] { run(context, *options); });
+}
+
+}  // namespace qel::cli
