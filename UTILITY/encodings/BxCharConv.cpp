@@ -28,6 +28,17 @@ const char* findCharSet(const char* name) {
     return found == kCharSetNames.end() ? nullptr : *found;
 }
 
+// Gives up a conversion and its names: these fields are as a fresh converter has them.
+void giveUp(_iconv_info*& handle, bool& initialized, char*& toName, char*& fromName) {
+    if (handle != nullptr) releaseDescriptor(handle);
+    handle = nullptr;
+    initialized = false;
+    std::free(toName);
+    std::free(fromName);
+    toName = nullptr;
+    fromName = nullptr;
+}
+
 }  // namespace
 }  // namespace qel
 
@@ -41,22 +52,16 @@ CBxCharConvSvcs::CBxCharConvSvcs()
       m_lastError(0) {}
 
 CBxCharConvSvcs::CBxCharConvSvcs(const CBxCharConvSvcs& o) : CBxCharConvSvcs() {
-    CopyFrom(o);
+    *this = const_cast<CBxCharConvSvcs&>(o);  // which it only reads
 }
 
 CBxCharConvSvcs::~CBxCharConvSvcs() {
-    CloseDescriptor();
-    FreeNames();
+    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
 }
 
 CBxCharConvSvcs& CBxCharConvSvcs::operator=(CBxCharConvSvcs& o) {
-    if (&o != this) CopyFrom(o);
-    return *this;
-}
-
-void CBxCharConvSvcs::CopyFrom(const CBxCharConvSvcs& o) {
-    CloseDescriptor();
-    FreeNames();
+    if (&o == this) return *this;
+    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     _iconv_info* opened = iconv_open(o.m_toName, o.m_fromName);
     if (opened != qel::failedOpen()) {
         m_handle = opened;
@@ -64,19 +69,7 @@ void CBxCharConvSvcs::CopyFrom(const CBxCharConvSvcs& o) {
     }
     m_toName = duplicate(o.m_toName);
     m_fromName = duplicate(o.m_fromName);
-}
-
-void CBxCharConvSvcs::CloseDescriptor() {
-    if (m_handle != nullptr) iconv_close(m_handle);
-    m_handle = nullptr;
-    m_initialized = false;
-}
-
-void CBxCharConvSvcs::FreeNames() {
-    std::free(m_toName);
-    std::free(m_fromName);
-    m_toName = nullptr;
-    m_fromName = nullptr;
+    return *this;
 }
 
 int CBxCharConvSvcs::Initialize(const char* to, const char* from) {
@@ -85,8 +78,7 @@ int CBxCharConvSvcs::Initialize(const char* to, const char* from) {
     if (toEntry == nullptr || fromEntry == nullptr || toEntry == fromEntry) {
         return QEL_NOT_INITIALIZED;
     }
-    CloseDescriptor();
-    FreeNames();
+    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     m_toName = duplicate(toEntry);
     m_fromName = duplicate(fromEntry);
     if (m_toName == nullptr || m_fromName == nullptr) return QEL_OUT_OF_MEMORY;

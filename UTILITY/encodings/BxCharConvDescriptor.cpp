@@ -57,11 +57,39 @@ bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
     return true;
 }
 
-void release(_iconv_info* cd) {
-    std::free(cd->toName);
-    std::free(cd->fromName);
-    std::free(cd->wideBuf);
-    std::free(cd);
+// Converts all of the input or nothing: 0, or the error.
+int convertThroughUtf16(_iconv_info& cd, const char*& in, unsigned int& inLeft, char*& out,
+                        unsigned int& outLeft) {
+    // One unit more than any text decodes to, so that a zero follows it.
+    const std::uint64_t need = std::uint64_t{inLeft} + 1;
+    if (!prepareWideBuf(cd, need)) return kErrorNoMemory;
+    const auto decoded = platform::decodeCodePage(cd.fromCodePage, in, inLeft, cd.wideBuf,
+                                                  static_cast<std::uint32_t>(need));
+    if (decoded.count == 0) return errorOf(decoded.failure);
+
+    // A byte-order mark is left out but still counted: the zero unit after the text is encoded in
+    // its place, and the result ends in a NUL byte.
+    const char16_t* text = cd.wideBuf;
+    if (*text == kByteOrderMark || *text == kSwappedByteOrderMark) ++text;
+    const auto encoded = platform::encodeCodePage(cd.toCodePage, text, decoded.count, out, outLeft);
+    if (encoded.count == 0) return errorOf(encoded.failure);
+
+    in += inLeft;
+    inLeft = 0;
+    out += encoded.count;
+    outLeft -= encoded.count;
+    return 0;
+}
+
+// Copies what there is room for: 0, or the error when input remains.
+int copyBytes(const char*& in, unsigned int& inLeft, char*& out, unsigned int& outLeft) {
+    const unsigned int count = std::min(inLeft, outLeft);
+    std::memmove(out, in, count);
+    in += count;
+    inLeft -= count;
+    out += count;
+    outLeft -= count;
+    return inLeft != 0 ? kErrorTooBig : 0;
 }
 
 }  // namespace
@@ -74,12 +102,14 @@ char* duplicate(const char* text) {
     return copy;
 }
 
-}  // namespace qel
-
-unsigned int CBxCharConvSvcs::Fail(int error) {
-    m_lastError = error;
-    return qel::kIconvFailed;
+void releaseDescriptor(_iconv_info* cd) {
+    std::free(cd->toName);
+    std::free(cd->fromName);
+    std::free(cd->wideBuf);
+    std::free(cd);
 }
+
+}  // namespace qel
 
 _iconv_info* CBxCharConvSvcs::iconv_open(const char* to, const char* from) {
     if (to == nullptr || *to == '\0' || from == nullptr || *from == '\0') {
@@ -92,7 +122,7 @@ _iconv_info* CBxCharConvSvcs::iconv_open(const char* to, const char* from) {
         cd->fromName = qel::duplicate(from);
     }
     if (cd == nullptr || cd->toName == nullptr || cd->fromName == nullptr) {
-        if (cd != nullptr) qel::release(cd);
+        if (cd != nullptr) qel::releaseDescriptor(cd);
         m_lastError = qel::kErrorNoMemory;
         return qel::failedOpen();
     }
@@ -107,11 +137,7 @@ int CBxCharConvSvcs::iconv_close(_iconv_info* cd) {
         m_lastError = qel::kErrorBadDescriptor;
         return -1;
     }
-    if (cd == m_handle) {
-        m_handle = nullptr;
-        m_initialized = false;
-    }
-    qel::release(cd);
+    qel::releaseDescriptor(cd);
     return 0;
 }
 
@@ -121,44 +147,18 @@ unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned i
     if (cd != nullptr && (in == nullptr || *in == nullptr)) return 0;
     const bool available = qel::platform::codePagesAvailable();
     if (cd != nullptr && !available) cd->useCodePages = 0;
-    if (cd == nullptr || inLeft == nullptr || out == nullptr || *out == nullptr ||
-        outLeft == nullptr) {
-        return Fail(qel::kErrorBadDescriptor);
+    int error = qel::kErrorBadDescriptor;
+    unsigned int result = 1;
+    if (cd != nullptr && inLeft != nullptr && out != nullptr && *out != nullptr &&
+        outLeft != nullptr) {
+        if (cd->useCodePages != 0 && *inLeft != 0) {
+            error = qel::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
+        } else {
+            result = *inLeft;
+            error = qel::copyBytes(*in, *inLeft, *out, *outLeft);
+        }
     }
-    if (cd->useCodePages != 0 && *inLeft != 0) {
-        return ConvertThroughUtf16(*cd, in, inLeft, out, outLeft);
-    }
-
-    const unsigned int copied = std::min(*inLeft, *outLeft);
-    std::memmove(*out, *in, copied);
-    *in += copied;
-    *inLeft -= copied;
-    *out += copied;
-    *outLeft -= copied;
-    return *inLeft != 0 ? Fail(qel::kErrorTooBig) : copied;
-}
-
-unsigned int CBxCharConvSvcs::ConvertThroughUtf16(_iconv_info& cd, const char** in,
-                                                  unsigned int* inLeft, char** out,
-                                                  unsigned int* outLeft) {
-    // One unit more than any text decodes to, so that a zero follows it.
-    const std::uint64_t need = std::uint64_t{*inLeft} + 1;
-    if (!qel::prepareWideBuf(cd, need)) return Fail(qel::kErrorNoMemory);
-    const auto decoded = qel::platform::decodeCodePage(cd.fromCodePage, *in, *inLeft, cd.wideBuf,
-                                                       static_cast<std::uint32_t>(need));
-    if (decoded.count == 0) return Fail(qel::errorOf(decoded.failure));
-
-    // A byte-order mark is left out but still counted: the zero unit after the text is encoded in
-    // its place, and the result ends in a NUL byte.
-    const char16_t* text = cd.wideBuf;
-    if (*text == qel::kByteOrderMark || *text == qel::kSwappedByteOrderMark) ++text;
-    const auto encoded =
-        qel::platform::encodeCodePage(cd.toCodePage, text, decoded.count, *out, *outLeft);
-    if (encoded.count == 0) return Fail(qel::errorOf(encoded.failure));
-
-    *in += *inLeft;
-    *inLeft = 0;
-    *out += encoded.count;
-    *outLeft -= encoded.count;
-    return 1;
+    if (error == 0) return result;
+    m_lastError = error;
+    return qel::kIconvFailed;
 }

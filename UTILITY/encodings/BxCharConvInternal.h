@@ -25,6 +25,9 @@ inline _iconv_info* failedOpen() {
 // A malloc copy, which the caller frees; null for null and when memory is exhausted.
 [[nodiscard]] char* duplicate(const char* text);
 
+// Frees a descriptor with all that belongs to it.
+void releaseDescriptor(_iconv_info* cd);
+
 }  // namespace qel
 
 #endif

@@ -110,13 +110,6 @@ class QELUTILITY_API CBxCharConvSvcs {
     int BxConvChar_guts(const char*& in, unsigned int& inLeft, char*& out, unsigned int& outLeft);
 
   private:
-    void CloseDescriptor();
-    void FreeNames();
-    void CopyFrom(const CBxCharConvSvcs& o);
-    unsigned int Fail(int error);
-    unsigned int ConvertThroughUtf16(_iconv_info& cd, const char** in, unsigned int* inLeft,
-                                     char** out, unsigned int* outLeft);
-
     _iconv_info* m_handle;
     bool m_initialized;
     char* m_toName;
