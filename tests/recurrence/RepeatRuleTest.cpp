@@ -1,0 +1,362 @@
+// Repeat record to rule and back: tables of records and rule texts, warnings, reports, hostile
+// input.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "QelUtility/BxRepeat.h"
+#include "QelUtility/VStr.h"
+#include "recurrence/RepeatRecord.h"
+#include "recurrence/RuleRecordText.h"
+#include "support/TraceCapture.h"
+
+namespace {
+
+using qel::test::code;
+using qel::test::describe;
+using qel::test::Record;
+using qel::test::TraceCapture;
+
+using Errors = std::vector<std::string>;
+
+struct ToRule {
+    const char* sentence;
+    const char* record;
+    const char* rule;
+    int flags;
+};
+
+const ToRule kToRule[] = {
+    {"daily, six occurrences in ten days", "1 from 20050615 every 2 to 20050625",
+     "DAILY interval=2 count=6", 0},
+    {"one occurrence", "1 from 20050615 to 20050615", "DAILY count=1", 0},
+    {"none: the first call is past the end", "2 from 20050615 weekday 2 to 20050616",
+     "WEEKLY until=38517+0 parts=BYDAY days=2", 1},
+    {"99 occurrences are counted", "1 from 20050101 to 20050409", "DAILY count=99", 0},
+    {"100 are not", "1 from 20050101 to 20050410", "DAILY until=38450+0", 1},
+    {"a failing engine keeps UNTIL", "12 from 20050101 to 20050110",
+     "DAILYWEEKLY until=38360+0 parts=BYDAY", 1},
+    {"a record that never advances keeps UNTIL", "4 from 20050601 weekday 4 to 20060101",
+     "MONTHLY until=38716+0 parts=BYDAY,BYSETPOS days=4", 1},
+    {"no end, no count", "1 from 20050615", "DAILY", 0},
+    {"monthly on a day", "3 from 20050615 day 15", "MONTHLY parts=BYMONTHDAY monthdays=15", 0},
+    {"on a day that no month has", "3 from 20050615 day 32", "MONTHLY parts=BYMONTHDAY", 0},
+    {"monthly on the last Friday", "4 from 20050615 weekday 6 week 5",
+     "MONTHLY parts=BYDAY,BYSETPOS days=6 positions=-1,0,0,0", 0},
+    {"yearly on a date", "5 from 20050615 month 6 day 15",
+     "YEARLY parts=BYMONTHDAY,BYMONTH monthdays=15 months=6", 0},
+    {"yearly on the second Tuesday of May", "6 from 20050615 month 5 weekday 3 week 2",
+     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=3 months=5 positions=2,0,0,0", 0},
+    {"in no month and on no weekday", "6 from 20050615 month 13 weekday 9 week 2",
+     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS positions=2,0,0,0", 0},
+    {"a day of selected months", "7 from 20050615 day 15 months 1,12",
+     "YEARLY parts=BYMONTHDAY,BYMONTH monthdays=15 months=1,12", 0},
+    {"selected weeks, days and months", "8 from 20050615 days 1,7 weeks 1,2,3,5 months 6",
+     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=1,7 months=6 positions=1,2,3,-1", 0},
+    {"the second day of the month", "10 from 20050615 day 2 weekday 8",
+     "MONTHLY parts=BYDAY,BYSETPOS days=1,2,3,4,5,6,7 positions=2,0,0,0", 0},
+    {"the last workday of June", "11 from 20050615 day 5 weekday 9 month 6",
+     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=2,3,4,5,6 months=6 positions=-1,0,0,0", 0},
+    {"the first weekend day", "10 from 20050615 day 1 weekday 10",
+     "MONTHLY parts=BYDAY,BYSETPOS days=1,7 positions=1,0,0,0", 0},
+    {"weekly on days sets both frequencies", "12 from 20050615 days 2,4 every 2",
+     "DAILYWEEKLY interval=2 parts=BYDAY days=2,4", 0},
+    {"a day of the quarter becomes a day of the month", "13 from 20050615 day 31 every 2",
+     "MONTHLY interval=6 parts=BYMONTHDAY monthdays=31", 0},
+    {"and may have no bit", "13 from 20050615 day 92", "MONTHLY interval=3 parts=BYMONTHDAY", 0},
+    {"a weekday of the quarter is written from the selection",
+     "14 from 20050615 weekday 3 week 14 days 5 weeks 4",
+     "MONTHLY interval=3 parts=BYDAY,BYSETPOS days=5 positions=4,0,0,0", 0},
+    {"selected weeks every other month", "15 from 20050615 days 3 weeks 2,4 every 2",
+     "MONTHLY interval=2 parts=BYDAY,BYSETPOS days=3 positions=2,4,0,0", 0},
+};
+
+TEST(RepeatToRule, WritesEveryType) {
+    for (const ToRule& row : kToRule) {
+        SCOPED_TRACE(row.sentence);
+        ZQTR_REPEAT record = Record(row.record).repeat;
+        _rruleRepeat rule;
+        VStr exclusions("stale");
+        VStr start("stale");
+        int flags = -1;
+        testing::internal::CaptureStdout();  // a failing engine is named there
+        ASSERT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 0, &flags), 0);
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(describe(rule), row.rule);
+        EXPECT_EQ(flags, row.flags);
+        EXPECT_EQ(rule.wkst, RRULE_DAY_SU);
+        EXPECT_STREQ(start, std::to_string(qel::test::date(record.startDate)).c_str());
+        EXPECT_TRUE(exclusions.IsEmpty());
+        EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 1, nullptr), 0);
+        EXPECT_EQ(rule.count, -1);
+        EXPECT_EQ(rule.until, ConvertZQTRDateTimeToRRule(record.endDate));
+    }
+}
+
+TEST(RepeatToRule, RefusesWhatNoRuleHolds) {
+    const struct {
+        const char* record;
+        Errors reports;
+    } rows[] = {
+        {"0 from 20050615", {}},
+        {"9 from 20050615", {}},
+        {"16 from 20050615", {}},
+        {"-1 from 20050615", {}},
+        {"8 from 20050615 weeks 1,2,3,4,5",
+         {"Error Exceed max nSetPos array size.-1 at BxRepeat line 1328"}},
+        {"15 from 20050615 weeks 1,2,3,4,5",
+         {"Error Exceed max nSetPos array size.-1 at BxRepeat line 1373"}},
+        {"14 from 20050615 weeks 1,2,3,4,5",
+         {"Error Exceed max nSetPos array size.-1 at BxRepeat line 1440"}},
+    };
+    for (const auto& row : rows) {
+        ZQTR_REPEAT record = Record(row.record).repeat;
+        SCOPED_TRACE(describe(record));
+        const TraceCapture trace;
+        _rruleRepeat rule;
+        VStr exclusions;
+        VStr start;
+        EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 0, nullptr), -1);
+        EXPECT_EQ(trace.errors(), row.reports);
+    }
+}
+
+TEST(RepeatToRule, WritesExclusionsAndNamesTheEnginesFailure) {
+    const Record excluding("1 from 20050615 to 20050701 every 0 except 20050617,20050620,-3");
+    ZQTR_REPEAT record = excluding.repeat;
+    _rruleRepeat rule;
+    VStr exclusions;
+    VStr start;
+    int flags = 0;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 0, &flags), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "ZQRepeatNextDate return code 4008\n");
+    EXPECT_STREQ(exclusions, "20050617,20050620,00000000");
+    EXPECT_EQ(flags, BXREPEAT_COUNT_UNKNOWN);
+    record.exclusions = nullptr;
+    EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 1, nullptr), 0);
+    EXPECT_TRUE(exclusions.IsEmpty());
+}
+
+struct FreeExclusions {
+    void operator()(ZQTR_REPEAT* record) const {
+        std::free(record->exclusions);
+        delete record;
+    }
+};
+
+struct FromRule {
+    int result = 0;
+    int flags = -1;
+    int endFromRule = -1;
+    std::unique_ptr<ZQTR_REPEAT, FreeExclusions> record{new ZQTR_REPEAT{}};
+};
+
+FromRule fromRule(_rruleRepeat rule, const char* start, const char* exclusions = nullptr) {
+    FromRule made;
+    made.result = BxUtil_RRuleToBxRepeat(&rule, exclusions, start, &made.endFromRule,
+                                         made.record.get(), &made.flags);
+    return made;
+}
+
+// Positional text, which reads every part of a rule.
+FromRule fromText(const char* positional, const char* start, const char* exclusions = nullptr) {
+    _rruleRepeat rule;
+    BxUtil_PositionaltoRRULE(positional, &rule, nullptr);
+    return fromRule(rule, start, exclusions);
+}
+
+struct RuleRow {
+    const char*
+        rule;  // FREQ;UNTIL;COUNT;INTERVAL;;;;BYDAY;BYMONTHDAY;BYYEARDAY;BYWEEKNO;BYMONTH;BYSETPOS
+    const char* start;
+    const char* record;
+    int flags;
+};
+
+const RuleRow kFromRule[] = {
+    {"DAILY;;;3;", "20050615", "1 from 20050615 every 3", 0},
+    {"DAILY;20051231T235959Z;5;", "20050615T083000Z", "1 from 20050615 to 20051231", 0},
+    {"DAILY;;5;2;", "20050615", "1 from 20050615 to 20050623 every 2", 1},
+    {"DAILY;;;;;;;MO,WE;", "20050615", "12 from 20050615 days 2,4", 0},
+    {"DAILY;;;;;;;MO,TU,WE,TH,FR;", "20050615", "12 from 20050615 days 2,3,4,5,6", 0},
+    {"WEEKLY;;10;2;;;;MO,WE,FR;", "20050615", "12 from 20050615 to 20050727 every 2 days 2,4,6", 1},
+    {"WEEKLY;;;;;;;MO,TU,WE,TH,FR;", "20050615", "12 from 20050615 days 2,3,4,5,6", 0x080},
+    {"WEEKLY;;;;;;;MO,TU;;;;;1,2;", "20050615", "12 from 20050615", 0x020},
+    {"MONTHLY;", "20050615", "3 from 20050615 day 15", 0},
+    {"MONTHLY;;;;;;;;31,10,-1;", "20050615", "3 from 20050615 day 10", 0x002},
+    {"MONTHLY;;;;;;;;5,-1,-2;", "20050615", "3 from 20050615 day 5", 0x006},
+    {"MONTHLY;;;;;;;;-1;", "20050615", "3 from 20050615 day 15", 0},
+    {"MONTHLY;;;;;;;MO,SA;", "20050615", "3 from 20050615 day 15 weekday 2 days 2,7", 0},
+    {"MONTHLY;;;;;;;2TU;", "20050615", "4 from 20050615 weekday 3 week 2", 0},
+    {"MONTHLY;;;;;;;-1FR;", "20050615", "4 from 20050615 weekday 6 week 5", 0},
+    {"MONTHLY;;;;;;;FR;;;;;-2,3;", "20050615", "4 from 20050615 weekday 6 week 5", 0x030},
+    {"MONTHLY;;;;;;;FR;;;;;6;", "20050615", "4 from 20050615 weekday 6", 0x040},
+    {"MONTHLY;;;;;;;SU,SA,WE;;;;;2;", "20050615", "4 from 20050615 weekday 4 week 2", 0},
+    {"MONTHLY;;;;;;;MO,TU,WE,TH,FR;;;;;-1;", "20050615", "10 from 20050615 day 5 weekday 9", 0},
+    {"MONTHLY;;;;;;;SU,MO,TU,WE,TH,FR,SA;;;;;5;", "20050615", "10 from 20050615 day 5 weekday 8",
+     0},
+    {"MONTHLY;;;;;;;SU,SA;;;;;7;", "20050603", "10 from 20050603 day 3 weekday 10", 0x040},
+    {"YEARLY;", "20050615", "5 from 20050615 day 15 month 6", 0},
+    {"YEARLY;;;;;;;;;;;9,3;", "20050615", "5 from 20050615 day 15 month 3", 0x008},
+    {"YEARLY;;;;;;;;20;;;12;", "20050615", "5 from 20050615 day 20 month 12", 0},
+    {"YEARLY;;;;;;;TH;;;;11;4;", "20050615", "6 from 20050615 month 11 weekday 5 week 4", 0},
+    {"YEARLY;;;;;;;SU,SA;;;;1;-1;", "20050615", "11 from 20050615 day 5 month 1 weekday 10", 0},
+    {"YEARLY;", "2005", "5 from 19000101", 0},
+};
+
+TEST(RuleToRepeat, MakesEveryType) {
+    for (const RuleRow& row : kFromRule) {
+        SCOPED_TRACE(row.rule);
+        const FromRule made = fromText(row.rule, row.start);
+        ASSERT_EQ(made.result, 0);
+        EXPECT_EQ(describe(*made.record), row.record);
+        EXPECT_EQ(made.flags, row.flags);
+        EXPECT_EQ(made.endFromRule, (row.flags & BXREPEAT_END_FROM_COUNT) != 0 ? 0 : 1);
+    }
+}
+
+TEST(RuleToRepeat, RefusesWhatARecordCannotHold) {
+    const struct {
+        const char* rule;
+        const char* start;
+        int result;
+        Errors reports;
+    } rows[] = {
+        {"DAILY;", nullptr, -1, {"Error Invalid Start Date ptr.-1 at BxRepeat line 326"}},
+        {"",
+         "20050615",
+         2106,
+         {"Error Unknown RRULE frequency in BxUtil_RRuleToBxRepeat.2106 at BxRepeat line 377"}},
+        {"YEARLY;;;;;;;;;;20;",
+         "20050615",
+         2106,
+         {"Error Can not handle ByWeekNo.2106 at BxRepeat line 450"}},
+        {"MONTHLY;;;;;;;MP;",
+         "20050615",
+         2105,
+         {"Error Invalid RRUle struct: no day bits set.2105 at BxRepeat line 497"}},
+        {"WEEKLY;",
+         "20050615",
+         2105,
+         {"Error Invalid RRULE struct, TYPE_BYDAY not set as expected.2105 at BxRepeat line 582"}},
+        {"MONTHLY;;;;;;;;-1,-2;", "20050615", 2105, {"Error 6.2105 at BxRepeat line 1581"}},
+        {"DAILY;;3;20000;", "24991231", 0, {}},
+        {"MONTHLY;;3;;;;;;1;",
+         "24991130",
+         4008,
+         {"Error -1.4008 at RptNext line 293", "Error 0.4008 at BxRepeat line 694"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.rule);
+        _rruleRepeat rule;
+        if (BxUtil_PositionaltoRRULE(row.rule, &rule, nullptr) != 0) rule.freq = 0;
+        const TraceCapture trace;
+        const FromRule made = fromRule(rule, row.start);
+        EXPECT_EQ(made.result, row.result);
+        EXPECT_EQ(trace.errors(), row.reports);
+    }
+}
+
+// Records that no reader makes.
+TEST(RuleToRepeat, SurvivesOddRecords) {
+    _rruleRepeat rule;
+    BxUtil_InitializeRRULE(&rule);
+    rule.freq = RRULE_FREQ_WEEKLY;
+    rule.type = RRULE_TYPE_BYDAY;
+    rule.byDay = 1;
+    const TraceCapture trace;
+    EXPECT_EQ(fromRule(rule, "20050615").result, 2105);
+    EXPECT_EQ(trace.errors(),
+              Errors{"Error Invalid RRUle struct: no day bits set.2105 at BxRepeat line 587"});
+
+    // A daily rule looks at the set of days, not at its type bit.
+    rule.freq = RRULE_FREQ_DAILY;
+    rule.type = 0;
+    rule.byDay = RRULE_DAY_MO;
+    EXPECT_EQ(describe(*fromRule(rule, "20050615").record), "12 from 20050615");
+
+    // Of several frequencies the shortest counts; a negative end other than -1 is divided.
+    rule.freq = 0xF0;
+    rule.byDay = 0;
+    rule.until = -172800;
+    rule.count = 5;
+    EXPECT_EQ(describe(*fromRule(rule, "20050615").record), "1 from 20050615 to -2");
+    rule.until = LLONG_MAX;
+    EXPECT_EQ(fromRule(rule, "20050615").record->endDate, INT_MAX);
+
+    // A set outside its months and days, and the greatest count of a series that stands still.
+    rule.freq = RRULE_FREQ_MONTHLY;
+    rule.until = -1;
+    rule.count = SHRT_MAX;
+    rule.type = RRULE_TYPE_BYMONTH | RRULE_TYPE_BYMONTHDAY | RRULE_TYPE_BYSETPOS;
+    rule.byMonth = 0xE001;
+    rule.byMonthDay = 1;
+    rule.byMonthDayNeg = 1;
+    EXPECT_EQ(describe(*fromRule(rule, "20050615").record), "4 from 20050615 to 20050625");
+
+    EXPECT_EQ(BxUtil_RRuleToBxRepeat(nullptr, nullptr, "20050615", nullptr, nullptr, nullptr), -1);
+    VStr text;
+    EXPECT_EQ(BxUtil_BxRepeatToRRule(nullptr, nullptr, text, text, 0, nullptr), -1);
+}
+
+TEST(RuleToRepeat, ReadsExclusions) {
+    const struct {
+        const char* text;
+        const char* except;
+        int flags;
+    } rows[] = {
+        {nullptr, "", 0},
+        {"", "", 0},
+        {"20050101,20050108", " except 20050101,20050108", 0},
+        {"20050101T083000Z,20050108", " except 20050101,20050108", 0x200},
+        {",20050230,2005,", " except 19000101,19000101,19000101,19000101", 0},
+        {"200501011", " except 20050101", 0x200},
+    };
+    for (const auto& row : rows) {
+        const FromRule made = fromText("DAILY;", "20050615", row.text);
+        EXPECT_EQ(describe(*made.record), "1 from 20050615" + std::string(row.except));
+        EXPECT_EQ(made.flags, row.flags);
+    }
+    // They stay with the record, whose owner frees them, also when the rule fails afterwards.
+    EXPECT_EQ(fromText("WEEKLY;", "20050615", "20050101").record->exclusionCount, 1);
+
+    const TraceCapture trace;
+    const FromRule many = fromText("DAILY;", "20050615", std::string(40000, ',').c_str());
+    EXPECT_EQ(many.result, 0);
+    EXPECT_EQ(many.record->exclusionCount, SHRT_MAX);
+    EXPECT_EQ(trace.errors().size(), 1U);
+}
+
+TEST(RepeatDates, ConvertBetweenTheRecords) {
+    EXPECT_EQ(ConvertZQTRDateTimeToRRule(-1), -1);
+    EXPECT_EQ(ConvertZQTRDateTimeToRRule(38516), 38516LL * 86400);
+    EXPECT_EQ(ZQTRDateTimeToRRule(-1), -1);
+    EXPECT_EQ(ZQTRDateTimeToRRule(25568), 86400);
+    EXPECT_EQ(ZQTRDateTimeToRRule(25566), -86400);
+    EXPECT_EQ(ZQTRDateTimeToRRule(219145), INT_MAX);
+    EXPECT_EQ(RRuleToZQTRDateTime(-1), -1);
+    EXPECT_EQ(RRuleToZQTRDateTime(38516LL * 86400 + 86399), 38516);
+    EXPECT_EQ(RRuleToZQTRDateTime(-86399), 0);
+    EXPECT_EQ(RRuleToZQTRDateTime(LLONG_MIN), INT_MIN);
+    VStr text("stale");
+    EXPECT_EQ(ZQTRDateTimeToUTCDate(38516, text), 0);
+    EXPECT_STREQ(text, "20050615");
+    for (const char* date : {"20050615", "20050615T083000Z", "200506150"}) {
+        int found = -7;
+        EXPECT_EQ(UTCDateToZQTRDateTime(date, &found), 0);
+        EXPECT_EQ(found, 38516);
+    }
+    for (const char* date : {"", "2005", "20050230", "x"}) {
+        int found = -7;
+        EXPECT_EQ(UTCDateToZQTRDateTime(date, &found), 0);
+        EXPECT_EQ(found, 0);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,271 @@
+// The expansion of a series into a list of dates.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "recurrence/RepeatRecord.h"
+#include "recurrence/unfold.h"
+#include "support/TraceCapture.h"
+
+namespace {
+
+using qel::test::code;
+using qel::test::Record;
+using qel::test::TraceCapture;
+
+// A list of its own for each call.
+struct List {
+    DateBlock block{};
+    int valid = -7;
+    int total = -7;
+
+    List() { DateBlock_Init(&block, 0, kDateBlockStep, kDateBlockMaximum); }
+    List(const List&) = delete;
+    List& operator=(const List&) = delete;
+    ~List() { DateBlock_Free(&block); }
+
+    // "20050301 -20050302": excluded dates with their sign.
+    [[nodiscard]] std::string text() const {
+        std::string text;
+        for (int i = 0; i < total; ++i) {
+            const int entry = block.data[i];
+            const int shown = entry < 0 ? -qel::test::date(-entry) : qel::test::date(entry);
+            text += (text.empty() ? "" : " ") + std::to_string(shown);
+        }
+        return text;
+    }
+};
+
+TEST(Unfold, ListsAroundTheAnchor) {
+    const struct {
+        const char* sentence;
+        const char* record;
+        int wanted, anchor, from, to;
+        const char* list;
+        int valid;
+    } rows[] = {
+        {"nothing lies before the anchor: cut from the end", "1 from 20050301", 3, 20050301, 0, 0,
+         "20050301 20050302 20050303", 3},
+        {"an anchor before everything", "1 from 20050301", 2, 20050101, 0, 0, "20050301 20050302",
+         2},
+        {"an excluded date is listed and does not count", "1 from 20050301 except 20050302", 3,
+         20050301, 0, 0, "20050301 -20050302 20050303 20050304", 3},
+        {"an anchor inside: what is before it goes", "1 from 20050301", 3, 20050501, 0, 20050601,
+         "20050501 20050502 20050503", 3},
+        {"an anchor past the range: the last ones stay", "1 from 20050301", 3, 20060101, 20050301,
+         20050331, "20050329 20050330 20050331", 3},
+        {"an anchor near the range's end", "1 from 20050301", 4, 20050330, 20050301, 20050331,
+         "20050328 20050329 20050330 20050331", 4},
+        {"excluded dates among those that go; one that follows the last of them stays",
+         "1 from 20050301 except 20050302,20050304,20050306,20050401", 4, 20050308, 20050301,
+         20050310, "-20050306 20050307 20050308 20050309 20050310", 4},
+        {"the series ends first", "2 from 20050301 weekday 3 to 20050316", 9, 20050301, 0, 0,
+         "20050301 20050308 20050315", 3},
+        {"the range ends first", "3 from 20050131 day 31 to 20991231", 9, 20050131, 20050201,
+         20050430, "20050228 20050331 20050430", 3},
+        {"an occurrence of several days, begun before the range",
+         "2 from 20050301 weekday 3 units 3", 4, 20050302, 20050302, 20050331,
+         "20050302 20050303 20050308 20050309", 4},
+        {"no repeat: the start itself", "0 from 20050301", 5, 20050301, 0, 20050331, "20050301", 1},
+        {"no repeat, out of range", "0 from 20050301", 5, 20050301, 20050302, 20050331, "", 0},
+        {"no repeat keeps an open end at 0", "0 from 20050301", 5, 20050301, 0, 0, "", 0},
+        {"an empty range", "1 from 20050301", 3, 20050301, 20050310, 20050305, "", 0},
+        {"a range from 1 January 1950", "5 from 19000101 month 1 day 1", 1, 0, 0, 0, "19500101", 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.sentence);
+        const Record parsed(row.record);
+        ZQTR_REPEAT record = parsed.repeat;
+        List list;
+        ASSERT_EQ(Unfold_Repeat(&record, row.wanted, code(row.anchor), code(row.from), code(row.to),
+                                &list.block, &list.valid, &list.total),
+                  0);
+        EXPECT_EQ(list.text(), row.list);
+        EXPECT_EQ(list.valid, row.valid);
+    }
+}
+
+TEST(Unfold, EstimatesDays) {
+    const struct {
+        const char* sentence;
+        const char* record;
+        int count;
+        std::int64_t days;
+    } rows[] = {
+        {"daily", "1 from 20050301 every 3", 13, 39},
+        {"daily, of two days each", "1 from 20050301 every 3 units 2", 13, 19},
+        {"weekly", "2 from 20050301 every 2", 13, 182},
+        {"monthly", "10 from 20050301", 13, 403},
+        {"yearly", "6 from 20050301 every 2", 13, 9516},
+        {"selected months", "7 from 20050301 months 1,6", 13, 2379},
+        {"selected months, at least a year", "7 from 20050301 months 1,6", 1, 366},
+        {"weekdays of selected weeks; the fourth and the last count once",
+         "8 from 20050301 months 1,6 days 1,2 weeks 1,4,5", 100, 4575},
+        {"every fifth month counts as two in a year", "15 from 20050301 every 5 days 1,2 weeks 1",
+         100, 9150},
+        {"selected weekdays", "12 from 20050301 every 2 days 1,2,3", 13, 60},
+        {"quarterly", "13 from 20050301", 13, 1196},
+        {"the most there is", "5 from 20050301 every 32767", INT_MAX, 25754174378017134},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.sentence);
+        const Record parsed(row.record);
+        ZQTR_REPEAT record = parsed.repeat;
+        std::int64_t days = -1;
+        EXPECT_EQ(Unfold_EstimateDays(&record, row.count, &days), 0);
+        EXPECT_EQ(days, row.days);
+    }
+}
+
+// Each row fails by its code, and every step on the way up reports it.
+TEST(Unfold, FailuresAreReported) {
+    const struct {
+        const char* sentence;
+        const char* record;
+        int wanted;
+        int code;
+        const char* details;
+    } rows[] = {
+        {"none wanted", "1 from 20050301", 0, 2024, "0.2024"},
+        {"type 9", "9 from 20050301", 1, 2013, "9.2013"},
+        {"a type above 15", "16 from 20050301", 1, 2013, "16.2013"},
+        {"no month selected", "7 from 20050301", 1, 4008, "7.4008"},
+        {"no weekday selected", "12 from 20050301", 1, 4008, "12.4008"},
+        {"interval 0 as a divisor", "15 from 20050301 every 0 days 1 weeks 1", 1, 4008, "15.4008"},
+        {"an interval above 12", "15 from 20050301 every 13 days 1 weeks 1", 1, 4008, "15.4008"},
+        {"no unit count", "1 from 20050301 units 0", 1, 4008, "1.4008"},
+        {"more than the list can hold", "1 from 20050301", 30000, 2001, "7012.2001"},
+        {"the most that can be asked for", "1 from 20050301", INT_MAX, 2001, "7012.2001"},
+        {"the engine fails", "1 from 20050301 every 0", 1, 4008, "4008.4008"},
+        {"a series that stands still", "4 from 20050301 weekday 4 week 0", 1, 4008, "38439.4008"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.sentence);
+        const TraceCapture trace;
+        const Record parsed(row.record);
+        ZQTR_REPEAT record = parsed.repeat;
+        List list;
+        EXPECT_EQ(Unfold_Repeat(&record, row.wanted, record.startDate, 0, 0, &list.block,
+                                &list.valid, &list.total),
+                  row.code);
+        EXPECT_TRUE(trace.hasError(row.details, "unfold"));
+        EXPECT_EQ(list.valid, 0);
+        EXPECT_EQ(list.total, 0);
+        // Asking for one passes every code on.
+        if (row.wanted != 1) continue;
+        EXPECT_EQ(Unfold_HasOccurrence(0, 0, record.startDate, &record), row.code);
+    }
+}
+
+TEST(Unfold, HasOccurrenceCountsWhatIsNotExcluded) {
+    const Record excluding("3 from 20050301 day 1 except 20050301");
+    ZQTR_REPEAT record = excluding.repeat;
+    EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050331), code(20050301), &record), 0);
+    EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050401), code(20050301), &record), 1);
+    EXPECT_EQ(Unfold_HasOccurrence(0, 0, 0, nullptr), 2024);
+}
+
+// With no limit the list holds one entry more than there are exclusions; records that would be
+// stepped without end stop at the calendar's.
+TEST(Unfold, ListsAreBounded) {
+    const Record excluding("1 from 20050301 except 20050301,20050302");
+    ZQTR_REPEAT record = excluding.repeat;
+    List list;
+    EXPECT_EQ(Unfold_ListDates(&record, -1, code(20050301), code(20050331), &list.block,
+                               &list.valid, &list.total),
+              0);
+    EXPECT_EQ(list.text(), "-20050301 -20050302 20050303");
+    EXPECT_EQ(list.valid, 1);
+
+    const char* const endless[] = {
+        "1 from 0",  "2 from 0 weekday 2",           "8 from 0",
+        "15 from 0", "12 from 0 days 1,2,3,4,5,6,7", "1 from 0 units 32767"};
+    for (const char* each : endless) {
+        ZQTR_REPEAT series = Record(each).repeat;
+        EXPECT_EQ(Unfold_ListDates(&series, 5, INT_MAX - 9, INT_MAX, &list.block, &list.valid,
+                                   &list.total),
+                  0);
+        EXPECT_EQ(list.total, 0);
+    }
+    for (const int limit : {INT_MIN, -1000, INT_MAX}) {
+        ZQTR_REPEAT series = Record("1 from 20050301").repeat;
+        const int result =
+            Unfold_ListDates(&series, limit, 0, INT_MAX, &list.block, &list.valid, &list.total);
+        EXPECT_EQ(result, limit < 0 ? 0 : 2001);
+        EXPECT_EQ(list.total, 0);
+    }
+    // The widest range there is, with anchors and ends at the edges of 32 bits.
+    for (const int edge : {INT_MIN, -1, 0, INT_MAX}) {
+        ZQTR_REPEAT series = Record("12 from 20050301 days 3").repeat;
+        EXPECT_EQ(Unfold_Repeat(&series, 1, edge, INT_MIN, INT_MAX, &list.block, &list.valid,
+                                &list.total),
+                  0);
+        series.startDate = edge;
+        Unfold_Repeat(&series, 1, -edge - 1, edge, -edge - 1, &list.block, &list.valid,
+                      &list.total);
+        series.unitCount = SHRT_MIN;
+        Unfold_Repeat(&series, 1, edge, INT_MIN, INT_MAX, &list.block, &list.valid, &list.total);
+    }
+}
+
+TEST(Unfold, TrimRunsOutOfEntries) {
+    std::vector<int> entries{-5, 6, -7};
+    DateBlock block{entries.data(), 12, 12, 12};
+    const TraceCapture trace;
+    int valid = 4;  // more than there are
+    int total = 3;
+    EXPECT_EQ(Unfold_TrimToCount(1, 0, &block, &valid, &total), 2013);
+    EXPECT_TRUE(trace.hasError("-1.2013", "unfold"));
+    valid = 4;
+    EXPECT_EQ(Unfold_TrimToCount(2, 100, &block, &valid, &total), 2013);
+    EXPECT_TRUE(trace.hasError("3.2013", "unfold"));
+}
+
+TEST(Unfold, BlockGrowsBySteps) {
+    DateBlock block{};
+    EXPECT_EQ(DateBlock_Init(&block, 0, 513, 512), DATEBLOCK_BAD_STEP);
+    ASSERT_EQ(DateBlock_Init(&block, 0, 512, 2000), 0);
+    EXPECT_EQ(block.data, nullptr);
+    EXPECT_EQ(DateBlock_Reserve(&block, 0), 0);
+    EXPECT_EQ(block.capacity, 0);
+    const struct {
+        std::int64_t bytes;
+        int result;
+        std::int64_t capacity;
+    } steps[] = {{4, 0, 512},
+                 {512, 0, 512},
+                 {513, 0, 1024},
+                 {1600, 0, 1600},
+                 {1601, 0, 2000},
+                 {2000, 0, 2000},
+                 {2001, DATEBLOCK_FULL, 2000}};
+    for (const auto& step : steps) {
+        EXPECT_EQ(DateBlock_Reserve(&block, step.bytes), step.result) << step.bytes;
+        EXPECT_EQ(block.capacity, step.capacity) << step.bytes;
+    }
+    DateBlock_Free(&block);
+    EXPECT_EQ(block.capacity, 0);
+    ASSERT_EQ(DateBlock_Init(&block, 600, 512, 2000), 0);
+    EXPECT_EQ(block.capacity, 600);
+    DateBlock_Free(&block);
+    EXPECT_EQ(DateBlock_Init(&block, 9999, 512, 2000), DATEBLOCK_FULL);
+    EXPECT_EQ(block.capacity, 2000);
+    DateBlock_Free(&block);
+}
+
+TEST(Unfold, WeeksOfTheMonth) {
+    for (const auto& [date, week] : std::vector<std::pair<int, int>>{{20050201, 1},
+                                                                     {20050207, 1},
+                                                                     {20050208, 2},
+                                                                     {20050228, 4},
+                                                                     {20050129, 5},
+                                                                     {20050131, 5}}) {
+        EXPECT_EQ(WeekOfMonth(code(date)), week) << date;
+    }
+    EXPECT_EQ(WeekOfMonth(-1), 1);
+    EXPECT_EQ(WeekOfMonth(219146), 1);
+}
+
+}  // namespace
