@@ -16,8 +16,10 @@ constexpr int kLastWeek = 4;
 class Selection {
   public:
     explicit Selection(const ZQTR_REPEAT& repeat) {
-        for (unsigned i = 0; i < 7; ++i) weekdays_ |= (repeat.days[i] != 0 ? 1U : 0U) << i;
-        for (unsigned i = 0; i < 5; ++i) {
+        for (int i = 0; i < 7; ++i) {
+            if (repeat.days[i] != 0) weekdays_ |= std::uint64_t{1} << i;
+        }
+        for (int i = 0; i < 5; ++i) {
             if (repeat.weeks[i] != 0) weekDays_ |= kWeek << (7 * i);
         }
         // Days of the fourth week that are the last of their weekday count as the last week, when
