@@ -16,6 +16,8 @@ using qel::cli::Context;
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
+    qel::cli::addRuleCommand,
+    qel::cli::addExpandCommand,
     qel::cli::addEncodeCommand,
     qel::cli::addDecodeCommand,
     qel::cli::addCharsetCommand,

@@ -1,0 +1,188 @@
+// qelutil expand: the dates of a rule inside a range, excluded ones marked.
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <set>
+
+#include "Json.h"
+#include "RepeatText.h"
+#include "RuleArguments.h"
+#include "RuleDates.h"
+#include "RuleSentence.h"
+#include "Text.h"
+#include "commands/Commands.h"
+#include "convert/Days.h"
+
+namespace qel::cli {
+
+namespace {
+
+struct Options {
+    RuleArguments rule;
+    std::string since;
+    std::string through;
+    std::vector<std::string> excluded;
+    std::size_t count = 0;
+    bool record = false;
+    bool calendar = false;
+    bool json = false;
+};
+
+struct Range {
+    int first = 0;
+    int last = kLastDay;
+};
+
+// Without an end of the range, a year from its beginning is shown.
+Range rangeOf(const Options& options, int start) {
+    Range range;
+    range.first =
+        options.since.empty() ? start : codeDateOf(dateArgument("--since", options.since));
+    if (options.through.empty()) {
+        const convert::Civil first = convert::civilOf(range.first);
+        range.last =
+            std::min(kLastDay, convert::dayNumber(first.year + 1, first.month, first.day) - 1);
+    } else {
+        range.last = codeDateOf(dateArgument("--through", options.through));
+    }
+    if (range.last < range.first) throw UsageError("the range ends before it begins");
+    return range;
+}
+
+std::set<int> excludedDays(const std::vector<std::string>& lists) {
+    std::set<int> days;
+    for (const std::string& list : lists) {
+        std::size_t at = 0;
+        while (at <= list.size()) {
+            const std::size_t end = std::min(list.find_first_of(",;", at), list.size());
+            const std::string item = list.substr(at, end - at);
+            if (!item.empty()) days.insert(codeDateOf(dateArgument("--exclude", item)));
+            at = end + 1;
+        }
+    }
+    return days;
+}
+
+// The dates up to the range's end, as the rule means them or as its repeat records give them.
+std::vector<int> datesOf(Context& context, const convert::Rule& rule, const Options& options,
+                         const convert::RuleStart& start, int last) {
+    constexpr std::size_t kAll = kLastDay + 1;  // there are no more days
+    if (!options.record) {
+        convert::RuleLimits limits;
+        limits.most = kAll;
+        limits.lastYear = convert::civilOf(last).year;
+        return convert::expandRule(rule, start, limits);
+    }
+    std::vector<Repeat> repeats;
+    for (const convert::RulePiece& piece : convert::rulePieces(rule, nullptr)) {
+        Repeat repeat = repeatOf(piece, start);
+        if (repeat.code != 0) {
+            context.error("no repeat record: " + repeat.problem);
+            continue;
+        }
+        repeats.push_back(repeat);
+    }
+    return repeatDates(repeats, kAll, last);
+}
+
+// All rules' dates inside the range, each once, ascending; what was excluded is marked and does
+// not count towards `most`.
+std::vector<ListedDate> select(std::vector<int> dates, const Range& range,
+                               const std::set<int>& excluded, std::size_t most) {
+    std::sort(dates.begin(), dates.end());
+    dates.erase(std::unique(dates.begin(), dates.end()), dates.end());
+    std::vector<ListedDate> chosen;
+    std::size_t kept = 0;
+    for (const int date : dates) {
+        if (date < range.first || date > range.last) continue;
+        const bool isExcluded = excluded.count(date) != 0;
+        if (!isExcluded && most != 0 && ++kept > most) break;
+        chosen.push_back({date, isExcluded});
+    }
+    return chosen;
+}
+
+void noteStrayExclusions(Context& context, const std::vector<int>& dates, const Range& range,
+                         const std::set<int>& excluded) {
+    for (const int day : excluded) {
+        if (day < range.first || day > range.last) continue;
+        if (std::find(dates.begin(), dates.end(), day) == dates.end()) {
+            context.note({}, 0, "--exclude: the rule has no date on " + isoDate(day));
+        }
+    }
+}
+
+void writeResult(Context& context, const Options& options, const Range& range,
+                 const std::vector<ListedDate>& dates) {
+    if (options.json) {
+        Json document{{"text", jsonText(options.rule.text)},
+                      {"since", isoDate(range.first)},
+                      {"through", isoDate(range.last)},
+                      {"dates", Json::array()},
+                      {"excluded", Json::array()}};
+        for (const ListedDate& date : dates) {
+            document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
+        }
+        writeJson(context.out, document);
+    } else if (options.calendar) {
+        writeDateGrids(context.out, dates);
+    } else {
+        writeDateList(context.out, dates);
+    }
+    if (dates.empty()) {
+        context.note(
+            {}, 0,
+            "the rule has no date from " + isoDate(range.first) + " to " + isoDate(range.last));
+    }
+}
+
+void run(Context& context, const Options& options) {
+    const ReadRules read = readRuleArguments(options.rule);
+    writeNotes(context, read);
+    const Range range = rangeOf(options, codeDateOf(read.start));
+    const std::set<int> excluded = excludedDays(options.excluded);
+    std::vector<int> dates;
+    for (const convert::Rule& rule : read.reading.rules) {
+        const std::vector<int> more = datesOf(context, rule, options, read.start, range.last);
+        dates.insert(dates.end(), more.begin(), more.end());
+    }
+    noteStrayExclusions(context, dates, range, excluded);
+    writeResult(context, options, range, select(dates, range, excluded, options.count));
+}
+
+}  // namespace
+
+void addExpandCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("expand", "List the dates of a rule inside a range");
+    options->rule.addTo(*command);
+    command->add_option("--since", options->since, "The first day shown; the start otherwise")
+        ->type_name("DATE");
+    command
+        ->add_option("--through", options->through, "The last day shown; otherwise a year is shown")
+        ->type_name("DATE");
+    command
+        ->add_option("--exclude", options->excluded,
+                     "Dates on which the series does not take place, separated by commas")
+        ->type_name("DATES")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    command->add_option("--count", options->count, "Show no more dates than this")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, std::size_t{kLastDay}));
+    command->add_flag("--record", options->record, "The dates that the rule's repeat record gives");
+    CLI::Option* calendar =
+        command->add_flag("--calendar", options->calendar, "Show the dates in month grids");
+    command->add_flag("--json", options->json, "Print the facts as JSON")->excludes(calendar);
+    command->footer(
+        "Excluded dates are shown in parentheses.\n"
+        "\n"
+        "  qelutil expand \"W1 MO #0\" --start 20050606 --since 20060101 --through 20060331\n"
+        "  qelutil expand \"D1 #10\" --start 20050615 --exclude 20050617,20050620 --calendar\n"
+        "  qelutil expand \"FREQ=YEARLY;BYDAY=1SU;BYMONTH=6\" --start 20050605 --through "
+        "2015-12-31");
+    command->callback([options, &context] { run(context, *options); });
+}
+
+}  // namespace qel::cli

@@ -1,0 +1,252 @@
+// qelutil rule: a recurrence rule explained: its forms, its repeat record, its dates.
+#include <algorithm>
+#include <memory>
+#include <ostream>
+
+#include "Json.h"
+#include "RepeatText.h"
+#include "RuleArguments.h"
+#include "RuleDates.h"
+#include "RuleSentence.h"
+#include "Text.h"
+#include "commands/Commands.h"
+
+namespace qel::cli {
+
+namespace {
+
+using convert::Rule;
+using convert::RuleForm;
+
+constexpr std::size_t kMostDates = 100000;
+
+struct Options {
+    RuleArguments rule;
+    std::string to;
+    std::size_t count = 10;
+    bool calendar = false;
+    bool json = false;
+};
+
+// All that is known of one rule.
+struct Explained {
+    std::string sentence;
+    std::string ical;
+    convert::VCalendarRule v10;
+    std::vector<std::string> positional;
+    std::vector<Repeat> repeats;
+    std::vector<std::string> warnings;  // of the records, each once
+    std::vector<int> dates;
+    bool more = false;  // the series goes on after `dates`
+};
+
+// A day of the month that not every month has: 0 where the record names none.
+int rareDay(const Repeat& repeat) {
+    const bool byDay =
+        repeat.record.type == REPEAT_MONTHLY_DAY || repeat.record.type == REPEAT_YEARLY_DATE;
+    return byDay && repeat.record.dayOfMonth > 28 ? repeat.record.dayOfMonth : 0;
+}
+
+// What the records do not say themselves: that their dates are not the rule's, which are shown.
+void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& dates,
+                  std::vector<std::string>& warnings) {
+    const auto usable = [](const Repeat& repeat) { return repeat.code == 0; };
+    if (repeats.empty() || !std::all_of(repeats.begin(), repeats.end(), usable)) return;
+    const std::vector<int> given = repeatDates(repeats, dates.size(), kLastDay);
+    if (given == dates) return;
+    const auto [ours, theirs] =
+        std::mismatch(dates.begin(), dates.end(), given.begin(), given.end());
+    const bool both = ours != dates.end() && theirs != given.end();
+    std::string text = "the record gives other dates than the rule";
+    if (ours == dates.begin() && both && dates.size() > 1 && *theirs == dates[1]) {
+        text =
+            "the start is no day of the rule: calendars count it as the first date, the record "
+            "leaves it out";
+    } else if (both && rareDay(repeats.front()) != 0) {
+        text = "in a month without day " + std::to_string(rareDay(repeats.front())) +
+               " the record takes the last day (" + isoDate(*theirs) +
+               "), the rule has no date there";
+    } else if (both) {
+        text += ": " + isoDate(*theirs) + " where the rule has " + isoDate(*ours);
+    } else if (ours != dates.end()) {
+        text += ": it ends before " + isoDate(*ours);
+    }
+    warnings.push_back(text);
+}
+
+Explained explain(const Rule& rule, const convert::RuleStart& start, std::size_t count) {
+    Explained explained;
+    explained.sentence = ruleSentence(rule, start);
+    explained.ical = convert::iCalendarText(rule);
+    explained.v10 = convert::vCalendarTexts(rule, start);
+    explained.positional = convert::positionalTexts(rule);
+    std::vector<convert::RuleNote> notes;
+    for (const convert::RulePiece& piece : convert::rulePieces(rule, &notes)) {
+        explained.repeats.push_back(repeatOf(piece, start));
+    }
+    const auto warn = [&](const std::string& text) {
+        auto& all = explained.warnings;
+        if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
+    };
+    for (const convert::RuleNote& note : notes) warn(note.text);
+    for (const Repeat& repeat : explained.repeats) {
+        for (const std::string& warning : repeat.warnings) warn(warning);
+    }
+    convert::RuleLimits limits;
+    limits.most = count + 1;
+    explained.dates = convert::expandRule(rule, start, limits);
+    explained.more = explained.dates.size() > count;
+    if (explained.more) explained.dates.resize(count);
+    compareDates(explained.repeats, explained.dates, explained.warnings);
+    return explained;
+}
+
+void line(std::ostream& out, const char* label, const std::string& text) {
+    constexpr std::size_t kLabelWidth = 15;
+    std::string padded = label;
+    padded.resize(std::max(padded.size(), kLabelWidth), ' ');
+    out << "  " << padded << printable(text) << "\n";
+}
+
+void writeForms(std::ostream& out, const Explained& explained) {
+    for (const std::string& text : explained.v10.texts) line(out, "vCalendar 1.0", text);
+    if (explained.v10.texts.empty()) line(out, "vCalendar 1.0", "none: " + explained.v10.reason);
+    line(out, "iCalendar", explained.ical);
+    for (const std::string& text : explained.positional) line(out, "positional", text);
+}
+
+void writeRepeats(std::ostream& out, const Explained& explained) {
+    for (const Repeat& repeat : explained.repeats) {
+        if (repeat.code != 0) {
+            line(out, "repeat record", "none: " + repeat.problem);
+            continue;
+        }
+        line(out, "repeat record",
+             "type " + std::to_string(repeat.record.type) + ", " +
+                 repeatTypeName(repeat.record.type));
+        line(out, "", repeatFields(repeat.record));
+        line(out, "as a rule", ruleBack(repeat.record));
+    }
+    if (explained.repeats.empty()) line(out, "repeat record", "none");
+    for (const std::string& warning : explained.warnings) line(out, "warning", warning);
+}
+
+void writeText(std::ostream& out, const Explained& explained, const Options& options) {
+    out << explained.sentence << "\n\n";
+    writeForms(out, explained);
+    writeRepeats(out, explained);
+    out << "\n";
+    const std::vector<ListedDate> dates = listed(explained.dates);
+    if (options.calendar) {
+        writeDateGrids(out, dates);
+    } else {
+        writeDateList(out, dates);
+    }
+    if (explained.more) out << (options.calendar ? "\n" : "") << "  and so on\n";
+}
+
+Json repeatJson(const Repeat& repeat) {
+    if (repeat.code != 0) return Json{{"code", repeat.code}, {"problem", repeat.problem}};
+    const ZQTR_REPEAT& record = repeat.record;
+    Json json{{"type", int{record.type}},
+              {"typeName", repeatTypeName(record.type)},
+              {"start", isoDate(record.startDate)},
+              {"end", record.endDate == -1 ? Json() : Json(isoDate(record.endDate))},
+              {"interval", int{record.interval}},
+              {"dayOfMonth", int{record.dayOfMonth}},
+              {"month", int{record.month}},
+              {"dayOfWeek", int{record.dayOfWeek}},
+              {"weekOfMonth", int{record.weekOfMonth}},
+              {"days", Json::array()},
+              {"warningBits", repeat.warningBits},
+              {"asRule", ruleBack(record)}};
+    for (const int flag : record.days) json["days"].push_back(flag);
+    return json;
+}
+
+Json ruleJson(const Explained& explained) {
+    Json json{{"sentence", explained.sentence},
+              {"v10", explained.v10.texts},
+              {"v10Reason", explained.v10.reason},
+              {"ical", explained.ical},
+              {"positional", explained.positional},
+              {"repeats", Json::array()},
+              {"warnings", explained.warnings},
+              {"dates", Json::array()},
+              {"more", explained.more}};
+    if (explained.v10.reason.empty()) json.erase("v10Reason");
+    for (const Repeat& repeat : explained.repeats) json["repeats"].push_back(repeatJson(repeat));
+    for (const int date : explained.dates) json["dates"].push_back(isoDate(date));
+    return json;
+}
+
+// Only the texts of one form, one a line.
+void writeOneForm(Context& context, const std::vector<Explained>& all, RuleForm form) {
+    for (const Explained& explained : all) {
+        std::vector<std::string> texts = {explained.ical};
+        if (form == RuleForm::VCalendar10) texts = explained.v10.texts;
+        if (form == RuleForm::Positional) texts = explained.positional;
+        if (texts.empty()) {
+            context.error("\"" + explained.sentence +
+                          "\" has no vCalendar 1.0 form: " + explained.v10.reason);
+        }
+        for (const std::string& text : texts) context.out << text << "\n";
+    }
+}
+
+void run(Context& context, const Options& options) {
+    const ReadRules read = readRuleArguments(options.rule);
+    writeNotes(context, read);
+    std::vector<Explained> all;
+    for (const Rule& rule : read.reading.rules) {
+        all.push_back(explain(rule, read.start, options.count));
+    }
+    if (options.json) {
+        Json document{{"text", jsonText(options.rule.text)},
+                      {"form", nameOfForm(read.form)},
+                      {"start", isoDate(codeDateOf(read.start))},
+                      {"complete", read.reading.complete},
+                      {"notes", Json::array()},
+                      {"rules", Json::array()}};
+        for (const auto& note : read.reading.notes) {
+            document["notes"].push_back(jsonText(note.text));
+        }
+        for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
+        writeJson(context.out, document);
+    } else if (!options.to.empty()) {
+        writeOneForm(context, all, formOfName(options.to));
+    } else {
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (i > 0) context.out << "\n";
+            writeText(context.out, all[i], options);
+        }
+    }
+}
+
+}  // namespace
+
+void addRuleCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand("rule", "Explain a recurrence rule");
+    options->rule.addTo(*command);
+    CLI::Option* to =
+        command->add_option("--to", options->to, "Print the rule in this form and nothing else")
+            ->type_name("FORM")
+            ->check(CLI::IsMember({"v10", "ical", "positional"}));
+    command->add_option("--count", options->count, "How many dates to show")
+        ->capture_default_str()
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, kMostDates));
+    command->add_flag("--calendar", options->calendar, "Show the dates in month grids");
+    command->add_flag("--json", options->json, "Print the facts as JSON")->excludes(to);
+    command->footer(
+        "Forms: v10 is vCalendar 1.0, ical iCalendar, positional the library's own.\n"
+        "\n"
+        "  qelutil rule \"W2 MO WE FR #10\" --start 2005-06-15\n"
+        "  qelutil rule \"FREQ=MONTHLY;BYDAY=-1FR\" --start 20050624 --calendar\n"
+        "  qelutil rule \"MP1 1+ MO #0\" --start 20050606 --to ical\n"
+        "  qelutil rule \"YM1 6 #5\" --start today --count 3 --json");
+    command->callback([options, &context] { run(context, *options); });
+}
+
+}  // namespace qel::cli
