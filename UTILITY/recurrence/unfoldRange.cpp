@@ -110,7 +110,7 @@ int Unfold_EstimateDays(const ZQTR_REPEAT* repeat, std::int64_t count, std::int6
 }
 
 int Unfold_ClampRange(const ZQTR_REPEAT* repeat, int wanted, int anchor, int* from, int* to) {
-    *from = std::max<int>(*from, repeat->startDate);
+    *from = std::max(*from, +repeat->startDate);  // a copy: the field may not be aligned
     const bool endsInRange = *to != 0 && *to <= repeat->endDate;
     if (repeat->endDate != -1 && !endsInRange) *to = repeat->endDate;
     if (repeat->type == REPEAT_NONE) return QEL_OK;

@@ -93,8 +93,8 @@ TEST(RepeatToRule, WritesEveryType) {
         EXPECT_STREQ(start, std::to_string(qel::test::date(record.startDate)).c_str());
         EXPECT_TRUE(exclusions.IsEmpty());
         EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 1, nullptr), 0);
-        EXPECT_EQ(rule.count, -1);
-        EXPECT_EQ(rule.until, ConvertZQTRDateTimeToRRule(record.endDate));
+        EXPECT_EQ(+rule.count, -1);
+        EXPECT_EQ(+rule.until, ConvertZQTRDateTimeToRRule(record.endDate));
     }
 }
 
@@ -288,7 +288,7 @@ TEST(RuleToRepeat, SurvivesOddRecords) {
     rule.count = 5;
     EXPECT_EQ(describe(*fromRule(rule, "20050615").record), "1 from 20050615 to -2");
     rule.until = LLONG_MAX;
-    EXPECT_EQ(fromRule(rule, "20050615").record->endDate, INT_MAX);
+    EXPECT_EQ(+fromRule(rule, "20050615").record->endDate, INT_MAX);
 
     // A set outside its months and days, and the greatest count of a series that stands still.
     rule.freq = RRULE_FREQ_MONTHLY;
@@ -324,12 +324,12 @@ TEST(RuleToRepeat, ReadsExclusions) {
         EXPECT_EQ(made.flags, row.flags);
     }
     // They stay with the record, whose owner frees them, also when the rule fails afterwards.
-    EXPECT_EQ(fromText("WEEKLY;", "20050615", "20050101").record->exclusionCount, 1);
+    EXPECT_EQ(+fromText("WEEKLY;", "20050615", "20050101").record->exclusionCount, 1);
 
     const TraceCapture trace;
     const FromRule many = fromText("DAILY;", "20050615", std::string(40000, ',').c_str());
     EXPECT_EQ(many.result, 0);
-    EXPECT_EQ(many.record->exclusionCount, SHRT_MAX);
+    EXPECT_EQ(+many.record->exclusionCount, SHRT_MAX);
     EXPECT_EQ(trace.errors().size(), 1U);
 }
 

@@ -160,7 +160,7 @@ std::string explanation(const _rruleRepeat& rule, const ZQTR_REPEAT& repeat, boo
         return "the fifth weekday is the last one";
     }
     std::vector<int> withLastDay = expected;
-    withLastDay.push_back(repeat.endDate);
+    withLastDay.push_back(+repeat.endDate);
     if (untilHasTime && found == withLastDay) return "UNTIL ends a day, not a time of day";
     const int daysLeft = 7 - ((repeat.startDate + 1) % 7 + 1);  // of the start's week
     if (rule.freq == RRULE_FREQ_WEEKLY && rule.interval > 1 && !found.empty() &&
@@ -222,7 +222,7 @@ void expectRoundTrip(ZQTR_REPEAT repeat) {
     EXPECT_EQ(BxUtil_BxRepeatToRRule(&repeat, &rule, exclusions, startText, 0, &flags), 0);
     EXPECT_EQ(toRepeat(rule, repeat.startDate, again, flags), 0);
     if ((flags & BXREPEAT_END_FROM_COUNT) != 0) {
-        EXPECT_LE(again.endDate, repeat.endDate);
+        EXPECT_LE(+again.endDate, +repeat.endDate);
         again.endDate = repeat.endDate;
     }
     EXPECT_EQ(describe(again), describe(repeat));
