@@ -13,6 +13,9 @@ namespace {
 
 constexpr std::uint32_t kUtf8CodePage = 65001;
 constexpr std::uint32_t kDefaultCodePage = 0;
+constexpr std::uint64_t kMaxUnits =
+    std::min<std::uint64_t>(std::numeric_limits<std::uint32_t>::max(),
+                            std::numeric_limits<std::size_t>::max() / sizeof(char16_t));
 constexpr char16_t kByteOrderMark = 0xFEFF;
 constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
 
@@ -43,10 +46,7 @@ int errorOf(platform::CodePageFailure failure) {
 // The work buffer with at least `need` units, all of it zero; false when memory is exhausted.
 bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
     if (cd.wideBufCount < need) {
-        if (need > std::numeric_limits<std::uint32_t>::max() ||
-            need > std::numeric_limits<std::size_t>::max() / sizeof(char16_t)) {
-            return false;
-        }
+        if (need > kMaxUnits) return false;
         const auto bytes = static_cast<std::size_t>(need) * sizeof(char16_t);
         void* grown = std::realloc(cd.wideBuf, bytes);
         if (grown == nullptr) return false;
