@@ -66,7 +66,7 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
     if (m_data == nullptr || blockFor(room) != blockFor(m_lastIndex + 1)) {
         VStr* block = qel::newStrings(blockFor(room));
         if (block == nullptr) return false;
-        for (int i = 0; i < m_size; ++i) {
+        for (int i = 0; m_data != nullptr && i < m_size; ++i) {
             if (moving) {
                 block[i] <<= m_data[i];
             } else {
@@ -80,6 +80,8 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
     return true;
 }
 
+// The interface takes its strings by value, so that its own elements may be given.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 int CBxArray<VStr>::Add(VStr v) {
     if (!GrowForOne(false)) return -1;
     m_data[m_size] = v;
@@ -91,6 +93,7 @@ VStr& CBxArray<VStr>::operator[](int i) {
     return m_data[i];
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 int CBxArray<VStr>::FindItem(VStr v) {
     for (int i = 0; i < m_size; ++i) {
         if (std::strcmp(m_data[i], v) == 0) return i;

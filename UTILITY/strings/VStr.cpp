@@ -254,6 +254,8 @@ void VStr::SetAt(int i, char c) {
 
 VStr& VStr::Catstr(VStr& a, const VStr& b) {
     if (this == &b && this != &a) {
+        // A copy it must be: b is this string, which is about to change.
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const VStr tail(b);
         return Catstr(a, tail);
     }

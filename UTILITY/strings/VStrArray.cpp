@@ -21,7 +21,7 @@ VStr& nowhere() {
 VStr VStrArray::m_EmptyVStr;
 
 VStrArray::VStrArray() : m_data(nullptr), m_size(0) {
-    static_assert(offsetof(VStrArray, m_data) == 0 && offsetof(VStrArray, m_size) == sizeof(VStr*));
+    static_assert(offsetof(VStrArray, m_data) == 0 && offsetof(VStrArray, m_size) == sizeof(void*));
 }
 
 VStrArray::VStrArray(const VStrArray& o) : VStrArray() {

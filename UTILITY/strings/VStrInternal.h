@@ -15,7 +15,8 @@ constexpr int kMaxLength = INT_MAX - 1;
 inline int textLength(const char* text, std::size_t room) {
     const std::size_t most = room < static_cast<std::size_t>(kMaxLength) ? room : kMaxLength;
     const void* end = most == 0 ? nullptr : std::memchr(text, '\0', most);
-    return static_cast<int>(end == nullptr ? most : static_cast<const char*>(end) - text);
+    if (end == nullptr) return static_cast<int>(most);
+    return static_cast<int>(static_cast<const char*>(end) - text);
 }
 
 }  // namespace qel

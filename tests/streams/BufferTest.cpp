@@ -125,11 +125,7 @@ TEST(DataStream, InitializeReadsOrAppends) {
     EXPECT_EQ(stream.Initialize(bytes("12"), 2, false), 0);
     EXPECT_EQ(stream.Position(), stream.Storage() + 2);
     stream << 3;
-    EXPECT_EQ(std::memcmp(stream.Storage(),
-                          "12\x1F"
-                          "3",
-                          5),
-              0);
+    EXPECT_EQ(std::memcmp(stream.Storage(), "12\0373", 5), 0);
     // The stream's own text as the source.
     stream.Initialize(reinterpret_cast<const char*>(stream.Storage()) + 1);
     VStr text;
@@ -202,23 +198,16 @@ TEST(DataStream, TextHelpers) {
     EXPECT_EQ(stream.CBxstrlen(const_cast<unsigned char*>(stream.Storage()) + 1), 0);
 
     char text[16] = "........";
-    stream.CBxstrcpy(text,
-                     "a\x1F"
-                     "b");
-    EXPECT_STREQ(text, "a\x1F......");
-    stream.CBxstrcpy(text, "12345\x1F");
+    stream.CBxstrcpy(text, "a\037b");
+    EXPECT_STREQ(text, "a\037......");
+    stream.CBxstrcpy(text, "12345\037");
     EXPECT_STREQ(text, "123.....");
     stream.CBxstrcpy(text, "whole");
     EXPECT_STREQ(text, "whole");
-    char separated[] =
-        "a\x1F"
-        "b\x1F"
-        "c";
+    char separated[] = "a\037b\037c";
     stream.Replace1FWithNull(separated);
     EXPECT_STREQ(separated, "a");
-    EXPECT_STREQ(separated + 2,
-                 "b\x1F"
-                 "c");
+    EXPECT_STREQ(separated + 2, "b\037c");
     stream.Replace1FWithNull(separated);
 }
 

@@ -32,7 +32,7 @@ void checkNumber(T value, const char* text) {
 
 TEST(DataStream, NumbersInTheirWidths) {
     checkNumber<char>('A', "41");
-    checkNumber<char>('\xFF', "-");
+    checkNumber<char>('\377', "-");
     checkNumber<unsigned char>(0x80, "80");
     checkNumber<unsigned char>(0xFF, "-");
     checkNumber<short>(-2, "fffe");
@@ -123,14 +123,9 @@ TEST(DataStream, ThePublishedExample) {
 
 TEST(DataStream, Texts) {
     CBxDataStream stream;
-    char separated[] =
-        "a\x1F"
-        "b\x1F"
-        "c";
+    char separated[] = "a\037b\037c";
     stream << separated;
-    EXPECT_STREQ(separated,
-                 "a~b\x1F"
-                 "c");
+    EXPECT_STREQ(separated, "a~b\037c");
     const VStr text("v");
     unsigned char pointer[] = "bytes";
     stream << text << pointer << static_cast<const char*>(nullptr) << "";
@@ -214,16 +209,10 @@ TEST(DataStream, BinaryData) {
     unsigned char data[] = {0x00, 0x41, 0x1F, 0xFE};
     CBxDataStream stream;
     EXPECT_EQ(stream.Write(data, 4), 0);
-    EXPECT_EQ(contentOf(stream),
-              "4|\xFF\x41\xFE"
-              "1f\xFE"
-              "fe");
+    EXPECT_EQ(contentOf(stream), "4|\377\101\3761f\376fe");
     stream.Write(data, 0);
     stream << 3;
-    EXPECT_EQ(contentOf(stream),
-              "4|\xFF\x41\xFE"
-              "1f\xFE"
-              "fe||3");
+    EXPECT_EQ(contentOf(stream), "4|\377\101\3761f\376fe||3");
 
     stream.SeekToBegin();
     unsigned char* block = nullptr;

@@ -21,15 +21,7 @@ int readCode(CBxDataStream& stream) {
 }
 
 TEST(HostileStream, WithoutATerminatorNothingIsReadPastTheEnd) {
-    const char* texts[] = {"",
-                           "abc",
-                           "12",
-                           "-",
-                           "1|",
-                           "2|a",
-                           "3|abc",
-                           "4|\xFE"
-                           "1"};
+    const char* texts[] = {"", "abc", "12", "-", "1|", "2|a", "3|abc", "4|\3761"};
     for (const char* text : texts) {
         SCOPED_TRACE(text);
         CBxDataStream stream;
@@ -47,9 +39,7 @@ TEST(HostileStream, WithoutATerminatorNothingIsReadPastTheEnd) {
     EXPECT_TRUE(trace.hasError("12.2.2023", "BxDataStream"));
     initializeRaw(stream, "-");
     EXPECT_EQ(readCode<int>(stream), 2023);
-    initializeRaw(stream,
-                  "4|\xFE"
-                  "1");
+    initializeRaw(stream, "4|\3761");
     unsigned char* block = nullptr;
     long size = 0;
     EXPECT_EQ(thrownBy([&] { stream.Read(block, size); }), 2023);
@@ -101,30 +91,16 @@ TEST(HostileStream, BinaryValues) {
         int code;
         const char* next;
     } rows[] = {
-        {"2|a\xFE", 7011, "a\xFE"},
-        {"2|a\xFE"
-         "1",
-         7011,
-         "a\xFE"
-         "1"},
-        {"2|a\xFE"
-         "1g|n",
-         7011,
-         "a\xFE"
-         "1g"},
-        {"2|a\xFE"
-         "1|n",
-         7011,
-         "a\xFE"
-         "1"},
+        {"2|a\376", 7011, "a\376"},
+        {"2|a\3761", 7011, "a\3761"},
+        {"2|a\3761g|n", 7011, "a\3761g"},
+        {"2|a\3761|n", 7011, "a\3761"},
         {"3|ab|n", 2015, "n"},
         {"1|ab|n", 2015, "n"},
         {"-|ab|n", 2015, "n"},
         {"7fffffff|ab", 2015, ""},
         {"5", 2015, ""},
-        {"2|\xFE"
-         "0A\xFF|n",
-         0, "n"},
+        {"2|\3760A\377|n", 0, "n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
