@@ -74,9 +74,10 @@ int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock
             return fail(__LINE__, result, result);
         }
         if (!isFirst && current <= before) return fail(__LINE__, current, QEL_REPEAT_ENGINE);
-        if (listOccurrence(*repeat, current, from, to, listing)) break;
         // Past the last code date there is nothing to list, wherever the range ends.
-        if (repeat->type == REPEAT_NONE || current > qel::kLastCodeDate) break;
+        if (current > qel::kLastCodeDate) break;
+        if (listOccurrence(*repeat, current, from, to, listing)) break;
+        if (repeat->type == REPEAT_NONE) break;
     }
     *valid = listing.valid;
     *total = listing.total;

@@ -17,7 +17,6 @@
 
 namespace {
 
-using qel::test::code;
 using qel::test::describe;
 using qel::test::Record;
 using qel::test::TraceCapture;
