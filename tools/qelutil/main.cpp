@@ -18,6 +18,8 @@ using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
     qel::cli::addRuleCommand,
     qel::cli::addExpandCommand,
+    qel::cli::addDateCommand,
+    qel::cli::addZoneCommand,
     qel::cli::addEncodeCommand,
     qel::cli::addDecodeCommand,
     qel::cli::addCharsetCommand,

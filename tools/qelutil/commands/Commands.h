@@ -8,11 +8,13 @@
 namespace qel::cli {
 
 void addCharsetCommand(CLI::App& app, Context& context);
+void addDateCommand(CLI::App& app, Context& context);
 void addDecodeCommand(CLI::App& app, Context& context);
 void addEncodeCommand(CLI::App& app, Context& context);
 void addExpandCommand(CLI::App& app, Context& context);
 void addLogCommand(CLI::App& app, Context& context);
 void addRuleCommand(CLI::App& app, Context& context);
+void addZoneCommand(CLI::App& app, Context& context);
 
 }  // namespace qel::cli
 

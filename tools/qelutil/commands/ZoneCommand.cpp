@@ -1,0 +1,236 @@
+// qelutil zone: the table of time zones, times moved between them, and a year's changes of offset.
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "Json.h"
+#include "Moment.h"
+#include "QelUtility/ZQDate.h"
+#include "Zones.h"
+#include "commands/Commands.h"
+
+namespace qel::cli {
+
+namespace {
+
+struct Options {
+    std::vector<std::string> texts;
+    std::string from;
+    std::string to;
+    std::string zone;
+    std::string year;
+    bool json = false;
+};
+
+int thisYear() {
+    return std::atoi(
+        momentText({ZQ_GetCurrentDate() * kDaySeconds, false, false}).substr(0, 4).c_str());
+}
+
+void noteYear(Context& context, const Zone& zone, int year) {
+    if (zone.knows(year)) return;
+    context.note({}, 0,
+                 zone.name() + ": the table's years are 1990 to 2010; in " + std::to_string(year) +
+                     " the offset of the nearest change is used");
+}
+
+void list(Context& context, const Options& options) {
+    Json document = Json::array();
+    for (Zone& zone : tableZones()) {
+        constexpr std::int64_t kJanuary2005 = 38352 * kDaySeconds;
+        const std::vector<OffsetChange> changes = zone.changesIn(2005);
+        std::int64_t standard = zone.offsetAtUtc(kJanuary2005);
+        std::optional<std::int64_t> summer;
+        if (!changes.empty()) {
+            standard = std::min(changes[0].before, changes[0].after);
+            summer = std::max(changes[0].before, changes[0].after);
+        }
+        if (options.json) {
+            document.push_back({{"number", zone.number()},
+                                {"name", zone.name()},
+                                {"standard", offsetText(standard)},
+                                {"summer", summer ? Json(offsetText(*summer)) : Json()}});
+        } else {
+            const std::string number = std::to_string(zone.number());
+            context.out << (number.size() < 2 ? " " : "") << number << "  " << offsetText(standard)
+                        << "  " << (summer ? offsetText(*summer) : "      ") << "  " << zone.name()
+                        << '\n';
+        }
+    }
+    if (options.json) writeJson(context.out, document);
+}
+
+// One text from zone to zone. Null zones stand for what the text itself makes of them.
+struct Conversion {
+    Moment input;
+    Moment output;
+    std::int64_t inputOffset;
+    std::int64_t outputOffset;
+};
+
+void noteKind(Context& context, const std::string& text, const UtcTime& time, const Zone& zone) {
+    if (time.kind == UtcTime::Kind::Skipped) {
+        context.note({}, 0,
+                     text + ": clocks skip this time in " + zone.name() +
+                         "; it is taken as if they had run on");
+    } else if (time.kind == UtcTime::Kind::Repeated) {
+        context.note(
+            {}, 0,
+            text + ": clocks show this time twice in " + zone.name() + "; the first is taken");
+    }
+}
+
+int yearOf(const Moment& moment) {
+    return std::atoi(momentText(moment).substr(0, 4).c_str());
+}
+
+Conversion convertOne(Context& context, const std::string& text, std::optional<Zone> from,
+                      std::optional<Zone> to) {
+    Conversion result{};
+    result.input = readMoment(text);
+    if (!result.input.hasTime) {
+        throw InputError(
+            "\"" + text +
+            "\": a date without a time is the same in every zone; add one, as in 20050615T083000");
+    }
+    Moment utc = result.input;
+    utc.utc = true;
+    if (result.input.utc) {
+        if (from && from->name() != "UTC") {
+            throw InputError("\"" + text +
+                             "\": the Z says that it is UTC; leave the Z or --from out");
+        }
+    } else {
+        Zone zone = from ? *from : Zone::named("local");
+        noteYear(context, zone, yearOf(result.input));
+        const UtcTime time = zone.toUtc(result.input.seconds);
+        noteKind(context, text, time, zone);
+        result.inputOffset = time.offset;
+        utc = later(utc, time.utc - result.input.seconds);
+    }
+    Zone target = to ? *to : Zone::named(result.input.utc ? "local" : "UTC");
+    noteYear(context, target, yearOf(utc));
+    result.outputOffset = target.offsetAtUtc(utc.seconds);
+    result.output = later(utc, result.outputOffset);
+    result.output.utc = target.name() == "UTC";
+    return result;
+}
+
+void convert(Context& context, const Options& options) {
+    std::optional<Zone> from;
+    std::optional<Zone> to;
+    if (!options.from.empty()) from = Zone::named(options.from);
+    if (!options.to.empty()) to = Zone::named(options.to);
+    Json document = Json::array();
+    for (const std::string& text : options.texts) {
+        try {
+            const Conversion result = convertOne(context, text, from, to);
+            if (options.json) {
+                document.push_back({{"input", momentText(result.input)},
+                                    {"inputOffset", offsetText(result.inputOffset)},
+                                    {"output", momentText(result.output)},
+                                    {"outputOffset", offsetText(result.outputOffset)}});
+            } else {
+                context.out << momentText(result.input) << " (" << offsetText(result.inputOffset)
+                            << ") = " << momentText(result.output) << " ("
+                            << offsetText(result.outputOffset) << ")\n";
+            }
+        } catch (const InputError& problem) {
+            context.error(problem.what());
+        }
+    }
+    if (options.json) writeJson(context.out, document);
+}
+
+int readYear(const std::string& text) {
+    if (text.empty()) return thisYear();
+    const bool number =
+        text.size() == 4 && text.find_first_not_of("0123456789") == std::string::npos;
+    const int year = number ? std::atoi(text.c_str()) : 0;
+    if (year < 1900 || year > 2499)
+        throw UsageError("the year \"" + text + "\" is not one of 1900 to 2499");
+    return year;
+}
+
+void changes(Context& context, const Options& options) {
+    Zone zone = Zone::named(options.zone);
+    const int year = readYear(options.year);
+    noteYear(context, zone, year);
+    const std::vector<OffsetChange> found = zone.changesIn(year);
+    Json document = Json::array();
+    if (!options.json) {
+        context.out << zone.name() << ", " << year
+                    << (found.empty() ? ": no change of offset\n" : ":\n");
+    }
+    for (const OffsetChange& change : found) {
+        const Moment local{change.local, true, false};
+        const std::string utc = momentText(later({change.local, true, true}, -change.before));
+        if (options.json) {
+            document.push_back({{"local", momentText(local)},
+                                {"utc", utc},
+                                {"before", offsetText(change.before)},
+                                {"after", offsetText(change.after)}});
+        } else {
+            context.out << "  " << momentText(local) << "  " << offsetText(change.before) << " to "
+                        << offsetText(change.after) << "  " << utc << "  " << momentWords(local)
+                        << '\n';
+        }
+    }
+    if (options.json) writeJson(context.out, document);
+}
+
+constexpr char kZoneHelp[] =
+    "a zone's number or name, a part of the name, UTC,\nor local: the computer's own";
+
+}  // namespace
+
+void addZoneCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        app.add_subcommand("zone", "Time zones: their list, conversions, changes of a year");
+    command->require_subcommand(1);
+    command->footer(
+        "The zones are those of the library's table, with its rules for 1990 to 2010.\n"
+        "Examples:\n"
+        "  qelutil zone list\n"
+        "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
+        "  qelutil zone changes berlin --year 2005");
+
+    CLI::App* listing =
+        command->add_subcommand("list", "All zones: number, standard and summer offset, name");
+    listing->add_flag("--json", options->json, "write the facts as JSON");
+    listing->footer("Example:\n  qelutil zone list --json");
+    listing->callback([options, &context] { list(context, *options); });
+
+    CLI::App* conversion = command->add_subcommand("convert", "Move times from zone to zone");
+    conversion
+        ->add_option("TIME", options->texts,
+                     "a date-time such as 20050615T083000; with a Z it is UTC")
+        ->required();
+    conversion->add_option("--from", options->from, kZoneHelp)->type_name("ZONE");
+    conversion->add_option("--to", options->to, "likewise")->type_name("ZONE");
+    conversion->add_flag("--json", options->json, "write the facts as JSON");
+    conversion->footer(
+        "Without --from a time is in the computer's zone; without --to it becomes UTC, and UTC\n"
+        "becomes the computer's time.\n"
+        "Examples:\n"
+        "  qelutil zone convert 20050615T083000\n"
+        "  qelutil zone convert 20050615T123000Z --to 11\n"
+        "  qelutil zone convert 2005-06-15T08:30 --from kathmandu --to tokyo --json");
+    conversion->callback([options, &context] { convert(context, *options); });
+
+    CLI::App* year = command->add_subcommand("changes", "The changes of offset in a year");
+    year->add_option("ZONE", options->zone, kZoneHelp)->required();
+    year->add_option("--year", options->year, "this year unless given")->type_name("YEAR");
+    year->add_flag("--json", options->json, "write the facts as JSON");
+    year->footer(
+        "Examples:\n  qelutil zone changes \"eastern time\" --year 2005\n  qelutil zone changes "
+        "local");
+    year->callback([options, &context] { changes(context, *options); });
+}
+
+}  // namespace qel::cli
