@@ -31,7 +31,7 @@ TEST_F(QelutilTest, EveryCommandHasHelpWithExamples) {
         ++commands;
         const ProcessResult result = run({name, "--help"});
         EXPECT_EQ(result.exitCode, 0) << name;
-        EXPECT_NE(result.out.find("Examples:\n  qelutil " + name), std::string::npos) << result.out;
+        EXPECT_NE(result.out.find("\n  qelutil " + name + " "), std::string::npos) << result.out;
         const ProcessResult unknown = run({name, "--frobnicate"});
         EXPECT_EQ(unknown.exitCode, 2) << name;
         EXPECT_NE(unknown.err.find("see `qelutil " + name + " --help`"), std::string::npos)

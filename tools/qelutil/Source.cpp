@@ -4,12 +4,16 @@
 
 namespace qel::cli {
 
-void SourceOptions::addTo(CLI::App& command) {
+void SourceOptions::addInputTo(CLI::App& command) {
     CLI::Option* fileOption =
         command.add_option("FILE", file, "what to read; \"-\" or nothing is standard input")
             ->type_name("");
     command.add_option("-t,--text", text, "the text itself, instead of a file")
         ->excludes(fileOption);
+}
+
+void SourceOptions::addTo(CLI::App& command) {
+    addInputTo(command);
     command.add_option("-o,--output", output, "where to write; standard output by default")
         ->type_name("FILE");
 }

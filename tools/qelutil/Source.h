@@ -16,7 +16,8 @@ struct SourceOptions {
     std::optional<std::string> text;
     std::string output = "-";
 
-    // Adds FILE, --text and --output to the command.
+    // Adds FILE and --text to the command; addTo adds --output too.
+    void addInputTo(CLI::App& command);
     void addTo(CLI::App& command);
     // Throws InputError as InputFile does.
     [[nodiscard]] InputFile open(Context& context) const;

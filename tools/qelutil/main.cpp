@@ -23,6 +23,9 @@ constexpr AddCommand kCommands[] = {
     qel::cli::addEncodeCommand,
     qel::cli::addDecodeCommand,
     qel::cli::addCharsetCommand,
+    qel::cli::addFieldCommand,
+    qel::cli::addStatusCommand,
+    qel::cli::addStreamCommand,
     qel::cli::addLogCommand,
 };
 

@@ -12,8 +12,11 @@ void addDateCommand(CLI::App& app, Context& context);
 void addDecodeCommand(CLI::App& app, Context& context);
 void addEncodeCommand(CLI::App& app, Context& context);
 void addExpandCommand(CLI::App& app, Context& context);
+void addFieldCommand(CLI::App& app, Context& context);
 void addLogCommand(CLI::App& app, Context& context);
 void addRuleCommand(CLI::App& app, Context& context);
+void addStatusCommand(CLI::App& app, Context& context);
+void addStreamCommand(CLI::App& app, Context& context);
 void addZoneCommand(CLI::App& app, Context& context);
 
 }  // namespace qel::cli
