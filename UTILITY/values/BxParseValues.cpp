@@ -4,8 +4,6 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
-#include <exception>
-#include <new>
 #include <string>
 
 namespace {
@@ -85,7 +83,7 @@ bool CBxSymbolParser::ReadSymbol(int& result) {
     return kept;
 }
 
-int CBxSymbolParser::ProcessEscapes(VStr& item) try {
+int CBxSymbolParser::ProcessEscapes(VStr& item) {
     // Collected apart: appending to the item piece by piece would measure it each time.
     std::string tail;
     int result = QEL_OK;
@@ -111,13 +109,9 @@ int CBxSymbolParser::ProcessEscapes(VStr& item) try {
     }
     if (!tail.empty()) item += tail.c_str();
     return result;
-} catch (const std::exception&) {
-    item.Empty();
-    m_cursor += std::strlen(m_cursor);
-    return QEL_END_OF_INPUT;
 }
 
-const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool escape) try {
+const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool escape) {
     if (sep == nullptr) sep = "";
     std::string joined;
     const int size = m_symbols.GetSize();
@@ -128,9 +122,6 @@ const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool esca
     }
     out.Empty();
     if (!joined.empty()) out = joined.c_str();
-    return out;
-} catch (const std::exception&) {
-    out.Empty();
     return out;
 }
 
@@ -198,12 +189,8 @@ void CBxParsePairValues::AddPair(const VStr& item) {
     const int equals = item.Find('=');
     if (equals < 0) return;
     const char* text = item;
-    try {
-        // The first value given for a name is the one that holds.
-        m_pairs.emplace(VStr(text, equals), VStr(text + equals + 1));
-    } catch (const std::bad_alloc&) {
-        // The item stands; there was no memory for its pair.
-    }
+    // The first value given for a name is the one that holds.
+    m_pairs.emplace(VStr(text, equals), VStr(text + equals + 1));
 }
 
 VStr CBxParsePairValues::GetValueOf(const char* name) {

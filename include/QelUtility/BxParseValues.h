@@ -5,8 +5,7 @@
 //
 // Escapes of vCard and vCalendar values ("\,", "\;", "\\") are resolved when the backslash is one
 // of the separators; else it is an ordinary character. No text is malformed: every text yields
-// items. When memory is exhausted the item or text at hand is a null string, and a parse may end
-// there; nothing is thrown.
+// items.
 #ifndef QELUTILITY_BXPARSEVALUES_H
 #define QELUTILITY_BXPARSEVALUES_H
 

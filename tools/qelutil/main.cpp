@@ -16,6 +16,7 @@ using qel::cli::Context;
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
+    qel::cli::addConvertCommand,
     qel::cli::addRuleCommand,
     qel::cli::addExpandCommand,
     qel::cli::addDateCommand,

@@ -8,6 +8,7 @@
 namespace qel::cli {
 
 void addCharsetCommand(CLI::App& app, Context& context);
+void addConvertCommand(CLI::App& app, Context& context);
 void addDateCommand(CLI::App& app, Context& context);
 void addDecodeCommand(CLI::App& app, Context& context);
 void addEncodeCommand(CLI::App& app, Context& context);

@@ -170,6 +170,15 @@ std::string formatDuration(std::int64_t seconds) {
     return result;
 }
 
+std::string formatDuration(const Duration& duration) {
+    const std::int64_t size = duration.seconds < 0 ? -duration.seconds : duration.seconds;
+    if (duration.days != 0 || size < kDaySeconds) return formatDuration(duration.total());
+    std::string result = (duration.seconds < 0 ? "-PT" : "PT") + std::to_string(size / 3600) + "H";
+    if (size % 3600 != 0) result += std::to_string(size / 60 % 60) + "M";
+    if (size % 60 != 0) result += std::to_string(size % 60) + "S";
+    return result;
+}
+
 std::optional<int> parseUtcOffset(std::string_view text) {
     text = trimmed(text);
     const int sign = !text.empty() && text.front() == '-' ? -1 : 1;

@@ -51,6 +51,8 @@ struct Duration {
 
 // "-PT15M", "P1DT2H", "P2W" only for whole weeks, "PT0S".
 [[nodiscard]] std::string formatDuration(std::int64_t seconds);
+// The same, but days that were not given as days stay hours: "PT24H".
+[[nodiscard]] std::string formatDuration(const Duration& duration);
 
 // Reads +HH, +HHMM, +HH:MM, +HHMMSS, the sign optional, up to 15 hours either way, into seconds
 // east of UTC.

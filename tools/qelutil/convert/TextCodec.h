@@ -34,9 +34,9 @@ namespace qel::convert {
 
 // vCalendar 1.0 escapes "\;", and phones also "\,". Every other backslash is one.
 [[nodiscard]] std::string unescapeVCalendar(std::string_view text);
-// Protects the backslashes that unescapeVCalendar would take away; with `semicolons` (and commas)
-// also those that would end a field of a list.
-[[nodiscard]] std::string escapeVCalendar(std::string_view text, bool inList);
+// Protects the backslashes that unescapeVCalendar would take away, and the `separators` (";", ",")
+// that would end a field.
+[[nodiscard]] std::string escapeVCalendar(std::string_view text, std::string_view separators);
 // Splits at any of `separators` that is not escaped, and unescapes each field.
 [[nodiscard]] std::vector<std::string> splitVCalendar(std::string_view text,
                                                       std::string_view separators);
@@ -44,9 +44,6 @@ namespace qel::convert {
 // The quoted-printable form of a UTF-8 text, soft line breaks included, for a line on which
 // `startColumn` octets stand already.
 [[nodiscard]] std::string quotedPrintable(std::string_view text, std::size_t startColumn);
-
-// True when every byte belongs to a well-formed UTF-8 character.
-[[nodiscard]] bool isUtf8(std::string_view text);
 
 // The MD5 digest as 32 hexadecimal digits, by the library.
 [[nodiscard]] std::string digestOf(const std::string& text);

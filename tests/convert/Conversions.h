@@ -1,0 +1,49 @@
+// Conversions of texts in memory, for the tests. One thread.
+#ifndef QEL_TESTS_CONVERT_CONVERSIONS_H
+#define QEL_TESTS_CONVERT_CONVERSIONS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "convert/Converter.h"
+#include "convert/Entry.h"
+
+namespace qel::test {
+
+struct Conversion {
+    std::string out;
+    std::vector<convert::Diagnostic> messages;
+    convert::ConvertCounts counts;
+
+    // Messages of that severity, "line: text" each.
+    [[nodiscard]] std::vector<std::string> texts(convert::Severity severity) const;
+    // True when a message holds `part`.
+    [[nodiscard]] bool tells(const std::string& part) const;
+};
+
+// The bytes of `text` in pieces of `piece` bytes.
+[[nodiscard]] convert::ByteSource sourceOf(const std::string& text, std::size_t piece = 4096);
+
+[[nodiscard]] Conversion convertText(const std::string& text,
+                                     std::optional<convert::CalendarFormat> to,
+                                     std::size_t piece = 4096);
+[[nodiscard]] Conversion toICalendar(const std::string& text);
+[[nodiscard]] Conversion toVCalendar(const std::string& text);
+
+// The entries of a file, as the converter understands them.
+[[nodiscard]] std::vector<convert::Entry> entriesOf(const std::string& text);
+
+// The lines of an iCalendar text with its folds undone.
+[[nodiscard]] std::vector<std::string> unfolded(const std::string& text);
+
+// One VEVENT or VTODO in a calendar, for tests of single properties: lines end in "\n" here and are
+// written with CR LF.
+[[nodiscard]] std::string vcalendarWith(const std::string& lines, const std::string& header = "");
+
+// What is no iCalendar of RFC 5545 in the text: the first fault, "" when there is none.
+[[nodiscard]] std::string faultOf(const std::string& icalendar);
+
+}  // namespace qel::test
+
+#endif

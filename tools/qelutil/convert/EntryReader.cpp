@@ -1,0 +1,343 @@
+#include "convert/EntryReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "convert/Ascii.h"
+#include "convert/TextCodec.h"
+#include "convert/Vocabulary.h"
+
+namespace qel::convert {
+
+std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr& zone) {
+    entry_ = {};
+    ruleLines_.clear();
+    dateLines_.clear();
+    entry_.component = component.name;
+    entry_.line = component.number;
+    entry_.zone = zone;
+    if (component.name == "VEVENT") {
+        entry_.kind = EntryKind::Event;
+    } else if (component.name == "VTODO") {
+        entry_.kind = EntryKind::Todo;
+    } else if (component.name == "VJOURNAL" || component.name == "VNOTE") {
+        entry_.kind = EntryKind::Journal;
+    } else {
+        tell(Severity::Warning, component.number,
+             component.name + " is no event, to-do or note; it is left out");
+        return std::nullopt;
+    }
+    for (const ContentLine& line : component.properties) takeLine(line);
+    settleTimes();
+    // A series counts from its start; a to-do may have a due date alone.
+    if (entry_.kind == EntryKind::Todo && hasRecurrence() && !entry_.start && entry_.due) {
+        entry_.properties.push_back({std::string(kVCalendarPrefix) + "DUE",
+                                     {},
+                                     EntryProperty::Type::Text,
+                                     {formatMoment(*entry_.due)},
+                                     entry_.line});
+        entry_.start = std::exchange(entry_.due, std::nullopt);
+    }
+    if (entry_.start) {
+        readRuleLines();
+        for (const ContentLine& line : dateLines_) takeDateList(line);
+    } else {
+        for (const auto* lines : {&ruleLines_, &dateLines_})
+            for (const ContentLine& line : *lines)
+                if (!trimmed(line.value).empty())
+                    carry(line, "stands in an entry without a start", Severity::Warning);
+    }
+    for (const Component& child : component.children) {
+        if (child.name == "VALARM") {
+            takeAlarmComponent(child);
+        } else {
+            tell(Severity::Warning, child.number,
+                 child.name + " within an entry is not known; it is left out");
+        }
+    }
+    return std::move(entry_);
+}
+
+void EntryReader::takeLine(const ContentLine& line) {
+    if (takeDate(line) || takeRecurrence(line)) return;
+    if (line.name == "UID") {
+        const std::string uid = text(line);
+        entry_.uid = std::string(trimmed(
+            ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid) : unescapeVCalendar(uid)));
+        return;
+    }
+    takeProperty(line);
+}
+
+std::string EntryReader::text(const ContentLine& line) {
+    std::vector<RuleNote> notes;
+    std::string value = decodedValue(line, notes);
+    for (const RuleNote& note : notes)
+        tell(note.severity, line.number, line.name + ": " + note.text);
+    return value;
+}
+
+std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_view value) {
+    auto result = parseMoment(value);
+    if (!result || result->isDate || result->clock == Clock::Utc) return result;
+    const std::string_view id = line.parameter("TZID");
+    ZonePtr zone = entry_.zone;
+    if (!id.empty()) {
+        const auto found = zones_.find(id);
+        if (found == zones_.end()) {
+            tell(Severity::Warning, line.number,
+                 line.name + ": the zone " + quoted(id) +
+                     " is not described in the file; the time stays local");
+            return result;
+        }
+        zone = found->second;
+    }
+    if (zone == nullptr) return result;
+    result->clock = Clock::Zoned;
+    if (entry_.zone == nullptr) {
+        entry_.zone = zone;
+    } else if (entry_.zone != zone) {
+        // One entry, one zone: the same instant on the clock of the entry's own.
+        return entry_.zone->toLocal(zone->toUtc(*result));
+    }
+    return result;
+}
+
+namespace {
+
+struct DateSlot {
+    std::string_view name;
+    std::optional<Moment> Entry::*moment;
+};
+constexpr DateSlot kDateSlots[] = {{"DTSTART", &Entry::start},
+                                   {"DTEND", &Entry::end},
+                                   {"DUE", &Entry::due},
+                                   {"COMPLETED", &Entry::completed},
+                                   {"CREATED", &Entry::created},
+                                   {"DCREATED", &Entry::created},
+                                   {"LAST-MODIFIED", &Entry::modified},
+                                   {"DTSTAMP", &Entry::stamp},
+                                   {"X-ICAL-DTSTAMP", &Entry::stamp},
+                                   {"RECURRENCE-ID", &Entry::recurrenceId},
+                                   {"X-RECURRENCE-ID", &Entry::recurrenceId}};
+
+const DateSlot* dateSlot(std::string_view name) {
+    for (const DateSlot& slot : kDateSlots)
+        if (slot.name == name) return &slot;
+    return nullptr;
+}
+
+}  // namespace
+
+bool isEntryDate(std::string_view name) {
+    return dateSlot(name) != nullptr || name == "DURATION" || name == "RDATE" || name == "EXDATE";
+}
+
+bool EntryReader::takeDate(const ContentLine& line) {
+    const DateSlot* slot = dateSlot(line.name);
+    if (slot == nullptr) {
+        if (line.name != "DURATION") return false;
+        entry_.duration = parseDuration(line.value);
+        if (!entry_.duration) carry(line, "is no duration", Severity::Error);
+        return true;
+    }
+    const std::string value = text(line);
+    auto read = moment(line, value);
+    // Written in UTC because iCalendar has it in nothing else.
+    if (const std::string_view mark = line.parameter("X-VCAL-FLOATING"); read && !mark.empty()) {
+        read->clock = Clock::Floating;
+        read->isDate = mark == "DATE";
+    }
+    if (!read) {
+        if (!trimmed(value).empty())
+            carry(line, "holds " + quoted(value) + ", which is no date", Severity::Error);
+    } else if (entry_.*(slot->moment)) {
+        carry(line, "stands twice in this entry; the first one counts", Severity::Warning);
+    } else {
+        entry_.*(slot->moment) = read;
+        if (slot->moment == &Entry::recurrenceId)
+            entry_.thisAndFuture = equalsIgnoreCase(line.parameter("RANGE"), "THISANDFUTURE");
+    }
+    return true;
+}
+
+bool EntryReader::takeRecurrence(const ContentLine& line) {
+    const bool carried = line.name == "X-ICAL-RRULE" || line.name == "X-ICAL-EXRULE";
+    if (line.name == "RRULE" || line.name == "EXRULE" || carried) {
+        ruleLines_.push_back(line);
+        ruleLines_.back().value = text(line);
+        return true;
+    }
+    if (line.name == "RDATE" || line.name == "EXDATE") {
+        dateLines_.push_back(line);
+        dateLines_.back().value = text(line);
+        return true;
+    }
+    return false;
+}
+
+void EntryReader::readRuleLines() {
+    const std::optional<RuleStart> start = entry_.ruleStart();
+    for (const ContentLine& line : ruleLines_) {
+        RuleReading reading = readRules(line.value, ruleForm(), start);
+        for (const RuleNote& note : reading.notes)
+            tell(note.severity, line.number,
+                 line.name + " " + quoted(trimmed(line.value)) + ": " + note.text);
+        if (reading.rules.empty()) {
+            if (!trimmed(line.value).empty()) carry(line, "", Severity::Note);
+            continue;
+        }
+        entry_.rules.push_back(
+            {line.name.ends_with("EXRULE"), std::move(reading.rules), line.number});
+    }
+}
+
+void EntryReader::takeDateList(const ContentLine& line) {
+    const bool excluded = line.name == "EXDATE";
+    bool period = false;
+    for (const std::string& item : listItems(line.value)) {
+        if (trimmed(item).empty()) continue;
+        std::string_view rest = item;
+        const auto read = moment(line, nextField(rest, '/'));
+        if (!read) {
+            tell(Severity::Error, line.number,
+                 line.name + " holds " + quoted(item) + ", which is no date; it is left out");
+            continue;
+        }
+        period = period || !rest.empty();
+        (excluded ? entry_.excluded : entry_.dates).push_back(*read);
+    }
+    if (period)
+        tell(Severity::Warning, line.number,
+             line.name + " holds periods; their lengths are left out");
+}
+
+void EntryReader::carry(const ContentLine& line, std::string_view why, Severity severity) {
+    // What has been carried once keeps its name.
+    const bool carried =
+        line.name.starts_with(kVCalendarPrefix) || line.name.starts_with(kICalendarPrefix);
+    const std::string name = carried ? line.name : std::string(carryPrefix()) + line.name;
+    std::vector<Parameter> parameters;
+    for (const Parameter& each : line.parameters) {
+        if (each.name == "ENCODING" || each.name == "CHARSET") continue;
+        if (each.name.empty() && (equalsIgnoreCase(each.value, "QUOTED-PRINTABLE") ||
+                                  equalsIgnoreCase(each.value, "BASE64")))
+            continue;
+        const std::string own = each.name.empty() ? "PARAMETER" : each.name;
+        parameters.push_back(
+            {own.starts_with("X-") ? own : std::string(carryPrefix()) + own, each.value});
+    }
+    if (!why.empty())
+        tell(severity, line.number, line.name + " " + std::string(why) + "; it is kept as " + name);
+    add(line, name, EntryProperty::Type::Text, {text(line)}, std::move(parameters));
+}
+
+void EntryReader::add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
+                      std::vector<std::string> values, std::vector<Parameter> parameters) {
+    if (values.empty()) values.emplace_back();
+    entry_.properties.push_back(
+        {std::string(name), std::move(parameters), type, std::move(values), line.number});
+}
+
+void EntryReader::takeAlarmComponent(const Component& component) {
+    Alarm alarm;
+    alarm.line = component.number;
+    alarm.hasText = false;
+    bool hasTrigger = false;
+    bool usable = true;
+    for (const ContentLine& line : component.properties) {
+        if (line.name == "ACTION") {
+            const std::string_view action = trimmed(line.value);
+            using Action = Alarm::Action;
+            alarm.action = equalsIgnoreCase(action, "AUDIO")       ? Action::Audio
+                           : equalsIgnoreCase(action, "DISPLAY")   ? Action::Display
+                           : equalsIgnoreCase(action, "EMAIL")     ? Action::Email
+                           : equalsIgnoreCase(action, "PROCEDURE") ? Action::Procedure
+                                                                   : Action::Other;
+            alarm.actionName = upper(action);
+        } else if (line.name == "TRIGGER" && !hasTrigger) {
+            hasTrigger = true;
+            const auto duration = parseDuration(line.value);
+            if (duration) {
+                alarm.offset = duration->total();
+                alarm.fromEnd = equalsIgnoreCase(line.parameter("RELATED"), "END");
+            } else if (const auto at = moment(line, line.value)) {
+                alarm.at = *at;
+            } else {
+                tell(Severity::Error, line.number,
+                     "TRIGGER " + quoted(line.value) + " is neither a duration nor a date");
+                usable = false;
+            }
+        } else if (line.name == "DURATION") {
+            const auto duration = parseDuration(line.value);
+            if (duration) alarm.snooze = duration->total();
+        } else if (line.name == "REPEAT") {
+            alarm.repeat = parseInt(trimmed(line.value));
+        } else if (line.name == "DESCRIPTION") {
+            alarm.text = unescapeICalendar(text(line));
+            alarm.hasText = true;
+        } else if (line.name == "SUMMARY") {
+            alarm.summary = unescapeICalendar(text(line));
+        } else if (line.name == "ATTENDEE" && alarm.address.empty()) {
+            alarm.address = std::string(trimmed(text(line)));
+            if (startsWithIgnoreCase(alarm.address, "mailto:")) alarm.address.erase(0, 7);
+        } else {
+            const bool raw = line.name == "ATTACH" || line.name == "ATTENDEE";
+            alarm.others.push_back({line.name,
+                                    line.parameters,
+                                    raw ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
+                                    {raw ? text(line) : unescapeICalendar(text(line))},
+                                    line.number});
+        }
+    }
+    if (!hasTrigger) {
+        tell(Severity::Error, component.number, "an alarm without TRIGGER is left out");
+        usable = false;
+    }
+    if (usable) {
+        settleAlarm(alarm);
+        entry_.alarms.push_back(std::move(alarm));
+    }
+}
+
+// The sound or procedure is the alarm's text; an alarm that came from vCalendar 1.0 is that alarm
+// again.
+void EntryReader::settleAlarm(Alarm& alarm) {
+    using Action = Alarm::Action;
+    const auto attachment =
+        std::find_if(alarm.others.begin(), alarm.others.end(),
+                     [](const EntryProperty& each) { return each.name == "ATTACH"; });
+    const bool takesOne = alarm.action == Action::Audio || alarm.action == Action::Procedure;
+    if (takesOne && attachment != alarm.others.end()) {
+        const bool binary = std::any_of(attachment->parameters.begin(),
+                                        attachment->parameters.end(), [](const Parameter& each) {
+                                            return each.name == "ENCODING" &&
+                                                   equalsIgnoreCase(each.value, "BASE64");
+                                        });
+        alarm.text = attachment->value();
+        if (binary) alarm.parameters = {{"VALUE", "INLINE"}, {"ENCODING", "BASE64"}};
+        alarm.others.erase(attachment);
+    }
+    for (const Action action : {Action::Audio, Action::Display, Action::Email, Action::Procedure}) {
+        const std::string name = std::string(kVCalendarPrefix) + std::string(alarmName(action));
+        const auto own = std::find_if(alarm.others.begin(), alarm.others.end(),
+                                      [&](const EntryProperty& each) { return each.name == name; });
+        if (own == alarm.others.end()) continue;
+        Alarm restored;
+        restored.action = action;
+        restored.at = alarm.at;
+        restored.offset = alarm.offset;
+        restored.fromEnd = alarm.fromEnd;
+        restored.line = alarm.line;
+        restored.fields = own->value();
+        for (const Parameter& each : own->parameters)
+            restored.parameters.push_back(
+                {each.name.starts_with(kVCalendarPrefix) ? each.name.substr(7) : each.name,
+                 each.value});
+        readAlarmFields(restored);
+        alarm = std::move(restored);
+        return;
+    }
+}
+
+}  // namespace qel::convert

@@ -1,0 +1,117 @@
+// From components of a file to entries: what both formats share, and the two readers. They are
+// lenient, as files are: an iCalendar property in a vCalendar 1.0 file is read, and the other way
+// round. One thread.
+#ifndef QELUTIL_CONVERT_ENTRYREADER_H
+#define QELUTIL_CONVERT_ENTRYREADER_H
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "convert/CalendarReader.h"
+#include "convert/Entry.h"
+
+namespace qel::convert {
+
+// By TZID.
+using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
+
+class EntryReader {
+  public:
+    EntryReader(const ZoneMap& zones, LineSink sink) : zones_(zones), sink_(std::move(sink)) {}
+    virtual ~EntryReader() = default;
+    EntryReader(const EntryReader&) = delete;
+    EntryReader& operator=(const EntryReader&) = delete;
+
+    // The entry of a VEVENT, VTODO, VJOURNAL or VNOTE; nothing for other components, which is told.
+    // `zone` is the one of the calendar's TZ line, or null.
+    std::optional<Entry> read(const Component& component, const ZonePtr& zone);
+
+  protected:
+    [[nodiscard]] virtual RuleForm ruleForm() const = 0;
+    [[nodiscard]] virtual std::string_view carryPrefix() const = 0;
+    // A property that is neither date, rule nor alarm.
+    virtual void takeProperty(const ContentLine& line) = 0;
+    // The items of an EXDATE or RDATE value.
+    [[nodiscard]] virtual std::vector<std::string> listItems(const std::string& value) const = 0;
+    // After all properties, before the rules are read.
+    virtual void settleTimes() {}
+
+    // UTF-8, without the file's encoding; what is wrong with it is told.
+    std::string text(const ContentLine& line);
+    // The moment of a value, by TZID, VALUE and the file's zone. Tells what is none.
+    std::optional<Moment> moment(const ContentLine& line, std::string_view value);
+    // Keeps a line under the other format's prefix, and says why unless `why` is empty.
+    void carry(const ContentLine& line, std::string_view why, Severity severity);
+    void add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
+             std::vector<std::string> values, std::vector<Parameter> parameters);
+    void tell(Severity severity, std::size_t line, std::string message) {
+        sink_(severity, line, std::move(message));
+    }
+
+    // True when the entry has a rule or a list of dates, read or not.
+    [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
+
+    Entry entry_;
+
+  private:
+    bool takeDate(const ContentLine& line);
+    bool takeRecurrence(const ContentLine& line);
+    void takeDateList(const ContentLine& line);
+    void takeLine(const ContentLine& line);
+    void takeAlarmComponent(const Component& component);
+    static void settleAlarm(Alarm& alarm);
+    void readRuleLines();
+
+    const ZoneMap& zones_;
+    LineSink sink_;
+    std::vector<ContentLine> ruleLines_;
+    std::vector<ContentLine> dateLines_;
+};
+
+// vCalendar 1.0.
+class VCalReader final : public EntryReader {
+  public:
+    using EntryReader::EntryReader;
+
+  private:
+    [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::VCalendar10; }
+    [[nodiscard]] std::string_view carryPrefix() const override { return kVCalendarPrefix; }
+    void takeProperty(const ContentLine& line) override;
+    [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
+    void settleTimes() override;
+
+    void takeAlarm(const ContentLine& line);
+    void takeAttendee(const ContentLine& line);
+    void takeAttachment(const ContentLine& line);
+    void takeStatus(const ContentLine& line);
+    void takeTransparency(const ContentLine& line);
+    void takePosition(const ContentLine& line);
+    void takeNumber(const ContentLine& line, int most);
+    void makeAllDay();
+};
+
+// iCalendar 2.0.
+class ICalReader final : public EntryReader {
+  public:
+    using EntryReader::EntryReader;
+
+  private:
+    [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::ICalendar; }
+    [[nodiscard]] std::string_view carryPrefix() const override { return kICalendarPrefix; }
+    void takeProperty(const ContentLine& line) override;
+    [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
+};
+
+// True for the names that an Entry holds as moments, lists of them, or a duration.
+[[nodiscard]] bool isEntryDate(std::string_view name);
+
+// The parameters of a vCalendar 1.0 line in iCalendar's words: encodings gone, what iCalendar does
+// not know behind X-VCAL-.
+[[nodiscard]] std::vector<Parameter> parametersFromVCalendar(const ContentLine& line);
+
+}  // namespace qel::convert
+
+#endif

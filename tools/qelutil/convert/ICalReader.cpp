@@ -1,0 +1,62 @@
+// Entries of iCalendar 2.0.
+#include <algorithm>
+
+#include "convert/Ascii.h"
+#include "convert/EntryReader.h"
+#include "convert/TextCodec.h"
+
+namespace qel::convert {
+
+std::vector<std::string> ICalReader::listItems(const std::string& value) const {
+    std::vector<std::string> items;
+    std::string item;
+    // "," here; ";" in files that mix the formats.
+    for (const char c : value) {
+        if (c == ',' || c == ';') {
+            items.push_back(item);
+            item.clear();
+        } else {
+            item += c;
+        }
+    }
+    items.push_back(item);
+    return items;
+}
+
+void ICalReader::takeProperty(const ContentLine& line) {
+    std::vector<Parameter> parameters;
+    const bool binary = isBase64(line);
+    for (const Parameter& each : line.parameters) {
+        if (each.name == "ENCODING" || each.name == "CHARSET" || each.name.empty()) continue;
+        if (each.name == "VALUE" &&
+            (binary || equalsIgnoreCase(each.value, "URI") || equalsIgnoreCase(each.value, "TEXT")))
+            continue;
+        parameters.push_back(each);
+    }
+    if (binary && line.name == "ATTACH") {
+        if (const auto clean = cleanBase64(line.value)) {
+            if (!clean->empty())
+                add(line, line.name, EntryProperty::Type::Base64, {*clean}, parameters);
+        } else {
+            carry(line, "is not Base64 as it says", Severity::Error);
+        }
+        return;
+    }
+    const std::string value = text(line);
+    const PropertyKind* kind = propertyKind(line.name);
+    if (kind != nullptr && kind->type == EntryProperty::Type::TextList) {
+        std::vector<std::string> items;
+        for (const std::string& item : splitICalendarList(value))
+            if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+        if (!items.empty()) add(line, line.name, kind->type, items, parameters);
+    } else if (kind != nullptr && kind->type == EntryProperty::Type::Raw) {
+        add(line, line.name, kind->type, {std::string(trimmed(value))}, parameters);
+    } else if (kind != nullptr || line.name.starts_with("X-")) {
+        add(line, line.name, EntryProperty::Type::Text, {unescapeICalendar(value)}, parameters);
+    } else {
+        // Some other standard's property: as it stands.
+        add(line, line.name, EntryProperty::Type::Raw, {value}, parameters);
+    }
+}
+
+}  // namespace qel::convert
