@@ -55,8 +55,7 @@ QELUTILITY_API int QELUTILITY_CALL BxUtil_BxRepeatToRRule(ZQTR_REPEAT* repeat, _
 //   -1    no start text, or a null record
 //   2001  no memory for the exclusions
 //   2105  negative month days only, and several of them; or no weekday where one is needed: a
-//   weekly
-//         rule needs BYDAY (RFC 2445 section 4.3.10 would take the start's weekday)
+//         weekly rule needs BYDAY (RFC 2445 section 4.3.10 would take the start's weekday)
 //   2106  an unknown frequency, or week numbers
 //   4008  COUNT occurrences do not exist
 // A single negative month day falls back to the start's day, and a daily or weekly rule with

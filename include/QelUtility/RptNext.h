@@ -90,9 +90,11 @@ QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 //
 // The types 3, 4, 6, 7, 10 and 11 read a *previous of -2 as "one step after the start's period".
 // Weeks of type 12 run from Sunday to Saturday. A day that a month lacks is its last day: day 31
-// from 31 January 2005 goes on to 28 February and 31 March 2005. A series whose fields are outside
-// their ranges may yield a date that is not later than the previous one; a caller that loops must
-// stop there.
+// from 31 January 2005 goes on to 28 February and 31 March 2005. Type 5 keeps the month of
+// *previous, type 15 goes from December to January of the year after next, and the last weekday of
+// the start's quarter (type 14) may precede the start. A series whose fields are outside their
+// ranges may yield a date that is not later than the previous one; a caller that loops must stop
+// there.
 QELUTILITY_API int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous);
 }
 

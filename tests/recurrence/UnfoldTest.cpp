@@ -252,17 +252,4 @@ TEST(Unfold, BlockGrowsBySteps) {
     DateBlock_Free(&block);
 }
 
-TEST(Unfold, WeeksOfTheMonth) {
-    for (const auto& [date, week] : std::vector<std::pair<int, int>>{{20050201, 1},
-                                                                     {20050207, 1},
-                                                                     {20050208, 2},
-                                                                     {20050228, 4},
-                                                                     {20050129, 5},
-                                                                     {20050131, 5}}) {
-        EXPECT_EQ(WeekOfMonth(code(date)), week) << date;
-    }
-    EXPECT_EQ(WeekOfMonth(-1), 1);
-    EXPECT_EQ(WeekOfMonth(219146), 1);
-}
-
 }  // namespace
