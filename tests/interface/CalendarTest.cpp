@@ -1,0 +1,146 @@
+// Dates, rules and repeats through the shared library alone.
+#include <gtest/gtest.h>
+
+#include "QelUtility/QelUtility.h"
+
+namespace {
+
+TEST(InterfaceCalendar, DatesAndTheirTexts) {
+    unsigned code = 0;
+    ASSERT_EQ(ZQ_DateEncode(6, 15, 2005, &code), 0);
+    EXPECT_EQ(code, 38516U);
+    EXPECT_EQ(ZQ_AlphaToCodeDate("20050615"), 38516);
+    EXPECT_EQ(ZQ_AlphaToCodeTime("0930"), 34200);
+    int month = 0;
+    int day = 0;
+    int year = 0;
+    ZQ_AlphaToDate("20050615", &month, &day, &year);
+    EXPECT_EQ(month * 100 + day, 615);
+    char date[9];
+    char time[7];
+    EXPECT_STREQ(ZQ_CodeDateToAlpha(38516, date), "20050615");
+    EXPECT_STREQ(ZQ_CodeTimeToAlpha(34200, time), "093000");
+    EXPECT_GT(ZQ_GetCurrentDate(), 45000);
+}
+
+TEST(InterfaceCalendar, RulesFromAndToTheirTexts) {
+    _rruleRepeat rule;
+    EXPECT_EQ(BxUtil_InitializeRRULE(&rule), 0);
+    int flags = 0;
+    VStr out;
+    ASSERT_EQ(BxUtil_PositionalV10toRRULE("W2 MO WE FR #10", &rule, &flags), 0);
+    EXPECT_STREQ(BxUtil_RRULEtoIETF(&rule, out, false),
+                 "FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR");
+    ASSERT_EQ(BxUtil_PositionalV20toRRULE(out, &rule, &flags), 0);
+    EXPECT_STREQ(BxUtil_RRULEtoV10IETF(&rule, out, false), "W2 MO WE FR #10");
+    ASSERT_EQ(BxUtil_PositionaltoRRULE("WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;", &rule, &flags), 0);
+    EXPECT_EQ(rule.byDay, RRULE_DAY_MO | RRULE_DAY_WE | RRULE_DAY_FR);
+}
+
+TEST(InterfaceCalendar, RepeatRecordsFromAndToRules) {
+    _rruleRepeat rule;
+    int flags = 0;
+    ASSERT_EQ(BxUtil_PositionalV10toRRULE("W2 MO WE FR #10", &rule, &flags), 0);
+    ZQTR_REPEAT repeat;
+    ClearZQTR(&repeat);
+    int endFromRule = 0;
+    ASSERT_EQ(BxUtil_RRuleToBxRepeat(&rule, "", "20050615T093000", &endFromRule, &repeat, &flags),
+              0);
+    EXPECT_EQ(repeat.type, REPEAT_WEEKLY_DAYS);
+    int next = 0;
+    int previous = -1;
+    ASSERT_EQ(ZQRepeatNextDate(&repeat, &next, &previous), 0);
+    EXPECT_EQ(next, 38516);
+    VStr exclusions;
+    VStr start("20050615T093000");
+    EXPECT_EQ(BxUtil_BxRepeatToRRule(&repeat, &rule, exclusions, start, 0, &flags), 0);
+    EXPECT_EQ(rule.count, 10);
+
+    VStr text;
+    int code = 0;
+    EXPECT_EQ(ZQTRDateTimeToUTCDate(38516, text), 0);
+    EXPECT_EQ(UTCDateToZQTRDateTime(text, &code), 0);
+    EXPECT_EQ(code, 38516);
+    EXPECT_EQ(RRuleToZQTRDateTime(ConvertZQTRDateTimeToRRule(38516)), 38516);
+    EXPECT_NE(ZQTRDateTimeToRRule(38516), 0);
+}
+
+// A host's own repeat object: 5 for every number, flags of the days kept as given.
+class HostRepeat : public IRepeat {
+  public:
+    long QELUTILITY_STDCALL GetDayOfMonth(short* day) override { return give(day); }
+    long QELUTILITY_STDCALL SetDayOfMonth(int day) override { return take(day); }
+    long QELUTILITY_STDCALL GetMonthOfYear(short* month) override { return give(month); }
+    long QELUTILITY_STDCALL SetMonthOfYear(int month) override { return take(month); }
+    long QELUTILITY_STDCALL GetDayOfWeek(short* weekday) override { return give(weekday); }
+    long QELUTILITY_STDCALL SetDayOfWeek(int weekday) override { return take(weekday); }
+    long QELUTILITY_STDCALL GetInstance(short* week) override { return give(week); }
+    long QELUTILITY_STDCALL SetInstance(int week) override { return take(week); }
+    long QELUTILITY_STDCALL SetDaysOfWeek(int* days) override { return take(days[1]); }
+    long QELUTILITY_STDCALL GetDaysOfWeek(short** days) override {
+        *days = flags;
+        return 0;
+    }
+
+    int taken = 0;
+    short flags[7] = {0, 1, 0, 1, 0, 0, 0};
+
+  private:
+    static long give(short* value) {
+        *value = 5;
+        return 0;
+    }
+    long take(int value) {
+        taken += value;
+        return 0;
+    }
+};
+
+TEST(InterfaceCalendar, AHostsOwnRepeatObject) {
+    HostRepeat host;
+    _repeat repeat;
+    ClearZQTR(&repeat);
+    using Conversion = CRepeatConversion;
+    EXPECT_EQ(Conversion::ConstructWeekly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    EXPECT_EQ(Conversion::ConstructWeeklyDays_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    EXPECT_EQ(Conversion::ConstructMonthly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    EXPECT_EQ(Conversion::ConstructMonthlyByPos_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    EXPECT_EQ(Conversion::ConstructYearly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    EXPECT_EQ(Conversion::ConstructYearlyByPos_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
+    const short month = repeat.month;
+    EXPECT_EQ(month, 5);
+    const short monday = repeat.days[1];
+    EXPECT_EQ(monday, 1);
+    EXPECT_EQ(Conversion::ConstructWeekly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    EXPECT_EQ(Conversion::ConstructWeeklyDays_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    EXPECT_EQ(Conversion::ConstructMonthly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    EXPECT_EQ(Conversion::ConstructMonthlyByPos_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    EXPECT_EQ(Conversion::ConstructYearly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    EXPECT_EQ(Conversion::ConstructYearlyByPos_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
+    // One weekday; the days' flag; a day; week and weekday; day and month; week, weekday, month.
+    EXPECT_EQ(host.taken, 5 + 1 + 5 + 10 + 10 + 15);
+}
+
+TEST(InterfaceCalendar, Zones) {
+    VStrArray names;
+    std::vector<int> numbers;
+    BxTZ_GetZoneList(names, numbers);
+    ASSERT_GT(names.GetSize(), 70);
+    VStr name;
+    EXPECT_EQ(BxTZ_GetZoneName(numbers[0], name), numbers[0]);
+    EXPECT_EQ(BxTZ_GetZoneID(name), numbers[0]);
+    VStr out;
+    EXPECT_EQ(BxTZ_LocalToUTCByOffset(2, 0, "20050615T120000", out), 0);
+    EXPECT_STREQ(out, "20050615T100000Z");
+    EXPECT_EQ(BxTZ_LocalToUTC(numbers[0], "20050615T120000", out), 0);
+    VStr back;
+    EXPECT_EQ(BxTZ_UTCToLocal(numbers[0], out, back), 0);
+    EXPECT_STREQ(back, "20050615T120000");
+    EXPECT_EQ(BxTZ_ConvertZone(back, numbers[0], numbers[0]), 0);
+    CBxTimeZoneUtility zone;
+    EXPECT_EQ(zone.Initialize(), 0);
+    const std::string utc = zone.LocalToUTC("20050615T120000");
+    EXPECT_STREQ(zone.UTCToLocal(utc.c_str()), "20050615T120000");
+}
+
+}  // namespace
