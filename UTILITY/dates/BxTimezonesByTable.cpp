@@ -61,6 +61,7 @@ const char* tail(const char* text, std::size_t position) {
 
 ZoneTime parseZoneTime(const char* text) {
     ZoneTime time;
+    if (text == nullptr) return time;
     time.date = qel::decimalField(text, 8);
     if (has(text, 'T')) {
         // A signed field is no time of day; it counts as 0.

@@ -1,8 +1,10 @@
 // The calendar arithmetic under the date codes: constexpr functions over small unsigned integers,
-// without tables of years and without loops. For the library's own use, from any thread.
+// without loops. For the library's own use, from any thread.
 #ifndef QEL_DATES_CIVILDATE_H
 #define QEL_DATES_CIVILDATE_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace qel {
@@ -37,11 +39,26 @@ struct CivilDate {
 namespace detail {
 
 // The day number of 1 January 1900 in a count whose day 0 is 1 March of the year 0: years that
-// begin in March have their leap day last, so that neither it nor the months need a table.
+// begin in March have their leap day last.
 constexpr std::uint32_t kMarchDayOfEpoch = 693901;
 // The same day counted from 1 March 1600, the last 400-year boundary before the range. Counting
 // from there keeps every intermediate value of the decoder inside 32 bits.
 constexpr std::uint32_t kMarchDayFrom1600 = kMarchDayOfEpoch - 4 * 146097;
+
+// The days of a year that begins in March: the day of the month, the month << 8, and 1 << 15 when
+// it is January or February, which belong to the calendar's next year.
+constexpr auto kDaysOfMarchYear = [] {
+    std::array<std::uint16_t, 366> days{};
+    std::size_t next = 0;
+    for (int i = 0; i < 12; ++i) {
+        const int month = i < 10 ? i + 3 : i - 9;
+        for (int day = 1; day <= daysInMonth(month, 2000); ++day) {
+            days[next++] =
+                static_cast<std::uint16_t>(day | month << 8 | (month <= 2 ? 1 << 15 : 0));
+        }
+    }
+    return days;
+}();
 
 }  // namespace detail
 
@@ -58,26 +75,21 @@ constexpr std::uint32_t kMarchDayFrom1600 = kMarchDayOfEpoch - 4 * 146097;
                             detail::kMarchDayOfEpoch);
 }
 
-// The date of a code date. The divisions by the lengths of a year and a month are multiplications
-// by fixed-point reciprocals that are exact over the range.
+// The date of a code date. The division by the length of a year is a multiplication by a
+// fixed-point reciprocal that is exact over the range.
 // REQUIRES: code in [0, 219145]
 [[nodiscard]] constexpr CivilDate decodeCivilDate(int code) noexcept {
-    // Century and day of the century, both of years that begin in March.
-    const std::uint32_t quarterDays =
-        4 * (static_cast<std::uint32_t>(code) + detail::kMarchDayFrom1600) + 3;  // < 2^21
-    const std::uint32_t century = quarterDays / 146097;                          // [2, 8]
-    const std::uint32_t centuryDay = quarterDays % 146097 / 4;                   // [0, 36524]
-    // Year of the century and day of the year: 2939745 is 2^32 / 1461, rounded up.
-    const std::uint64_t scaledYear = std::uint64_t{2939745} * (4 * centuryDay + 3);
-    const std::uint32_t yearOfCentury = static_cast<std::uint32_t>(scaledYear >> 32);    // [0, 99]
+    // The day as it would be counted if every fourth year were a leap year.
+    const std::uint32_t day1600 = static_cast<std::uint32_t>(code) + detail::kMarchDayFrom1600;
+    const std::uint32_t century = (4 * day1600 + 3) / 146097;       // [2, 8]
+    const std::uint32_t evenDay = day1600 + century - century / 4;  // < 2^19
+    // Year and day of the year, both from March: 2939745 is 2^32 / 1461, rounded up.
+    const std::uint64_t scaledYear = std::uint64_t{2939745} * (4 * evenDay + 3);
+    const auto year1600 = static_cast<std::uint32_t>(scaledYear >> 32);  // [299, 899]
     const std::uint32_t yearDay = static_cast<std::uint32_t>(scaledYear) / 2939745 / 4;  // [0, 365]
-    // Month and day: a month of such a year begins every 2^16 / 2141 = 30.61 days.
-    const std::uint32_t scaledMonth = 2141 * yearDay + 197913;
-    const std::uint32_t month = scaledMonth >> 16;            // [3, 14]
-    const std::uint32_t day = (scaledMonth & 0xFFFF) / 2141;  // [0, 30]
-    const bool nextYear = yearDay >= 306;                     // January or February
-    return {static_cast<int>(1600 + 100 * century + yearOfCentury + nextYear),
-            static_cast<int>(nextYear ? month - 12 : month), static_cast<int>(day + 1)};
+    const std::uint16_t packed = detail::kDaysOfMarchYear[yearDay];
+    return {static_cast<int>(1600 + year1600 + static_cast<std::uint32_t>(packed >> 15)),
+            packed >> 8 & 15, packed & 31};
 }
 
 // The weekday of a day number, 1 = Sunday to 7 = Saturday; day 0 is a Monday. Any day number has

@@ -72,9 +72,9 @@ int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) 
 int ZQ_DateDecode(int code, int* month, int* day, int* year) {
     if (!qel::isCodeDate(code)) return -1;
     const CivilDate date = qel::decodeCivilDate(code);
-    store(month, date.month);
-    store(day, date.day);
-    store(year, date.year);
+    *month = date.month;
+    *day = date.day;
+    *year = date.year;
     return 0;
 }
 

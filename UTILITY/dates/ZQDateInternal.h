@@ -12,6 +12,7 @@
 #include "QelUtility/ZQDate.h"
 
 // The inverse of ZQ_DateEncode: 0, or -1 with the results untouched for a code outside 0..219145.
+// REQUIRES: no null pointer
 int ZQ_DateDecode(int code, int* month, int* day, int* year);
 
 // Whether the text splits into a day that exists, from 1900 on. There is no last year here.
