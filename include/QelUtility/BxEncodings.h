@@ -42,8 +42,9 @@ QELUTILITY_API const char* QELUTILITY_CALL MD5String(const char* text, char* out
 // `out` is cleared over all of outSize; a terminator needs one byte more than the digits, and with
 // outSize equal to their number none is written. A null text counts as empty.
 //
-// The code is for texts whose enciphered blocks hold no zero byte: such a block, about one
-// in forty, will not decode to its text. The cipher is no protection against anyone who has this library.
+// The code is for texts whose enciphered blocks hold no zero byte: such a block, about one in
+// forty, will not decode to its text. The cipher is no protection against anyone who has this
+// library.
 QELUTILITY_API int QELUTILITY_CALL ZQUT_EncodeToString(const char* text, char* out, int outSize);
 
 // Deciphers it. 0, ZQUT_MALFORMED or ZQUT_OUTPUT_TOO_SMALL, when outSize is below half the digits.

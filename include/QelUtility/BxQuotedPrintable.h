@@ -23,7 +23,8 @@ extern "C" {
 // Encodes a property value. Line breaks are data here: CR and LF become =0D and =0A, so that the
 // whole result is one logical line. `startColumn` is the number of characters that already stand on
 // the line, the property's name and parameters: every line, the first included, ends within 76
-// characters, if need be by a soft line break ("=" CR LF) at once.
+// characters, if need be by a soft line break ("=" CR LF) at once; where 76 or more stand already,
+// that break's "=" is the only character added.
 //
 // Literal are the printable ASCII characters except "=", and blanks and tabs that end no line and
 // begin none after a soft break (a reader that unfolds lines first would swallow them there).

@@ -102,6 +102,10 @@ TEST(CharConv, ConvertsTheSetsThatHaveCodePages) {
                         "a\xE4\xBD\xA0"
                         "b\xF0\x9F\x98\x80"),
               "a?b??");
+    for (const char* set : {"8859-1", "936", "950"}) {  // a tag character, and nothing else
+        EXPECT_EQ(converted(set, "UTF-8", "\xF3\xA0\x81\xA2"), "??") << set;
+        EXPECT_EQ(converted(set, "UTF-8", "x\xF3\xA0\x81\xA2\xF3\xA0\x81\xBFy"), "x????y") << set;
+    }
     EXPECT_EQ(converted("UTF-8", "8859-1", ""), "");
 }
 

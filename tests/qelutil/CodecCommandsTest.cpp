@@ -58,6 +58,7 @@ TEST_F(CodecCommandsTest, LargeInputsComeBackAsTheyWere) {
         {"base64", noise(3 * 1048576 + 1)},
         {"base64", noise(2)},
         {"qp", wide},                             // one line of 2.4 million bytes
+        {"qp", std::string(2200000, 'y')},        // whose pieces fill their last lines
         {"qp", std::string(1200000, ' ') + "x"},  // blanks, which must not end a line
         {"qp", std::string(1048575, 'y') + "\r\nz\r\n"},
     };

@@ -20,12 +20,14 @@ constexpr std::size_t kFailed = static_cast<std::size_t>(-1);
 constexpr std::size_t kFirstSlice = 64;
 constexpr std::uint32_t kLongestCharacter = 4;
 
+constexpr std::uint32_t kUtf8 = 65001;
+
 struct CodePage {
     std::uint32_t number;
     const char* name;
 };
 constexpr std::array<CodePage, 4> kCodePages{
-    {{0, "CP1252"}, {936, "CP936"}, {950, "CP950"}, {65001, "UTF-8"}}};
+    {{0, "CP1252"}, {936, "CP936"}, {950, "CP950"}, {kUtf8, "UTF-8"}}};
 
 iconv_t noDescriptor() {
     return reinterpret_cast<iconv_t>(-1);
@@ -103,6 +105,15 @@ bool isPair(const char16_t* in, std::size_t count) {
     return count > 1 && (in[0] & 0xFC00) == 0xD800 && (in[1] & 0xFC00) == 0xDC00;
 }
 
+// The number of units before the first tag character (U+E0000 to U+E007F, as in some flags): what a
+// set lacks of these iconv drops without a word, where it refuses every other character.
+std::size_t unitsBeforeTag(const char16_t* in, std::size_t count) {
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+        if (in[i] == 0xDB40 && (in[i + 1] & 0xFF80) == 0xDC00) return i;
+    }
+    return count;
+}
+
 }  // namespace
 
 bool codePagesAvailable() noexcept {
@@ -134,21 +145,24 @@ CodePageResult encodeCodePage(std::uint32_t codePage, const char16_t* in, std::u
     char* to = out;
     std::size_t roomLeft = room;
     while (done < count) {
-        char* from = reinterpret_cast<char*>(const_cast<char16_t*>(in + done));
-        const std::size_t offered = std::min(slice, count - done);
-        std::size_t left = offered * sizeof(char16_t);
-        const bool converted = iconv(encoder, &from, &left, &to, &roomLeft) != kFailed;
-        const int error = errno;
-        const std::size_t taken = offered - left / sizeof(char16_t);
-        done += taken;
-        if (converted) {
-            slice *= 2;
-            continue;
+        std::size_t offered = std::min(slice, count - done);
+        if (codePage != kUtf8) offered = unitsBeforeTag(in + done, offered);
+        if (offered != 0) {
+            char* from = reinterpret_cast<char*>(const_cast<char16_t*>(in + done));
+            std::size_t left = offered * sizeof(char16_t);
+            const bool converted = iconv(encoder, &from, &left, &to, &roomLeft) != kFailed;
+            const int error = errno;
+            const std::size_t taken = offered - left / sizeof(char16_t);
+            done += taken;
+            if (converted) {
+                slice *= 2;
+                continue;
+            }
+            if (error == E2BIG) return failed(CodePageFailure::kNoRoom);
+            if (error != EILSEQ && error != EINVAL) return failed(CodePageFailure::kOther);
+            // A slice that ends between the halves of a pair: the next one begins with the pair.
+            if (error == EINVAL && taken != 0 && done < count - 1) continue;
         }
-        if (error == E2BIG) return failed(CodePageFailure::kNoRoom);
-        if (error != EILSEQ && error != EINVAL) return failed(CodePageFailure::kOther);
-        // A slice that ends between the halves of a pair: the next one begins with the pair.
-        if (error == EINVAL && taken != 0 && done < count - 1) continue;
         const std::size_t units = isPair(in + done, count - done) ? 2 : 1;
         if (roomLeft < units) return failed(CodePageFailure::kNoRoom);
         std::fill_n(to, units, '?');

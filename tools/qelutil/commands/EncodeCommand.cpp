@@ -116,6 +116,16 @@ std::size_t bodyCut(std::string_view text) {
     return cut;
 }
 
+// A piece of a body before its last: a line that is open at its end goes on behind a soft line
+// break, for which a character that follows makes the encoder leave room.
+std::string quotedPiece(const Options& options, std::string piece) {
+    if (piece.back() == '\n') return quoted(options, piece);
+    std::string result = quoted(options, piece += 'x');
+    result.pop_back();
+    if (!result.ends_with("=\r\n")) result += "=\r\n";
+    return result;
+}
+
 void encodeQuoted(Context& context, const Options& options, InputFile& input, std::ostream& out) {
     if (options.value) {
         const std::string text = input.readAll(kLongestText);
@@ -125,14 +135,15 @@ void encodeQuoted(Context& context, const Options& options, InputFile& input, st
     Progress progress(context, input.name(), input.size());
     Pieces pieces(input, kPiece, kPiece);
     std::string piece;
-    bool lineOpen = false;
+    std::string held;  // until it is known whether more follows
     while (pieces.next(piece, bodyCut)) {
-        if (lineOpen) out << "=\r\n";
-        out << quoted(options, piece);
-        lineOpen = piece.back() != '\n';
+        if (!held.empty()) out << quotedPiece(options, held);
+        held.swap(piece);
         progress.update(pieces.bytesTaken());
     }
-    if (lineOpen && options.source.text) out << '\n';
+    if (held.empty()) return;
+    out << quoted(options, held);
+    if (held.back() != '\n' && options.source.text) out << '\n';
 }
 
 // The digest and the cipher are of texts, which end at their first NUL byte.
