@@ -12,6 +12,7 @@ namespace qel::cli {
 
 std::vector<ListedDate> listed(const std::vector<int>& days) {
     std::vector<ListedDate> dates;
+    dates.reserve(days.size());
     for (const int day : days) dates.push_back({day, false});
     return dates;
 }
