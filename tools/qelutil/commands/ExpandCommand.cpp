@@ -86,12 +86,10 @@ std::vector<int> datesOf(Context& context, const convert::Rule& rule, const Opti
     return repeatDates(repeats, kAll, last);
 }
 
-// All rules' dates inside the range, each once, ascending; what was excluded is marked and does
-// not count towards `most`.
-std::vector<ListedDate> select(std::vector<int> dates, const Range& range,
+// The dates inside the range; what was excluded is marked and does not count towards `most` (0 for
+// all). REQUIRES: dates ascend, each once.
+std::vector<ListedDate> select(const std::vector<int>& dates, const Range& range,
                                const std::set<int>& excluded, std::size_t most) {
-    std::sort(dates.begin(), dates.end());
-    dates.erase(std::unique(dates.begin(), dates.end()), dates.end());
     std::vector<ListedDate> chosen;
     std::size_t kept = 0;
     for (const int date : dates) {
@@ -107,7 +105,7 @@ void noteStrayExclusions(Context& context, const std::vector<int>& dates, const 
                          const std::set<int>& excluded) {
     for (const int day : excluded) {
         if (day < range.first || day > range.last) continue;
-        if (std::find(dates.begin(), dates.end(), day) == dates.end()) {
+        if (!std::binary_search(dates.begin(), dates.end(), day)) {
             context.note({}, 0, "--exclude: the rule has no date on " + isoDate(day));
         }
     }
@@ -147,6 +145,8 @@ void run(Context& context, const Options& options) {
         const std::vector<int> more = datesOf(context, rule, options, read.start, range.last);
         dates.insert(dates.end(), more.begin(), more.end());
     }
+    std::sort(dates.begin(), dates.end());
+    dates.erase(std::unique(dates.begin(), dates.end()), dates.end());
     noteStrayExclusions(context, dates, range, excluded);
     writeResult(context, options, range, select(dates, range, excluded, options.count));
 }
