@@ -12,6 +12,9 @@
 
 namespace qel {
 
+inline constexpr int kPositionSlots = 4;  // of _rruleRepeat::setPos
+inline constexpr int kYearDayWords = 6;   // of _rruleRepeat::byYearDay and byYearDayNeg
+
 // The two-letter day codes by weekday, 1 Sunday .. 7 Saturday; entry 0 is no day.
 inline constexpr std::array<const char*, 8> kDayCodes = {"",   "SU", "MO", "TU",
                                                          "WE", "TH", "FR", "SA"};

@@ -83,7 +83,8 @@ void RRule_AppendMonths(const _rruleRepeat& rule, VStr& out, char separator) {
 
 void RRule_AppendSetPositions(const _rruleRepeat& rule, VStr& out) {
     ItemWriter items(out, ',');
-    for (short position : rule.setPos) {
+    for (int slot = 0; slot < kPositionSlots; ++slot) {
+        const short position = rule.setPos[slot];  // by value: a packed field may lie anywhere
         if (position != 0) items.number("%d", position);
     }
 }

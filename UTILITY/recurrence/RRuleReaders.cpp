@@ -11,9 +11,7 @@ namespace qel {
 
 namespace {
 
-constexpr int kPositions = 4;        // slots of setPos
-constexpr int kLongestOrdinal = 3;   // characters of an ordinal that BYDAY skips
-constexpr long long kYearWords = 6;  // words of byYearDay
+constexpr int kLongestOrdinal = 3;  // characters of an ordinal that BYDAY skips
 
 // The fields that are read, in the order of the positional form; it has three more, BYSECOND,
 // BYMINUTE and BYHOUR, between INTERVAL and BYDAY.
@@ -58,7 +56,7 @@ int readByDay(std::string_view list, _rruleRepeat& rule) {
     readList(list, rule, RRULE_TYPE_BYDAY, [&](std::string_view item) {
         if (const int ordinal = RRule_Number(item); ordinal != 0) {
             rule.type |= RRULE_TYPE_BYSETPOS;
-            if (positions < kPositions) rule.setPos[positions++] = static_cast<short>(ordinal);
+            if (positions < kPositionSlots) rule.setPos[positions++] = static_cast<short>(ordinal);
         }
         for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i) {
             item.remove_prefix(1);
@@ -82,7 +80,7 @@ void readByYearDay(std::string_view list, _rruleRepeat& rule) {
     readList(list, rule, RRULE_TYPE_BYYEARDAY, [&](std::string_view item) {
         const long long n = RRule_Number(item);
         const long long magnitude = n < 0 ? -n : n;
-        if (n == 0 || magnitude / 64 >= kYearWords) return;
+        if (n == 0 || magnitude / 64 >= kYearDayWords) return;
         const unsigned long long bit = 1ULL << (magnitude % 64);
         if (n > 0) {
             rule.byYearDay[magnitude / 64] |= bit;
@@ -113,7 +111,7 @@ void readByMonth(std::string_view list, _rruleRepeat& rule) {
 void readBySetPos(std::string_view list, _rruleRepeat& rule, int slotsTaken) {
     int index = 0;
     readList(list, rule, RRULE_TYPE_BYSETPOS, [&](std::string_view item) {
-        if (index >= kPositions) return;
+        if (index >= kPositionSlots) return;
         if (index >= slotsTaken) rule.setPos[index] = static_cast<short>(RRule_Number(item));
         ++index;
     });

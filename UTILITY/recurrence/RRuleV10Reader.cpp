@@ -9,7 +9,6 @@ namespace qel {
 namespace {
 
 constexpr std::size_t kDateLength = 8;  // "YYYYMMDD"
-constexpr int kYearWords = 6;           // words of byYearDay
 
 // Reads "W2", "MP1", ...; false when the first letter is no frequency's. In "M" or "Y" alone there
 // is no second letter and no interval.
@@ -85,7 +84,7 @@ void readYearDay(std::string_view token, _rruleRepeat& rule) {
     const int n = RRule_Number(token);
     const unsigned long long bit = 1ULL << (static_cast<unsigned>(n) % 64);
     if (n >= 1) {
-        if (n / 64 < kYearWords) rule.byYearDay[n / 64] |= bit;
+        if (n / 64 < kYearDayWords) rule.byYearDay[n / 64] |= bit;
     } else if (n == 0) {
         rule.byYearDayNeg[0] |= bit;
     } else if (n >= -64) {

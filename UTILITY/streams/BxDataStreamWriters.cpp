@@ -146,8 +146,8 @@ CBxDataStream& CBxDataStream::operator<<(const CBxDataStream& nested) {
     if (count > INT_MAX) qel::failWithSize(__LINE__, count, QEL_OUT_OF_MEMORY);
     std::string copy;
     char* bytes = reinterpret_cast<char*>(nested.m_storage);
-    // Writing the count changes the content where the two share it.
-    if (nested.m_storage == m_storage && count > 0) {
+    // Writing the count changes or moves the content where the two share it.
+    if (qel::pointsInto(bytes, m_storage, m_capacity) && count > 0) {
         try {
             copy.assign(bytes, count);
         } catch (const std::bad_alloc&) {

@@ -281,30 +281,39 @@ VStr& VStr::Catstr(const VStr& b) {
 }
 
 VStr& VStr::Catstr(const char* s) {
-    const std::size_t tailLength = s == nullptr ? 0 : std::strlen(s);
-    const std::size_t total = static_cast<std::size_t>(m_length) + tailLength;
+    const std::size_t count = s == nullptr ? 0 : std::strlen(s);
+    if (count > static_cast<std::size_t>(kMaxLength)) {
+        Empty();
+        return *this;
+    }
+    return Append(s, static_cast<int>(count));
+}
+
+VStr& VStr::Append(const char* s, int count) {
+    const std::int64_t total = std::int64_t{m_length} + count;
     const int headLength = textLength(*this, static_cast<std::size_t>(m_length));
-    // A text inside this string moves along when the block does.
+    // A text inside this string is copied first: growing may move the block, and make one that
+    // GetBuffer had enlarged smaller.
     const std::less<const char*> before;
-    const bool own = tailLength > 0 && m_buffer != nullptr && !before(s, m_buffer) &&
+    const bool own = count > 0 && m_buffer != nullptr && !before(s, m_buffer) &&
                      before(s, m_buffer + stringBlockSize(m_buffer));
-    const std::ptrdiff_t offset = own ? s - m_buffer : 0;
-    if (total == 0 || total > static_cast<std::size_t>(kMaxLength) ||
+    const VStr copy(own ? s : nullptr, count);
+    const bool lost = own && copy.m_buffer == nullptr;
+    if (lost || total == 0 || total > kMaxLength ||
         ModGrow(static_cast<int>(total) + 1) == nullptr) {
         Empty();
         return *this;
     }
-    if (tailLength > 0) {
-        std::memmove(m_buffer + headLength, own ? m_buffer + offset : s, tailLength);
-    }
-    m_buffer[static_cast<std::size_t>(headLength) + tailLength] = '\0';
+    char* end = m_buffer + headLength;
+    if (count > 0) std::memcpy(end, own ? copy.m_buffer : s, static_cast<std::size_t>(count));
+    end[count] = '\0';
     m_length = static_cast<int>(total);
     m_buffer[m_length] = '\0';
     return *this;
 }
 
 const VStr& VStr::operator+=(const VStr& o) {
-    return Catstr(static_cast<const char*>(o));
+    return Append(o, textLength(o, stringBlockSize(o.m_buffer)));
 }
 
 const VStr& VStr::operator+=(const char* s) {

@@ -105,6 +105,7 @@ int VStrArray::Append(const VStrArray& o) {
     const int count = o.m_size;
     if (count == 0 || count > INT_MAX - first) return -1;
     SetSize(first + count);
+    if (m_data == nullptr) return first;
     // Where `o` is this array, its elements are still the first ones after the change of size.
     for (int k = 0; k < count; ++k) {
         const VStr* source = o.m_data == nullptr ? nullptr : o.m_data + k;
@@ -127,19 +128,16 @@ void VStrArray::InsertAt(int i, const char* s, int count) {
     if (i < 0 || count < 0 || std::int64_t{std::max(i, m_size)} + count > INT_MAX) return;
     VStr value;
     value.Copy(s);
-    if (i >= m_size) {
-        SetSize(i + count);
-    } else {
-        const int old = m_size;
-        SetSize(old + count);
-        for (int k = old - 1; k >= i && count > 0; --k) ElementAt(k + count) <<= ElementAt(k);
-    }
-    for (int k = 0; k < count; ++k) ElementAt(i + k) = value;
+    const int old = m_size;
+    SetSize(std::max(i, old) + count);
+    if (m_data == nullptr) return;
+    for (int k = old - 1; k >= i; --k) m_data[k + count] <<= m_data[k];
+    for (int k = 0; k < count; ++k) m_data[i + k] = value;
 }
 
 void VStrArray::RemoveAt(int i, int count) {
     if (i < 0 || count < 0 || i > m_size - 1 || count > m_size - i) return;
-    for (int k = i + count; k < m_size && count > 0; ++k) ElementAt(k - count) <<= ElementAt(k);
+    for (int k = i + count; m_data != nullptr && k < m_size; ++k) m_data[k - count] <<= m_data[k];
     SetSize(m_size - count);
 }
 

@@ -3,10 +3,10 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
 #include "QelUtility/VStr.h"
+#include "platform/Platform.h"
 #include "strings/VStrInternal.h"
 
 namespace {
@@ -230,7 +230,7 @@ void VStr::Format(const char* fmt, ...) {
     char text[kFormatSize] = "";
     va_list arguments;
     va_start(arguments, fmt);
-    std::vsnprintf(text, sizeof text, fmt, arguments);
+    qel::platform::formatTextV(text, sizeof text, fmt, arguments);
     va_end(arguments);
     Copy(text);
 }

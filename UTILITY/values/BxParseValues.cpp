@@ -4,6 +4,8 @@
 #include <climits>
 #include <cstddef>
 #include <cstring>
+#include <exception>
+#include <new>
 #include <string>
 
 namespace {
@@ -83,7 +85,7 @@ bool CBxSymbolParser::ReadSymbol(int& result) {
     return kept;
 }
 
-int CBxSymbolParser::ProcessEscapes(VStr& item) {
+int CBxSymbolParser::ProcessEscapes(VStr& item) try {
     // Collected apart: appending to the item piece by piece would measure it each time.
     std::string tail;
     int result = QEL_OK;
@@ -109,9 +111,13 @@ int CBxSymbolParser::ProcessEscapes(VStr& item) {
     }
     if (!tail.empty()) item += tail.c_str();
     return result;
+} catch (const std::exception&) {
+    item.Empty();
+    m_cursor += std::strlen(m_cursor);
+    return QEL_END_OF_INPUT;
 }
 
-const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool escape) {
+const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool escape) try {
     if (sep == nullptr) sep = "";
     std::string joined;
     const int size = m_symbols.GetSize();
@@ -122,6 +128,9 @@ const char* CBxSymbolParser::ArrayToString(VStr& out, const char* sep, bool esca
     }
     out.Empty();
     if (!joined.empty()) out = joined.c_str();
+    return out;
+} catch (const std::exception&) {
+    out.Empty();
     return out;
 }
 
@@ -189,8 +198,12 @@ void CBxParsePairValues::AddPair(const VStr& item) {
     const int equals = item.Find('=');
     if (equals < 0) return;
     const char* text = item;
-    // The first value given for a name is the one that holds.
-    m_pairs.emplace(VStr(text, equals), VStr(text + equals + 1));
+    try {
+        // The first value given for a name is the one that holds.
+        m_pairs.emplace(VStr(text, equals), VStr(text + equals + 1));
+    } catch (const std::bad_alloc&) {
+        // The item stands; there was no memory for its pair.
+    }
 }
 
 VStr CBxParsePairValues::GetValueOf(const char* name) {

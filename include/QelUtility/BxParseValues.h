@@ -5,7 +5,8 @@
 //
 // Escapes of vCard and vCalendar values ("\,", "\;", "\\") are resolved when the backslash is one
 // of the separators; else it is an ordinary character. No text is malformed: every text yields
-// items.
+// items. When memory is exhausted the item or text at hand is a null string, and a parse may end
+// there; nothing is thrown.
 #ifndef QELUTILITY_BXPARSEVALUES_H
 #define QELUTILITY_BXPARSEVALUES_H
 

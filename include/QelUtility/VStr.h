@@ -168,12 +168,14 @@ class QELUTILITY_API VStr {
 
     // --- Formatting ------------------------------------------------------------------------------
 
-    // The text of printf, cut at 4095 characters. Arguments may be this string's own text. An empty
-    // result gives an allocated empty string, a null `fmt` a null string.
+    // The text of printf, cut at 4095 characters; %I64d and its like work on every platform.
+    // Arguments may be this string's own text. An empty result, and a format that the C library
+    // refuses, give an allocated empty string, a null `fmt` a null string.
     void Format(const char* fmt, ...);
 
   private:
     void Adopt(char* block, int length, unsigned int capacity);
+    VStr& Append(const char* s, int count);
 
     char* m_buffer;
     int m_length;

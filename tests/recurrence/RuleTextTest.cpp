@@ -239,4 +239,21 @@ TEST(RuleText, WritersTakeAnyRecord) {
     EXPECT_EQ(BxUtil_PositionalV20toRRULE("FREQ=DAILY", nullptr, nullptr), -1);
 }
 
+// A packed record may lie at any address.
+TEST(RuleText, TakesARecordAtAnOddAddress) {
+    alignas(8) char storage[sizeof(_rruleRepeat) + 1];
+    auto* rule = reinterpret_cast<_rruleRepeat*>(storage + 1);
+    VStr out;
+    ASSERT_EQ(BxUtil_PositionaltoRRULE("YEARLY;20051231T120000;;2;;;;MO;1,-1;1,-1;1,-1;6;2,-1;MO;",
+                                       rule, nullptr),
+              0);
+    EXPECT_STREQ(BxUtil_RRULEtoIETF(rule, out, true),
+                 "FREQ=YEARLY;UNTIL=20051231T120000Z;INTERVAL=2;BYDAY=MO;BYMONTHDAY=1,-1;"
+                 "BYYEARDAY=1,-1;BYWEEKNO=1,-1;BYMONTH=6;BYSETPOS=2,-1");
+    EXPECT_STREQ(qel::RRule_ToPositional(*rule, out, true),
+                 "YEARLY;20051231T120000Z;;2;;;;MO;1,-1;1,-1;1,-1;6;2,-1;MO;");
+    ASSERT_EQ(BxUtil_PositionalV10toRRULE("YD1 1 -1 #3", rule, nullptr), 0);
+    EXPECT_STREQ(BxUtil_RRULEtoV10IETF(rule, out, true), "YD1 BYYEARDAY=1 #3");
+}
+
 }  // namespace

@@ -197,6 +197,15 @@ TEST(DataStream, NestedStreams) {
     EXPECT_EQ(contentOf(inner), "1|two");
     inner >> one;
     EXPECT_EQ(one, 1);
+    // A part of the stream's own storage, which moves when the count is written.
+    CBxDataStream full;
+    full << VStr('a', 100) << VStr('b', 152);
+    EXPECT_EQ(full.Capacity(), 256U);
+    CBxDataStream part;
+    part.SetExtBuf(const_cast<unsigned char*>(full.Storage()), 100, 100);
+    full << part;
+    EXPECT_EQ(full.Capacity(), 1024U);
+    EXPECT_EQ(contentOf(full).substr(253), "|63|" + std::string(99, 'a'));
     // Past a nested stream that is the last value there is nothing.
     outer.Reset();
     outer << readInner;

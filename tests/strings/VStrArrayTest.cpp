@@ -137,6 +137,23 @@ TEST(VStrArray, AccessOutsideReadsNullAndWritesNowhere) {
     EXPECT_EQ(texts(a), (Texts{"a"}));
 }
 
+TEST(VStrArray, WithoutABlockItKeepsItsSizeAndLosesNoTime) {
+    // So many elements have no room where pointers have 32 bits.
+    if constexpr (sizeof(void*) > 4) GTEST_SKIP();
+    VStrArray huge;
+    huge.SetSize(INT_MAX);
+    huge.Add("lost");
+    VStrArray other = arrayOf({"a", "b"});
+    EXPECT_EQ(other.Append(huge), -1);
+    other.RemoveAll();
+    EXPECT_EQ(other.Append(huge), 0);
+    EXPECT_EQ(other.GetSize(), INT_MAX);
+    EXPECT_STREQ(other[5], "");
+    other.RemoveAt(0, 1);
+    other.InsertAt(0, "s", 1);
+    EXPECT_EQ(other.GetSize(), INT_MAX);
+}
+
 TEST(VStrArray, DerivedClassesReachTheNullString) {
     struct Derived : VStrArray {
         bool works() {

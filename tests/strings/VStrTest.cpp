@@ -74,12 +74,18 @@ TEST(VStr, CopiesKeepTheLengthAndAssignmentsMeasureTheText) {
     const VStr closed(open);
     EXPECT_EQ(closed.GetLength(), 3);
     EXPECT_STREQ(closed, "abc");
-    // With the block full to its last byte there is no terminator anywhere.
-    VStr full('f', 63);
+    // With the block full to its last byte there need be no terminator anywhere.
+    char* block = VStr::ModAlloc(0);
+    std::memset(block, 'f', 63);
+    VStr full;
+    full <<= block;
     full[63] = 'f';
     EXPECT_STREQ(VStr(full), std::string(63, 'f').c_str());
     measured = full;
-    EXPECT_EQ(measured.GetLength(), 64);
+    EXPECT_GE(measured.GetLength(), 64);
+    VStr appended("+");
+    appended += full;
+    EXPECT_EQ(appended.GetLength(), measured.GetLength() + 1);
 }
 
 TEST(VStr, CopiesOfItsOwnText) {
@@ -101,6 +107,13 @@ TEST(VStr, CopiesOfItsOwnText) {
     EXPECT_STREQ(s, "de-dede-dede");
     s.Catstr(s);
     EXPECT_EQ(s.GetLength(), 24);
+
+    // Appending makes a block smaller that GetBuffer had enlarged, the appended text's place too.
+    VStr shrunk("abc");
+    const std::string tail(80, 't');
+    std::strcpy(shrunk.GetBuffer(4000) + 3900, tail.c_str());
+    shrunk += static_cast<const char*>(shrunk) + 3900;
+    EXPECT_EQ(std::string(shrunk), "abc" + tail);
 
     // Doubling moves the block.
     VStr grown('x', 60);
@@ -399,6 +412,8 @@ TEST(VStr, FormattingStopsAtItsBuffer) {
     EXPECT_EQ(std::string(s), most);
     s.Format("%04d-%02x %c", 2005, 0xABU, 'z');
     EXPECT_STREQ(s, "2005-ab z");
+    s.Format("%I64d %I32d", LLONG_MIN, 7);
+    EXPECT_STREQ(s, "-9223372036854775808 7");
     s.Format("%s", "");
     EXPECT_FALSE(isNull(s));
     s.Format(nullptr);

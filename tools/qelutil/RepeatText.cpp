@@ -176,7 +176,9 @@ std::string ruleBack(const ZQTR_REPEAT& record) {
 std::vector<int> repeatDates(const ZQTR_REPEAT& record, std::size_t most, int lastDay) {
     ZQTR_REPEAT copy = record;
     std::vector<int> dates;
-    const int end = record.endDate == -1 ? lastDay : std::min(record.endDate, lastDay);
+    // Copied, not referred to: the packed record's fields are not aligned.
+    const int recordEnd = record.endDate;
+    const int end = recordEnd == -1 ? lastDay : std::min(recordEnd, lastDay);
     int next = -1;
     int previous = -1;
     while (dates.size() < most && ZQRepeatNextDate(&copy, &next, &previous) == 0) {

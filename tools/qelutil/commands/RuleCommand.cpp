@@ -160,7 +160,7 @@ Json repeatJson(const Repeat& repeat) {
               {"days", Json::array()},
               {"warningBits", repeat.warningBits},
               {"asRule", ruleBack(record)}};
-    for (const int flag : record.days) json["days"].push_back(flag);
+    for (std::size_t day = 0; day < 7; ++day) json["days"].push_back(int{record.days[day]});
     return json;
 }
 
