@@ -51,7 +51,9 @@ unsigned char* decodedBytes(const unsigned char* text, int length, long& size, i
 // The number at the position in 64 bits, -1 for "-", and the position past it and its separator.
 unsigned long long CBxDataStream::ReadNumber() {
     const unsigned char* end = ContentEnd();
-    if (m_position < end && *m_position == '-' && ValueLength(__LINE__) == 1) {
+    if (m_position < end && *m_position == '-' &&
+        (m_position + 1 == end || qel::endsValue(m_position[1]))) {
+        ValueLength(__LINE__);  // throws where the content ends with the "-"
         // Past what follows too, be it the terminator: what comes after "-" at the end is the end.
         m_position += 2;
         return ~0ULL;

@@ -39,6 +39,8 @@ TEST(HostileStream, WithoutATerminatorNothingIsReadPastTheEnd) {
     EXPECT_TRUE(trace.hasError("12.2.2023", "BxDataStream"));
     initializeRaw(stream, "-");
     EXPECT_EQ(readCode<int>(stream), 2023);
+    initializeRaw(stream, "-1");
+    EXPECT_EQ(readCode<int>(stream), 2015);
     initializeRaw(stream, "4|\3761");
     unsigned char* block = nullptr;
     long size = 0;
