@@ -7,6 +7,8 @@
 
 #include "Text.h"
 #include "convert/EntryWriter.h"
+#include "convert/RuleText.h"
+#include "convert/Vocabulary.h"
 
 namespace qel::test {
 
@@ -80,6 +82,113 @@ std::vector<Entry> entriesOf(const std::string& text) {
     converter.collectZones(sourceOf(text));
     converter.convert(sourceOf(text), "test");
     return entries;
+}
+
+namespace {
+
+std::string momentText(const Entry& entry, const std::optional<Moment>& moment) {
+    if (!moment) return "none";
+    return formatMoment(entry.toUtc(*moment).value_or(*moment));
+}
+
+// The dates of a rule rather than its words.
+std::string ruleText(const Entry& entry, const Rule& rule, bool exclude) {
+    std::string text = exclude ? "never" : "on";
+    RuleLimits limits;
+    limits.most = 50;
+    text += rule.endless() ? " endless" : " ends";
+    if (entry.start)
+        for (const int day : expandRule(rule, entry.ruleStart(), limits))
+            text += " " + std::to_string(day);
+    return text;
+}
+
+std::string alarmText(const Entry& entry, const Alarm& alarm) {
+    std::optional<Moment> at = alarm.at;
+    if (!at && entry.start) {
+        Moment moment = entry.toUtc(*entry.start).value_or(*entry.start);
+        at = momentAt(moment, moment.seconds() + alarm.offset);
+        at->isDate = false;
+    }
+    std::string parameters;
+    for (const Parameter& each : alarm.parameters) parameters += " " + each.name + "=" + each.value;
+    return std::string(alarmName(alarm.action)) + " " + momentText(entry, at) + " " +
+           (alarm.fromVCalendar ? alarm.fields : writeAlarmFields(alarm)) + parameters;
+}
+
+// Everything of an entry that must come back.
+std::multiset<std::string> factsOf(const Entry& entry, bool withUid) {
+    std::multiset<std::string> facts;
+    if (withUid) facts.insert("UID " + entry.uid);
+    facts.insert("component " + entry.component);
+    const std::pair<const char*, const std::optional<Moment>*> dates[] = {
+        {"start", &entry.start},
+        {"end", &entry.end},
+        {"due", &entry.due},
+        {"completed", &entry.completed},
+        {"created", &entry.created},
+        {"modified", &entry.modified},
+        {"instance", &entry.recurrenceId}};
+    for (const auto& [name, moment] : dates)
+        facts.insert(std::string(name) + " " + momentText(entry, *moment));
+    for (const EntryRule& rules : entry.rules)
+        for (const Rule& rule : rules.rules) facts.insert(ruleText(entry, rule, rules.exclude));
+    for (const auto& [name, list] : {std::pair{"date ", &entry.dates}, {"not ", &entry.excluded}}) {
+        std::set<std::string> once;
+        for (const Moment& each : *list)
+            once.insert(name + momentText(entry, entry.inClockOf(*entry.start, each)));
+        facts.insert(once.begin(), once.end());
+    }
+    for (const Alarm& alarm : entry.alarms) facts.insert(alarmText(entry, alarm));
+    for (const EntryProperty& property : entry.properties) {
+        if (property.value().find_first_not_of(' ') == std::string::npos) continue;
+        std::string text = property.name;
+        // iCalendar has no names with "_".
+        std::replace(text.begin(), text.end(), '_', '-');
+        // A series that is due and has no start begins when it is due.
+        if (text == "X-VCAL-DUE") {
+            facts.erase("due none");
+            facts.insert("due " + property.value());
+            continue;
+        }
+        for (const std::string& value : property.values) text += " [" + value + "]";
+        facts.insert(text);
+    }
+    return facts;
+}
+
+std::string difference(const std::multiset<std::string>& one,
+                       const std::multiset<std::string>& other) {
+    std::vector<std::string> lost;
+    std::vector<std::string> gained;
+    std::set_difference(one.begin(), one.end(), other.begin(), other.end(),
+                        std::back_inserter(lost));
+    std::set_difference(other.begin(), other.end(), one.begin(), one.end(),
+                        std::back_inserter(gained));
+    std::string text;
+    for (const std::string& each : lost) text += "\n  lost   " + each;
+    for (const std::string& each : gained) text += "\n  gained " + each;
+    return text;
+}
+
+}  // namespace
+
+std::string entryDifferences(const std::string& before, const std::string& after) {
+    const std::vector<Entry> first = entriesOf(before);
+    const std::vector<Entry> second = entriesOf(after);
+    if (first.size() != second.size())
+        return std::to_string(first.size()) + " entries became " + std::to_string(second.size());
+    std::string text;
+    for (std::size_t each = 0; each < first.size(); ++each) {
+        // An event that has an end alone starts there in iCalendar, and so it comes back.
+        if (!first[each].start && first[each].end) continue;
+        const bool withUid = !first[each].uid.empty();
+        const std::string change =
+            difference(factsOf(first[each], withUid), factsOf(second[each], withUid));
+        if (!change.empty())
+            text += "entry at line " + std::to_string(first[each].line) + ":" + change + "\n";
+    }
+    return text;
 }
 
 std::vector<std::string> unfolded(const std::string& text) {

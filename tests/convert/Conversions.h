@@ -34,6 +34,10 @@ struct Conversion {
 // The entries of a file, as the converter understands them.
 [[nodiscard]] std::vector<convert::Entry> entriesOf(const std::string& text);
 
+// What of the entries of one file is different in the other: components, names, dates, the dates of
+// rules, texts, alarms. "" when all came back as it went.
+[[nodiscard]] std::string entryDifferences(const std::string& before, const std::string& after);
+
 // The lines of an iCalendar text with its folds undone.
 [[nodiscard]] std::vector<std::string> unfolded(const std::string& text);
 

@@ -78,6 +78,7 @@ void CalendarReader::outside() {
 CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
     outside();
     pending_ = keepLine;
+    implicit_ = keepLine;
     inCalendar_ = true;
     anyCalendar_ = true;
     version_.clear();
@@ -111,7 +112,7 @@ CalendarReader::Item CalendarReader::next() {
             return item;
         }
         if (!readLine()) {
-            report(Severity::Error, 0, "the file ends within a calendar");
+            if (!implicit_) report(Severity::Error, 0, "the file ends within a calendar");
             inCalendar_ = false;
             ended_ = true;
             return Item::CalendarEnd;
@@ -127,8 +128,9 @@ CalendarReader::Item CalendarReader::next() {
         }
         if (line_.name == "BEGIN") {
             if (componentName(line_) == "VCALENDAR") {
-                report(Severity::Error, line_.number,
-                       "a calendar begins before the last one has ended");
+                if (!implicit_)
+                    report(Severity::Error, line_.number,
+                           "a calendar begins before the last one has ended");
                 pending_ = true;
                 inCalendar_ = false;
                 return Item::CalendarEnd;

@@ -67,7 +67,8 @@ class CalendarReader {
     Component component_;
     std::string version_;
     bool inCalendar_ = false;
-    bool pending_ = false;  // line_ is still to be looked at
+    bool implicit_ = false;  // entries without a calendar around them
+    bool pending_ = false;   // line_ is still to be looked at
     bool ended_ = false;
     bool anyCalendar_ = false;
     std::size_t entrySize_ = 0;

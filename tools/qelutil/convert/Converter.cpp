@@ -12,8 +12,9 @@ namespace qel::convert {
 
 namespace {
 
-// More zones than any calendar has; beyond it their times stay local, and that is told.
-constexpr std::size_t kMostZones = 2000;
+// Memory for zones, far more than all zones of the world take; beyond it a zone counts as not
+// described.
+constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
 // Properties of a calendar itself that are kept.
 constexpr std::size_t kMostHeader = 200;
 
@@ -23,12 +24,23 @@ class ZoneStore {
   public:
     void add(const ZonePtr& zone) {
         if (zone == nullptr) return;
-        if (zones.size() >= kMostZones && zones.find(zone->id()) == zones.end()) return;
+        const std::size_t cost = zone->cost();
+        if (bytes_ + cost > kMostZoneBytes) return;
         // The same name may be described twice; the later one counts from there on.
-        zones[zone->id()] = zone;
+        ZonePtr& place = zones[zone->id()];
+        bytes_ += cost - (place == nullptr ? 0 : place->cost());
+        place = zone;
+    }
+
+    void clear() {
+        zones.clear();
+        bytes_ = 0;
     }
 
     ZoneMap zones;
+
+  private:
+    std::size_t bytes_ = 0;
 };
 
 // One file on its way through.
@@ -137,10 +149,7 @@ class Converter::File {
         for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
     }
 
-    [[nodiscard]] bool isVCalendar() const {
-        const std::string& version = reader_.version();
-        return version.empty() || version.front() == '1';
-    }
+    [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }
 
     // The calendar's properties are known when its first entry comes.
     void settle() {
@@ -241,7 +250,7 @@ void Converter::convert(ByteSource source, const std::string& file,
                         const std::function<void(std::uint64_t)>& progress) {
     file_ = file;
     File(*this, std::move(source)).run(progress);
-    zones_->zones.clear();
+    zones_->clear();
 }
 
 void Converter::collectZones(ByteSource source) {

@@ -4,10 +4,25 @@
 #include <utility>
 
 #include "convert/Ascii.h"
+#include "convert/RuleParts.h"
 #include "convert/TextCodec.h"
 #include "convert/Vocabulary.h"
 
 namespace qel::convert {
+
+namespace {
+
+// Rule lines that one entry may have; each one is worked out.
+constexpr std::size_t kMostRuleLines = 100;
+
+}  // namespace
+
+bool isEncodingWord(std::string_view value) {
+    static constexpr std::string_view kWords[] = {
+        "QUOTED-PRINTABLE", "BASE64", "B", "8BIT", "8-BIT", "7BIT"};
+    return std::any_of(std::begin(kWords), std::end(kWords),
+                       [&](std::string_view word) { return equalsIgnoreCase(word, value); });
+}
 
 std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr& zone) {
     entry_ = {};
@@ -64,6 +79,11 @@ void EntryReader::takeLine(const ContentLine& line) {
         const std::string uid = text(line);
         entry_.uid = std::string(trimmed(
             ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid) : unescapeVCalendar(uid)));
+        return;
+    }
+    if (line.name == "AALARM" || line.name == "DALARM" || line.name == "MALARM" ||
+        line.name == "PALARM") {
+        takeAlarmLine(line);
         return;
     }
     takeProperty(line);
@@ -178,7 +198,13 @@ bool EntryReader::takeRecurrence(const ContentLine& line) {
 
 void EntryReader::readRuleLines() {
     const std::optional<RuleStart> start = entry_.ruleStart();
+    std::size_t count = 0;
     for (const ContentLine& line : ruleLines_) {
+        if (++count > kMostRuleLines) {
+            carry(line, count == kMostRuleLines + 1 ? "is one rule too many for an entry" : "",
+                  Severity::Error);
+            continue;
+        }
         RuleReading reading = readRules(line.value, ruleForm(), start);
         for (const RuleNote& note : reading.notes)
             tell(note.severity, line.number,
@@ -195,18 +221,22 @@ void EntryReader::readRuleLines() {
 void EntryReader::takeDateList(const ContentLine& line) {
     const bool excluded = line.name == "EXDATE";
     bool period = false;
+    Strays strays;
     for (const std::string& item : listItems(line.value)) {
         if (trimmed(item).empty()) continue;
         std::string_view rest = item;
         const auto read = moment(line, nextField(rest, '/'));
         if (!read) {
-            tell(Severity::Error, line.number,
-                 line.name + " holds " + quoted(item) + ", which is no date; it is left out");
+            strays.add(item);
             continue;
         }
         period = period || !rest.empty();
         (excluded ? entry_.excluded : entry_.dates).push_back(*read);
     }
+    std::vector<RuleNote> notes;
+    strays.report(notes, Severity::Error,
+                  line.name + " holds what is no date, and it is left out:");
+    for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
     if (period)
         tell(Severity::Warning, line.number,
              line.name + " holds periods; their lengths are left out");
@@ -330,14 +360,59 @@ void EntryReader::settleAlarm(Alarm& alarm) {
         restored.fromEnd = alarm.fromEnd;
         restored.line = alarm.line;
         restored.fields = own->value();
-        for (const Parameter& each : own->parameters)
-            restored.parameters.push_back(
-                {each.name.starts_with(kVCalendarPrefix) ? each.name.substr(7) : each.name,
-                 each.value});
+        for (const Parameter& each : own->parameters) {
+            const bool carried = each.name.starts_with(kVCalendarPrefix);
+            std::string bare = carried ? each.name.substr(kVCalendarPrefix.size()) : each.name;
+            if (bare == "PARAMETER") bare.clear();
+            restored.parameters.push_back({bare, each.value});
+        }
         readAlarmFields(restored);
         alarm = std::move(restored);
         return;
     }
+}
+
+void EntryReader::takeAlarmLine(const ContentLine& line) {
+    Alarm alarm;
+    alarm.line = line.number;
+    alarm.action = line.name == "AALARM"   ? Alarm::Action::Audio
+                   : line.name == "DALARM" ? Alarm::Action::Display
+                   : line.name == "MALARM" ? Alarm::Action::Email
+                                           : Alarm::Action::Procedure;
+    const bool binary = isBase64(line);
+    const std::string value = binary ? line.value : text(line);
+    std::string_view rest = value;
+    const std::string_view when = trimmed(nextField(rest, ';'));
+    const auto at = moment(line, when);
+    if (!at) {
+        if (!when.empty()) {
+            carry(line, "has no time that makes sense", Severity::Error);
+        } else if (!trimmed(rest).empty() &&
+                   rest.find_first_not_of("; ") != std::string_view::npos) {
+            carry(line, "has no time", Severity::Warning);
+        } else {
+            tell(Severity::Note, line.number, line.name + " is empty");
+        }
+        return;
+    }
+    alarm.at = *at;
+    if (at->isDate) {
+        alarm.at->isDate = false;
+        if (entry_.zone != nullptr) alarm.at->clock = Clock::Zoned;
+    }
+    alarm.fields = std::string(rest);
+    for (const Parameter& each : line.parameters)
+        if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
+            !(each.name.empty() && isEncodingWord(each.value) && !binary))
+            alarm.parameters.push_back(each);
+    readAlarmFields(alarm);
+    // That a URI is one need not be said.
+    if (isUri(alarm.text))
+        std::erase_if(alarm.parameters, [](const Parameter& each) {
+            return each.name == "VALUE" &&
+                   (equalsIgnoreCase(each.value, "URL") || equalsIgnoreCase(each.value, "URI"));
+        });
+    entry_.alarms.push_back(std::move(alarm));
 }
 
 }  // namespace qel::convert

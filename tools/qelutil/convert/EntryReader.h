@@ -61,6 +61,7 @@ class EntryReader {
     bool takeRecurrence(const ContentLine& line);
     void takeDateList(const ContentLine& line);
     void takeLine(const ContentLine& line);
+    void takeAlarmLine(const ContentLine& line);
     void takeAlarmComponent(const Component& component);
     static void settleAlarm(Alarm& alarm);
     void readRuleLines();
@@ -83,7 +84,6 @@ class VCalReader final : public EntryReader {
     [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
     void settleTimes() override;
 
-    void takeAlarm(const ContentLine& line);
     void takeAttendee(const ContentLine& line);
     void takeAttachment(const ContentLine& line);
     void takeStatus(const ContentLine& line);
@@ -104,6 +104,9 @@ class ICalReader final : public EntryReader {
     void takeProperty(const ContentLine& line) override;
     [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
 };
+
+// True for the words that name an encoding, where a value stands without its parameter's name.
+[[nodiscard]] bool isEncodingWord(std::string_view value);
 
 // True for the names that an Entry holds as moments, lists of them, or a duration.
 [[nodiscard]] bool isEntryDate(std::string_view name);

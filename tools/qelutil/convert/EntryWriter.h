@@ -44,6 +44,9 @@ class EntryWriter {
 // The value of PRODID.
 inline constexpr std::string_view kProduct = "-//QelUtility//qelutil//EN";
 
+// DTSTAMP of an entry that tells no date at all: 1 January 1970.
+inline constexpr Moment kNoStamp{25567, 0, false, Clock::Utc};
+
 // iCalendar 2.0 (RFC 5545): lines of at most 75 octets, folded between characters.
 class ICalWriter final : public EntryWriter {
   public:

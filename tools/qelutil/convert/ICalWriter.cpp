@@ -55,6 +55,8 @@ class ICalEntry {
         addDates();
         addRecurrence();
         for (const EntryProperty& property : entry_.properties) addProperty(property);
+        const EntryProperty* summary = entry_.find("SUMMARY");
+        if (summary != nullptr && !trimmed(summary->value()).empty()) summary_ = summary->value();
         for (const Alarm& alarm : entry_.alarms) addAlarm(alarm);
         if (writer_.zones_.size() >= kMostZones) writer_.close();
         writer_.open();
@@ -200,7 +202,7 @@ class ICalEntry {
         for (const auto* each :
              {&entry_.stamp, &entry_.modified, &entry_.created, &entry_.start, &entry_.due})
             if (!stamp && *each) stamp = *each;
-        Moment utc = stamp ? entry_.toUtc(*stamp).value_or(*stamp) : Moment{25567};
+        Moment utc = stamp ? entry_.toUtc(*stamp).value_or(*stamp) : kNoStamp;
         utc.isDate = false;
         utc.clock = Clock::Utc;
         lines_.push_back(iCalendarLine("DTSTAMP", {}, formatMoment(utc)));
@@ -276,13 +278,13 @@ class ICalEntry {
                                           {false, Clock::Zoned}};
         for (const Form& form : kForms) {
             std::vector<std::string> items;
+            std::set<std::string> seen;
             for (const Moment& date : dates) {
                 const Moment moment = entry_.inClockOf(*entry_.start, date);
                 if (moment.isDate != form.isDate) continue;
                 if (!form.isDate && moment.clock != form.clock) continue;
                 const std::string item = formatMoment(moment);
-                if (std::find(items.begin(), items.end(), item) == items.end())
-                    items.push_back(item);
+                if (seen.insert(item).second) items.push_back(item);
             }
             if (items.empty()) continue;
             std::vector<Parameter> parameters;
@@ -311,6 +313,8 @@ class ICalEntry {
                 iCalendarLine(property.name.substr(kICalendarPrefix.size()), {}, property.value()));
             return;
         }
+        // Empty texts say nothing, and some readers take them for a fault.
+        if (property.type == EntryProperty::Type::Text && trimmed(property.value()).empty()) return;
         const PropertyKind* kind = propertyKind(property.name);
         bool allowed = true;
         if (kind != nullptr) {
@@ -416,18 +420,14 @@ class ICalEntry {
             (writeAlarmFields(told) != alarm.fields || !alarm.parameters.empty()))
             lines.push_back(
                 iCalendarLine(std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action)),
-                              carriedParameters(alarm.parameters), escapeICalendar(alarm.fields)));
+                              carriedParameters(alarm.parameters),
+                              escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields)));
         lines.emplace_back("END:VALARM");
-    }
-
-    [[nodiscard]] std::string summary() const {
-        const EntryProperty* own = entry_.find("SUMMARY");
-        return own != nullptr && !own->value().empty() ? own->value() : "Reminder";
     }
 
     void addAction(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const {
         const auto description = [&] {
-            const std::string text = alarm.hasText ? alarm.text : summary();
+            const std::string text = alarm.hasText ? alarm.text : summary_;
             lines.push_back(iCalendarLine("DESCRIPTION", {}, escapeICalendar(text)));
             told.text = text;
         };
@@ -444,7 +444,7 @@ class ICalEntry {
                     lines.push_back("ATTENDEE:mailto:" + alarm.address);
                     lines.push_back(iCalendarLine(
                         "SUMMARY", {},
-                        escapeICalendar(alarm.summary.empty() ? summary() : alarm.summary)));
+                        escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary)));
                     told.address = alarm.address;
                     description();
                     break;
@@ -480,6 +480,7 @@ class ICalEntry {
     ICalWriter& writer_;
     Entry entry_;
     bool usesZone_ = false;
+    std::string summary_ = "Reminder";  // what an alarm shows that has no text
     std::vector<std::string> lines_;
     std::vector<std::string> alarmLines_;
     std::set<std::string, std::less<>> writtenOnce_;

@@ -214,11 +214,11 @@ bool LineReader::next(RawLine& line) {
             encoding == LineEncoding::QuotedPrintable ? softBreak(line.text) : std::string::npos;
         const bool folded = !ahead_.empty() && (ahead_.front() == ' ' || ahead_.front() == '\t');
         if (soft != std::string::npos) {
+            line.text.erase(soft);
             if (isComponentMark(ahead_)) {
                 line.openEnd = true;
                 break;
             }
-            line.text.erase(soft);
             append(line, false);
         } else if (encoding == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
             ahead_ = std::string(trimmed(ahead_));
@@ -237,9 +237,11 @@ bool LineReader::next(RawLine& line) {
             if (hasColon) encoding = lineEncoding(line.text);
         }
     }
-    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable &&
-        softBreak(line.text) != std::string::npos)
+    const std::size_t soft = softBreak(line.text);
+    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable && soft != std::string::npos) {
+        line.text.erase(soft);
         line.openEnd = true;
+    }
     return true;
 }
 

@@ -1,14 +1,15 @@
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
-#include <limits>
 
 #include "convert/Days.h"
+#include "convert/Moment.h"
 #include "convert/Rule.h"
 
 namespace qel::convert {
 
 namespace {
+
+constexpr std::int64_t kDaySeconds = 86400;
 
 bool holds(const std::vector<int>& list, int value) {
     return std::find(list.begin(), list.end(), value) != list.end();
@@ -47,18 +48,19 @@ class Expander {
 
   private:
     void readUntil() {
-        if (rule_.until.size() < 8) return;
-        const int year = std::stoi(rule_.until.substr(0, 4));
-        const int month = std::stoi(rule_.until.substr(4, 2));
-        const int day = std::stoi(rule_.until.substr(6, 2));
-        int until = dayNumber(year, month, day);
-        if (rule_.until.size() >= 15 && !start_.isDate) {
-            const int second = std::stoi(rule_.until.substr(9, 2)) * 3600 +
-                               std::stoi(rule_.until.substr(11, 2)) * 60 +
-                               std::stoi(rule_.until.substr(13, 2));
-            if (second < start_.secondOfDay) --until;
+        const auto moment = parseMoment(rule_.until);
+        if (!moment) return;
+        std::int64_t until = moment->seconds();
+        if (moment->isDate || start_.isDate) {
+            until = std::int64_t{moment->day} * kDaySeconds;
+        } else {
+            if (moment->clock == Clock::Utc) until += start_.utcOffset;
+            until -= start_.secondOfDay;
         }
-        last_ = std::min(last_, until);
+        // The last day on which the start's time of day is not past the end.
+        const std::int64_t day =
+            until >= 0 ? until / kDaySeconds : (until - kDaySeconds + 1) / kDaySeconds;
+        last_ = static_cast<int>(std::min<std::int64_t>(last_, day));
     }
 
     void take(int day) {

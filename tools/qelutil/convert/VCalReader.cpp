@@ -1,6 +1,7 @@
 // Entries of vCalendar 1.0.
 #include <algorithm>
 #include <cstdlib>
+#include <set>
 
 #include "convert/Ascii.h"
 #include "convert/EntryReader.h"
@@ -10,13 +11,6 @@
 namespace qel::convert {
 
 namespace {
-
-bool isEncodingWord(std::string_view value) {
-    static constexpr std::string_view kWords[] = {
-        "QUOTED-PRINTABLE", "BASE64", "B", "8BIT", "8-BIT", "7BIT"};
-    return std::any_of(std::begin(kWords), std::end(kWords),
-                       [&](std::string_view word) { return equalsIgnoreCase(word, value); });
-}
 
 bool isICalendarParameter(std::string_view name) {
     static constexpr std::string_view kNames[] = {
@@ -53,9 +47,7 @@ std::vector<std::string> VCalReader::listItems(const std::string& value) const {
 
 void VCalReader::takeProperty(const ContentLine& line) {
     const std::string& name = line.name;
-    if (name == "AALARM" || name == "DALARM" || name == "MALARM" || name == "PALARM") {
-        takeAlarm(line);
-    } else if (name == "ATTENDEE") {
+    if (name == "ATTENDEE") {
         takeAttendee(line);
     } else if (name == "ATTACH") {
         takeAttachment(line);
@@ -215,48 +207,10 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     if (addressToVCalendar(address) != value) parameters.push_back({"X-VCAL-ADDRESS", value});
     // Of a parameter that is given twice the first one counts.
     std::vector<Parameter> once;
+    std::set<std::string> names;
     for (const Parameter& each : parameters)
-        if (std::none_of(once.begin(), once.end(),
-                         [&](const Parameter& other) { return other.name == each.name; }))
-            once.push_back(each);
+        if (names.insert(each.name).second) once.push_back(each);
     add(line, line.name, EntryProperty::Type::Raw, {address.uri}, once);
-}
-
-void VCalReader::takeAlarm(const ContentLine& line) {
-    Alarm alarm;
-    alarm.line = line.number;
-    alarm.action = line.name == "AALARM"   ? Alarm::Action::Audio
-                   : line.name == "DALARM" ? Alarm::Action::Display
-                   : line.name == "MALARM" ? Alarm::Action::Email
-                                           : Alarm::Action::Procedure;
-    const bool binary = isBase64(line);
-    const std::string value = binary ? line.value : text(line);
-    std::string_view rest = value;
-    const std::string_view when = trimmed(nextField(rest, ';'));
-    const auto at = moment(line, when);
-    if (!at) {
-        if (!when.empty()) {
-            carry(line, "has no time that makes sense", Severity::Error);
-        } else if (!trimmed(rest).empty() &&
-                   rest.find_first_not_of("; ") != std::string_view::npos) {
-            carry(line, "has no time", Severity::Warning);
-        } else {
-            tell(Severity::Note, line.number, line.name + " is empty");
-        }
-        return;
-    }
-    alarm.at = *at;
-    if (at->isDate) {
-        alarm.at->isDate = false;
-        if (entry_.zone != nullptr) alarm.at->clock = Clock::Zoned;
-    }
-    alarm.fields = std::string(rest);
-    for (const Parameter& each : line.parameters)
-        if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
-            !(each.name.empty() && isEncodingWord(each.value) && !binary))
-            alarm.parameters.push_back(each);
-    readAlarmFields(alarm);
-    entry_.alarms.push_back(std::move(alarm));
 }
 
 // The start is a date; the end becomes the day after the last.

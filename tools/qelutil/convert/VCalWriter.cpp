@@ -56,7 +56,11 @@ std::string_view parameterOf(const std::vector<Parameter>& parameters, std::stri
 
 class VCalEntry {
   public:
-    VCalEntry(VCalWriter& writer, const Entry& entry) : writer_(writer), entry_(entry) {}
+    VCalEntry(VCalWriter& writer, const Entry& entry)
+        : writer_(writer),
+          entry_(entry),
+          allDay_(entry.saysAllDay()),
+          ownTransparency_(entry.find("X-VCAL-TRANSP") != nullptr) {}
 
     void write() {
         if (entry_.kind == EntryKind::Journal) {
@@ -150,8 +154,7 @@ class VCalEntry {
     // Where a property says that the entry is all-day, its writer expects midnights.
     [[nodiscard]] std::string dateText(const Moment& moment) const {
         std::string text = formatMoment(moment);
-        if (moment.isDate && entry_.start && entry_.start->isDate && entry_.saysAllDay())
-            text += "T000000";
+        if (moment.isDate && entry_.start && entry_.start->isDate && allDay_) text += "T000000";
         return text;
     }
 
@@ -192,7 +195,8 @@ class VCalEntry {
 
     // DTSTAMP, unless iCalendar would get the same one again from the other dates.
     void addStamp() {
-        if (!entry_.stamp) return;
+        const bool fallback = entry_.stamp && entry_.stamp->seconds() == kNoStamp.seconds();
+        if (!entry_.stamp || fallback) return;
         for (const auto* each : {&entry_.modified, &entry_.created, &entry_.start, &entry_.due}) {
             if (!*each) continue;
             Moment derived = entry_.toUtc(**each).value_or(**each);
@@ -285,7 +289,7 @@ class VCalEntry {
         } else if (name == "STATUS") {
             addStatus(property);
         } else if (name == "TRANSP") {
-            if (entry_.find("X-VCAL-TRANSP") != nullptr) return;
+            if (ownTransparency_) return;
             line(name, parametersToVCalendar(property.parameters),
                  equalsIgnoreCase(property.value(), "TRANSPARENT") ? "1" : "0");
         } else if (name == "GEO") {
@@ -440,14 +444,19 @@ class VCalEntry {
         const std::string fields = alarm.fromVCalendar ? alarm.fields : writeAlarmFields(alarm);
         if (!fields.empty()) value += ";" + fields;
         const std::string name(alarmName(alarm.action));
+        std::vector<Parameter> parameters = alarm.parameters;
+        const bool takesUri =
+            alarm.action == Alarm::Action::Audio || alarm.action == Alarm::Action::Procedure;
+        if (takesUri && isUri(alarm.text) && parameterOf(parameters, "VALUE").empty())
+            parameters.push_back({"VALUE", "URL"});
         const bool binary = std::any_of(
             alarm.parameters.begin(), alarm.parameters.end(),
             [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
         if (binary) {
             // The fields before the sound stand on the first line.
-            writer_.put(vCalendarBase64(name, parametersToVCalendar(alarm.parameters), value));
+            writer_.put(vCalendarBase64(name, parameters, value));
         } else {
-            line(name, parametersToVCalendar(alarm.parameters), value);
+            line(name, parameters, value);
         }
     }
 
@@ -472,6 +481,8 @@ class VCalEntry {
 
     VCalWriter& writer_;
     Entry entry_;
+    bool allDay_;
+    bool ownTransparency_;
 };
 
 void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {

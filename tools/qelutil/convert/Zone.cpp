@@ -28,6 +28,13 @@ std::string utcText(std::int64_t utc) {
 
 }  // namespace
 
+std::size_t Zone::cost() const {
+    std::size_t bytes = sizeof(Zone) + changes_.size() * sizeof(Change);
+    for (const std::string& line : vTimezone_) bytes += sizeof(std::string) + line.size();
+    for (const auto& [name, value] : ownLines_) bytes += 2 * sizeof(std::string) + value.size();
+    return bytes;
+}
+
 int Zone::offsetAtUtc(std::int64_t utc) const {
     const auto next = std::upper_bound(
         changes_.begin(), changes_.end(), utc,

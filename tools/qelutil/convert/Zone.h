@@ -56,6 +56,8 @@ class Zone {
     // stand for all years.
     [[nodiscard]] std::vector<std::pair<std::string, std::string>> vCalendarLines(int from,
                                                                                   int to) const;
+    // Bytes that it takes, roughly.
+    [[nodiscard]] std::size_t cost() const;
     // True when vCalendarLines is the same for all years.
     [[nodiscard]] bool sameInAllYears() const { return !ownLines_.empty() || changes_.empty(); }
 

@@ -193,6 +193,7 @@ class VCalendarZone {
     void open() {
         zone_->vTimezone_ = {"BEGIN:VTIMEZONE", "TZID:" + zone_->id_};
         for (const auto& [name, value] : zone_->ownLines_) {
+            if (value.empty()) continue;
             std::vector<RuleNote> ignored;
             ContentLine line;
             line.value = value;

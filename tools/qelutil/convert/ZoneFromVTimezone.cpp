@@ -12,7 +12,8 @@ namespace qel::convert {
 namespace {
 
 constexpr int kLastYear = 2150;
-constexpr std::size_t kMostChanges = 4000;
+constexpr std::size_t kMostChanges = 1500;
+constexpr std::size_t kMostRuleLines = 50;
 
 // The first property of that name, or null.
 const ContentLine* find(const Component& component, std::string_view name) {
@@ -117,6 +118,7 @@ class VTimezoneZone {
 
     void addRule(const ContentLine& line, const Zone::Change& change, const Moment& first,
                  int before) {
+        if (++ruleLines_ > kMostRuleLines) return;
         const Civil civil = civilOf(first.day);
         RuleStart start{civil.year, civil.month, civil.day, first.second, false, before};
         const RuleReading reading = readRules(line.value, RuleForm::ICalendar, start);
@@ -158,6 +160,7 @@ class VTimezoneZone {
     const LineSink& sink_;
     std::shared_ptr<Zone> zone_;
     int observances_ = 0;
+    std::size_t ruleLines_ = 0;
     bool hasBase_ = false;
     std::int64_t baseSince_ = 0;
 };
