@@ -171,9 +171,12 @@ extern const char kPathSeparator;
 [[nodiscard]] std::size_t directoryLength(const char* path) noexcept;
 
 // Streams that are not inherited by child processes; null with errno set when there is none. New
-// files are made for the user alone. Appending: text mode; every write lands at the file's end, and
-// the file can be renamed while it is open. Reading and writing: binary, regular files only.
-[[nodiscard]] std::FILE* openForAppend(const char* path) noexcept;
+// files are made for the user alone. Reading and writing: binary, regular files only. Appending:
+// text mode; every write lands at the file's end. Others may rename and remove the file meanwhile;
+// with kHeld they may not, where the system can forbid it.
+enum class NameWhileOpen { kFree, kHeld };
+[[nodiscard]] std::FILE* openForAppend(const char* path,
+                                       NameWhileOpen name = NameWhileOpen::kFree) noexcept;
 [[nodiscard]] std::FILE* openForRead(const char* path) noexcept;
 [[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
 
@@ -181,7 +184,7 @@ extern const char kPathSeparator;
 // The size in bytes; -1 when the file cannot be examined.
 [[nodiscard]] std::int64_t fileSize(const char* path) noexcept;
 
-// Which file a name or a stream stands for just now; two that are equal are the same file.
+// Which file a name stands for just now; two that are equal are the same file.
 struct FileIdentity {
     std::uint64_t volume = 0;
     std::uint64_t index = 0;
@@ -189,7 +192,8 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 [[nodiscard]] FileIdentity fileIdentity(const char* path) noexcept;
-[[nodiscard]] FileIdentity fileIdentity(std::FILE* stream) noexcept;
+// Whether a stream that was opened with kHeld is still the file of that name.
+[[nodiscard]] bool stillNamed(std::FILE* stream, const char* path) noexcept;
 
 // 0, or -1 with errno set. removeFile removes no directory.
 int removeFile(const char* path) noexcept;

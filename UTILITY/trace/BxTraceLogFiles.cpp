@@ -144,15 +144,12 @@ void closeKept() {
     w.keptStream = nullptr;
 }
 
-// Opens the log that is to be kept open.
-int openKept() {
+// Opens the log that is to be kept open, under the log's lock.
+int openKeptLocked(const char* log, LockResult lock) {
     Writer& w = writer();
-    const char* log = qel::trace::activeLogPath();
-    platform::PathLock lock;
-    const LockResult locked = lock.acquire(log, kWaitMilliseconds);
     if (w.keptSize == -1) w.keptSize = std::max<std::int64_t>(0, platform::fileSize(log));
-    if (w.keptSize >= settings().maxFileSize && limitSize(log, locked)) w.keptSize = 0;
-    w.keptStream = platform::openForAppend(log);
+    if (w.keptSize >= settings().maxFileSize && limitSize(log, lock)) w.keptSize = 0;
+    w.keptStream = platform::openForAppend(log, platform::NameWhileOpen::kHeld);
     if (w.keptStream == nullptr) {
         ++w.failedOpens;
         return -1;
@@ -166,12 +163,20 @@ int openKept() {
     return 0;
 }
 
+int openKept() {
+    Writer& w = writer();
+    const char* log = qel::trace::activeLogPath();
+    const LockResult lock = w.lock.acquire(log, kWaitMilliseconds);
+    const int result = openKeptLocked(log, lock);
+    w.lock.release();
+    return result;
+}
+
 int openOrReuseKept(std::FILE** stream) {
     Writer& w = writer();
     if (w.keptStream != nullptr && w.keptSize != -1 && w.keptSize >= settings().maxFileSize)
         closeKept();
-    if (w.keptStream != nullptr &&
-        platform::fileIdentity(w.keptPath) != platform::fileIdentity(w.keptStream)) {
+    if (w.keptStream != nullptr && !platform::stillNamed(w.keptStream, w.keptPath)) {
         // Someone has renamed or removed the log; what is written to it now would be lost.
         closeKept();
         w.keptSize = -1;
@@ -185,6 +190,8 @@ int openOrReuseKept(std::FILE** stream) {
 
 int OpenLogFile(std::FILE** stream) {
     *stream = nullptr;
+    // Only a host that traces while it is asked for its profile directory can be as early as this.
+    if (qel::trace::activeLogPath()[0] == '\0') return -1;
     return settings().keepLogFileOpen != 0 ? openOrReuseKept(stream) : openEachTime(stream);
 }
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <regex>
+#include <string>
 
 #include "support/TraceCapture.h"
 #include "trace/BxTraceInternal.h"
@@ -29,6 +29,45 @@ TEST(BxTraceErrors, EachFormWritesItsDetailsAndReturnsTheCode) {
                   "Error 123456789abc.1.2.12 at (null) line 9"}));
     EXPECT_TRUE(trace.hasError("5.2001", "RptNext", 12));
     EXPECT_FALSE(trace.hasError("5.2001", "RptNext", 1));
+}
+
+TEST(BxTraceErrors, TextsAreCutAndTheIdIsAppendedOnce) {
+    const std::string huge(5000, 'x');
+    const TraceCapture trace;
+    BxTrace_Error_SSL(huge.c_str(), -2147483647 - 1, huge.c_str(), huge.c_str(), -2147483647L - 1,
+                      -2147483647 - 1);
+    BxTrace_SetErrorID(("id " + huge).c_str());
+    BxTrace_Error("S", 1, 2, 3);
+    BxTrace_Error_S("S", 2, ("id " + huge.substr(0, 61)).c_str(), 3);
+    BxTrace_SetErrorID("");
+    BxTrace_Error("S", 3, 2, 3);
+    BxTrace_SetErrorID("job 7");
+    char id[65];
+    EXPECT_TRUE(BxTrace_GetErrorID(id, sizeof id));
+    EXPECT_STREQ(id, "job 7");
+    BxTrace_SetErrorID(nullptr);
+    EXPECT_FALSE(BxTrace_GetErrorID(id, sizeof id));
+    EXPECT_EQ(trace.errors(),
+              (std::vector<std::string>{
+                  "Error " + huge.substr(0, 350) + "." + huge.substr(0, 350) +
+                      ".-2147483648.-2147483648 at " + huge.substr(0, 256) + " line -2147483648",
+                  "Error 2.3 at S line 1, ID= id " + huge.substr(0, 61),
+                  "Error id " + huge.substr(0, 61) + ".3 at S line 2",
+                  "Error 2.3 at S line 3",
+              }));
+}
+
+TEST(BxTraceErrors, FiveCodesAreNoFailures) {
+    const TraceCapture trace;
+    for (const int code : {0, 2014, 2018, 2037, 2042}) {
+        EXPECT_EQ(BxTrace_IsFailureCode(code), code & ~0xFF);
+        EXPECT_EQ(BxTrace_ErrorIfFailure("S", 1, 2, code), code);
+    }
+    EXPECT_TRUE(trace.lines().empty());
+    EXPECT_EQ(BxTrace_IsFailureCode(2015), 0x701);
+    EXPECT_EQ(BxTrace_IsFailureCode(-1), -255);
+    EXPECT_EQ(BxTrace_ErrorIfFailure("S", 7, 2, 2015), 2015);
+    EXPECT_TRUE(trace.hasError("2.2015", "S", 7));
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ std::size_t directoryLength(const char* path) noexcept {
     return length;
 }
 
-std::FILE* openForAppend(const char* path) noexcept {
+std::FILE* openForAppend(const char* path, NameWhileOpen /*name*/) noexcept {
     return openStream(path, O_WRONLY | O_APPEND | O_CREAT, "a", false);
 }
 
@@ -92,9 +92,9 @@ FileIdentity fileIdentity(const char* path) noexcept {
     return stat(path, &status) == 0 ? identityOf(status) : FileIdentity{};
 }
 
-FileIdentity fileIdentity(std::FILE* stream) noexcept {
+bool stillNamed(std::FILE* stream, const char* path) noexcept {
     struct stat status {};
-    return fstat(fileno(stream), &status) == 0 ? identityOf(status) : FileIdentity{};
+    return fstat(fileno(stream), &status) == 0 && identityOf(status) == fileIdentity(path);
 }
 
 int removeFile(const char* path) noexcept {

@@ -17,13 +17,14 @@ const char kPathSeparator = '\\';
 
 namespace {
 
-// A stream over a handle of our own making: others may read, write, rename and delete the file
-// while it is open, which the C library's own open would not let them, and no child inherits it.
-std::FILE* openStream(const char* path, DWORD access, DWORD creation, int flags,
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// A stream over a handle of our own making: others may rename and delete the file while it is open,
+// which the C library's own open would not let them, and no child inherits it.
+std::FILE* openStream(const char* path, DWORD access, DWORD share, DWORD creation, int flags,
                       const char* mode) noexcept {
     const HANDLE handle =
-        CreateFileA(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    creation, FILE_ATTRIBUTE_NORMAL, nullptr);
+        CreateFileA(path, access, share, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         const DWORD error = GetLastError();
         const bool missing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
@@ -83,18 +84,19 @@ std::size_t directoryLength(const char* path) noexcept {
     return length;
 }
 
-std::FILE* openForAppend(const char* path) noexcept {
+std::FILE* openForAppend(const char* path, NameWhileOpen name) noexcept {
+    const DWORD share = name == NameWhileOpen::kFree ? kShareAll : kShareAll & ~FILE_SHARE_DELETE;
     // With the right to append alone, every write goes to the file's end.
-    return openStream(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, OPEN_ALWAYS,
-                      _O_APPEND | _O_TEXT | _O_WRONLY, "at");
+    return openStream(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, share,
+                      OPEN_ALWAYS, _O_APPEND | _O_TEXT | _O_WRONLY, "at");
 }
 
 std::FILE* openForRead(const char* path) noexcept {
-    return openStream(path, GENERIC_READ, OPEN_EXISTING, _O_RDONLY | _O_BINARY, "rb");
+    return openStream(path, GENERIC_READ, kShareAll, OPEN_EXISTING, _O_RDONLY | _O_BINARY, "rb");
 }
 
 std::FILE* openForWrite(const char* path) noexcept {
-    return openStream(path, GENERIC_WRITE, CREATE_ALWAYS, _O_WRONLY | _O_BINARY, "wb");
+    return openStream(path, GENERIC_WRITE, kShareAll, CREATE_ALWAYS, _O_WRONLY | _O_BINARY, "wb");
 }
 
 bool fileExists(const char* path) noexcept {
@@ -109,17 +111,17 @@ std::int64_t fileSize(const char* path) noexcept {
 }
 
 FileIdentity fileIdentity(const char* path) noexcept {
-    const HANDLE handle =
-        CreateFileA(path, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE handle = CreateFileA(path, 0, kShareAll, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return {};
     const FileIdentity identity = identityOf(handle);
     CloseHandle(handle);
     return identity;
 }
 
-FileIdentity fileIdentity(std::FILE* stream) noexcept {
-    return identityOf(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream))));
+bool stillNamed(std::FILE* /*stream*/, const char* /*path*/) noexcept {
+    return true;  // nobody can have taken the name from a file that is open without sharing
+                  // deletion
 }
 
 int removeFile(const char* path) noexcept {

@@ -1,0 +1,112 @@
+// Profile files: the same answers from the system's own calls and from their stand-in.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "support/TempDir.h"
+
+namespace {
+
+using qel::platform::readProfile;
+using qel::platform::writeProfile;
+using qel::test::readFile;
+using qel::test::TempDir;
+using qel::test::writeFile;
+
+std::string get(const std::string& path, const char* section, const char* key) {
+    char out[64] = "old";
+    readProfile(path.c_str(), section, key, out, sizeof out);
+    return out;
+}
+
+TEST(Profile, ReadsNamesWithoutCaseAndValuesWithoutBlanksAndQuotes) {
+    const TempDir dir;
+    const std::string path = dir.file("r.ini");
+    writeFile(path,
+              "outside=1\r\n"
+              "[Other]\r\nKey=other\r\n"
+              "[ Section ]\r\n"
+              ";Commented=1\r\n"
+              "  Key With Blanks = a value \t\r\n"
+              "DOUBLE=\"  in quotes \"\r\n"
+              "single='x'\r\n"
+              "Odd=\"x'\r\n"
+              "Empty=\r\n"
+              "Equals=a=b;c\r\n"
+              "Twice=first\r\nTwice=second\r\n"
+              "[Last]\r\nNoLineEnd=end");
+    EXPECT_EQ(get(path, "SECTION", "key with BLANKS"), "a value");
+    EXPECT_EQ(get(path, "section", "double"), "  in quotes ");
+    EXPECT_EQ(get(path, "section", "single"), "x");
+    EXPECT_EQ(get(path, "section", "Odd"), "\"x'");
+    EXPECT_EQ(get(path, "section", "Empty"), "");
+    EXPECT_EQ(get(path, "section", "Equals"), "a=b;c");
+    EXPECT_EQ(get(path, "section", "Twice"), "first");
+    EXPECT_EQ(get(path, "section", "Key"), "");
+    EXPECT_EQ(get(path, "section", "outside"), "");
+    EXPECT_EQ(get(path, "missing", "Key"), "");
+    EXPECT_EQ(get(path, "last", "NoLineEnd"), "end");
+    EXPECT_EQ(get(dir.file("missing.ini"), "last", "NoLineEnd"), "");
+    char small[4];
+    readProfile(path.c_str(), "section", "Equals", small, sizeof small);
+    EXPECT_STREQ(small, "a=b");
+}
+
+TEST(Profile, WritesOneValueAndKeepsEveryOtherLine) {
+    const TempDir dir;
+    const std::string path = dir.file("w.ini");
+    EXPECT_TRUE(writeProfile(path.c_str(), "One", "a", "1"));
+    EXPECT_TRUE(writeProfile(path.c_str(), "Two", "b", "2"));
+    EXPECT_TRUE(writeProfile(path.c_str(), "ONE", "c", "3"));
+    EXPECT_TRUE(writeProfile(path.c_str(), "one", "A", "4"));
+    EXPECT_EQ(get(path, "one", "a"), "4");
+    EXPECT_EQ(get(path, "one", "c"), "3");
+    EXPECT_EQ(get(path, "two", "b"), "2");
+
+    writeFile(path, "; a comment\n[One]\n; another\nx=1\n\n[Two]\ny=2");
+    EXPECT_TRUE(writeProfile(path.c_str(), "One", "z", "3"));
+    EXPECT_TRUE(writeProfile(path.c_str(), "Two", "y", "4"));
+    EXPECT_TRUE(writeProfile(path.c_str(), "Three", "w", "5"));
+    const std::string text = readFile(path);
+    EXPECT_NE(text.find("; a comment"), std::string::npos);
+    EXPECT_NE(text.find("; another"), std::string::npos);
+    EXPECT_EQ(get(path, "One", "x"), "1");
+    EXPECT_EQ(get(path, "One", "z"), "3");
+    EXPECT_EQ(get(path, "Two", "y"), "4");
+    EXPECT_EQ(get(path, "Three", "w"), "5");
+    EXPECT_EQ(text.find("y=2"), std::string::npos);
+}
+
+TEST(Profile, LeavesAloneWhatIsNoProfileFile) {
+    const TempDir dir;
+    std::filesystem::create_directory(dir.file("folder"));
+    EXPECT_FALSE(writeProfile(dir.file("folder").c_str(), "s", "k", "v"));
+    EXPECT_FALSE(writeProfile(dir.file("no/such/x.ini").c_str(), "s", "k", "v"));
+    EXPECT_EQ(get(dir.file("folder"), "s", "k"), "");
+    std::size_t entries = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path()))
+        ++entries;
+    EXPECT_EQ(entries, 1U) << "no file is left behind";
+}
+
+// Writers on several threads, each with keys of its own: none loses another's.
+TEST(Profile, WritersAtOnceLoseNothing) {
+    const TempDir dir;
+    const std::string path = dir.file("c.ini");
+    std::vector<std::thread> running;
+    for (int thread = 0; thread < 4; ++thread) {
+        running.emplace_back([&path, thread] {
+            for (int i = 0; i < 10; ++i)
+                EXPECT_TRUE(writeProfile(path.c_str(), "s",
+                                         ("k" + std::to_string(thread * 10 + i)).c_str(), "v"));
+        });
+    }
+    for (std::thread& each : running) each.join();
+    for (int i = 0; i < 40; ++i) EXPECT_EQ(get(path, "s", ("k" + std::to_string(i)).c_str()), "v");
+}
+
+}  // namespace

@@ -1,0 +1,197 @@
+// Several threads and several processes on one log, with rotation: every line that was accepted is
+// there once, whole.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <map>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include "platform/Platform.h"
+#include "support/Process.h"
+#include "support/TraceCapture.h"
+#include "trace/BxTraceInternal.h"
+#include "trace/FreshTrace.h"
+#include "trace/TraceState.h"
+
+namespace {
+
+using qel::test::FreshTrace;
+
+constexpr int kProcesses = 4;
+constexpr int kThreads = 3;
+constexpr int kLines = 500;
+
+// The length of the padding that a line of the probe carries.
+bool isWhole(const std::string& line) {
+    const std::size_t dot = line.rfind('.', line.find(' '));
+    const std::size_t blank = line.find(' ');
+    if (dot == std::string::npos || blank == std::string::npos) return false;
+    const auto padding = static_cast<std::size_t>(std::stoi(line.substr(dot + 1)) % 57);
+    return line.substr(blank) == " " + std::string(padding, 'p') + "|";
+}
+
+// Runs the probes side by side and compares what they say with what is in the folder.
+void runProbes(const FreshTrace& trace) {
+    std::string dropped[kProcesses];
+    std::vector<std::thread> running;
+    for (int i = 0; i < kProcesses; ++i) {
+        running.emplace_back([&trace, &dropped, i] {
+            qel::test::ProcessOptions options;
+            options.environment["BX_ERR_LOG_FILE_PATH"] = trace.file("trace.log");
+            options.environment["BX_OPTIONS_FILE_PATH"] = trace.file("BxOptions.opt");
+            const qel::test::ProcessResult result = qel::test::runProcess(
+                TRACE_PROBE_PROGRAM,
+                {"p" + std::to_string(i), std::to_string(kThreads), std::to_string(kLines)},
+                options);
+            EXPECT_EQ(result.exitCode, 0);
+            dropped[i] = result.out;
+            std::erase(dropped[i], '\r');
+        });
+    }
+    for (std::thread& each : running) each.join();
+
+    std::map<std::string, int> found;
+    int broken = 0;
+    for (const std::string& name : trace.files()) {
+        if (name.compare(0, 5, "trace") != 0) continue;
+        for (const std::string& line : trace.messages(name)) {
+            if (line.compare(0, 11, "Process ID ") == 0 || line.empty()) continue;
+            if (!isWhole(line)) {
+                ++broken;
+                ADD_FAILURE() << name << ": " << line;
+            }
+            ++found[line.substr(0, line.find(' '))];
+        }
+    }
+    int missing = 0;
+    int drops = 0;
+    for (int i = 0; i < kProcesses; ++i) {
+        std::istringstream in(dropped[i]);
+        for (std::string id; in >> id; ++drops) EXPECT_EQ(found.count(id), 0U) << id;
+        for (int thread = 0; thread < kThreads; ++thread)
+            for (int line = 0; line < kLines; ++line) {
+                const std::string id = "p" + std::to_string(i) + "." + std::to_string(thread) +
+                                       "." + std::to_string(line);
+                const bool accepted =
+                    ("\n" + dropped[i]).find("\n" + id + "\n") == std::string::npos;
+                if (!accepted || found[id] == 1) continue;
+                ++missing;
+                ADD_FAILURE() << id << " is there " << found[id] << " times";
+            }
+    }
+    EXPECT_EQ(missing, 0) << "accepted, but not there exactly once";
+    EXPECT_EQ(broken, 0);
+    ::testing::Test::RecordProperty("dropped", drops);
+}
+
+TEST(BxTraceProcesses, ShareALogThatIsOpenedForEachMessage) {
+    // Small enough for several rotations, large enough that none falls off the sixteenth.
+    const FreshTrace trace({"MaxFileSize=50000", "MaxBackupCount=16"});
+    runProbes(trace);
+    EXPECT_GE(trace.files().size(), 5U) << "there were rotations";
+}
+
+TEST(BxTraceProcesses, KeepLogsOfTheirOwnOpen) {
+    const FreshTrace trace({"MaxFileSize=20000", "MaxBackupCount=16", "SeparateLogForEachProcess=1",
+                            "KeepLogFileOpen=1"});
+    runProbes(trace);
+    EXPECT_GE(trace.files().size(), 10U);
+}
+
+// Every entry point at once, with the settings read again all the time: no race, no deadlock.
+TEST(BxTraceThreads, UseEverythingAtOnce) {
+    const FreshTrace trace({"TracingOptions=7", "MaxFileSize=4000", "VTraceVerbosity=1"});
+    BxTrace_LoadSettings();
+    std::atomic<std::uint32_t> now{0};
+    std::atomic<int> accepted{0};
+    const auto work = [&now, &accepted](int thread) {
+        for (int i = 0; i < 60; ++i) {
+            FreshTrace::setTicks(now += 70000);
+            if (BxTrace_Tracef("thread %d line %d", thread, i) == 0) ++accepted;
+            BxTrace_Error("S", i, thread, 2001);
+            BxTrace_OTrace_TS(i % 2 == 0 ? 2 : 4, "<SyncML %d/>", i);
+            BxTrace_VTrace(1, "%s", std::string(static_cast<std::size_t>(i) * 50, 'v').c_str());
+            EXPECT_LT(std::strlen(BxTrace_GetLogFilePath()), 512U);
+            EXPECT_LT(std::strlen(BxTrace_GetRunDirWithTrailingBackslash()), 512U);
+            switch (thread) {
+                case 0:
+                    BxTrace_SetOptionValue("LogSettings", "RetroactiveTracingBufferSize",
+                                           i % 3 == 0 ? 500 : 0);
+                    break;
+                case 1:
+                    BxTrace_BackupLogFile();
+                    BxTrace_FlushRetroBuffers();
+                    break;
+                case 2: {
+                    BxTrace_SetErrorID(i % 2 == 0 ? "even" : nullptr);
+                    char id[65];
+                    BxTrace_GetErrorID(id, sizeof id);
+                    break;
+                }
+                default:
+                    BxTrace_FlushLog();
+                    BxTrace_WriteHex(1, reinterpret_cast<const unsigned char*>("bytes"), 5);
+            }
+        }
+    };
+    std::vector<std::thread> running;
+    for (int thread = 0; thread < 4; ++thread) running.emplace_back(work, thread);
+    for (std::thread& each : running) each.join();
+    EXPECT_GT(accepted, 0);
+}
+
+TEST(BxTraceThreads, AMessageThatCannotGetTheMutexInTimeIsDropped) {
+    const FreshTrace trace;
+    BxTrace_Trace00("before");
+    std::atomic<bool> held{false};
+    std::atomic<bool> done{false};
+    std::thread holder([&held, &done] {
+        const qel::trace::WriterLock lock;
+        held = true;
+        while (!done) qel::platform::sleepMilliseconds(1);
+    });
+    while (!held) qel::platform::sleepMilliseconds(1);
+    const std::uint32_t start = qel::platform::tickCount();
+    EXPECT_EQ(BxTrace_Trace00("dropped"), -1);
+    const std::uint32_t waited = qel::platform::tickCount() - start;
+    EXPECT_GE(waited, 190U);
+    EXPECT_LT(waited, 5000U);
+    EXPECT_EQ(BxTrace_BackupLogFile(), -1);
+    done = true;
+    holder.join();
+    EXPECT_EQ(BxTrace_Trace00("after"), 0);
+    EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "after"}));
+}
+
+// A log whose lock another holds is written to, but not rotated under the other's hands.
+TEST(BxTraceThreads, ALockedLogIsNotRotated) {
+    const FreshTrace trace({"MaxFileSize=1"});
+    BxTrace_Trace00("before");
+    {
+        const qel::trace::WriterLock lock;
+        qel::trace::writer().opensSinceSizeCheck = 500;
+    }
+    std::atomic<bool> held{false};
+    std::atomic<bool> done{false};
+    std::thread holder([&trace, &held, &done] {
+        qel::platform::PathLock lock;
+        EXPECT_EQ(lock.acquire(trace.file("trace.log").c_str(), 1000),
+                  qel::platform::LockResult::kLocked);
+        held = true;
+        while (!done) qel::platform::sleepMilliseconds(1);
+    });
+    while (!held) qel::platform::sleepMilliseconds(1);
+    EXPECT_EQ(BxTrace_Trace00("appended"), 0);
+    EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), -1);
+    EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "appended"}));
+    done = true;
+    holder.join();
+    EXPECT_EQ(BxTrace_Trace00("rotated"), 0);
+    EXPECT_EQ(trace.messages(), std::vector<std::string>{"rotated"});
+    EXPECT_EQ(trace.messages("trace.bk0"), (std::vector<std::string>{"before", "appended"}));
+}
+
+}  // namespace

@@ -1,0 +1,217 @@
+// Opening the log, its banners and its backups.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "platform/Platform.h"
+#include "trace/BxTraceInternal.h"
+#include "trace/FreshTrace.h"
+#include "trace/TraceState.h"
+
+namespace {
+
+using qel::test::FreshTrace;
+using qel::test::writeFile;
+using Lines = std::vector<std::string>;
+namespace fs = std::filesystem;
+
+std::string ownLog() {
+    return "trace_" + std::to_string(static_cast<int>(qel::platform::processId())) + ".log";
+}
+
+// The log's name and backups, each with its content: "b.bk0=one b.log=two".
+std::string family(const FreshTrace& trace, const std::string& start) {
+    std::string all;
+    for (const std::string& name : trace.files())
+        if (name.compare(0, start.size(), start) == 0)
+            all += (all.empty() ? "" : " ") + name + "=" + trace.text(name);
+    return all;
+}
+
+TEST(BxTraceBackups, MoveUpByOneAndReplaceTheExtension) {
+    const FreshTrace trace;
+    for (const char* content : {"one", "two", "three", "four", "five"}) {
+        writeFile(trace.file("b.log"), content);
+        EXPECT_EQ(BxTrace_MusicalBackups(trace.file("b.log").c_str(), 3), 0);
+    }
+    EXPECT_EQ(family(trace, "b."), "b.bk0=five b.bk1=four b.bk2=three");
+    // Without a live file the backups move all the same; a gap is passed over.
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("b.log").c_str(), 2), 0);
+    EXPECT_EQ(family(trace, "b."), "b.bk1=five b.bk2=three");
+    writeFile(trace.file("b.log"), "six");
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("b.log").c_str(), 0), 0);
+    EXPECT_EQ(family(trace, "b."), "b.bk1=five b.bk2=three") << "no backup: deleted";
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("b.log").c_str(), -5), 0) << "nothing to do";
+}
+
+TEST(BxTraceBackups, AreCappedAtSixteen) {
+    const FreshTrace trace;
+    writeFile(trace.file("c.x.log"), "live");
+    writeFile(trace.file("c.x.bke"), "e");
+    writeFile(trace.file("c.x.bkf"), "f");
+    writeFile(trace.file("c.x.bk10"), "untouched");
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("c.x.log").c_str(), 20), 0);
+    EXPECT_EQ(family(trace, "c."), "c.x.bk0=live c.x.bk10=untouched c.x.bkf=e");
+}
+
+TEST(BxTraceBackups, TouchNothingWithoutAnExtension) {
+    const FreshTrace trace;
+    fs::create_directory(trace.file("dotted.dir"));
+    const std::string plain = trace.file("dotted.dir") + qel::platform::kPathSeparator + "plain";
+    writeFile(plain, "kept");
+    EXPECT_EQ(BxTrace_MusicalBackups(plain.c_str(), 3), -1);
+    EXPECT_EQ(BxTrace_MusicalBackups("", 3), -1);
+    EXPECT_EQ(qel::test::readFile(plain), "kept");
+}
+
+TEST(BxTraceBackups, AFailedRenameDeletesTheLiveFileAndNoOtherLog) {
+    const FreshTrace trace;
+    fs::create_directory(trace.file("d.bk0"));
+    writeFile(trace.file("d.bk0/inside"), "kept");
+    writeFile(trace.file("d.bk1"), "old");
+    writeFile(trace.file("d.log"), "live");
+    // .bk0 is a directory: it moves on like a file. .bk1 cannot be replaced by it when it is one
+    // too.
+    fs::create_directory(trace.file("e.bk0"));
+    writeFile(trace.file("e.bk0/inside"), "kept");
+    writeFile(trace.file("e.log"), "live");
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("e.log").c_str(), 1), 0)
+        << "the live file's removal";
+    EXPECT_FALSE(fs::exists(trace.file("e.log")));
+    EXPECT_TRUE(fs::exists(trace.file("e.bk0/inside")));
+    EXPECT_EQ(BxTrace_MusicalBackups(trace.file("d.log").c_str(), 2), 0);
+    EXPECT_EQ(trace.text("d.bk0"), "live");
+    EXPECT_TRUE(fs::exists(trace.file("d.bk1/inside")));
+}
+
+TEST(BxTraceBackups, BackupAndDeleteFollowTheOptions) {
+    const FreshTrace trace({"MaxBackupCount=0", "KeepLogFiles=1"});
+    EXPECT_EQ(BxTrace_BackupLogFile(), 0) << "there is no log yet";
+    writeFile(trace.file("trace.log"), std::string(30, 'x'));
+    EXPECT_EQ(BxTrace_ErrorLogDelete(), 0);
+    EXPECT_TRUE(fs::exists(trace.file("trace.log"))) << "logs are kept";
+    qel::trace::settings().keepLogFiles = 0;
+    EXPECT_EQ(BxTrace_ErrorLogDelete(), 0);
+    EXPECT_EQ(family(trace, "trace."), "") << "deleted outright";
+    // The size limit keeps one backup even so.
+    writeFile(trace.file("trace.log"), std::string(30, 'x'));
+    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("trace.log").c_str()), -1);
+    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("missing.log").c_str()), 0);
+    qel::trace::settings().maxFileSize = 30;
+    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("trace.log").c_str()), 0);
+    EXPECT_EQ(family(trace, "trace."), "trace.bk0=" + std::string(30, 'x'));
+}
+
+TEST(BxTraceLog, SizeIsLookedAtEvery501Opens) {
+    const FreshTrace trace({"MaxFileSize=1", "MaxBackupCount=1"});
+    for (int i = 1; i <= 500; ++i) ASSERT_EQ(BxTrace_Trace00("x"), 0);
+    EXPECT_EQ(family(trace, "trace.b"), "");
+    BxTrace_Trace00("the 501st");
+    EXPECT_EQ(trace.messages(), Lines{"the 501st"});
+    EXPECT_EQ(trace.messages("trace.bk0").size(), 500U);
+    BxTrace_Trace00("the 502nd");
+    EXPECT_EQ(trace.messages().size(), 2U);
+}
+
+TEST(BxTraceLog, BannerStandsAtTheHeadAndOncePerProcess) {
+    const FreshTrace trace({"TracingOptions=1f"});
+    writeFile(trace.file("trace.log"), "from another process, long ago\n");
+    BxTrace_Trace00("one");
+    BxTrace_Trace00("two");
+    const std::string text = trace.text();
+    EXPECT_EQ(text.find("]"), text.find("] ")) << text;
+    const std::size_t banner = text.find(":  -- Halverd Log File, TracingOptions=1f --\n[");
+    ASSERT_NE(banner, std::string::npos);
+    EXPECT_EQ(text.find("Halverd", banner + 20), std::string::npos);
+    // A log of under 20 bytes gets one again.
+    writeFile(trace.file("trace.log"), std::string(18, '-') + "\n");
+    BxTrace_Trace00("three");
+    EXPECT_NE(trace.text().find("Halverd"), std::string::npos);
+    writeFile(trace.file("trace.log"), std::string(20, '-') + "\n");
+    BxTrace_Trace00("four");
+    EXPECT_EQ(trace.text().find("Halverd"), std::string::npos);
+}
+
+TEST(BxTraceLog, FailedOpensAreCountedAndReportedOnce) {
+    const FreshTrace trace;
+    BxTrace_LoadSettings();
+    fs::create_directory(trace.file("trace.log"));
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(BxTrace_Trace00("lost"), -1);
+    EXPECT_EQ(BxTrace_Error("S", 1, 2, 3), 3) << "an error's code comes back all the same";
+    fs::remove(trace.file("trace.log"));
+    EXPECT_EQ(BxTrace_Trace00("found"), 0);
+    EXPECT_EQ(BxTrace_Trace00("again"), 0);
+    const std::string text = trace.text();
+    const std::string thwarted =
+        "\n\n** The previous 4 logging attempts were thwarted by 'OpenLogFile' failures **\n\n[";
+    const std::size_t at = text.find(thwarted);
+    ASSERT_NE(at, std::string::npos) << text;
+    EXPECT_EQ(text.find("thwarted", at + thwarted.size()), std::string::npos);
+    EXPECT_LT(at, text.find("found"));
+}
+
+TEST(BxTraceLog, AnUnwritableDirectorySilencesTheProcessWithoutCounting) {
+    const std::string log = std::string("missing") + qel::platform::kPathSeparator + "trace.log";
+    const FreshTrace trace({}, log);
+    EXPECT_EQ(BxTrace_Trace00("lost"), -1);
+    fs::create_directory(trace.file("missing"));
+    EXPECT_EQ(BxTrace_Trace00("decided once"), -1);
+    EXPECT_EQ(BxTrace_Error("S", 1, 2, 3), 3);
+    EXPECT_FALSE(fs::exists(trace.file(log)));
+}
+
+TEST(BxTraceKeptOpen, WritesItsOwnBannerAndRotatesByItsCount) {
+    const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=2", "MaxFileSize=300",
+                            "MaxBackupCount=2"});
+    const std::string log = ownLog();
+    EXPECT_EQ(BxTrace_Trace00("first"), 0);
+    EXPECT_NE(trace.text(log).find(":  -- Halverd Linkup Log File --\n"), std::string::npos)
+        << "flushed after every message";
+    EXPECT_EQ(trace.text(log).find("Process ID"), std::string::npos);
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(BxTrace_Tracef("message %d of a log that outgrows its limit", i), 0);
+    const std::string base = log.substr(0, log.size() - 4);
+    EXPECT_TRUE(fs::exists(trace.file(base + ".bk0")));
+    EXPECT_TRUE(fs::exists(trace.file(base + ".bk1")));
+    EXPECT_FALSE(fs::exists(trace.file(base + ".bk2")));
+    for (const char* name : {".bk0", ".bk1"}) {
+        const std::string text = trace.text(base + name);
+        EXPECT_NE(text.find("Halverd Linkup"), std::string::npos);
+        EXPECT_GE(text.size(), 300U);
+        EXPECT_LT(text.size(), 450U);
+    }
+    EXPECT_EQ(trace.messages(log).back(), "message 19 of a log that outgrows its limit");
+}
+
+TEST(BxTraceKeptOpen, BuffersUntilAskedToFlush) {
+    const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=1"});
+    const std::string log = ownLog();
+    EXPECT_EQ(BxTrace_Trace00("in the buffer"), 0);
+    EXPECT_EQ(trace.text(log), "");
+    BxTrace_FlushLog();
+    EXPECT_EQ(trace.messages(log), Lines{"in the buffer"});
+    // A message longer than the buffer arrives whole.
+    EXPECT_EQ(BxTrace_Trace00(std::string(90000, 'y').c_str()), 0);
+    BxTrace_FlushLog();
+    EXPECT_EQ(trace.messages(log).back().size(), 90000U);
+}
+
+TEST(BxTraceKeptOpen, ALogThatIsTakenAwayIsOpenedAgain) {
+    const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=2"});
+    const std::string log = ownLog();
+    const std::string base = log.substr(0, log.size() - 4);
+    BxTrace_Trace00("one");
+    EXPECT_EQ(BxTrace_BackupLogFile(), 0);
+    BxTrace_Trace00("two");
+    EXPECT_EQ(trace.messages(base + ".bk0"), Lines{"one"});
+    EXPECT_EQ(trace.messages(log), Lines{"two"});
+    // Someone else cannot rename it, or its successor is opened.
+    const bool renamed =
+        qel::platform::renameFile(trace.file(log).c_str(), trace.file("away.log").c_str()) == 0;
+    EXPECT_EQ(trace.messages(renamed ? "away.log" : log), Lines{"two"});
+    BxTrace_Trace00("three");
+    EXPECT_EQ(trace.messages(log).back(), "three");
+}
+
+}  // namespace
