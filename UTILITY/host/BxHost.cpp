@@ -6,6 +6,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "platform/Immortal.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -39,9 +40,8 @@ struct HostTexts {
 };
 
 HostTexts& hostTexts() {
-    // Never destroyed: the trace may ask for a text while the process ends.
-    static HostTexts* const texts = new HostTexts;
-    return *texts;
+    static qel::platform::Immortal<HostTexts> texts;
+    return texts.get();
 }
 
 std::atomic<BxHostTextSource> profileDirectorySource{nullptr};

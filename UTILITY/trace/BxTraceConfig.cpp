@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "QelUtility/BxHost.h"
+#include "platform/Immortal.h"
 #include "trace/BxTraceInternal.h"
 #include "trace/TraceState.h"
 
@@ -23,10 +24,15 @@ constinit std::atomic<bool> initialised{false};
 constinit std::atomic<std::uint32_t> lastLoad{0};
 constinit std::atomic<std::uint32_t> loadingThread{0};  // the one that makes the first load
 
-// One thread loads at a time. Never destroyed, as nothing of the trace is.
+// One thread loads at a time.
 std::mutex& loadMutex() {
-    static std::mutex* const mutex = new std::mutex;
-    return *mutex;
+    static platform::Immortal<std::mutex> mutex;
+    return mutex.get();
+}
+
+// A host's function that traces while it is asked for the profile directory gets no further.
+bool loadsHere() {
+    return loadingThread.load() == platform::threadId();
 }
 
 // --- Paths --------------------------------------------------------------------------------------
@@ -81,12 +87,13 @@ void chooseLogPath() {
     if (platform::environment("BX_ERR_LOG_FILE_PATH", log.text, sizeof log.text)) {
         if (!endsInLog(log.text)) log.append(".log");
     } else {
-        if (!GetProfileDirectoryWithUserName(log.text, kSystemPathRoom)) {
-            if (!platform::modulePath(log.text, kSystemPathRoom)) log.cut(0);
+        bool known = GetProfileDirectoryWithUserName(log.text, kSystemPathRoom);
+        if (!known) {
+            known = platform::modulePath(log.text, sizeof log.text);
             const std::size_t directory = lengthToLastSeparator(log.text);
-            if (directory > 0) log.cut(directory - 1);
+            log.cut(directory > 0 ? directory - 1 : 0);
         }
-        appendSeparator(log);
+        if (known) appendSeparator(log);
         log.append("BxTrace.log");
     }
     qel::trace::publish(Path::kLog, log.text);
@@ -147,16 +154,18 @@ const char* optionsFile() {
 bool readOption(const char* section, const char* key, char (&text)[1025]) {
     text[0] = '\0';
     if (section == nullptr || key == nullptr) return false;
-    platform::readProfile(optionsFile(), section, key, text, sizeof text);
+    const char* file = optionsFile();
+    if (file[0] != '\0') platform::readProfile(file, section, key, text, sizeof text);
     return text[0] != '\0';
 }
 
 void writeOption(const char* section, const char* key, const char* format, int value) {
-    if (section == nullptr || key == nullptr) return;
+    const char* file = optionsFile();
+    if (section == nullptr || key == nullptr || file[0] == '\0') return;
     char text[16];
     std::snprintf(text, sizeof text, format, value);
     // A file that cannot be written is no failure: the value in use stays.
-    platform::writeProfile(optionsFile(), section, key, text);
+    platform::writeProfile(file, section, key, text);
 }
 
 using OptionReader = void (*)(const char*, const char*, int&);
@@ -220,8 +229,7 @@ void writeCompatibilityFile() {
 }
 
 void firstLoad(std::uint32_t now) {
-    // A host's function that traces while it is asked for the profile directory gets no further.
-    if (loadingThread.load() == platform::threadId()) return;
+    if (loadsHere()) return;
     const std::lock_guard lock(loadMutex());
     if (initialised.load(std::memory_order_acquire)) return;
     loadingThread.store(platform::threadId());
@@ -272,7 +280,7 @@ bool BxTrace_ForceInitialization() {
 }
 
 void BxTrace_SetLogFileName(const char* name) {
-    if (name == nullptr || name[0] == '\0') return;
+    if (name == nullptr || name[0] == '\0' || loadsHere()) return;
     const std::lock_guard lock(loadMutex());
     PathBuffer log = copyOf(name);
     if (!endsInLog(log.text)) log.append(".log");

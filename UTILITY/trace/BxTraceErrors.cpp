@@ -2,6 +2,7 @@
 #include <cstring>
 #include <mutex>
 
+#include "platform/Immortal.h"
 #include "trace/BxTraceInternal.h"
 #include "trace/TraceState.h"
 
@@ -14,8 +15,8 @@ constexpr std::size_t kErrorIdRoom = 65;
 constinit char errorId[kErrorIdRoom] = "";
 
 std::mutex& errorIdMutex() {
-    static std::mutex* const mutex = new std::mutex;
-    return *mutex;
+    static qel::platform::Immortal<std::mutex> mutex;
+    return mutex.get();
 }
 
 const char* shown(const char* text) {

@@ -1,5 +1,6 @@
 // The log files: opening one for the next message, its banners, and its numbered backups.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "trace/BxTraceInternal.h"
@@ -22,8 +23,11 @@ constexpr int kOpensBetweenSizeChecks = 500;  // asking for the size each time w
 constexpr long kShortestBannered = 20;        // bytes; a shorter log has no banner yet
 constexpr std::size_t kStreamBuffer = 32768;
 
-// One buffer does for both modes: only one stream is open at a time, under the writer's mutex. It
-// is static because the run-time library still flushes a kept-open log when the process ends.
+// How long a message waits for the log's lock. Short, because it is written without the lock too,
+// and because the process's other threads wait meanwhile.
+constexpr std::uint32_t kAppendWaitMilliseconds = 50;
+
+// For the log that is opened for each message: one at a time, under the writer's mutex.
 constinit char streamBuffer[kStreamBuffer];
 
 // --- Backups ------------------------------------------------------------------------------------
@@ -116,7 +120,7 @@ int openEachTime(std::FILE** stream) {
     const char* log = qel::trace::activeLogPath();
     // From here to the close no other process rotates the log or writes to it. A lock that cannot
     // be had in time is done without: appending is safe, only rotating is not.
-    const LockResult lock = w.lock.acquire(log, kWaitMilliseconds);
+    const LockResult lock = w.lock.acquire(log, kAppendWaitMilliseconds);
     if (++w.opensSinceSizeCheck > kOpensBetweenSizeChecks && limitSize(log, lock))
         w.opensSinceSizeCheck = 0;
     std::FILE* opened = platform::openForAppend(log);
@@ -144,6 +148,14 @@ void closeKept() {
     w.keptStream = nullptr;
 }
 
+// Gives the kept-open log its buffer. It is never freed: the run-time library still writes it out
+// when the process ends, and this library may have been unloaded by then.
+void bufferKept() {
+    Writer& w = writer();
+    if (w.keptBuffer == nullptr) w.keptBuffer = static_cast<char*>(std::malloc(kStreamBuffer));
+    if (w.keptBuffer != nullptr) std::setvbuf(w.keptStream, w.keptBuffer, _IOFBF, kStreamBuffer);
+}
+
 // Opens the log that is to be kept open, under the log's lock.
 int openKeptLocked(const char* log, LockResult lock) {
     Writer& w = writer();
@@ -155,8 +167,7 @@ int openKeptLocked(const char* log, LockResult lock) {
         return -1;
     }
     std::snprintf(w.keptPath, sizeof w.keptPath, "%s", log);
-    if ((settings().keepLogFileOpen & qel::trace::kRuntimesBuffering) == 0)
-        std::setvbuf(w.keptStream, streamBuffer, _IOFBF, sizeof streamBuffer);
+    if ((settings().keepLogFileOpen & qel::trace::kRuntimesBuffering) == 0) bufferKept();
     if (w.keptSize == 0)
         BxTrace_WriteLines(false, " -- Halverd Linkup Log File --\n\n", w.keptStream);
     reportFailedOpens(w.keptStream);
@@ -166,7 +177,7 @@ int openKeptLocked(const char* log, LockResult lock) {
 int openKept() {
     Writer& w = writer();
     const char* log = qel::trace::activeLogPath();
-    const LockResult lock = w.lock.acquire(log, kWaitMilliseconds);
+    const LockResult lock = w.lock.acquire(log, kAppendWaitMilliseconds);
     const int result = openKeptLocked(log, lock);
     w.lock.release();
     return result;

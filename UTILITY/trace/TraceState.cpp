@@ -6,6 +6,8 @@
 #include <mutex>
 #include <new>
 
+#include "platform/Immortal.h"
+
 namespace qel::trace {
 
 namespace {
@@ -24,13 +26,13 @@ constinit std::array<std::atomic<char*>, 7> paths{emptyPath.text, emptyPath.text
                                                   emptyPath.text};
 
 std::mutex& knownPathsMutex() {
-    static std::mutex* const mutex = new std::mutex;
-    return *mutex;
+    static platform::Immortal<std::mutex> mutex;
+    return mutex.get();
 }
 
 constinit Settings theSettings;
-constinit std::atomic<std::uint32_t> writerThread{0};
-constinit thread_local int writerDepth = 0;
+constinit std::atomic<std::uint32_t> writerThread{0};  // 0: none
+constinit int writerDepth = 0;  // how often that thread holds the mutex; its own alone
 
 using TickSource = std::uint32_t (*)();
 constinit std::atomic<TickSource> tickSource{nullptr};
@@ -70,24 +72,24 @@ void publish(Path which, const char* text) noexcept {
 }
 
 WriterLock::WriterLock() noexcept : result_(platform::lockTraceMutex(kWaitMilliseconds)) {
-    if (result_ == platform::LockResult::kLocked) ++writerDepth;
+    if (result_ == platform::LockResult::kLocked && ++writerDepth == 1)
+        writerThread.store(platform::threadId(), std::memory_order_relaxed);
 }
 
 WriterLock::~WriterLock() {
     if (result_ != platform::LockResult::kLocked) return;
-    --writerDepth;
+    if (--writerDepth == 0) writerThread.store(0, std::memory_order_relaxed);
     platform::unlockTraceMutex();
 }
 
 bool WriterLock::heldHere() noexcept {
-    return writerDepth > 0;
+    return writerThread.load(std::memory_order_relaxed) == platform::threadId();
 }
 
 Writer& writer() noexcept {
     assert(WriterLock::heldHere());
-    alignas(Writer) static unsigned char storage[sizeof(Writer)];
-    static Writer* const theWriter = new (storage) Writer;
-    return *theWriter;
+    static platform::Immortal<Writer> theWriter;
+    return theWriter.get();
 }
 
 int retroSize() noexcept {
@@ -146,6 +148,7 @@ void resetForTest(std::uint32_t (*ticks)()) noexcept {
     if (!lock) return;
     Writer& w = writer();
     if (w.keptStream != nullptr) std::fclose(w.keptStream);
+    std::free(w.keptBuffer);
     for (char* buffer : w.retro) std::free(buffer);
     w.~Writer();
     new (&w) Writer;

@@ -82,6 +82,7 @@ struct Writer {
     bool firstBanner = true;          // none written by this process yet
     platform::PathLock lock;          // held from an ordinary open to its close
     std::FILE* keptStream = nullptr;  // the log that is kept open
+    char* keptBuffer = nullptr;       // that stream's own
     char keptPath[kPathRoom] = "";    // its name when it was opened
     std::int64_t keptSize = -1;       // its size in bytes; -1 not yet known
     std::array<char*, 2> retro{};     // the retroactive buffers, each of size + 1 bytes

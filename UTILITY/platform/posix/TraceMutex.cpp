@@ -3,8 +3,8 @@
 #include <pthread.h>
 
 #include <ctime>
-#include <new>
 
+#include "platform/Immortal.h"
 #include "platform/Platform.h"
 
 namespace qel::platform {
@@ -61,10 +61,8 @@ class RecursiveTimedMutex {
 };
 
 RecursiveTimedMutex& traceMutex() noexcept {
-    // Never destroyed: other objects' destructors may still trace while the process ends.
-    alignas(RecursiveTimedMutex) static unsigned char storage[sizeof(RecursiveTimedMutex)];
-    static RecursiveTimedMutex* const mutex = new (storage) RecursiveTimedMutex;
-    return *mutex;
+    static Immortal<RecursiveTimedMutex> mutex;
+    return mutex.get();
 }
 
 }  // namespace
