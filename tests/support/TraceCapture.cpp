@@ -71,6 +71,24 @@ std::string withoutPrefix(const std::string& line) {
     return end == std::string::npos ? line : line.substr(end + 2);
 }
 
+std::string maskStamps(const std::string& text) {
+    std::string masked;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t close = text.find_first_not_of("0123456789ABCDEF", at + 1);
+        const bool prefix = text[at] == '[' && close != std::string::npos && close >= at + 5 &&
+                            text.compare(close, 2, "] ") == 0 && isStamp(text, close + 2);
+        const std::size_t stamp = prefix ? close + 2 : at;
+        if (!isStamp(text, stamp)) {
+            masked += text[at++];
+            continue;
+        }
+        // The number of a stamp may have more than three digits.
+        at = std::min(text.find_first_not_of("0123456789", stamp + 19), text.size());
+        masked += prefix ? "<prefix>" : "<stamp>";
+    }
+    return masked;
+}
+
 TraceCapture::TraceCapture() {
     mark();
 }

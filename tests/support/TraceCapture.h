@@ -30,6 +30,9 @@ void redirectTrace();
 // that carries no prefix is given as it stands.
 [[nodiscard]] std::string withoutPrefix(const std::string& line);
 
+// `text` with every time stamp replaced by "<stamp>" and every prefix by "<prefix>".
+[[nodiscard]] std::string maskStamps(const std::string& text);
+
 class TraceCapture {
   public:
     TraceCapture();  // marks the log's end

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cstdlib>
 #include <filesystem>
-#include <regex>
 #include <string>
 
 #include "QelUtility/BxHost.h"
@@ -173,8 +172,8 @@ TEST(UserLog, AppendsDatedEntries) {
     WriteToUserLog(std::string(300000, 'm').c_str());
     std::string separator = "\n-";
     for (int i = 1; i < 40; ++i) separator += " -";
-    const std::string text =
-        std::regex_replace(readFile(dir.file("SyncML.log")), std::regex("\r"), "");
+    std::string text = readFile(dir.file("SyncML.log"));
+    std::erase(text, '\r');
     const std::string expected = separator + "\nOn DATE\nSync 100% %s done \n" + separator +
                                  "\nOn DATE\n(null) \n" + separator + "\nOn DATE\n" +
                                  std::string(300000, 'm') + " \n";

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -177,9 +176,7 @@ void readProfile(const char* path, const char* section, const char* key, char* o
         if (!place.keyFound) return;
         const std::string_view line(text.data() + place.valueStart,
                                     place.valueEnd - place.valueStart);
-        const std::string_view value = unquote(trim(line)).substr(0, room - 1);
-        std::memcpy(out, value.data(), value.size());
-        out[value.size()] = '\0';
+        out[unquote(trim(line)).copy(out, room - 1)] = '\0';
     } catch (...) {
         out[0] = '\0';  // out of memory: as if the file could not be read
     }
