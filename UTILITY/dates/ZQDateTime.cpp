@@ -65,6 +65,9 @@ void appendDateTime(std::int64_t codeDate, std::int64_t codeTime, VStr& out, boo
 
 }  // namespace
 
+// Texts come by value, as the interface passes them.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 std::int64_t ZQ_DateTimeToSeconds(VStr text) {
     const DateTimeFields fields = scanDateTime(text);
     unsigned code = 0;
@@ -102,3 +105,5 @@ int ZQ_AddSeconds(VStr text, int seconds, VStr& out) {
     ZQ_SecondsToDateTime(ZQ_DateTimeToSeconds(text) + seconds, out, noUtc);
     return 0;
 }
+
+// NOLINTEND(performance-unnecessary-value-param)

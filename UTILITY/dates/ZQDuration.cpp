@@ -43,6 +43,9 @@ std::int64_t boundedNumber(const char* begin, const char* end) {
 
 }  // namespace
 
+// Texts come by value, as the interface passes them.
+// NOLINTBEGIN(performance-unnecessary-value-param)
+
 int ZQ_SecondsToDuration(int seconds, VStr& out) {
     if (seconds == 0) return -1;
     char text[kDurationRoom] = {};
@@ -109,3 +112,5 @@ int ZQ_AddDuration(VStr text, VStr duration, VStr& out) {
     if (ZQ_DurationToSeconds(duration, &seconds) != 0) return -1;
     return ZQ_AddSeconds(text, seconds, out);
 }
+
+// NOLINTEND(performance-unnecessary-value-param)

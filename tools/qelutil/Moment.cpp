@@ -149,7 +149,7 @@ Moment later(const Moment& moment, std::int64_t seconds) {
 }
 
 std::string momentText(const Moment& moment) {
-    const std::string day = dayText(moment.seconds / kDaySeconds);
+    std::string day = dayText(moment.seconds / kDaySeconds);
     if (!moment.hasTime) return day;
     return day + "T" + timeText(moment.seconds % kDaySeconds) + (moment.utc ? "Z" : "");
 }
