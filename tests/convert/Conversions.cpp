@@ -121,7 +121,7 @@ std::multiset<std::string> factsOf(const Entry& entry, bool withUid) {
     std::multiset<std::string> facts;
     if (withUid) facts.insert("UID " + entry.uid);
     facts.insert("component " + entry.component);
-    const std::pair<const char*, const std::optional<Moment>*> dates[] = {
+    const std::pair<const char*, const std::optional<Moment>*> moments[] = {
         {"start", &entry.start},
         {"end", &entry.end},
         {"due", &entry.due},
@@ -129,16 +129,16 @@ std::multiset<std::string> factsOf(const Entry& entry, bool withUid) {
         {"created", &entry.created},
         {"modified", &entry.modified},
         {"instance", &entry.recurrenceId}};
-    for (const auto& [name, moment] : dates)
+    for (const auto& [name, moment] : moments)
         facts.insert(std::string(name) + " " + momentText(entry, *moment));
     for (const EntryRule& rules : entry.rules)
         for (const Rule& rule : rules.rules) facts.insert(ruleText(entry, rule, rules.exclude));
-    for (const auto& [name, list] : {std::pair{"date ", &entry.dates}, {"not ", &entry.excluded}}) {
-        std::set<std::string> once;
-        for (const Moment& each : *list)
-            once.insert(name + momentText(entry, entry.inClockOf(*entry.start, each)));
-        facts.insert(once.begin(), once.end());
-    }
+    std::set<std::string> dates;
+    for (const Moment& each : entry.dates)
+        dates.insert("date " + momentText(entry, entry.inClockOf(*entry.start, each)));
+    for (const Moment& each : entry.excluded)
+        dates.insert("not " + momentText(entry, entry.inClockOf(*entry.start, each)));
+    facts.insert(dates.begin(), dates.end());
     for (const Alarm& alarm : entry.alarms) facts.insert(alarmText(entry, alarm));
     for (const EntryProperty& property : entry.properties) {
         if (property.value().find_first_not_of(' ') == std::string::npos) continue;

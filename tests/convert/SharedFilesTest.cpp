@@ -27,7 +27,7 @@ std::vector<fs::path> filesIn(const char* folder, const char* extension) {
 TEST(SharedFiles, VCalendarComesBackFromICalendar) {
     const std::vector<fs::path> files = filesIn("vcs", ".vcs");
     if (files.empty()) GTEST_SKIP() << "no public files at " << QEL_TEST_SHARED_DATA;
-    std::size_t entries = 0;
+    std::uint64_t entries = 0;
     for (const fs::path& file : files) {
         SCOPED_TRACE(file.filename().string());
         const std::string before = readFile(file.string());
@@ -44,7 +44,7 @@ TEST(SharedFiles, VCalendarComesBackFromICalendar) {
 TEST(SharedFiles, ICalendarConverts) {
     const std::vector<fs::path> files = filesIn("ics", ".ics");
     if (files.empty()) GTEST_SKIP() << "no public files at " << QEL_TEST_SHARED_DATA;
-    std::size_t entries = 0;
+    std::uint64_t entries = 0;
     for (const fs::path& file : files) {
         SCOPED_TRACE(file.filename().string());
         const std::string before = readFile(file.string());

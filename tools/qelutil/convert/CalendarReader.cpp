@@ -42,7 +42,8 @@ void CalendarReader::report(Severity severity, std::size_t line, std::string tex
 bool CalendarReader::readLine() {
     if (std::exchange(pending_, false)) return true;
     while (lines_.next(raw_)) {
-        const FoldStyle style = version_ == "1.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
+        const FoldStyle style =
+            inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
         const std::size_t number = raw_.number;
         const bool good = parseContentLine(raw_, style, line_);
         if (!inCalendar_ && !good) {
