@@ -1,0 +1,85 @@
+// qelutil convert as a process: files, pipes, messages, exit codes.
+#include "Qelutil.h"
+
+namespace qel::test {
+namespace {
+
+const char kPhone[] =
+    "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nUID:1\r\nSUMMARY:One\r\n"
+    "DTSTART:20050615T083000Z\r\nRRULE:W2 MO WE FR #10\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+
+class ConvertCommand : public QelutilTest {
+  protected:
+    std::string fileWith(const std::string& name, const std::string& text) const {
+        const std::string path = state_.file(name);
+        writeFile(path, text);
+        return path;
+    }
+};
+
+TEST_F(ConvertCommand, FromAPipeToAPipe) {
+    const ProcessResult there = runWithInput({"convert"}, kPhone);
+    EXPECT_EQ(there.exitCode, 0) << there.err;
+    EXPECT_EQ(there.err, "");
+    EXPECT_NE(there.out.find("RRULE:FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR\r\n"),
+              std::string::npos);
+    const ProcessResult back = runWithInput({"convert", "-"}, there.out);
+    EXPECT_NE(back.out.find("RRULE:W2 MO WE FR #10\r\n"), std::string::npos) << back.out;
+}
+
+TEST_F(ConvertCommand, SeveralFilesIntoOne) {
+    const std::string first = fileWith("a.vcs", kPhone);
+    const std::string out = state_.file("all.ics");
+    const ProcessResult result = run({"convert", first, first, "--output", out});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    const std::string text = readFile(out);
+    EXPECT_EQ(text.find("BEGIN:VCALENDAR"), text.rfind("BEGIN:VCALENDAR"));
+    EXPECT_NE(text.find("BEGIN:VEVENT"), text.rfind("BEGIN:VEVENT"));
+    // The file that is read may be the one that is written.
+    EXPECT_EQ(run({"convert", "--to", "ics", out, "-o", out}).exitCode, 0);
+    EXPECT_EQ(readFile(out), text);
+}
+
+TEST_F(ConvertCommand, MessagesNameFileAndLine) {
+    const std::string bad = fileWith(
+        "bad.vcs",
+        "BEGIN:VCALENDAR\nVERSION:1.0\nBEGIN:VEVENT\nDTSTART:20050101\nRRULE:never\nRNUM:2\n"
+        "STATUS:SENT\nSEQUENC:1\nRRULE:D1\nEND:VEVENT\nEND:VCALENDAR\n");
+    ProcessResult result = run({"convert", bad});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.err.find(bad + ":5: "), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find(bad + ":8: warning: "), std::string::npos) << result.err;
+    EXPECT_EQ(result.err.find(":9: "), std::string::npos) << result.err;
+    result = run({"convert", "--verbose", bad});
+    EXPECT_NE(result.err.find(bad + ":9: note: "), std::string::npos) << result.err;
+}
+
+TEST_F(ConvertCommand, WhatCannotBeDone) {
+    const std::string out = fileWith("out.ics", "as it was");
+    // One file is missing: the others are converted, and the exit code tells.
+    const ProcessResult missing =
+        run({"convert", state_.file("none.vcs"), fileWith("a.vcs", kPhone)});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_NE(missing.err.find("none.vcs"), std::string::npos);
+    EXPECT_NE(missing.out.find("UID:1"), std::string::npos);
+    EXPECT_EQ(run({"convert", "--to", "xml"}).exitCode, 2);
+    const ProcessResult folder = runWithInput({"convert", "-o", state_.path().string()}, kPhone);
+    EXPECT_EQ(folder.exitCode, 1);
+    EXPECT_NE(folder.err.find("is a directory"), std::string::npos);
+    EXPECT_EQ(runWithInput({"convert", "-o", state_.file("no/such/folder.ics")}, kPhone).exitCode,
+              1);
+    EXPECT_EQ(runWithInput({"convert"}, "").exitCode, 1);
+    EXPECT_EQ(readFile(out), "as it was");
+}
+
+TEST_F(ConvertCommand, AFloodOfMessagesIsCutAndCounted) {
+    std::string text = "BEGIN:VCALENDAR\nVERSION:1.0\nBEGIN:VEVENT\nDTSTART:20050101\n";
+    for (int each = 0; each < 5000; ++each) text += "no property\n";
+    const ProcessResult result = runWithInput({"convert"}, text + "END:VEVENT\nEND:VCALENDAR\n");
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_LT(result.err.size(), 20000u);
+    EXPECT_NE(result.err.find("4900 more messages"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace qel::test
