@@ -64,7 +64,7 @@ void list(Context& context, const Options& options) {
     if (options.json) writeJson(context.out, document);
 }
 
-// One text from zone to zone. Null zones stand for what the text itself makes of them.
+// A time before and after, with the offsets from UTC that it has in the two zones.
 struct Conversion {
     Moment input;
     Moment output;
@@ -88,6 +88,8 @@ int yearOf(const Moment& moment) {
     return std::atoi(momentText(moment).substr(0, 4).c_str());
 }
 
+// Without a zone, a local text comes from the computer's own and goes to UTC, and a UTC text goes
+// to the computer's own.
 Conversion convertOne(Context& context, const std::string& text, std::optional<Zone> from,
                       std::optional<Zone> to) {
     Conversion result{};
