@@ -16,18 +16,10 @@ using qel::cli::Context;
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
-    qel::cli::addConvertCommand,
-    qel::cli::addRuleCommand,
-    qel::cli::addExpandCommand,
-    qel::cli::addDateCommand,
-    qel::cli::addZoneCommand,
-    qel::cli::addEncodeCommand,
-    qel::cli::addDecodeCommand,
-    qel::cli::addCharsetCommand,
-    qel::cli::addFieldCommand,
-    qel::cli::addStatusCommand,
-    qel::cli::addStreamCommand,
-    qel::cli::addLogCommand,
+    qel::cli::addConvertCommand, qel::cli::addRuleCommand,    qel::cli::addExpandCommand,
+    qel::cli::addDateCommand,    qel::cli::addZoneCommand,    qel::cli::addEncodeCommand,
+    qel::cli::addDecodeCommand,  qel::cli::addCharsetCommand, qel::cli::addFieldCommand,
+    qel::cli::addStatusCommand,  qel::cli::addStreamCommand,  qel::cli::addLogCommand,
 };
 
 std::string commandLineOf(const CLI::App& app) {

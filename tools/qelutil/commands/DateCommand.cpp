@@ -36,11 +36,12 @@ bool isNumber(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-std::int64_t readNumber(const std::string& text) {
+// `digits` is the number within `text`, which is what a message names.
+std::int64_t readNumber(const std::string& text, const std::string& digits) {
     constexpr std::size_t kMostDigits = 17;  // more than any moment or duration has
-    if (!isNumber(text)) throw InputError("\"" + text + "\": is not a whole number");
-    if (text.size() > kMostDigits) throw InputError("\"" + text + "\": is too large");
-    return std::strtoll(text.c_str(), nullptr, 10);
+    if (!isNumber(digits)) throw InputError("\"" + text + "\": is not a whole number");
+    if (digits.size() > kMostDigits) throw InputError("\"" + text + "\": is too large");
+    return std::strtoll(digits.c_str(), nullptr, 10);
 }
 
 Form formOf(const std::string& text) {
@@ -79,21 +80,21 @@ Value readValue(const std::string& text, const std::string& form) {
     switch (wanted) {
         case Form::Day: {
             // Held short of what the multiplication would overflow at.
-            const std::int64_t day = readNumber(text);
+            const std::int64_t day = readNumber(text, text);
             const bool known = day >= 0 && day <= kLastCodeDate;
             return momentAt(text, known ? day * kDaySeconds : -1, false, false);
         }
         case Form::Seconds:
-            return momentAt(text, readNumber(text), true, false);
+            return momentAt(text, readNumber(text, text), true, false);
         case Form::Unix:
             return momentAt(text,
-                            readNumber(text.rfind('@', 0) == 0 ? text.substr(1) : text) +
+                            readNumber(text, text.rfind('@', 0) == 0 ? text.substr(1) : text) +
                                 kUnixEpochDay * kDaySeconds,
                             true, true);
         case Form::Duration:
             return {std::nullopt, readDuration(text)};
         case Form::Length:
-            return {std::nullopt, readNumber(text.substr(0, text.find_last_not_of('s') + 1))};
+            return {std::nullopt, readNumber(text, text.substr(0, text.find_last_not_of('s') + 1))};
         case Form::Moment:
             break;
     }
