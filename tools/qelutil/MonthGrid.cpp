@@ -13,7 +13,6 @@ using std::chrono::day;
 using std::chrono::sys_days;
 using std::chrono::weekday;
 using std::chrono::year_month;
-using std::chrono::year_month_day;
 
 constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
                                                  "May",       "June",     "July",     "August",
