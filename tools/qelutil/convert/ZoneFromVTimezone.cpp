@@ -124,7 +124,7 @@ class VTimezoneZone {
         const RuleReading reading = readRules(line.value, RuleForm::ICalendar, start);
         for (const RuleNote& note : reading.notes)
             if (note.severity != Severity::Note) sink_(note.severity, line.number, note.text);
-        for (Rule rule : reading.rules) {
+        for (const Rule& rule : reading.rules) {
             // The hour of the change is DTSTART's, whatever the rule repeats of it.
             RuleLimits limits;
             limits.most = kMostChanges;
