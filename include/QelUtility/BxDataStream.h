@@ -57,7 +57,7 @@ class QELUTILITY_API CBxBuffer {
 
   protected:
     // The bytes of content that lie within the storage.
-    unsigned int ContentSize() const;
+    QELUTILITY_LOCAL unsigned int ContentSize() const;
 
     unsigned char* m_storage;   // allocated with malloc when owned
     unsigned char* m_position;  // where the next value is written or read
@@ -185,12 +185,12 @@ class QELUTILITY_API CBxDataStream : public CBxBuffer {
     int Read(unsigned char*& data, long& size);
 
   private:
-    void AddNumber(unsigned long long bits, int digits);
-    void AddLong(long long value);
-    unsigned long long ReadNumber();
-    int ReadCount();
-    int ValueLength(int line);
-    void PassValue(int length);
+    QELUTILITY_LOCAL void AddNumber(unsigned long long bits, int digits);
+    QELUTILITY_LOCAL void AddLong(long long value);
+    QELUTILITY_LOCAL unsigned long long ReadNumber();
+    QELUTILITY_LOCAL int ReadCount();
+    QELUTILITY_LOCAL int ValueLength(int line);
+    QELUTILITY_LOCAL void PassValue(int length);
 
     unsigned char* ContentEnd() const { return m_storage + ContentSize(); }
 };

@@ -55,7 +55,7 @@ class QELUTILITY_API CBxSymbolParser {
 
     // Reads one item; `result` is what GetNextSymbol gives. True when the last item is one that was
     // read from the text, false when nothing stood there or memory is exhausted.
-    bool ReadSymbol(int& result);
+    QELUTILITY_LOCAL bool ReadSymbol(int& result);
 
     const char* m_cursor;      // read position in the caller's text; null before the first parse
     const char* m_separators;  // never null
@@ -97,10 +97,10 @@ class QELUTILITY_API CBxParsePairValues : public CBxSymbolParser {
   private:
     // By the bytes of the names; a null name counts as the empty text.
     struct NameLess {
-        bool operator()(const VStr& a, const VStr& b) const;
+        QELUTILITY_LOCAL bool operator()(const VStr& a, const VStr& b) const;
     };
 
-    void AddPair(const VStr& item);
+    QELUTILITY_LOCAL void AddPair(const VStr& item);
 
     std::map<VStr, VStr, NameLess> m_pairs;
 };

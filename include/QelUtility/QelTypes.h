@@ -5,6 +5,8 @@
 
 // QELUTILITY_API marks what the shared library exports. QELUTILITY_BUILDING is defined while the
 // library itself is compiled, QELUTILITY_STATIC by programs that link its objects directly.
+// QELUTILITY_LOCAL takes a private member of an exported class out of it again; a Windows library
+// exports a class only as a whole.
 #if defined(_WIN32)
 #include <stdint.h>  // spells __int64 where the compiler does not know it
 #if defined(QELUTILITY_BUILDING)
@@ -14,10 +16,12 @@
 #else
 #define QELUTILITY_API __declspec(dllimport)
 #endif
+#define QELUTILITY_LOCAL
 #define QELUTILITY_CALL __cdecl
 #define QELUTILITY_STDCALL __stdcall
 #else
 #define QELUTILITY_API __attribute__((visibility("default")))
+#define QELUTILITY_LOCAL __attribute__((visibility("hidden")))
 #define QELUTILITY_CALL
 #define QELUTILITY_STDCALL
 // The interface speaks of __int64 on every platform; `long` and `long long` stay distinct types.

@@ -174,8 +174,8 @@ class QELUTILITY_API VStr {
     void Format(const char* fmt, ...);
 
   private:
-    void Adopt(char* block, int length, unsigned int capacity);
-    VStr& Append(const char* s, int count);
+    QELUTILITY_LOCAL void Adopt(char* block, int length, unsigned int capacity);
+    QELUTILITY_LOCAL VStr& Append(const char* s, int count);
 
     char* m_buffer;
     int m_length;

@@ -65,7 +65,7 @@ class QELUTILITY_API VStrArray {
     void VStrArrDel(VStr* p, int n);
 
   private:
-    int AddValue(VStr& value);
+    QELUTILITY_LOCAL int AddValue(VStr& value);
 
     VStr* m_data;
     int m_size;
@@ -99,7 +99,7 @@ class QELUTILITY_API CBxArray<VStr> {
   protected:
     // Makes room for one element more by moving or by copying the others; false when memory is
     // exhausted, with the array as it was.
-    bool GrowForOne(bool moving);
+    QELUTILITY_LOCAL bool GrowForOne(bool moving);
 
     int m_lastIndex;  // highest index that there is room for, -1 without a block
     int m_size;
