@@ -1,0 +1,74 @@
+// One entry on its way into an iCalendar file; for ICalWriter alone. It works on a copy of the
+// entry: its times are put in order there, then its lines are made. One thread.
+#ifndef QELUTIL_CONVERT_ICALENTRY_H
+#define QELUTIL_CONVERT_ICALENTRY_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "convert/EntryWriter.h"
+
+namespace qel::convert {
+
+// The value of a property as it stands behind the colon, escaped where its type asks for that.
+[[nodiscard]] std::string valueText(const EntryProperty& property);
+
+class ICalEntry {
+  public:
+    ICalEntry(ICalWriter& writer, const Entry& entry) : writer_(writer), entry_(entry) {}
+
+    void write();
+
+  private:
+    // The same entry gives the same name, whenever it is converted.
+    [[nodiscard]] std::string uid() const;
+    void tell(Severity severity, const std::string& message, std::size_t line = 0);
+    // A date of vCalendar 1.0 that iCalendar does not allow there.
+    void keep(std::string_view name, const Moment& moment);
+    void settleStart();
+    // `moment` with the value type and clock of the start, which it must share.
+    [[nodiscard]] Moment likeStart(const Moment& moment) const;
+    // Below 0, 0, above 0 for before, at, after the start; both on the start's clock.
+    [[nodiscard]] std::int64_t afterStart(const Moment& moment) const;
+    void settleEnd();
+    void settleDue();
+    void addMoment(std::string_view name, const Moment& moment,
+                   std::vector<Parameter> parameters = {});
+    // Properties that iCalendar has in UTC only.
+    void addUtc(std::string_view name, const std::optional<Moment>& moment);
+    void addDates();
+    void addDuration();
+    // UNTIL is of the start's value type: a date, a local time, or UTC (RFC 5545 section 3.3.10).
+    [[nodiscard]] std::string untilText(const std::string& until) const;
+    void addRecurrence();
+    // One line for the dates that share a clock.
+    void addDateList(std::string_view name, const std::vector<Moment>& dates);
+    // A rule that recurs within the day: no record holds it, but it is a rule of iCalendar.
+    static bool isFineRule(const EntryProperty& property);
+    void addProperty(const EntryProperty& property);
+    // TRIGGER of an alarm; nothing when its moment cannot be told from the start's.
+    [[nodiscard]] std::optional<std::string> trigger(const Alarm& alarm) const;
+    void keepAlarm(const Alarm& alarm);
+    [[nodiscard]] static std::vector<Parameter> carriedParameters(
+        const std::vector<Parameter>& parameters);
+    void addAlarm(const Alarm& alarm);
+    void addAction(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const;
+    void addSound(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const;
+
+    ICalWriter& writer_;
+    Entry entry_;
+    bool usesZone_ = false;
+    std::string summary_ = "Reminder";  // what an alarm shows that has no text
+    std::vector<std::string> lines_;
+    std::vector<std::string> alarmLines_;
+    std::set<std::string, std::less<>> writtenOnce_;
+};
+
+}  // namespace qel::convert
+
+#endif
