@@ -11,6 +11,15 @@ int weekdayOfCode(std::string_view code) {
     return 0;
 }
 
+std::string joined(const std::vector<int>& numbers, char separator) {
+    std::string text;
+    for (const int number : numbers) {
+        if (!text.empty()) text += separator;
+        text += std::to_string(number);
+    }
+    return text;
+}
+
 void Strays::report(std::vector<RuleNote>& notes, Severity severity, std::string_view what) const {
     if (count_ == 0) return;
     std::string text = std::string(what) + " " + quoted(first_);

@@ -19,6 +19,9 @@ inline constexpr std::array<std::string_view, 8> kDayCodes = {"",   "SU", "MO", 
 // 1 Sunday .. 7 Saturday for a two-letter code in either case, else 0.
 [[nodiscard]] int weekdayOfCode(std::string_view code);
 
+// "1,15,-1"
+[[nodiscard]] std::string joined(const std::vector<int>& numbers, char separator = ',');
+
 template <class Item>
 void addOnce(std::vector<Item>& list, const Item& item) {
     if (std::find(list.begin(), list.end(), item) == list.end()) list.push_back(item);

@@ -13,15 +13,6 @@ namespace {
 constexpr int kMostInRecord = std::numeric_limits<short>::max();
 constexpr std::size_t kMostPositions = 4;
 
-std::string joined(const std::vector<int>& numbers, char separator = ',') {
-    std::string text;
-    for (const int number : numbers) {
-        if (!text.empty()) text += separator;
-        text += std::to_string(number);
-    }
-    return text;
-}
-
 std::string daysText(const std::vector<RuleDay>& days) {
     std::string text;
     for (const RuleDay& day : days) {

@@ -35,15 +35,6 @@ void dropPart(Parts& parts, std::string_view name) {
     std::erase_if(parts, [&](const auto& part) { return part.first == name; });
 }
 
-std::string joined(const std::vector<int>& numbers) {
-    std::string text;
-    for (const int number : numbers) {
-        if (!text.empty()) text += ',';
-        text += std::to_string(number);
-    }
-    return text;
-}
-
 // BYDAY of all pieces together, each ordinal at its day again.
 std::string joinedDays(const std::vector<Parts>& texts, const std::vector<RulePiece>& pieces) {
     std::string days;
