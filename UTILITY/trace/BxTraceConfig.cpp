@@ -159,13 +159,26 @@ bool readOption(const char* section, const char* key, char (&text)[1025]) {
     return text[0] != '\0';
 }
 
-void writeOption(const char* section, const char* key, const char* format, int value) {
+void writeOption(const char* section, const char* key, const char* format, int value,
+                 platform::ProfileWrite when = platform::ProfileWrite::kAlways) {
     const char* file = optionsFile();
     if (section == nullptr || key == nullptr || file[0] == '\0') return;
     char text[16];
     std::snprintf(text, sizeof text, format, value);
     // A file that cannot be written is no failure: the value in use stays.
-    platform::writeProfile(file, section, key, text);
+    platform::writeProfile(file, section, key, text, when);
+}
+
+// Reads an option; one that is missing is filled in with the value in use. Another process may be
+// filling in the same file: the value that it or its user has written meanwhile counts.
+void readOrFillIn(const char* section, const char* key, unsigned base, int& value) {
+    char text[1025];
+    if (!readOption(section, key, text)) {
+        writeOption(section, key, base == 16 ? "%x" : "%d", value,
+                    platform::ProfileWrite::kIfMissing);
+        if (!readOption(section, key, text)) return;
+    }
+    value = parseNumber(text, base);
 }
 
 using OptionReader = void (*)(const char*, const char*, int&);
@@ -310,21 +323,11 @@ long BxTrace_GetTracingOptions() {
 }
 
 void BxTrace_GetOptionValue(const char* section, const char* key, int& value) {
-    char text[1025];
-    if (readOption(section, key, text)) {
-        value = parseNumber(text, 10);
-    } else {
-        BxTrace_SetOptionValue(section, key, value);
-    }
+    readOrFillIn(section, key, 10, value);
 }
 
 void BxTrace_GetHexOptionValue(const char* section, const char* key, int& value) {
-    char text[1025];
-    if (readOption(section, key, text)) {
-        value = parseNumber(text, 16);
-    } else {
-        BxTrace_SetHexOptionValue(section, key, value);
-    }
+    readOrFillIn(section, key, 16, value);
 }
 
 void BxTrace_SetOptionValue(const char* section, const char* key, int value) {

@@ -72,8 +72,17 @@ void publish(Path which, const char* text) noexcept {
 }
 
 WriterLock::WriterLock() noexcept : result_(platform::lockTraceMutex(kWaitMilliseconds)) {
-    if (result_ == platform::LockResult::kLocked && ++writerDepth == 1)
-        writerThread.store(platform::threadId(), std::memory_order_relaxed);
+    if (result_ != platform::LockResult::kLocked) return;
+    if (heldHere()) {
+        ++writerDepth;
+        return;
+    }
+    // A thread that ended while it held the mutex has left its depth behind, and its message.
+    writerDepth = 1;
+    writerThread.store(platform::threadId(), std::memory_order_relaxed);
+    Writer& w = writer();
+    w.redirectedTo = nullptr;
+    w.flushing = false;
 }
 
 WriterLock::~WriterLock() {

@@ -1,6 +1,7 @@
 // Profile files: the same answers from the system's own calls and from their stand-in.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -91,6 +92,44 @@ TEST(Profile, LeavesAloneWhatIsNoProfileFile) {
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path()))
         ++entries;
     EXPECT_EQ(entries, 1U) << "no file is left behind";
+}
+
+// A value that is there stays; one that is empty is missing.
+TEST(Profile, FillsInOnlyWhatIsMissing) {
+    const TempDir dir;
+    const std::string path = dir.file("f.ini");
+    const auto fillIn = [&path](const char* key) {
+        return writeProfile(path.c_str(), "s", key, "new", qel::platform::ProfileWrite::kIfMissing);
+    };
+    writeFile(path, "[s]\nthere=old\nquoted=\"\"\nempty=\n");
+    for (const char* key : {"There", "quoted", "empty", "missing"}) EXPECT_TRUE(fillIn(key));
+    EXPECT_EQ(get(path, "s", "there"), "old");
+    for (const char* key : {"quoted", "empty", "missing"}) EXPECT_EQ(get(path, "s", key), "new");
+}
+
+// Threads that fill in the same keys, each with a value of its own: what one has seen stays.
+TEST(Profile, TheFirstToFillInAValueWins) {
+    const TempDir dir;
+    const std::string path = dir.file("first.ini");
+    constexpr int kThreads = 4;
+    constexpr int kKeys = 10;
+    std::vector<std::string> seen[kThreads];
+    std::vector<std::thread> running;
+    for (int thread = 0; thread < kThreads; ++thread) {
+        running.emplace_back([&path, &seen, thread] {
+            for (int i = 0; i < kKeys; ++i) {
+                const std::string key = "k" + std::to_string(i);
+                EXPECT_TRUE(writeProfile(path.c_str(), "s", key.c_str(),
+                                         std::to_string(thread).c_str(),
+                                         qel::platform::ProfileWrite::kIfMissing));
+                seen[thread].push_back(get(path, "s", key.c_str()));
+            }
+        });
+    }
+    for (std::thread& each : running) each.join();
+    for (int thread = 1; thread < kThreads; ++thread) EXPECT_EQ(seen[thread], seen[0]);
+    const std::string text = readFile(path);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '='), kKeys) << text;
 }
 
 // Writers on several threads, each with keys of its own: none loses another's.

@@ -2,6 +2,7 @@
 // there once, whole.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <map>
@@ -52,6 +53,8 @@ void runProbes(const FreshTrace& trace) {
         });
     }
     for (std::thread& each : running) each.join();
+    const std::string filledIn = trace.text("BxOptions.opt");
+    EXPECT_EQ(std::count(filledIn.begin(), filledIn.end(), '='), 10) << filledIn;
 
     std::map<std::string, int> found;
     int broken = 0;

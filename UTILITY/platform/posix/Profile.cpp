@@ -102,6 +102,14 @@ Place find(std::string_view text, std::string_view section, std::string_view key
     return place;
 }
 
+// The key's value, empty when it is missing.
+std::string_view valueIn(std::string_view text, std::string_view section,
+                         std::string_view key) noexcept {
+    const Place place = find(text, trim(section), trim(key));
+    if (!place.keyFound) return {};
+    return unquote(trim(text.substr(place.valueStart, place.valueEnd - place.valueStart)));
+}
+
 // `text` with the value set. Line ends are those of the file.
 std::string withValue(const std::string& text, std::string_view section, std::string_view key,
                       std::string_view value) {
@@ -143,14 +151,20 @@ bool replaceFile(const std::string& path, std::string_view text) {
     return false;
 }
 
-// A name or value that would not read back as it was given.
-bool unfit(std::string_view text) noexcept {
-    return text.find_first_of("\r\n") != std::string_view::npos;
+// Whether a line of these would be read back as what was given; one that is not would be added
+// again with every write.
+bool readsBack(std::string_view section, std::string_view key, std::string_view value) noexcept {
+    constexpr auto kNone = std::string_view::npos;
+    return !key.empty() && key.front() != '[' && key.front() != ';' &&
+           key.find_first_of("=\r\n") == kNone && section.find_first_of("]\r\n") == kNone &&
+           value.find_first_of("\r\n") == kNone;
 }
 
 bool writeProfileChecked(const char* path, std::string_view section, std::string_view key,
-                         std::string_view value) {
-    if (unfit(section) || unfit(key) || unfit(value) || key.empty()) return false;
+                         std::string_view value, ProfileWrite when) {
+    section = trim(section);
+    key = trim(key);
+    if (!readsBack(section, key, value)) return false;
     // A link stays a link: the file that it leads to is replaced.
     char resolved[PATH_MAX];
     const std::string target = realpath(path, resolved) != nullptr ? resolved : path;
@@ -158,7 +172,8 @@ bool writeProfileChecked(const char* path, std::string_view section, std::string
     if (lock.acquire(target.c_str(), kLockMilliseconds) == LockResult::kTimedOut) return false;
     std::string text;
     if (readWhole(target.c_str(), text) == ReadResult::kFailed) return false;
-    const std::string changed = withValue(text, trim(section), trim(key), value);
+    if (when == ProfileWrite::kIfMissing && !valueIn(text, section, key).empty()) return true;
+    const std::string changed = withValue(text, section, key, value);
     if (changed.size() > kMostBytes) return false;
     return changed == text || replaceFile(target, changed);
 }
@@ -172,20 +187,16 @@ void readProfile(const char* path, const char* section, const char* key, char* o
     try {
         std::string text;
         if (readWhole(path, text) != ReadResult::kRead) return;
-        const Place place = find(text, trim(section), trim(key));
-        if (!place.keyFound) return;
-        const std::string_view line(text.data() + place.valueStart,
-                                    place.valueEnd - place.valueStart);
-        out[unquote(trim(line)).copy(out, room - 1)] = '\0';
+        out[valueIn(text, section, key).copy(out, room - 1)] = '\0';
     } catch (...) {
         out[0] = '\0';  // out of memory: as if the file could not be read
     }
 }
 
-bool writeProfile(const char* path, const char* section, const char* key,
-                  const char* value) noexcept {
+bool writeProfile(const char* path, const char* section, const char* key, const char* value,
+                  ProfileWrite when) noexcept {
     try {
-        return writeProfileChecked(path, section, key, value);
+        return writeProfileChecked(path, section, key, value, when);
     } catch (...) {
         return false;
     }
