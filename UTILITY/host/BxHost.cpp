@@ -54,10 +54,16 @@ bool whole(char* buffer, unsigned long size, int length) {
     return false;
 }
 
-// True when the source filled the buffer with a terminated, non-empty text.
+// True when the source filled the buffer with a terminated, non-empty text. A source that throws
+// has none: the trace asks in the middle of its callers' error handling.
 bool ask(BxHostTextSource source, char* buffer, unsigned long size) {
-    const bool filled =
-        source(buffer, size) && buffer[0] != '\0' && std::memchr(buffer, '\0', size) != nullptr;
+    bool filled = false;
+    try {
+        filled =
+            source(buffer, size) && buffer[0] != '\0' && std::memchr(buffer, '\0', size) != nullptr;
+    } catch (...) {
+        filled = false;
+    }
     if (!filled) buffer[0] = '\0';
     return filled;
 }

@@ -77,10 +77,12 @@ WriterLock::WriterLock() noexcept : result_(platform::lockTraceMutex(kWaitMillis
         ++writerDepth;
         return;
     }
-    // A thread that ended while it held the mutex has left its depth behind, and its message.
+    // A thread that ended while it held the mutex has left its depth behind, and its message
+    // unfinished.
     writerDepth = 1;
     writerThread.store(platform::threadId(), std::memory_order_relaxed);
     Writer& w = writer();
+    w.lock.release();
     w.redirectedTo = nullptr;
     w.flushing = false;
 }

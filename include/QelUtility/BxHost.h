@@ -20,7 +20,8 @@ QELUTILITY_API bool GetProfileDirectoryWithUserName(char* buffer, unsigned long 
 QELUTILITY_API bool GetCurrentModelID(char* buffer, unsigned long size);
 
 // Replaces the source of either; null brings the default back. The library calls a source on the
-// thread that needs it, possibly on several at once; it must not throw and must not call back.
+// thread that needs it, possibly on several at once; it must not call back, and throwing counts as
+// false.
 QELUTILITY_API void BxHost_SetProfileDirectorySource(BxHostTextSource source);
 QELUTILITY_API void BxHost_SetModelIDSource(BxHostTextSource source);
 

@@ -116,7 +116,9 @@ QELUTILITY_API void QELUTILITY_CALL BxTrace_WriteHex(long mask, const unsigned c
 // to read or write it are ignored.
 
 // Reads a decimal value. When the key is missing or empty, `value` stays as it is and is written
-// to the file, which so fills itself with the defaults in use. Values beyond 32 bits saturate.
+// to the file, which so fills itself with the defaults in use; where another process fills in the
+// same key at the same time, the value that is in the file then counts for both. Values beyond 32
+// bits saturate.
 QELUTILITY_API void BxTrace_GetOptionValue(const char* section, const char* key, int& value);
 // The same in hexadecimal, with or without "0x".
 QELUTILITY_API void BxTrace_GetHexOptionValue(const char* section, const char* key, int& value);

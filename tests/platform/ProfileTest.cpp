@@ -94,6 +94,18 @@ TEST(Profile, LeavesAloneWhatIsNoProfileFile) {
     EXPECT_EQ(entries, 1U) << "no file is left behind";
 }
 
+// A name that would be read back as another is refused: it would be added again with every write.
+TEST(Profile, RefusesNamesThatWouldNotReadBack) {
+    if (qel::platform::kPathSeparator == '\\') GTEST_SKIP() << "the system's own calls take them";
+    const TempDir dir;
+    const std::string path = dir.file("n.ini");
+    for (const char* key : {"", "a=b", ";a", " ;a", "[a", "a\nb"})
+        EXPECT_FALSE(writeProfile(path.c_str(), "s", key, "v")) << key;
+    for (const char* section : {"a]b", "a\nb"})
+        EXPECT_FALSE(writeProfile(path.c_str(), section, "k", "v")) << section;
+    EXPECT_EQ(readFile(path), "");
+}
+
 // A value that is there stays; one that is empty is missing.
 TEST(Profile, FillsInOnlyWhatIsMissing) {
     const TempDir dir;

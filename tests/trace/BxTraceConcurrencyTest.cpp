@@ -169,6 +169,22 @@ TEST(BxTraceThreads, AMessageThatCannotGetTheMutexInTimeIsDropped) {
     EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "after"}));
 }
 
+// Where the system gives a mutex back whose thread has ended, the next message is written in full.
+TEST(BxTraceThreads, AThreadThatEndsInsideItsMessageBlocksNoOther) {
+    if (qel::platform::kPathSeparator != '\\') GTEST_SKIP() << "such a mutex stays locked";
+    const FreshTrace trace({"TracingOptions=3"});
+    BxTrace_Trace00("before");
+    std::thread([] {
+        static const auto* neverReleased = new qel::trace::WriterLock;
+        ASSERT_TRUE(*neverReleased);
+        qel::trace::writer().redirectedTo = qel::trace::path(qel::trace::Path::kSyncInput);
+        qel::trace::writer().flushing = true;
+    }).join();
+    EXPECT_EQ(BxTrace_Trace00("two\nlines"), 0);
+    EXPECT_FALSE(qel::trace::WriterLock::heldHere());
+    EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "two", "lines"}));
+}
+
 // A log whose lock another holds is written to, but not rotated under the other's hands.
 TEST(BxTraceThreads, ALockedLogIsNotRotated) {
     const FreshTrace trace({"MaxFileSize=1"});

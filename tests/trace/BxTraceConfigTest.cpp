@@ -91,6 +91,13 @@ TEST(BxTraceConfig, WithoutTheEnvironmentTheHostsProfileDirectoryCounts) {
     EXPECT_EQ(BxTrace_GetLogFilePath(),
               withSeparator(std::filesystem::path(program).parent_path().string()) + "BxTrace.log");
     EXPECT_EQ(BxTrace_GetOptionsFilePath(), trace.file("elsewhere.opt"));
+
+    // A host that throws has none either.
+    qel::trace::resetForTest();
+    BxHost_SetProfileDirectorySource([](char*, unsigned long) -> bool { throw 7; });
+    EXPECT_NO_THROW(EXPECT_EQ(BxTrace_GetTracingOptions(), 1));
+    EXPECT_EQ(BxTrace_GetLogFilePath(),
+              withSeparator(std::filesystem::path(program).parent_path().string()) + "BxTrace.log");
     BxHost_SetProfileDirectorySource(nullptr);
 }
 
