@@ -160,7 +160,7 @@ TEST(Convert, ZonesOfICalendarBecomeTzAndDaylight) {
         "BEGIN:VEVENT\r\nUID:2\r\nDTSTAMP:20050101T000000Z\r\nDTSTART:20050601T090000Z\r\n"
         "RRULE:FREQ=DAILY;COUNT=2\r\nEND:VEVENT\r\n"
         "BEGIN:VEVENT\r\nUID:3\r\nDTSTAMP:20050101T000000Z\r\nDTSTART;TZID=Gone:20050601T090000\r\n"
-        "END:VEVENT\r\n"
+        "DTEND;TZID=Gone:20050601T100000\r\nEND:VEVENT\r\n"
         // Behind the entries that use it.
         "BEGIN:VTIMEZONE\r\nTZID:Here\r\n"
         "BEGIN:STANDARD\r\nDTSTART:16010101T030000\r\nTZOFFSETFROM:+0200\r\nTZOFFSETTO:+0100\r\n"
@@ -173,6 +173,7 @@ TEST(Convert, ZonesOfICalendarBecomeTzAndDaylight) {
     EXPECT_TRUE(holds(result.out, "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z;;"));
     EXPECT_TRUE(holds(result.out, "RRULE:D1 20050603T090000"));
     EXPECT_TRUE(result.tells("\"Gone\" is not described"));
+    EXPECT_EQ(result.texts(Severity::Warning).size(), 1u);
     // The series in UTC stands in a calendar without a zone, or it would move to that zone's clock.
     EXPECT_EQ(entryDifferences(icalendar, result.out), "");
 }

@@ -7,10 +7,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <fstream>
-#include <iostream>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,6 +15,7 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/RepeatRecord.h"
 #include "recurrence/RuleRecordText.h"
+#include "support/Tables.h"
 
 namespace {
 
@@ -26,7 +24,10 @@ using qel::test::codes;
 using qel::test::date;
 using qel::test::dates;
 using qel::test::describe;
-using Row = std::map<std::string, std::string>;
+using qel::test::Row;
+using qel::test::split;
+using qel::test::table;
+using qel::test::Tally;
 
 // Rules that the conversion loses and a record holds, the rule as its reader's record (without its
 // end) or, where the reader loses a part too, as its text.
@@ -55,50 +56,6 @@ const std::map<std::string, const char*> kHeld = {
     {"MP2 1+ SU 1- SU", "15 every 2 days 1 weeks 1,5"},
     {"MP2 1+ 1- FR", "15 every 2 days 6 weeks 1,5"},
     {"MP2 2+ TU 1- TU", "15 every 2 days 3 weeks 2,5"},
-};
-
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> items;
-    std::istringstream in(text);
-    for (std::string item; std::getline(in, item, separator);) items.push_back(item);
-    return items;
-}
-
-// The rows of a table by column name; empty when the table is not there.
-std::vector<Row> table(const std::string& name) {
-    std::ifstream in(std::string(QEL_TEST_SHARED_DATA) + "/tables/" + name);
-    std::vector<Row> rows;
-    std::string line;
-    std::getline(in, line);
-    const std::vector<std::string> columns = split(line, '\t');
-    while (std::getline(in, line)) {
-        const std::vector<std::string> fields = split(line, '\t');
-        Row row;
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            row[columns[i]] = i < fields.size() ? fields[i] : "";
-        }
-        rows.push_back(row);
-    }
-    return rows;
-}
-
-// The rows by what became of them and why.
-struct Tally {
-    std::map<std::string, int> counts;
-
-    void add(const std::string& outcome, const std::string& reason) {
-        ++counts[outcome + ": " + reason];
-    }
-    [[nodiscard]] int total(const std::string& outcome) const {
-        int sum = 0;
-        for (const auto& [key, count] : counts) sum += key.starts_with(outcome) ? count : 0;
-        return sum;
-    }
-    int print(const std::string& name) const {
-        std::cout << name << ": " << total("") << " rows, " << total("agree") << " agree\n";
-        for (const auto& [key, count] : counts) std::cout << "  " << count << " " << key << "\n";
-        return total("");
-    }
 };
 
 // The positional form of an iCalendar rule: the iCalendar reader reads no BYMONTHDAY and no WKST.

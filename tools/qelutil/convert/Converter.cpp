@@ -47,7 +47,10 @@ class ZoneStore {
 class Converter::File {
   public:
     File(Converter& owner, ByteSource source)
-        : owner_(owner), reader_(std::move(source), owner.file_, owner.sink_) {}
+        : owner_(owner),
+          reader_(std::move(source), owner.file_, owner.sink_),
+          vCalReader_(owner.zones_->zones, lineSink()),
+          iCalReader_(owner.zones_->zones, lineSink()) {}
 
     void run(const std::function<void(std::uint64_t)>& progress) {
         using Item = CalendarReader::Item;
@@ -186,13 +189,9 @@ class Converter::File {
         }
         settle();
         const ZonePtr zone = zoneOf(component);
-        const LineSink sink = lineSink();
-        std::optional<Entry> entry;
-        if (isVCalendar() || component.name == "VNOTE") {
-            entry = VCalReader(owner_.zones_->zones, sink).read(component, zone);
-        } else {
-            entry = ICalReader(owner_.zones_->zones, sink).read(component, zone);
-        }
+        EntryReader* reader = &iCalReader_;
+        if (isVCalendar() || component.name == "VNOTE") reader = &vCalReader_;
+        const std::optional<Entry> entry = reader->read(component, zone);
         if (!entry) return;
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
@@ -231,6 +230,8 @@ class Converter::File {
 
     Converter& owner_;
     CalendarReader reader_;
+    VCalReader vCalReader_;
+    ICalReader iCalReader_;
     std::optional<ContentLine> tz_;
     std::vector<ContentLine> daylight_;
     std::vector<EntryProperty> header_;

@@ -14,6 +14,9 @@ namespace {
 
 // Rule lines that one entry may have; each one is worked out.
 constexpr std::size_t kMostRuleLines = 100;
+// Names of zones that are remembered as told.
+constexpr std::size_t kMostUnknownZones = 1000;
+constexpr std::size_t kLongestZone = 1000;
 
 }  // namespace
 
@@ -105,9 +108,7 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     if (!id.empty()) {
         const auto found = zones_.find(id);
         if (found == zones_.end()) {
-            tell(Severity::Warning, line.number,
-                 line.name + ": the zone " + quoted(id) +
-                     " is not described in the file; the time stays local");
+            tellUnknownZone(line, id);
             return result;
         }
         zone = found->second;
@@ -121,6 +122,15 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
         return entry_.zone->toLocal(zone->toUtc(*result));
     }
     return result;
+}
+
+void EntryReader::tellUnknownZone(const ContentLine& line, std::string_view id) {
+    if (unknownZones_.contains(id)) return;
+    // Beyond some number of them the file is no calendar but an attempt at this memory.
+    if (unknownZones_.size() < kMostUnknownZones) unknownZones_.emplace(id.substr(0, kLongestZone));
+    tell(Severity::Warning, line.number,
+         line.name + ": the zone " + quoted(id) +
+             " is not described in the file; its times stay local");
 }
 
 namespace {

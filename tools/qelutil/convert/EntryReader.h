@@ -6,6 +6,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,7 @@ namespace qel::convert {
 // By TZID.
 using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
 
+// One reader reads the entries of one file: of a zone that is not described it tells once.
 class EntryReader {
   public:
     EntryReader(const ZoneMap& zones, LineSink sink) : zones_(zones), sink_(std::move(sink)) {}
@@ -61,6 +63,7 @@ class EntryReader {
     bool takeRecurrence(const ContentLine& line);
     void takeDateList(const ContentLine& line);
     void takeLine(const ContentLine& line);
+    void tellUnknownZone(const ContentLine& line, std::string_view id);
     void takeAlarmLine(const ContentLine& line);
     void takeAlarmComponent(const Component& component);
     static void settleAlarm(Alarm& alarm);
@@ -70,6 +73,7 @@ class EntryReader {
     LineSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
+    std::set<std::string, std::less<>> unknownZones_;  // that have been told
 };
 
 // vCalendar 1.0.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bitset>
 #include <cstdint>
 
 #include "convert/Days.h"
@@ -11,14 +12,28 @@ namespace {
 
 constexpr std::int64_t kDaySeconds = 86400;
 
-bool holds(const std::vector<int>& list, int value) {
-    return std::find(list.begin(), list.end(), value) != list.end();
-}
+// A list of a rule part: whether it names a number is known at once, however long it is.
+class Members {
+  public:
+    explicit Members(const std::vector<int>& list) : any_(!list.empty()) {
+        for (const int each : list)
+            if (each >= -kMost && each <= kMost) set_.set(static_cast<std::size_t>(each + kMost));
+    }
 
-// A list with negative members counted from the end: of `length` days, does it name day `day`?
-bool names(const std::vector<int>& list, int day, int length) {
-    return holds(list, day) || holds(list, day - length - 1);
-}
+    [[nodiscard]] bool any() const { return any_; }
+    [[nodiscard]] bool holds(int value) const {
+        return set_.test(static_cast<std::size_t>(value + kMost));
+    }
+    // Negative members count from the end: does the list name day `day` of `length` days?
+    [[nodiscard]] bool names(int day, int length) const {
+        return holds(day) || holds(day - length - 1);
+    }
+
+  private:
+    static constexpr int kMost = 367;
+    std::bitset<2 * kMost + 1> set_;
+    bool any_;
+};
 
 class Expander {
   public:
@@ -26,6 +41,11 @@ class Expander {
         : rule_(rule),
           start_(start),
           limits_(limits),
+          months_(rule.months),
+          monthDays_(rule.monthDays),
+          yearDays_(rule.yearDays),
+          weekNumbers_(rule.weekNumbers),
+          setPositions_(rule.setPositions),
           first_(dayNumber(start.year, start.month, start.day)),
           last_(dayNumber(std::min(limits.lastYear, 2499), 12, 31)) {
         readUntil();
@@ -39,6 +59,7 @@ class Expander {
         for (std::int64_t period = 0; !done_; period += step) {
             days.clear();
             if (!candidates(period, days)) break;
+            std::erase_if(days, [this](int day) { return !isAllowed(day); });
             std::sort(days.begin(), days.end());
             days.erase(std::unique(days.begin(), days.end()), days.end());
             for (const int day : chosen(days)) take(day);
@@ -91,7 +112,8 @@ class Expander {
     bool daily(std::int64_t period, std::vector<int>& days) {
         const std::int64_t day = first_ + period;
         if (day > last_) return false;
-        addIfAllowed(static_cast<int>(day), days);
+        if (rule_.days.empty() || weekdayNamed(static_cast<int>(day)))
+            days.push_back(static_cast<int>(day));
         return true;
     }
 
@@ -99,10 +121,12 @@ class Expander {
         const int weekStart = rule_.weekStart == 0 ? 2 : rule_.weekStart;
         const std::int64_t week = first_ - (weekdayOf(first_) - weekStart + 7) % 7 + period * 7;
         if (week > last_) return false;
+        const bool byDate = monthDays_.any() || yearDays_.any();
         for (int each = 0; each < 7; ++each) {
             const int day = static_cast<int>(week) + each;
-            if (rule_.days.empty() ? weekdayOf(day) == weekdayOf(first_) : weekdayNamed(day))
-                addIfAllowed(day, days);
+            if (rule_.days.empty() ? byDate || weekdayOf(day) == weekdayOf(first_)
+                                   : weekdayNamed(day))
+                days.push_back(day);
         }
         return true;
     }
@@ -113,7 +137,7 @@ class Expander {
         const int year = static_cast<int>(month / 12);
         const int number = static_cast<int>(month % 12) + 1;
         if (dayNumber(year, number, 1) > last_) return false;
-        if (rule_.months.empty() || holds(rule_.months, number)) addMonth(year, number, days);
+        if (!months_.any() || months_.holds(number)) addMonth(year, number, days);
         return true;
     }
 
@@ -121,14 +145,14 @@ class Expander {
         if (start_.year + period > 2499) return false;
         const int year = static_cast<int>(start_.year + period);
         if (dayNumber(year, 1, 1) > last_) return false;
-        if (!rule_.weekNumbers.empty()) {
+        if (weekNumbers_.any()) {
             addWeeks(year, days);
-        } else if (!rule_.yearDays.empty()) {
+        } else if (yearDays_.any()) {
             addYearDays(year, days);
-        } else if (!rule_.months.empty()) {
+        } else if (months_.any()) {
             for (int month = 1; month <= 12; ++month)
-                if (holds(rule_.months, month)) addMonth(year, month, days);
-        } else if (!rule_.monthDays.empty()) {
+                if (months_.holds(month)) addMonth(year, month, days);
+        } else if (monthDays_.any()) {
             for (int month = 1; month <= 12; ++month) addMonth(year, month, days);
         } else if (!rule_.days.empty()) {
             addPositions(dayNumber(year, 1, 1), dayNumber(year, 12, 31), days);
@@ -141,33 +165,32 @@ class Expander {
     void addMonth(int year, int month, std::vector<int>& days) {
         const int length = daysInMonth(year, month);
         const int first = dayNumber(year, month, 1);
-        if (rule_.monthDays.empty() && rule_.days.empty()) {
-            if (start_.day <= length) days.push_back(first + start_.day - 1);
-            return;
-        }
-        std::vector<int> byDay;
-        if (!rule_.days.empty()) addPositions(first, first + length - 1, byDay);
-        for (int each = 1; each <= length; ++each) {
-            const int day = first + each - 1;
-            if (!rule_.monthDays.empty() && !names(rule_.monthDays, each, length)) continue;
-            if (!rule_.days.empty() && !holds(byDay, day)) continue;
-            days.push_back(day);
+        if (!rule_.days.empty()) {
+            addPositions(first, first + length - 1, days);
+        } else if (monthDays_.any() || yearDays_.any()) {
+            for (int each = 0; each < length; ++each) days.push_back(first + each);
+        } else if (weekNumbers_.any()) {
+            addPosition({0, weekdayOf(first_)}, first, first + length - 1, days);
+        } else if (start_.day <= length) {
+            days.push_back(first + start_.day - 1);
         }
     }
 
     // BYDAY within the days from `first` to `last`.
     void addPositions(int first, int last, std::vector<int>& days) {
-        for (const RuleDay& each : rule_.days) {
-            const int head = first + (each.weekday - weekdayOf(first) + 7) % 7;
-            const int tail = last - (weekdayOf(last) - each.weekday + 7) % 7;
-            if (each.position == 0) {
-                for (int day = head; day <= last; day += 7) days.push_back(day);
-            } else {
-                const int day = each.position > 0 ? head + (each.position - 1) * 7
-                                                  : tail + (each.position + 1) * 7;
-                if (day >= first && day <= last) days.push_back(day);
-            }
+        for (const RuleDay& each : rule_.days) addPosition(each, first, last, days);
+    }
+
+    static void addPosition(const RuleDay& which, int first, int last, std::vector<int>& days) {
+        const int head = first + (which.weekday - weekdayOf(first) + 7) % 7;
+        const int tail = last - (weekdayOf(last) - which.weekday + 7) % 7;
+        if (which.position == 0) {
+            for (int day = head; day <= last; day += 7) days.push_back(day);
+            return;
         }
+        const int day =
+            which.position > 0 ? head + (which.position - 1) * 7 : tail + (which.position + 1) * 7;
+        if (day >= first && day <= last) days.push_back(day);
     }
 
     void addYearDays(int year, std::vector<int>& days) {
@@ -175,10 +198,8 @@ class Expander {
         const int first = dayNumber(year, 1, 1);
         for (int each = 1; each <= length; ++each) {
             const int day = first + each - 1;
-            if (!names(rule_.yearDays, each, length)) continue;
-            if (!rule_.days.empty() && !weekdayNamed(day)) continue;
-            if (!rule_.months.empty() && !holds(rule_.months, civilOf(day).month)) continue;
-            days.push_back(day);
+            if (yearDays_.names(each, length) && (rule_.days.empty() || weekdayNamed(day)))
+                days.push_back(day);
         }
     }
 
@@ -188,13 +209,13 @@ class Expander {
         const int first = firstWeek(year, weekStart);
         const int weeks = (firstWeek(year + 1, weekStart) - first) / 7;
         for (int week = 1; week <= weeks; ++week) {
-            if (!names(rule_.weekNumbers, week, weeks)) continue;
+            if (!weekNumbers_.names(week, weeks)) continue;
             for (int each = 0; each < 7; ++each) {
                 const int day = first + (week - 1) * 7 + each;
-                if (rule_.days.empty() ? weekdayOf(day) != weekdayOf(first_) : !weekdayNamed(day))
-                    continue;
-                if (!rule_.months.empty() && !holds(rule_.months, civilOf(day).month)) continue;
-                days.push_back(day);
+                const bool byDate = monthDays_.any() || yearDays_.any();
+                if (rule_.days.empty() ? byDate || weekdayOf(day) == weekdayOf(first_)
+                                       : weekdayNamed(day))
+                    days.push_back(day);
             }
         }
     }
@@ -205,14 +226,27 @@ class Expander {
         return offset <= 3 ? newYear - offset : newYear + 7 - offset;
     }
 
-    void addIfAllowed(int day, std::vector<int>& days) {
+    // Every list that names dates allows no others, whatever the frequency.
+    [[nodiscard]] bool isAllowed(int day) const {
+        if (!months_.any() && !monthDays_.any() && !yearDays_.any() && !weekNumbers_.any())
+            return true;
         const Civil civil = civilOf(day);
-        if (!rule_.months.empty() && !holds(rule_.months, civil.month)) return;
-        if (!rule_.monthDays.empty() &&
-            !names(rule_.monthDays, civil.day, daysInMonth(civil.year, civil.month)))
-            return;
-        if (!rule_.days.empty() && !weekdayNamed(day)) return;
-        days.push_back(day);
+        if (months_.any() && !months_.holds(civil.month)) return false;
+        if (monthDays_.any() && !monthDays_.names(civil.day, daysInMonth(civil.year, civil.month)))
+            return false;
+        if (yearDays_.any() &&
+            !yearDays_.names(day - dayNumber(civil.year, 1, 1) + 1, daysInYear(civil.year)))
+            return false;
+        return !weekNumbers_.any() || isInWeek(day, civil.year);
+    }
+
+    [[nodiscard]] bool isInWeek(int day, int year) const {
+        const int weekStart = rule_.weekStart == 0 ? 2 : rule_.weekStart;
+        int weekYear = year + 1;
+        while (firstWeek(weekYear, weekStart) > day) --weekYear;
+        const int first = firstWeek(weekYear, weekStart);
+        return weekNumbers_.names((day - first) / 7 + 1,
+                                  (firstWeek(weekYear + 1, weekStart) - first) / 7);
     }
 
     bool weekdayNamed(int day) const {
@@ -222,11 +256,11 @@ class Expander {
     }
 
     std::vector<int> chosen(const std::vector<int>& days) const {
-        if (rule_.setPositions.empty()) return days;
+        if (!setPositions_.any()) return days;
         std::vector<int> result;
         const int length = static_cast<int>(days.size());
         for (int each = 1; each <= length; ++each)
-            if (names(rule_.setPositions, each, length))
+            if (setPositions_.names(each, length))
                 result.push_back(days[static_cast<std::size_t>(each - 1)]);
         return result;
     }
@@ -234,6 +268,11 @@ class Expander {
     const Rule& rule_;
     const RuleStart& start_;
     const RuleLimits& limits_;
+    Members months_;
+    Members monthDays_;
+    Members yearDays_;
+    Members weekNumbers_;
+    Members setPositions_;
     int first_;
     int last_;
     bool done_ = false;

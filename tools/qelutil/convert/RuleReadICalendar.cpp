@@ -58,6 +58,7 @@ class PartReader {
             return;
         }
         dropOrdinals();
+        weeksToOrdinals();
         applyEnd(end_, start, false, rule_, reading_.notes);
         reading_.rules.push_back(rule_);
     }
@@ -159,6 +160,33 @@ class PartReader {
             reading_.notes.push_back(
                 {Severity::Warning,
                  "positions of weekdays mean nothing in a daily or weekly rule"});
+    }
+
+    // The weekday that falls on the days 8 to 14 of a month is its second: that a record holds, and
+    // vCalendar 1.0 too, where they hold no weekday among days of the month.
+    void weeksToOrdinals() {
+        const bool inMonth = rule_.frequency == Frequency::Monthly ||
+                             (rule_.frequency == Frequency::Yearly && !rule_.months.empty());
+        const bool plain = std::none_of(rule_.days.begin(), rule_.days.end(),
+                                        [](const RuleDay& day) { return day.position != 0; });
+        const bool alone = rule_.setPositions.empty() && rule_.yearDays.empty() &&
+                           rule_.weekNumbers.empty() && !rule_.days.empty();
+        const int position = weekOf(rule_.monthDays);
+        if (!inMonth || !plain || !alone || position == 0) return;
+        rule_.monthDays.clear();
+        for (RuleDay& day : rule_.days) day.position = position;
+        reading_.notes.push_back({Severity::Note,
+                                  "the weekday among seven days of the month is read as its "
+                                  "position in the month"});
+    }
+
+    // 2 for the days 8 to 14 in any order, -1 for -7 to -1, 0 for days that are no such week.
+    static int weekOf(std::vector<int> days) {
+        if (days.size() != 7) return 0;
+        std::sort(days.begin(), days.end());
+        const int first = days.front();
+        if (days.back() - first != 6 || (first > 0 ? first - 1 : first) % 7 != 0) return 0;
+        return first > 0 ? first / 7 + 1 : first / 7;
     }
 
     RuleReading& reading_;

@@ -46,6 +46,9 @@ struct RuleReading {
 // rules. "M1 #0" is a monthly rule. A date as an end token that is midnight, or no more than a
 // date, is a whole day where the series has another time of day: "W1 MO 20050630T000000" from 10:00
 // gives UNTIL=20050630T235959. An empty text gives no rule and a note.
+//
+// iCalendar: a weekday among seven days of the month is the n-th one: "BYDAY=TU;BYMONTHDAY=8,9,10,
+// 11,12,13,14" gives BYDAY=2TU, with -7 to -1 BYDAY=-1TU.
 [[nodiscard]] RuleReading readRules(std::string_view text, RuleForm form,
                                     const std::optional<RuleStart>& start);
 

@@ -1,0 +1,31 @@
+// Tab-separated tables of the public data, and the count of what became of their rows. One thread.
+#ifndef QEL_TESTS_SUPPORT_TABLES_H
+#define QEL_TESTS_SUPPORT_TABLES_H
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace qel::test {
+
+using Row = std::map<std::string, std::string>;
+
+[[nodiscard]] std::vector<std::string> split(const std::string& text, char separator);
+
+// The rows of tables/NAME by column name; empty when the table is not there.
+[[nodiscard]] std::vector<Row> table(const std::string& name);
+
+// The rows by what became of them and why.
+struct Tally {
+    std::map<std::string, int> counts;
+
+    void add(const std::string& outcome, const std::string& reason);
+    // Of the outcomes that begin so.
+    [[nodiscard]] int total(const std::string& outcome) const;
+    // Shows all counts; the result is the number of rows.
+    int print(const std::string& name) const;
+};
+
+}  // namespace qel::test
+
+#endif
