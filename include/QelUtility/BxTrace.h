@@ -30,7 +30,7 @@ enum BxTraceOption : unsigned long {
 // time stamp) and a second stamp:
 //
 //   BxTrace_Error("RptNext", 12, 5, 2001)
-//   [1A2C] 06/15 14:02:11.123 000: 06/15 14:02:11.123 001: Error 5.2001 at RptNext line 12
+//   [1A2C] 06/15 14:02:11.123 001: 06/15 14:02:11.123 000: Error 5.2001 at RptNext line 12
 
 // "Error <detail>.<code> at <file> line <line>"
 QELUTILITY_API int BxTrace_Error(const char* file, int line, int detail, int code);
