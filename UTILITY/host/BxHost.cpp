@@ -77,8 +77,9 @@ bool defaultProfileDirectory(char* buffer, unsigned long size) {
 }
 
 const char* current(const HostTexts& texts, BxHostString which) {
-    const Override& own = texts.strings[which];
-    return own.set ? own.text : kDefaultStrings[which];
+    const auto index = static_cast<std::size_t>(which);
+    const Override& own = texts.strings[index];
+    return own.set ? own.text : kDefaultStrings[index];
 }
 
 }  // namespace
@@ -118,7 +119,7 @@ void BxHost_SetString(BxHostString which, const char* text) {
     if (static_cast<unsigned>(which) >= BXHOST_STRING_COUNT) return;
     HostTexts& texts = hostTexts();
     const std::lock_guard lock(texts.mutex);
-    texts.strings[which].assign(text);
+    texts.strings[static_cast<std::size_t>(which)].assign(text);
 }
 
 bool BxHost_GetRegistryRoot(char* buffer, unsigned long size) {

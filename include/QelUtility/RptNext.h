@@ -84,9 +84,9 @@ QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 //
 // Fails with 4008 (QEL_REPEAT_ENGINE) after one reported error: a start below 0, an end below -1,
 // an interval or unit count below 1, an unknown type, fields that yield no date, or an occurrence
-// past 31 December 2499. A failing call may already have changed *next and *previous. A record of
-// type 0 only copies *next into *previous. The types 8 and 15 never fail: past 2080 they return the
-// day they have come to.
+// past 31 December 2499; the types 1, 2 and 12 only add days, and fail past 32 bits alone. A
+// failing call may already have changed *next and *previous. A record of type 0 only copies *next
+// into *previous. The types 8 and 15 never fail: past 2080 they return the day they have come to.
 //
 // The types 3, 4, 6, 7, 10 and 11 read a *previous of -2 as "one step after the start's period".
 // Weeks of type 12 run from Sunday to Saturday. A day that a month lacks is its last day: day 31

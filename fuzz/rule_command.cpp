@@ -1,0 +1,19 @@
+// The program's own reading of untidy rule texts: what it understands, it can write.
+#include "Fuzz.h"
+#include "convert/RuleText.h"
+
+using namespace qel::fuzz;
+using namespace qel::convert;
+
+QEL_FUZZ_TARGET(rule_command) {
+    const std::string text = in.text();
+    const RuleReading reading = readRules(text, guessRuleForm(text), std::nullopt);
+    for (const Rule& rule : reading.rules) {
+        std::vector<RuleNote> notes;
+        if (rulePieces(rule, &notes).empty()) continue;
+        const std::string written = iCalendarText(rule);
+        FUZZ_CHECK(!written.empty());
+        FUZZ_CHECK(!readRules(written, RuleForm::ICalendar, std::nullopt).rules.empty());
+        (void)vCalendarTexts(rule, std::nullopt);
+    }
+}
