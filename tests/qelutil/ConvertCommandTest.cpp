@@ -27,6 +27,21 @@ TEST_F(ConvertCommand, FromAPipeToAPipe) {
     EXPECT_NE(back.out.find("RRULE:W2 MO WE FR #10\r\n"), std::string::npos) << back.out;
 }
 
+TEST_F(ConvertCommand, APipeIsReadForItsZonesFirst) {
+    std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+    for (int each = 0; each < 2000; ++each)
+        text += "BEGIN:VEVENT\r\nUID:" + std::to_string(each) +
+                "\r\nDTSTART;TZID=Here:20050601T090000\r\nEND:VEVENT\r\n";
+    text +=
+        "BEGIN:VTIMEZONE\r\nTZID:Here\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\n"
+        "TZOFFSETFROM:+0530\r\nTZOFFSETTO:+0530\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n"
+        "END:VCALENDAR\r\n";
+    const ProcessResult piped = runWithInput({"convert"}, text);
+    EXPECT_EQ(piped.err, "");
+    EXPECT_NE(piped.out.find("TZ:+05:30\r\n"), std::string::npos);
+    EXPECT_EQ(piped.out, run({"convert", fileWith("zone.ics", text)}).out);
+}
+
 TEST_F(ConvertCommand, SeveralFilesIntoOne) {
     const std::string first = fileWith("a.vcs", kPhone);
     const std::string out = state_.file("all.ics");

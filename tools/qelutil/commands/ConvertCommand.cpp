@@ -2,10 +2,13 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "Files.h"
 #include "Progress.h"
+#include "Spool.h"
 #include "commands/Commands.h"
 #include "convert/Converter.h"
 
@@ -68,24 +71,30 @@ std::optional<convert::CalendarFormat> targetOf(const std::string& name) {
     return std::nullopt;
 }
 
-convert::ByteSource sourceOf(InputFile& input) {
+template <class Input>
+convert::ByteSource sourceOf(Input& input) {
     return [&input](char* bytes, std::size_t room) { return input.read(bytes, room); };
 }
 
-bool isStandardInput(const std::string& name) {
-    return name == "-";
-}
-
+// Zones may be described behind the entries that use them: they are looked for first, in whatever
+// can be read twice. Only iCalendar has them, so a phone's file may flow through.
 void convertFile(Context& context, convert::Converter& converter, const std::string& name) {
-    if (!isStandardInput(name)) {
-        // Zones may be described behind the entries that use them.
-        InputFile first(context, name);
-        if (first.size() != 0) converter.collectZones(sourceOf(first));
-    }
     InputFile input(context, name);
     Progress progress(context, input.name(), input.size());
-    converter.convert(sourceOf(input), input.name(),
-                      [&](std::uint64_t done) { progress.update(done); });
+    const auto update = [&](std::uint64_t done) { progress.update(done); };
+    if (input.size() != 0) {
+        InputFile first(context, name);
+        converter.collectZones(sourceOf(first));
+        converter.convert(sourceOf(input), input.name(), update);
+        return;
+    }
+    Spool spool(input);
+    const bool isPhoneFile = spool.head().find("VERSION:1.0") != std::string_view::npos;
+    if (!isPhoneFile && spool.keepAll()) {
+        converter.collectZones(sourceOf(spool));
+        spool.rewind();
+    }
+    converter.convert(sourceOf(spool), input.name(), update);
 }
 
 void run(Context& context, const Options& options) {

@@ -1,6 +1,7 @@
 #include "convert/LineReader.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "convert/Ascii.h"
@@ -165,7 +166,11 @@ bool LineReader::readPhysical(std::string& text, bool& cut) {
             }
         }
         any = true;
-        const std::size_t end = std::min(chunk_.find_first_of("\r\n", at_), chunk_.size());
+        // find_first_of would look for each character of the file in "\r\n", by a call.
+        const auto found =
+            std::find_if(chunk_.begin() + static_cast<std::ptrdiff_t>(at_), chunk_.end(),
+                         [](char c) { return c == '\r' || c == '\n'; });
+        const auto end = static_cast<std::size_t>(found - chunk_.begin());
         const std::size_t room = kLongestLine - text.size();
         cut = cut || end - at_ > room;
         text.append(chunk_, at_, std::min(end - at_, room));
