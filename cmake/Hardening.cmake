@@ -1,0 +1,37 @@
+# Checks that a built library and program are hardened. Run with cmake -P:
+#
+#   cmake -DPLATFORM=linux|windows -DLIBRARY=FILE -DPROGRAM=FILE -DTOOL=readelf-or-objdump -P Hardening.cmake
+cmake_minimum_required(VERSION 3.22)
+
+function(run_tool result)
+    execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE code)
+    if(NOT code EQUAL 0)
+        message(FATAL_ERROR "${ARGN} failed: ${err}")
+    endif()
+    set(${result} "${out}" PARENT_SCOPE)
+endfunction()
+
+function(expect text pattern meaning)
+    if(NOT text MATCHES "${pattern}")
+        message(SEND_ERROR "${file}: no ${meaning}")
+    endif()
+endfunction()
+
+foreach(file ${LIBRARY} ${PROGRAM})
+    if(PLATFORM STREQUAL "linux")
+        run_tool(dump ${TOOL} -W -h -l -d --dyn-syms ${file})
+        expect("${dump}" "GNU_RELRO" "read-only relocations")
+        expect("${dump}" "BIND_NOW|FLAGS_1[^\n]*NOW" "immediate binding")
+        expect("${dump}" "GNU_STACK +[^\n]* RW " "stack without execution")
+        expect("${dump}" "__stack_chk_fail" "stack protector")
+        expect("${dump}" "__[a-z]+_chk" "fortified calls")
+        expect("${dump}" "Type: +DYN" "position-independent code")
+    else()
+        run_tool(dump ${TOOL} -p ${file})
+        expect("${dump}" "DYNAMIC_BASE" "random base")
+        expect("${dump}" "NX_COMPAT" "no-execute data")
+        if(dump MATCHES "RELOCS_STRIPPED|relocations stripped")
+            message(SEND_ERROR "${file}: its base cannot move, the relocations are stripped")
+        endif()
+    endif()
+endforeach()

@@ -1,0 +1,17 @@
+# Hardening of everything that is built here: stack protector, fortified C library calls, read-only
+# relocations and immediate binding; position-independent programs. A Windows image gets no-execute
+# data and a random base. tests/interface checks the built files for it.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+if(WIN32)
+    add_link_options(-Wl,--nxcompat -Wl,--dynamicbase)
+else()
+    add_compile_options(-fstack-protector-strong)
+    if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+        add_compile_options($<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE>
+                            $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
+    endif()
+    add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+endif()
