@@ -95,6 +95,24 @@ TEST_F(CatalogueCommandsTest, StreamsValueByValue) {
     EXPECT_EQ(typed[6]["content"], -4294967296LL);
     EXPECT_EQ(runJson({"stream", "--json"}).size(), 0U);
 
+    // More than is read at once, with a value longer than that within, up to a NUL byte.
+    std::string large;
+    for (int i = 0; i < 100'000; ++i) large += "1a2b\x1fhello\x1f";
+    const std::size_t longAt = large.size();
+    large += std::string(1'000'000, 'x') + "\x1f";
+    const std::size_t end = large.size();
+    const ProcessResult cut = runWithInput({"stream", "--json"}, large + "\0more"s);
+    EXPECT_NE(cut.err.find("at offset " + std::to_string(end) + "; 4 bytes"), std::string::npos)
+        << cut.err;
+    const Json values = Json::parse(cut.out);
+    ASSERT_EQ(values.size(), 200'002U);
+    EXPECT_EQ(
+        values[199'999],
+        (Json{{"value", 200'000}, {"offset", longAt - 6}, {"text", "hello"}, {"number", nullptr}}));
+    EXPECT_EQ(values[200'000]["text"].get<std::string>().size(), 1'000'000U);
+    EXPECT_EQ(values[200'001],
+              (Json{{"value", 200'002}, {"offset", end}, {"text", ""}, {"number", 0}}));
+
     const struct {
         std::vector<std::string> types;
         std::string input;

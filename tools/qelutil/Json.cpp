@@ -31,4 +31,21 @@ void writeJson(std::ostream& out, const Json& document) {
     out << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+void JsonArrayWriter::add(const Json& element) {
+    out_ << (begun_ ? ",\n  " : "[\n  ");
+    begun_ = true;
+    // Within a text a line feed is escaped: those that are left are the layout's.
+    const std::string text = element.dump(2, ' ', false, Json::error_handler_t::replace);
+    std::string_view rest = text;
+    for (std::size_t end; (end = rest.find('\n')) != std::string_view::npos;) {
+        out_ << rest.substr(0, end + 1) << "  ";
+        rest.remove_prefix(end + 1);
+    }
+    out_ << rest;
+}
+
+void JsonArrayWriter::finish() {
+    out_ << (begun_ ? "\n]\n" : "[]\n");
+}
+
 }  // namespace qel::cli

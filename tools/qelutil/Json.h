@@ -18,6 +18,19 @@ using Json = nlohmann::ordered_json;
 
 void writeJson(std::ostream& out, const Json& document);
 
+// An array that may be too long to hold, written element by element as writeJson would write it.
+class JsonArrayWriter {
+  public:
+    explicit JsonArrayWriter(std::ostream& out) : out_(out) {}
+    void add(const Json& element);
+    // To be called once, at the end; without an element before it, the array is empty.
+    void finish();
+
+  private:
+    std::ostream& out_;
+    bool begun_ = false;
+};
+
 }  // namespace qel::cli
 
 #endif

@@ -143,7 +143,7 @@ Moment later(const Moment& moment, std::int64_t seconds) {
     // Both are far from the ends of 64 bits, whatever was read.
     const std::int64_t sum = moment.seconds + seconds;
     if (sum < 0 || sum >= kEndOfTime) {
-        throw InputError("the result lies outside the years 1900 to 2499");
+        refuse(momentText(moment), "what it becomes lies outside the years 1900 to 2499");
     }
     return {sum, moment.hasTime || seconds % kDaySeconds != 0, moment.utc};
 }

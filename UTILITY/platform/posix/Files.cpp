@@ -126,7 +126,7 @@ bool userStateDirectory(char* out, std::size_t room) noexcept {
     if (room == 0) return false;
     out[0] = '\0';
     char path[PATH_MAX];
-    // A relative $XDG_STATE_HOME is to be ignored (XDG Base Directory Specification).
+    // A relative $XDG_STATE_HOME is to be ignored (XDG base directories).
     if (!environment("XDG_STATE_HOME", path, sizeof path) || path[0] != '/') {
         char home[PATH_MAX];
         if (!environment("HOME", home, sizeof home)) {

@@ -1,5 +1,6 @@
 // qelutil stream: what a serialised data stream holds, value by value.
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <limits>
@@ -8,16 +9,20 @@
 #include <vector>
 
 #include "Json.h"
+#include "Progress.h"
 #include "QelUtility/BxDataStream.h"
 #include "Source.h"
 #include "Text.h"
 #include "commands/Commands.h"
+#include "platform/Console.h"
 
 namespace qel::cli {
 
 namespace {
 
+// What is taken at once: a stream with types as a whole, one without them value by value.
 constexpr std::size_t kLongestStream = 256U << 20U;
+constexpr std::size_t kPiece = 1U << 18U;
 constexpr char kSeparator = '\x1f';
 
 struct Options {
@@ -151,37 +156,101 @@ Json numberOf(const std::string& text) {
 
 class Dump {
   public:
-    Dump(Context& context, std::string name, bool asJson)
-        : context_(context), name_(std::move(name)), asJson_(asJson) {}
+    Dump(Context& context, InputFile& input, bool asJson)
+        : context_(context),
+          input_(input),
+          name_(input.name()),
+          asJson_(asJson),
+          array_(context.out) {}
 
-    // Reads all values of `content`, those with a type as it says and the others as they stand.
-    void run(const std::string& content, const std::vector<std::string>& types) {
+    // Shows all values of the input, those with a type as it says and the others as they stand.
+    void run(const std::vector<std::string>& types) {
+        try {
+            types.empty() ? runInPieces() : runWhole(types);
+        } catch (const InputError&) {
+            if (asJson_) array_.finish();
+            throw;
+        }
+        if (asJson_) array_.finish();
+    }
+
+  private:
+    // A value with a type may go on behind a separator, so the stream is taken as a whole.
+    void runWhole(const std::vector<std::string>& types) {
+        std::string content = input_.readAll(kLongestStream);
         const std::size_t nul = content.find('\0');
-        // The terminator may have been stored too; what follows it is no part of the stream.
-        if (nul != std::string::npos && nul + 1 < content.size())
-            context_.error(name_, 0,
-                           "a NUL byte ends the stream at offset " + std::to_string(nul) + "; " +
-                               std::to_string(content.size() - nul - 1) +
-                               " bytes after it are not read");
-        const std::string text = content.substr(0, nul);
+        if (nul != std::string::npos) {
+            reportNul(nul, content.size() - nul - 1);
+            content.resize(nul);
+        }
         CBxDataStream stream;
-        if (stream.Initialize(text.c_str()) != 0) throw InputError(name_ + ": memory is exhausted");
+        open(stream, content);
         std::size_t next = 0;
-        while (!ended_ && hasMore(stream, text)) {
-            const bool typed = next < types.size();
-            if (!value(stream, typed ? types[next] : "")) break;
+        while (!ended_ && hasMore(stream, content)) {
+            if (!value(stream, next < types.size() ? types[next] : "")) break;
             ++next;
         }
         if (next < types.size() && context_.exitCode() == kExitFine)
             context_.error(name_, 0,
                            "holds " + std::to_string(next) + " values, and " +
                                std::to_string(types.size()) + " types are given");
-        if (asJson_) writeJson(context_.out, values_);
     }
 
-  private:
+    // Values without a type end at their separators: the stream may be of any length.
+    void runInPieces() {
+        Progress progress(context_, name_, input_.size());
+        Pieces pieces(input_, kPiece, kLongestStream);
+        const auto afterSeparator = [](std::string_view text) {
+            return text.rfind(kSeparator) + 1;
+        };
+        std::string piece;
+        bool separated = false;
+        while (pieces.next(piece, afterSeparator)) {
+            const std::size_t nul = piece.find('\0');
+            std::uint64_t after = 0;
+            if (nul != std::string::npos) {
+                after = piece.size() - nul - 1;
+                piece.resize(nul);
+            }
+            if (!piece.empty()) {
+                separated = piece.back() == kSeparator;
+                CBxDataStream stream;
+                open(stream, piece);
+                while (position(stream) < piece.size())
+                    if (!value(stream, "")) return;
+            }
+            before_ += piece.size();
+            if (nul != std::string::npos) {
+                const auto all = [](std::string_view text) { return text.size(); };
+                while (pieces.next(piece, all)) after += piece.size();
+                reportNul(before_, after);
+                break;
+            }
+            if (!platform::outputIsTerminal()) progress.update(pieces.bytesTaken());
+        }
+        // Behind a last separator there is an empty value.
+        if (separated) showText("", before_);
+    }
+
+    // The terminator may have been stored too; what follows it is no part of the stream.
+    void reportNul(std::uint64_t offset, std::uint64_t after) {
+        if (after == 0) return;
+        context_.error(name_, 0,
+                       "a NUL byte ends the stream at offset " + std::to_string(offset) + "; " +
+                           std::to_string(after) + " bytes after it are not read");
+    }
+
+    void open(CBxDataStream& stream, const std::string& content) {
+        if (stream.Initialize(content.c_str()) != 0)
+            throw InputError(name_ + ": memory is exhausted");
+    }
+
+    static std::size_t position(const CBxDataStream& stream) {
+        return static_cast<std::size_t>(stream.Position() - stream.Storage());
+    }
+
     static bool hasMore(const CBxDataStream& stream, const std::string& text) {
-        const auto offset = static_cast<std::size_t>(stream.Position() - stream.Storage());
+        const std::size_t offset = position(stream);
         if (offset < text.size()) return true;
         // Behind a last separator there is an empty value, once.
         return offset == text.size() && !text.empty() && text.back() == kSeparator;
@@ -189,60 +258,67 @@ class Dump {
 
     // False when it cannot be read, which has been said then.
     bool value(CBxDataStream& stream, const std::string& type) {
-        const auto offset = stream.Position() - stream.Storage();
-        Json entry;
-        entry["value"] = number_++;
-        entry["offset"] = offset;
+        const std::size_t start = position(stream);
+        const std::uint64_t offset = before_ + start;
         try {
             if (type.empty()) {
                 VStr text;
                 stream >> text;
-                const std::string held(static_cast<const char*>(text));
-                entry["text"] = jsonText(held);
-                entry["number"] = numberOf(held);
+                showText(static_cast<const char*>(text), offset);
             } else {
-                entry["type"] = type;
-                entry["content"] = readers().at(type)(stream);
+                showTyped(type, readers().at(type)(stream), offset);
             }
         } catch (int code) {
             context_.error(name_, 0,
-                           "value " + std::to_string(number_ - 1) + " at offset " +
+                           "value " + std::to_string(number_) + " at offset " +
                                std::to_string(offset) + (type.empty() ? "" : " as " + type) + ": " +
                                reasonOf(code) + " (code " + std::to_string(code) +
                                "); it and what follows is left out");
             return false;
         }
         // The empty value behind a last separator takes no bytes, and nothing follows it.
-        if (stream.Position() - stream.Storage() == offset) ended_ = true;
-        show(entry);
+        if (position(stream) == start) ended_ = true;
         return true;
     }
 
-    void show(const Json& entry) {
+    void showText(const std::string& text, std::uint64_t offset) {
+        const Json number = numberOf(text);
         if (asJson_) {
-            values_.push_back(entry);
-            return;
+            array_.add({{"value", number_},
+                        {"offset", offset},
+                        {"text", jsonText(text)},
+                        {"number", number}});
+        } else {
+            std::ostream& out = showPlace(offset) << '"' << printable(jsonText(text)) << '"';
+            if (!number.is_null()) out << "  " << number.dump();
+            out << '\n';
         }
-        std::ostream& out = context_.out;
-        const std::string place = std::to_string(entry["value"].get<int>()) + " @" +
-                                  std::to_string(entry["offset"].get<long long>());
-        out << place << std::string(place.size() < 14 ? 14 - place.size() : 1, ' ');
-        if (entry.contains("type")) {
-            out << entry["type"].get<std::string>() << "  " << printable(entry["content"].dump())
-                << '\n';
-            return;
+        ++number_;
+    }
+
+    void showTyped(const std::string& type, const Json& content, std::uint64_t offset) {
+        if (asJson_) {
+            array_.add(
+                {{"value", number_}, {"offset", offset}, {"type", type}, {"content", content}});
+        } else {
+            showPlace(offset) << type << "  " << printable(content.dump()) << '\n';
         }
-        out << '"' << printable(entry["text"].get<std::string>()) << '"';
-        if (!entry["number"].is_null()) out << "  " << entry["number"].dump();
-        out << '\n';
+        ++number_;
+    }
+
+    std::ostream& showPlace(std::uint64_t offset) {
+        const std::string place = std::to_string(number_) + " @" + std::to_string(offset);
+        return context_.out << place << std::string(place.size() < 14 ? 14 - place.size() : 1, ' ');
     }
 
     Context& context_;
+    InputFile& input_;
     std::string name_;
     bool asJson_;
+    JsonArrayWriter array_;
+    std::uint64_t before_ = 0;  // bytes of the pieces before this one
+    std::uint64_t number_ = 1;
     bool ended_ = false;
-    int number_ = 1;
-    Json values_ = Json::array();
 };
 
 void run(Context& context, const Options& options) {
@@ -250,7 +326,7 @@ void run(Context& context, const Options& options) {
         if (readers().count(type) == 0)
             throw UsageError("there is no type \"" + type + "\"; there are " + typeNames());
     InputFile input = options.source.open(context);
-    Dump(context, input.name(), options.json).run(input.readAll(kLongestStream), options.types);
+    Dump(context, input, options.json).run(options.types);
 }
 
 }  // namespace

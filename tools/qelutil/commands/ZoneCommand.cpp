@@ -31,8 +31,17 @@ int thisYear() {
         momentText({ZQ_GetCurrentDate() * kDaySeconds, false, false}).substr(0, 4).c_str());
 }
 
-void noteYear(Context& context, const Zone& zone, int year) {
-    if (zone.knows(year)) return;
+void noteYear(Context& context, Zone& zone, int year) {
+    constexpr int kFirstYear = 1990;
+    if (zone.knows(year)) {
+        if (year == kFirstYear && zone.number() != 0 && !zone.changesIn(kFirstYear + 1).empty()) {
+            context.note({}, 0,
+                         zone.name() +
+                             ": the table begins with this zone's first change of 1990; before it "
+                             "the offset that it brings is used");
+        }
+        return;
+    }
     context.note({}, 0,
                  zone.name() + ": the table's years are 1990 to 2010; in " + std::to_string(year) +
                      " the offset of the nearest change is used");
