@@ -50,6 +50,8 @@ TEST(HostileInput, LineEndsMarksAndFolds) {
                                       12),
                           piece),
                   std::vector<std::string>{"1 A:\xF0\x9F\x98\x80"});
+        EXPECT_EQ(linesOf(std::string("B\0:\0\xE9\0\n\0", 8), piece),
+                  std::vector<std::string>{"1 B:\xC3\xA9"});
         EXPECT_EQ(linesOf(std::string("\xFE\xFF\0A\0:\0\xE9", 8), piece),
                   std::vector<std::string>{"1 A:\xC3\xA9"});
     }

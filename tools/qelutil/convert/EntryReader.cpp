@@ -12,8 +12,8 @@ namespace qel::convert {
 
 namespace {
 
-// Rule lines that one entry may have; each one is worked out.
-constexpr std::size_t kMostRuleLines = 100;
+// Rules that one entry may have; each one is worked out. A text that passes it is read to its end.
+constexpr std::size_t kMostRules = 100;
 // Names of zones that are remembered as told.
 constexpr std::size_t kMostUnknownZones = 1000;
 constexpr std::size_t kLongestZone = 1000;
@@ -209,13 +209,15 @@ bool EntryReader::takeRecurrence(const ContentLine& line) {
 void EntryReader::readRuleLines() {
     const std::optional<RuleStart> start = entry_.ruleStart();
     std::size_t count = 0;
+    bool told = false;
     for (const ContentLine& line : ruleLines_) {
-        if (++count > kMostRuleLines) {
-            carry(line, count == kMostRuleLines + 1 ? "is one rule too many for an entry" : "",
+        if (count >= kMostRules) {
+            carry(line, std::exchange(told, true) ? "" : "is one rule too many for an entry",
                   Severity::Error);
             continue;
         }
         RuleReading reading = readRules(line.value, ruleForm(), start);
+        count += std::max<std::size_t>(reading.rules.size(), 1);
         for (const RuleNote& note : reading.notes)
             tell(note.severity, line.number,
                  line.name + " " + quoted(trimmed(line.value)) + ": " + note.text);

@@ -116,6 +116,11 @@ void LineReader::detectEncoding() {
     } else if (chunk_.starts_with("\xFE\xFF")) {
         encoding_ = Encoding::Utf16BigEndian;
         chunk_.erase(0, 2);
+    } else if (chunk_.starts_with(std::string_view("B\0", 2))) {
+        // A calendar without a mark still begins with "BEGIN".
+        encoding_ = Encoding::Utf16LittleEndian;
+    } else if (chunk_.starts_with(std::string_view("\0B", 2))) {
+        encoding_ = Encoding::Utf16BigEndian;
     }
 }
 

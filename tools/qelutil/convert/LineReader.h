@@ -35,8 +35,9 @@ class LineReader {
     explicit LineReader(ByteSource source);
 
     // The next line that is not empty. False at the end. Line ends are LF, CR LF, CR, and CR CR LF;
-    // a UTF-8 byte-order mark is passed over, UTF-16 with one is read as UTF-8. A quoted-printable
-    // value goes on behind a "=" at a line's end, a Base64 value over all lines of its alphabet.
+    // a UTF-8 byte-order mark is passed over, UTF-16 with one, or that begins with "B", is read as
+    // UTF-8. A quoted-printable value goes on behind a "=" at a line's end, a Base64 value over all
+    // lines of its alphabet.
     bool next(RawLine& line);
 
     // Bytes taken from the source so far.
