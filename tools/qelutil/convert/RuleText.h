@@ -30,8 +30,8 @@ struct RuleNote {
 struct RuleReading {
     std::vector<Rule> rules;      // in the order of the text; several where it holds several
     std::vector<RuleNote> notes;  // how the text was understood, and what of it was not
-    // False when a part of the text says when the series recurs and was not understood: a note of at
-    // least a warning names it, and without any rule the text itself is what is left to keep.
+    // False when a part of the text says when the series recurs and was not understood: a note of
+    // at least a warning names it, and without any rule the text itself is what is left to keep.
     bool complete = true;
 };
 
