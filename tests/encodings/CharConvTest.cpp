@@ -277,7 +277,7 @@ TEST(CharConv, SkipsAsTryingEachByteWould) {
     for (const std::uint32_t page : {0U, 936U, 950U, 65001U}) {
         std::uint32_t state = page + 1;
         for (int round = 0; round < 3000; ++round) {
-            std::string text(2 + round % 9, ' ');
+            std::string text(static_cast<std::size_t>(2 + round % 9), ' ');
             for (char& c : text) {
                 state = state * 1664525 + 1013904223;
                 c = pool[(state >> 16) % pool.size()];
@@ -325,7 +325,8 @@ TEST(CharConv, CopiesShareNothing) {
         ASSERT_EQ(first.InitializeFrom("936"), 0);
         CBxCharConvSvcs copy(first);
         second = copy;
-        second = second;
+        CBxCharConvSvcs& itself = second;
+        second = itself;
         first.InitializeTo("950");
     }
     EXPECT_STREQ(second.FromName(), "936");

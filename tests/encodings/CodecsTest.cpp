@@ -128,7 +128,8 @@ bool hasZeroByte(const std::string& hex) {
 TEST(EncipheredCode, ComesBackPaddedWithZeros) {
     int decoded = 0;
     for (int i = 0; i < 300; ++i) {
-        const std::string text = "pw \xFF" + std::to_string(i * 7919) + std::string(i % 17U, 'x');
+        const std::string text = "pw \xFF" + std::to_string(i * 7919) +
+                                 std::string(static_cast<std::size_t>(i % 17), 'x');
         const std::string hex = enciphered(text);
         ASSERT_EQ(hex.size(), (text.size() + 7) / 8 * 16);
         if (hasZeroByte(hex)) continue;
