@@ -17,13 +17,11 @@ class Members {
   public:
     explicit Members(const std::vector<int>& list) : any_(!list.empty()) {
         for (const int each : list)
-            if (each >= -kMost && each <= kMost) set_.set(static_cast<std::size_t>(each + kMost));
+            if (each >= -kMost && each <= kMost) set_.set(placeOf(each));
     }
 
     [[nodiscard]] bool any() const { return any_; }
-    [[nodiscard]] bool holds(int value) const {
-        return set_.test(static_cast<std::size_t>(value + kMost));
-    }
+    [[nodiscard]] bool holds(int value) const { return set_.test(placeOf(value)); }
     // Negative members count from the end: does the list name day `day` of `length` days?
     [[nodiscard]] bool names(int day, int length) const {
         return holds(day) || holds(day - length - 1);
@@ -31,6 +29,11 @@ class Members {
 
   private:
     static constexpr int kMost = 367;
+    static std::size_t placeOf(int value) {
+        const int place = value + kMost;
+        return static_cast<std::size_t>(place);
+    }
+
     std::bitset<2 * kMost + 1> set_;
     bool any_;
 };
