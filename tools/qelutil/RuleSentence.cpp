@@ -63,10 +63,10 @@ std::string position(int number) {
 }
 
 template <typename Value, typename Name>
-std::string listOf(const std::vector<Value>& values, Name name) {
+std::string listOf(const std::vector<Value>& values, Name name, const char* last = " and ") {
     Words words;
     for (const Value& value : values) words.push_back(name(value));
-    return list(words);
+    return list(words, last);
 }
 
 // The weekdays as bits, whatever their positions.
@@ -100,17 +100,21 @@ std::vector<int> inOrder(std::vector<int> numbers) {
 }
 
 // "the 1st, the 15th and the last day"
-std::string monthDays(const std::vector<int>& days) {
-    return listOf(inOrder(days),
-                  [](int day) { return "the " + ordinal(day) + (day < 0 ? " day" : ""); });
+std::string monthDays(const std::vector<int>& days, const char* last = " and ") {
+    return listOf(
+        inOrder(days), [](int day) { return "the " + ordinal(day) + (day < 0 ? " day" : ""); },
+        last);
 }
 
 // "the first Monday and every Friday"
-std::string positionedDays(const std::vector<RuleDay>& days) {
-    return listOf(days, [](const RuleDay& day) {
-        return (day.position == 0 ? "every " : "the " + position(day.position) + " ") +
-               weekday(day.weekday);
-    });
+std::string positionedDays(const std::vector<RuleDay>& days, const char* last = " and ") {
+    return listOf(
+        days,
+        [](const RuleDay& day) {
+            return (day.position == 0 ? "every " : "the " + position(day.position) + " ") +
+                   weekday(day.weekday);
+        },
+        last);
 }
 
 // What BYSETPOS selects from, where it has a name: "Tuesday", "workday", "weekend day", "day".
@@ -150,7 +154,8 @@ std::string daysOfMonth(const Rule& rule) {
         if (!name.empty()) return " on the " + positions(rule.setPositions) + " " + name;
     }
     if (!rule.days.empty() && !rule.monthDays.empty()) {
-        return " on " + positionedDays(rule.days) + " that is " + monthDays(rule.monthDays);
+        return " on " + positionedDays(rule.days, " or ") + " that is " +
+               monthDays(rule.monthDays, " or ");
     }
     if (!rule.days.empty()) return " on " + positionedDays(rule.days);
     if (!rule.monthDays.empty()) return " on " + monthDays(rule.monthDays);
@@ -172,7 +177,8 @@ std::string monthNames(const Rule& rule) {
 // ", only on the 13th, only in June": what a daily or weekly rule excludes.
 std::string limits(const Rule& rule) {
     std::string text;
-    if (rule.frequency == Frequency::Daily && !rule.days.empty()) {
+    if (rule.frequency == Frequency::Daily && !rule.days.empty() &&
+        weekdayBits(rule.days) != kEveryDay) {
         text += ", only on " + weekdays(rule.days);
     }
     if (!rule.monthDays.empty()) text += ", only on " + monthDays(rule.monthDays);
@@ -192,12 +198,20 @@ std::string yearly(const Rule& rule, const RuleStart& start) {
     std::string text;
     if (!rule.yearDays.empty()) {
         text = " on the " + listOf(inOrder(rule.yearDays), ordinal) + " day of the year";
+        if (!rule.weekNumbers.empty()) {
+            text += ", only in the " + listOf(inOrder(rule.weekNumbers), ordinal) + " week";
+        }
         if (!rule.days.empty()) text += ", only on " + weekdays(rule.days);
         text += limits(rule);
     } else if (!rule.weekNumbers.empty()) {
-        text = " on " + (rule.days.empty() ? weekday(weekdayOfStart(start)) : weekdays(rule.days)) +
-               " of the " + listOf(inOrder(rule.weekNumbers), ordinal) + " week of the year" +
-               limits(rule);
+        std::string days = "a day";
+        if (!rule.days.empty()) {
+            days = weekdays(rule.days);
+        } else if (rule.monthDays.empty()) {
+            days = weekday(weekdayOfStart(start));
+        }
+        text = " on " + days + " of the " + listOf(inOrder(rule.weekNumbers), ordinal) +
+               " week of the year" + limits(rule);
     } else if (rule.months.size() == 1 && rule.days.empty() && rule.setPositions.empty() &&
                rule.monthDays.size() < 2 && (rule.monthDays.empty() || rule.monthDays[0] > 0)) {
         const int day = rule.monthDays.empty() ? start.day : rule.monthDays[0];
@@ -207,7 +221,7 @@ std::string yearly(const Rule& rule, const RuleStart& start) {
         if (text.empty()) text = " on " + dayOfStart(start);
         text += " of " + monthNames(rule);
     } else if (!rule.monthDays.empty()) {
-        text = daysOfMonth(rule) + " of every month";
+        text = daysOfMonth(rule) + (rule.days.empty() ? " of every month" : " of a month");
     } else if (!rule.days.empty()) {
         text = daysOfMonth(rule) + " of the year";
     } else {
@@ -222,20 +236,43 @@ std::string weekly(const Rule& rule, const RuleStart& start) {
     return text + limits(rule) + selection(rule, "week");
 }
 
-// " at 09:30" for a single time of day, else the parts by name.
-std::string times(const Rule& rule) {
-    const auto number = [](int value) { return std::to_string(value); };
-    if (rule.hours.size() == 1 && rule.minutes.size() < 2 && rule.seconds.empty()) {
-        char text[48];
-        std::snprintf(text, sizeof text, " at %02d:%02d", rule.hours[0],
-                      rule.minutes.empty() ? 0 : rule.minutes[0]);
-        return text;
-    }
-    std::string text;
-    if (!rule.hours.empty()) text += " in hour " + listOf(rule.hours, number);
-    if (!rule.minutes.empty()) text += " in minute " + listOf(rule.minutes, number);
-    if (!rule.seconds.empty()) text += " in second " + listOf(rule.seconds, number);
+std::string clock(int hour, int minute, int second, bool withSecond) {
+    char text[48];
+    std::snprintf(text, sizeof text, withSecond ? "%02d:%02d:%02d" : "%02d:%02d", hour, minute,
+                  second);
     return text;
+}
+
+// " at 09:00 and 10:00" where the times are few, else the parts by name. What the rule leaves open
+// is the start's.
+std::string times(const Rule& rule, const RuleStart& start) {
+    if (rule.hours.empty() && rule.minutes.empty() && rule.seconds.empty()) return {};
+    constexpr std::size_t kMostTimes = 12;
+    const auto orStart = [](std::vector<int> given, int value) {
+        return given.empty() ? std::vector<int>{value} : inOrder(std::move(given));
+    };
+    const int startSecond = start.isDate ? 0 : start.secondOfDay;
+    const std::vector<int> hours = orStart(rule.hours, startSecond / 3600);
+    const std::vector<int> minutes = orStart(rule.minutes, startSecond / 60 % 60);
+    const std::vector<int> seconds = orStart(rule.seconds, startSecond % 60);
+    if (hours.size() * minutes.size() * seconds.size() <= kMostTimes) {
+        Words words;
+        const bool withSecond = seconds != std::vector<int>{0};
+        for (const int hour : hours) {
+            for (const int minute : minutes) {
+                for (const int second : seconds) {
+                    words.push_back(clock(hour, minute, second, withSecond));
+                }
+            }
+        }
+        return " at " + list(words);
+    }
+    const auto part = [](const char* name, const std::vector<int>& values) {
+        const std::string numbers = listOf(values, [](int value) { return std::to_string(value); });
+        return std::string(name) + (values.size() == 1 ? " " : "s ") + numbers;
+    };
+    return " at " + part("hour", hours) + ", " + part("minute", minutes) + ", " +
+           part("second", seconds);
 }
 
 // "31 December 2005", with the time of day where there is one.
@@ -293,7 +330,7 @@ std::string ruleSentence(const Rule& rule, const RuleStart& start) {
             text += yearly(rule, start);
             break;
     }
-    return text + times(rule) + weekStart(rule) + end(rule);
+    return text + times(rule, start) + weekStart(rule) + end(rule);
 }
 
 std::string weekdayName(int codeDate) {
