@@ -69,6 +69,34 @@ TEST_F(RuleCommandTest, KeepsWhatTheRecordLoses) {
     EXPECT_NE(two["warnings"].dump().find("2005-02-10 where the rule has 2005-01-20"),
               std::string::npos)
         << two["warnings"];
+
+    const Json end = runJson({"rule", "D1 20050616T080000", "--start", "20050615T0930", "--json"});
+    EXPECT_EQ(end["rules"][0]["dates"], Json::parse(R"(["2005-06-15"])"));
+    EXPECT_NE(end["rules"][0]["warnings"].dump().find("it goes on with 2005-06-16"),
+              std::string::npos)
+        << end;
+
+    const Json never = runJson({"rule", "W1 WE 99991231", "--start", "20050615", "--json"});
+    EXPECT_EQ(never["rules"][0]["repeats"][0]["end"], "2499-12-31");
+    EXPECT_EQ(never["rules"][0]["ical"], "FREQ=WEEKLY;UNTIL=99991231;INTERVAL=1;BYDAY=WE");
+}
+
+// Parts of a yearly rule that name days together choose the days that all of them name.
+TEST_F(RuleCommandTest, JoinsThePartsOfAYearlyRule) {
+    const struct {
+        const char* parts;
+        const char* dates;
+    } kCases[] = {
+        {"BYWEEKNO=20;BYMONTHDAY=17", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
+        {"BYYEARDAY=137,138;BYMONTHDAY=17", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
+        {"BYWEEKNO=20;BYYEARDAY=137", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
+        {"BYWEEKNO=20", R"(["2005-05-17","2006-05-16","2007-05-15"])"},
+    };
+    for (const auto& each : kCases) {
+        const Json json = runJson({"expand", std::string("FREQ=YEARLY;") + each.parts, "--start",
+                                   "20050517", "--through", "20071231", "--json"});
+        EXPECT_EQ(json["dates"], Json::parse(each.dates)) << each.parts;
+    }
 }
 
 TEST_F(RuleCommandTest, PrintsOneFormAlone) {

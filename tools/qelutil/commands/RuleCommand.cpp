@@ -48,11 +48,12 @@ int rareDay(const Repeat& repeat) {
 }
 
 // What the records do not say themselves: that their dates are not the rule's, which are shown.
-void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& dates,
+// `more`: the rule goes on after `dates`.
+void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& dates, bool more,
                   std::vector<std::string>& warnings) {
     const auto usable = [](const Repeat& repeat) { return repeat.code == 0; };
     if (repeats.empty() || !std::all_of(repeats.begin(), repeats.end(), usable)) return;
-    const std::vector<int> given = repeatDates(repeats, dates.size(), kLastDay);
+    const std::vector<int> given = repeatDates(repeats, dates.size() + (more ? 0 : 1), kLastDay);
     if (given == dates) return;
     const auto [ours, theirs] =
         std::mismatch(dates.begin(), dates.end(), given.begin(), given.end());
@@ -70,6 +71,8 @@ void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& da
         text += ": " + isoDate(*theirs) + " where the rule has " + isoDate(*ours);
     } else if (ours != dates.end()) {
         text += ": it ends before " + isoDate(*ours);
+    } else {
+        text += ": it goes on with " + isoDate(*theirs);
     }
     warnings.push_back(text);
 }
@@ -97,7 +100,7 @@ Explained explain(const Rule& rule, const convert::RuleStart& start, std::size_t
     explained.dates = convert::expandRule(rule, start, limits);
     explained.more = explained.dates.size() > count;
     if (explained.more) explained.dates.resize(count);
-    compareDates(explained.repeats, explained.dates, explained.warnings);
+    compareDates(explained.repeats, explained.dates, explained.more, explained.warnings);
     return explained;
 }
 
@@ -237,8 +240,12 @@ void addRuleCommand(CLI::App& app, Context& context) {
         ->capture_default_str()
         ->type_name("N")
         ->check(CLI::Range(std::size_t{1}, kMostDates));
-    command->add_flag("--calendar", options->calendar, "Show the dates in month grids");
-    command->add_flag("--json", options->json, "Print the facts as JSON")->excludes(to);
+    CLI::Option* calendar =
+        command->add_flag("--calendar", options->calendar, "Show the dates in month grids")
+            ->excludes(to);
+    command->add_flag("--json", options->json, "Print the facts as JSON")
+        ->excludes(to)
+        ->excludes(calendar);
     command->footer(
         "Forms: v10 is vCalendar 1.0, ical iCalendar, positional the library's own.\n"
         "\n"

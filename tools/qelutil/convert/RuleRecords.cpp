@@ -54,6 +54,15 @@ std::vector<Rule> splitByDays(const Rule& rule) {
     return pieces;
 }
 
+// The library reads a date past its calendar as 1 January 1900; "99991231" is meant as never.
+bool endsPastCalendar(const Rule& rule) {
+    return rule.until.substr(0, 4) > "2499";
+}
+
+std::string recordUntil(const Rule& piece) {
+    return endsPastCalendar(piece) ? "24991231" + piece.until.substr(8) : piece.until;
+}
+
 bool isOrdinal(const Rule& piece) {
     return piece.days.size() == 1 && piece.days.front().position != 0;
 }
@@ -61,7 +70,7 @@ bool isOrdinal(const Rule& piece) {
 std::string positionalText(const Rule& piece) {
     std::string text(frequencyText(piece.frequency));
     const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
-    text += ";" + piece.until;
+    text += ";" + recordUntil(piece);
     text += ";" + (holdsCount ? std::to_string(piece.count) : std::string());
     text += ";" + std::to_string(std::min(piece.interval, kMostInRecord));
     text += ";;;;" + daysText(piece.days);
@@ -117,14 +126,17 @@ std::string vCalendarPieceText(const Rule& piece) {
         return "";
     }
     const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
-    const std::string end =
-        !piece.until.empty() ? piece.until : "#" + std::to_string(holdsCount ? piece.count : 0);
+    const std::string end = !piece.until.empty()
+                                ? recordUntil(piece)
+                                : "#" + std::to_string(holdsCount ? piece.count : 0);
     return code + std::to_string(std::min(piece.interval, kMostInRecord)) + list + " " + end;
 }
 
 void noteLimits(const Rule& rule, std::vector<RuleNote>& notes) {
     if (rule.interval > kMostInRecord || rule.count > kMostInRecord)
         notes.push_back({Severity::Warning, "a record holds no number beyond 32767"});
+    if (endsPastCalendar(rule))
+        notes.push_back({Severity::Note, "a record holds no end past 31 December 2499"});
     if (!rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty())
         notes.push_back({Severity::Warning, "a record holds no times of day"});
     const bool ordinals = std::any_of(rule.days.begin(), rule.days.end(),
