@@ -186,12 +186,26 @@ std::string limits(const Rule& rule) {
     return text;
 }
 
+// What days and weeks of the year exclude in a rule that is not yearly.
+std::string yearLimits(const Rule& rule) {
+    std::string text;
+    if (!rule.yearDays.empty()) {
+        text += ", only on the " + listOf(inOrder(rule.yearDays), ordinal) + " day of the year";
+    }
+    if (!rule.weekNumbers.empty()) {
+        text += ", only in the " + listOf(inOrder(rule.weekNumbers), ordinal) + " week of the year";
+    }
+    return text;
+}
+
 std::string monthly(const Rule& rule, const RuleStart& start) {
     std::string text = daysOfMonth(rule);
-    if (text.empty()) text = " on " + dayOfStart(start);
-    text += selection(rule, "month");
+    if (text.empty() && rule.yearDays.empty()) {
+        text = rule.weekNumbers.empty() ? " on " + dayOfStart(start)
+                                        : " on every " + weekday(weekdayOfStart(start));
+    }
     if (!rule.months.empty()) text += ", only in " + monthNames(rule);
-    return text;
+    return text + yearLimits(rule) + selection(rule, "month");
 }
 
 std::string yearly(const Rule& rule, const RuleStart& start) {
@@ -231,9 +245,13 @@ std::string yearly(const Rule& rule, const RuleStart& start) {
 }
 
 std::string weekly(const Rule& rule, const RuleStart& start) {
-    std::string text =
-        " on " + (rule.days.empty() ? weekday(weekdayOfStart(start)) : weekdays(rule.days));
-    return text + limits(rule) + selection(rule, "week");
+    std::string text;
+    if (!rule.days.empty()) {
+        text = " on " + weekdays(rule.days);
+    } else if (rule.monthDays.empty() && rule.yearDays.empty()) {
+        text = " on " + weekday(weekdayOfStart(start));
+    }
+    return text + limits(rule) + yearLimits(rule) + selection(rule, "week");
 }
 
 std::string clock(int hour, int minute, int second, bool withSecond) {
@@ -318,7 +336,7 @@ std::string ruleSentence(const Rule& rule, const RuleStart& start) {
     if (rule.interval != 1) text = "every " + std::to_string(rule.interval) + " " + unit + "s";
     switch (rule.frequency) {
         case Frequency::Daily:
-            text += limits(rule) + selection(rule, "day");
+            text += limits(rule) + yearLimits(rule) + selection(rule, "day");
             break;
         case Frequency::Weekly:
             text += weekly(rule, start);
