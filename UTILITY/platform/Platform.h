@@ -146,6 +146,31 @@ void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
 // Tells the user: a task-modal message box, a line on standard error where there are none.
 void messageBox(const char* title, const char* text) noexcept;
 
+// --- The end of a thread (ThreadEnd.cpp) ---------------------------------------------------------
+
+// Calls a function for an object that a thread keeps when that thread ends. A thread_local object
+// with a destructor is no substitute: where memory is exhausted when a thread first meets one, the
+// run-time library may end the process. One object for each thread and ThreadEnd, and four
+// ThreadEnds in the library at most.
+class ThreadEnd {
+  public:
+    using Call = void (*)(void* object) noexcept;
+
+    explicit ThreadEnd(Call call) noexcept;
+    // The objects that are still watched are left as they are.
+    ~ThreadEnd();
+    ThreadEnd(const ThreadEnd&) = delete;
+    ThreadEnd& operator=(const ThreadEnd&) = delete;
+
+    // Watches the calling thread's object; to be called at each use, which costs little. Without
+    // memory to remember it the object is left as it is.
+    void watch(void* object) const noexcept;
+
+  private:
+    unsigned key_ = 0;
+    bool usable_ = false;
+};
+
 // --- The writer's mutex (TraceMutex.cpp) --------------------------------------------------------
 
 enum class LockResult {

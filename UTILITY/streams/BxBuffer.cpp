@@ -97,9 +97,19 @@ unsigned int CBxBuffer::ContentSize() const {
 // --- CBxIntList ----------------------------------------------------------------------------------
 
 CBxIntList::CBxIntList() = default;
-CBxIntList::CBxIntList(const CBxIntList& o) = default;
-CBxIntList& CBxIntList::operator=(const CBxIntList& o) = default;
+CBxIntList::CBxIntList(const CBxIntList& o) {
+    *this = o;
+}
 CBxIntList::~CBxIntList() = default;
+
+CBxIntList& CBxIntList::operator=(const CBxIntList& o) {
+    try {
+        m_values = o.m_values;
+    } catch (const std::bad_alloc&) {
+        m_values.clear();
+    }
+    return *this;
+}
 
 int CBxIntList::GetSize() const {
     return static_cast<int>(m_values.size());

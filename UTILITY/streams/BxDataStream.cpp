@@ -59,9 +59,9 @@ int CBxDataStream::Initialize(unsigned char* data, unsigned long size, bool forR
     auto* storage =
         sane ? static_cast<unsigned char*>(std::malloc(std::max<std::size_t>(size, 1))) : nullptr;
     if (storage == nullptr) {
-        const std::string text = qel::excerpt(data, size);
+        const qel::Excerpt excerpt(data, size);
         Empty();
-        return BxTrace_Error_SL(qel::kStreamSourceName, __LINE__, text.c_str(),
+        return BxTrace_Error_SL(qel::kStreamSourceName, __LINE__, excerpt.text,
                                 static_cast<long>(std::min<unsigned long>(size, INT_MAX)),
                                 QEL_OUT_OF_MEMORY);
     }

@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstring>
 #include <functional>
-#include <string>
 
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/QelTypes.h"
@@ -22,15 +21,18 @@ constexpr bool endsValue(unsigned char c) {
 }
 
 // The head of bytes that need not end in a zero, as a log line shows it.
-inline std::string excerpt(const void* bytes, std::size_t size) {
-    constexpr std::size_t kMost = 350;
-    if (bytes == nullptr) return {};
-    const auto* text = static_cast<const char*>(bytes);
-    const std::size_t most = std::min(size, kMost);
-    const void* end = std::memchr(text, '\0', most);
-    return {text,
-            end == nullptr ? most : static_cast<std::size_t>(static_cast<const char*>(end) - text)};
-}
+struct Excerpt {
+    char text[351];
+
+    Excerpt(const void* bytes, std::size_t size) {
+        const auto* from = static_cast<const char*>(bytes);
+        std::size_t length = 0;
+        while (from != nullptr && length < std::min(size, sizeof text - 1) && from[length] != '\0')
+            ++length;
+        if (length > 0) std::memcpy(text, from, length);
+        text[length] = '\0';
+    }
+};
 
 inline bool pointsInto(const void* p, const void* block, std::size_t size) {
     const std::less<const void*> before;

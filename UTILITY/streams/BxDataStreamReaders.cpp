@@ -9,7 +9,7 @@
 
 namespace {
 
-using qel::excerpt;
+using qel::Excerpt;
 using qel::kStreamSourceName;
 
 constexpr int kDecodeNoMemory = 7004;
@@ -79,7 +79,7 @@ int CBxDataStream::ValueLength(int line) {
         return static_cast<int>(valueEnd - m_position);
     }
     const auto length = m_position < end ? end - m_position : 0;
-    throw BxTrace_Error_SL(kStreamSourceName, line, excerpt(m_storage, ContentSize()).c_str(),
+    throw BxTrace_Error_SL(kStreamSourceName, line, Excerpt(m_storage, ContentSize()).text,
                            static_cast<long>(std::min<std::ptrdiff_t>(length, INT_MAX)),
                            QEL_READ_PAST_END);
 }
@@ -174,6 +174,8 @@ CBxDataStream& CBxDataStream::operator>>(char* text) {
 CBxDataStream& CBxDataStream::operator>>(VStr& text) {
     const int length = ValueLength(__LINE__);
     text.Copy(reinterpret_cast<const char*>(m_position), length);
+    if (text.GetLength() != length)
+        qel::failWithSize(__LINE__, static_cast<unsigned>(length), QEL_OUT_OF_MEMORY);
     PassValue(length);
     return *this;
 }
@@ -187,6 +189,9 @@ CBxDataStream& CBxDataStream::operator>>(VStrArray& list) {
     int read = 0;
     if (count > 0) list.SetSize(old + count);
     try {
+        // An array without memory has a size but no elements: all of them are the same.
+        if (count > 0 && &list.ElementAt(old) == &list.ElementAt(-1))
+            qel::failWithSize(__LINE__, static_cast<unsigned>(count), QEL_OUT_OF_MEMORY);
         for (; read < count; ++read) *this >> list.ElementAt(old + read);
     } catch (int) {
         list.SetSize(old + read);
@@ -198,9 +203,13 @@ CBxDataStream& CBxDataStream::operator>>(VStrArray& list) {
 CBxDataStream& CBxDataStream::operator>>(CBxIntList& list) {
     const int count = ReadCount();
     for (int i = 0; i < count; ++i) {
+        unsigned char* start = m_position;
         int value = 0;
         *this >> value;
-        list.Add(value);
+        if (list.Add(value) < 0) {
+            m_position = start;
+            qel::failWithSize(__LINE__, sizeof value, QEL_OUT_OF_MEMORY);
+        }
     }
     return *this;
 }
@@ -245,8 +254,8 @@ int CBxDataStream::Read(unsigned char*& data, long& size) {
     int code = QEL_OK;
     unsigned char* decoded = decodedBytes(m_position, length, decodedSize, code);
     if (decoded == nullptr) {
-        const auto shown = excerpt(m_position, static_cast<std::size_t>(length));
-        return BxTrace_Error_SL(kStreamSourceName, __LINE__, shown.c_str(), length, code);
+        const Excerpt shown(m_position, static_cast<std::size_t>(length));
+        return BxTrace_Error_SL(kStreamSourceName, __LINE__, shown.text, length, code);
     }
     PassValue(length);
     if (decodedSize != count) {

@@ -125,7 +125,9 @@ CBxDataStream& CBxDataStream::operator<<(const unsigned char* text) {
 CBxDataStream& CBxDataStream::operator<<(const VStrArray& list) {
     const int count = list.GetSize();
     AddLong(count);
-    for (int i = 0; i < count; ++i) *this << static_cast<const char*>(list[i]);
+    // By reference: a copy might be lost to exhausted memory and be written as an empty text.
+    auto& elements = const_cast<VStrArray&>(list);
+    for (int i = 0; i < count; ++i) *this << static_cast<const char*>(elements.ElementAt(i));
     return *this;
 }
 

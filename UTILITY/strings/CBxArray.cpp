@@ -70,7 +70,7 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
             if (moving) {
                 block[i] <<= m_data[i];
             } else {
-                block[i] = m_data[i];
+                qel::takeText(block[i], m_data[i]);
             }
         }
         delete[] m_data;
@@ -85,6 +85,8 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
 int CBxArray<VStr>::Add(VStr v) {
     if (!GrowForOne(false)) return -1;
     m_data[m_size] = v;
+    // A null string stays null; any other one that arrives as null found no memory.
+    if (m_data[m_size].Compare(nullptr) == 0 && v.Compare(nullptr) != 0) return -1;
     return m_size++;
 }
 

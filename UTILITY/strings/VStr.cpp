@@ -257,7 +257,9 @@ VStr& VStr::Catstr(VStr& a, const VStr& b) {
         // A copy it must be: b is this string, which is about to change.
         // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const VStr tail(b);
-        return Catstr(a, tail);
+        if (tail.m_length == b.m_length) return Catstr(a, tail);
+        Empty();
+        return *this;
     }
     const std::int64_t total = std::int64_t{a.m_length} + b.m_length;
     const int headLength = textLength(a, static_cast<std::size_t>(a.m_length));

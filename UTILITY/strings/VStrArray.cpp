@@ -5,15 +5,20 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/Immortal.h"
+#include "platform/Platform.h"
 #include "strings/VStrArrayInternal.h"
 
 namespace {
 
 // What an access to an element that does not exist refers to: null whenever it is handed out.
 VStr& nowhere() {
-    thread_local VStr spare;
-    spare.Empty();
-    return spare;
+    static const qel::platform::ThreadEnd end(
+        [](void* text) noexcept { static_cast<VStr*>(text)->Empty(); });
+    thread_local qel::platform::Immortal<VStr> spare;
+    end.watch(&spare.get());
+    spare.get().Empty();
+    return spare.get();
 }
 
 }  // namespace
@@ -43,9 +48,8 @@ int VStrArray::GetUpperBound() const {
 void VStrArray::SetSize(int n) {
     if (n < 0) return;
     VStr* block = n == 0 ? nullptr : VStrArrNew(n);
-    if (block != nullptr && m_data != nullptr) {
-        std::copy_n(m_data, std::min(m_size, n), block);
-    }
+    const int kept = block != nullptr && m_data != nullptr ? std::min(m_size, n) : 0;
+    for (int i = 0; i < kept; ++i) qel::takeText(block[i], m_data[i]);
     VStrArrDel(m_data, m_size);
     m_data = block;
     m_size = n;

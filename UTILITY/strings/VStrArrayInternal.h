@@ -18,6 +18,13 @@ inline VStr* newStrings(int n) {
     return new (std::nothrow) VStr[static_cast<std::size_t>(n)];
 }
 
+// Gives a null `to` what assigning `from` would: the text up to its first NUL. The block changes
+// hands, so that an array that moves its elements loses none where memory is exhausted.
+inline void takeText(VStr& to, VStr& from) {
+    to <<= from;
+    if (to.Compare(nullptr) != 0) to.ReleaseBuffer();
+}
+
 }  // namespace qel
 
 #endif

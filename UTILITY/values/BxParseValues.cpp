@@ -75,7 +75,10 @@ bool CBxSymbolParser::ReadSymbol(int& result) {
     VStr item(m_cursor, static_cast<int>(std::min<std::size_t>(span, INT_MAX)));
     m_cursor += span;
     // The run stops at a backslash only when that is one of the separators.
+    const bool lost = span > 0 && item.IsEmpty();
     if (*m_cursor == kEscape) ProcessEscapes(item);
+    // The tail of an item without its head is no item.
+    if (lost) item.Empty();
     const bool kept = m_symbols.AddVStr(item) >= 0;
     if (*m_cursor == '\0') {
         result = QEL_END_OF_INPUT;
@@ -173,8 +176,22 @@ int CBxParseValues::GetNextSymbol() {
 // --- CBxParsePairValues --------------------------------------------------------------------------
 
 CBxParsePairValues::CBxParsePairValues() = default;
-CBxParsePairValues::CBxParsePairValues(const CBxParsePairValues& o) = default;
-CBxParsePairValues& CBxParsePairValues::operator=(const CBxParsePairValues& o) = default;
+CBxParsePairValues::CBxParsePairValues(const CBxParsePairValues& o) : CBxSymbolParser(o) {
+    CopyPairs(o);
+}
+
+CBxParsePairValues& CBxParsePairValues::operator=(const CBxParsePairValues& o) {
+    CBxSymbolParser::operator=(o);
+    CopyPairs(o);
+    return *this;
+}
+
+void CBxParsePairValues::CopyPairs(const CBxParsePairValues& o) {
+    if (this == &o) return;
+    m_pairs.clear();
+    for (const auto& [name, value] : o.m_pairs) AddPair(name, value);
+}
+
 CBxParsePairValues::~CBxParsePairValues() = default;
 
 int CBxParsePairValues::BuildSymbolArray(const char* text) {
@@ -190,7 +207,7 @@ int CBxParsePairValues::GetNextSymbol() {
     return result;
 }
 
-bool CBxParsePairValues::NameLess::operator()(const VStr& a, const VStr& b) const {
+bool CBxParsePairValues::NameLess::operator()(const char* a, const char* b) const {
     return std::strcmp(a, b) < 0;
 }
 
@@ -198,15 +215,24 @@ void CBxParsePairValues::AddPair(const VStr& item) {
     const int equals = item.Find('=');
     if (equals < 0) return;
     const char* text = item;
+    const VStr name(text, equals);
+    if (name.GetLength() == equals) AddPair(name, text + equals + 1);
+}
+
+// The first value given for a name is the one that holds.
+void CBxParsePairValues::AddPair(const VStr& name, const char* value) {
     try {
-        // The first value given for a name is the one that holds.
-        m_pairs.emplace(VStr(text, equals), VStr(text + equals + 1));
+        const auto added = m_pairs.try_emplace(name, value);
+        // A name or value that there was no memory for is null now, and would be found as "".
+        const auto& [ownName, ownValue] = *added.first;
+        if (added.second && (std::strcmp(ownName, name) != 0 || std::strcmp(ownValue, value) != 0))
+            m_pairs.erase(added.first);
     } catch (const std::bad_alloc&) {
         // The item stands; there was no memory for its pair.
     }
 }
 
 VStr CBxParsePairValues::GetValueOf(const char* name) {
-    const auto found = m_pairs.find(VStr(name));
+    const auto found = m_pairs.find(name != nullptr ? name : "");
     return found == m_pairs.end() ? VStr() : found->second;
 }

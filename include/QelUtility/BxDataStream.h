@@ -70,6 +70,7 @@ class QELUTILITY_API CBxBuffer {
 class QELUTILITY_API CBxIntList {
   public:
     CBxIntList();
+    // A copy that there is no memory for is empty.
     CBxIntList(const CBxIntList& o);
     CBxIntList& operator=(const CBxIntList& o);
     ~CBxIntList();

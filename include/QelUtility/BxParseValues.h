@@ -97,10 +97,13 @@ class QELUTILITY_API CBxParsePairValues : public CBxSymbolParser {
   private:
     // By the bytes of the names; a null name counts as the empty text.
     struct NameLess {
-        QELUTILITY_LOCAL bool operator()(const VStr& a, const VStr& b) const;
+        using is_transparent = void;
+        QELUTILITY_LOCAL bool operator()(const char* a, const char* b) const;
     };
 
     QELUTILITY_LOCAL void AddPair(const VStr& item);
+    QELUTILITY_LOCAL void AddPair(const VStr& name, const char* value);
+    QELUTILITY_LOCAL void CopyPairs(const CBxParsePairValues& o);
 
     std::map<VStr, VStr, NameLess> m_pairs;
 };

@@ -23,8 +23,8 @@ class QELUTILITY_API VStrArray {
 
     int GetSize() const;
     int GetUpperBound() const;
-    // Elements beyond the old size are null. Every call copies all elements that stay, in time
-    // proportional to their text.
+    // Elements beyond the old size are null. Every call makes a new block and looks through the
+    // text of all elements that stay.
     void SetSize(int n);
     void RemoveAll();
 
@@ -79,7 +79,8 @@ template <>
 class QELUTILITY_API CBxArray<VStr> {
   public:
     CBxArray();
-    // Copying is deep.
+    // Copying is deep. Where memory is exhausted the copy is empty, or the elements that there was
+    // none for are null.
     CBxArray(const CBxArray& o);
     ~CBxArray();
     CBxArray& operator=(const CBxArray& o);
@@ -97,8 +98,8 @@ class QELUTILITY_API CBxArray<VStr> {
     void RemoveAll();
 
   protected:
-    // Makes room for one element more by moving or by copying the others; false when memory is
-    // exhausted, with the array as it was.
+    // Makes room for one element more by moving the others, whole or up to their first NUL; false
+    // when memory is exhausted, with the array as it was.
     QELUTILITY_LOCAL bool GrowForOne(bool moving);
 
     int m_lastIndex;  // highest index that there is room for, -1 without a block

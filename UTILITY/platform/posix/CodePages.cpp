@@ -8,6 +8,7 @@
 #include <new>
 #include <vector>
 
+#include "platform/Immortal.h"
 #include "platform/Platform.h"
 
 namespace qel::platform {
@@ -40,10 +41,11 @@ class Descriptors {
         decoders_.fill(noDescriptor());
         encoders_.fill(noDescriptor());
     }
-    ~Descriptors() {
+    void close() noexcept {
         for (auto* side : {&decoders_, &encoders_}) {
-            for (iconv_t descriptor : *side) {
+            for (iconv_t& descriptor : *side) {
                 if (descriptor != noDescriptor()) iconv_close(descriptor);
+                descriptor = noDescriptor();
             }
         }
     }
@@ -76,8 +78,11 @@ class Descriptors {
 };
 
 Descriptors& descriptors() {
-    thread_local Descriptors ofThisThread;
-    return ofThisThread;
+    static const ThreadEnd end(
+        [](void* object) noexcept { static_cast<Descriptors*>(object)->close(); });
+    thread_local Immortal<Descriptors> ofThisThread;
+    end.watch(&ofThisThread.get());
+    return ofThisThread.get();
 }
 
 constexpr CodePageResult failed(CodePageFailure failure) {

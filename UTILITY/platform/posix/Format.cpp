@@ -41,10 +41,17 @@ int formatTextV(char* out, std::size_t room, const char* format, std::va_list ar
     if (std::strstr(format, "I64") == nullptr && std::strstr(format, "I32") == nullptr) {
         length = std::vsnprintf(out, room, format, arguments);
     } else {
-        const std::unique_ptr<char[]> own(new (std::nothrow) char[std::strlen(format) + 1]);
-        if (own == nullptr) return -1;
-        respell(format, own.get());
-        length = std::vsnprintf(out, room, own.get(), arguments);
+        // Formats are short; only a long one needs memory of its own.
+        char shortFormat[512];
+        const std::size_t size = std::strlen(format) + 1;
+        std::unique_ptr<char[]> longFormat;
+        if (size > sizeof shortFormat) {
+            longFormat.reset(new (std::nothrow) char[size]);
+            if (longFormat == nullptr) return -1;
+        }
+        char* const own = longFormat != nullptr ? longFormat.get() : shortFormat;
+        respell(format, own);
+        length = std::vsnprintf(out, room, own, arguments);
     }
     if (length < 0 && room > 0) out[0] = '\0';
     return length;
