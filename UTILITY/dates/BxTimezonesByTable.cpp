@@ -4,8 +4,9 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <numeric>
-#include <string>
+#include <string_view>
 #include <tuple>
 
 #include "QelUtility/BxTimezones.h"
@@ -36,6 +37,8 @@ constexpr int kLineNoOffsets = 582;
 
 constexpr int kBadZoneNumber = 2016;
 constexpr int kNotUtc = 2098;
+
+constexpr std::size_t kTextRoom = 48;
 
 int reportBadZone(int line, int zone) {
     return BxTrace_Error_SL(kSourceName, line, "invalid timezoneID", zone, kBadZoneNumber);
@@ -84,7 +87,8 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
 
 // The text of a zone time less an offset, hour and minute alone. An offset of less than an hour
 // moves nothing, its minutes included.
-std::string textLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes) {
+void writeLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes,
+                     char (&text)[kTextRoom]) {
     std::int32_t date = time.date;
     int hour = time.hour;
     int minute = time.minute;
@@ -121,31 +125,42 @@ std::string textLessOffset(const ZoneTime& time, int offsetHours, int offsetMinu
             date = neighbourDay(date, -1);
         }
     }
-    char text[48];
     std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date), hour, minute);
-    return text;
 }
 
 // The two second digits of a text, as many as there are; a Z in their place is none.
-std::string secondDigits(const char* text) {
+std::string_view secondDigits(const char* text) {
     const char* const seconds = tail(text, 13);
     std::size_t count = 0;
     while (count < 2 && seconds[count] != '\0' && seconds[count] != 'Z') ++count;
     return {seconds, count};
 }
 
-void convertToUtc(const char* text, const ZoneTime& time, int hours, int minutes, VStr& out) {
-    out = (textLessOffset(time, hours, minutes) + secondDigits(text) + "Z").c_str();
+// Sets `out` to a text, which may be its own: 0, or 2001 and a null string.
+int setText(const char* text, VStr& out) {
+    VStr copy(text);
+    const bool lost = copy.IsEmpty() && text != nullptr && *text != '\0';
+    out <<= copy;
+    return lost ? QEL_OUT_OF_MEMORY : QEL_OK;
 }
 
-// Copies a text that needs no conversion and says so with true: one without a time, or in UTC.
-bool copiedToUtc(const char* text, int line, VStr& out) {
-    if (has(text, 'T')) {
-        if (!has(text, 'Z')) return false;
-        BxTrace_Trace1(kSourceName, line, "local time is actually in UTC!");
-    }
-    const VStr copy(text);
-    out = copy;
+// Sets `out` to a zone time less an offset, its seconds those of `text`, with `mark` behind it.
+int convert(const char* text, const ZoneTime& time, int hours, int minutes, const char* mark,
+            VStr& out) {
+    char start[kTextRoom];
+    writeLessOffset(time, hours, minutes, start);
+    const std::string_view seconds = secondDigits(text);
+    char whole[kTextRoom + 4];
+    std::snprintf(whole, sizeof whole, "%s%.*s%s", start, static_cast<int>(seconds.size()),
+                  seconds.data(), mark);
+    return setText(whole, out);
+}
+
+// Whether a text needs no conversion to UTC: one without a time, or in UTC.
+bool needsNoUtc(const char* text, int line) {
+    if (!has(text, 'T')) return true;
+    if (!has(text, 'Z')) return false;
+    BxTrace_Trace1(kSourceName, line, "local time is actually in UTC!");
     return true;
 }
 
@@ -187,8 +202,9 @@ int BxTZ_GetZoneID(const char* name) {
     for (int zone = 1; zone <= qel::kZoneCount; ++zone) {
         if (equalNoCase(wanted, qel::zoneName(zone))) return zone;
     }
-    const std::string text = std::string("Bad Timezone: ") + wanted;
-    BxTrace_Error_SL(kSourceName, kLineUnknownName, text.c_str(), QEL_MALFORMED, QEL_MALFORMED);
+    char text[512];  // the error line shows less
+    std::snprintf(text, sizeof text, "Bad Timezone: %.400s", wanted);
+    BxTrace_Error_SL(kSourceName, kLineUnknownName, text, QEL_MALFORMED, QEL_MALFORMED);
     return -1;
 }
 
@@ -207,10 +223,19 @@ void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
     std::sort(zones.begin(), zones.end(),
               [](int a, int b) { return std::strcmp(qel::zoneName(a), qel::zoneName(b)) < 0; });
     names.SetSize(qel::kZoneCount);
+    bool whole = true;
     for (int i = 0; i < qel::kZoneCount; ++i) {
         names.SetAt(i, qel::zoneName(zones[static_cast<std::size_t>(i)]));
+        whole = whole && !names.ElementAt(i).IsEmpty();
     }
-    numbers.assign(zones.begin(), zones.end());
+    try {
+        numbers.assign(zones.begin(), zones.end());
+    } catch (const std::bad_alloc&) {
+        whole = false;
+    }
+    if (whole) return;
+    names.RemoveAll();
+    numbers.clear();
 }
 
 int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
@@ -219,18 +244,16 @@ int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
         out.Empty();
         return kBadZoneNumber;
     }
-    if (copiedToUtc(text, kLineUtcToUtc, out)) return 0;
+    if (needsNoUtc(text, kLineUtcToUtc)) return setText(text, out);
     ZoneTime time = parseZoneTime(text);
     if (const int code = zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0) return code;
-    convertToUtc(text, time, time.offsetHours, time.offsetMinutes, out);
-    return 0;
+    return convert(text, time, time.offsetHours, time.offsetMinutes, "Z", out);
 }
 
 int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, const char* text, VStr& out) {
-    if (copiedToUtc(text, kLineUtcToUtcByOffset, out)) return 0;
-    convertToUtc(text, parseZoneTime(text), clampOffset(offsetHours), clampOffset(offsetMinutes),
-                 out);
-    return 0;
+    if (needsNoUtc(text, kLineUtcToUtcByOffset)) return setText(text, out);
+    return convert(text, parseZoneTime(text), clampOffset(offsetHours), clampOffset(offsetMinutes),
+                   "Z", out);
 }
 
 int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
@@ -241,15 +264,12 @@ int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
         return kBadZoneNumber;
     }
     if (!timed || !has(text, 'Z')) {
-        const VStr copy(text);
-        out = copy;
-        return timed ? kNotUtc : 0;
+        const int result = setText(text, out);
+        return result == QEL_OK && timed ? kNotUtc : result;
     }
     ZoneTime time = parseZoneTime(text);
     if (const int code = zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0) return code;
-    out =
-        (textLessOffset(time, -time.offsetHours, -time.offsetMinutes) + secondDigits(text)).c_str();
-    return 0;
+    return convert(text, time, -time.offsetHours, -time.offsetMinutes, "", out);
 }
 
 int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone) {
@@ -257,7 +277,8 @@ int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone) {
     VStr utc;
     VStr local;
     const int toUtc = BxTZ_LocalToUTC(fromZone, text, utc);
+    if (toUtc == QEL_OUT_OF_MEMORY) return toUtc;
     const int toLocal = BxTZ_UTCToLocal(toZone, utc, local);
-    if (toUtc == 0 && toLocal == 0) text = local;
+    if (toUtc == 0 && toLocal == 0) text <<= local;
     return toLocal;
 }

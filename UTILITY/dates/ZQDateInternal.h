@@ -50,6 +50,9 @@ int ZQ_DayOfWeek(int code);
 // trailing Z makes no difference. "20050615T083000Z" is 38516 * 86400 + 30600.
 [[nodiscard]] std::int64_t ZQ_DateTimeToSeconds(VStr text);
 
+// The same of a text that need not be a string of its own.
+[[nodiscard]] std::int64_t ZQ_DateTimeToSeconds(const char* text);
+
 // Appends the date-time text of a value to `out`, with the letter Z unless `noUtc`. Day and time
 // are split towards zero: -1 is "19000101T000099Z". A day after 2499 is written as "00000000".
 void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc);

@@ -69,6 +69,10 @@ void appendDateTime(std::int64_t codeDate, std::int64_t codeTime, VStr& out, boo
 // NOLINTBEGIN(performance-unnecessary-value-param)
 
 std::int64_t ZQ_DateTimeToSeconds(VStr text) {
+    return ZQ_DateTimeToSeconds(static_cast<const char*>(text));
+}
+
+std::int64_t ZQ_DateTimeToSeconds(const char* text) {
     const DateTimeFields fields = scanDateTime(text);
     unsigned code = 0;
     // A date that is refused counts as day 0; the time still counts.

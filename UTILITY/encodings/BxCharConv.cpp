@@ -69,6 +69,9 @@ CBxCharConvSvcs& CBxCharConvSvcs::operator=(CBxCharConvSvcs& o) {
     }
     m_toName = duplicate(o.m_toName);
     m_fromName = duplicate(o.m_fromName);
+    // A conversion has both its names.
+    if (m_initialized && (m_toName == nullptr || m_fromName == nullptr))
+        qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     return *this;
 }
 

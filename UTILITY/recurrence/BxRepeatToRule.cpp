@@ -187,6 +187,12 @@ int writeExclusions(const ZQTR_REPEAT& repeat, VStr& out) {
         if (i > 0) out += ',';
         out += date;
     }
+    constexpr int kItemLength = 9;  // eight digits and a comma, which the last one lacks
+    if (const int count = repeat.exclusionCount;
+        count > 0 && out.GetLength() != count * kItemLength - 1) {
+        out.Empty();
+        return fail(__LINE__, "No memory for exclusions", QEL_OUT_OF_MEMORY);
+    }
     return QEL_OK;
 }
 
@@ -224,6 +230,7 @@ int QELUTILITY_CALL BxUtil_BxRepeatToRRule(ZQTR_REPEAT* repeat, _rruleRepeat* ru
     BxUtil_InitializeRRULE(rule);
     rule->wkst = RRULE_DAY_SU;
     ZQTRDateTimeToUTCDate(repeat->startDate, startText);
+    if (startText.IsEmpty()) return fail(__LINE__, "No memory for start date", QEL_OUT_OF_MEMORY);
     rule->freq = static_cast<unsigned char>(frequencyOf(repeat->type));
     if (rule->freq == 0) return QEL_FAILED;
     rule->until = ConvertZQTRDateTimeToRRule(repeat->endDate);

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "QelUtility/RRule.h"
@@ -30,31 +31,32 @@ inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
      {RRULE_FREQ_WEEKLY, "WEEKLY"},
      {RRULE_FREQ_DAILY, "DAILY"}}};
 
-// The list writers. Each appends one set of `rule` to `out`, its items parted by `separator`.
+// The list writers. They throw std::bad_alloc. Each appends one set of `rule` to `out`, its items
+// parted by `separator`.
 
 // "SU" .. "SA" for each bit of byDay.
-void RRule_AppendDays(const _rruleRepeat& rule, VStr& out, char separator);
+void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator);
 // The positive days ascending, then the negative ones by ascending magnitude: "-1", but "1-" when
 // the items are parted by spaces (vCalendar's form of the last day).
-void RRule_AppendMonthDays(const _rruleRepeat& rule, VStr& out, char separator);
+void RRule_AppendMonthDays(const _rruleRepeat& rule, std::string& out, char separator);
 // 1 .. 366, then -1 .. -366.
-void RRule_AppendYearDays(const _rruleRepeat& rule, VStr& out, char separator);
+void RRule_AppendYearDays(const _rruleRepeat& rule, std::string& out, char separator);
 // 1 .. 53, then -1 .. -53, parted by commas.
-void RRule_AppendWeekNumbers(const _rruleRepeat& rule, VStr& out);
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, std::string& out);
 // "1" .. "12" for each bit of byMonth.
-void RRule_AppendMonths(const _rruleRepeat& rule, VStr& out, char separator);
+void RRule_AppendMonths(const _rruleRepeat& rule, std::string& out, char separator);
 // Every slot of setPos that is not free, in slot order, parted by commas.
-void RRule_AppendSetPositions(const _rruleRepeat& rule, VStr& out);
-
-// Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
-// returns out's text, or null when no frequency bit is set. With `withTime`, what a reader yields
-// for values in range is read back to the same record: INTERVAL is always written, COUNT whenever
-// there is no UNTIL and it is not the default, WKST as the first weekday of `wkst` that is not the
-// default Sunday. Without it UNTIL keeps its date alone.
-const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime);
+void RRule_AppendSetPositions(const _rruleRepeat& rule, std::string& out);
 
 // Appends `until` as a date-time in UTC ("20051231T000000Z"), or its eight-digit date alone.
-void RRule_AppendUntil(__int64 until, VStr& out, bool withTime);
+void RRule_AppendUntil(__int64 until, std::string& out, bool withTime);
+
+// Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
+// returns out's text, or null when no frequency bit is set or memory is exhausted. With `withTime`,
+// what a reader yields for values in range is read back to the same record: INTERVAL is always
+// written, COUNT whenever there is no UNTIL and it is not the default, WKST as the first weekday of
+// `wkst` that is not the default Sunday. Without it UNTIL keeps its date alone.
+const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime);
 
 // The items of a text as CBxParseValues yields them for one separator (no escapes), without its
 // array: that one grows by 128 items at a time, so that a hostile text of a million items would
@@ -93,8 +95,9 @@ int RRule_DayOfCodeNoCase(std::string_view text);
 // What every reader starts with: *flags (may be null) to 0, `rule` to its defaults.
 void RRule_Start(_rruleRepeat* rule, int* flags);
 
-// Takes `text` as the end date: *flags gets RRULE_UNTIL_HAS_TIME when it is longer than 8
-// characters. Returns its seconds since 1 January 1900 (0 when it cannot be read).
+// Takes `text`, an item of a text that ends in a NUL, as the end date: *flags gets
+// RRULE_UNTIL_HAS_TIME when it is longer than 8 characters. Returns its seconds since 1 January
+// 1900 (0 when it cannot be read).
 __int64 RRule_ReadUntil(std::string_view text, int* flags);
 
 // Reports an unknown frequency and returns the readers' result for it, -1.

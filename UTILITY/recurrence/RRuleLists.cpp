@@ -10,7 +10,7 @@ namespace {
 // Puts the separator between items, never before the first or after the last.
 class ItemWriter {
   public:
-    ItemWriter(VStr& out, char separator) : out_(out), separator_(separator) {}
+    ItemWriter(std::string& out, char separator) : out_(out), separator_(separator) {}
 
     void text(const char* item) {
         if (!first_) out_ += separator_;
@@ -25,7 +25,7 @@ class ItemWriter {
     }
 
   private:
-    VStr& out_;
+    std::string& out_;
     char separator_;
     bool first_ = true;
 };
@@ -36,14 +36,14 @@ bool hasBit(unsigned long long set, int bit) {
 
 }  // namespace
 
-void RRule_AppendDays(const _rruleRepeat& rule, VStr& out, char separator) {
+void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 7; ++day) {
         if (hasBit(rule.byDay, day)) items.text(kDayCodes[static_cast<std::size_t>(day)]);
     }
 }
 
-void RRule_AppendMonthDays(const _rruleRepeat& rule, VStr& out, char separator) {
+void RRule_AppendMonthDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 31; ++day) {
         if (hasBit(rule.byMonthDay, day)) items.number("%d", day);
@@ -54,7 +54,7 @@ void RRule_AppendMonthDays(const _rruleRepeat& rule, VStr& out, char separator) 
     }
 }
 
-void RRule_AppendYearDays(const _rruleRepeat& rule, VStr& out, char separator) {
+void RRule_AppendYearDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 366; ++day) {
         if (hasBit(rule.byYearDay[day / 64], day % 64)) items.number("%d", day);
@@ -64,7 +64,7 @@ void RRule_AppendYearDays(const _rruleRepeat& rule, VStr& out, char separator) {
     }
 }
 
-void RRule_AppendWeekNumbers(const _rruleRepeat& rule, VStr& out) {
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, std::string& out) {
     ItemWriter items(out, ',');
     for (int week = 1; week <= 53; ++week) {
         if (hasBit(rule.byWeekNo, week)) items.number("%d", week);
@@ -74,14 +74,14 @@ void RRule_AppendWeekNumbers(const _rruleRepeat& rule, VStr& out) {
     }
 }
 
-void RRule_AppendMonths(const _rruleRepeat& rule, VStr& out, char separator) {
+void RRule_AppendMonths(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int month = 1; month <= 12; ++month) {
         if (hasBit(rule.byMonth, month)) items.number("%d", month);
     }
 }
 
-void RRule_AppendSetPositions(const _rruleRepeat& rule, VStr& out) {
+void RRule_AppendSetPositions(const _rruleRepeat& rule, std::string& out) {
     ItemWriter items(out, ',');
     for (int slot = 0; slot < kPositionSlots; ++slot) {
         const short position = rule.setPos[slot];  // by value: a packed field may lie anywhere

@@ -1,6 +1,7 @@
 // What the rule readers share: items, numbers, day codes, the end date, the failure report.
 #include <algorithm>
 #include <climits>
+#include <cstdio>
 
 #include "QelUtility/BxTrace.h"
 #include "dates/ZQDateInternal.h"
@@ -11,9 +12,8 @@ namespace qel {
 namespace {
 
 constexpr char kSourceName[] = "RRule";
-constexpr std::size_t kDateLength = 8;         // "YYYYMMDD"
-constexpr std::size_t kLongestReport = 1000;   // the error line shows less of a text than this
-constexpr std::size_t kLongestText = 1 << 30;  // what a string's 32-bit length surely holds
+constexpr std::size_t kDateLength = 8;    // "YYYYMMDD"
+constexpr std::size_t kReportRoom = 512;  // the error line shows less of a text than this
 
 char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -21,10 +21,6 @@ char lower(char c) {
 
 bool isSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-VStr toVStr(std::string_view text, std::size_t longest) {
-    return {text.data(), static_cast<int>(std::min(text.size(), longest))};
 }
 
 }  // namespace
@@ -82,12 +78,15 @@ void RRule_Start(_rruleRepeat* rule, int* flags) {
 
 __int64 RRule_ReadUntil(std::string_view text, int* flags) {
     if (flags != nullptr && text.size() > kDateLength) *flags |= RRULE_UNTIL_HAS_TIME;
-    return ZQ_DateTimeToSeconds(toVStr(text, kLongestText));
+    // No copy, which exhausted memory might lose: what ends an item in its text, a separator or the
+    // terminator, ends the reading of a date as well.
+    return ZQ_DateTimeToSeconds(text.data());
 }
 
 int RRule_BadFrequency(std::string_view text) {
-    VStr message("Bad FREQ");
-    message += toVStr(text, kLongestReport);
+    char message[kReportRoom];
+    std::snprintf(message, sizeof message, "Bad FREQ%.*s",
+                  static_cast<int>(std::min(text.size(), sizeof message)), text.data());
     return BxTrace_Error_SL(kSourceName, __LINE__, message, 0, QEL_FAILED);
 }
 

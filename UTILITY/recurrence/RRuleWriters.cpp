@@ -1,5 +1,7 @@
 // The rule writers: iCalendar, vCalendar 1.0 and the positional form.
 #include <cstdio>
+#include <new>
+#include <string>
 
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
@@ -17,18 +19,18 @@ constexpr short kNoCount = -1;
 struct Part {
     RRulePart bit;
     const char* keyword;
-    void (*append)(const _rruleRepeat& rule, VStr& out);
+    void (*append)(const _rruleRepeat& rule, std::string& out);
 };
 constexpr Part kParts[] = {
-    {RRULE_TYPE_BYDAY,
-     "BYDAY=", [](const _rruleRepeat& rule, VStr& out) { RRule_AppendDays(rule, out, ','); }},
+    {RRULE_TYPE_BYDAY, "BYDAY=",
+     [](const _rruleRepeat& rule, std::string& out) { RRule_AppendDays(rule, out, ','); }},
     {RRULE_TYPE_BYMONTHDAY, "BYMONTHDAY=",
-     [](const _rruleRepeat& rule, VStr& out) { RRule_AppendMonthDays(rule, out, ','); }},
+     [](const _rruleRepeat& rule, std::string& out) { RRule_AppendMonthDays(rule, out, ','); }},
     {RRULE_TYPE_BYYEARDAY, "BYYEARDAY=",
-     [](const _rruleRepeat& rule, VStr& out) { RRule_AppendYearDays(rule, out, ','); }},
+     [](const _rruleRepeat& rule, std::string& out) { RRule_AppendYearDays(rule, out, ','); }},
     {RRULE_TYPE_BYWEEKNO, "BYWEEKNO=", RRule_AppendWeekNumbers},
-    {RRULE_TYPE_BYMONTH,
-     "BYMONTH=", [](const _rruleRepeat& rule, VStr& out) { RRule_AppendMonths(rule, out, ','); }},
+    {RRULE_TYPE_BYMONTH, "BYMONTH=",
+     [](const _rruleRepeat& rule, std::string& out) { RRule_AppendMonths(rule, out, ','); }},
     {RRULE_TYPE_BYSETPOS, "BYSETPOS=", RRule_AppendSetPositions},
 };
 
@@ -44,11 +46,7 @@ bool has(const _rruleRepeat& rule, RRulePart part) {
     return (rule.type & part) != 0;
 }
 
-bool endsInSpace(const VStr& out) {
-    return out.GetLength() > 0 && out.GetAt(out.GetLength() - 1) == ' ';
-}
-
-void appendNumber(VStr& out, const char* format, int value) {
+void appendNumber(std::string& out, const char* format, int value) {
     char text[32];
     std::snprintf(text, sizeof text, format, value);
     out += text;
@@ -73,7 +71,7 @@ const char* v10Code(const _rruleRepeat& rule) {
 
 // The modifiers of a vCalendar 1.0 rule. The lists stand back to back: only the position carries a
 // space of its own.
-void appendV10Modifiers(const _rruleRepeat& rule, VStr& out) {
+void appendV10Modifiers(const _rruleRepeat& rule, std::string& out) {
     if (has(rule, RRULE_TYPE_BYSETPOS)) {
         const int position = rule.setPos[0];
         if (position > 0) {
@@ -94,15 +92,33 @@ void appendV10Modifiers(const _rruleRepeat& rule, VStr& out) {
 
 }  // namespace
 
-void RRule_AppendUntil(__int64 until, VStr& out, bool withTime) {
-    ZQ_SecondsToDateTime(until, out, false);
-    if (!withTime) out.Truncate(out.GetLength() - kTimeLength);
+void RRule_AppendUntil(__int64 until, std::string& out, bool withTime) {
+    VStr text;
+    ZQ_SecondsToDateTime(until, text, false);
+    if (text.IsEmpty()) throw std::bad_alloc();
+    out.append(text, static_cast<std::size_t>(text.GetLength() - (withTime ? 0 : kTimeLength)));
 }
 
-const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime) {
+namespace {
+
+// Gives `out` what `write` makes, and returns its text when `write` calls it a rule. A text that is
+// built piece by piece must not be had in pieces: where memory is exhausted `out` is null.
+template <typename Write>
+const char* deliver(VStr& out, Write write) {
     out.Empty();
+    try {
+        std::string text;
+        const bool isRule = write(text);
+        if (!text.empty()) out = text.c_str();
+        return isRule && !out.IsEmpty() ? static_cast<const char*>(out) : nullptr;
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+bool writePositional(const _rruleRepeat& rule, std::string& out, bool withTime) {
     const char* frequency = frequencyName(rule);
-    if (frequency == nullptr) return nullptr;
+    if (frequency == nullptr) return false;
     out += frequency;
     out += ';';
     if (rule.until >= 0) RRule_AppendUntil(rule.until, out, withTime);
@@ -117,19 +133,14 @@ const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTim
     }
     if (const char* day = weekStart(rule)) out += day;
     out += ';';
-    return out;
+    return true;
 }
 
-}  // namespace qel
-
-using namespace qel;
-
-const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    out.Empty();
+bool writeIETF(const _rruleRepeat* rule, std::string& out, bool withTime) {
     out += "FREQ=";
-    if (rule == nullptr) return nullptr;
+    if (rule == nullptr) return false;
     const char* frequency = frequencyName(*rule);
-    if (frequency == nullptr) return nullptr;
+    if (frequency == nullptr) return false;
     out += frequency;
     out += ';';
     if (rule->until >= 0) {
@@ -147,23 +158,40 @@ const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, bool withTime) {
         out += ';';
     }
     // WKST is never written: a record's week start stays inside the library.
-    out.Truncate(out.GetLength() - 1);
-    return out;
+    out.pop_back();
+    return true;
 }
 
-const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    out.Empty();
+bool writeV10(const _rruleRepeat* rule, std::string& out, bool withTime) {
     const char* code = rule != nullptr ? v10Code(*rule) : nullptr;
-    if (code == nullptr) return nullptr;
+    if (code == nullptr) return false;
     out += code;
     appendNumber(out, "%d ", rule->interval > 0 ? rule->interval : 1);
     appendV10Modifiers(*rule, out);
-    if (!endsInSpace(out)) out += ' ';
+    if (out.back() != ' ') out += ' ';
     if (rule->until >= 0) {
         RRule_AppendUntil(rule->until, out, withTime);
     } else {
         // "#0" is vCalendar's form of a rule without end.
         appendNumber(out, "#%d", rule->count >= 1 ? rule->count : 0);
     }
-    return out;
+    return true;
+}
+
+}  // namespace
+
+const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime) {
+    return deliver(out, [&](std::string& text) { return writePositional(rule, text, withTime); });
+}
+
+}  // namespace qel
+
+using namespace qel;
+
+const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, bool withTime) {
+    return deliver(out, [&](std::string& text) { return writeIETF(rule, text, withTime); });
+}
+
+const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime) {
+    return deliver(out, [&](std::string& text) { return writeV10(rule, text, withTime); });
 }

@@ -33,7 +33,8 @@ extern "C" {
 // 99 occurrences away becomes COUNT and UNTIL is dropped; otherwise UNTIL stays and
 // BXREPEAT_COUNT_UNKNOWN is set. *flags, which may be null, is set to 0 first.
 //
-// Returns 0, or -1: for the types 0, 9 and those outside 0 to 15 (nothing is reported), and, after
+// Returns 0; 2001, reported, with the text at hand null, where memory is exhausted; or -1: for the
+// types 0, 9 and those outside 0 to 15 (nothing is reported), and, after
 // one reported error, when all five weeks of the month are selected, which is one more than a rule
 // holds. Type 12 sets both DAILY and WEEKLY; the writers then write WEEKLY. Type 14 is written from
 // `weeks` and `days`, not from the fields that the engine reads, and the day of the quarter of type

@@ -3,6 +3,9 @@
 // 1990 to 2010 (the BxTZ_ functions). A date-time text is an eight-digit date, the letter T, a
 // six-digit time and, for UTC, the letter Z.
 //
+// The BxTZ_ functions that give a text return 2001, and the text is null, where memory is
+// exhausted.
+//
 // The table's functions keep no state and may be called from any thread. A CBxTimeZoneUtility gives
 // its results in a buffer of its own: each thread uses its own object.
 #ifndef QELUTILITY_BXTIMEZONES_H
@@ -87,7 +90,7 @@ QELUTILITY_API int BxTZ_GetZoneID(const char* name);
 QELUTILITY_API int BxTZ_GetZoneName(int zone, VStr& name);
 
 // Sets `names` to all zones' names in ascending strcmp order and `numbers` to their zone numbers in
-// the same order.
+// the same order; both are empty where memory is exhausted.
 QELUTILITY_API void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers);
 
 // Sets `out` to the UTC text of a zone's local text and returns 0. A text that has no T, or is
@@ -111,7 +114,8 @@ QELUTILITY_API int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, c
 
 // Moves a local text of one zone (or a UTC text) to another zone's local time. Returns 0 when the
 // zones are the same, else the result of the second step, BxTZ_UTCToLocal: 0 also when `fromZone`
-// is unknown, which has then been logged. With an unknown zone `text` stays as it was.
+// is unknown, which has then been logged. With an unknown zone, and where memory is exhausted,
+// `text` stays as it was.
 QELUTILITY_API int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone);
 
 #endif

@@ -84,6 +84,8 @@ static_assert(offsetof(_rruleRepeat, freq) == 1 && offsetof(_rruleRepeat, byDay)
 // on Sunday. Returns 0; a null rule is left alone.
 QELUTILITY_API int BxUtil_InitializeRRULE(_rruleRepeat* rule);
 
+// The two writers. Where memory is exhausted they return null and `out` is a null string.
+
 // Writes `rule` as an RFC 2445 RRULE value into `out` (emptied first) and returns out's text, or
 // null when no frequency bit is set (`out` then holds "FREQ=") or `rule` is null. UNTIL wins over
 // COUNT; INTERVAL is written even when it is 1; positions go out as BYSETPOS alone, never as
