@@ -147,9 +147,7 @@ const Operation kStrings[] = {
          expectWholeOrNull(text, (full + "y").c_str(), attempt);
      }},
     {"Substr",
-     [](Attempt& attempt) {
-         changed(attempt, "ef", [](VStr& text) { text.Substr(1, 2); });
-     }},
+     [](Attempt& attempt) { changed(attempt, "ef", [](VStr& text) { text.Substr(1, 2); }); }},
     {"Pieces",
      [](Attempt& attempt) {
          VStr text(kShort);
@@ -172,9 +170,7 @@ const Operation kStrings[] = {
          EXPECT_STREQ(text, kShort);
      }},
     {"Cutstr",
-     [](Attempt& attempt) {
-         changed(attempt, "lt", [](VStr& text) { text.Cutstr(1, 2); });
-     }},
+     [](Attempt& attempt) { changed(attempt, "lt", [](VStr& text) { text.Cutstr(1, 2); }); }},
     {"Insert",
      [](Attempt& attempt) {
          VStr inserted("XY");
@@ -320,9 +316,7 @@ const Operation kArrays[] = {
                       [](VStrArray& a) { a.InsertAt(1, "x", 2); });
      }},
     {"RemoveAt",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"two"}, [](VStrArray& a) { a.RemoveAt(0); });
-     }},
+     [](Attempt& attempt) { changedArray(attempt, {"two"}, [](VStrArray& a) { a.RemoveAt(0); }); }},
 };
 INSTANTIATE_TEST_SUITE_P(Arrays, Exhaustion, testing::ValuesIn(kArrays), operationName);
 
@@ -335,13 +329,14 @@ void addedPastTheStep(Attempt& attempt, Add add) {
     attempt.armed([&] { index = add(array); });
     EXPECT_TRUE(index == 128 || (attempt.starved() && index == -1));
     ASSERT_EQ(array.GetSize(), index == 128 ? 129 : 128);
-    for (int i = 0; i < 128; ++i) EXPECT_STREQ(array[i], "item");
+    for (int i = 0; i < 128; ++i) ASSERT_STREQ(array[i], "item");
     array.Add("again");
     EXPECT_STREQ(array[array.GetSize() - 1], "again");
 }
 
 const Operation kGrowingArrays[] = {
-    {"Add", [](Attempt& attempt) {
+    {"Add",
+     [](Attempt& attempt) {
          addedPastTheStep(attempt, [](Bx_VStrArray& a) { return a.Add("new"); });
      }},
     {"AddVStr",
@@ -362,12 +357,15 @@ const Operation kGrowingArrays[] = {
          Bx_VStrArray target;
          target.Add("old");
          attempt.armed([&] { target = source; });
-         // All or nothing.
-         ASSERT_EQ(target.GetSize(), attempt.starved() ? 0 : 2);
-         if (!attempt.starved()) {
-             EXPECT_STREQ(target[1], "two");
+         ASSERT_TRUE(target.GetSize() == 2 || (attempt.starved() && target.GetSize() == 0));
+         const char* whole[] = {"one", "two"};
+         for (int k = 0; k < target.GetSize(); ++k) {
+             if (!attempt.starved() || !isNull(target[k])) {
+                 EXPECT_STREQ(target[k], whole[k]);
+             }
          }
-         EXPECT_EQ(target.Add("again"), attempt.starved() ? 0 : 2);
+         const int size = target.GetSize();
+         EXPECT_EQ(target.Add("again"), size);
      }},
     {"FindItem",
      [](Attempt& attempt) {
