@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "convert/Ascii.h"
+#include "convert/TextCodec.h"
 
 namespace qel::convert {
 
@@ -77,7 +78,8 @@ std::string_view nextParameter(std::string_view& head) {
     return parameter;
 }
 
-// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^.
+// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^. CHARSET speaks of the property's value
+// alone.
 std::string parameterValue(std::string_view text) {
     std::string value;
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -92,7 +94,7 @@ std::string parameterValue(std::string_view text) {
         }
         value += text[at];
     }
-    return value;
+    return utf8OrWindows1252(std::move(value));
 }
 
 }  // namespace

@@ -88,14 +88,19 @@ void ICalWriter::fold(std::string_view line) {
 std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
                           std::string_view value) {
     std::string line = headOf(name, parameters) + ":";
-    // A line end within a value would begin another property.
+    // Words of the format that were taken over as they stood may hold anything. A line end within a
+    // value would begin another property; no other control may stand in one.
+    if (!cli::isUtf8(value))
+        return iCalendarLine(name, parameters, utf8OrWindows1252(std::string(value)));
     std::copy_if(value.begin(), value.end(), std::back_inserter(line),
-                 [](char c) { return c != '\r' && c != '\n'; });
+                 [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
     return line;
 }
 
 std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
                           std::string_view value) {
+    if (!cli::isUtf8(value))
+        return vCalendarLine(name, parameters, utf8OrWindows1252(std::string(value)));
     std::string head;
     std::vector<Parameter> named;
     std::string bare;

@@ -154,6 +154,10 @@ std::string withoutControls(std::string_view text, std::vector<RuleNote>& notes)
 
 }  // namespace
 
+std::string utf8OrWindows1252(std::string text) {
+    return cli::isUtf8(text) ? std::move(text) : byLibrary(text, "8859-1");
+}
+
 bool isBase64(const ContentLine& line) {
     return std::any_of(line.parameters.begin(), line.parameters.end(), [](const Parameter& each) {
         return (each.name.empty() || each.name == "ENCODING") &&

@@ -20,6 +20,9 @@ namespace qel::convert {
 // line ends) are left out. All that is not as it should be is added to `notes`.
 [[nodiscard]] std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes);
 
+// A text that names no character set: as it stands when it is UTF-8, else read as windows-1252.
+[[nodiscard]] std::string utf8OrWindows1252(std::string text);
+
 // True for the ENCODING values of Base64, as a parameter or by itself.
 [[nodiscard]] bool isBase64(const ContentLine& line);
 

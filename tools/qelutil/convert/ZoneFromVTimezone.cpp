@@ -1,9 +1,11 @@
 // Zones from VTIMEZONE components (RFC 5545 section 3.6.5).
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "convert/Ascii.h"
 #include "convert/Days.h"
+#include "convert/EntryWriter.h"
 #include "convert/TextCodec.h"
 #include "convert/Zone.h"
 
@@ -23,25 +25,23 @@ const ContentLine* find(const Component& component, std::string_view name) {
 }
 
 std::string contentText(const ContentLine& line) {
-    std::string text = line.name;
-    for (const Parameter& each : line.parameters) {
-        text += ";" + each.name;
-        const bool special = each.value.find_first_of(":;,") != std::string::npos;
-        text += (each.name.empty() ? "" : "=") + (special ? "\"" + each.value + "\"" : each.value);
-    }
     std::vector<RuleNote> ignored;
     ContentLine bytes;
     bytes.value = line.value;
-    std::string value = decodedValue(bytes, ignored);
-    std::erase(value, '\n');
-    return text + ":" + value;
+    return iCalendarLine(line.name, line.parameters, decodedValue(bytes, ignored));
 }
 
-void addLines(const Component& component, std::vector<std::string>& lines) {
-    lines.push_back("BEGIN:" + component.name);
-    for (const ContentLine& line : component.properties) lines.push_back(contentText(line));
-    for (const Component& child : component.children) addLines(child, lines);
-    lines.push_back("END:" + component.name);
+bool belongsToZone(std::string_view name) {
+    static constexpr std::string_view kNames[] = {
+        "TZID",  "TZURL", "LAST-MODIFIED", "DTSTART", "TZOFFSETFROM", "TZOFFSETTO",
+        "RRULE", "RDATE", "EXRULE",        "EXDATE",  "TZNAME",       "COMMENT"};
+    return name.substr(0, 2) == "X-" ||
+           std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+}
+
+bool standsOnce(std::string_view name) {
+    return name == "TZID" || name == "LAST-MODIFIED" || name == "TZURL" || name == "DTSTART" ||
+           name == "TZOFFSETFROM" || name == "TZOFFSETTO";
 }
 
 }  // namespace
@@ -71,11 +71,35 @@ class VTimezoneZone {
         for (const ContentLine& line : component.properties)
             if (line.name == "X-VCAL-TZ" || line.name == "X-VCAL-DAYLIGHT")
                 zone_->ownLines_.emplace_back(line.name.substr(7), unescapeICalendar(line.value));
-        addLines(component, zone_->vTimezone_);
+        addLines(component);
         return zone_;
     }
 
   private:
+    // The component as it stands, for the output. Of what may stand once, the first counts.
+    void addLines(const Component& component) {
+        std::vector<std::string>& lines = zone_->vTimezone_;
+        lines.push_back("BEGIN:" + component.name);
+        for (const ContentLine& line : component.properties) {
+            if (!belongsToZone(line.name))
+                sink_(Severity::Error, line.number,
+                      line.name + " is no part of a zone; it is left out");
+            else if (standsOnce(line.name) && find(component, line.name) != &line)
+                sink_(Severity::Error, line.number,
+                      "a second " + line.name + " in a zone is left out");
+            else
+                lines.push_back(contentText(line));
+        }
+        for (const Component& child : component.children) {
+            if (child.name == "STANDARD" || child.name == "DAYLIGHT")
+                addLines(child);
+            else
+                sink_(Severity::Error, child.number,
+                      quoted(child.name) + " is no part of a zone; it is left out");
+        }
+        lines.push_back("END:" + component.name);
+    }
+
     void takeObservance(const Component& observance) {
         const ContentLine* start = find(observance, "DTSTART");
         const ContentLine* from = find(observance, "TZOFFSETFROM");
