@@ -1,10 +1,10 @@
 #include "QelUtility/IRMonitorManager.h"
 
+#include <cstdio>
 #include <cstring>
 #include <new>
 
 #include "QelUtility/BxHost.h"
-#include "QelUtility/VStr.h"
 #include "host/IRMonitorBackEnd.h"
 #include "host/IRMonitorService.h"
 #include "platform/Registry.h"
@@ -53,31 +53,28 @@ bool openRoot(RegistryKey& key, RegistryKey::Open how) {
     return key.open(directory, root, how);
 }
 
-// A list separated by ",", put together again without a separator at either end.
-VStr guidList(const char* configured) {
-    VStr list;
-    for (const char* item = configured; *item != '\0';) {
-        const std::size_t length = std::strcspn(item, ",");
-        if (length > 0) {
-            if (!list.IsEmpty()) list += ",";
-            list += VStr(item, static_cast<int>(length));
-        }
-        item += length;
-        if (*item == ',') ++item;
-    }
-    return list;
-}
+// "NAME=<name>  GUIDS=<list>", in storage of its own: a text that exhausted memory has cut short
+// must not be stored.
+struct TransportText {
+    char text[2 * kTextRoom + 32];
 
-// "NAME=<name>  GUIDS=<list>"
-VStr transportText(const char* name, BxHostString guids) {
-    char configured[kTextRoom];
-    BxHost_GetString(guids, configured, sizeof configured);
-    VStr text("NAME=");
-    text += name;
-    text += "  GUIDS=";
-    text += guidList(configured);
-    return text;
-}
+    TransportText(const char* name, BxHostString guids) {
+        char configured[kTextRoom];
+        BxHost_GetString(guids, configured, sizeof configured);
+        char* out = text + std::snprintf(text, sizeof text, "NAME=%s  GUIDS=", name);
+        // The list is put together again without a separator at either end.
+        const char* const list = out;
+        for (const char* item = configured; *item != '\0';) {
+            const std::size_t length = std::strcspn(item, ",");
+            if (length > 0 && out != list) *out++ = ',';
+            std::memcpy(out, item, length);
+            out += length;
+            item += length;
+            if (*item == ',') ++item;
+        }
+        *out = '\0';
+    }
+};
 
 }  // namespace
 
@@ -120,7 +117,7 @@ void IRMonitorManager::selectIR() {
     if (!openRoot(key, RegistryKey::Open::kCreate)) return;
     char name[kTextRoom];
     BxHost_GetString(BXHOST_IR_TRANSPORT_NAME, name, sizeof name);
-    key.set("TransportParam", transportText(name, BXHOST_IR_TRANSPORT_GUIDS));
+    key.set("TransportParam", TransportText(name, BXHOST_IR_TRANSPORT_GUIDS).text);
     key.set("CurrentIRParam", "NAME=OBEX ");
     key.set("Selected_Transport", "3");
 }
@@ -128,7 +125,7 @@ void IRMonitorManager::selectIR() {
 void IRMonitorManager::deselectIR() {
     RegistryKey key;
     if (!openRoot(key, RegistryKey::Open::kCreate)) return;
-    key.set("TransportParam", transportText("USB", BXHOST_USB_TRANSPORT_GUIDS));
+    key.set("TransportParam", TransportText("USB", BXHOST_USB_TRANSPORT_GUIDS).text);
     key.set("CurrentUSBParam", "NAME=USB ");
     key.set("Selected_Transport", "1");
 }

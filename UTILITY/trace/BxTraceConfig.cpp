@@ -82,7 +82,8 @@ void appendSeparator(PathBuffer& buffer) {
     buffer.append(separator);
 }
 
-void chooseLogPath() {
+// The choices of paths say whether there was memory to keep them.
+bool chooseLogPath() {
     PathBuffer log;
     if (platform::environment("BX_ERR_LOG_FILE_PATH", log.text, sizeof log.text)) {
         if (!endsInLog(log.text)) log.append(".log");
@@ -96,31 +97,31 @@ void chooseLogPath() {
         if (known) appendSeparator(log);
         log.append("BxTrace.log");
     }
-    qel::trace::publish(Path::kLog, log.text);
+    return qel::trace::publish(Path::kLog, log.text);
 }
 
-void deriveSidePaths() {
+bool deriveSidePaths() {
     const char* log = qel::trace::path(Path::kLog);
     PathBuffer side = copyOf(log);
     const std::size_t directory = platform::directoryLength(log);
-    qel::trace::publish(Path::kSavedLog, log);
+    bool kept = qel::trace::publish(Path::kSavedLog, log);
     side.cut(directory);
-    qel::trace::publish(Path::kRunDirectory, side.text);
+    kept = qel::trace::publish(Path::kRunDirectory, side.text) && kept;
     side.append("SyncML_Input.log");
-    qel::trace::publish(Path::kSyncInput, side.text);
+    kept = qel::trace::publish(Path::kSyncInput, side.text) && kept;
     side.cut(directory);
     side.append("SyncML_Output.log");
-    qel::trace::publish(Path::kSyncOutput, side.text);
+    return qel::trace::publish(Path::kSyncOutput, side.text) && kept;
 }
 
-void chooseOptionsPath() {
+bool chooseOptionsPath() {
     PathBuffer options;
     if (!platform::environment("BX_OPTIONS_FILE_PATH", options.text, sizeof options.text)) {
         options = copyOf(qel::trace::path(Path::kLog));
         options.cut(lengthToLastSeparator(options.text));
         options.append("BxOptions.opt");
     }
-    qel::trace::publish(Path::kOptions, options.text);
+    return qel::trace::publish(Path::kOptions, options.text);
 }
 
 // --- Options ------------------------------------------------------------------------------------
@@ -207,8 +208,8 @@ void readSettings() {
     if (lock) qel::trace::resizeRetroBuffers(retro);
 }
 
-// What is settled once for the process.
-void readFirstSettings() {
+// What is settled once for the process; false when there is no memory for the log's own name.
+bool readFirstSettings() {
     qel::trace::Settings& s = settings();
     readSetting(BxTrace_GetOptionValue, "SeparateLogForEachProcess", s.separateLogs);
     const char* log = qel::trace::path(Path::kLog);
@@ -219,11 +220,12 @@ void readFirstSettings() {
         // A path of the full length gives up some of its name, never the number.
         own.cut(std::min(std::strlen(log) - 4, kPathRoom - 1 - std::strlen(suffix)));
         own.append(suffix);
-        qel::trace::publish(Path::kLog, own.text);
+        if (!qel::trace::publish(Path::kLog, own.text)) return false;
     }
     readSetting(BxTrace_GetOptionValue, "KeepLogFileOpen", s.keepLogFileOpen);
     if (s.separateLogs == 0) s.keepLogFileOpen = 0;
     s.effectiveBackupCount = std::max(1, s.maxBackupCount.load());
+    return true;
 }
 
 // The file from which an older component of the host takes two of the settings.
@@ -246,14 +248,15 @@ void firstLoad(std::uint32_t now) {
     const std::lock_guard lock(loadMutex());
     if (initialised.load(std::memory_order_acquire)) return;
     loadingThread.store(platform::threadId());
-    if (qel::trace::path(Path::kLog)[0] == '\0') chooseLogPath();
-    deriveSidePaths();
-    chooseOptionsPath();
-    readSettings();
-    readFirstSettings();
-    writeCompatibilityFile();
-    lastLoad.store(now, std::memory_order_relaxed);
-    initialised.store(true, std::memory_order_release);
+    const bool found = (qel::trace::path(Path::kLog)[0] != '\0' || chooseLogPath()) &&
+                       deriveSidePaths() && chooseOptionsPath();
+    if (found) readSettings();
+    // Without memory for them the next call tries again, or this process would never log.
+    if (found && readFirstSettings()) {
+        writeCompatibilityFile();
+        lastLoad.store(now, std::memory_order_relaxed);
+        initialised.store(true, std::memory_order_release);
+    }
     loadingThread.store(0);
 }
 

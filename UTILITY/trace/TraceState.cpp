@@ -51,9 +51,9 @@ char* path(Path which) noexcept {
     return paths[static_cast<std::size_t>(which)].load(std::memory_order_acquire);
 }
 
-void publish(Path which, const char* text) noexcept {
+bool publish(Path which, const char* text) noexcept {
     std::atomic<char*>& slot = paths[static_cast<std::size_t>(which)];
-    if (text == slot.load(std::memory_order_relaxed)) return;
+    if (text == slot.load(std::memory_order_relaxed)) return true;
     const std::lock_guard lock(knownPathsMutex());
     const std::size_t length = strnlen(text, kPathRoom - 1);
     PathText* known = knownPaths;
@@ -62,13 +62,14 @@ void publish(Path which, const char* text) noexcept {
         known = known->next;
     if (known == nullptr) {
         known = new (std::nothrow) PathText;
-        if (known == nullptr) return;
+        if (known == nullptr) return false;
         std::memcpy(known->text, text, length);
         known->text[length] = '\0';
         known->next = knownPaths;
         knownPaths = known;
     }
     slot.store(known->text, std::memory_order_release);
+    return true;
 }
 
 WriterLock::WriterLock() noexcept : result_(platform::lockTraceMutex(kWaitMilliseconds)) {

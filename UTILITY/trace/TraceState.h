@@ -51,9 +51,9 @@ enum class Path { kLog, kSavedLog, kSyncInput, kSyncOutput, kRunDirectory, kOpti
 // never changes, whatever is published later.
 [[nodiscard]] char* path(Path which) noexcept;
 
-// Makes a copy of `text`, cut at 511 characters, the path; keeps the old one when memory is
-// exhausted.
-void publish(Path which, const char* text) noexcept;
+// Makes a copy of `text`, cut at 511 characters, the path. False, with the old one kept, when
+// memory is exhausted.
+bool publish(Path which, const char* text) noexcept;
 
 // --- The writer ---------------------------------------------------------------------------------
 
