@@ -1,0 +1,270 @@
+// Files that cannot be written, or not to their end, or that go away or are replaced: what was
+// accepted is there, what was refused is said to be, and the next call finds its way back.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "QelUtility/BxFileUtil.h"
+#include "QelUtility/BxHost.h"
+#include "QelUtility/BxTrace.h"
+#include "support/TempDir.h"
+#include "trace/BxFileUtilInternal.h"
+#include "trace/BxTraceInternal.h"
+#include "trace/FreshTrace.h"
+#include "trace/TraceState.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using qel::test::FreshTrace;
+using qel::test::readFile;
+using qel::test::TempDir;
+using qel::test::writeFile;
+
+// A disk that is full for every file of so many bytes.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) {
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &old_);
+        const rlimit limited{bytes, old_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limited);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &old_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit old_{};
+    void (*handler_)(int);
+};
+
+// A directory that may be read but not written, for root too.
+class ReadOnlyDirectory {
+  public:
+    explicit ReadOnlyDirectory(fs::path path) : path_(std::move(path)), root_(geteuid() == 0) {
+        chmod(path_.c_str(), 0555);
+        // Files that are there stay writable, for whoever.
+        for (const auto& entry : fs::directory_iterator(path_)) chmod(entry.path().c_str(), 0666);
+        if (root_) limited_ = seteuid(65534) == 0;
+    }
+    ~ReadOnlyDirectory() {
+        if (root_ && limited_) limited_ = seteuid(0) != 0;
+        chmod(path_.c_str(), 0755);
+    }
+    ReadOnlyDirectory(const ReadOnlyDirectory&) = delete;
+    ReadOnlyDirectory& operator=(const ReadOnlyDirectory&) = delete;
+
+    [[nodiscard]] bool works() const { return access(path_.c_str(), R_OK) == 0 && geteuid() != 0; }
+
+  private:
+    fs::path path_;
+    bool root_;
+    bool limited_ = false;
+};
+
+std::string message(int number) {
+    return "message " + std::to_string(number) + " " + std::string(80, 'p') + "!";
+}
+
+int timesIn(const std::string& text, const std::string& wanted) {
+    int times = 0;
+    for (std::size_t at = text.find(wanted); at != std::string::npos;
+         at = text.find(wanted, at + 1))
+        ++times;
+    return times;
+}
+
+// Everything that is in the folder's logs.
+std::string allLogs(const FreshTrace& trace) {
+    std::string text;
+    for (const std::string& name : trace.files())
+        if (name.rfind("trace", 0) == 0) text += trace.text(name);
+    return text;
+}
+
+// Traces `count` messages; returns which were accepted.
+std::vector<bool> traceMessages(int first, int count) {
+    std::vector<bool> accepted;
+    for (int i = first; i < first + count; ++i)
+        accepted.push_back(BxTrace_Trace00(message(i).c_str()) == 0);
+    return accepted;
+}
+
+void expectAccepted(const FreshTrace& trace, int first, const std::vector<bool>& accepted) {
+    const std::string text = allLogs(trace);
+    for (std::size_t i = 0; i < accepted.size(); ++i) {
+        const int number = first + static_cast<int>(i);
+        EXPECT_EQ(timesIn(text, ": " + message(number) + "\n"), accepted[i] ? 1 : 0) << number;
+    }
+}
+
+TEST(DiskFaults, AFullDiskLosesWhatItRefusesAndNothingElse) {
+    const FreshTrace trace;
+    BxTrace_LoadSettings();
+    std::vector<bool> accepted;
+    {
+        const FullDisk disk(20000);
+        accepted = traceMessages(0, 300);
+    }
+    const auto refused = std::count(accepted.begin(), accepted.end(), false);
+    EXPECT_GT(refused, 50);
+    EXPECT_LT(refused, 250);
+    const std::vector<bool> later = traceMessages(300, 10);
+    EXPECT_EQ(std::count(later.begin(), later.end(), true), 10);
+    accepted.insert(accepted.end(), later.begin(), later.end());
+    expectAccepted(trace, 0, accepted);
+}
+
+TEST(DiskFaults, ALogThatIsKeptOpenTellsWhatItCouldNotWrite) {
+    const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=2"});
+    BxTrace_LoadSettings();
+    std::vector<bool> accepted;
+    {
+        const FullDisk disk(20000);
+        accepted = traceMessages(0, 300);
+        EXPECT_GT(std::count(accepted.begin(), accepted.end(), false), 50);
+    }
+    const std::vector<bool> later = traceMessages(300, 10);
+    EXPECT_EQ(std::count(later.begin(), later.end(), true), 10);
+    // What the stream still buffered when the disk was full may come after all.
+    const std::string text = allLogs(trace);
+    for (int i = 0; i < 310; ++i) {
+        const bool told = i >= 300 || accepted[static_cast<std::size_t>(i)];
+        const int times = timesIn(text, message(i) + "\n");
+        EXPECT_TRUE(times == 1 || (!told && times == 0)) << i << ": " << times;
+    }
+}
+
+TEST(DiskFaults, AFullDiskLeavesSettingsAsTheyWere) {
+    const FreshTrace trace({"VTraceVerbosity=3", "Own=" + std::string(3000, 'x')});
+    BxTrace_LoadSettings();
+    const std::string before = trace.text("BxOptions.opt");
+    const std::vector<std::string> files = trace.files();
+    {
+        const FullDisk disk(1000);
+        BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9);
+        int value = 7;
+        BxTrace_GetOptionValue("LogSettings", "VTraceVerbosity", value);
+        EXPECT_EQ(value, 3);
+        value = 7;
+        BxTrace_GetOptionValue("LogSettings", "Missing", value);
+        EXPECT_EQ(value, 7);
+    }
+    EXPECT_EQ(trace.text("BxOptions.opt"), before);
+    EXPECT_EQ(trace.files(), files) << "no temporary file is left";
+    BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9);
+    EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=9"), std::string::npos);
+}
+
+const char* userDirectory = nullptr;
+bool userDirectorySource(char* buffer, unsigned long size) {
+    return std::snprintf(buffer, size, "%s", userDirectory) > 0;
+}
+
+TEST(DiskFaults, WholeFilesAndTheUserLogOnAFullDisk) {
+    const TempDir dir;
+    const std::string directory = dir.path().string();
+    userDirectory = directory.c_str();
+    BxHost_SetProfileDirectorySource(&userDirectorySource);
+    const std::string data(5000, 'd');
+    WriteToUserLog("before");
+    {
+        const FullDisk disk(1000);
+        EXPECT_EQ(BxFile_SaveFile(dir.file("a").c_str(), data.data(), data.size()), 2008);
+        for (int i = 0; i < 30; ++i) WriteToUserLog("during");
+        writeFile(dir.file("source"), "short");
+        EXPECT_EQ(BxFile_CopyFile(dir.file("source").c_str(), dir.file("b").c_str(), false), 0);
+    }
+    WriteToUserLog("after");
+    BxHost_SetProfileDirectorySource(nullptr);
+    const std::string log = readFile(dir.file("SyncML.log"));
+    EXPECT_EQ(timesIn(log, "\nbefore \n"), 1);
+    EXPECT_EQ(timesIn(log, "\nafter \n"), 1);
+    EXPECT_GT(timesIn(log, "\nduring \n"), 2);
+}
+
+TEST(DiskFaults, ADirectoryThatBecomesReadOnlyStopsRotationAlone) {
+    const FreshTrace trace({"MaxFileSize=2000", "MaxBackupCount=2"});
+    std::vector<bool> accepted = traceMessages(0, 5);
+    const std::string options = trace.text("BxOptions.opt");
+    {
+        const ReadOnlyDirectory directory(fs::path(trace.file("x")).parent_path());
+        if (!directory.works()) GTEST_SKIP() << "this user may write everywhere";
+        // Past the size at which it would be rotated, and past the test for that.
+        const std::vector<bool> during = traceMessages(5, 600);
+        accepted.insert(accepted.end(), during.begin(), during.end());
+        EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 2), -1);
+        BxTrace_SetOptionValue("LogSettings", "MaxBackupCount", 9);
+    }
+    EXPECT_EQ(trace.text("BxOptions.opt"), options);
+    EXPECT_EQ(std::count(accepted.begin(), accepted.end(), false), 0);
+    expectAccepted(trace, 0, accepted);
+    EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 2), 0);
+    expectAccepted(trace, 0, accepted);
+}
+
+TEST(DiskFaults, FilesThatVanishAreMadeAnew) {
+    const FreshTrace trace({"MaxFileSize=5000000", "VTraceVerbosity=4"});
+    FreshTrace::setTicks(1000);
+    EXPECT_EQ(traceMessages(0, 1), std::vector<bool>{true});
+    // The log, then the options, which come back with the values in use.
+    fs::remove(trace.file("trace.log"));
+    fs::remove(trace.file("BxOptions.opt"));
+    FreshTrace::setTicks(100000);
+    EXPECT_EQ(traceMessages(1, 1), std::vector<bool>{true});
+    expectAccepted(trace, 1, {true});
+    EXPECT_EQ(qel::trace::settings().verbosity, 4);
+    EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=4"), std::string::npos);
+    // The whole folder, as when a drive is taken out and put back.
+    const fs::path folder = fs::path(trace.file("x")).parent_path();
+    const fs::path away = folder.string() + ".away";
+    fs::rename(folder, away);
+    FreshTrace::setTicks(200000);
+    EXPECT_EQ(traceMessages(2, 2), (std::vector<bool>{false, false}));
+    EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 2), 0) << "nothing to rotate";
+    fs::rename(away, folder);
+    EXPECT_EQ(traceMessages(4, 1), std::vector<bool>{true});
+    expectAccepted(trace, 1, {true, false, false, true});
+    EXPECT_NE(trace.text().find("The previous 2 logging attempts"), std::string::npos);
+}
+
+TEST(DiskFaults, OptionsThatAreReplacedHoldFromTheNextLoadOn) {
+    const FreshTrace trace({"VTraceVerbosity=4"});
+    FreshTrace::setTicks(1000);
+    BxTrace_LoadSettings();
+    const auto replacedBy = [&trace](const std::string& content, std::uint32_t ticks) {
+        writeFile(trace.file("new"), content);
+        fs::rename(trace.file("new"), trace.file("BxOptions.opt"));
+        FreshTrace::setTicks(ticks);
+        EXPECT_EQ(BxTrace_Trace00("text"), 0);
+        return qel::trace::settings().verbosity.load();
+    };
+    EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=5\nOwn=1\n", 2000), 4);
+    EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=6\nOwn=2\n", 100000), 6);
+    EXPECT_EQ(trace.text("BxOptions.opt").rfind("[LogSettings]\nVTraceVerbosity=6\nOwn=2\n", 0),
+              0U);
+    // An editor that has emptied the file and not yet written it: the values in use are filled in.
+    EXPECT_EQ(replacedBy("", 200000), 6);
+    EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=6"), std::string::npos);
+    EXPECT_EQ(replacedBy(std::string(1000, '\xFF'), 300000), 6);
+    // A link stays a link.
+    writeFile(trace.file("real.opt"), "[LogSettings]\nVTraceVerbosity=8\n");
+    fs::remove(trace.file("BxOptions.opt"));
+    fs::create_symlink(trace.file("real.opt"), trace.file("BxOptions.opt"));
+    FreshTrace::setTicks(400000);
+    EXPECT_EQ(BxTrace_Trace00("text"), 0);
+    EXPECT_EQ(qel::trace::settings().verbosity, 8);
+    EXPECT_TRUE(fs::is_symlink(trace.file("BxOptions.opt")));
+}
+
+}  // namespace
