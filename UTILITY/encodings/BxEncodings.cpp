@@ -1,12 +1,14 @@
 // The digest of a text and the enciphered hexadecimal code; Base64 is in BxBase64.cpp.
 #include "QelUtility/BxEncodings.h"
 
-#include <openssl/evp.h>
+// The functions of MD5 itself: they need no memory, where the general ones set up the whole library
+// at their first use and do not survive it when memory is exhausted meanwhile.
+#define OPENSSL_SUPPRESS_DEPRECATED
+#include <openssl/md5.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 
 #include "encodings/BxTea.h"
 
@@ -107,19 +109,15 @@ int decipherFromHex(const char* hex, void* out, unsigned int outSize, const TeaK
 const char* QELUTILITY_CALL MD5String(const char* text, char* out) {
     if (out == nullptr) return nullptr;
     if (text == nullptr) text = "";
-    unsigned char digest[EVP_MAX_MD_SIZE];
-    unsigned int size = 0;
-    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(),
-                                                                          &EVP_MD_CTX_free);
-    if (context == nullptr || EVP_DigestInit_ex(context.get(), EVP_md5(), nullptr) != 1 ||
-        EVP_DigestUpdate(context.get(), text, std::strlen(text)) != 1 ||
-        EVP_DigestFinal_ex(context.get(), digest, &size) != 1) {
-        size = 0;
-    }
+    unsigned char digest[MD5_DIGEST_LENGTH];
+    MD5_CTX context;
     char* end = out;
-    for (unsigned int i = 0; i < size; ++i) {
-        *end++ = qel::kHexDigits[digest[i] >> 4];
-        *end++ = qel::kHexDigits[digest[i] & 0x0F];
+    if (MD5_Init(&context) == 1 && MD5_Update(&context, text, std::strlen(text)) == 1 &&
+        MD5_Final(digest, &context) == 1) {
+        for (const unsigned char byte : digest) {
+            *end++ = qel::kHexDigits[byte >> 4];
+            *end++ = qel::kHexDigits[byte & 0x0F];
+        }
     }
     *end = '\0';
     return out;
