@@ -152,9 +152,10 @@ std::vector<Zone> tableZones() {
     VStrArray names;
     std::vector<int> numbers;
     BxTZ_GetZoneList(names, numbers);
+    if (numbers.empty()) throw std::bad_alloc();
     std::vector<Zone> zones;
     for (std::size_t i = 0; i < numbers.size(); ++i) {
-        zones.push_back(Zone(numbers[i], std::string(names.GetAt(static_cast<int>(i)))));
+        zones.push_back(Zone(numbers[i], std::string(names.ElementAt(static_cast<int>(i)))));
     }
     std::sort(zones.begin(), zones.end(),
               [](const Zone& a, const Zone& b) { return a.number() < b.number(); });

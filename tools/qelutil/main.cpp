@@ -1,6 +1,7 @@
 // qelutil: calendars, rules, times, texts and codes of a phone and its PC, from the command line.
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <cstdio>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -12,6 +13,8 @@
 namespace {
 
 using qel::cli::Context;
+
+constexpr char kMemoryExhausted[] = "memory is exhausted; give the input in smaller pieces";
 
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
@@ -79,7 +82,7 @@ int guarded(Context& context, const std::vector<std::string>& words) {
     } catch (const qel::cli::InputError& problem) {
         context.error(problem.what());
     } catch (const std::bad_alloc&) {
-        context.error("memory is exhausted; give the input in smaller pieces");
+        context.error(kMemoryExhausted);
     } catch (const std::exception& problem) {
         context.error(problem.what());
     } catch (int code) {
@@ -93,15 +96,19 @@ int guarded(Context& context, const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    qel::cli::platform::prepareStreams();
-    std::ios::sync_with_stdio(false);
-    std::cin.tie(nullptr);
-    std::cout.exceptions(std::ios::badbit);
-    Context context(std::cin, std::cout, std::cerr);
     int code = qel::cli::kExitBadInput;
     try {
+        qel::cli::platform::prepareStreams();
+        std::ios::sync_with_stdio(false);
+        std::cin.tie(nullptr);
+        std::cout.exceptions(std::ios::badbit);
+        Context context(std::cin, std::cout, std::cerr);
         code = guarded(context, qel::cli::platform::arguments(argc, argv));
         std::cout.flush();
+    } catch (const std::bad_alloc&) {
+        // Before there was a context, or while it told of the same.
+        std::fprintf(stderr, "qelutil: %s\n", kMemoryExhausted);
+        code = qel::cli::kExitBadInput;
     } catch (...) {
         // Neither the output nor the message about it could be written: the exit code is all there
         // is left to say it with.
