@@ -140,22 +140,16 @@ const Operation kConverters[] = {
 INSTANTIATE_TEST_SUITE_P(Converters, Exhaustion, testing::ValuesIn(kConverters), operationName);
 
 const Operation kCodecs[] = {
-    {"MD5String",
-     [](Attempt& attempt) {
-         char digest[33];
-         attempt.armed([&] { MD5String("", digest); });
-         EXPECT_TRUE(std::strcmp(digest, "d41d8cd98f00b204e9800998ecf8427e") == 0 ||
-                     (attempt.starved() && digest[0] == '\0'));
-         EXPECT_STREQ(MD5String("", digest), "d41d8cd98f00b204e9800998ecf8427e");
-     }},
     {"InPlainBuffers",
      [](Attempt& attempt) {
          // These need no memory of their own.
+         char digest[33];
          char hex[64];
          char text[64];
          char quoted[64];
          unsigned char decoded[64];
          attempt.armed([&] {
+             MD5String("", digest);
              ZQUT_EncodeToString("abc", hex, sizeof hex);
              ZQUT_DecodeFromString(hex, text, sizeof text);
              Bx_Base64_Encode(reinterpret_cast<const unsigned char*>("abc"), 3, quoted, 64);
@@ -165,6 +159,7 @@ const Operation kCodecs[] = {
              decodeQP(quoted, 5, text, sizeof text, nullptr);
          });
          EXPECT_FALSE(attempt.starved());
+         EXPECT_STREQ(digest, "d41d8cd98f00b204e9800998ecf8427e");
          EXPECT_STREQ(text, "a=b");
      }},
     {"MimeDelimiter",

@@ -1,0 +1,72 @@
+// qelutil without memory: it does all of its work, or ends with exit code 1 and one line that says
+// why; never with output that is only nearly right.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "support/Process.h"
+#include "support/TempDir.h"
+
+namespace qel::test {
+
+namespace {
+
+struct Command {
+    const char* name;
+    std::vector<std::string> arguments;
+    std::string input;
+};
+
+const Command kCommands[] = {
+    {"Convert",
+     {"convert", "-"},
+     "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nTZ:+01\r\nBEGIN:VEVENT\r\n"
+     "SUMMARY;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:Caf=C3=A9\r\n"
+     "DTSTART:20050615T083000\r\nDTEND:20050615T093000\r\nRRULE:W2 MO WE FR #10\r\n"
+     "END:VEVENT\r\nEND:VCALENDAR\r\n"},
+    {"Expand", {"expand", "FREQ=DAILY;COUNT=3", "--start", "20050615"}, ""},
+    {"Encode", {"encode", "base64"}, "text"},
+    {"Zone", {"zone", "list"}, ""},
+};
+
+class ProgramFaults : public testing::TestWithParam<Command> {};
+
+TEST_P(ProgramFaults, EndInOneLine) {
+    constexpr int kMost = 100000;
+    const Command& command = GetParam();
+    ProcessOptions options;
+    options.input = command.input;
+    const ProcessResult whole = runProcess(QELUTIL_PROGRAM, command.arguments, options);
+    ASSERT_EQ(whole.exitCode, 0) << whole.err;
+    options.environment["LD_PRELOAD"] = QEL_TEST_GATE;
+    int runs = 0;
+    for (const bool rest : {false, true}) {
+        if (rest) options.environment["QEL_TEST_REFUSE_REST"] = "1";
+        // Every one of the first; then in steps, for a run allocates some thousand times.
+        int inARow = 0;
+        for (int n = 1; n < kMost && inARow < 3; n += 1 + n / 15, ++runs) {
+            options.environment["QEL_TEST_REFUSE"] = std::to_string(n);
+            const ProcessResult result = runProcess(QELUTIL_PROGRAM, command.arguments, options);
+            if (result.exitCode == 0) {
+                EXPECT_EQ(result.out, whole.out) << "allocation " << n;
+                ++inARow;
+                continue;
+            }
+            inARow = 0;
+            EXPECT_EQ(result.exitCode, 1) << "allocation " << n << ": " << result.err;
+            EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1)
+                << "allocation " << n << ": " << result.err;
+            if (HasFailure()) return;
+        }
+    }
+    std::printf("%d runs\n", runs);
+}
+
+INSTANTIATE_TEST_SUITE_P(Qelutil, ProgramFaults, testing::ValuesIn(kCommands),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+}  // namespace
+
+}  // namespace qel::test
