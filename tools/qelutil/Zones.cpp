@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 
 #include "Moment.h"
 #include "QelUtility/VStr.h"
