@@ -39,7 +39,8 @@ class QELUTILITY_API CBxCharConvSvcs {
     virtual ~CBxCharConvSvcs();
 
     // Opens a conversion of its own between the sets of `o`; the two share nothing. A converter
-    // that is not initialised gives one that is not, and so does exhausted memory. Assignment from itself does nothing.
+    // that is not initialised gives one that is not, and so does exhausted memory. Assignment from
+    // itself does nothing.
     CBxCharConvSvcs(const CBxCharConvSvcs& o);
     CBxCharConvSvcs& operator=(CBxCharConvSvcs& o);
 
