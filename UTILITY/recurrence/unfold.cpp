@@ -9,10 +9,8 @@
 
 namespace {
 
-constexpr char kSourceName[] = "unfold";
-
 int fail(int line, int detail, int code) {
-    return BxTrace_Error(kSourceName, line, detail, code);
+    return BxTrace_Error(kUnfoldSourceName, line, detail, code);
 }
 
 bool isExcluded(const ZQTR_REPEAT& repeat, int date) {

@@ -9,6 +9,9 @@
 
 #include "QelUtility/RptNext.h"
 
+// The name in error reports of the sources that list occurrences.
+inline constexpr char kUnfoldSourceName[] = "unfold";
+
 // A growable block of code dates in ascending order. An entry of -d is the excluded occurrence d.
 // Freed by DateBlock_Free alone; copies share the data.
 struct DateBlock {

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr char kSourceName[] = "unfold";
-
 constexpr int kDefaultFrom = qel::encodeCivilDate({1950, 1, 1});
 constexpr int kDefaultTo = qel::encodeCivilDate({2049, 12, 31});
 
@@ -99,11 +97,11 @@ int saturate(std::int64_t value) {
 int Unfold_EstimateDays(const ZQTR_REPEAT* repeat, std::int64_t count, std::int64_t* days) {
     Density density{};
     if (!densityOf(*repeat, density)) {
-        return BxTrace_Error(kSourceName, __LINE__, repeat->type, QEL_STORAGE_NOT_OWNED);
+        return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_STORAGE_NOT_OWNED);
     }
     const std::int64_t divisor = density.per * density.perYear;
     if (divisor == 0) {
-        return BxTrace_Error(kSourceName, __LINE__, repeat->type, QEL_REPEAT_ENGINE);
+        return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_REPEAT_ENGINE);
     }
     *days = std::max(count * density.factor * density.unit / divisor, density.minimum);
     return QEL_OK;
