@@ -82,10 +82,10 @@ TEST(Convert, CharacterSets) {
         {"CHARSET=GB2312;ENCODING=QUOTED-PRINTABLE", "=C4=E3=BA=C3", "你好", false},
         {"CHARSET=GB2312", "\xC4\xE3\xBA\xC3", "你好", false},
         {"CHARSET=BIG5", "\xA7\x41\xA6\x6E", "你好", false},
-        {"CHARSET=SHIFT_JIS", "\x93\xFA\x96\x7B", "日本", false},
-        {"CHARSET=EUC-KR", "\xC7\xD1\xB1\xB9", "한국", false},
-        {"CHARSET=ISO-8859-2", "\xB3\xF3", "łó", false},
-        {"CHARSET=KOI8-R", "\xCD\xC9\xD2", "мир", false},
+        {"CHARSET=SHIFT_JIS", "\x93\xFA\x96\x7B", "日本", true},
+        {"CHARSET=EUC-KR", "\xC7\xD1\xB1\xB9", "한국", true},
+        {"CHARSET=ISO-8859-2", "\xB3\xF3", "łó", true},
+        {"CHARSET=KOI8-R", "\xCD\xC9\xD2", "мир", true},
         {"CHARSET=WINDOWS-1252", "\x80\xE9", "€é", false},
         {"CHARSET=utf-8;QUOTED-PRINTABLE", "=C3=A9", "é", false},
         {"ENCODING=8BIT", "\xC3\xA9", "é", false},
@@ -107,6 +107,8 @@ TEST(Convert, CharacterSets) {
     const Conversion broken = toICalendar(
         vcalendarWith("UID:1\nDTSTART:20050601\nSUMMARY;CHARSET=GB2312:ab\xC4\xE3\xFF\n"));
     EXPECT_NE(broken.out.find("SUMMARY:ab你"), std::string::npos) << broken.out;
+    // It is told wherever the system tells it from a character.
+    EXPECT_EQ(broken.out.find("\xEF\xBF\xBD") != std::string::npos, !broken.messages.empty());
 }
 
 TEST(Convert, LinesAreFoldedBetweenCharacters) {

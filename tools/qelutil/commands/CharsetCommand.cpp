@@ -10,6 +10,8 @@
 #include "Source.h"
 #include "Text.h"
 #include "commands/Commands.h"
+#include "convert/TextCodec.h"
+#include "platform/CharacterSets.h"
 
 namespace qel::cli {
 
@@ -43,11 +45,11 @@ const char* wordsOf(Support support) {
         case Support::Converts:
             return "converts";
         case Support::SystemPage:
-            return "taken for the system's own set";
+            return "read with --from, by the system; written in the system's own set";
         case Support::Nothing:
             break;
     }
-    return "does not convert";
+    return "read with --from, by the system";
 }
 
 std::vector<std::string> setNames() {
@@ -243,8 +245,61 @@ class Conversion {
     std::uint64_t reports_ = 0;
 };
 
+// From a set that the system converts and the library does not, line by line.
+class SystemConversion {
+  public:
+    SystemConversion(Context& context, std::string set, std::string name)
+        : context_(context), set_(std::move(set)), name_(std::move(name)) {}
+
+    void convert(std::string_view text, std::size_t firstLine, std::ostream& out) {
+        for (std::size_t line = firstLine; !text.empty(); ++line) {
+            const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+            auto result = platform::toUtf8(text.substr(0, length), set_);
+            if (!result) throw InputError(name_ + ": the system cannot convert " + set_);
+            bool replaced = false;
+            for (std::size_t at; (at = result->find(kSubstitute)) != std::string::npos;) {
+                result->replace(at, kSubstitute.size(), 1, kReplacement);
+                replaced = true;
+            }
+            if (replaced && ++badLines_ <= kMostReports)
+                context_.error(
+                    name_, line,
+                    "holds bytes that are not " + set_ + "; a \"?\" is written for each");
+            out << *result;
+            text.remove_prefix(length);
+        }
+    }
+
+    void finish() {
+        if (badLines_ > kMostReports)
+            context_.error(name_, 0,
+                           std::to_string(badLines_ - kMostReports) + " more of the same kind");
+    }
+
+  private:
+    Context& context_;
+    std::string set_;
+    std::string name_;
+    std::uint64_t badLines_ = 0;
+};
+
+// The system's name for a set that it reads and the library does not, "" for any other. Sets whose
+// line ends are not the byte LF (UTF-16) are not read.
+std::string systemSet(const std::string& name) {
+    std::string system = name;
+    for (const std::string& each : setNames()) {
+        if (CLI::detail::to_lower(each) != CLI::detail::to_lower(name)) continue;
+        if (supportOf(each) == Support::Converts) return {};
+        if (supportOf(each) == Support::Nothing) system = "ISO-" + each;
+    }
+    if (*convert::libraryCharacterSet(name) != '\0' || platform::toUtf8("\n", system) != "\n")
+        return {};
+    return system;
+}
+
 // The name as the library writes it. Throws UsageError for a name that it does not know.
 std::string knownSet(const std::string& name) {
+    if (const char* known = convert::libraryCharacterSet(name); *known != '\0') return known;
     std::string known;
     for (const std::string& each : setNames()) {
         if (CLI::detail::to_lower(each) == CLI::detail::to_lower(name)) return each;
@@ -253,30 +308,12 @@ std::string knownSet(const std::string& name) {
     throw UsageError("there is no character set \"" + name + "\"; there are " + known);
 }
 
-void run(Context& context, Options options) {
-    if (options.list) {
-        listSets(context, options.json);
-        return;
-    }
-    options.from = knownSet(options.from);
-    options.to = knownSet(options.to);
-    if (options.from == options.to)
-        throw UsageError("both sets are " + options.from + "; name another with --from or --to");
-    for (const std::string& set : {options.from, options.to}) {
-        if (supportOf(set) == Support::Nothing)
-            throw InputError(set +
-                             " is in the list of sets but has no conversion; take another "
-                             "program for it, such as iconv");
-        if (supportOf(set) == Support::SystemPage)
-            context.warning({}, 0,
-                            set + " has no conversion of its own: the system's own set is taken");
-    }
-    InputFile input = options.source.open(context);
+template <class Conversion>
+void convertAll(Context& context, const Options& options, InputFile& input, Conversion conversion) {
     OutputFile output(context, options.source.output);
     Progress progress(context, input.name(), input.size());
     // No set here has the byte of a line end inside a character.
     Pieces pieces(input, kPiece, kLongestLine);
-    Conversion conversion(context, options, input.name());
     std::string piece;
     const auto afterLastLine = [](std::string_view text) { return text.rfind('\n') + 1; };
     while (pieces.next(piece, afterLastLine)) {
@@ -285,6 +322,35 @@ void run(Context& context, Options options) {
     }
     conversion.finish();
     output.commit();
+}
+
+void run(Context& context, Options options) {
+    if (options.list) {
+        listSets(context, options.json);
+        return;
+    }
+    options.to = knownSet(options.to);
+    if (const std::string system = systemSet(options.from);
+        options.to == "UTF-8" && !system.empty()) {
+        context.note({}, 0, system + " is none of the library's sets: the system converts it");
+        InputFile input = options.source.open(context);
+        convertAll(context, options, input, SystemConversion(context, system, input.name()));
+        return;
+    }
+    options.from = knownSet(options.from);
+    if (options.from == options.to)
+        throw UsageError("both sets are " + options.from + "; name another with --from or --to");
+    for (const std::string& set : {options.from, options.to}) {
+        if (supportOf(set) == Support::Nothing)
+            throw InputError(set +
+                             " is in the list of sets but has no conversion there; --from takes it "
+                             "with --to UTF-8");
+        if (supportOf(set) == Support::SystemPage)
+            context.warning({}, 0,
+                            set + " has no conversion of its own: the system's own set is taken");
+    }
+    InputFile input = options.source.open(context);
+    convertAll(context, options, input, Conversion(context, options, input.name()));
 }
 
 }  // namespace
@@ -301,10 +367,12 @@ void addCharsetCommand(CLI::App& app, Context& context) {
     command->add_flag("--json", options->json, "with --list: as JSON")->needs(list);
     command->footer(
         "What means nothing in the one set, or has no place in the other, becomes \"?\", is named\n"
-        "on standard error with its line, and makes the exit status 1.\n"
+        "on standard error with its line, and makes the exit status 1. The sets of --list have\n"
+        "their usual names too (windows-1252, GB2312, Big5); --from reads, into UTF-8, also the\n"
+        "other sets that the system knows (Shift_JIS, KOI8-R), and says so.\n"
         "Examples:\n"
         "  qelutil charset --list\n"
-        "  qelutil charset --from 936 notes.txt -o notes-utf8.txt\n"
+        "  qelutil charset --from GB2312 notes.txt -o notes-utf8.txt\n"
         "  qelutil charset --to 8859-1 --text \"Caf\xC3\xA9\" | od -c");
     command->callback([options, &context] { run(context, *options); });
 }

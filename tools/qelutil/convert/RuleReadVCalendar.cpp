@@ -307,7 +307,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
     const std::vector<std::string_view> tokens = tokensOf(text);
     if (tokens.empty()) return;
     if (!readHead(tokens.front())) {
-        reading.notes.push_back({Severity::Error, quoted(text) + " is no recurrence rule"});
+        reading.notes.push_back({Severity::Error, "it is no recurrence rule"});
         reading.complete = false;
         return;
     }

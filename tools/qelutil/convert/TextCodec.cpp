@@ -11,12 +11,7 @@
 
 namespace qel::convert {
 
-namespace {
-
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-// The library's name for a character set, "" where it has none that converts.
-const char* libraryName(std::string_view set) {
+const char* libraryCharacterSet(std::string_view set) {
     struct Name {
         std::string_view mime;
         const char* library;
@@ -37,6 +32,10 @@ const char* libraryName(std::string_view set) {
         if (equalsIgnoreCase(set, name.mime)) return name.library;
     return "";
 }
+
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
 // One conversion by the library; nothing when it finds a sequence that is none.
 std::optional<std::string> convertWhole(CBxCharConvSvcs& service, _iconv_info* handle,
@@ -89,6 +88,13 @@ bool isAsciiSet(std::string_view set) {
     return set.empty() || equalsIgnoreCase(set, "US-ASCII") || equalsIgnoreCase(set, "ASCII");
 }
 
+// Bytes that mean nothing in their set are bad input, whoever converts them.
+void noteReplaced(const std::string& text, std::string_view set, std::vector<RuleNote>& notes) {
+    if (text.find(kReplacement) != std::string::npos)
+        notes.push_back({Severity::Error, "some bytes are no text in the character set " +
+                                              quoted(set) + "; U+FFFD stands for each"});
+}
+
 std::string toUtf8(std::string_view text, std::string_view set, std::vector<RuleNote>& notes) {
     if (std::all_of(text.begin(), text.end(),
                     [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
@@ -96,11 +102,23 @@ std::string toUtf8(std::string_view text, std::string_view set, std::vector<Rule
         return std::string(text);
     const bool saysUtf8 = equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
     if (!isAsciiSet(set) && !saysUtf8) {
-        if (const char* library = libraryName(set); *library != '\0')
-            return byLibrary(text, library);
-        if (auto converted = cli::platform::toUtf8(text, set)) return *converted;
-        notes.push_back(
-            {Severity::Warning, "the character set " + quoted(set) + " is not known here"});
+        if (const char* library = libraryCharacterSet(set); *library != '\0') {
+            std::string converted = byLibrary(text, library);
+            noteReplaced(converted, set, notes);
+            return converted;
+        }
+        if (auto converted = cli::platform::toUtf8(text, set)) {
+            notes.push_back({Severity::Note, "the character set " + quoted(set) +
+                                                 " is none of the library's; the system's "
+                                                 "conversion is taken"});
+            noteReplaced(*converted, set, notes);
+            return *std::move(converted);
+        }
+        const bool utf8 = cli::isUtf8(text);
+        notes.push_back({Severity::Warning, "the character set " + quoted(set) +
+                                                " is not known here; the text is read as " +
+                                                (utf8 ? "UTF-8" : "windows-1252")});
+        return utf8 ? std::string(text) : byLibrary(text, "8859-1");
     }
     if (cli::isUtf8(text)) return std::string(text);
     notes.push_back({Severity::Warning, saysUtf8

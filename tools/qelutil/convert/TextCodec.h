@@ -14,6 +14,10 @@
 
 namespace qel::convert {
 
+// The library's name for a set that MIME names so ("GB2312", "windows-1252", in either case), ""
+// for one that the library does not convert.
+[[nodiscard]] const char* libraryCharacterSet(std::string_view set);
+
 // The value's bytes with quoted-printable undone; a Base64 value as it stands. UTF-8 after CHARSET,
 // which is taken from the line's parameters; without one, bytes that are UTF-8 are taken as that,
 // others as windows-1252. Characters that no text holds (NUL and other controls, except tab and
