@@ -77,6 +77,9 @@ TEST_F(ConvertCommand, WhatCannotBeDone) {
     EXPECT_EQ(missing.exitCode, 1);
     EXPECT_NE(missing.err.find("none.vcs"), std::string::npos);
     EXPECT_NE(missing.out.find("UID:1"), std::string::npos);
+    // With no file at all there is nothing to put in an older result's place.
+    EXPECT_EQ(run({"convert", state_.file("none.vcs"), "-o", out}).exitCode, 1);
+    EXPECT_EQ(readFile(out), "as it was");
     EXPECT_EQ(run({"convert", "--to", "xml"}).exitCode, 2);
     const ProcessResult folder = runWithInput({"convert", "-o", state_.path().string()}, kPhone);
     EXPECT_EQ(folder.exitCode, 1);

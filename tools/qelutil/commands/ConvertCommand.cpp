@@ -105,16 +105,21 @@ void run(Context& context, const Options& options) {
         [&](const convert::Diagnostic& message) { messages.show(message); });
     std::vector<std::string> files = options.files;
     if (files.empty()) files.emplace_back("-");
+    bool anyRead = false;
     for (const std::string& name : files) {
         try {
             convertFile(context, converter, name);
+            anyRead = true;
         } catch (const InputError& problem) {
             // The other files are converted all the same.
             context.error(problem.what());
         }
     }
-    converter.finish();
-    output.commit();
+    // An older result is worth more than an empty one.
+    if (anyRead || converter.counts().entries != 0) {
+        converter.finish();
+        output.commit();
+    }
     messages.finish();
 }
 
