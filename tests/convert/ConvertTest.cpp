@@ -51,26 +51,6 @@ TEST(Convert, TheExampleIsFine) {
     EXPECT_EQ(entryDifferences(example, toVCalendar(there.out).out), "");
 }
 
-TEST(Convert, TheDirectionIsTheOtherFormat) {
-    const std::string vcalendar = vcalendarWith("UID:1\nDTSTART:20050601\n");
-    const std::string icalendar = toICalendar(vcalendar).out;
-    EXPECT_TRUE(holds(convertText(vcalendar, std::nullopt).out, "VERSION:2.0"));
-    EXPECT_TRUE(holds(convertText(icalendar, std::nullopt).out, "VERSION:1.0"));
-    // To the format that it has already: put in order.
-    EXPECT_EQ(convertText(icalendar, CalendarFormat::ICalendar).out, icalendar);
-}
-
-TEST(Convert, FilesOfAnySize) {
-    std::string lines;
-    for (int each = 0; each < 2000; ++each)
-        lines += "UID:" + std::to_string(each) +
-                 "\nDTSTART:20050601T090000\nRRULE:W1 MO #5\nEND:VEVENT\nBEGIN:VEVENT\n";
-    const Conversion result = toICalendar(vcalendarWith(lines + "UID:last\nDTSTART:20050601\n"));
-    EXPECT_EQ(result.counts.entries, 2001u);
-    EXPECT_EQ(faultOf(result.out), "");
-    EXPECT_TRUE(result.messages.empty());
-}
-
 TEST(Convert, CharacterSets) {
     struct Row {
         const char* parameters;

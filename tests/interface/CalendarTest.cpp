@@ -65,62 +65,6 @@ TEST(InterfaceCalendar, RepeatRecordsFromAndToRules) {
     EXPECT_NE(ZQTRDateTimeToRRule(38516), 0);
 }
 
-// A host's own repeat object: 5 for every number, flags of the days kept as given.
-class HostRepeat : public IRepeat {
-  public:
-    long QELUTILITY_STDCALL GetDayOfMonth(short* day) override { return give(day); }
-    long QELUTILITY_STDCALL SetDayOfMonth(int day) override { return take(day); }
-    long QELUTILITY_STDCALL GetMonthOfYear(short* month) override { return give(month); }
-    long QELUTILITY_STDCALL SetMonthOfYear(int month) override { return take(month); }
-    long QELUTILITY_STDCALL GetDayOfWeek(short* weekday) override { return give(weekday); }
-    long QELUTILITY_STDCALL SetDayOfWeek(int weekday) override { return take(weekday); }
-    long QELUTILITY_STDCALL GetInstance(short* week) override { return give(week); }
-    long QELUTILITY_STDCALL SetInstance(int week) override { return take(week); }
-    long QELUTILITY_STDCALL SetDaysOfWeek(int* days) override { return take(days[1]); }
-    long QELUTILITY_STDCALL GetDaysOfWeek(short** days) override {
-        *days = flags;
-        return 0;
-    }
-
-    int taken = 0;
-    short flags[7] = {0, 1, 0, 1, 0, 0, 0};
-
-  private:
-    static long give(short* value) {
-        *value = 5;
-        return 0;
-    }
-    long take(int value) {
-        taken += value;
-        return 0;
-    }
-};
-
-TEST(InterfaceCalendar, AHostsOwnRepeatObject) {
-    HostRepeat host;
-    _repeat repeat;
-    ClearZQTR(&repeat);
-    using Conversion = CRepeatConversion;
-    EXPECT_EQ(Conversion::ConstructWeekly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    EXPECT_EQ(Conversion::ConstructWeeklyDays_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    EXPECT_EQ(Conversion::ConstructMonthly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    EXPECT_EQ(Conversion::ConstructMonthlyByPos_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    EXPECT_EQ(Conversion::ConstructYearly_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    EXPECT_EQ(Conversion::ConstructYearlyByPos_ZQTR_REPEAT_From_IRepeat(&host, &repeat), 0);
-    const short month = repeat.month;
-    EXPECT_EQ(month, 5);
-    const short monday = repeat.days[1];
-    EXPECT_EQ(monday, 1);
-    EXPECT_EQ(Conversion::ConstructWeekly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    EXPECT_EQ(Conversion::ConstructWeeklyDays_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    EXPECT_EQ(Conversion::ConstructMonthly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    EXPECT_EQ(Conversion::ConstructMonthlyByPos_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    EXPECT_EQ(Conversion::ConstructYearly_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    EXPECT_EQ(Conversion::ConstructYearlyByPos_IRepeat_From_ZQTR_REPEAT(&repeat, &host), 0);
-    // One weekday; the days' flag; a day; week and weekday; day and month; week, weekday, month.
-    EXPECT_EQ(host.taken, 5 + 1 + 5 + 10 + 10 + 15);
-}
-
 TEST(InterfaceCalendar, Zones) {
     VStrArray names;
     std::vector<int> numbers;

@@ -82,7 +82,13 @@ TEST(InterfaceStrings, BuffersChangeHands) {
     copied.Remove();
 }
 
+// A static member that derived classes reach.
+struct Derived : VStrArray {
+    static bool nullStringIsNull() { return m_EmptyVStr.Compare(nullptr) == 0; }
+};
+
 TEST(InterfaceStrings, ArraysHoldThem) {
+    EXPECT_TRUE(Derived::nullStringIsNull());
     VStrArray exact;
     exact.Add("one");
     exact.Add("twofold", 3);

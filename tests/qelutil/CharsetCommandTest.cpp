@@ -3,6 +3,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::ProcessResult;
 using qel::test::QelutilTest;
 using namespace std::string_literals;
@@ -42,28 +43,23 @@ TEST_F(CharsetCommandTest, WhatCannotBeConvertedIsNamedByItsLine) {
     const ProcessResult decoded = run({"charset", "--from", "936", input, "-o", output});
     EXPECT_EQ(decoded.exitCode, 1);
     EXPECT_EQ(qel::test::readFile(output), "a?0\xE4\xBD\xA0\n?\nok\n");
-    EXPECT_NE(decoded.err.find("in.txt:1: byte 2, \"\\x81\": is not 936"), std::string::npos)
-        << decoded.err;
-    EXPECT_NE(decoded.err.find("in.txt:2: byte 1, "), std::string::npos) << decoded.err;
+    EXPECT_TRUE(contains(decoded.err, "in.txt:1: byte 2, \"\\x81\": is not 936"));
+    EXPECT_TRUE(contains(decoded.err, "in.txt:2: byte 1, "));
 
     const ProcessResult encoded = runWithInput(
         {"charset", "--to", "8859-1"}, "x\n\xE4\xBD\xA0\xC3\n\xEF\xBB\xBF\xC3\xA9? \xC4\x81");
     EXPECT_EQ(encoded.exitCode, 1);
     EXPECT_EQ(encoded.out, "x\n??\n?\xE9? ?");
-    EXPECT_NE(
-        encoded.err.find("standard input:2: byte 1, \"\xE4\xBD\xA0\": has no place in 8859-1"),
-        std::string::npos)
-        << encoded.err;
-    EXPECT_NE(encoded.err.find("standard input:2: byte 4, \"\\xc3\": is not UTF-8"),
-              std::string::npos)
-        << encoded.err;
+    EXPECT_TRUE(contains(encoded.err,
+                         "standard input:2: byte 1, \"\xE4\xBD\xA0\": has no place in 8859-1"));
+    EXPECT_TRUE(contains(encoded.err, "standard input:2: byte 4, \"\\xc3\": is not UTF-8"));
 
     // Many faults are counted, not all told.
     std::string broken;
     for (int i = 0; i < 5000; ++i) broken += "\x81\n";
     const ProcessResult many = runWithInput({"charset", "--from", "936"}, broken);
     EXPECT_LT(many.err.size(), 4000U);
-    EXPECT_NE(many.err.find("4990 more of the same kind"), std::string::npos) << many.err;
+    EXPECT_TRUE(contains(many.err, "4990 more of the same kind"));
 }
 
 TEST_F(CharsetCommandTest, SetsUnderTheirUsualNamesAndThoseOfTheSystem) {
@@ -96,20 +92,12 @@ TEST_F(CharsetCommandTest, TheListSaysWhichSetsConvert) {
 }
 
 TEST_F(CharsetCommandTest, FilesThatCannotBeUsed) {
-    const struct {
-        std::vector<std::string> words;
-        const char* says;
-    } kCases[] = {
-        {{"charset", "--to", "936", state_.file("none.txt")}, "none.txt: cannot be read"},
-        {{"charset", "--to", "936", state_.path().string()}, "is a directory"},
-        {{"charset", "--to", "936", "-t", "a", "-o", state_.file("no/dir/x")}, "cannot be written"},
-        {{"charset", "--to", "936", "-t", "a", "-o", state_.path().string()}, "is a directory"},
-    };
-    for (const auto& [words, says] : kCases) {
-        const ProcessResult result = run(words);
-        EXPECT_EQ(result.exitCode, 1) << says;
-        EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
-    }
+    const std::string folder = state_.path().string();
+    fails(1, {"charset", "--to", "936", state_.file("none.txt")}, "none.txt: cannot be read");
+    fails(1, {"charset", "--to", "936", folder}, "is a directory");
+    fails(1, {"charset", "--to", "936", "-t", "a", "-o", state_.file("no/dir/x")},
+          "cannot be written");
+    fails(1, {"charset", "--to", "936", "-t", "a", "-o", folder}, "is a directory");
     // A conversion that fails leaves the old file alone, and no other file behind.
     const std::string output = state_.file("old.txt");
     qel::test::writeFile(output, "old");
@@ -118,7 +106,7 @@ TEST_F(CharsetCommandTest, FilesThatCannotBeUsed) {
     EXPECT_EQ(run({"charset", "--to", "936", "-t", "new", "-o", output}).exitCode, 0);
     EXPECT_EQ(qel::test::readFile(output), "new");
     for (const auto& entry : std::filesystem::directory_iterator(state_.path()))
-        EXPECT_EQ(entry.path().filename().string().find("qelutil-new"), std::string::npos);
+        EXPECT_FALSE(contains(entry.path().filename().string(), "qelutil-new"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::ProcessResult;
 using qel::test::QelutilTest;
 using namespace std::string_literals;
@@ -90,17 +91,13 @@ TEST_F(CodecCommandsTest, BadCodesAreNamedByLine) {
         {{"encode", "md5"}, "a\0b"s, "NUL byte at offset 1"},
         {{"encode", "cipher"}, "\0"s, "NUL byte at offset 0"},
     };
-    for (const auto& [words, input, says] : kCases) {
-        const ProcessResult result = runWithInput(words, input);
-        EXPECT_EQ(result.exitCode, 1) << says;
-        EXPECT_NE(result.err.find(says), std::string::npos) << result.err;
-    }
+    for (const auto& [words, input, says] : kCases) fails(1, words, says, input);
     // What is no escape is kept, and said; nothing is wrong with the rest.
     const ProcessResult kept = runWithInput({"decode", "qp"}, "a=3D\nb=zz\n=");
     EXPECT_EQ(kept.exitCode, 0);
     EXPECT_EQ(kept.out, "a=\nb=zz\n=");
-    EXPECT_NE(kept.err.find("input:2: warning: "), std::string::npos) << kept.err;
-    EXPECT_NE(kept.err.find("input:3: warning: "), std::string::npos) << kept.err;
+    EXPECT_TRUE(contains(kept.err, "input:2: warning: "));
+    EXPECT_TRUE(contains(kept.err, "input:3: warning: "));
 
     for (const std::vector<std::string>& words : {std::vector<std::string>{"encode"},
                                                   {"encode", "rot13"},
@@ -120,7 +117,7 @@ TEST_F(CodecCommandsTest, ACodeThatCannotBeReadBackIsRefused) {
         if (code.exitCode == 0) continue;
         ++refused;
         EXPECT_EQ(code.out, "");
-        EXPECT_NE(code.err.find("has no enciphered code"), std::string::npos) << code.err;
+        EXPECT_TRUE(contains(code.err, "has no enciphered code"));
     }
     EXPECT_EQ(refused, 1);
 }

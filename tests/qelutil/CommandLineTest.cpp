@@ -5,6 +5,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::ProcessOptions;
 using qel::test::ProcessResult;
 using qel::test::QelutilTest;
@@ -15,7 +16,7 @@ TEST_F(QelutilTest, HelpAndVersionGoToStandardOutput) {
     EXPECT_EQ(version.out, "qelutil " QELUTIL_VERSION "\n");
     const ProcessResult help = run({"--help"});
     EXPECT_EQ(help.exitCode, 0);
-    EXPECT_NE(help.out.find("Usage: qelutil"), std::string::npos);
+    EXPECT_TRUE(contains(help.out, "Usage: qelutil"));
     EXPECT_EQ(help.err, "");
 }
 
@@ -31,11 +32,8 @@ TEST_F(QelutilTest, EveryCommandHasHelpWithExamples) {
         ++commands;
         const ProcessResult result = run({name, "--help"});
         EXPECT_EQ(result.exitCode, 0) << name;
-        EXPECT_NE(result.out.find("\n  qelutil " + name + " "), std::string::npos) << result.out;
-        const ProcessResult unknown = run({name, "--frobnicate"});
-        EXPECT_EQ(unknown.exitCode, 2) << name;
-        EXPECT_NE(unknown.err.find("see `qelutil " + name + " --help`"), std::string::npos)
-            << unknown.err;
+        EXPECT_TRUE(contains(result.out, "\n  qelutil " + name + " "));
+        fails(2, {name, "--frobnicate"}, "see `qelutil " + name + " --help`");
     }
     EXPECT_GE(commands, 4);
 }
@@ -53,11 +51,9 @@ TEST_F(QelutilTest, UsageErrorsAreExitCodeTwoAndPointToTheHelp) {
         {{std::string(20000, 'x')}, "there is no command `xxxxx"},
     };
     for (const auto& each : kCases) {
-        const ProcessResult result = run(each.words);
-        EXPECT_EQ(result.exitCode, 2) << each.says;
+        const ProcessResult result = fails(2, each.words, each.says);
         EXPECT_EQ(result.out, "") << each.says;
         EXPECT_EQ(result.err.find("qelutil: "), 0U) << result.err;
-        EXPECT_NE(result.err.find(each.says), std::string::npos) << result.err;
         EXPECT_LT(result.err.size(), 5000U) << each.says;
     }
 }
@@ -67,7 +63,7 @@ TEST_F(QelutilTest, OutputThatCannotBeWrittenIsAnError) {
     closed.closeOutput = true;
     const ProcessResult result = run({"--help"}, closed);
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("the output cannot be written"), std::string::npos) << result.err;
+    EXPECT_TRUE(contains(result.err, "the output cannot be written"));
     // A command that would go on for long stops at the first failure.
     closed.input.assign(3 << 20, 'x');
     EXPECT_EQ(run({"encode", "base64"}, closed).exitCode, 1);
@@ -76,7 +72,7 @@ TEST_F(QelutilTest, OutputThatCannotBeWrittenIsAnError) {
     full.outputTo = "/dev/full";
     const ProcessResult noRoom = run({"--help"}, full);
     EXPECT_EQ(noRoom.exitCode, 1);
-    EXPECT_NE(noRoom.err.find("the output cannot be written"), std::string::npos) << noRoom.err;
+    EXPECT_TRUE(contains(noRoom.err, "the output cannot be written"));
 }
 
 }  // namespace

@@ -21,10 +21,9 @@ TEST_F(ConvertCommand, FromAPipeToAPipe) {
     const ProcessResult there = runWithInput({"convert"}, kPhone);
     EXPECT_EQ(there.exitCode, 0) << there.err;
     EXPECT_EQ(there.err, "");
-    EXPECT_NE(there.out.find("RRULE:FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR\r\n"),
-              std::string::npos);
+    EXPECT_TRUE(contains(there.out, "RRULE:FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR\r\n"));
     const ProcessResult back = runWithInput({"convert", "-"}, there.out);
-    EXPECT_NE(back.out.find("RRULE:W2 MO WE FR #10\r\n"), std::string::npos) << back.out;
+    EXPECT_TRUE(contains(back.out, "RRULE:W2 MO WE FR #10\r\n"));
 }
 
 TEST_F(ConvertCommand, APipeIsReadForItsZonesFirst) {
@@ -38,7 +37,7 @@ TEST_F(ConvertCommand, APipeIsReadForItsZonesFirst) {
         "END:VCALENDAR\r\n";
     const ProcessResult piped = runWithInput({"convert"}, text);
     EXPECT_EQ(piped.err, "");
-    EXPECT_NE(piped.out.find("TZ:+05:30\r\n"), std::string::npos);
+    EXPECT_TRUE(contains(piped.out, "TZ:+05:30\r\n"));
     EXPECT_EQ(piped.out, run({"convert", fileWith("zone.ics", text)}).out);
 }
 
@@ -62,11 +61,11 @@ TEST_F(ConvertCommand, MessagesNameFileAndLine) {
         "STATUS:SENT\nSEQUENC:1\nRRULE:D1\nEND:VEVENT\nEND:VCALENDAR\n");
     ProcessResult result = run({"convert", bad});
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find(bad + ":5: "), std::string::npos) << result.err;
-    EXPECT_NE(result.err.find(bad + ":8: warning: "), std::string::npos) << result.err;
-    EXPECT_EQ(result.err.find(":9: "), std::string::npos) << result.err;
+    EXPECT_TRUE(contains(result.err, bad + ":5: "));
+    EXPECT_TRUE(contains(result.err, bad + ":8: warning: "));
+    EXPECT_FALSE(contains(result.err, ":9: "));
     result = run({"convert", "--verbose", bad});
-    EXPECT_NE(result.err.find(bad + ":9: note: "), std::string::npos) << result.err;
+    EXPECT_TRUE(contains(result.err, bad + ":9: note: "));
 }
 
 TEST_F(ConvertCommand, WhatCannotBeDone) {
@@ -75,15 +74,15 @@ TEST_F(ConvertCommand, WhatCannotBeDone) {
     const ProcessResult missing =
         run({"convert", state_.file("none.vcs"), fileWith("a.vcs", kPhone)});
     EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_NE(missing.err.find("none.vcs"), std::string::npos);
-    EXPECT_NE(missing.out.find("UID:1"), std::string::npos);
+    EXPECT_TRUE(contains(missing.err, "none.vcs"));
+    EXPECT_TRUE(contains(missing.out, "UID:1"));
     // With no file at all there is nothing to put in an older result's place.
     EXPECT_EQ(run({"convert", state_.file("none.vcs"), "-o", out}).exitCode, 1);
     EXPECT_EQ(readFile(out), "as it was");
     EXPECT_EQ(run({"convert", "--to", "xml"}).exitCode, 2);
     const ProcessResult folder = runWithInput({"convert", "-o", state_.path().string()}, kPhone);
     EXPECT_EQ(folder.exitCode, 1);
-    EXPECT_NE(folder.err.find("is a directory"), std::string::npos);
+    EXPECT_TRUE(contains(folder.err, "is a directory"));
     EXPECT_EQ(runWithInput({"convert", "-o", state_.file("no/such/folder.ics")}, kPhone).exitCode,
               1);
     EXPECT_EQ(runWithInput({"convert"}, "").exitCode, 1);
@@ -96,7 +95,7 @@ TEST_F(ConvertCommand, AFloodOfMessagesIsCutAndCounted) {
     const ProcessResult result = runWithInput({"convert"}, text + "END:VEVENT\nEND:VCALENDAR\n");
     EXPECT_EQ(result.exitCode, 1);
     EXPECT_LT(result.err.size(), 20000u);
-    EXPECT_NE(result.err.find("4900 more messages"), std::string::npos);
+    EXPECT_TRUE(contains(result.err, "4900 more messages"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::ProcessOptions;
 using qel::test::ProcessResult;
 using qel::test::QelutilTest;
@@ -34,8 +35,7 @@ TEST_F(LogCommandTest, ShowsAndSetsTheOptions) {
     facts = nlohmann::ordered_json::parse(shown.out);
     EXPECT_EQ(facts["options"]["VTraceVerbosity"], "-3");
     EXPECT_EQ(facts["options"]["TracingOptions"], "8000000f");
-    EXPECT_NE(run({"log"}, at("trace")).out.find("TracingOptions               8000000f"),
-              std::string::npos);
+    EXPECT_TRUE(contains(run({"log"}, at("trace")).out, "TracingOptions               8000000f"));
     for (const char* bad : {"Frob=1", "MaxFileSize", "MaxFileSize=", "MaxFileSize=1x",
                             "MaxFileSize=99999999999", "TracingOptions=100000000", "=1"})
         EXPECT_EQ(run({"log", "--set", bad}, at("trace")).exitCode, 2) << bad;
@@ -53,8 +53,8 @@ TEST_F(LogCommandTest, ShowsTheEndOfTheLog) {
     EXPECT_EQ(facts["tail"][1], "line 50");
     const ProcessResult text = run({"log", "--tail", "2"}, at("trace.log"));
     EXPECT_EQ(text.out.find('\x1b'), std::string::npos);
-    EXPECT_NE(text.out.find("\nline 50\nlast \\x1b[31m \\xffxxx"), std::string::npos);
-    EXPECT_EQ(run({"log", "--tail", "0"}, at("trace.log")).out.find("line"), std::string::npos);
+    EXPECT_TRUE(contains(text.out, "\nline 50\nlast \\x1b[31m \\xffxxx"));
+    EXPECT_FALSE(contains(run({"log", "--tail", "0"}, at("trace.log")).out, "line"));
     EXPECT_EQ(run({"log", "--tail", "-1"}, at("trace.log")).exitCode, 2);
 }
 
@@ -63,7 +63,7 @@ TEST_F(LogCommandTest, SaysWhenTheOptionsCannotBeWritten) {
     options.environment["BX_OPTIONS_FILE_PATH"] = state_.path().string();
     const ProcessResult result = run({"log", "--set", "MaxBackupCount=4"}, options);
     EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("cannot be written"), std::string::npos) << result.err;
+    EXPECT_TRUE(contains(result.err, "cannot be written"));
     // A directory where the log should be: nothing to show, nothing to crash on.
     std::filesystem::create_directory(state_.file("dir.log"));
     EXPECT_EQ(run({"log"}, at("dir")).exitCode, 0);

@@ -19,28 +19,20 @@ std::string grid(const std::vector<std::chrono::year_month>& months, const Marke
 }
 
 TEST(MonthGrid, ShowsMarkedDaysUnderTheirWeekday) {
-    const MarkedDays marks = {{2005y / 6 / 1, DayMark::Occurrence},
-                              {2005y / 6 / 15, DayMark::Occurrence},
-                              {2005y / 6 / 16, DayMark::Excluded},
-                              {2005y / 6 / 30, DayMark::Occurrence}};
-    EXPECT_EQ(grid({2005y / 6}, marks, {}),
-              "         June 2005\n"
-              " Su  Mo  Tu  We  Th  Fr  Sa\n"
-              "            [ 1]  2   3   4\n"
-              "  5   6   7   8   9  10  11\n"
-              " 12  13  14 [15](16) 17  18\n"
-              " 19  20  21  22  23  24  25\n"
-              " 26  27  28  29 [30]\n");
     MonthGridLayout monday;
     monday.firstDayOfWeek = std::chrono::Monday;
     // A month that starts on the week's last day needs six weeks.
-    EXPECT_EQ(grid({2023y / 10}, {{2023y / 10 / 31, DayMark::Occurrence}}, monday),
+    EXPECT_EQ(grid({2023y / 10},
+                   {{2023y / 10 / 16, DayMark::Excluded},
+                    {2023y / 10 / 17, DayMark::Occurrence},
+                    {2023y / 10 / 31, DayMark::Occurrence}},
+                   monday),
               "        October 2023\n"
               " Mo  Tu  We  Th  Fr  Sa  Su\n"
               "                          1\n"
               "  2   3   4   5   6   7   8\n"
               "  9  10  11  12  13  14  15\n"
-              " 16  17  18  19  20  21  22\n"
+              "(16)[17] 18  19  20  21  22\n"
               " 23  24  25  26  27  28  29\n"
               " 30 [31]\n");
 }
@@ -69,7 +61,7 @@ TEST(MonthGrid, PutsMonthsSideBySideAsThePageTakesThem) {
               "                          1\n"
               "  2   3   4   5   6   7   8\n"
               "  9  10  11  12  13  14  15\n"
-              " 16  17  18  19  20  21  22\n"
+              "(16)[17] 18  19  20  21  22\n"
               " 23  24  25  26  27 [28]\n");
     // A page narrower than a month, a month that is none, and highlighting, whose escape sequences
     // take no columns.

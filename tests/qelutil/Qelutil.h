@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Contains.h"
 #include "support/Process.h"
 #include "support/TempDir.h"
 
@@ -27,6 +28,15 @@ class QelutilTest : public testing::Test {
         ProcessOptions options;
         options.input = input;
         return run(arguments, options);
+    }
+
+    // A command that ends with `code` and a message that holds `says`.
+    ProcessResult fails(int code, const std::vector<std::string>& arguments,
+                        const std::string& says, const std::string& input = {}) const {
+        ProcessResult result = runWithInput(arguments, input);
+        EXPECT_EQ(result.exitCode, code) << says << "\n" << result.err;
+        EXPECT_TRUE(contains(result.err, says));
+        return result;
     }
 
     // The document that the command prints; a failure of the test when it is none.

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "dates/CivilDate.h"
+#include "QelUtility/ZQDate.h"
 
 namespace qel::test {
 
@@ -40,13 +40,13 @@ std::string fieldText(const char* name, int value, int usual = 0) {
 
 int code(int date) {
     if (date < 19000101) return date;
-    return encodeCivilDate({date / 10000, date / 100 % 100, date % 100});
+    return ZQ_AlphaToCodeDate(std::to_string(date).c_str());
 }
 
 int date(int code) {
-    if (!isCodeDate(code)) return code;
-    const CivilDate day = decodeCivilDate(code);
-    return day.year * 10000 + day.month * 100 + day.day;
+    char text[9];
+    const int date = std::atoi(ZQ_CodeDateToAlpha(code, text));
+    return date == 0 ? code : date;
 }
 
 std::string dates(const std::vector<int>& codes) {

@@ -8,6 +8,7 @@
 
 #include "QelUtility/BxHost.h"
 #include "platform/Platform.h"
+#include "support/Contains.h"
 #include "support/Environment.h"
 #include "support/TraceCapture.h"
 #include "trace/BxTraceInternal.h"
@@ -16,6 +17,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::FreshTrace;
 using Lines = std::vector<std::string>;
 
@@ -114,14 +116,13 @@ TEST(BxTraceConfig, OptionsAreReadWithTheirSignsBasesAndLimits) {
     EXPECT_EQ(s.keepLogFiles, 1) << "an empty value is filled in";
     EXPECT_EQ(s.logManagerLevel, 0);
     EXPECT_EQ(s.logManagerDetail, -1);
-    EXPECT_NE(trace.text("BxOptions.opt").find("KeepLogFiles=1"), std::string::npos);
-    EXPECT_NE(trace.text("BxOptions.opt").find("TracingOptions=0x8000000F"), std::string::npos);
+    EXPECT_TRUE(contains(trace.text("BxOptions.opt"), "KeepLogFiles=1"));
+    EXPECT_TRUE(contains(trace.text("BxOptions.opt"), "TracingOptions=0x8000000F"));
     int value = -2;
     BxTrace_GetHexOptionValue("Other", "New", value);
     BxTrace_GetOptionValue("Other", "New decimal", value);
     EXPECT_EQ(value, -2);
-    EXPECT_NE(trace.text("BxOptions.opt").find("[Other]\nNew=fffffffe\nNew decimal=-2"),
-              std::string::npos);
+    EXPECT_TRUE(contains(trace.text("BxOptions.opt"), "[Other]\nNew=fffffffe\nNew decimal=-2"));
     BxTrace_GetOptionValue(nullptr, "x", value);
     BxTrace_SetOptionValue("x", nullptr, 1);
     EXPECT_EQ(value, -2);

@@ -5,12 +5,14 @@
 #include <string>
 
 #include "platform/Platform.h"
+#include "support/Contains.h"
 #include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
 #include "trace/TraceState.h"
 
 namespace {
 
+using qel::test::contains;
 using qel::test::FreshTrace;
 using qel::test::writeFile;
 using Lines = std::vector<std::string>;
@@ -127,10 +129,10 @@ TEST(BxTraceLog, BannerStandsAtTheHeadAndOncePerProcess) {
     // A log of under 20 bytes gets one again.
     writeFile(trace.file("trace.log"), std::string(18, '-') + "\n");
     BxTrace_Trace00("three");
-    EXPECT_NE(trace.text().find("Halverd"), std::string::npos);
+    EXPECT_TRUE(contains(trace.text(), "Halverd"));
     writeFile(trace.file("trace.log"), std::string(20, '-') + "\n");
     BxTrace_Trace00("four");
-    EXPECT_EQ(trace.text().find("Halverd"), std::string::npos);
+    EXPECT_FALSE(contains(trace.text(), "Halverd"));
 }
 
 TEST(BxTraceLog, FailedOpensAreCountedAndReportedOnce) {
@@ -181,7 +183,7 @@ TEST(BxTraceKeptOpen, WritesItsOwnBannerAndRotatesByItsCount) {
     EXPECT_EQ(BxTrace_Trace00("first"), 0);
     EXPECT_NE(trace.text(log).find(":  -- Halverd Linkup Log File --\n"), std::string::npos)
         << "flushed after every message";
-    EXPECT_EQ(trace.text(log).find("Process ID"), std::string::npos);
+    EXPECT_FALSE(contains(trace.text(log), "Process ID"));
     for (int i = 0; i < 20; ++i)
         EXPECT_EQ(BxTrace_Tracef("message %d of a log that outgrows its limit", i), 0);
     const std::string base = log.substr(0, log.size() - 4);
@@ -190,7 +192,7 @@ TEST(BxTraceKeptOpen, WritesItsOwnBannerAndRotatesByItsCount) {
     EXPECT_FALSE(fs::exists(trace.file(base + ".bk2")));
     for (const char* name : {".bk0", ".bk1"}) {
         const std::string text = trace.text(base + name);
-        EXPECT_NE(text.find("Halverd Linkup"), std::string::npos);
+        EXPECT_TRUE(contains(text, "Halverd Linkup"));
         EXPECT_GE(text.size(), 300U);
         EXPECT_LT(text.size(), 450U);
     }

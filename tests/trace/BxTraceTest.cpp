@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/Platform.h"
+#include "support/Contains.h"
 #include "support/TraceCapture.h"
 #include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
@@ -13,6 +14,7 @@
 
 namespace {
 
+using qel::test::contains;
 using qel::test::FreshTrace;
 using qel::test::maskStamps;
 using Lines = std::vector<std::string>;
@@ -57,8 +59,7 @@ TEST(BxTrace, FormatsAreBoundedAndKnow64Bits) {
     EXPECT_EQ(BxTrace_Tracef(nullptr), 0);
     EXPECT_EQ(trace.messages().back(), "(null)");
     EXPECT_EQ(BxTrace_Trace1("File", 9, huge.c_str()), 0);
-    EXPECT_NE(trace.messages().back().find(": " + huge.substr(0, 190) + " at File line 9"),
-              std::string::npos);
+    EXPECT_TRUE(contains(trace.messages().back(), ": " + huge.substr(0, 190) + " at File line 9"));
     EXPECT_EQ(BxTrace_Trace0(huge.c_str()), 0);
     EXPECT_EQ(trace.messages().back().size(), 22 + 2 + 490U);
 }
@@ -95,7 +96,7 @@ TEST(BxTrace, SyncMLMessagesHaveLogsOfTheirOwn) {
     qel::trace::settings().tracingOptions = 0x08000007;
     EXPECT_EQ(BxTrace_OTrace_TS(4, "<c/>"), 0);
     const std::string text = maskStamps(trace.text());
-    EXPECT_NE(text.find("\n<stamp>: SyncML Output:\n<c/>\n"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "\n<stamp>: SyncML Output:\n<c/>\n"));
 }
 
 TEST(BxTrace, HexDumpShowsBytesAndText) {
@@ -190,8 +191,8 @@ TEST(BxTraceRetro, CanBeTurnedOnAndOffAndIgnoresSizesThatCannotBe) {
     EXPECT_EQ(trace.messages(), (Lines{"size 0", "size -3"}));
     EXPECT_EQ(BxTrace_Error("S", 1, 2, 3), 3);
     const std::string text = trace.text();
-    EXPECT_EQ(text.find("size 7"), std::string::npos);
-    EXPECT_NE(text.find("size 100\n"), std::string::npos);
+    EXPECT_FALSE(contains(text, "size 7"));
+    EXPECT_TRUE(contains(text, "size 100\n"));
 }
 
 }  // namespace
