@@ -9,19 +9,16 @@
 namespace {
 
 TEST(StatusNames, StatusTextHasNamesAndNumbers) {
-    const struct {
-        int status;
-        const char* text;
-    } rows[] = {{0, "Status=EOK"},
-                {7, "Status=Busy"},
-                {15, "Status=IllegalData"},
-                {28, "Status=ClientMustReSync"},
-                {41, "Status=DummyOperation"},
-                {42, "Status=CAPOPST_"},
-                {43, "Status=43"},
-                {-1, "Status=-1"},
-                {INT_MIN, "Status=-2147483648"}};
-    for (const auto& row : rows) EXPECT_STREQ(StatusText(row.status), row.text);
+    const std::pair<int, const char*> rows[] = {{0, "Status=EOK"},
+                                                {7, "Status=Busy"},
+                                                {15, "Status=IllegalData"},
+                                                {28, "Status=ClientMustReSync"},
+                                                {41, "Status=DummyOperation"},
+                                                {42, "Status=CAPOPST_"},
+                                                {43, "Status=43"},
+                                                {-1, "Status=-1"},
+                                                {INT_MIN, "Status=-2147483648"}};
+    for (const auto& [status, text] : rows) EXPECT_STREQ(StatusText(status), text);
 }
 
 TEST(StatusNames, OperationsGoBothWays) {

@@ -147,11 +147,11 @@ TEST(HostileInput, DamagedFilesNeverHarm) {
         std::string text = round % 2 == 0 ? example : icalendar;
         for (unsigned damages = 1 + random() % 8; damages > 0; --damages) {
             const std::size_t at = random() % text.size();
-            if (random() % 2 == 0) {
-                text[at] = static_cast<char>(random());
-            } else {
-                text.replace(at, random() % 40, text.substr(0, random() % 100));
-            }
+            // In this order: a compiler may evaluate arguments in any.
+            const std::size_t removed = random() % 40;
+            const std::size_t added = random() % 100;
+            text[at] = static_cast<char>(random());
+            if (random() % 2 == 0) text.replace(at, removed, text.substr(0, added));
         }
         text.resize(text.size() - random() % 100 % text.size());
         const Conversion there = toICalendar(text);

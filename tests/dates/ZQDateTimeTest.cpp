@@ -24,10 +24,7 @@ std::int64_t scannedSeconds(const char* text) {
 }
 
 TEST(DateTimeText, ReadsTidyAndUntidyTexts) {
-    const struct {
-        const char* text;
-        std::int64_t seconds;
-    } rows[] = {
+    const std::pair<const char*, std::int64_t> rows[] = {
         {"20050615T083000Z", 38516 * kDay + 30600},
         {"20050615T083000", 38516 * kDay + 30600},
         {"20050615", 38516 * kDay},
@@ -50,9 +47,9 @@ TEST(DateTimeText, ReadsTidyAndUntidyTexts) {
         {"   ", 0},
         {"2005--15", 0},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(ZQ_DateTimeToSeconds(row.text), row.seconds) << row.text;
-        EXPECT_EQ(ZQ_DateTimeToSeconds(row.text), scannedSeconds(row.text)) << row.text;
+    for (const auto& [text, seconds] : rows) {
+        EXPECT_EQ(ZQ_DateTimeToSeconds(text), seconds) << text;
+        EXPECT_EQ(ZQ_DateTimeToSeconds(text), scannedSeconds(text)) << text;
     }
     EXPECT_EQ(ZQ_DateTimeToSeconds(VStr()), 0);
 }
@@ -74,10 +71,7 @@ TEST(DateTimeText, ReadsAsScanfDoes) {
 }
 
 TEST(DateTimeText, WritesAndAppends) {
-    const struct {
-        std::int64_t seconds;
-        const char* text;
-    } rows[] = {
+    const std::pair<std::int64_t, const char*> rows[] = {
         {38516 * kDay + 30600, "20050615T083000"},
         {0, "19000101T000000"},
         {-1, "19000101T000099"},
@@ -87,13 +81,13 @@ TEST(DateTimeText, WritesAndAppends) {
         {(std::int64_t{1} << 32) * kDay + 7, "00000000T000007"},  // day 0 again if cut to 32 bits
         {INT64_MIN, "00000000T999999"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [seconds, text] : rows) {
         VStr utc("UNTIL=");
-        ZQ_SecondsToDateTime(row.seconds, utc, false);
-        EXPECT_EQ(std::string(utc), "UNTIL=" + std::string(row.text) + "Z");
+        ZQ_SecondsToDateTime(seconds, utc, false);
+        EXPECT_EQ(std::string(utc), "UNTIL=" + std::string(text) + "Z");
         VStr local;
-        ZQ_SecondsToDateTime(row.seconds, local, true);
-        EXPECT_STREQ(local, row.text);
+        ZQ_SecondsToDateTime(seconds, local, true);
+        EXPECT_STREQ(local, text);
     }
 }
 

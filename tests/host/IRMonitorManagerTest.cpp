@@ -268,22 +268,20 @@ class ScriptedProcesses : public ScriptedServices {
 };
 
 TEST(IRMonitorProcess, StopEndsEveryProcessInFiveAttempts) {
-    {
-        ScriptedProcesses processes({7, -1, 8, 0});
+    const struct {
+        std::vector<int> found;
+        bool stops;
+        std::vector<std::uint32_t> ended;
+    } rows[] = {
+        {{7, -1, 8, 0}, true, {7, 8}},
+        {{1, 2, 3, 4, 5, 6}, false, {1, 2, 3, 4, 5}},
+        {{-1, -1, -1, -1, -1}, false, {}},
+    };
+    for (const auto& row : rows) {
+        ScriptedProcesses processes(row.found);
         ManagerWith manager(processes);
-        EXPECT_TRUE(manager->stopIrMon());
-        EXPECT_EQ(processes.ended, (std::vector<std::uint32_t>{7, 8}));
-    }
-    {
-        ScriptedProcesses processes({1, 2, 3, 4, 5, 6});
-        ManagerWith manager(processes);
-        EXPECT_FALSE(manager->stopIrMon());
-        EXPECT_EQ(processes.searches, 5U);
-    }
-    {
-        ScriptedProcesses processes({-1, -1, -1, -1, -1});
-        ManagerWith manager(processes);
-        EXPECT_FALSE(manager->stopIrMon());
+        EXPECT_EQ(manager->stopIrMon(), row.stops);
+        EXPECT_EQ(processes.ended, row.ended);
     }
     ScriptedProcesses processes({7, 7});
     processes.protectedProcess = true;

@@ -94,10 +94,7 @@ TEST(RepeatConversion, ReadsTheHostsPattern) {
 
 TEST(RepeatConversion, WritesTheRecordsPattern) {
     using Writer = long(QELUTILITY_STDCALL*)(_repeat*, IRepeat*);
-    const struct {
-        Writer write;
-        const char* calls;
-    } rows[] = {
+    const std::pair<Writer, const char*> rows[] = {
         {CRepeatConversion::ConstructWeekly_IRepeat_From_ZQTR_REPEAT, "SetDayOfWeek=-7"},
         {CRepeatConversion::ConstructWeeklyDays_IRepeat_From_ZQTR_REPEAT, "SetDaysOfWeek=0100010"},
         {CRepeatConversion::ConstructMonthly_IRepeat_From_ZQTR_REPEAT, "SetDayOfMonth=31"},
@@ -111,12 +108,12 @@ TEST(RepeatConversion, WritesTheRecordsPattern) {
     ZQTR_REPEAT record = qel::test::Record("0 from 0 day 31 month 12 weekday -7 week 5").repeat;
     record.days[1] = 2;
     record.days[5] = -1;
-    for (const auto& row : rows) {
+    for (const auto& [write, calls] : rows) {
         Host host;
-        EXPECT_EQ(row.write(&record, &host), 1);
-        EXPECT_EQ(host.calls, row.calls);
-        EXPECT_EQ(row.write(nullptr, &host), -1);
-        EXPECT_EQ(row.write(&record, nullptr), -1);
+        EXPECT_EQ(write(&record, &host), 1);
+        EXPECT_EQ(host.calls, calls);
+        EXPECT_EQ(write(nullptr, &host), -1);
+        EXPECT_EQ(write(&record, nullptr), -1);
     }
 }
 

@@ -39,10 +39,7 @@ TEST_F(QelutilTest, EveryCommandHasHelpWithExamples) {
 }
 
 TEST_F(QelutilTest, UsageErrorsAreExitCodeTwoAndPointToTheHelp) {
-    const struct {
-        std::vector<std::string> words;
-        const char* says;
-    } kCases[] = {
+    const std::pair<std::vector<std::string>, const char*> kCases[] = {
         {{}, "A subcommand is required; see `qelutil --help`"},
         {{"frobnicate"}, "there is no command `frobnicate`; see `qelutil --help`"},
         {{"a\x1b[31m"}, "there is no command `a\\x1b[31m`"},
@@ -50,11 +47,11 @@ TEST_F(QelutilTest, UsageErrorsAreExitCodeTwoAndPointToTheHelp) {
         {{"/version"}, "there is no command `/version`"},
         {{std::string(20000, 'x')}, "there is no command `xxxxx"},
     };
-    for (const auto& each : kCases) {
-        const ProcessResult result = fails(2, each.words, each.says);
-        EXPECT_EQ(result.out, "") << each.says;
+    for (const auto& [words, says] : kCases) {
+        const ProcessResult result = fails(2, words, says);
+        EXPECT_EQ(result.out, "") << says;
         EXPECT_EQ(result.err.find("qelutil: "), 0U) << result.err;
-        EXPECT_LT(result.err.size(), 5000U) << each.says;
+        EXPECT_LT(result.err.size(), 5000U) << says;
     }
 }
 

@@ -61,7 +61,7 @@ TEST(MonthGrid, PutsMonthsSideBySideAsThePageTakesThem) {
               "                          1\n"
               "  2   3   4   5   6   7   8\n"
               "  9  10  11  12  13  14  15\n"
-              "(16)[17] 18  19  20  21  22\n"
+              " 16  17  18  19  20  21  22\n"
               " 23  24  25  26  27 [28]\n");
     // A page narrower than a month, a month that is none, and highlighting, whose escape sequences
     // take no columns.

@@ -82,19 +82,16 @@ TEST_F(RuleCommandTest, KeepsWhatTheRecordLoses) {
 
 // Parts of a yearly rule that name days together choose the days that all of them name.
 TEST_F(RuleCommandTest, JoinsThePartsOfAYearlyRule) {
-    const struct {
-        const char* parts;
-        const char* dates;
-    } kCases[] = {
+    const std::pair<const char*, const char*> kCases[] = {
         {"BYWEEKNO=20;BYMONTHDAY=17", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
         {"BYYEARDAY=137,138;BYMONTHDAY=17", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
         {"BYWEEKNO=20;BYYEARDAY=137", R"(["2005-05-17","2006-05-17","2007-05-17"])"},
         {"BYWEEKNO=20", R"(["2005-05-17","2006-05-16","2007-05-15"])"},
     };
-    for (const auto& each : kCases) {
-        const Json json = runJson({"expand", std::string("FREQ=YEARLY;") + each.parts, "--start",
+    for (const auto& [parts, dates] : kCases) {
+        const Json json = runJson({"expand", std::string("FREQ=YEARLY;") + parts, "--start",
                                    "20050517", "--through", "20071231", "--json"});
-        EXPECT_EQ(json["dates"], Json::parse(each.dates)) << each.parts;
+        EXPECT_EQ(json["dates"], Json::parse(dates)) << parts;
     }
 }
 

@@ -92,7 +92,9 @@ TEST(RuleReader, ReadsAMillionTokens) {
         {BxUtil_PositionalV20toRRULE, repeated("", "X=1;") + "FREQ=DAILY", "DAILY"},
         {BxUtil_PositionaltoRRULE, repeated("YEARLY;;;;;;;;;;;6", ",6"),
          "YEARLY parts=BYMONTH months=6"},
-        {BxUtil_PositionaltoRRULE, repeated("DAILY", ";1"), "DAILY"},
+        {BxUtil_PositionaltoRRULE, repeated("DAILY", ";1"),
+         "DAILY until=0+0 parts=BYDAY,BYMONTHDAY,BYYEARDAY,BYWEEKNO,BYMONTH,BYSETPOS monthdays=1 "
+         "yeardays=1 weeks=1 months=1 positions=1,0,0,0"},
     };
     _rruleRepeat rule;
     for (const auto& row : rows) {

@@ -227,21 +227,13 @@ TEST(Unfold, BlockGrowsBySteps) {
     EXPECT_EQ(block.data, nullptr);
     EXPECT_EQ(DateBlock_Reserve(&block, 0), 0);
     EXPECT_EQ(block.capacity, 0);
-    const struct {
-        std::int64_t bytes;
-        int result;
-        std::int64_t capacity;
-    } steps[] = {{4, 0, 512},
-                 {512, 0, 512},
-                 {513, 0, 1024},
-                 {1600, 0, 1600},
-                 {1601, 0, 2000},
-                 {2000, 0, 2000},
-                 {2001, DATEBLOCK_FULL, 2000}};
-    for (const auto& step : steps) {
-        EXPECT_EQ(DateBlock_Reserve(&block, step.bytes), step.result) << step.bytes;
-        EXPECT_EQ(block.capacity, step.capacity) << step.bytes;
+    for (const auto& [bytes, capacity] :
+         {std::pair{4, 512}, {513, 1024}, {1600, 1600}, {1601, 2000}}) {
+        EXPECT_EQ(DateBlock_Reserve(&block, bytes), 0);
+        EXPECT_EQ(block.capacity, capacity) << bytes;
     }
+    EXPECT_EQ(DateBlock_Reserve(&block, 2001), DATEBLOCK_FULL);
+    EXPECT_EQ(block.capacity, 2000);
     DateBlock_Free(&block);
     EXPECT_EQ(block.capacity, 0);
     ASSERT_EQ(DateBlock_Init(&block, 600, 512, 2000), 0);

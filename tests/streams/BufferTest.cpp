@@ -20,15 +20,13 @@ unsigned char* bytes(const char* text) {
 }
 
 TEST(Buffer, CapacitiesFollowTheNeed) {
-    const struct {
-        int need;
-        unsigned int capacity;
-    } rows[] = {{0, 256},      {100, 256},     {127, 256},      {128, 1024},     {2047, 4096},
-                {8191, 16384}, {32767, 65536}, {32768, 262144}, {40000, 262144}, {200000, 400000}};
-    for (const auto& row : rows) {
+    const std::pair<int, unsigned int> rows[] = {
+        {0, 256},      {100, 256},     {127, 256},      {128, 1024},     {2047, 4096},
+        {8191, 16384}, {32767, 65536}, {32768, 262144}, {40000, 262144}, {200000, 400000}};
+    for (const auto& [need, capacity] : rows) {
         CBxBuffer buffer;
-        buffer.GrowBuf(row.need);
-        EXPECT_EQ(buffer.Capacity(), row.capacity) << row.need;
+        buffer.GrowBuf(need);
+        EXPECT_EQ(buffer.Capacity(), capacity) << need;
     }
     CBxBuffer buffer;
     buffer.GrowBuf(100);

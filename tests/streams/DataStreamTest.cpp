@@ -33,7 +33,6 @@ void checkNumber(T value, const char* text) {
 TEST(DataStream, NumbersInTheirWidths) {
     checkNumber<char>('A', "41");
     checkNumber<char>('\377', "-");
-    checkNumber<unsigned char>(0x80, "80");
     checkNumber<unsigned char>(0xFF, "-");
     checkNumber<short>(-2, "fffe");
     checkNumber<short>(-1, "-");
@@ -41,23 +40,17 @@ TEST(DataStream, NumbersInTheirWidths) {
     checkNumber<unsigned short>(0xFFFF, "-");
     checkNumber<int>(26, "1a");
     checkNumber<int>(-2, "fffffffe");
-    checkNumber<int>(-1, "-");
-    checkNumber<int>(0xFF, "ff");
     checkNumber<int>(0, "");
     checkNumber<int>(INT_MIN, "80000000");
     checkNumber<unsigned int>(UINT_MAX, "-");
-    checkNumber<long>(-2, "fffffffe");
     checkNumber<long>(-1, "-");
     checkNumber<long>(INT_MIN, "80000000");
     checkNumber<long>(INT_MAX, "7fffffff");
     checkNumber<unsigned long>(0xFFFFFFFFUL, "-");
-    checkNumber<unsigned long>(0x80000000UL, "80000000");
     checkNumber<long long>(-1, "-");
     checkNumber<long long>(-2, "fffffffffffffffe");
     checkNumber<long long>(0xFFFFFFFFLL, "ffffffff");
     checkNumber<unsigned long long>(0x8000000000000000ULL, "8000000000000000");
-    checkNumber<unsigned long long>(ULLONG_MAX, "-");
-    checkNumber<bool>(true, "1");
     checkNumber<bool>(false, "");
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "QelUtility/BxDataStream.h"
+#include "support/Throws.h"
 
 namespace qel::test {
 
@@ -31,17 +32,6 @@ inline void initializeRaw(CBxDataStream& stream, const std::string& text) {
 
 inline void initialize(CBxDataStream& stream, const std::string& text) {
     initializeRaw(stream, text + '\0');
-}
-
-// What `action` throws; 0 when it returns.
-template <class Action>
-int thrownBy(Action action) {
-    try {
-        action();
-    } catch (int code) {
-        return code;
-    }
-    return 0;
 }
 
 }  // namespace qel::test

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "support/Throws.h"
+
 namespace {
 
 // Elements as the tests write them: "<null>" is a null string, "" an allocated empty one.
@@ -185,12 +187,7 @@ TEST(BxArray, GrowsBy128AndChecksIndexes) {
     EXPECT_NE(array.GetPtr(), block);
     EXPECT_STREQ(array[128], "element");
     for (const int outside : {-1, 129, INT_MAX, INT_MIN}) {
-        try {
-            array[outside];
-            FAIL() << outside;
-        } catch (int code) {
-            EXPECT_EQ(code, -1);
-        }
+        EXPECT_EQ(qel::test::thrownBy([&] { array[outside]; }), -1) << outside;
     }
     array.RemoveAll();
     EXPECT_EQ(array.GetSize(), 0);
