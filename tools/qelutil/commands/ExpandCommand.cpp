@@ -177,7 +177,7 @@ void addExpandCommand(CLI::App& app, Context& context) {
     command->add_flag("--json", options->json, "Print the facts as JSON")->excludes(calendar);
     command->footer(
         "Excluded dates are shown in parentheses.\n"
-        "\n"
+        "Examples:\n"
         "  qelutil expand \"W1 MO #0\" --start 20050606 --since 20060101 --through 20060331\n"
         "  qelutil expand \"D1 #10\" --start 20050615 --exclude 20050617,20050620 --calendar\n"
         "  qelutil expand \"FREQ=YEARLY;BYDAY=1SU;BYMONTH=6\" --start 20050605 --through "

@@ -248,7 +248,7 @@ void addRuleCommand(CLI::App& app, Context& context) {
         ->excludes(calendar);
     command->footer(
         "Forms: v10 is vCalendar 1.0, ical iCalendar, positional the library's own.\n"
-        "\n"
+        "Examples:\n"
         "  qelutil rule \"W2 MO WE FR #10\" --start 2005-06-15\n"
         "  qelutil rule \"FREQ=MONTHLY;BYDAY=-1FR\" --start 20050624 --calendar\n"
         "  qelutil rule \"MP1 1+ MO #0\" --start 20050606 --to ical\n"
