@@ -99,6 +99,11 @@ TEST(QuotedPrintable, BreaksLinesOnlyWhereItMust) {
     EXPECT_EQ(run(encodeAtColumn0, full.substr(1) + "  z"), full.substr(1) + "=\r\n=20 z");
     EXPECT_EQ(run(encodeAtColumn0, full.substr(8) + "\xF0\x9F\x98\x80!"),
               full.substr(8) + "=\r\n=F0=9F=98=80!");
+    EXPECT_EQ(run(encodeAtColumn0, full.substr(8) + "\xE2\x82\xAC!"),
+              full.substr(8) + "=\r\n=E2=82=AC!");
+    // Bytes that begin a character and do not go on stand alone.
+    EXPECT_EQ(run(encodeAtColumn0, full.substr(4) + "\xE2xy!"), full.substr(4) + "=E2=\r\nxy!");
+    EXPECT_EQ(run(encodeAtColumn0, full.substr(3) + "\xE2"), full.substr(3) + "=E2");
     EXPECT_EQ(run(encodeAtColumn0, full.substr(5) + "\r\nz"), full.substr(5) + "=\r\n=0D=0Az");
     // The property's name counts.
     EXPECT_EQ(encodeFrom(70, "123456"), "123456");
