@@ -1,10 +1,13 @@
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "QelUtility/BxEncodings.h"
+#include "encodings/Base64Groups.h"
 #include "strings/AsciiText.h"
 
 namespace qel {
@@ -53,18 +56,20 @@ bool storeDigit(unsigned int value, unsigned int state, unsigned char* dst, unsi
 int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcLength, char* dst,
                                      unsigned int dstSize) {
     if (dst == nullptr || (src == nullptr && srcLength != 0)) return -1;
-    std::uint64_t position = 0;
-    for (std::uint64_t i = 0; i < srcLength; i += 3) {
-        const std::uint64_t left = srcLength - i;
-        if (position + 4 > dstSize || position + 4 > qel::kMaxResult) return -1;
-        const unsigned int first = src[i];
-        const unsigned int second = left > 1 ? src[i + 1] : 0U;
-        const unsigned int third = left > 2 ? src[i + 2] : 0U;
+    const std::uint64_t room = std::min<std::uint64_t>(dstSize, qel::kMaxResult);
+    const auto groups = static_cast<std::size_t>(std::min<std::uint64_t>(srcLength / 3, room / 4));
+    qel::encodeGroups(src, groups, dst);
+    if (groups < srcLength / 3) return -1;
+    std::uint64_t position = std::uint64_t{groups} * 4;
+    if (const unsigned int left = srcLength % 3; left != 0) {
+        if (position + 4 > room) return -1;
+        const unsigned int first = src[groups * 3];
+        const unsigned int second = left > 1 ? src[groups * 3 + 1] : 0U;
         char* group = dst + position;
         group[0] = qel::digit(first >> 2);
         group[1] = qel::digit((first & 0x03) << 4 | second >> 4);
-        group[2] = left > 1 ? qel::digit((second & 0x0F) << 2 | third >> 6) : qel::kPadding;
-        group[3] = left > 2 ? qel::digit(third & 0x3F) : qel::kPadding;
+        group[2] = left > 1 ? qel::digit((second & 0x0F) << 2) : qel::kPadding;
+        group[3] = qel::kPadding;
         position += 4;
     }
     if (position >= dstSize) return -1;
@@ -75,9 +80,21 @@ int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcL
 int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsigned int dstSize) {
     if (src == nullptr) return -1;
     const char* text = src;
+    const char* const end = src + std::strlen(src);
     std::uint64_t index = 0;
     unsigned int state = 0;  // digits of the current group so far
-    for (; *text != '\0' && *text != qel::kPadding; ++text) {
+    for (;; ++text) {
+        if (state == 0 && dst != nullptr && index < dstSize) {
+            // Whole groups at once, as far as there is room and nothing else stands between them.
+            const auto groups =
+                qel::decodeGroups(text,
+                                  std::min(static_cast<std::size_t>(end - text) / 4,
+                                           static_cast<std::size_t>(dstSize - index) / 3),
+                                  dst + index);
+            text += 4 * groups;
+            index += 3 * std::uint64_t{groups};
+        }
+        if (*text == '\0' || *text == qel::kPadding) break;
         if (qel::isAsciiSpace(*text)) continue;
         const unsigned int value = qel::kValues[static_cast<unsigned char>(*text)];
         if (value == qel::kNoDigit) return -1;

@@ -1,6 +1,9 @@
 #include "QelUtility/BxQuotedPrintable.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace qel {
@@ -18,6 +21,11 @@ class Sink {
         if (buffer_ != nullptr) buffer_[length_] = static_cast<char>(byte);
         ++length_;
     }
+    // The bytes may lie where they are put, or behind it.
+    void put(const unsigned char* bytes, std::size_t count) {
+        if (buffer_ != nullptr) std::memmove(buffer_ + length_, bytes, count);
+        length_ += count;
+    }
     std::uint64_t length() const { return length_; }
 
   private:
@@ -32,6 +40,14 @@ bool isBlank(unsigned char byte) {
 bool isLiteral(unsigned char byte) {
     return byte >= 0x21 && byte <= 0x7E && byte != '=';
 }
+
+// What is written as it stands wherever it does not begin or end a line: literals and blanks.
+constexpr auto kPlain = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t byte = 0x20; byte <= 0x7E; ++byte) plain[byte] = byte != '=';
+    plain['\t'] = true;
+    return plain;
+}();
 
 // 0..15, or -1 for what is no hexadecimal digit.
 int hexValue(unsigned char digit) {
@@ -58,6 +74,11 @@ class Encoder {
             if (breakSize != 0) {
                 endLine();
                 position_ += breakSize;
+            } else if (const std::size_t size = plainRun(); size != 0) {
+                sink_.put(text_ + position_, size);
+                column_ += size;
+                position_ += size;
+                afterSoftBreak_ = false;
             } else {
                 putUnit();
             }
@@ -74,6 +95,18 @@ class Encoder {
     }
 
     bool lineEndsAt(std::size_t at) const { return at >= length_ || hardBreakAt(at) != 0; }
+
+    // The number of bytes from here that are written as they stand without a look at each: plain
+    // ones that fit before the soft break's column, without blanks at either end of a line.
+    std::size_t plainRun() const {
+        if (column_ >= kMaxLine - 1 || (afterSoftBreak_ && isBlank(text_[position_]))) return 0;
+        const unsigned char* const first = text_ + position_;
+        const std::size_t most = std::min(kMaxLine - 1 - column_, length_ - position_);
+        std::size_t size = 0;
+        while (size < most && kPlain[first[size]]) ++size;
+        while (size != 0 && isBlank(first[size - 1])) --size;
+        return size;
+    }
 
     // The number of bytes that must stay on one line: a UTF-8 character, CR LF, or a single byte.
     std::size_t unitSize() const {
@@ -149,53 +182,90 @@ std::size_t lineBreakAt(const unsigned char* text, std::size_t length, std::size
     return at + 1 < length && text[at + 1] == '\n' ? 2 : 1;
 }
 
+// What ends a run of bytes that are copied: "=" and the line breaks.
+constexpr auto kEndsRun = [] {
+    std::array<bool, 256> ends{};
+    ends['='] = ends['\r'] = ends['\n'] = true;
+    return ends;
+}();
+
+// The first byte from `at` on that ends a run, or the length.
+std::size_t runEnd(const unsigned char* text, std::size_t length, std::size_t at) {
+    // Four at once, so that the loop costs less than its look-ups.
+    for (; length - at >= 4; at += 4) {
+        const unsigned char* four = text + at;
+        if (kEndsRun[four[0]] | kEndsRun[four[1]] | kEndsRun[four[2]] | kEndsRun[four[3]]) break;
+    }
+    while (at < length && !kEndsRun[text[at]]) ++at;
+    return at;
+}
+
+// Where the text after the "=" at `at` goes on, and what the "=" stands for into `sink`.
+std::size_t decodeEscape(const unsigned char* text, std::size_t length, std::size_t at,
+                         Sink& sink) {
+    if (length - at > 2) {
+        const int high = hexValue(text[at + 1]);
+        const int low = hexValue(text[at + 2]);
+        if (high >= 0 && low >= 0) {
+            sink.put(static_cast<unsigned char>(high * 16 + low));
+            return at + 3;
+        }
+    }
+    std::size_t end = at + 1;  // of the run of blanks
+    while (end < length && isBlank(text[end])) ++end;
+    const std::size_t breakSize = lineBreakAt(text, length, end);
+    if (breakSize != 0) return end + breakSize;
+    sink.put(text + at, end - at);
+    return end;
+}
+
 std::uint64_t decodeTo(const char* source, std::size_t length, char* out) {
     const auto* text = reinterpret_cast<const unsigned char*>(source);
     Sink sink(out);
     std::size_t i = 0;
     while (i < length) {
-        const unsigned char byte = text[i];
-        if (byte != '=' && !isBlank(byte)) {
-            sink.put(byte);
-            ++i;
-            continue;
+        const std::size_t first = i;
+        i = runEnd(text, length, i);
+        std::size_t kept = i;
+        // Blanks before a line break are transport padding.
+        if (i < length && text[i] != '=') {
+            while (kept > first && isBlank(text[kept - 1])) --kept;
         }
-        if (byte == '=' && length - i > 2) {
-            const int high = hexValue(text[i + 1]);
-            const int low = hexValue(text[i + 2]);
-            if (high >= 0 && low >= 0) {
-                sink.put(static_cast<unsigned char>(high * 16 + low));
-                i += 3;
-                continue;
-            }
-        }
-        std::size_t end = i + 1;  // of the run of blanks
-        while (end < length && isBlank(text[end])) ++end;
-        const std::size_t breakSize = lineBreakAt(text, length, end);
-        if (breakSize == 0) {
-            for (; i < end; ++i) sink.put(text[i]);
+        sink.put(text + first, kept - first);
+        if (i == length) break;
+        if (text[i] == '=') {
+            i = decodeEscape(text, length, i, sink);
         } else {
-            i = byte == '=' ? end + breakSize : end;
+            sink.put(text[i++]);
         }
     }
     return sink.length();
 }
 
 // Measures with a null buffer, reports, and writes when the result fits: `code(buffer)` returns the
-// length of the result.
+// length of the result. Where there is more room than `most`, which no result is longer than, the
+// text is gone through once.
 template <typename Code>
-int produce(const char* text, std::size_t length, char* out, std::size_t outSize,
-            std::size_t* resultLength, Code code) {
+int produce(const char* text, std::size_t length, std::uint64_t most, char* out,
+            std::size_t outSize, std::size_t* resultLength, Code code) {
     if (resultLength != nullptr) *resultLength = 0;
     if (text == nullptr && length != 0) return QEL_NOT_INITIALIZED;
-    const std::uint64_t needed = code(nullptr);
+    const bool fits = out != nullptr && outSize > most;
+    const std::uint64_t needed = code(fits ? out : nullptr);
     if (needed >= std::numeric_limits<std::size_t>::max()) return QEL_OUT_OF_MEMORY;
     if (resultLength != nullptr) *resultLength = static_cast<std::size_t>(needed);
     if (out == nullptr) return QEL_OK;
     if (outSize <= needed) return QEL_OUTPUT_TOO_SMALL;
-    code(out);
+    if (!fits) code(out);
     out[needed] = '\0';
     return QEL_OK;
+}
+
+// What `length` bytes are never longer than when encoded: three characters for each, in lines of at
+// least 64 (no unit takes more than 12), each with three for its break, and a first break.
+std::uint64_t longestCode(std::size_t length) {
+    const std::uint64_t characters = 3 * std::uint64_t{length};
+    return characters + 3 * (characters / 64 + 2);
 }
 
 }  // namespace
@@ -203,20 +273,22 @@ int produce(const char* text, std::size_t length, char* out, std::size_t outSize
 
 int QELUTILITY_CALL encodeQP(const char* text, size_t length, size_t startColumn, char* out,
                              size_t outSize, size_t* resultLength) {
-    return qel::produce(text, length, out, outSize, resultLength, [&](char* buffer) {
-        return qel::Encoder(text, length, startColumn, qel::LineBreaks::kData, buffer).run();
-    });
+    return qel::produce(
+        text, length, qel::longestCode(length), out, outSize, resultLength, [&](char* buffer) {
+            return qel::Encoder(text, length, startColumn, qel::LineBreaks::kData, buffer).run();
+        });
 }
 
 int QELUTILITY_CALL encodeQuotedPrintable(const char* text, size_t length, char* out,
                                           size_t outSize, size_t* resultLength) {
-    return qel::produce(text, length, out, outSize, resultLength, [&](char* buffer) {
-        return qel::Encoder(text, length, 0, qel::LineBreaks::kLineBreaks, buffer).run();
-    });
+    return qel::produce(
+        text, length, qel::longestCode(length), out, outSize, resultLength, [&](char* buffer) {
+            return qel::Encoder(text, length, 0, qel::LineBreaks::kLineBreaks, buffer).run();
+        });
 }
 
 int QELUTILITY_CALL decodeQP(const char* text, size_t length, char* out, size_t outSize,
                              size_t* resultLength) {
-    return qel::produce(text, length, out, outSize, resultLength,
+    return qel::produce(text, length, length, out, outSize, resultLength,
                         [&](char* buffer) { return qel::decodeTo(text, length, buffer); });
 }

@@ -101,7 +101,7 @@ VStr::VStr(char c, int n) : VStr() {
 }
 
 VStr::~VStr() {
-    Empty();
+    if (m_buffer != nullptr) stringFree(m_buffer);
 }
 
 const VStr& VStr::operator=(const VStr& o) {
@@ -131,20 +131,25 @@ VStr& VStr::Copy(const char* s) {
         Empty();
         return *this;
     }
-    return Copy(s, static_cast<int>(length));
+    return Assign(s, static_cast<int>(length), static_cast<int>(length));
 }
 
 VStr& VStr::Copy(const char* s, int n) {
     n = std::max(n, 0);
+    return Assign(s, s == nullptr ? 0 : textLength(s, static_cast<std::size_t>(n)), n);
+}
+
+// The first `count` bytes of s, padded to `length`.
+VStr& VStr::Assign(const char* s, int count, int length) {
     unsigned int capacity = 0;
-    char* block = s == nullptr || n > kMaxLength ? nullptr : ModAlloc(n + 1, &capacity);
+    char* block = s == nullptr || length > kMaxLength ? nullptr : ModAlloc(length + 1, &capacity);
     if (block == nullptr) {
         Empty();
         return *this;
     }
     // The block is zero-filled, which is the padding and the terminator.
-    std::memcpy(block, s, static_cast<std::size_t>(textLength(s, static_cast<std::size_t>(n))));
-    Adopt(block, n, capacity);
+    std::memcpy(block, s, static_cast<std::size_t>(count));
+    Adopt(block, length, capacity);
     return *this;
 }
 
@@ -167,7 +172,7 @@ const VStr& VStr::operator<<=(char* s) {
 }
 
 void VStr::Adopt(char* block, int length, unsigned int capacity) {
-    stringFree(m_buffer);
+    if (m_buffer != nullptr) stringFree(m_buffer);
     m_buffer = block;
     m_length = length;
     m_capacity = capacity;
@@ -216,7 +221,7 @@ bool VStr::operator!() const {
 }
 
 void VStr::Empty() {
-    stringFree(m_buffer);
+    if (m_buffer != nullptr) stringFree(m_buffer);
     Remove();
 }
 

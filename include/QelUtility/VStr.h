@@ -175,6 +175,7 @@ class QELUTILITY_API VStr {
 
   private:
     QELUTILITY_LOCAL void Adopt(char* block, int length, unsigned int capacity);
+    QELUTILITY_LOCAL VStr& Assign(const char* s, int count, int length);
     QELUTILITY_LOCAL VStr& Append(const char* s, int count);
 
     char* m_buffer;

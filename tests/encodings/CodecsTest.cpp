@@ -69,6 +69,22 @@ TEST(Base64, DecodesSpacedTextAndRefusesTheMalformed) {
     EXPECT_EQ(Bx_Base64_Decode(nullptr, nullptr, 0), -1);
 }
 
+// Blanks between the digits keep the decoder from reading several at once.
+TEST(Base64, ReadsLongRunsAsItReadsDigitByDigit) {
+    std::string all;
+    for (int i = 0; i < 96; ++i) all += static_cast<char>(i * 37);
+    const std::string text = base64(all);
+    for (std::size_t at = 0; at < 80; ++at) {
+        for (int c = 1; c < 256; ++c) {
+            std::string changed = text;
+            changed[at] = static_cast<char>(c);
+            std::string spaced;
+            for (const char digit : changed) spaced += {digit, ' '};
+            ASSERT_EQ(unbase64(changed), unbase64(spaced)) << at << ' ' << c;
+        }
+    }
+}
+
 TEST(Base64, NeedsItsRoom) {
     // Padded texts touch the byte after their last.
     const struct {

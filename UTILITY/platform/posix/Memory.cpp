@@ -8,8 +8,20 @@
 
 namespace qel::platform {
 
+namespace {
+
+// Up to this size malloc's ready blocks are cleared here: calloc has none of its own and searches.
+// A larger block may come from the system, which has cleared it already; calloc knows.
+constexpr std::size_t kReadyBlock = 1024;
+
+}  // namespace
+
 char* stringAlloc(std::size_t size) noexcept {
-    return static_cast<char*>(std::calloc(size, 1));
+    if (size > kReadyBlock) return static_cast<char*>(std::calloc(size, 1));
+    char* block = static_cast<char*>(std::malloc(size));
+    // All of the block, which may be larger than was asked for: it can be used to its end.
+    if (block != nullptr) std::memset(block, 0, malloc_usable_size(block));
+    return block;
 }
 
 char* stringRealloc(char* block, std::size_t size) noexcept {
