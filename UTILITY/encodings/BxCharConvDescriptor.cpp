@@ -43,7 +43,7 @@ int errorOf(platform::CodePageFailure failure) {
     }
 }
 
-// The work buffer with at least `need` units, all of it zero; false when memory is exhausted.
+// The work buffer with at least `need` units; false when memory is exhausted.
 bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
     if (cd.wideBufCount < need) {
         if (need > kMaxUnits) return false;
@@ -53,7 +53,6 @@ bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
         cd.wideBuf = static_cast<char16_t*>(grown);
         cd.wideBufCount = static_cast<std::uint32_t>(need);
     }
-    std::fill_n(cd.wideBuf, cd.wideBufCount, u'\0');
     return true;
 }
 
@@ -66,6 +65,7 @@ int convertThroughUtf16(_iconv_info& cd, const char*& in, unsigned int& inLeft, 
     const auto decoded = platform::decodeCodePage(cd.fromCodePage, in, inLeft, cd.wideBuf,
                                                   static_cast<std::uint32_t>(need));
     if (decoded.count == 0) return errorOf(decoded.failure);
+    cd.wideBuf[decoded.count] = u'\0';
 
     // A byte-order mark is left out but still counted: the zero unit after the text is encoded in
     // its place, and the result ends in a NUL byte.

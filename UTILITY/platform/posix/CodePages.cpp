@@ -1,10 +1,13 @@
-// Code pages by iconv(3), through UTF-16 in the machine's byte order.
+// Code pages through UTF-16: UTF-8 by hand, the others by tables that iconv(3) fills. A table's
+// rows are filled when a text first needs them, each once for the process.
 #include <iconv.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <bit>
-#include <cerrno>
+#include <cstring>
+#include <mutex>
 #include <new>
 #include <vector>
 
@@ -15,108 +18,337 @@ namespace qel::platform {
 namespace {
 
 constexpr const char* kUtf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
-constexpr std::size_t kFailed = static_cast<std::size_t>(-1);
-// After a character that had to be replaced, input is offered in pieces that start at this many
-// bytes: iconv decodes ahead of what it can write, and would decode a long rest again and again.
-constexpr std::size_t kFirstSlice = 64;
-constexpr std::uint32_t kLongestCharacter = 4;
-
 constexpr std::uint32_t kUtf8 = 65001;
-
-struct CodePage {
-    std::uint32_t number;
-    const char* name;
-};
-constexpr std::array<CodePage, 4> kCodePages{
-    {{0, "CP1252"}, {936, "CP936"}, {950, "CP950"}, {kUtf8, "UTF-8"}}};
-
-iconv_t noDescriptor() {
-    return reinterpret_cast<iconv_t>(-1);
-}
-
-// The open descriptors of one thread: opening one costs more than converting a short text.
-class Descriptors {
-  public:
-    Descriptors() {
-        decoders_.fill(noDescriptor());
-        encoders_.fill(noDescriptor());
-    }
-    void close() noexcept {
-        for (auto* side : {&decoders_, &encoders_}) {
-            for (iconv_t& descriptor : *side) {
-                if (descriptor != noDescriptor()) iconv_close(descriptor);
-                descriptor = noDescriptor();
-            }
-        }
-    }
-    Descriptors(const Descriptors&) = delete;
-    Descriptors& operator=(const Descriptors&) = delete;
-
-    // In its initial state; noDescriptor() for an unknown page.
-    iconv_t decoder(std::uint32_t codePage) { return ready(codePage, decoders_, true); }
-    iconv_t encoder(std::uint32_t codePage) { return ready(codePage, encoders_, false); }
-
-  private:
-    using Side = std::array<iconv_t, kCodePages.size()>;
-
-    static iconv_t ready(std::uint32_t codePage, Side& side, bool decodes) {
-        for (std::size_t i = 0; i < kCodePages.size(); ++i) {
-            if (kCodePages[i].number != codePage) continue;
-            if (side[i] == noDescriptor()) {
-                side[i] = decodes ? iconv_open(kUtf16, kCodePages[i].name)
-                                  : iconv_open(kCodePages[i].name, kUtf16);
-            } else {
-                iconv(side[i], nullptr, nullptr, nullptr, nullptr);
-            }
-            return side[i];
-        }
-        return noDescriptor();
-    }
-
-    Side decoders_;
-    Side encoders_;
-};
-
-Descriptors& descriptors() {
-    static const ThreadEnd end(
-        [](void* object) noexcept { static_cast<Descriptors*>(object)->close(); });
-    thread_local Immortal<Descriptors> ofThisThread;
-    end.watch(&ofThisThread.get());
-    return ofThisThread.get();
-}
 
 constexpr CodePageResult failed(CodePageFailure failure) {
     return {0, failure};
 }
 
-// The number of bytes of the character at `in`, or 0 when there is none.
-std::uint32_t characterSize(iconv_t decoder, const char* in, std::uint32_t length) {
-    // Room for one unit stops iconv after one character; a surrogate pair needs the second.
-    for (const std::size_t units : {std::size_t{1}, std::size_t{2}}) {
-        char16_t pair[2];
-        char* from = const_cast<char*>(in);
-        std::size_t left = std::min(length, kLongestCharacter);
-        char* to = reinterpret_cast<char*>(pair);
-        std::size_t room = units * sizeof(char16_t);
-        iconv(decoder, nullptr, nullptr, nullptr, nullptr);
-        const bool done = iconv(decoder, &from, &left, &to, &room) != kFailed;
-        if (from != in) return static_cast<std::uint32_t>(from - in);
-        if (done || errno != E2BIG) return 0;
+// An open iconv descriptor, or none.
+class Descriptor {
+  public:
+    Descriptor(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
+    ~Descriptor() {
+        if (isOpen()) iconv_close(descriptor_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] bool isOpen() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
+
+    // Converts one character: the bytes written, or 0 when `size` bytes are not exactly one.
+    std::size_t convert(const void* in, std::size_t size, void* out, std::size_t room) const {
+        char* from = static_cast<char*>(const_cast<void*>(in));
+        char* to = static_cast<char*>(out);
+        const std::size_t roomBefore = room;
+        iconv(descriptor_, nullptr, nullptr, nullptr, nullptr);
+        const bool done = iconv(descriptor_, &from, &size, &to, &room) != std::size_t(-1);
+        return done && size == 0 ? roomBefore - room : 0;
+    }
+
+  private:
+    iconv_t descriptor_;
+};
+
+// Rows of 256 entries that are filled on demand, by any thread.
+template <typename Entry>
+class Rows {
+  public:
+    using Row = std::array<Entry, 256>;
+
+    // `fill(row)` gives false when it cannot; then, and only then, the result is null.
+    template <typename Fill>
+    const Row* row(std::size_t index, Fill fill) {
+        if (ready_[index].load(std::memory_order_acquire)) [[likely]]
+            return &rows_[index];
+        return filledRow(index, fill);
+    }
+
+  private:
+    template <typename Fill>
+    [[gnu::noinline]] const Row* filledRow(std::size_t index, Fill fill) {
+        const std::lock_guard<std::mutex> lock(filling_);
+        if (!ready_[index].load(std::memory_order_relaxed)) {
+            if (!fill(rows_[index])) return nullptr;
+            ready_[index].store(true, std::memory_order_release);
+        }
+        return &rows_[index];
+    }
+
+    std::mutex filling_;
+    std::array<std::atomic<bool>, 256> ready_{};
+    std::array<Row, 256> rows_{};
+};
+
+// A page whose characters have one byte or two, and one UTF-16 unit each. 0 stands for nothing,
+// except in the places of U+0000.
+class Page {
+  public:
+    explicit Page(const char* name) : name_(name) {}
+
+    // The units of the single bytes, or of the second bytes after `lead`; null when iconv has no
+    // memory or no such page.
+    const Rows<char16_t>::Row* singles() {
+        // Byte 0 begins no pair, so its row holds the single bytes.
+        return units_.row(0, [this](auto& row) { return fillUnits(-1, row); });
+    }
+    const Rows<char16_t>::Row* pairs(unsigned char lead) {
+        if (lead == 0) return nullptr;
+        return units_.row(lead, [this, lead](auto& row) { return fillUnits(lead, row); });
+    }
+    // The bytes of the units from `high` * 256 on: one below 256, else two with the lead on top.
+    const Rows<std::uint16_t>::Row* codes(std::size_t high) {
+        return codes_.row(high, [this, high](auto& row) { return fillCodes(high, row); });
+    }
+
+  private:
+    bool fillUnits(int lead, Rows<char16_t>::Row& row) const {
+        const Descriptor decoder(kUtf16, name_);
+        if (!decoder.isOpen()) return false;
+        for (std::size_t byte = 0; byte < row.size(); ++byte) {
+            const unsigned char in[2] = {static_cast<unsigned char>(lead >= 0 ? lead : byte),
+                                         static_cast<unsigned char>(byte)};
+            char16_t unit[2] = {};
+            const bool one = decoder.convert(in, lead >= 0 ? 2 : 1, unit, sizeof unit) == 2;
+            row[byte] = one ? unit[0] : char16_t{0};
+        }
+        return true;
+    }
+
+    bool fillCodes(std::size_t high, Rows<std::uint16_t>::Row& row) const {
+        const Descriptor encoder(name_, kUtf16);
+        if (!encoder.isOpen()) return false;
+        for (std::size_t low = 0; low < row.size(); ++low) {
+            const auto unit = static_cast<char16_t>(high << 8 | low);
+            unsigned char out[4];
+            const std::size_t size = encoder.convert(&unit, sizeof unit, out, sizeof out);
+            row[low] = size == 1   ? out[0]
+                       : size == 2 ? static_cast<std::uint16_t>(out[0] << 8 | out[1])
+                                   : std::uint16_t{0};
+        }
+        return true;
+    }
+
+    const char* name_;
+    Rows<char16_t> units_;
+    Rows<std::uint16_t> codes_;
+};
+
+// Null for a page that has no table.
+Page* pageOf(std::uint32_t codePage) {
+    // Not destroyed: other objects' destructors may still convert.
+    struct Pages {
+        Page western{"CP1252"};
+        Page simplifiedChinese{"CP936"};
+        Page traditionalChinese{"CP950"};
+    };
+    static Immortal<Pages> pages;
+    switch (codePage) {
+        case 0:
+            return &pages.get().western;
+        case 936:
+            return &pages.get().simplifiedChinese;
+        case 950:
+            return &pages.get().traditionalChinese;
+        default:
+            return nullptr;
+    }
+}
+
+// --- ASCII runs, which are the same in every page ------------------------------------------------
+
+constexpr std::size_t kChunk = 16;
+
+// Copies bytes below 128 as units, at most `most`; their number.
+std::size_t widenAscii(const unsigned char* in, std::size_t most, char16_t* out) {
+    std::size_t done = 0;
+    for (; most - done >= kChunk; done += kChunk) {
+        std::array<std::uint64_t, 2> words;
+        std::array<unsigned char, kChunk> bytes;
+        std::array<char16_t, kChunk> units;
+        std::memcpy(words.data(), in + done, kChunk);
+        if (((words[0] | words[1]) & 0x8080808080808080U) != 0) break;
+        std::memcpy(bytes.data(), in + done, kChunk);
+        for (std::size_t i = 0; i < kChunk; ++i) units[i] = bytes[i];
+        std::memcpy(out + done, units.data(), sizeof units);
+    }
+    for (; done < most && in[done] < 0x80; ++done) out[done] = in[done];
+    return done;
+}
+
+std::size_t narrowAscii(const char16_t* in, std::size_t most, char* out) {
+    std::size_t done = 0;
+    for (; most - done >= kChunk; done += kChunk) {
+        std::array<std::uint64_t, 4> words;
+        std::array<std::uint16_t, kChunk> units;
+        std::array<char, kChunk> bytes;
+        std::memcpy(words.data(), in + done, sizeof words);
+        if (((words[0] | words[1] | words[2] | words[3]) & 0xFF80FF80FF80FF80U) != 0) break;
+        std::memcpy(units.data(), in + done, sizeof units);
+        for (std::size_t i = 0; i < kChunk; ++i) bytes[i] = static_cast<char>(units[i] & 0x7F);
+        std::memcpy(out + done, bytes.data(), kChunk);
+    }
+    for (; done < most && in[done] < 0x80; ++done) out[done] = static_cast<char>(in[done]);
+    return done;
+}
+
+// --- UTF-8 ---------------------------------------------------------------------------------------
+
+// The size of the character at `in` and its code point; 0 for what is none (RFC 3629: overlong
+// forms, surrogates and what lies past U+10FFFF are none).
+std::uint32_t utf8Character(const unsigned char* in, std::size_t length, std::uint32_t& point) {
+    const std::uint32_t first = in[0];
+    const auto follows = [in](std::size_t at) { return (in[at] & 0xC0) == 0x80; };
+    if (first < 0x80) {
+        point = first;
+        return 1;
+    }
+    if (first >= 0xC2 && first < 0xE0 && length >= 2 && follows(1)) {
+        point = (first & 0x1F) << 6 | (in[1] & 0x3FU);
+        return 2;
+    }
+    if (first >= 0xE0 && first < 0xF0 && length >= 3 && follows(1) && follows(2)) {
+        point = (first & 0x0F) << 12 | (in[1] & 0x3FU) << 6 | (in[2] & 0x3FU);
+        return point < 0x800 || (point >= 0xD800 && point < 0xE000) ? 0 : 3;
+    }
+    if (first >= 0xF0 && first < 0xF5 && length >= 4 && follows(1) && follows(2) && follows(3)) {
+        point =
+            (first & 0x07) << 18 | (in[1] & 0x3FU) << 12 | (in[2] & 0x3FU) << 6 | (in[3] & 0x3FU);
+        return point < 0x10000 || point > 0x10FFFF ? 0 : 4;
     }
     return 0;
+}
+
+CodePageResult decodeUtf8(const unsigned char* in, std::uint32_t length, char16_t* out,
+                          std::uint32_t room) {
+    std::uint32_t at = 0;
+    std::uint32_t count = 0;
+    while (at < length) {
+        if (in[at] < 0x80) {
+            const std::size_t run =
+                widenAscii(in + at, std::min(length - at, room - count), out + count);
+            if (run == 0) return failed(CodePageFailure::kNoRoom);
+            at += static_cast<std::uint32_t>(run);
+            count += static_cast<std::uint32_t>(run);
+            continue;
+        }
+        std::uint32_t point = 0;
+        const std::uint32_t size = utf8Character(in + at, length - at, point);
+        if (size == 0) return failed(CodePageFailure::kInvalid);
+        if (room - count < (size == 4 ? 2U : 1U)) return failed(CodePageFailure::kNoRoom);
+        if (size == 4) {
+            out[count++] = static_cast<char16_t>(0xD7C0 + (point >> 10));
+            out[count++] = static_cast<char16_t>(0xDC00 + (point & 0x3FF));
+        } else {
+            out[count++] = static_cast<char16_t>(point);
+        }
+        at += size;
+    }
+    return {count, CodePageFailure::kNone};
 }
 
 bool isPair(const char16_t* in, std::size_t count) {
     return count > 1 && (in[0] & 0xFC00) == 0xD800 && (in[1] & 0xFC00) == 0xDC00;
 }
 
-// The number of units before the first tag character (U+E0000 to U+E007F, as in some flags): what a
-// set lacks of these iconv drops without a word, where it refuses every other character.
-std::size_t unitsBeforeTag(const char16_t* in, std::size_t count) {
-    for (std::size_t i = 0; i + 1 < count; ++i) {
-        if (in[i] == 0xDB40 && (in[i + 1] & 0xFF80) == 0xDC00) return i;
+CodePageResult encodeUtf8(const char16_t* in, std::uint32_t count, char* out, std::uint32_t room) {
+    std::uint32_t at = 0;
+    std::uint32_t size = 0;
+    const auto put = [&](std::uint32_t byte) { out[size++] = static_cast<char>(byte); };
+    while (at < count) {
+        const std::uint32_t unit = in[at];
+        if (unit < 0x80) {
+            const std::size_t run =
+                narrowAscii(in + at, std::min(count - at, room - size), out + size);
+            if (run == 0) return failed(CodePageFailure::kNoRoom);
+            at += static_cast<std::uint32_t>(run);
+            size += static_cast<std::uint32_t>(run);
+            continue;
+        }
+        const bool pair = isPair(in + at, count - at);
+        const bool lone = !pair && unit >= 0xD800 && unit < 0xE000;
+        const std::uint32_t needed = lone ? 1 : unit < 0x800 ? 2 : pair ? 4 : 3;
+        if (room - size < needed) return failed(CodePageFailure::kNoRoom);
+        if (lone) {
+            put('?');
+        } else if (pair) {
+            const std::uint32_t point = ((unit - 0xD7C0) << 10) + (in[at + 1] - 0xDC00U);
+            put(0xF0 | point >> 18);
+            put(0x80 | (point >> 12 & 0x3F));
+            put(0x80 | (point >> 6 & 0x3F));
+            put(0x80 | (point & 0x3F));
+        } else if (unit < 0x800) {
+            put(0xC0 | unit >> 6);
+            put(0x80 | (unit & 0x3F));
+        } else {
+            put(0xE0 | unit >> 12);
+            put(0x80 | (unit >> 6 & 0x3F));
+            put(0x80 | (unit & 0x3F));
+        }
+        at += pair ? 2 : 1;
     }
-    return count;
+    return {size, CodePageFailure::kNone};
+}
+
+// --- Pages with tables ---------------------------------------------------------------------------
+
+// The size of the character at `in` and its unit; 0 for what is none.
+std::uint32_t pageCharacter(Page& page, const Rows<char16_t>::Row& singles, const unsigned char* in,
+                            std::size_t length, char16_t& unit) {
+    unit = singles[in[0]];
+    if (unit != 0 || in[0] == 0) return 1;
+    const auto* row = length > 1 ? page.pairs(in[0]) : nullptr;
+    unit = row != nullptr ? (*row)[in[1]] : char16_t{0};
+    return unit != 0 ? 2 : 0;
+}
+
+CodePageResult decodePage(Page& page, const unsigned char* in, std::uint32_t length, char16_t* out,
+                          std::uint32_t room) {
+    const auto* singles = page.singles();
+    if (singles == nullptr) return failed(CodePageFailure::kOther);
+    std::uint32_t at = 0;
+    std::uint32_t count = 0;
+    while (at < length) {
+        if (count == room) return failed(CodePageFailure::kNoRoom);
+        if (in[at] < 0x80) {
+            const std::size_t run =
+                widenAscii(in + at, std::min(length - at, room - count), out + count);
+            at += static_cast<std::uint32_t>(run);
+            count += static_cast<std::uint32_t>(run);
+            continue;
+        }
+        const std::uint32_t size = pageCharacter(page, *singles, in + at, length - at, out[count]);
+        if (size == 0) return failed(CodePageFailure::kInvalid);
+        at += size;
+        ++count;
+    }
+    return {count, CodePageFailure::kNone};
+}
+
+CodePageResult encodePage(Page& page, const char16_t* in, std::uint32_t count, char* out,
+                          std::uint32_t room) {
+    std::uint32_t at = 0;
+    std::uint32_t size = 0;
+    while (at < count) {
+        const std::uint32_t unit = in[at];
+        if (unit < 0x80) {
+            const std::size_t run =
+                narrowAscii(in + at, std::min(count - at, room - size), out + size);
+            if (run == 0) return failed(CodePageFailure::kNoRoom);
+            at += static_cast<std::uint32_t>(run);
+            size += static_cast<std::uint32_t>(run);
+            continue;
+        }
+        const auto* row = page.codes(unit >> 8);
+        if (row == nullptr) return failed(CodePageFailure::kOther);
+        // Each half of a pair is replaced: no page here has characters past U+FFFF.
+        const std::uint32_t code = (*row)[unit & 0xFF] != 0 ? (*row)[unit & 0xFF] : '?';
+        if (room - size < (code > 0xFF ? 2U : 1U)) return failed(CodePageFailure::kNoRoom);
+        if (code > 0xFF) out[size++] = static_cast<char>(code >> 8);
+        out[size++] = static_cast<char>(code & 0xFF);
+        ++at;
+    }
+    return {size, CodePageFailure::kNone};
 }
 
 }  // namespace
@@ -127,62 +359,33 @@ bool codePagesAvailable() noexcept {
 
 CodePageResult decodeCodePage(std::uint32_t codePage, const char* in, std::uint32_t length,
                               char16_t* out, std::uint32_t room) noexcept {
-    iconv_t decoder = descriptors().decoder(codePage);
-    if (decoder == noDescriptor()) return failed(CodePageFailure::kOther);
-    char* from = const_cast<char*>(in);
-    std::size_t left = length;
-    char* to = reinterpret_cast<char*>(out);
-    std::size_t roomLeft = std::size_t{room} * sizeof(char16_t);
-    if (iconv(decoder, &from, &left, &to, &roomLeft) == kFailed) {
-        if (errno == E2BIG) return failed(CodePageFailure::kNoRoom);
-        return failed(errno == EILSEQ || errno == EINVAL ? CodePageFailure::kInvalid
-                                                         : CodePageFailure::kOther);
-    }
-    return {room - static_cast<std::uint32_t>(roomLeft / sizeof(char16_t)), CodePageFailure::kNone};
+    const auto* bytes = reinterpret_cast<const unsigned char*>(in);
+    if (codePage == kUtf8) return decodeUtf8(bytes, length, out, room);
+    Page* page = pageOf(codePage);
+    if (page == nullptr) return failed(CodePageFailure::kOther);
+    return decodePage(*page, bytes, length, out, room);
 }
 
 CodePageResult encodeCodePage(std::uint32_t codePage, const char16_t* in, std::uint32_t count,
                               char* out, std::uint32_t room) noexcept {
-    iconv_t encoder = descriptors().encoder(codePage);
-    if (encoder == noDescriptor()) return failed(CodePageFailure::kOther);
-    std::size_t done = 0;  // units
-    std::size_t slice = count;
-    char* to = out;
-    std::size_t roomLeft = room;
-    while (done < count) {
-        std::size_t offered = std::min(slice, count - done);
-        if (codePage != kUtf8) offered = unitsBeforeTag(in + done, offered);
-        if (offered != 0) {
-            char* from = reinterpret_cast<char*>(const_cast<char16_t*>(in + done));
-            std::size_t left = offered * sizeof(char16_t);
-            const bool converted = iconv(encoder, &from, &left, &to, &roomLeft) != kFailed;
-            const int error = errno;
-            const std::size_t taken = offered - left / sizeof(char16_t);
-            done += taken;
-            if (converted) {
-                slice *= 2;
-                continue;
-            }
-            if (error == E2BIG) return failed(CodePageFailure::kNoRoom);
-            if (error != EILSEQ && error != EINVAL) return failed(CodePageFailure::kOther);
-            // A slice that ends between the halves of a pair: the next one begins with the pair.
-            if (error == EINVAL && taken != 0 && done < count - 1) continue;
-        }
-        const std::size_t units = isPair(in + done, count - done) ? 2 : 1;
-        if (roomLeft < units) return failed(CodePageFailure::kNoRoom);
-        std::fill_n(to, units, '?');
-        to += units;
-        roomLeft -= units;
-        done += units;
-        slice = kFirstSlice;
-    }
-    return {room - static_cast<std::uint32_t>(roomLeft), CodePageFailure::kNone};
+    if (codePage == kUtf8) return encodeUtf8(in, count, out, room);
+    Page* page = pageOf(codePage);
+    if (page == nullptr) return failed(CodePageFailure::kOther);
+    return encodePage(*page, in, count, out, room);
 }
 
 std::uint32_t undecodablePrefix(std::uint32_t codePage, const char* in,
                                 std::uint32_t length) noexcept {
-    iconv_t decoder = descriptors().decoder(codePage);
-    if (decoder == noDescriptor() || length < 2) return 1;
+    Page* page = pageOf(codePage);
+    const auto* singles = page != nullptr ? page->singles() : nullptr;
+    if ((singles == nullptr && codePage != kUtf8) || length < 2) return 1;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(in);
+    const auto characterSize = [&](std::uint32_t at) {
+        std::uint32_t point = 0;
+        char16_t unit = 0;
+        return page == nullptr ? utf8Character(bytes + at, length - at, point)
+                               : pageCharacter(*page, *singles, bytes + at, length - at, unit);
+    };
     // A decoding that reaches a position where an earlier one came past fails as that one did, so
     // no position is looked at twice.
     std::vector<bool> passed;
@@ -195,7 +398,7 @@ std::uint32_t undecodablePrefix(std::uint32_t codePage, const char* in,
         std::uint32_t at = start;
         while (at < length && !passed[at]) {
             passed[at] = true;
-            const std::uint32_t size = characterSize(decoder, in + at, length - at);
+            const std::uint32_t size = characterSize(at);
             if (size == 0) break;
             at += size;
         }
