@@ -139,24 +139,56 @@ constexpr FieldData split(std::uint32_t id) {
     return data;
 }
 
-template <typename Row>
-constexpr bool allResolve(std::span<const Row> rows) {
-    for (const Row& row : rows) {
-        FieldData data = split(row.id);
-        if (describe(data) != nullptr || data.name != row.name) return false;
+// --- Every field, described at compile time ------------------------------------------------------
+
+constexpr std::size_t kAccessTypes = 4;
+
+constexpr std::size_t fieldsOf(const FieldTables& tables, std::size_t access) {
+    switch (access) {
+        case FIELD_BASIC_PROPERTY:
+            return tables.basic.size();
+        case FIELD_MULTI_PROPERTY:
+            return tables.multi.size();
+        case FIELD_SUB_ITEM:
+            return tables.subItems.size();
+        default:
+            return tables.values.size();
     }
-    return true;
 }
 
-static_assert([] {
-    for (const FieldTables& tables : kTables) {
-        if (!allResolve(tables.basic) || !allResolve(tables.multi) ||
-            !allResolve(tables.subItems) || !allResolve(tables.values)) {
-            return false;
+// Where the fields of a record and access type begin in kFields, each type less 1; one more entry
+// for the end of the last.
+constexpr auto kFirstFields = [] {
+    std::array<std::uint16_t, kTables.size() * kAccessTypes + 1> first{};
+    for (std::size_t i = 0; i + 1 < first.size(); ++i) {
+        const std::size_t count = fieldsOf(kTables[i / kAccessTypes], i % kAccessTypes + 1);
+        first[i + 1] = static_cast<std::uint16_t>(first[i] + count);
+    }
+    return first;
+}();
+
+constexpr auto kFields = [] {
+    std::array<FieldData, kFirstFields.back()> fields{};
+    for (std::size_t i = 0; i + 1 < kFirstFields.size(); ++i) {
+        for (std::size_t at = kFirstFields[i]; at < kFirstFields[i + 1]; ++at) {
+            fields[at] = split(fieldId(static_cast<FieldRecordType>(i / kAccessTypes + 1),
+                                       static_cast<FieldAccessType>(i % kAccessTypes + 1),
+                                       at - kFirstFields[i]));
+            if (describe(fields[at]) != nullptr) throw "a field cannot be described";
         }
     }
-    return true;
-}());
+    return fields;
+}();
+
+// Null for an identifier that names no field.
+const FieldData* findField(std::uint32_t id) {
+    const std::uint32_t record = (id >> 28) - 1;
+    const std::uint32_t access = accessOf(id) - 1U;
+    if (record >= kTables.size() || access >= kAccessTypes) return nullptr;
+    const std::size_t type = record * kAccessTypes + access;
+    const std::size_t at = kFirstFields[type] + (id & kIndexMask);
+    return at < kFirstFields[type + 1] ? &kFields[at] : nullptr;
+}
 
 }  // namespace
 }  // namespace qel
@@ -165,14 +197,14 @@ int BxUtil_GetFieldDataByID(unsigned long fieldId, FieldData* out) {
     if (out == nullptr) {
         return BxTrace_Error_S(qel::kSourceName, __LINE__, "No field data", QEL_FAILED);
     }
-    FieldData data = qel::split(static_cast<std::uint32_t>(fieldId & 0xFFFFFFFF));
+    const auto id = static_cast<std::uint32_t>(fieldId & 0xFFFFFFFF);
+    if (const FieldData* field = qel::findField(id); field != nullptr) {
+        *out = *field;
+        return QEL_OK;
+    }
+    FieldData data = qel::split(id);
     out->accessType = data.accessType;
     out->recordType = data.recordType;
     out->fieldId = data.fieldId;
-    const char* problem = qel::describe(data);
-    if (problem != nullptr) {
-        return BxTrace_Error_S(qel::kSourceName, __LINE__, problem, QEL_FAILED);
-    }
-    *out = data;
-    return QEL_OK;
+    return BxTrace_Error_S(qel::kSourceName, __LINE__, qel::describe(data), QEL_FAILED);
 }

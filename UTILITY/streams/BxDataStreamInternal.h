@@ -3,6 +3,7 @@
 #define QEL_STREAMS_BXDATASTREAMINTERNAL_H
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstddef>
 #include <cstring>
@@ -53,6 +54,13 @@ constexpr int hexDigit(unsigned char c) {
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
     return -1;
 }
+
+constexpr auto kHexValues = [] {
+    std::array<signed char, 256> values{};
+    for (std::size_t c = 0; c < values.size(); ++c)
+        values[c] = static_cast<signed char>(hexDigit(static_cast<unsigned char>(c)));
+    return values;
+}();
 
 constexpr char kHexDigits[] = "0123456789abcdef";
 

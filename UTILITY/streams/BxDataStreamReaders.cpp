@@ -59,12 +59,14 @@ unsigned long long CBxDataStream::ReadNumber() {
         return ~0ULL;
     }
     unsigned long long value = 0;
-    for (const unsigned char* p = m_position; p < end && !qel::endsValue(*p); ++p) {
-        const int digit = qel::hexDigit(*p);
+    unsigned char* p = m_position;
+    for (; p < end && !qel::endsValue(*p); ++p) {
+        const int digit = qel::kHexValues[*p];
         if (digit < 0) throw static_cast<int>(QEL_MALFORMED);
         value = value << 4 | static_cast<unsigned>(digit);
     }
-    PassValue(ValueLength(__LINE__));
+    if (p >= end || p - m_position > INT_MAX) ValueLength(__LINE__);  // throws
+    m_position = *p == static_cast<unsigned char>(qel::kSeparator) ? p + 1 : p;
     return value;
 }
 

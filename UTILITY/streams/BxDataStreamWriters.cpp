@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -37,15 +38,19 @@ std::string encodedBytes(const unsigned char* data, long size) {
 // `bits` beyond the digits must be clear.
 void CBxDataStream::AddNumber(unsigned long long bits, int digits) {
     constexpr int kMostDigits = 16;
-    if (bits == ~0ULL >> (4 * (kMostDigits - digits))) {
-        char minus[] = "-";
-        AddToBuf(minus, 1);
-        return;
-    }
-    char text[kMostDigits];
-    int first = kMostDigits;
-    for (; bits != 0; bits >>= 4) text[--first] = qel::kHexDigits[bits & 0xF];
-    AddToBuf(text + first, kMostDigits - first);
+    const bool minusOne = bits == ~0ULL >> (4 * (kMostDigits - digits));
+    const int size = minusOne ? 1 : static_cast<int>(std::bit_width(bits) + 3) / 4;
+    // As AddToBuf, with the digits written where they belong.
+    GrowBuf(size + 2);
+    if (m_length > 0) *m_position++ = kSeparator;
+    unsigned char* const text = m_position;
+    unsigned char* const end = text + size;
+    if (minusOne) *text = '-';
+    for (unsigned char* p = end; !minusOne && p != text; bits >>= 4)
+        *--p = static_cast<unsigned char>(qel::kHexDigits[bits & 0xF]);
+    *end = 0;
+    m_position = end;
+    m_length += 1U + static_cast<unsigned int>(size);
 }
 
 void CBxDataStream::AddLong(long long value) {
