@@ -118,7 +118,8 @@ void addTexts() {
                    return ZQ_DateTimeToSeconds(text) == kSeconds && bySscanf(kText) == kSeconds &&
                           byHand(kText) == kSeconds && byLibical(kText) == kSeconds;
                })
-        .ours([] { benchmark::DoNotOptimize(ZQ_DateTimeToSeconds(text)); })
+        .ours(
+            [] { benchmark::DoNotOptimize(ZQ_DateTimeToSeconds(static_cast<const char*>(text))); })
         .peer("hand-written", [t = text] { benchmark::DoNotOptimize(byHand(t)); })
         .peer("sscanf", [] { benchmark::DoNotOptimize(bySscanf(text)); })
         .peer("libical", [] { benchmark::DoNotOptimize(byLibical(text)); });

@@ -34,6 +34,8 @@ inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
 // The list writers. They throw std::bad_alloc. Each appends one set of `rule` to `out`, its items
 // parted by `separator`.
 
+// The number alone.
+void RRule_AppendNumber(int value, std::string& out);
 // "SU" .. "SA" for each bit of byDay.
 void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator);
 // The positive days ascending, then the negative ones by ascending magnitude: "-1", but "1-" when

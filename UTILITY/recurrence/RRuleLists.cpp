@@ -1,5 +1,6 @@
 // The list writers that the rule writers share.
-#include <cstdio>
+#include <charconv>
+#include <iterator>
 
 #include "recurrence/RRuleInternal.h"
 
@@ -18,10 +19,10 @@ class ItemWriter {
         out_ += item;
     }
 
-    void number(const char* format, int value) {
-        char item[16];
-        std::snprintf(item, sizeof item, format, value);
-        text(item);
+    void number(int value, const char* before = "", const char* after = "") {
+        text(before);
+        RRule_AppendNumber(value, out_);
+        out_ += after;
     }
 
   private:
@@ -36,6 +37,11 @@ bool hasBit(unsigned long long set, int bit) {
 
 }  // namespace
 
+void RRule_AppendNumber(int value, std::string& out) {
+    char text[16];
+    out.append(text, std::to_chars(text, std::end(text), value).ptr);
+}
+
 void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 7; ++day) {
@@ -46,38 +52,39 @@ void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator
 void RRule_AppendMonthDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 31; ++day) {
-        if (hasBit(rule.byMonthDay, day)) items.number("%d", day);
+        if (hasBit(rule.byMonthDay, day)) items.number(day);
     }
-    const char* negative = separator == ' ' ? "%d-" : "-%d";
+    const bool trailing = separator == ' ';
     for (int day = 1; day <= 31; ++day) {
-        if (hasBit(rule.byMonthDayNeg, day)) items.number(negative, day);
+        if (hasBit(rule.byMonthDayNeg, day))
+            items.number(day, trailing ? "" : "-", trailing ? "-" : "");
     }
 }
 
 void RRule_AppendYearDays(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int day = 1; day <= 366; ++day) {
-        if (hasBit(rule.byYearDay[day / 64], day % 64)) items.number("%d", day);
+        if (hasBit(rule.byYearDay[day / 64], day % 64)) items.number(day);
     }
     for (int day = 1; day <= 366; ++day) {
-        if (hasBit(rule.byYearDayNeg[day / 64], day % 64)) items.number("-%d", day);
+        if (hasBit(rule.byYearDayNeg[day / 64], day % 64)) items.number(day, "-");
     }
 }
 
 void RRule_AppendWeekNumbers(const _rruleRepeat& rule, std::string& out) {
     ItemWriter items(out, ',');
     for (int week = 1; week <= 53; ++week) {
-        if (hasBit(rule.byWeekNo, week)) items.number("%d", week);
+        if (hasBit(rule.byWeekNo, week)) items.number(week);
     }
     for (int week = 1; week <= 53; ++week) {
-        if (hasBit(rule.byWeekNoNeg, week)) items.number("-%d", week);
+        if (hasBit(rule.byWeekNoNeg, week)) items.number(week, "-");
     }
 }
 
 void RRule_AppendMonths(const _rruleRepeat& rule, std::string& out, char separator) {
     ItemWriter items(out, separator);
     for (int month = 1; month <= 12; ++month) {
-        if (hasBit(rule.byMonth, month)) items.number("%d", month);
+        if (hasBit(rule.byMonth, month)) items.number(month);
     }
 }
 
@@ -85,7 +92,7 @@ void RRule_AppendSetPositions(const _rruleRepeat& rule, std::string& out) {
     ItemWriter items(out, ',');
     for (int slot = 0; slot < kPositionSlots; ++slot) {
         const short position = rule.setPos[slot];  // by value: a packed field may lie anywhere
-        if (position != 0) items.number("%d", position);
+        if (position != 0) items.number(position);
     }
 }
 

@@ -1,7 +1,6 @@
 // The readers of the positional and the iCalendar form. Both find the texts of a rule's fields and
 // hand them to one set of rules.
 #include <array>
-#include <optional>
 #include <string_view>
 
 #include "QelUtility/RRule.h"
@@ -156,7 +155,8 @@ constexpr std::array<std::string_view, kFields> kNames = {
 
 // Of a name that comes twice the first value counts, an empty one too.
 Fields namedFields(std::string_view text) {
-    std::array<std::optional<std::string_view>, kFields> found;
+    Fields fields;
+    unsigned found = 0;  // a bit for each field
     RRuleItems items(text, ';', RRuleItems::Empty::kDrop);
     std::string_view item;
     while (items.next(item)) {
@@ -164,12 +164,10 @@ Fields namedFields(std::string_view text) {
         if (equals == std::string_view::npos) continue;
         const std::string_view name = item.substr(0, equals);
         for (std::size_t field = 0; field < kFields; ++field) {
-            if (!found[field] && name == kNames[field]) found[field] = item.substr(equals + 1);
+            if ((found >> field & 1) != 0 || name != kNames[field]) continue;
+            found |= 1U << field;
+            fields[field] = item.substr(equals + 1);
         }
-    }
-    Fields fields;
-    for (std::size_t field = 0; field < kFields; ++field) {
-        fields[field] = found[field].value_or(std::string_view());
     }
     return fields;
 }

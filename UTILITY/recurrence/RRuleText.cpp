@@ -58,15 +58,19 @@ bool RRule_EqualNoCase(std::string_view a, std::string_view b) {
 }
 
 int RRule_DayOfCode(std::string_view text) {
+    if (text.size() != 2) return 0;
     for (int day = 1; day <= 7; ++day) {
-        if (text == kDayCodes[static_cast<std::size_t>(day)]) return day;
+        const char* code = kDayCodes[static_cast<std::size_t>(day)];
+        if (text[0] == code[0] && text[1] == code[1]) return day;
     }
     return 0;
 }
 
 int RRule_DayOfCodeNoCase(std::string_view text) {
+    if (text.size() != 2) return 0;
     for (int day = 1; day <= 7; ++day) {
-        if (RRule_EqualNoCase(text, kDayCodes[static_cast<std::size_t>(day)])) return day;
+        const char* code = kDayCodes[static_cast<std::size_t>(day)];
+        if (lower(text[0]) == lower(code[0]) && lower(text[1]) == lower(code[1])) return day;
     }
     return 0;
 }

@@ -1,5 +1,4 @@
 // The rule writers: iCalendar, vCalendar 1.0 and the positional form.
-#include <cstdio>
 #include <new>
 #include <string>
 
@@ -14,6 +13,7 @@ namespace {
 
 constexpr int kTimeLength = 8;  // "T000000Z"
 constexpr short kNoCount = -1;
+constexpr std::size_t kUsualLength = 120;  // of a rule's text
 
 // The BY-parts in the order in which both comma-separated forms hold them.
 struct Part {
@@ -46,10 +46,10 @@ bool has(const _rruleRepeat& rule, RRulePart part) {
     return (rule.type & part) != 0;
 }
 
-void appendNumber(std::string& out, const char* format, int value) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    out += text;
+void appendNumber(std::string& out, const char* before, int value, const char* after) {
+    out += before;
+    RRule_AppendNumber(value, out);
+    out += after;
 }
 
 // The first week start that is not the default Sunday, or null.
@@ -75,9 +75,9 @@ void appendV10Modifiers(const _rruleRepeat& rule, std::string& out) {
     if (has(rule, RRULE_TYPE_BYSETPOS)) {
         const int position = rule.setPos[0];
         if (position > 0) {
-            appendNumber(out, "%d+ ", position);
+            appendNumber(out, "", position, "+ ");
         } else {
-            appendNumber(out, "%d- ", -position);
+            appendNumber(out, "", -position, "- ");
         }
     }
     if (has(rule, RRULE_TYPE_BYDAY)) RRule_AppendDays(rule, out, ' ');
@@ -108,6 +108,7 @@ const char* deliver(VStr& out, Write write) {
     out.Empty();
     try {
         std::string text;
+        text.reserve(kUsualLength);
         const bool isRule = write(text);
         if (!text.empty()) out = text.c_str();
         return isRule && !out.IsEmpty() ? static_cast<const char*>(out) : nullptr;
@@ -123,9 +124,9 @@ bool writePositional(const _rruleRepeat& rule, std::string& out, bool withTime) 
     out += ';';
     if (rule.until >= 0) RRule_AppendUntil(rule.until, out, withTime);
     out += ';';
-    if (rule.until < 0 && rule.count != kNoCount) appendNumber(out, "%d", rule.count);
+    if (rule.until < 0 && rule.count != kNoCount) appendNumber(out, "", rule.count, "");
     out += ';';
-    appendNumber(out, "%d;", rule.interval);
+    appendNumber(out, "", rule.interval, ";");
     out += ";;;";  // BYSECOND, BYMINUTE and BYHOUR have no representation
     for (const Part& part : kParts) {
         if (has(rule, part.bit)) part.append(rule, out);
@@ -148,9 +149,9 @@ bool writeIETF(const _rruleRepeat* rule, std::string& out, bool withTime) {
         RRule_AppendUntil(rule->until, out, withTime);
         out += ';';
     } else if (rule->count > 0) {
-        appendNumber(out, "COUNT=%d;", rule->count);
+        appendNumber(out, "COUNT=", rule->count, ";");
     }
-    if (rule->interval > 0) appendNumber(out, "INTERVAL=%d;", rule->interval);
+    if (rule->interval > 0) appendNumber(out, "INTERVAL=", rule->interval, ";");
     for (const Part& part : kParts) {
         if (!has(*rule, part.bit)) continue;
         out += part.keyword;
@@ -166,14 +167,14 @@ bool writeV10(const _rruleRepeat* rule, std::string& out, bool withTime) {
     const char* code = rule != nullptr ? v10Code(*rule) : nullptr;
     if (code == nullptr) return false;
     out += code;
-    appendNumber(out, "%d ", rule->interval > 0 ? rule->interval : 1);
+    appendNumber(out, "", rule->interval > 0 ? rule->interval : 1, " ");
     appendV10Modifiers(*rule, out);
     if (out.back() != ' ') out += ' ';
     if (rule->until >= 0) {
         RRule_AppendUntil(rule->until, out, withTime);
     } else {
         // "#0" is vCalendar's form of a rule without end.
-        appendNumber(out, "#%d", rule->count >= 1 ? rule->count : 0);
+        appendNumber(out, "#", rule->count >= 1 ? rule->count : 0, "");
     }
     return true;
 }
