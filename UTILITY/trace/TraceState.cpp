@@ -143,10 +143,24 @@ Stamp makeStamp() noexcept {
         mine = last >> 32 == millisecond ? (millisecond << 32) | ((last + 1) & 0xFFFFFFFF)
                                          : millisecond << 32;
     } while (!lastStamp.compare_exchange_weak(last, mine, std::memory_order_relaxed));
+    // Digit by digit: a format would cost half of a line.
     Stamp stamp;
-    std::snprintf(stamp.text, sizeof stamp.text, "%02d/%02d %02d:%02d:%02d.%03d %03u", now.month,
-                  now.day, now.hour, now.minute, now.second, now.millisecond,
-                  static_cast<unsigned>(mine));
+    char* out = stamp.text;
+    const auto put = [&out](unsigned number, int width, char after) {
+        char digits[10];
+        int count = 0;
+        for (; number != 0 || count < width; number /= 10)
+            digits[count++] = static_cast<char>('0' + number % 10);
+        while (count != 0) *out++ = digits[--count];
+        *out++ = after;
+    };
+    put(static_cast<unsigned>(now.month), 2, '/');
+    put(static_cast<unsigned>(now.day), 2, ' ');
+    put(static_cast<unsigned>(now.hour), 2, ':');
+    put(static_cast<unsigned>(now.minute), 2, ':');
+    put(static_cast<unsigned>(now.second), 2, '.');
+    put(static_cast<unsigned>(now.millisecond), 3, ' ');
+    put(static_cast<unsigned>(mine), 3, '\0');
     return stamp;
 }
 
