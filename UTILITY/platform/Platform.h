@@ -204,6 +204,8 @@ enum class NameWhileOpen { kFree, kHeld };
                                        NameWhileOpen name = NameWhileOpen::kFree) noexcept;
 [[nodiscard]] std::FILE* openForRead(const char* path) noexcept;
 [[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
+// Whether two processes that append at the same moment never write over each other.
+[[nodiscard]] bool appendsAreAtomic() noexcept;
 
 [[nodiscard]] bool fileExists(const char* path) noexcept;
 // The size in bytes; -1 when the file cannot be examined.

@@ -119,8 +119,10 @@ int openEachTime(std::FILE** stream) {
     if (!logDirectoryWritable()) return -1;
     const char* log = qel::trace::activeLogPath();
     // From here to the close no other process rotates the log or writes to it. A lock that cannot
-    // be had in time is done without: appending is safe, only rotating is not.
-    const LockResult lock = w.lock.acquire(log, kAppendWaitMilliseconds);
+    // be had in time is done without where appending is safe; only rotating is not.
+    const bool safe = platform::appendsAreAtomic();
+    const LockResult lock = w.lock.acquire(log, safe ? kAppendWaitMilliseconds : kWaitMilliseconds);
+    if (lock == LockResult::kTimedOut && !safe) return -1;
     if (++w.opensSinceSizeCheck > kOpensBetweenSizeChecks && limitSize(log, lock))
         w.opensSinceSizeCheck = 0;
     std::FILE* opened = platform::openForAppend(log);

@@ -55,6 +55,10 @@ bool createDirectories(char* path) noexcept {
 
 }  // namespace
 
+bool appendsAreAtomic() noexcept {
+    return true;
+}
+
 bool isPathSeparator(char c) noexcept {
     return c == '/' || c == '\\';
 }

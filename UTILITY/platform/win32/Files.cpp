@@ -84,6 +84,15 @@ std::size_t directoryLength(const char* path) noexcept {
     return length;
 }
 
+// Windows finds the file's end and writes in one step; Wine takes two.
+bool appendsAreAtomic() noexcept {
+    static const bool windows = [] {
+        const HMODULE ntdll = GetModuleHandleA("ntdll.dll");
+        return ntdll == nullptr || GetProcAddress(ntdll, "wine_get_version") == nullptr;
+    }();
+    return windows;
+}
+
 std::FILE* openForAppend(const char* path, NameWhileOpen name) noexcept {
     const DWORD share = name == NameWhileOpen::kFree ? kShareAll : kShareAll & ~FILE_SHARE_DELETE;
     // With the right to append alone, every write goes to the file's end.
