@@ -13,9 +13,12 @@ bool weekdayInMonth(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date
     int last = 0;
     const int length = clampDay(31, month.month, month.year);
     if (!encode({month.year, month.month, length}, last)) return false;
-    const int back = weekdayOf(last) - repeat.dayOfWeek;
-    date = last - (back >= 0 ? back : back + 7);
-    const int week = WeekOfMonth(date);
+    int back = weekdayOf(last) - repeat.dayOfWeek;
+    if (back < 0) back += 7;
+    date = last - back;
+    // A weekday outside its range may lead out of the month.
+    const bool inMonth = back >= 0 && back < length;
+    const int week = inMonth ? (length - back - 1) / 7 + 1 : WeekOfMonth(date);
     if (repeat.weekOfMonth < week) date -= (week - repeat.weekOfMonth) * 7;
     return true;
 }
