@@ -73,7 +73,7 @@ TEST(Soak, MixedCallsHoldNoMoreFromRoundToRound) {
     const std::size_t memory = qel::test::memoryInUse();
     const std::size_t handles = qel::test::openHandles();
     runFor(length);
-    constexpr std::size_t kNoise = 4U << 20;  // of the allocator and of a sanitizer
+    [[maybe_unused]] constexpr std::size_t kNoise = 4U << 20;  // of the allocator
     std::printf("%llu runs; memory %zu KiB, then %zu KiB; handles %zu, then %zu\n", calls,
                 memory / 1024, qel::test::memoryInUse() / 1024, handles, qel::test::openHandles());
 #ifndef QEL_FUZZ_SANITIZED
