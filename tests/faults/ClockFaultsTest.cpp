@@ -31,7 +31,7 @@ int timespec_get(timespec* now, int base) noexcept {
 
 int clock_gettime(clockid_t clock, timespec* now) noexcept {
     if (syscall(SYS_clock_gettime, clock, now) != 0) return -1;
-    if (clock != CLOCK_MONOTONIC) return 0;
+    if (clock != CLOCK_MONOTONIC && clock != CLOCK_MONOTONIC_COARSE) return 0;
     const long long milliseconds = upMilliseconds + now->tv_nsec / 1000000;
     now->tv_sec += static_cast<std::time_t>(milliseconds / 1000);
     now->tv_nsec = static_cast<long>(milliseconds % 1000) * 1000000 + now->tv_nsec % 1000000;
