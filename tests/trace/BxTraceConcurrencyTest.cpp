@@ -211,7 +211,8 @@ TEST(BxTraceThreads, AThreadThatEndsInsideItsMessageBlocksNoOther) {
     EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "two", "lines"}));
 }
 
-// A log whose lock another holds is written to, but not rotated under the other's hands.
+// A log whose lock another holds is not rotated under the other's hands; it is written to where that
+// cannot harm the other's line, else the message is dropped.
 TEST(BxTraceThreads, ALockedLogIsNotRotated) {
     const FreshTrace trace({"MaxFileSize=1"});
     BxTrace_Trace00("before");
@@ -229,14 +230,16 @@ TEST(BxTraceThreads, ALockedLogIsNotRotated) {
         while (!done) qel::platform::sleepMilliseconds(1);
     });
     while (!held) qel::platform::sleepMilliseconds(1);
-    EXPECT_EQ(BxTrace_Trace00("appended"), 0);
+    std::vector<std::string> expected{"before"};
+    if (qel::platform::appendsAreAtomic()) expected.emplace_back("appended");
+    EXPECT_EQ(BxTrace_Trace00("appended"), expected.size() == 2 ? 0 : -1);
     EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), -1);
-    EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "appended"}));
+    EXPECT_EQ(trace.messages(), expected);
     done = true;
     holder.join();
     EXPECT_EQ(BxTrace_Trace00("rotated"), 0);
     EXPECT_EQ(trace.messages(), std::vector<std::string>{"rotated"});
-    EXPECT_EQ(trace.messages("trace.bk0"), (std::vector<std::string>{"before", "appended"}));
+    EXPECT_EQ(trace.messages("trace.bk0"), expected);
 }
 
 }  // namespace
