@@ -211,8 +211,8 @@ TEST(BxTraceThreads, AThreadThatEndsInsideItsMessageBlocksNoOther) {
     EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "two", "lines"}));
 }
 
-// A log whose lock another holds is not rotated under the other's hands; it is written to where that
-// cannot harm the other's line, else the message is dropped.
+// A log whose lock another holds is not rotated under the other's hands; it is written to where
+// that cannot harm the other's line, else the message is dropped.
 TEST(BxTraceThreads, ALockedLogIsNotRotated) {
     const FreshTrace trace({"MaxFileSize=1"});
     BxTrace_Trace00("before");
