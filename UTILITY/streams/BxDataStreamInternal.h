@@ -56,9 +56,9 @@ constexpr int hexDigit(unsigned char c) {
 }
 
 constexpr auto kHexValues = [] {
-    std::array<signed char, 256> values{};
+    std::array<short, 256> values{};
     for (std::size_t c = 0; c < values.size(); ++c)
-        values[c] = static_cast<signed char>(hexDigit(static_cast<unsigned char>(c)));
+        values[c] = static_cast<short>(hexDigit(static_cast<unsigned char>(c)));
     return values;
 }();
 
