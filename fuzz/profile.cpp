@@ -8,9 +8,10 @@
 using namespace qel::fuzz;
 
 QEL_FUZZ_TARGET(profile) {
-    static const std::string path = (std::filesystem::temp_directory_path() /
-                                     ("qel-fuzz-" + std::to_string(std::rand()) + ".opt"))
-                                        .string();
+    static const std::string path =
+        (std::filesystem::temp_directory_path() /
+         ("qel-fuzz-" + std::to_string(qel::platform::processId()) + ".opt"))
+            .string();
     const std::string key = "k" + in.line();
     const std::string value = in.line();
     {

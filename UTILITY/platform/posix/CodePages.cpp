@@ -106,8 +106,9 @@ class Page {
         const Descriptor decoder(kUtf16, name_);
         if (!decoder.isOpen()) return false;
         for (std::size_t byte = 0; byte < row.size(); ++byte) {
-            const unsigned char in[2] = {static_cast<unsigned char>(lead >= 0 ? lead : byte),
-                                         static_cast<unsigned char>(byte)};
+            const auto second = static_cast<unsigned char>(byte);
+            const unsigned char in[2] = {lead >= 0 ? static_cast<unsigned char>(lead) : second,
+                                         second};
             char16_t unit[2] = {};
             const bool one = decoder.convert(in, lead >= 0 ? 2 : 1, unit, sizeof unit) == 2;
             row[byte] = one ? unit[0] : char16_t{0};
