@@ -184,8 +184,8 @@ std::size_t lineBreakAt(const unsigned char* text, std::size_t length, std::size
 
 // What ends a run of bytes that are copied: "=" and the line breaks.
 constexpr auto kEndsRun = [] {
-    std::array<bool, 256> ends{};
-    ends['='] = ends['\r'] = ends['\n'] = true;
+    std::array<unsigned char, 256> ends{};
+    ends['='] = ends['\r'] = ends['\n'] = 1;
     return ends;
 }();
 
