@@ -283,4 +283,43 @@ TEST(RepeatTables, VCalendarRulesGiveTheirDates) {
     EXPECT_GE(tally.total("agree"), 11);
 }
 
+// A vCalendar 1.0 rule and the iCalendar rule that peers pair it with give the same rule record,
+// and so the same repeat record, or are refused alike.
+TEST(RepeatTables, RulePairsMakeTheSameRecord) {
+    auto rows = table("vcal10_ical_pairs.tsv");
+    if (rows.empty()) GTEST_SKIP() << "no public tables beside the checkout";
+    Tally tally;
+    for (Row& row : rows) {
+        SCOPED_TRACE(row["id"] + " " + row["vcal10_rule"] + " " + row["ical_rule"]);
+        _rruleRepeat rules[2];
+        if (BxUtil_PositionaltoRRULE(positional(row["ical_rule"]).c_str(), &rules[0], nullptr) !=
+            0) {
+            tally.add("no pair", "no iCalendar rule, or a sub-daily one");
+            continue;
+        }
+        ASSERT_EQ(BxUtil_PositionalV10toRRULE(row["vcal10_rule"].c_str(), &rules[1], nullptr), 0);
+        const std::string reason = row["vcal10_rule"].find(" 1200") != std::string::npos
+                                       ? "a time of day"
+                                       : misread(row["vcal10_rule"]);
+        tally.add(reason.empty() ? "agree" : "read otherwise",
+                  reason.empty() ? "the same record" : reason);
+        if (!reason.empty()) continue;
+        ZQTR_REPEAT repeats[2];
+        int results[2];
+        for (int i : {0, 1}) {
+            int flags = 0;
+            results[i] = toRepeat(rules[i], code(20020902), repeats[i], flags);
+            // "#0" is no count, and a part without members is none.
+            if (rules[i].count == 0) rules[i].count = -1;
+            rules[i].type = 0;
+            rules[i].wkst = RRULE_DAY_SU;
+        }
+        EXPECT_EQ(describe(rules[0]), describe(rules[1]));
+        EXPECT_EQ(results[0], results[1]);
+        EXPECT_EQ(describe(repeats[0]), describe(repeats[1]));
+    }
+    EXPECT_EQ(tally.print("vcal10_ical_pairs.tsv"), static_cast<int>(rows.size()));
+    EXPECT_GE(tally.total("agree"), 20);
+}
+
 }  // namespace
