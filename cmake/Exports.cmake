@@ -7,13 +7,7 @@
 # followed by a tab and its demangled form. A Windows library must also be one for 32-bit x86.
 cmake_minimum_required(VERSION 3.22)
 
-function(run_tool result)
-    execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE code)
-    if(NOT code EQUAL 0)
-        message(FATAL_ERROR "${ARGN} failed: ${err}")
-    endif()
-    set(${result} "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/RunTool.cmake)
 
 set(names "")
 if(PLATFORM STREQUAL "linux")

@@ -3,13 +3,7 @@
 #   cmake -DPLATFORM=linux|windows -DLIBRARY=FILE -DPROGRAM=FILE -DTOOL=readelf-or-objdump -P Hardening.cmake
 cmake_minimum_required(VERSION 3.22)
 
-function(run_tool result)
-    execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE out ERROR_VARIABLE err RESULT_VARIABLE code)
-    if(NOT code EQUAL 0)
-        message(FATAL_ERROR "${ARGN} failed: ${err}")
-    endif()
-    set(${result} "${out}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/RunTool.cmake)
 
 function(expect text pattern meaning)
     if(NOT text MATCHES "${pattern}")

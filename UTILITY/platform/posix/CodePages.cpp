@@ -1,159 +1,20 @@
-// Code pages through UTF-16: UTF-8 by hand, the others by tables that iconv(3) fills. A table's
-// rows are filled when a text first needs them, each once for the process.
-#include <iconv.h>
-
+// Code pages through UTF-16: UTF-8 by hand, the others by tables.
 #include <algorithm>
 #include <array>
-#include <atomic>
-#include <bit>
 #include <cstring>
-#include <mutex>
 #include <new>
 #include <vector>
 
-#include "platform/Immortal.h"
 #include "platform/Platform.h"
+#include "platform/posix/CodePageTables.h"
 
 namespace qel::platform {
 namespace {
 
-constexpr const char* kUtf16 = std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE";
 constexpr std::uint32_t kUtf8 = 65001;
 
 constexpr CodePageResult failed(CodePageFailure failure) {
     return {0, failure};
-}
-
-// An open iconv descriptor, or none.
-class Descriptor {
-  public:
-    Descriptor(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
-    ~Descriptor() {
-        if (isOpen()) iconv_close(descriptor_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] bool isOpen() const { return descriptor_ != reinterpret_cast<iconv_t>(-1); }
-
-    // Converts one character: the bytes written, or 0 when `size` bytes are not exactly one.
-    std::size_t convert(const void* in, std::size_t size, void* out, std::size_t room) const {
-        char* from = static_cast<char*>(const_cast<void*>(in));
-        char* to = static_cast<char*>(out);
-        const std::size_t roomBefore = room;
-        iconv(descriptor_, nullptr, nullptr, nullptr, nullptr);
-        const bool done = iconv(descriptor_, &from, &size, &to, &room) != std::size_t(-1);
-        return done && size == 0 ? roomBefore - room : 0;
-    }
-
-  private:
-    iconv_t descriptor_;
-};
-
-// Rows of 256 entries that are filled on demand, by any thread.
-template <typename Entry>
-class Rows {
-  public:
-    using Row = std::array<Entry, 256>;
-
-    // `fill(row)` gives false when it cannot; then, and only then, the result is null.
-    template <typename Fill>
-    const Row* row(std::size_t index, Fill fill) {
-        if (ready_[index].load(std::memory_order_acquire)) [[likely]]
-            return &rows_[index];
-        return filledRow(index, fill);
-    }
-
-  private:
-    template <typename Fill>
-    [[gnu::noinline]] const Row* filledRow(std::size_t index, Fill fill) {
-        const std::lock_guard<std::mutex> lock(filling_);
-        if (!ready_[index].load(std::memory_order_relaxed)) {
-            if (!fill(rows_[index])) return nullptr;
-            ready_[index].store(true, std::memory_order_release);
-        }
-        return &rows_[index];
-    }
-
-    std::mutex filling_;
-    std::array<std::atomic<bool>, 256> ready_{};
-    std::array<Row, 256> rows_{};
-};
-
-// A page whose characters have one byte or two, and one UTF-16 unit each. 0 stands for nothing,
-// except in the places of U+0000.
-class Page {
-  public:
-    explicit Page(const char* name) : name_(name) {}
-
-    // The units of the single bytes, or of the second bytes after `lead`; null when iconv has no
-    // memory or no such page.
-    const Rows<char16_t>::Row* singles() {
-        // Byte 0 begins no pair, so its row holds the single bytes.
-        return units_.row(0, [this](auto& row) { return fillUnits(-1, row); });
-    }
-    const Rows<char16_t>::Row* pairs(unsigned char lead) {
-        if (lead == 0) return nullptr;
-        return units_.row(lead, [this, lead](auto& row) { return fillUnits(lead, row); });
-    }
-    // The bytes of the units from `high` * 256 on: one below 256, else two with the lead on top.
-    const Rows<std::uint16_t>::Row* codes(std::size_t high) {
-        return codes_.row(high, [this, high](auto& row) { return fillCodes(high, row); });
-    }
-
-  private:
-    bool fillUnits(int lead, Rows<char16_t>::Row& row) const {
-        const Descriptor decoder(kUtf16, name_);
-        if (!decoder.isOpen()) return false;
-        for (std::size_t byte = 0; byte < row.size(); ++byte) {
-            const auto second = static_cast<unsigned char>(byte);
-            const unsigned char in[2] = {lead >= 0 ? static_cast<unsigned char>(lead) : second,
-                                         second};
-            char16_t unit[2] = {};
-            const bool one = decoder.convert(in, lead >= 0 ? 2 : 1, unit, sizeof unit) == 2;
-            row[byte] = one ? unit[0] : char16_t{0};
-        }
-        return true;
-    }
-
-    bool fillCodes(std::size_t high, Rows<std::uint16_t>::Row& row) const {
-        const Descriptor encoder(name_, kUtf16);
-        if (!encoder.isOpen()) return false;
-        for (std::size_t low = 0; low < row.size(); ++low) {
-            const auto unit = static_cast<char16_t>(high << 8 | low);
-            unsigned char out[4];
-            const std::size_t size = encoder.convert(&unit, sizeof unit, out, sizeof out);
-            row[low] = size == 1   ? out[0]
-                       : size == 2 ? static_cast<std::uint16_t>(out[0] << 8 | out[1])
-                                   : std::uint16_t{0};
-        }
-        return true;
-    }
-
-    const char* name_;
-    Rows<char16_t> units_;
-    Rows<std::uint16_t> codes_;
-};
-
-// Null for a page that has no table.
-Page* pageOf(std::uint32_t codePage) {
-    // Not destroyed: other objects' destructors may still convert.
-    struct Pages {
-        Page western{"CP1252"};
-        Page simplifiedChinese{"CP936"};
-        Page traditionalChinese{"CP950"};
-    };
-    static Immortal<Pages> pages;
-    switch (codePage) {
-        case 0:
-            return &pages.get().western;
-        case 936:
-            return &pages.get().simplifiedChinese;
-        case 950:
-            return &pages.get().traditionalChinese;
-        default:
-            return nullptr;
-    }
 }
 
 // --- ASCII runs, which are the same in every page ------------------------------------------------
@@ -193,6 +54,18 @@ std::size_t narrowAscii(const char16_t* in, std::size_t most, char* out) {
     return done;
 }
 
+// Takes the run at in[at] over to out[size] with one of the two and moves both on. False where
+// there is no room for its first character. REQUIRES: in[at] below 128
+template <auto copyAscii, typename In, typename Out>
+bool passAscii(const In* in, std::uint32_t count, std::uint32_t& at, Out* out, std::uint32_t room,
+               std::uint32_t& size) {
+    const auto run = static_cast<std::uint32_t>(
+        copyAscii(in + at, std::min(count - at, room - size), out + size));
+    at += run;
+    size += run;
+    return run != 0;
+}
+
 // --- UTF-8 ---------------------------------------------------------------------------------------
 
 // The size of the character at `in` and its code point; 0 for what is none (RFC 3629: overlong
@@ -226,11 +99,8 @@ CodePageResult decodeUtf8(const unsigned char* in, std::uint32_t length, char16_
     std::uint32_t count = 0;
     while (at < length) {
         if (in[at] < 0x80) {
-            const std::size_t run =
-                widenAscii(in + at, std::min(length - at, room - count), out + count);
-            if (run == 0) return failed(CodePageFailure::kNoRoom);
-            at += static_cast<std::uint32_t>(run);
-            count += static_cast<std::uint32_t>(run);
+            if (!passAscii<widenAscii>(in, length, at, out, room, count))
+                return failed(CodePageFailure::kNoRoom);
             continue;
         }
         std::uint32_t point = 0;
@@ -259,11 +129,8 @@ CodePageResult encodeUtf8(const char16_t* in, std::uint32_t count, char* out, st
     while (at < count) {
         const std::uint32_t unit = in[at];
         if (unit < 0x80) {
-            const std::size_t run =
-                narrowAscii(in + at, std::min(count - at, room - size), out + size);
-            if (run == 0) return failed(CodePageFailure::kNoRoom);
-            at += static_cast<std::uint32_t>(run);
-            size += static_cast<std::uint32_t>(run);
+            if (!passAscii<narrowAscii>(in, count, at, out, room, size))
+                return failed(CodePageFailure::kNoRoom);
             continue;
         }
         const bool pair = isPair(in + at, count - at);
@@ -312,10 +179,8 @@ CodePageResult decodePage(Page& page, const unsigned char* in, std::uint32_t len
     while (at < length) {
         if (count == room) return failed(CodePageFailure::kNoRoom);
         if (in[at] < 0x80) {
-            const std::size_t run =
-                widenAscii(in + at, std::min(length - at, room - count), out + count);
-            at += static_cast<std::uint32_t>(run);
-            count += static_cast<std::uint32_t>(run);
+            if (!passAscii<widenAscii>(in, length, at, out, room, count))
+                return failed(CodePageFailure::kNoRoom);
             continue;
         }
         const std::uint32_t size = pageCharacter(page, *singles, in + at, length - at, out[count]);
@@ -333,11 +198,8 @@ CodePageResult encodePage(Page& page, const char16_t* in, std::uint32_t count, c
     while (at < count) {
         const std::uint32_t unit = in[at];
         if (unit < 0x80) {
-            const std::size_t run =
-                narrowAscii(in + at, std::min(count - at, room - size), out + size);
-            if (run == 0) return failed(CodePageFailure::kNoRoom);
-            at += static_cast<std::uint32_t>(run);
-            size += static_cast<std::uint32_t>(run);
+            if (!passAscii<narrowAscii>(in, count, at, out, room, size))
+                return failed(CodePageFailure::kNoRoom);
             continue;
         }
         const auto* row = page.codes(unit >> 8);
