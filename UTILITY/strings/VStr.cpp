@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <new>
 
 #include "platform/Platform.h"
 #include "strings/VStrInternal.h"
@@ -330,4 +331,21 @@ const VStr& VStr::operator+=(const char* s) {
 const VStr& VStr::operator+=(char c) {
     const char text[2] = {c, '\0'};
     return Catstr(text);
+}
+
+VStr* QELUTILITY_CALL VStr_Create(const char* text) {
+    VStr* string = new (std::nothrow) VStr(text);
+    if (string != nullptr && string->IsEmpty() && text != nullptr && text[0] != '\0') {
+        delete string;
+        string = nullptr;
+    }
+    return string;
+}
+
+const char* QELUTILITY_CALL VStr_Text(const VStr* string) {
+    return string == nullptr ? emptyText : static_cast<const char*>(*string);
+}
+
+void QELUTILITY_CALL VStr_Destroy(VStr* string) {
+    delete string;
 }
