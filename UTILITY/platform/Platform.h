@@ -202,6 +202,11 @@ extern const char kPathSeparator;
 enum class NameWhileOpen { kFree, kHeld };
 [[nodiscard]] std::FILE* openForAppend(const char* path,
                                        NameWhileOpen name = NameWhileOpen::kFree) noexcept;
+// As openForAppend with kFree, for a few writes and a close: `size` is the file's size at that
+// moment, -1 when it is not known, and the stream has no position to ask for or to change.
+[[nodiscard]] std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept;
+// Whether what such a stream holds in its buffer reaches the file in one write.
+[[nodiscard]] bool messagesAreWhole() noexcept;
 [[nodiscard]] std::FILE* openForRead(const char* path) noexcept;
 [[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
 // Whether two processes that append at the same moment never write over each other.

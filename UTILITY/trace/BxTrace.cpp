@@ -22,6 +22,8 @@ using qel::trace::WriterLock;
 
 constexpr std::size_t kFormatRoom = 100000;
 constexpr std::size_t kTrace1Room = 4096;
+constexpr std::size_t kPrefixRoom = 72;  // "[", 8 digits, "] ", a stamp, ": "
+static_assert(kPrefixRoom >= 13 + sizeof(qel::trace::Stamp::text));
 
 void showFailure(const char* text) {
     const auto options = static_cast<std::uint32_t>(settings().tracingOptions.load());
@@ -49,12 +51,22 @@ struct Sink {
             written += static_cast<std::int64_t>(length);
         }
     }
+    // "[%4.4X] %s: " with the thread and a stamp.
     void putPrefix() {
-        char prefix[72];
-        const int length = std::snprintf(
-            prefix, sizeof prefix, "[%4.4X] %s: ", static_cast<unsigned>(qel::platform::threadId()),
-            qel::trace::makeStamp().text);
-        put(prefix, static_cast<std::size_t>(length));
+        char prefix[kPrefixRoom];
+        char digits[8];
+        int count = 0;
+        for (std::uint32_t rest = qel::platform::threadId(); rest != 0 || count < 4; rest >>= 4)
+            digits[count++] = "0123456789ABCDEF"[rest & 15];
+        char* out = prefix;
+        *out++ = '[';
+        while (count != 0) *out++ = digits[--count];
+        *out++ = ']';
+        *out++ = ' ';
+        out = qel::trace::putStamp(out);
+        *out++ = ':';
+        *out++ = ' ';
+        put(prefix, static_cast<std::size_t>(out - prefix));
     }
 };
 
@@ -69,8 +81,19 @@ int writeSyncMLBlock(const char* text, bool input, std::FILE* stream) {
     return std::ferror(stream) == 0 ? 0 : -1;
 }
 
+// How many bytes a message takes in the log at most: its text, and a prefix and a line end for each
+// of its lines.
+std::size_t roomFor(const char* text) {
+    const std::size_t length = std::strlen(text);
+    // A short text fits wherever there is room for it with nothing but line ends.
+    const auto lines =
+        length < 256 ? static_cast<std::ptrdiff_t>(length) : std::count(text, text + length, '\n');
+    return length + (static_cast<std::size_t>(lines) + 1) * (kPrefixRoom + 1);
+}
+
 // Writes one message to the log that is active; `opened` says whether there was one.
 int writeMessage(const char* text, std::uint32_t mask, bool& opened) {
+    writer().messageRoom = roomFor(text);
     std::FILE* stream = nullptr;
     opened = OpenLogFile(&stream) == 0;
     if (!opened) return -1;

@@ -18,10 +18,11 @@ using qel::trace::writer;
 using qel::trace::WriterLock;
 namespace platform = qel::platform;
 
-constexpr int kMostBackups = 16;              // one hexadecimal digit
-constexpr int kOpensBetweenSizeChecks = 500;  // asking for the size each time would cost too much
-constexpr long kShortestBannered = 20;        // bytes; a shorter log has no banner yet
+constexpr int kMostBackups = 16;                // one hexadecimal digit
+constexpr int kOpensBetweenSizeChecks = 500;    // asking for the size each time would cost too much
+constexpr std::int64_t kShortestBannered = 20;  // bytes; a shorter log has no banner yet
 constexpr std::size_t kStreamBuffer = 32768;
+constexpr std::size_t kBannerRoom = 4096;  // more than all that goes before the message itself
 
 // How long a message waits for the log's lock. Short, because it is written without the lock too,
 // and because the process's other threads wait meanwhile.
@@ -113,27 +114,49 @@ bool limitSize(const char* log, LockResult lock) {
     return true;
 }
 
+// Gives the stream a buffer that holds the whole message, so that it reaches the log in one write,
+// with no other process's lines in the middle. Without memory for a long one it goes in pieces.
+void bufferMessage(std::FILE* stream) {
+    Writer& w = writer();
+    char* buffer = streamBuffer;
+    std::size_t room = kStreamBuffer;
+    if (w.messageRoom > kStreamBuffer - kBannerRoom) {
+        w.longBuffer = static_cast<char*>(std::malloc(w.messageRoom + kBannerRoom));
+        if (w.longBuffer != nullptr) {
+            buffer = w.longBuffer;
+            room = w.messageRoom + kBannerRoom;
+        }
+    }
+    std::setvbuf(stream, buffer, _IOFBF, room);
+}
+
 int openEachTime(std::FILE** stream) {
     Writer& w = writer();
     if (qel::trace::retroSize() >= 1) return 0;
     if (!logDirectoryWritable()) return -1;
     const char* log = qel::trace::activeLogPath();
-    // From here to the close no other process rotates the log or writes to it. A lock that cannot
-    // be had in time is done without where appending is safe; only rotating is not.
-    const bool safe = platform::appendsAreAtomic();
-    const LockResult lock = w.lock.acquire(log, safe ? kAppendWaitMilliseconds : kWaitMilliseconds);
-    if (lock == LockResult::kTimedOut && !safe) return -1;
-    if (++w.opensSinceSizeCheck > kOpensBetweenSizeChecks && limitSize(log, lock))
-        w.opensSinceSizeCheck = 0;
-    std::FILE* opened = platform::openForAppend(log);
+    const bool sizeDue = ++w.opensSinceSizeCheck > kOpensBetweenSizeChecks;
+    // A message that is one write lands whole at the log's end, wherever the log has been renamed
+    // to by then; only who rotates or begins a log makes the others wait. Elsewhere each message
+    // takes the lock, and goes without it where appending is safe.
+    if (sizeDue || !platform::messagesAreWhole()) {
+        const bool safe = platform::appendsAreAtomic();
+        const LockResult lock =
+            w.lock.acquire(log, safe ? kAppendWaitMilliseconds : kWaitMilliseconds);
+        if (lock == LockResult::kTimedOut && !safe) return -1;
+        if (sizeDue && limitSize(log, lock)) w.opensSinceSizeCheck = 0;
+    }
+    std::int64_t length = -1;
+    std::FILE* opened = platform::openForMessage(log, &length);
     if (opened == nullptr) {
         ++w.failedOpens;
         w.lock.release();
         return -1;
     }
-    std::setvbuf(opened, streamBuffer, _IOFBF, sizeof streamBuffer);
-    long length = -1;
-    if (std::fseek(opened, 0, SEEK_END) == 0) length = std::ftell(opened);
+    bufferMessage(opened);
+    if (length < kShortestBannered && !w.lock.held() &&
+        w.lock.acquire(log, kAppendWaitMilliseconds) == LockResult::kLocked)
+        length = platform::fileSize(log);  // another process may have begun the log meanwhile
     if (length < kShortestBannered || w.firstBanner) {
         w.firstBanner = false;
         writeBanner(opened);
@@ -189,10 +212,15 @@ int openOrReuseKept(std::FILE** stream) {
     Writer& w = writer();
     if (w.keptStream != nullptr && w.keptSize != -1 && w.keptSize >= settings().maxFileSize)
         closeKept();
-    if (w.keptStream != nullptr && !platform::stillNamed(w.keptStream, w.keptPath)) {
-        // Someone has renamed or removed the log; what is written to it now would be lost.
-        closeKept();
-        w.keptSize = -1;
+    // Someone may have renamed or removed the log. Asked once in a tick: until the next one, what
+    // is written shares the fate of what was written just before.
+    const std::uint32_t now = qel::trace::ticks();
+    if (w.keptStream != nullptr && now != w.keptChecked) {
+        w.keptChecked = now;
+        if (!platform::stillNamed(w.keptStream, w.keptPath)) {
+            closeKept();
+            w.keptSize = -1;
+        }
     }
     if (w.keptStream == nullptr && openKept() != 0) return -1;
     *stream = w.keptStream;
@@ -212,7 +240,10 @@ int BxTrace_CloseLogFile(std::FILE* stream) {
     if (stream == nullptr || settings().keepLogFileOpen != 0) return 0;
     const bool written = std::ferror(stream) == 0;
     const bool closed = std::fclose(stream) == 0;
-    writer().lock.release();
+    Writer& w = writer();
+    std::free(w.longBuffer);
+    w.longBuffer = nullptr;
+    w.lock.release();
     return written && closed ? 0 : -1;
 }
 

@@ -43,6 +43,7 @@ void BxTrace_FlushRetroBuffers() {
     if (!lock || qel::trace::retroSize() <= 0) return;
     Writer& w = writer();
     w.flushing = true;
+    w.messageRoom = 2 * static_cast<std::size_t>(qel::trace::settings().retroBufferSize) + 2;
     std::FILE* stream = nullptr;
     if (OpenLogFile(&stream) == 0) {
         writeOut(w.retro[static_cast<std::size_t>(1 - w.retroCurrent)], stream);

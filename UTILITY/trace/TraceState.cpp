@@ -134,7 +134,7 @@ const char* activeLogPath() noexcept {
     return redirected != nullptr ? redirected : path(Path::kLog);
 }
 
-Stamp makeStamp() noexcept {
+char* putStamp(char* out) noexcept {
     const platform::LocalClock now = platform::localClock();
     const auto millisecond = static_cast<std::uint64_t>(now.millisecond);
     std::uint64_t last = lastStamp.load(std::memory_order_relaxed);
@@ -144,23 +144,30 @@ Stamp makeStamp() noexcept {
                                          : millisecond << 32;
     } while (!lastStamp.compare_exchange_weak(last, mine, std::memory_order_relaxed));
     // Digit by digit: a format would cost half of a line.
-    Stamp stamp;
-    char* out = stamp.text;
-    const auto put = [&out](unsigned number, int width, char after) {
-        char digits[10];
-        int count = 0;
-        for (; number != 0 || count < width; number /= 10)
-            digits[count++] = static_cast<char>('0' + number % 10);
-        while (count != 0) *out++ = digits[--count];
+    const auto put2 = [&out](int number, char after) {
+        *out++ = static_cast<char>('0' + number / 10);
+        *out++ = static_cast<char>('0' + number % 10);
         *out++ = after;
     };
-    put(static_cast<unsigned>(now.month), 2, '/');
-    put(static_cast<unsigned>(now.day), 2, ' ');
-    put(static_cast<unsigned>(now.hour), 2, ':');
-    put(static_cast<unsigned>(now.minute), 2, ':');
-    put(static_cast<unsigned>(now.second), 2, '.');
-    put(static_cast<unsigned>(now.millisecond), 3, ' ');
-    put(static_cast<unsigned>(mine), 3, '\0');
+    put2(now.month, '/');
+    put2(now.day, ' ');
+    put2(now.hour, ':');
+    put2(now.minute, ':');
+    put2(now.second, '.');
+    *out++ = static_cast<char>('0' + now.millisecond / 100);
+    put2(now.millisecond % 100, ' ');
+    char digits[10];
+    int count = 0;
+    for (auto number = static_cast<std::uint32_t>(mine); number != 0 || count < 3; number /= 10)
+        digits[count++] = static_cast<char>('0' + number % 10);
+    while (count != 0) *out++ = digits[--count];
+    *out++ = '\0';
+    return out - 1;
+}
+
+Stamp makeStamp() noexcept {
+    Stamp stamp;
+    putStamp(stamp.text);
     return stamp;
 }
 

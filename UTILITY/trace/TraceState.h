@@ -77,14 +77,17 @@ class WriterLock {
 struct Writer {
     const char* redirectedTo = nullptr;  // a SyncML log while one of its messages is written
     int opensSinceSizeCheck = 0;
-    int failedOpens = 0;              // consecutive
-    int directoryWritable = -1;       // -1 not yet known; settled once
-    bool firstBanner = true;          // none written by this process yet
-    platform::PathLock lock;          // held from an ordinary open to its close
+    int failedOpens = 0;          // consecutive
+    int directoryWritable = -1;   // -1 not yet known; settled once
+    bool firstBanner = true;      // none written by this process yet
+    platform::PathLock lock;      // held, where it is needed, from an ordinary open to its close
+    std::size_t messageRoom = 0;  // bytes that the message at hand takes in the log, at most
+    char* longBuffer = nullptr;   // the stream's buffer while a long message is written
     std::FILE* keptStream = nullptr;  // the log that is kept open
     char* keptBuffer = nullptr;       // that stream's own
     char keptPath[kPathRoom] = "";    // its name when it was opened
     std::int64_t keptSize = -1;       // its size in bytes; -1 not yet known
+    std::uint32_t keptChecked = 0;    // the tick in which its name was last looked at
     std::array<char*, 2> retro{};     // the retroactive buffers, each of size + 1 bytes
     int retroCurrent = 0;
     int retroFill = 0;
@@ -112,6 +115,8 @@ struct Stamp {
 };
 // A time stamp: local time, milliseconds, and a number that counts the stamps of one millisecond.
 [[nodiscard]] Stamp makeStamp() noexcept;
+// The same to `out`, which has room for a Stamp; gives where its terminator stands.
+char* putStamp(char* out) noexcept;
 
 // Brings the facility back to its state before the first load and closes the log that is kept open.
 // `ticks` becomes the clock of the settings load; null is the system's. For tests: no other thread

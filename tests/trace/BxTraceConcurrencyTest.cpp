@@ -43,7 +43,7 @@ struct Load {
     // file.
     [[nodiscard]] std::string maxFileSize(int logs) const {
         constexpr int kLongestLine = 130;
-        constexpr int kFilesToFill = 14;  // of the 16 backups and the log
+        constexpr int kFilesToFill = 10;  // of the 16 backups and the log
         const long long bytes = 1LL * processes * threads * lines * kLongestLine / logs;
         return "MaxFileSize=" + std::to_string(bytes / kFilesToFill);
     }
@@ -54,7 +54,8 @@ bool isWhole(const std::string& line) {
     const std::size_t dot = line.rfind('.', line.find(' '));
     const std::size_t blank = line.find(' ');
     if (dot == std::string::npos || blank == std::string::npos) return false;
-    const auto padding = static_cast<std::size_t>(std::stoi(line.substr(dot + 1)) % 57);
+    const int number = std::stoi(line.substr(dot + 1));
+    const auto padding = static_cast<std::size_t>(number % 5000 == 7 ? 40000 : number % 57);
     return line.substr(blank) == " " + std::string(padding, 'p') + "|";
 }
 

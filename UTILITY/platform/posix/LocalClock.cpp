@@ -7,10 +7,16 @@
 namespace qel::platform {
 
 LocalClock localClock() noexcept {
+    // A thread's last second is remembered: taking a time apart costs more than asking for it.
+    thread_local std::time_t second = -1;
+    thread_local std::tm local{};
     std::timespec now{};
-    std::tm local{};
     if (std::timespec_get(&now, TIME_UTC) != TIME_UTC) return {};
-    if (localtime_r(&now.tv_sec, &local) == nullptr) return {};
+    if (now.tv_sec != second) {
+        second = -1;
+        if (localtime_r(&now.tv_sec, &local) == nullptr) return {};
+        second = now.tv_sec;
+    }
     return {local.tm_year + 1900,
             local.tm_mon + 1,
             local.tm_mday,

@@ -93,11 +93,22 @@ bool appendsAreAtomic() noexcept {
     return windows;
 }
 
+// The run-time library turns line ends into CR LF a few kilobytes at a time.
+bool messagesAreWhole() noexcept {
+    return false;
+}
+
 std::FILE* openForAppend(const char* path, NameWhileOpen name) noexcept {
     const DWORD share = name == NameWhileOpen::kFree ? kShareAll : kShareAll & ~FILE_SHARE_DELETE;
     // With the right to append alone, every write goes to the file's end.
     return openStream(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, share,
                       OPEN_ALWAYS, _O_APPEND | _O_TEXT | _O_WRONLY, "at");
+}
+
+std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept {
+    std::FILE* stream = openForAppend(path, NameWhileOpen::kFree);
+    if (stream != nullptr) *size = _filelengthi64(_fileno(stream));
+    return stream;
 }
 
 std::FILE* openForRead(const char* path) noexcept {
