@@ -4,12 +4,14 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Comparison.h"
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/RRule.h"
 #include "QelUtility/RptNext.h"
 #include "QelUtility/ZQDate.h"
+#include "recurrence/RptNextJump.h"
 
 namespace qel::bench {
 
@@ -102,6 +104,68 @@ void addSteps() {
     }
 }
 
+// --- The first occurrence ten years on -----------------------------------------------------------
+
+constexpr int kTenYears = 3652;  // days
+constexpr int kDates = 32;       // that are asked for, day after day, so that all cases come
+
+int firstFrom(const ZQTR_REPEAT& repeat, int date) {
+    int found = -1;
+    return rptnext::jump(repeat, date, found) ? found : -1;
+}
+
+// The peer goes on from where it is set.
+int firstFrom(const Iterator& peer, const icaltimetype& date) {
+    icalrecur_iterator_set_start(peer.get(), date);
+    return codeOf(icalrecur_iterator_next(peer.get()));
+}
+
+icaltimetype timeOf(int code) {
+    char text[9];
+    return icaltime_from_string(ZQ_CodeDateToAlpha(code, text));
+}
+
+// Set into the middle of a week, the peer's weekly iterator leaves out days of it.
+bool hasPeer(const Series& series) {
+    return std::string(series.name) != "weekly by days";
+}
+
+bool sameJumps(const Series& series) {
+    ZQTR_REPEAT repeat = repeatOf(series);
+    const Iterator peer = iteratorOf(series);
+    int next = -1;
+    int previous = -1;
+    for (int date = repeat.startDate + kTenYears; date < repeat.startDate + kTenYears + kDates;
+         ++date) {
+        while (next < date) {
+            if (ZQRepeatNextDate(&repeat, &next, &previous) != 0) return false;
+        }
+        if (firstFrom(repeat, date) != next) return false;
+        if (hasPeer(series) && firstFrom(peer, timeOf(date)) != next) return false;
+    }
+    return true;
+}
+
+void addJumps() {
+    for (const Series& series : kSeries) {
+        const ZQTR_REPEAT repeat = repeatOf(series);
+        std::vector<icaltimetype> times;
+        for (int i = 0; i < kDates; ++i) times.push_back(timeOf(repeat.startDate + kTenYears + i));
+        Comparison row({std::string("first occurrence ten years on, ") + series.name, 30,
+                        "a record of 148 bytes read, no allocation"},
+                       [&series] { return sameJumps(series); });
+        row.ours([repeat, i = 0]() mutable {
+            benchmark::DoNotOptimize(
+                firstFrom(repeat, repeat.startDate + kTenYears + i++ % kDates));
+        });
+        if (!hasPeer(series)) continue;
+        row.peer("libical", [peer = std::make_shared<Iterator>(iteratorOf(series)), times,
+                             i = std::size_t{0}]() mutable {
+            benchmark::DoNotOptimize(firstFrom(*peer, times[i++ % kDates]));
+        });
+    }
+}
+
 // The types that no rule text of one line stands for.
 void addOwnTypes() {
     ZQTR_REPEAT repeat;
@@ -180,6 +244,7 @@ void addCounts() {
 
 void addRecurrence() {
     addSteps();
+    addJumps();
     addOwnTypes();
     addCounts();
 }

@@ -1,6 +1,7 @@
 // The engine and the listing over a record of arbitrary bytes.
 #include "Fuzz.h"
 #include "QelUtility/RptNext.h"
+#include "recurrence/RptNextJump.h"
 #include "recurrence/unfold.h"
 
 using namespace qel::fuzz;
@@ -73,4 +74,16 @@ QEL_FUZZ_TARGET(repeat_engine) {
     }
     DateBlock_Free(&list);
     Unfold_HasOccurrence(from, to, anchor, &repeat);
+
+    // A jump comes to where steps come.
+    const auto date =
+        static_cast<int>(static_cast<unsigned>(repeat.startDate) + in.take<unsigned short>());
+    int found = 0;
+    if (qel::rptnext::jump(repeat, date, found)) {
+        previous = -1;
+        next = -1;
+        for (int step = 0; step < 1000 && (step == 0 || next < date); ++step)
+            FUZZ_CHECK(ZQRepeatNextDate(&repeat, &next, &previous) == 0);
+        FUZZ_CHECK(next < date || next == found);
+    }
 }

@@ -73,10 +73,7 @@ int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previo
         *previous = *next;
         return QEL_OK;
     }
-    if (repeat->startDate < 0 || repeat->endDate < -1 || repeat->interval < 1 ||
-        repeat->unitCount < 1) {
-        return rptnext::fail(rptnext::kLineBadRecord, repeat->type);
-    }
+    if (!rptnext::isValid(*repeat)) return rptnext::fail(rptnext::kLineBadRecord, repeat->type);
     const int before = *previous;
     int date = 0;
     if (const int result = nextOfType(*repeat, before, date); result != QEL_OK) return result;

@@ -6,8 +6,6 @@ namespace qel::rptnext {
 
 namespace {
 
-constexpr int kLastPosition = 5;
-
 // Days from the first of the month to the n-th workday or weekend day, by the weekday of the first
 // (Sunday to Saturday).
 constexpr int kWorkdayOffsets[4][7] = {
@@ -55,8 +53,9 @@ int daysBeforeLast(int kind, int weekday) {
     return (kind == REPEAT_WORKDAY ? kLastWorkday : kLastWeekendDay)[weekday - 1];
 }
 
-// False when the month cannot be encoded.
-bool kindInMonth(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
+}  // namespace
+
+bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     const bool isLast = repeat.dayOfMonth == kLastPosition;
     const int day = isLast ? clampDay(31, month.month, month.year) : 1;
     int edge = 0;
@@ -66,8 +65,6 @@ bool kindInMonth(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
                   : edge + daysFromFirst(repeat.dayOfMonth, repeat.dayOfWeek, weekday);
     return true;
 }
-
-}  // namespace
 
 int nextKindOfDay(const ZQTR_REPEAT& repeat, int previous, int& date) {
     if (repeat.dayOfMonth < 1 || repeat.dayOfMonth > kLastPosition) {
@@ -83,7 +80,7 @@ int nextKindOfDay(const ZQTR_REPEAT& repeat, int previous, int& date) {
     carryMonth(month);
     if (!isMonthly) month.month = repeat.month;
     do {
-        if (!kindInMonth(repeat, month, date)) return failDate(__LINE__);
+        if (!kindOfDayIn(repeat, month, date)) return failDate(__LINE__);
         ++(isMonthly ? month.month : month.year);
         carryMonth(month);
     } while (date < repeat.startDate);

@@ -4,20 +4,42 @@
 
 namespace qel::rptnext {
 
+namespace {
+
+void toNextMonth(CivilDate& month) {
+    ++month.month;
+    carryMonth(month);
+}
+
+}  // namespace
+
+bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
+    return encode({month.year, month.month, clampDay(repeat.dayOfMonth, month.month, month.year)},
+                  date);
+}
+
+bool dayOfMonthsFrom(const ZQTR_REPEAT& repeat, CivilDate month, int from, int& date) {
+    for (;; toNextMonth(month)) {
+        // From kLastSearchedYear on every month counts, which ends the search when none is
+        // selected.
+        while (repeat.months[month.month - 1] == 0 && month.year < kLastSearchedYear)
+            toNextMonth(month);
+        if (!dayOfMonthIn(repeat, month, date)) return false;
+        if (date >= from) return true;
+    }
+}
+
 int nextMonthDay(const ZQTR_REPEAT& repeat, int previous, int& date) {
     CivilDate day{};
     if (!decode(baseDate(repeat, previous), day)) return failDate(kLineMonthDayDecode);
     if (previous != kNoPrevious) {
         day.month += repeat.interval;
         carryMonth(day);
-        day.day = clampDay(repeat.dayOfMonth, day.month, day.year);
-        return encode(day, date) ? QEL_OK : failDate(kLineMonthDayStepEncode);
+        return dayOfMonthIn(repeat, day, date) ? QEL_OK : failDate(kLineMonthDayStepEncode);
     }
     do {
-        day.day = clampDay(repeat.dayOfMonth, day.month, day.year);
-        if (!encode(day, date)) return failDate(kLineMonthDayFirstEncode);
-        ++day.month;
-        carryMonth(day);
+        if (!dayOfMonthIn(repeat, day, date)) return failDate(kLineMonthDayFirstEncode);
+        toNextMonth(day);
     } while (date < repeat.startDate);
     return QEL_OK;
 }
@@ -29,14 +51,12 @@ int nextYearDate(const ZQTR_REPEAT& repeat, int previous, int& date) {
         // an occurrence keeps the month it was moved to.
         if (!decode(previous, day)) return failDate(kLineYearDateStepDecode);
         day.year += repeat.interval;
-        day.day = clampDay(repeat.dayOfMonth, day.month, day.year);
-        return encode(day, date) ? QEL_OK : failDate(kLineYearDateStepEncode);
+        return dayOfMonthIn(repeat, day, date) ? QEL_OK : failDate(kLineYearDateStepEncode);
     }
     if (!decode(repeat.startDate, day)) return failDate(kLineYearDateFirstDecode);
     day.month = repeat.month;
     do {
-        day.day = clampDay(repeat.dayOfMonth, day.month, day.year);
-        if (!encode(day, date)) return failDate(kLineYearDateFirstEncode);
+        if (!dayOfMonthIn(repeat, day, date)) return failDate(kLineYearDateFirstEncode);
         ++day.year;
     } while (date < repeat.startDate);
     return QEL_OK;
@@ -45,19 +65,9 @@ int nextYearDate(const ZQTR_REPEAT& repeat, int previous, int& date) {
 int nextDayOfMonths(const ZQTR_REPEAT& repeat, int previous, int& date) {
     CivilDate day{};
     if (!decode(baseDate(repeat, previous), day)) return failDate(kLineMonthsDecode);
-    const auto nextMonth = [&day] {
-        ++day.month;
-        carryMonth(day);
-    };
-    if (previous != kNoPrevious) nextMonth();
-    for (;; nextMonth()) {
-        // From kLastSearchedYear on every month counts, which ends the search when none is
-        // selected.
-        while (repeat.months[day.month - 1] == 0 && day.year < kLastSearchedYear) nextMonth();
-        day.day = clampDay(repeat.dayOfMonth, day.month, day.year);
-        if (!encode(day, date)) return failDate(kLineMonthsEncode);
-        if (date >= repeat.startDate) return QEL_OK;
-    }
+    if (previous != kNoPrevious) toNextMonth(day);
+    return dayOfMonthsFrom(repeat, day, repeat.startDate, date) ? QEL_OK
+                                                                : failDate(kLineMonthsEncode);
 }
 
 }  // namespace qel::rptnext

@@ -6,27 +6,12 @@ namespace qel::rptnext {
 
 namespace {
 
-constexpr int kMonths = 3;              // of a quarter
-constexpr int kLastWeekOfQuarter = 14;  // weekOfMonth of type 14: the last of its weekday
+constexpr int kMonths = 3;  // of a quarter
 
 // Moves to the first day of the quarter that lies `quarters` quarters on.
 void toQuarter(CivilDate& date, int quarters) {
     date = {date.year, (date.month - 1) / kMonths * kMonths + 1 + quarters * kMonths, 1};
     carryMonth(date);
-}
-
-// The record's day of the quarter that begins on `first`. A day outside the quarter's months is
-// taken back to the last day inside them; only the month's number is looked at. False when a date
-// leaves the range.
-bool dayInQuarter(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {
-    CivilDate day{};
-    if (!encode(first, date)) return false;
-    date += repeat.dayOfMonth - 1;
-    if (!decode(date, day)) return false;
-    const int lastMonth = first.month + kMonths - 1;
-    if (day.month >= first.month && day.month <= lastMonth) return true;
-    const int year = day.month > lastMonth ? day.year : day.year - 1;
-    return encode({year, lastMonth, daysInMonth(lastMonth, year)}, date);
 }
 
 int failQuarterDay() {
@@ -47,15 +32,38 @@ int weekdayBefore(const ZQTR_REPEAT& repeat, int end) {
 
 }  // namespace
 
+// The record's day of the quarter that begins on `first`. A day outside the quarter's months is
+// taken back to the last day inside them; only the month's number is looked at. False when a date
+// leaves the range.
+bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {
+    CivilDate day{};
+    if (!encode(first, date)) return false;
+    date += repeat.dayOfMonth - 1;
+    if (!decode(date, day)) return false;
+    const int lastMonth = first.month + kMonths - 1;
+    if (day.month >= first.month && day.month <= lastMonth) return true;
+    const int year = day.month > lastMonth ? day.year : day.year - 1;
+    return encode({year, lastMonth, daysInMonth(lastMonth, year)}, date);
+}
+
+bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {
+    CivilDate edge = first;
+    const bool isLast = repeat.weekOfMonth == kLastWeekOfQuarter;
+    if (isLast) toQuarter(edge, 1);
+    if (!encode(edge, date)) return false;
+    date = isLast ? weekdayBefore(repeat, date) : weekdayFrom(repeat, date);
+    return true;
+}
+
 int nextDayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date) {
     CivilDate quarter{};
     const bool isFirst = previous == kNoPrevious;
     if (!decode(isFirst ? repeat.startDate : previous, quarter)) return failQuarterDay();
     toQuarter(quarter, isFirst ? 0 : 1);
-    if (!dayInQuarter(repeat, quarter, date)) return failQuarterDay();
+    if (!dayOfQuarterIn(repeat, quarter, date)) return failQuarterDay();
     while (isFirst && date < repeat.startDate) {
         toQuarter(quarter, 1);
-        if (!dayInQuarter(repeat, quarter, date)) return failQuarterDay();
+        if (!dayOfQuarterIn(repeat, quarter, date)) return failQuarterDay();
     }
     return QEL_OK;
 }
@@ -84,12 +92,8 @@ int nextWeekdayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date) {
         const int candidate = isLast ? weekdayBefore(repeat, edge) : weekdayFrom(repeat, edge);
         if (candidate < repeat.startDate) toQuarter(quarter, 1);
     }
-    if (isLast) toQuarter(quarter, 1);
-    if (!encode(quarter, edge)) {
-        return failDate(isLast ? kLineQuarterLastEncode : kLineQuarterEncode);
-    }
-    date = isLast ? weekdayBefore(repeat, edge) : weekdayFrom(repeat, edge);
-    return QEL_OK;
+    if (weekdayOfQuarterIn(repeat, quarter, date)) return QEL_OK;
+    return failDate(isLast ? kLineQuarterLastEncode : kLineQuarterEncode);
 }
 
 }  // namespace qel::rptnext

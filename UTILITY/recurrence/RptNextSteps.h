@@ -49,6 +49,11 @@ inline constexpr int kStepFromStart = -2;
 // The searches by month give up after this year: a record that selects no month ends there.
 inline constexpr int kLastSearchedYear = 2080;
 
+// dayOfMonth of the types 10 and 11: the last day of its kind.
+inline constexpr int kLastPosition = 5;
+// weekOfMonth of type 14: the last of its weekday.
+inline constexpr int kLastWeekOfQuarter = 14;
+
 // Reports a failure with its detail; the result is 4008.
 inline int fail(int line, int detail) {
     return BxTrace_Error(kSourceName, line, detail, QEL_REPEAT_ENGINE);
@@ -103,6 +108,30 @@ inline int narrow(std::int64_t value, int& date) {
     date = static_cast<int>(value);
     return QEL_OK;
 }
+
+// Whether the engine takes the record at all.
+[[nodiscard]] inline bool isValid(const ZQTR_REPEAT& repeat) noexcept {
+    return repeat.startDate >= 0 && repeat.endDate >= -1 && repeat.interval >= 1 &&
+           repeat.unitCount >= 1;
+}
+
+// The position and the kind of day of the types 10 and 11.
+[[nodiscard]] inline bool isKindOfDay(const ZQTR_REPEAT& repeat) noexcept {
+    return repeat.dayOfMonth >= 1 && repeat.dayOfMonth <= kLastPosition &&
+           repeat.dayOfWeek >= REPEAT_ANY_DAY && repeat.dayOfWeek <= REPEAT_WEEKEND_DAY;
+}
+
+// The occurrence of a series in one month, or in the quarter that begins with it; false when a date
+// leaves the range.
+// REQUIRES: isKindOfDay for kindOfDayIn
+bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);        // 3, 5
+bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);    // 4, 6
+bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);         // 10, 11
+bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);      // 13
+bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);  // 14
+
+// The first occurrence of type 7 at or after `from`, in `month` or later; false past the range.
+bool dayOfMonthsFrom(const ZQTR_REPEAT& repeat, CivilDate month, int from, int& date);
 
 // The search of each group of types: the occurrence after `previous` (kNoPrevious: the first one)
 // into `date`; 0, or 4008 after one reported error.

@@ -4,12 +4,10 @@
 
 namespace qel::rptnext {
 
-namespace {
-
 // The record's weekday of the month of `month`, in the record's week or, where the month has no
 // such week, in its last one: week 5 is always the last, week 4 the fourth even of five. False when
 // the month cannot be encoded.
-bool weekdayInMonth(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
+bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     int last = 0;
     const int length = clampDay(31, month.month, month.year);
     if (!encode({month.year, month.month, length}, last)) return false;
@@ -23,8 +21,6 @@ bool weekdayInMonth(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date
     return true;
 }
 
-}  // namespace
-
 int nextWeekdayOfMonth(const ZQTR_REPEAT& repeat, int previous, int& date) {
     const bool isMonthly = repeat.type == REPEAT_MONTHLY_WEEKDAY;
     CivilDate month{};
@@ -33,7 +29,7 @@ int nextWeekdayOfMonth(const ZQTR_REPEAT& repeat, int previous, int& date) {
     carryMonth(month);
     if (!isMonthly) month.month = repeat.month;
     do {
-        if (!weekdayInMonth(repeat, month, date)) return failDate(kLineWeekdayEncode);
+        if (!weekdayOfMonthIn(repeat, month, date)) return failDate(kLineWeekdayEncode);
         ++(isMonthly ? month.month : month.year);
         carryMonth(month);
     } while (date < repeat.startDate);

@@ -6,6 +6,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "dates/CivilDate.h"
+#include "recurrence/RptNextJump.h"
 
 namespace {
 
@@ -42,6 +43,15 @@ bool listOccurrence(const ZQTR_REPEAT& repeat, int start, int from, int to, List
     return false;
 }
 
+// The first occurrence that covers a day from `from` on, or one before it, into `date`; false where
+// the series is stepped from its start.
+bool jumpToRange(const ZQTR_REPEAT& repeat, int from, int& date) {
+    const std::int64_t first = std::int64_t{from} - repeat.unitCount + 1;
+    if (first <= repeat.startDate) return false;
+    return qel::rptnext::jump(
+        repeat, static_cast<int>(std::min<std::int64_t>(first, qel::kLastCodeDate)), date);
+}
+
 }  // namespace
 
 int WeekOfMonth(int codeDate) {
@@ -66,12 +76,16 @@ int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock
     Listing listing{list->data, capacity};
     int current = repeat->startDate;  // the single occurrence of a record of type 0
     int previous = -1;
-    for (bool isFirst = true;; isFirst = false) {
+    // Occurrences that end before the range are passed over.
+    bool isFound = jumpToRange(*repeat, from, current);
+    if (isFound) previous = current;
+    for (bool isFirst = true;; isFirst = false, isFound = false) {
         const int before = current;
-        if (const int result = ZQRepeatNextDate(repeat, &current, &previous); result != QEL_OK) {
-            return fail(__LINE__, result, result);
+        if (!isFound) {
+            const int result = ZQRepeatNextDate(repeat, &current, &previous);
+            if (result != QEL_OK) return fail(__LINE__, result, result);
+            if (!isFirst && current <= before) return fail(__LINE__, current, QEL_REPEAT_ENGINE);
         }
-        if (!isFirst && current <= before) return fail(__LINE__, current, QEL_REPEAT_ENGINE);
         // Past the last code date there is nothing to list, wherever the range ends.
         if (current > qel::kLastCodeDate) break;
         if (listOccurrence(*repeat, current, from, to, listing)) break;
