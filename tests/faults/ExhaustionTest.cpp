@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -29,15 +30,28 @@ class Totals : public testing::Environment {
 
 const testing::Environment* const totals = testing::AddGlobalTestEnvironment(new Totals);
 
-// Returns the number of allocations that were refused.
-int runOnce(const Operation& operation, int n, Refusal refusal) {
+// Returns the number of allocations that were refused. Without a `whole` outcome to be held
+// against, the outcome is put there.
+int runOnce(const Operation& operation, int n, Refusal refusal, Outcome& whole) {
     int refused = 0;
     std::thread([&] {
         SCOPED_TRACE("allocation " + std::to_string(n) +
                      (refusal == Refusal::kOne ? " refused" : " and all after it refused"));
         Attempt attempt(n, refusal);
-        operation.run(attempt);
+        const Outcome outcome = operation.run(attempt);
         refused = attempt.refused();
+        if (whole.empty()) {
+            whole = outcome;
+            return;
+        }
+        ASSERT_EQ(outcome.size(), whole.size());
+        for (std::size_t i = 0; i < whole.size(); ++i) {
+            const auto& other = operation.starved;
+            EXPECT_TRUE(
+                outcome[i] == whole[i] ||
+                (refused > 0 && std::find(other.begin(), other.end(), outcome[i]) != other.end()))
+                << "field " << i << ": \"" << outcome[i] << "\" for \"" << whole[i] << "\"";
+        }
     }).join();
     return refused;
 }
@@ -65,18 +79,20 @@ std::string operationName(const testing::TestParamInfo<Operation>& info) {
 }
 
 TEST_P(Exhaustion, IsSurvived) {
+    const Operation& operation = GetParam();
     ++operations;
-    // What a process keeps for its life is made before blocks are counted.
-    runOnce(GetParam(), kMostAllocations, Refusal::kOne);
+    // This also makes, before blocks are counted, what a process keeps for its life.
+    Outcome whole;
+    ASSERT_EQ(runOnce(operation, kMostAllocations, Refusal::kOne, whole), 0);
     for (const Refusal refusal : {Refusal::kOne, Refusal::kRest}) {
         for (int n = 1;; ++n) {
             ASSERT_LT(n, kMostAllocations);
             const long before = liveBlocks();
-            const int refused = runOnce(GetParam(), n, refusal);
+            const int refused = runOnce(operation, n, refusal, whole);
             if (liveBlocks() != before) {
                 // What is made once and kept does not grow a second time.
                 const long after = liveBlocks();
-                runOnce(GetParam(), n, refusal);
+                runOnce(operation, n, refusal, whole);
                 ASSERT_EQ(liveBlocks(), after) << "blocks left behind by allocation " << n;
             }
             if (HasFailure()) return;

@@ -1,7 +1,9 @@
-// Strings and arrays without memory: a string that was being built is null, an array that cannot
-// grow is as its header says.
+// Strings, arrays and parsers without memory: a string that was being built is null, an array that
+// cannot grow keeps what it has, what is found by its name is never another's value. All can be
+// used again.
 #include <cstring>
 
+#include "QelUtility/BxParseValues.h"
 #include "QelUtility/CSLock.h"
 #include "QelUtility/VStr.h"
 #include "QelUtility/VStrArray.h"
@@ -12,376 +14,175 @@ namespace qel::test {
 namespace {
 
 constexpr char kLong[] = "a text of more than sixty-three characters, so that its block must grow";
-constexpr char kShort[] = "left";
+VStr source(kLong);
+VStr inserted("XY");
+const std::string kFull(63, 'x');
 
-bool isNull(const VStr& text) {
-    return text.GetLength() == 0 && text.Compare(nullptr) == 0;
-}
-
-// The text as it should be, or a null string when there was no memory for it; and a string that can
-// be used as any other.
-void expectWholeOrNull(VStr& text, const char* whole, const Attempt& attempt) {
-    if (attempt.starved()) {
-        EXPECT_TRUE(isNull(text)) << text;
-    } else {
-        EXPECT_STREQ(text, whole);
-    }
-    text = "used again";
-    text += ", and grown past its first block by one more piece of text";
-    EXPECT_EQ(text.GetLength(), 68);
-}
-
-// Runs `change` on a string that holds "left".
-template <typename Change>
-void changed(Attempt& attempt, const char* whole, Change change) {
-    VStr text(kShort);
-    attempt.armed([&] { change(text); });
-    expectWholeOrNull(text, whole, attempt);
+// `change` on a string that holds `before`.
+Operation onString(const char* name, const char* before, void (*change)(VStr& text),
+                   const Outcome& starved = {kNull}) {
+    return {name, starved, [before, change](Attempt& attempt) {
+                VStr text(before);
+                attempt.armed([&] { change(text); });
+                const std::string left = shown(text);
+                text = "used again";
+                text += ", and grown past its first block by one more piece of text";
+                return seen(left, "and " + shown(text));
+            }};
 }
 
 const Operation kStrings[] = {
+    onString("ModGrow", "left", [](VStr& text) { text.ModGrow(1000); }),
+    onString("Construct", "left", [](VStr& text) { text = VStr(kLong); }),
+    onString("ConstructPart", "left", [](VStr& text) { text = VStr(kLong, 10); }),
+    onString("ConstructCopy", "left", [](VStr& text) { text = VStr(source); }),
+    onString("ConstructRun", "left", [](VStr& text) { text = VStr('x', 100); }),
+    onString("AssignString", "left", [](VStr& text) { text = source; }),
+    onString("AssignText", "left", [](VStr& text) { text = kLong; }),
+    onString("AssignCharacter", "left", [](VStr& text) { text = 'c'; }),
+    onString("CopyOwnText", "left",
+             [](VStr& text) { text.Copy(static_cast<const char*>(text) + 2, 2); }),
+    onString("GetBuffer", "left",
+             [](VStr& text) {
+                 char* const buffer = text.GetBuffer(500);
+                 if (buffer != nullptr && text.GetLength() == 4) std::memset(buffer + 4, 'x', 496);
+                 text.ReleaseBuffer(text.GetLength() == 4 ? 500 : 0);
+             },
+             {kNull, ""}),
+    onString("ReleaseBufferOfNull", "", [](VStr& text) { text.ReleaseBuffer(0); }),
+    onString("CatstrTwo", "left", [](VStr& text) { text.Catstr(inserted, source); }),
+    onString("CatstrOntoItsSecond", "left", [](VStr& text) { text.Catstr(source, text); }),
+    onString("CatstrText", "left", [](VStr& text) { text.Catstr(kLong); }),
+    onString("AppendItself", kLong, [](VStr& text) { text += text; }),
+    onString("AppendItsTail", kLong,
+             [](VStr& text) { text += static_cast<const char*>(text) + 2; }),
+    onString("AppendCharacter", kFull.c_str(), [](VStr& text) { text += 'y'; }),
+    onString("Substr", "left", [](VStr& text) { text.Substr(1, 2); }),
+    onString("Mid", "left", [](VStr& text) { text = text.Mid(1, 2); }),
+    onString("MidToTheEnd", "left", [](VStr& text) { text = text.Mid(1); }),
+    onString("Part", "left", [](VStr& text) { text = text(0, 1); }),
+    onString("Left", "left", [](VStr& text) { text = text.Left(2); }),
+    onString("Right", "left", [](VStr& text) { text = text.Right(2); }),
+    onString("SpanIncluding", "left", [](VStr& text) { text = text.SpanIncluding("el"); }),
+    onString("SpanExcluding", "left", [](VStr& text) { text = text.SpanExcluding("f"); }),
+    onString("Cutstr", "left", [](VStr& text) { text.Cutstr(1, 2); }),
+    onString("Insert", "left", [](VStr& text) { text.Insert(text, 2, inserted); }),
+    // The argument's copy may be the one that there is no memory for: nothing to insert then.
+    onString("InsertCopy", "left", [](VStr& text) { text.Insert(2, inserted); }, {kNull, "left"}),
+    onString("Trim", "  left  ",
+             [](VStr& text) {
+                 text.TrimLeft();
+                 text.TrimRight();
+             }),
+    onString("Format", "left",
+             [](VStr& text) {
+                 text.Format("%s and %08d and %I64d", static_cast<const char*>(text), 42,
+                             1234567890123LL);
+             }),
+    // The C library needs memory of its own for so many digits.
+    onString("FormatWide", "left", [](VStr& text) { text.Format("%.3000f", 1.0); }, {kNull, ""}),
     {"ModAlloc",
+     {"(null) 0"},
      [](Attempt& attempt) {
-         char* block = nullptr;
          unsigned int capacity = 99;
+         char* block = nullptr;
          attempt.armed([&] { block = VStr::ModAlloc(100, &capacity); });
-         EXPECT_EQ(block == nullptr, attempt.starved());
-         EXPECT_EQ(capacity, attempt.starved() ? 0U : 128U);
          VStr owner;
          owner <<= block;
-     }},
-    {"ModGrow",
-     [](Attempt& attempt) {
-         VStr text(kShort);
-         char* block = nullptr;
-         attempt.armed([&] { block = text.ModGrow(1000); });
-         EXPECT_EQ(block == nullptr, attempt.starved());
-         expectWholeOrNull(text, kShort, attempt);
-     }},
-    {"Constructors",
-     [](Attempt& attempt) {
-         const VStr source(kLong);
-         VStr made[4];
-         attempt.armed([&] {
-             VStr a(kLong);
-             VStr b(kLong, 10);
-             VStr c(source);
-             VStr d('x', 100);
-             made[0] <<= a;
-             made[1] <<= b;
-             made[2] <<= c;
-             made[3] <<= d;
-         });
-         const int lengths[] = {source.GetLength(), 10, source.GetLength(), 100};
-         for (int i = 0; i < 4; ++i) {
-             EXPECT_TRUE(made[i].GetLength() == lengths[i] ||
-                         (attempt.starved() && isNull(made[i])));
-         }
-     }},
-    {"AssignString",
-     [](Attempt& attempt) {
-         const VStr source(kLong);
-         changed(attempt, kLong, [&](VStr& text) { text = source; });
-     }},
-    {"AssignText",
-     [](Attempt& attempt) { changed(attempt, kLong, [](VStr& text) { text = kLong; }); }},
-    {"AssignCharacter",
-     [](Attempt& attempt) { changed(attempt, "c", [](VStr& text) { text = 'c'; }); }},
-    {"CopyOwnText",
-     [](Attempt& attempt) {
-         changed(attempt, "ft",
-                 [](VStr& text) { text.Copy(static_cast<const char*>(text) + 2, 2); });
-     }},
-    {"GetBuffer",
-     [](Attempt& attempt) {
-         VStr text(kShort);
-         char* buffer = nullptr;
-         attempt.armed([&] { buffer = text.GetBuffer(500); });
-         if (!attempt.starved()) std::memset(buffer + 4, 'x', 496);
-         text.ReleaseBuffer(attempt.starved() ? 0 : 500);
-         EXPECT_EQ(text.GetLength(), attempt.starved() ? 0 : 500);
-     }},
-    {"ReleaseBufferOfNull",
-     [](Attempt& attempt) {
-         VStr text;
-         attempt.armed([&] { text.ReleaseBuffer(3); });
-         EXPECT_EQ(text.GetLength(), attempt.starved() ? 0 : 3);
-     }},
-    {"CatstrTwo",
-     [](Attempt& attempt) {
-         VStr a(kShort);
-         const VStr b(kLong);
-         VStr text;
-         attempt.armed([&] { text.Catstr(a, b); });
-         expectWholeOrNull(text, (std::string(kShort) + kLong).c_str(), attempt);
-         EXPECT_STREQ(a, kShort);
-     }},
-    {"CatstrOntoItsSecond",
-     [](Attempt& attempt) {
-         VStr a(kLong);
-         changed(attempt, (std::string(kLong) + kShort).c_str(),
-                 [&](VStr& text) { text.Catstr(a, text); });
-     }},
-    {"CatstrText",
-     [](Attempt& attempt) {
-         changed(attempt, (std::string(kShort) + kLong).c_str(),
-                 [](VStr& text) { text.Catstr(kLong); });
-     }},
-    {"AppendItself",
-     [](Attempt& attempt) {
-         VStr text(kLong);
-         attempt.armed([&] { text += text; });
-         expectWholeOrNull(text, (std::string(kLong) + kLong).c_str(), attempt);
-     }},
-    {"AppendItsTail",
-     [](Attempt& attempt) {
-         VStr text(kLong);
-         attempt.armed([&] { text += static_cast<const char*>(text) + 2; });
-         expectWholeOrNull(text, (std::string(kLong) + (kLong + 2)).c_str(), attempt);
-     }},
-    {"AppendCharacter",
-     [](Attempt& attempt) {
-         const std::string full(63, 'x');
-         VStr text(full.c_str());
-         attempt.armed([&] { text += 'y'; });
-         expectWholeOrNull(text, (full + "y").c_str(), attempt);
-     }},
-    {"Substr",
-     [](Attempt& attempt) { changed(attempt, "ef", [](VStr& text) { text.Substr(1, 2); }); }},
-    {"Pieces",
-     [](Attempt& attempt) {
-         VStr text(kShort);
-         VStr pieces[7];
-         attempt.armed([&] {
-             pieces[0] = text.Mid(1, 2);
-             pieces[1] = text.Mid(1);
-             pieces[2] = text(0, 1);
-             pieces[3] = text.Left(2);
-             pieces[4] = text.Right(2);
-             pieces[5] = text.SpanIncluding("el");
-             pieces[6] = text.SpanExcluding("f");
-         });
-         const char* whole[] = {"ef", "eft", "l", "le", "ft", "le", "le"};
-         for (int i = 0; i < 7; ++i) {
-             if (!attempt.starved() || !isNull(pieces[i])) {
-                 EXPECT_STREQ(pieces[i], whole[i]);
-             }
-         }
-         EXPECT_STREQ(text, kShort);
-     }},
-    {"Cutstr",
-     [](Attempt& attempt) { changed(attempt, "lt", [](VStr& text) { text.Cutstr(1, 2); }); }},
-    {"Insert",
-     [](Attempt& attempt) {
-         VStr inserted("XY");
-         changed(attempt, "leXYft", [&](VStr& text) { text.Insert(text, 2, inserted); });
-         EXPECT_STREQ(inserted, "XY");
-     }},
-    {"InsertIntoNull",
-     [](Attempt& attempt) {
-         VStr source;
-         VStr inserted("XY");
-         VStr target(kShort);
-         attempt.armed([&] { target.Insert(source, 0, inserted); });
-         expectWholeOrNull(source, "XY", attempt);
-         EXPECT_STREQ(target, kShort);
-     }},
-    {"InsertCopy",
-     [](Attempt& attempt) {
-         // The argument's copy may be the one that there is no memory for: nothing to insert then.
-         VStr text(kShort);
-         const VStr inserted("XY");
-         attempt.armed([&] { text.Insert(2, inserted); });
-         EXPECT_TRUE(std::strcmp(text, "leXYft") == 0 ||
-                     (attempt.starved() && (isNull(text) || std::strcmp(text, kShort) == 0)));
-     }},
-    {"Trim",
-     [](Attempt& attempt) {
-         VStr text("  left  ");
-         attempt.armed([&] {
-             text.TrimLeft();
-             text.TrimRight();
-         });
-         EXPECT_STREQ(text, kShort);
-     }},
-    {"Format",
-     [](Attempt& attempt) {
-         changed(attempt, "left and 00000042 and 1234567890123", [](VStr& text) {
-             text.Format("%s and %08d and %I64d", static_cast<const char*>(text), 42,
-                         1234567890123LL);
-         });
-     }},
-    {"FormatWide",
-     [](Attempt& attempt) {
-         // The C library needs memory of its own for so many digits.
-         VStr text(kShort);
-         attempt.armed([&] { text.Format("%.3000f", 1.0); });
-         EXPECT_TRUE(text.GetLength() == 3002 || (attempt.starved() && text.GetLength() == 0));
+         return seen(together(block == nullptr ? kNull : "block", capacity));
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Strings, Exhaustion, testing::ValuesIn(kStrings), operationName);
 
 // --- Arrays --------------------------------------------------------------------------------------
 
-// An array that could not get its block keeps its size, reads null strings and takes new elements
-// once it has been emptied.
-void expectUsable(VStrArray& array) {
-    for (int i = -1; i <= array.GetSize(); ++i) {
-        array.SetAt(i, "x");
-        static_cast<void>(array.GetAt(i));
-    }
+template <typename Array>
+void fill(Array& array, int count) {
+    static const char* const kTexts[] = {"one", "two"};
+    for (int i = 0; i < count; ++i) array.Add(kTexts[i % 2]);
+}
+
+// Its size and its elements, and the array empty and in use again.
+template <typename Array>
+Outcome seenAndEmptied(Array& array) {
+    Outcome outcome = seen(array.GetSize());
+    for (int i = 0; i < array.GetSize(); ++i) outcome.push_back(shown(VStr(array[i])));
     array.RemoveAll();
-    EXPECT_EQ(array.Add("again"), 0);
-    EXPECT_STREQ(array[0], "again");
+    const int index = array.Add("again");
+    outcome.push_back(together(index, VStr(array[0])));
+    return outcome;
 }
 
-// Each element of `array` as given, or null where there was no memory.
-void expectElements(VStrArray& array, const std::vector<const char*>& whole,
-                    const Attempt& attempt) {
-    ASSERT_EQ(array.GetSize(), static_cast<int>(whole.size()));
-    for (std::size_t i = 0; i < whole.size(); ++i) {
-        VStr& element = array.ElementAt(static_cast<int>(i));
-        if (attempt.starved() && isNull(element)) continue;
-        EXPECT_STREQ(element, whole[i]);
-    }
-    expectUsable(array);
+// `change` on an array of two elements. One that could not get its block keeps its size and reads
+// null strings.
+Operation onArray(const char* name, void (*change)(VStrArray& array)) {
+    return {name, {kNull}, [change](Attempt& attempt) {
+                VStrArray array;
+                fill(array, 2);
+                attempt.armed([&] { change(array); });
+                const Outcome outside = seen(array.GetAt(-1), array.GetAt(array.GetSize()));
+                for (int i = -1; i <= array.GetSize(); ++i) array.SetAt(i, array.GetAt(i));
+                Outcome outcome = seenAndEmptied(array);
+                outcome.insert(outcome.end(), outside.begin(), outside.end());
+                return outcome;
+            }};
 }
 
-template <typename Change>
-void changedArray(Attempt& attempt, const std::vector<const char*>& whole, Change change) {
-    VStrArray array;
-    array.Add("one");
-    array.Add("two");
-    attempt.armed([&] { change(array); });
-    expectElements(array, whole, attempt);
+// `add` to a growing array whose block is full; what it says, and the array, which has one more
+// element or is as it was.
+Operation onFullArray(const char* name, int (*add)(Bx_VStrArray& array, VStr& text)) {
+    return {name, {"-1 128 new"}, [add](Attempt& attempt) {
+                Bx_VStrArray array;
+                fill(array, 128);
+                VStr text("new");
+                int index = -2;
+                attempt.armed([&] { index = add(array, text); });
+                Outcome outcome = seen(together(index, array.GetSize(), text));
+                for (int i = 0; i < 128; ++i) outcome.push_back(shown(array[i]));
+                fill(array, 1);
+                outcome.push_back(shown(array[array.GetSize() - 1]));
+                return outcome;
+            }};
+}
+
+template <typename Array>
+Operation onCopy(const char* name) {
+    return {name, {kNull, "", "0"}, [](Attempt& attempt) {
+                Array copied;
+                fill(copied, 2);
+                Array target;
+                fill(target, 1);
+                attempt.armed([&] {
+                    const Array copy(copied);
+                    target = copy;
+                });
+                // What is missing of the copy's end is nothing that was there before.
+                Outcome outcome = seenAndEmptied(target);
+                if (outcome[0] == "0") outcome.insert(outcome.begin() + 1, 2, kNull);
+                return outcome;
+            }};
 }
 
 const Operation kArrays[] = {
-    {"SetSize",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"one", "two", "", ""}, [](VStrArray& a) { a.SetSize(4); });
-     }},
-    {"Add",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"one", "two", "one"}, [](VStrArray& a) { a.Add(a[0]); });
-     }},
-    {"AddPart",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"one", "two", "th"}, [](VStrArray& a) { a.Add("three", 2); });
-     }},
-    {"SetAt",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"uno", "du"}, [](VStrArray& a) {
-             a.SetAt(0, "uno");
-             a.SetAt(1, "due", 2);
-         });
-     }},
-    {"GetAt",
-     [](Attempt& attempt) {
-         VStrArray array;
-         array.Add("one");
-         VStr got;
-         VStr indexed;
-         attempt.armed([&] {
-             got <<= array.GetAt(0).GetBuffer(0) != nullptr ? array.ElementAt(0) : got;
-             indexed = static_cast<const VStrArray&>(array)[5];
-         });
-         EXPECT_STREQ(got, "one");
-     }},
-    {"AppendItself",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"one", "two", "one", "two"}, [](VStrArray& a) { a.Append(a); });
-     }},
-    {"AssignAndCopy",
-     [](Attempt& attempt) {
-         VStrArray source;
-         source.Add("uno");
-         source.Add(nullptr);
-         changedArray(attempt, {"uno", ""}, [&](VStrArray& a) { a = source; });
-         EXPECT_EQ(source.GetSize(), 2);
-     }},
-    {"CopyConstruct",
-     [](Attempt& attempt) {
-         VStrArray source;
-         source.Add("uno");
-         attempt.armed([&] {
-             const VStrArray copy(source);
-             static_cast<void>(copy);
-         });
-         EXPECT_STREQ(source[0], "uno");
-     }},
-    {"InsertAt",
-     [](Attempt& attempt) {
-         changedArray(attempt, {"one", "x", "x", "two"},
-                      [](VStrArray& a) { a.InsertAt(1, "x", 2); });
-     }},
-    {"RemoveAt",
-     [](Attempt& attempt) { changedArray(attempt, {"two"}, [](VStrArray& a) { a.RemoveAt(0); }); }},
-};
-INSTANTIATE_TEST_SUITE_P(Arrays, Exhaustion, testing::ValuesIn(kArrays), operationName);
-
-// The growing arrays keep what they have; a refused element is reported.
-template <typename Add>
-void addedPastTheStep(Attempt& attempt, Add add) {
-    Bx_VStrArray array;
-    for (int i = 0; i < 128; ++i) array.Add("item");
-    int index = -2;
-    attempt.armed([&] { index = add(array); });
-    EXPECT_TRUE(index == 128 || (attempt.starved() && index == -1));
-    ASSERT_EQ(array.GetSize(), index == 128 ? 129 : 128);
-    for (int i = 0; i < 128; ++i) ASSERT_STREQ(array[i], "item");
-    array.Add("again");
-    EXPECT_STREQ(array[array.GetSize() - 1], "again");
-}
-
-const Operation kGrowingArrays[] = {
-    {"Add",
-     [](Attempt& attempt) {
-         addedPastTheStep(attempt, [](Bx_VStrArray& a) { return a.Add("new"); });
-     }},
-    {"AddVStr",
-     [](Attempt& attempt) {
-         VStr taken("new");
-         addedPastTheStep(attempt, [&](Bx_VStrArray& a) { return a.AddVStr(taken); });
-         if (attempt.starved()) {
-             EXPECT_STREQ(taken, "new");
-         } else {
-             EXPECT_TRUE(isNull(taken));
-         }
-     }},
-    {"Copy",
-     [](Attempt& attempt) {
-         Bx_VStrArray source;
-         source.Add("one");
-         source.Add("two");
-         Bx_VStrArray target;
-         target.Add("old");
-         attempt.armed([&] { target = source; });
-         ASSERT_TRUE(target.GetSize() == 2 || (attempt.starved() && target.GetSize() == 0));
-         const char* whole[] = {"one", "two"};
-         for (int k = 0; k < target.GetSize(); ++k) {
-             if (!attempt.starved() || !isNull(target[k])) {
-                 EXPECT_STREQ(target[k], whole[k]);
-             }
-         }
-         const int size = target.GetSize();
-         EXPECT_EQ(target.Add("again"), size);
-     }},
-    {"FindItem",
-     [](Attempt& attempt) {
-         Bx_VStrArray array;
-         array.Add("one");
-         array.Add("two");
-         int found = -2;
-         int folded = -2;
-         attempt.armed([&] {
-             found = array.FindItem("two");
-             folded = array.FindItemNoCase("TWO");
-         });
-         EXPECT_TRUE(found == 1 || (attempt.starved() && found == -1));
-         EXPECT_EQ(folded, 1);
-     }},
+    onArray("SetSize", [](VStrArray& array) { array.SetSize(4); }),
+    onArray("Add", [](VStrArray& array) { array.Add(array[0]); }),
+    onArray("AddPart", [](VStrArray& array) { array.Add("three", 2); }),
+    onArray("SetAt", [](VStrArray& array) { array.SetAt(0, "uno"); }),
+    onArray("SetPartAt", [](VStrArray& array) { array.SetAt(1, "due", 2); }),
+    onArray("AppendItself", [](VStrArray& array) { array.Append(array); }),
+    onArray("InsertAt", [](VStrArray& array) { array.InsertAt(1, "x", 2); }),
+    onArray("RemoveAt", [](VStrArray& array) { array.RemoveAt(0); }),
+    onArray("GetAt", [](VStrArray& array) { VStr(array.GetAt(0)).Catstr(array[5]); }),
+    onCopy<VStrArray>("Copy"),
+    onCopy<Bx_VStrArray>("CopyGrowing"),
+    onFullArray("AddToFull", [](Bx_VStrArray& array, VStr&) { return array.Add("new"); }),
+    onFullArray("AddVStrToFull",
+                [](Bx_VStrArray& array, VStr& text) { return array.AddVStr(text); }),
+    onFullArray("FindItem", [](Bx_VStrArray& array, VStr&) { return array.FindItem("two"); }),
+    onFullArray("FindItemNoCase",
+                [](Bx_VStrArray& array, VStr&) { return array.FindItemNoCase("TWO"); }),
     {"Lock",
+     {},
      [](Attempt& attempt) {
          CSLockable lockable;
          attempt.armed([&] {
@@ -390,10 +191,71 @@ const Operation kGrowingArrays[] = {
              outer.unlock();
              outer.lock();
          });
+         return seen("released");
      }},
 };
-INSTANTIATE_TEST_SUITE_P(GrowingArrays, Exhaustion, testing::ValuesIn(kGrowingArrays),
-                         operationName);
+INSTANTIATE_TEST_SUITE_P(Arrays, Exhaustion, testing::ValuesIn(kArrays), operationName);
+
+// --- Parsers -------------------------------------------------------------------------------------
+
+constexpr char kLongItem[] =
+    "an item of more than sixty-three characters so that it takes two grains";
+const std::string kList = std::string("one,,") + kLongItem + ",last";
+const std::string kEscaped = std::string("a\\;b\\nc;") + kLongItem + "\\;x";
+const std::string kPairs = std::string("FREQ=DAILY,COUNT=3,TEXT=") + kLongItem + ",=none";
+
+// A list and a list of pairs, each with what it was given before. Some items may be missing.
+struct Parsers {
+    CBxParseValues list;
+    CBxParseValues filled;
+    CBxParsePairValues pairs;
+    CBxParsePairValues filledPairs;
+    VStr text{"old"};
+
+    Parsers() {
+        filled.BuildSymbolArray("one and a little more;x,two");
+        filledPairs.BuildSymbolArray("A=1,COUNT=2,=none");
+    }
+    Outcome left(const Attempt&) {
+        Outcome outcome = seen(text);
+        for (int i = 0; i < list.GetSize(); ++i) outcome.push_back(shown(list[i]));
+        outcome.resize(6, kNull);
+        for (const char* name : {"FREQ", "COUNT", "TEXT", "", "A"})
+            outcome.push_back(shown(pairs.GetValueOf(name)));
+        list.SetAddEmptyItems(false);
+        list.SetSeparators(",");
+        list.RemoveSymbols();
+        list.BuildSymbolArray("p,q");
+        pairs.BuildSymbolArray("NEW=value");
+        outcome.push_back(together(list[0], list[1], pairs.GetValueOf("NEW")));
+        return outcome;
+    }
+};
+
+const Operation kParsers[] = {
+    on<Parsers>("Split", {kNull, "", "one", kLongItem, "last"},
+                [](Parsers& made) {
+                    made.list.SetAddEmptyItems(true);
+                    made.list.BuildSymbolArray(kList.c_str());
+                }),
+    on<Parsers>("SplitEscapes", {kNull, "a;b\r\nc", kLongItem + std::string(";x")},
+                [](Parsers& made) {
+                    made.list.SetSeparators(";\\");
+                    made.list.EscapeNewLines(true);
+                    made.list.BuildSymbolArray(kEscaped.c_str());
+                }),
+    on<Parsers>("Join", {kNull},
+                [](Parsers& made) { made.filled.ArrayToString(made.text, ";", true); }),
+    on<Parsers>("CopyParser", {kNull},
+                [](Parsers& made) { made.list = CBxParseValues(made.filled); }),
+    on<Parsers>("Pairs", {kNull},
+                [](Parsers& made) { made.pairs.BuildSymbolArray(kPairs.c_str()); }),
+    on<Parsers>("PairValue", {kNull},
+                [](Parsers& made) { made.text = made.filledPairs.GetValueOf("A"); }),
+    on<Parsers>("CopyPairs", {kNull},
+                [](Parsers& made) { made.pairs = CBxParsePairValues(made.filledPairs); }),
+};
+INSTANTIATE_TEST_SUITE_P(Parsers, Exhaustion, testing::ValuesIn(kParsers), operationName);
 
 }  // namespace
 

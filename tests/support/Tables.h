@@ -1,4 +1,5 @@
-// Tab-separated tables of the public data, and the count of what became of their rows. One thread.
+// Tables of cases: files of this tree, tab-separated ones of the public data, and the count of what
+// became of their rows. One thread.
 #ifndef QEL_TESTS_SUPPORT_TABLES_H
 #define QEL_TESTS_SUPPORT_TABLES_H
 
@@ -11,6 +12,17 @@ namespace qel::test {
 using Row = std::map<std::string, std::string>;
 
 [[nodiscard]] std::vector<std::string> split(const std::string& text, char separator);
+
+// The cases of a file below tests/, which are parted by empty lines:
+//
+//   # A remark.
+//   every third day                      the sentence, field "case"
+//     record: 1 from 20050615 every 3    fields, as their test names them
+//     dates: 20050615 20050618
+//
+// In a value \n, \r, \t, \s (a blank), \\ and \xNN are characters. Throws std::runtime_error where
+// there is nothing to read.
+[[nodiscard]] std::vector<Row> cases(const std::string& file);
 
 // The rows of tables/NAME by column name; empty when the table is not there.
 [[nodiscard]] std::vector<Row> table(const std::string& name);
