@@ -44,9 +44,24 @@ int reportBadZone(int line, int zone) {
     return BxTrace_Error_SL(kSourceName, line, "invalid timezoneID", zone, kBadZoneNumber);
 }
 
-bool has(const char* text, char c) {
-    return text != nullptr && std::strchr(text, c) != nullptr;
-}
+// A date-time text, looked through once. A null one has no T, no Z and no length.
+struct TimeText {
+    const char* text;
+    std::size_t length = 0;
+    bool timed = false;  // has a T
+    bool utc = false;    // has a Z
+
+    explicit TimeText(const char* t) : text(t) {
+        for (; t != nullptr && t[length] != '\0'; ++length) {
+            timed = timed || t[length] == 'T';
+            utc = utc || t[length] == 'Z';
+        }
+    }
+    // From a position on, empty when the text ends before it.
+    [[nodiscard]] const char* tail(std::size_t position) const {
+        return position < length ? text + position : "";
+    }
+};
 
 constexpr char foldCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
@@ -57,19 +72,14 @@ bool equalNoCase(const char* a, const char* b) {
     return *a == *b;
 }
 
-// The part of a text from a position on, empty when the text ends before it.
-const char* tail(const char* text, std::size_t position) {
-    return std::memchr(text, '\0', position) == nullptr ? text + position : "";
-}
-
-ZoneTime parseZoneTime(const char* text) {
+ZoneTime parseZoneTime(const TimeText& in) {
     ZoneTime time;
-    if (text == nullptr) return time;
-    time.date = qel::decimalField(text, 8);
-    if (has(text, 'T')) {
+    if (in.text == nullptr) return time;
+    time.date = qel::decimalField(in.text, 8);
+    if (in.timed) {
         // A signed field is no time of day; it counts as 0.
-        time.hour = static_cast<std::uint8_t>(std::max(qel::decimalField(tail(text, 9), 2), 0));
-        time.minute = static_cast<std::uint8_t>(std::max(qel::decimalField(tail(text, 11), 2), 0));
+        time.hour = static_cast<std::uint8_t>(std::max(qel::decimalField(in.tail(9), 2), 0));
+        time.minute = static_cast<std::uint8_t>(std::max(qel::decimalField(in.tail(11), 2), 0));
     }
     return time;
 }
@@ -85,10 +95,30 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
     return qel::decimalField(ZQ_CodeDateToAlpha(neighbour, text), 8);
 }
 
-// The text of a zone time less an offset, hour and minute alone. An offset of less than an hour
-// moves nothing, its minutes included.
-void writeLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes,
-                     char (&text)[kTextRoom]) {
+// "%8dT%02d%02d"; gives where its terminator would stand.
+char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextRoom]) {
+    const bool ordinary =
+        date >= 0 && date <= 99999999 && hour >= 0 && hour <= 99 && minute >= 0 && minute <= 99;
+    if (!ordinary) {
+        return text + std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date),
+                                    hour, minute);
+    }
+    std::memset(text, ' ', 8);
+    int at = 8;
+    do {
+        text[--at] = static_cast<char>('0' + date % 10);
+        date /= 10;
+    } while (date != 0);
+    text[8] = 'T';
+    for (int i = 0; const int part : {hour / 10, hour % 10, minute / 10, minute % 10})
+        text[9 + i++] = static_cast<char>('0' + part);
+    return text + 13;
+}
+
+// Writes a zone time less an offset, hour and minute alone, and gives its end. An offset of less
+// than an hour moves nothing, its minutes included.
+char* writeLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes,
+                      char (&text)[kTextRoom]) {
     std::int32_t date = time.date;
     int hour = time.hour;
     int minute = time.minute;
@@ -125,12 +155,12 @@ void writeLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes,
             date = neighbourDay(date, -1);
         }
     }
-    std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date), hour, minute);
+    return writeZoneTime(date, hour, minute, text);
 }
 
 // The two second digits of a text, as many as there are; a Z in their place is none.
-std::string_view secondDigits(const char* text) {
-    const char* const seconds = tail(text, 13);
+std::string_view secondDigits(const TimeText& in) {
+    const char* const seconds = in.tail(13);
     std::size_t count = 0;
     while (count < 2 && seconds[count] != '\0' && seconds[count] != 'Z') ++count;
     return {seconds, count};
@@ -144,22 +174,20 @@ int setText(const char* text, VStr& out) {
     return lost ? QEL_OUT_OF_MEMORY : QEL_OK;
 }
 
-// Sets `out` to a zone time less an offset, its seconds those of `text`, with `mark` behind it.
-int convert(const char* text, const ZoneTime& time, int hours, int minutes, const char* mark,
+// Sets `out` to a zone time less an offset, its seconds those of `in`, with `mark` behind it.
+int convert(const TimeText& in, const ZoneTime& time, int hours, int minutes, const char* mark,
             VStr& out) {
-    char start[kTextRoom];
-    writeLessOffset(time, hours, minutes, start);
-    const std::string_view seconds = secondDigits(text);
-    char whole[kTextRoom + 4];
-    std::snprintf(whole, sizeof whole, "%s%.*s%s", start, static_cast<int>(seconds.size()),
-                  seconds.data(), mark);
+    char whole[kTextRoom];
+    char* end = writeLessOffset(time, hours, minutes, whole);
+    for (const char digit : secondDigits(in)) *end++ = digit;
+    std::strcpy(end, mark);
     return setText(whole, out);
 }
 
 // Whether a text needs no conversion to UTC: one without a time, or in UTC.
-bool needsNoUtc(const char* text, int line) {
-    if (!has(text, 'T')) return true;
-    if (!has(text, 'Z')) return false;
+bool needsNoUtc(const TimeText& in, int line) {
+    if (!in.timed) return true;
+    if (!in.utc) return false;
     BxTrace_Trace1(kSourceName, line, "local time is actually in UTC!");
     return true;
 }
@@ -239,37 +267,39 @@ void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
 }
 
 int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
-    if (has(text, 'T') && !qel::isZoneNumber(zone)) {
+    const TimeText in(text);
+    if (in.timed && !qel::isZoneNumber(zone)) {
         reportBadZone(kLineLocalOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;
     }
-    if (needsNoUtc(text, kLineUtcToUtc)) return setText(text, out);
-    ZoneTime time = parseZoneTime(text);
+    if (needsNoUtc(in, kLineUtcToUtc)) return setText(text, out);
+    ZoneTime time = parseZoneTime(in);
     if (const int code = zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0) return code;
-    return convert(text, time, time.offsetHours, time.offsetMinutes, "Z", out);
+    return convert(in, time, time.offsetHours, time.offsetMinutes, "Z", out);
 }
 
 int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, const char* text, VStr& out) {
-    if (needsNoUtc(text, kLineUtcToUtcByOffset)) return setText(text, out);
-    return convert(text, parseZoneTime(text), clampOffset(offsetHours), clampOffset(offsetMinutes),
-                   "Z", out);
+    const TimeText in(text);
+    if (needsNoUtc(in, kLineUtcToUtcByOffset)) return setText(text, out);
+    return convert(in, parseZoneTime(in), clampOffset(offsetHours), clampOffset(offsetMinutes), "Z",
+                   out);
 }
 
 int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
-    const bool timed = has(text, 'T');
-    if (timed && !qel::isZoneNumber(zone)) {
+    const TimeText in(text);
+    if (in.timed && !qel::isZoneNumber(zone)) {
         reportBadZone(kLineUtcOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;
     }
-    if (!timed || !has(text, 'Z')) {
+    if (!in.timed || !in.utc) {
         const int result = setText(text, out);
-        return result == QEL_OK && timed ? kNotUtc : result;
+        return result == QEL_OK && in.timed ? kNotUtc : result;
     }
-    ZoneTime time = parseZoneTime(text);
+    ZoneTime time = parseZoneTime(in);
     if (const int code = zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0) return code;
-    return convert(text, time, -time.offsetHours, -time.offsetMinutes, "", out);
+    return convert(in, time, -time.offsetHours, -time.offsetMinutes, "", out);
 }
 
 int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone) {

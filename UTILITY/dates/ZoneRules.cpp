@@ -57,12 +57,19 @@ std::optional<std::int64_t> momentIn(int year, const platform::ZoneChangeMoment&
 FileTimeFields splitFileTime(std::int64_t fileTime) {
     const std::int64_t days = fileTime / kFileTimePerDay;
     const auto seconds = static_cast<int>(fileTime % kFileTimePerDay / kFileTimePerSecond);
+    const int hour = seconds / 3600;
+    const int minute = seconds % 3600 / 60;
+    const std::int64_t code = days - kFileTimeOf1900 / kFileTimePerDay;
+    if (isCodeDate(code)) {
+        const CivilDate date = decodeCivilDate(static_cast<int>(code));
+        return {date.year, date.month, date.day, hour, minute, seconds % 60};
+    }
     const chr::year_month_day date(kFileTimeEpoch + chr::days(days));
     return {static_cast<int>(date.year()),
             static_cast<int>(static_cast<unsigned>(date.month())),
             static_cast<int>(static_cast<unsigned>(date.day())),
-            seconds / 3600,
-            seconds % 3600 / 60,
+            hour,
+            minute,
             seconds % 60};
 }
 

@@ -83,11 +83,54 @@ TimeZoneDescription presentOffset() {
     return zone;
 }
 
+TimeZoneDescription describe(const char* rule, int year) noexcept {
+    TimeZoneDescription zone;
+    return parsePosixZoneRule(rule, year, zone) ? zone : presentOffset();
+}
+
+// A thread's last answer. It holds for as long as TZ says the same and the clock's tick is the
+// same: a zone file that is replaced counts a few milliseconds later.
+struct KnownZone {
+    bool known = false;
+    bool named = false;  // TZ is set
+    std::uint32_t tick = 0;
+    int year = 0;
+    TimeZoneDescription zone;
+    char name[48] = "";   // the value of TZ
+    char rule[128] = "";  // its rule text
+
+    [[nodiscard]] bool answers(const char* value, std::uint32_t now) const noexcept {
+        return known && tick == now && named == (value != nullptr) &&
+               (value == nullptr || std::strcmp(name, value) == 0);
+    }
+    void learn(const char* value, std::uint32_t now, const char* text) noexcept {
+        known = std::strlen(text) < sizeof rule &&
+                (value == nullptr ||
+                 (std::strlen(value) < sizeof name && std::getenv("TZDIR") == nullptr));
+        if (!known) return;
+        named = value != nullptr;
+        tick = now;
+        std::strcpy(name, named ? value : "");
+        std::strcpy(rule, text);
+    }
+};
+
 }  // namespace
 
 TimeZoneDescription currentTimeZone(int year) noexcept {
-    TimeZoneDescription zone;
-    return parsePosixZoneRule(currentRuleText().text, year, zone) ? zone : presentOffset();
+    thread_local KnownZone last;
+    const char* const value = std::getenv("TZ");
+    const std::uint32_t now = tickCount();
+    if (!last.answers(value, now)) {
+        const RuleText rule = currentRuleText();
+        last.learn(value, now, rule.text);
+        last.zone = describe(rule.text, year);
+        last.year = year;
+    } else if (last.year != year) {
+        last.zone = describe(last.rule, year);
+        last.year = year;
+    }
+    return last.zone;
 }
 
 // There is no setting here that turns a zone's daylight saving off.
