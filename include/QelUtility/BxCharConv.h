@@ -84,9 +84,9 @@ class QELUTILITY_API CBxCharConvSvcs {
     /// bits, with 22 for a null or empty name and 12 when memory is exhausted.
     _iconv_info* iconv_open(const char* to, const char* from);
 
-    /// Converts all of *inLeft bytes, or nothing. 1 for a conversion; 0 for the reset call, a null
-    /// `in` or *in with a descriptor, which does nothing; the number of bytes copied by a byte
-    /// copier, and for no input; or 0xFFFFFFFF, with
+    /// Converts all of `*inLeft` bytes, or nothing. 1 for a conversion; 0 for the reset call, a
+    /// null `in` or `*in` with a descriptor, which does nothing; the number of bytes copied by a
+    /// byte copier, and for no input; or 0xFFFFFFFF, with
     /// - 7: the output is too small (a byte copier fills it, and the copied bytes are consumed)
     /// - 9: a null argument, or the platform refused
     /// - 12: no memory for the work buffer

@@ -20,8 +20,8 @@ extern "C" {
 /// separator line, "On 06/15/05 14:02:11", and the message. Reports no failure.
 QELUTILITY_API void QELUTILITY_CALL WriteToUserLog(const char* message);
 
-/// Reads a whole file. On success *data is a block of *size + 1 bytes, the last of them zero, that
-/// the caller frees by free(). On failure *data is null and *size 0:
+/// Reads a whole file. On success `*data` is a block of `*size` + 1 bytes, the last of them zero,
+/// that the caller frees by free(). On failure `*data` is null and `*size` 0:
 /// - 2005: the file cannot be opened, or is no file of bytes (not logged)
 /// - 2001: no memory for it (logged with the size)
 /// - 2007: fewer bytes could be read than it has (logged with errno)

@@ -3,14 +3,14 @@
 /// Plain C buffers with sizes, NUL bytes inside them allowed; the caller owns every buffer. The
 /// functions keep no state: any thread may call them at any time.
 ///
-/// All three report the exact length of the result in *resultLength (may be null) before they
+/// All three report the exact length of the result in `*resultLength` (may be null) before they
 /// write, also when the result does not fit, and return
 /// - 0: done; with a null `out` only the length was computed;
-/// - QEL_OUTPUT_TOO_SMALL: outSize is below *resultLength + 1; nothing was written;
-/// - QEL_NOT_INITIALIZED: `text` is null and length is not 0; *resultLength is 0;
-/// - QEL_OUT_OF_MEMORY: the result would be longer than a size_t can say; *resultLength is 0.
+/// - QEL_OUTPUT_TOO_SMALL: outSize is below `*resultLength` + 1; nothing was written;
+/// - QEL_NOT_INITIALIZED: `text` is null and length is not 0; `*resultLength` is 0;
+/// - QEL_OUT_OF_MEMORY: the result would be longer than a size_t can say; `*resultLength` is 0.
 ///
-/// A result in `out` is followed by a NUL that *resultLength does not count. They log nothing.
+/// A result in `out` is followed by a NUL that `*resultLength` does not count. They log nothing.
 #ifndef QELUTILITY_BXQUOTEDPRINTABLE_H
 #define QELUTILITY_BXQUOTEDPRINTABLE_H
 

@@ -34,7 +34,7 @@ extern "C" {
 /// Writes `repeat` as a rule. `exclusions` becomes its excluded dates, eight digits each, separated
 /// by commas; `startText` its start date, eight digits. Unless `noCount` is set, an end date at
 /// most 99 occurrences away becomes COUNT and UNTIL is dropped; otherwise UNTIL stays and
-/// BXREPEAT_COUNT_UNKNOWN is set. *flags, which may be null, is set to 0 first.
+/// BXREPEAT_COUNT_UNKNOWN is set. `*flags`, which may be null, is set to 0 first.
 ///
 /// Returns 0; 2001, reported, with the text at hand null, where memory is exhausted; or -1: for the
 /// types 0, 9 and those outside 0 to 15 (nothing is reported), and, after
@@ -53,7 +53,7 @@ QELUTILITY_API int QELUTILITY_CALL BxUtil_BxRepeatToRRule(ZQTR_REPEAT* repeat, _
 /// must have been freed. `startText` is the start date, eight digits; `exclusions`, null or a list
 /// separated by commas, becomes an array allocated with malloc, which the record's owner frees with
 /// free, also after a failure. At most 32,767 of them are kept; more are a reported error that does
-/// not fail the call. *endFromRule becomes 0 when the end date was computed from COUNT, otherwise
+/// not fail the call. `*endFromRule` becomes 0 when the end date was computed from COUNT, otherwise
 /// 1; it and `flags` may be null.
 ///
 /// Returns 0, or a code after one reported error; `repeat` may then be partly filled:

@@ -119,11 +119,11 @@ QELUTILITY_API const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, 
 /// @}
 
 /// @name Readers
-/// Each resets `rule` to the defaults, sets *flags (which may be null) to 0, and
+/// Each resets `rule` to the defaults, sets `*flags` (which may be null) to 0, and
 /// reads `text` (null counts as empty) leniently: what is unknown or malformed is ignored or read
 /// as 0. They return 0, or -1 for an unknown frequency, which is reported ("Bad FREQ" and the
-/// offending text) and leaves the defaults in `rule`. *flags becomes RRULE_UNTIL_HAS_TIME when the
-/// end date is longer than 8 characters. Numbers beyond 32 bits saturate. Time is linear in the
+/// offending text) and leaves the defaults in `rule`. `*flags` becomes RRULE_UNTIL_HAS_TIME when
+/// the end date is longer than 8 characters. Numbers beyond 32 bits saturate. Time is linear in the
 /// text's length.
 /// @{
 

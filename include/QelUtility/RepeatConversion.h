@@ -15,26 +15,26 @@
 /// 7, months 1 to 12, an instance is the week of the month.
 class IRepeat {
   public:
-    /// *day becomes the day of the month, 1 to 31.
+    /// `*day` becomes the day of the month, 1 to 31.
     virtual long QELUTILITY_STDCALL GetDayOfMonth(short* day) = 0;
     /// As GetDayOfMonth gives it.
     virtual long QELUTILITY_STDCALL SetDayOfMonth(int day) = 0;
-    /// *month becomes the month, 1 to 12.
+    /// `*month` becomes the month, 1 to 12.
     virtual long QELUTILITY_STDCALL GetMonthOfYear(short* month) = 0;
     /// As GetMonthOfYear gives it.
     virtual long QELUTILITY_STDCALL SetMonthOfYear(int month) = 0;
-    /// *weekday becomes the weekday, 1 (Sunday) to 7.
+    /// `*weekday` becomes the weekday, 1 (Sunday) to 7.
     virtual long QELUTILITY_STDCALL GetDayOfWeek(short* weekday) = 0;
     /// As GetDayOfWeek gives it.
     virtual long QELUTILITY_STDCALL SetDayOfWeek(int weekday) = 0;
-    /// *week becomes the week of the month, 1 to 5, 5 = last.
+    /// `*week` becomes the week of the month, 1 to 5, 5 = last.
     virtual long QELUTILITY_STDCALL GetInstance(short* week) = 0;
     /// As GetInstance gives it.
     virtual long QELUTILITY_STDCALL SetInstance(int week) = 0;
     /// `days`: 7 flags of 32 bits, Sunday first, valid during the call.
     virtual long QELUTILITY_STDCALL SetDaysOfWeek(int* days) = 0;
-    /// *days becomes a pointer to 7 flags of 16 bits, Sunday first, that the object keeps. Setting
-    /// takes 32-bit flags and getting gives 16-bit ones: that is the host's contract.
+    /// `*days` becomes a pointer to 7 flags of 16 bits, Sunday first, that the object keeps.
+    /// Setting takes 32-bit flags and getting gives 16-bit ones: that is the host's contract.
     virtual long QELUTILITY_STDCALL GetDaysOfWeek(short** days) = 0;
 
   protected:

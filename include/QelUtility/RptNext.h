@@ -89,22 +89,23 @@ extern "C" {
 /// first. Returns 0; a null record is left alone.
 QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 
-/// Computes one occurrence of `repeat`. On entry *previous is the occurrence of the last call, or
-/// -1 to ask for the first one; on success the new occurrence stands in *next and in *previous, so
-/// that the caller simply calls again, and the result is 0. endDate and exclusions are not looked
-/// at.
+/// Computes one occurrence of `repeat`. On entry `*previous` is the occurrence of the last call, or
+/// -1 to ask for the first one; on success the new occurrence stands in `*next` and in `*previous`,
+/// so that the caller simply calls again, and the result is 0. endDate and exclusions are not
+/// looked at.
 ///
 /// Fails with 4008 (QEL_REPEAT_ENGINE) after one reported error: a start below 0, an end below -1,
 /// an interval or unit count below 1, an unknown type, fields that yield no date, or an occurrence
 /// past 31 December 2499; the types 1, 2 and 12 only add days, and fail past 32 bits alone. A
-/// failing call may already have changed *next and *previous. A record of type 0 only copies *next
-/// into *previous. The types 8 and 15 never fail: past 2080 they return the day they have come to.
+/// failing call may already have changed `*next` and `*previous`. A record of type 0 only copies
+/// `*next` into `*previous`. The types 8 and 15 never fail: past 2080 they return the day they have
+/// come to.
 ///
-/// The types 3, 4, 6, 7, 10 and 11 read a *previous of -2 as "one step after the start's period".
+/// The types 3, 4, 6, 7, 10 and 11 read a `*previous` of -2 as "one step after the start's period".
 /// Weeks of type 12 run from Sunday to Saturday. A day that a month lacks is its last day: day 31
 /// from 31 January 2005 goes on to 28 February and 31 March 2005. Type 5 keeps the month of
-/// *previous, type 15 goes from December to January of the year after next, and the last weekday of
-/// the start's quarter (type 14) may precede the start. A series whose fields are outside their
+/// `*previous`, type 15 goes from December to January of the year after next, and the last weekday
+/// of the start's quarter (type 14) may precede the start. A series whose fields are outside their
 /// ranges may yield a date that is not later than the previous one; a caller that loops must stop
 /// there.
 QELUTILITY_API int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous);
