@@ -37,7 +37,9 @@ struct _iconv_info {
 /// A converter between UTF-8 and one character set, or between two sets.
 class QELUTILITY_API CBxCharConvSvcs {
   public:
+    /// Not initialised: every conversion fails until one of the Initialize functions.
     CBxCharConvSvcs();
+    /// Closes the conversion.
     virtual ~CBxCharConvSvcs();
 
     ///@{

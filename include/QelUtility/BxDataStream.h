@@ -31,6 +31,7 @@
 /// SetExtBuf or let go of by DisownBuffer; never freed and never grown).
 class QELUTILITY_API CBxBuffer {
   public:
+    /// No storage yet; what is allocated later is owned.
     CBxBuffer();
     ///@{
     /// Both buffers share the storage afterwards: one of the two must be disowned before either
@@ -38,6 +39,7 @@ class QELUTILITY_API CBxBuffer {
     CBxBuffer(const CBxBuffer& o);
     CBxBuffer& operator=(const CBxBuffer& o);
     ///@}
+    /// Frees owned storage.
     virtual ~CBxBuffer();
 
     /// Room for `needed` more bytes at the position and one to spare, what lies before the position
@@ -77,6 +79,7 @@ class QELUTILITY_API CBxBuffer {
 /// A list of integers of 32 bits.
 class QELUTILITY_API CBxIntList {
   public:
+    /// An empty list.
     CBxIntList();
     ///@{
     /// Deep; a copy that there is no memory for is empty.
@@ -99,11 +102,13 @@ class QELUTILITY_API CBxIntList {
 /// Values one after the other in one text; see BxDataStream.h for its form.
 class QELUTILITY_API CBxDataStream : public CBxBuffer {
   public:
+    /// An empty stream, ready to write.
     CBxDataStream();
     /// Shares the storage, as CBxBuffer.
     CBxDataStream(const CBxDataStream& o);
     /// Becomes a copy of the other's content, ready to read.
     CBxDataStream& operator=(CBxDataStream& other);
+    /// Frees owned storage.
     ~CBxDataStream() override;
 
     /// A stream that holds a copy of `size` bytes, with the position at their start to read or just

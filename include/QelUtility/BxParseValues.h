@@ -52,6 +52,7 @@ class QELUTILITY_API CBxSymbolParser {
     void RemoveSymbols();
 
   protected:
+    /// No items; separated by ",", empty items left out.
     CBxSymbolParser();
     ///@{
     /// Deep; the copy reads on in the same text.
@@ -74,6 +75,7 @@ class QELUTILITY_API CBxSymbolParser {
 /// Splits a text into items.
 class QELUTILITY_API CBxParseValues : public CBxSymbolParser {
   public:
+    /// No items; separated by ",", empty items left out.
     CBxParseValues();
     ///@{
     /// Deep; the copy reads on in the same text.
@@ -91,6 +93,7 @@ class QELUTILITY_API CBxParseValues : public CBxSymbolParser {
 /// Splits a text into items and looks up those that are pairs, "name=value".
 class QELUTILITY_API CBxParsePairValues : public CBxSymbolParser {
   public:
+    /// No items and no pairs; separated by ",", empty items left out.
     CBxParsePairValues();
     ///@{
     /// Deep; the copy reads on in the same text.

@@ -52,6 +52,7 @@ class QELUTILITY_API CBxTimeZoneUtility {
     };
     static_assert(sizeof(_EXCH_TZ) == 48);
 
+    /// Without offsets until Initialize.
     CBxTimeZoneUtility() = default;
     ///@{
     /// The copy has the offsets that were loaded, and a result buffer of its own.

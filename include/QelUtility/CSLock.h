@@ -10,6 +10,7 @@
 /// An object with a recursive lock of its own, for CSLock to hold.
 class QELUTILITY_API CSLockable {
   public:
+    /// The lock is free.
     CSLockable();
     /// The copy has a lock of its own, which is free.
     CSLockable(const CSLockable& o);

@@ -38,6 +38,7 @@ class QELUTILITY_API VStr {
 
     // --- Construction and assignment -------------------------------------------------------------
 
+    /// A null string.
     VStr();
     /// Null for a null or empty `s`.
     VStr(const char* s);
@@ -48,6 +49,7 @@ class QELUTILITY_API VStr {
     VStr(const VStr& o);
     /// `n` times c, at least once.
     VStr(char c, int n);
+    /// Frees the block.
     ~VStr();
 
     ///@{

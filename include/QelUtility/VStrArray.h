@@ -17,9 +17,11 @@
 /// array keeps its size but has no elements. Negative counts and positions do nothing.
 class QELUTILITY_API VStrArray {
   public:
+    /// An empty array.
     VStrArray();
     /// As Append: null elements arrive allocated empty.
     VStrArray(const VStrArray& o);
+    /// Frees the elements.
     ~VStrArray();
 
     /// The number of elements.
@@ -92,6 +94,7 @@ class CBxArray;
 template <>
 class QELUTILITY_API CBxArray<VStr> {
   public:
+    /// An empty array.
     CBxArray();
     ///@{
     /// Copying is deep. Where memory is exhausted the copy is empty, or the elements that there was
@@ -99,6 +102,7 @@ class QELUTILITY_API CBxArray<VStr> {
     CBxArray(const CBxArray& o);
     CBxArray& operator=(const CBxArray& o);
     ///@}
+    /// Frees the elements.
     ~CBxArray();
 
     /// The number of elements.
@@ -128,12 +132,14 @@ class QELUTILITY_API CBxArray<VStr> {
 /// A CBxArray of strings with two operations more.
 class QELUTILITY_API Bx_VStrArray : public CBxArray<VStr> {
   public:
+    /// An empty array.
     Bx_VStrArray();
     ///@{
     /// Deep, as the base's copying.
     Bx_VStrArray(const Bx_VStrArray& o);
     Bx_VStrArray& operator=(const Bx_VStrArray& o);
     ///@}
+    /// Frees the elements.
     ~Bx_VStrArray();
 
     /// Takes the text of `v` over, which is null afterwards. Gives the new element's index, or -1
