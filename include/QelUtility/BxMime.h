@@ -12,9 +12,10 @@
 extern "C" {
 #endif
 
-/// The end of the logical line that begins at `text`: its line break, or the text's NUL. `*next` (a
-/// null `next` is tolerated) receives where the following line begins. A line break before a space
-/// or a tab folds the line rather than ending it. A null or empty text gives itself.
+/// The end of the logical line (folding as in RFC 2445 section 4.1) that begins at `text`: its line
+/// break, or the text's NUL. `*next` (a null `next` is tolerated) receives where the following line
+/// begins. A line break before a space or a tab folds the line rather than ending it. A null or
+/// empty text gives itself.
 ///
 /// The first line break is the first CR of the whole text, and the first LF only where there is no
 /// CR at all: text that mixes LF and CR LF is measured from its first CR. In text with LF alone the
@@ -23,10 +24,10 @@ extern "C" {
 /// "A: b\r\n c\r\nD: e" gives the second CR, and the D as next.
 QELUTILITY_API char* QELUTILITY_CALL GetFoldedLineEnd(char* text, char** next);
 
-/// The boundary of a "multipart/...; boundary=..." value, in `out` and as its text. Null, with
-/// `out` unchanged, for any other value: another type than "multipart", no ";", or a parameter
-/// before the boundary whose name is not eight characters long. Names are compared without regard
-/// to case.
+/// The boundary (RFC 2046 section 5.1.1) of a "multipart/...; boundary=..." value, in `out` and as
+/// its text. Null, with `out` unchanged, for any other value: another type than "multipart", no
+/// ";", or a parameter before the boundary whose name is not eight characters long. Names are
+/// compared without regard to case.
 ///
 /// The boundary runs to the end of the folded line or to the first double quote, tab, CR or LF; a
 /// blank or ";" does not end it, so "boundary=a; x=y" gives "a; x=y". A quote before the value is

@@ -4,7 +4,8 @@
 /// time uses a parser. Between calls it points into the caller's text, which must stay as it is
 /// until the parse is over; the items themselves are copies.
 ///
-/// Escapes of vCard and vCalendar values ("\,", "\;", "\\") are resolved when the backslash is one
+/// Escapes of vCard and vCalendar values ("\,", "\;", "\\"; RFC 2425 section 5.8.4, RFC 2445
+/// section 4.3.11) are resolved when the backslash is one
 /// of the separators; else it is an ordinary character. No text is malformed: every text yields
 /// items. When memory is exhausted the item or text at hand is a null string, and a parse may end
 /// there; nothing is thrown.

@@ -1,9 +1,9 @@
 /// @file
 /// Conversion between the two shapes of a recurrence, the packed repeat record that the engine
 /// steps (RptNext.h) and the rule record that the rule texts are read into and written from
-/// (RRule.h), with its exclusion dates as an EXDATE list. What the other shape cannot hold exactly
-/// is told in a bit set of warnings instead of failing. No state is kept: any thread may call, on
-/// records of its own.
+/// (RRule.h), with its exclusion dates as an EXDATE list (RFC 2445 section 4.8.5.1). What the other
+/// shape cannot hold exactly is told in a bit set of warnings instead of failing. No state is kept:
+/// any thread may call, on records of its own.
 #ifndef QELUTILITY_BXREPEAT_H
 #define QELUTILITY_BXREPEAT_H
 

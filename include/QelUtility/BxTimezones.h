@@ -2,7 +2,7 @@
 /// Conversion of date-time texts between local time and UTC: by the rules of the computer's own
 /// zone (CBxTimeZoneUtility), and by a built-in table of 77 named zones with their changes of
 /// offset from 1990 to 2010 (the BxTZ_ functions). A date-time text is an eight-digit date, the
-/// letter T, a six-digit time and, for UTC, the letter Z.
+/// letter T, a six-digit time and, for UTC, the letter Z (RFC 2445 section 4.3.5).
 ///
 /// The BxTZ_ functions that give a text return 2001, and the text is null, where memory is
 /// exhausted.

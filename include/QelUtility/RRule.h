@@ -98,11 +98,11 @@ QELUTILITY_API int BxUtil_InitializeRRULE(_rruleRepeat* rule);
 /// Where memory is exhausted they return null and `out` is a null string.
 /// @{
 
-/// Writes `rule` as an RFC 2445 RRULE value into `out` (emptied first) and returns out's text, or
-/// null when no frequency bit is set (`out` then holds "FREQ=") or `rule` is null. UNTIL wins over
-/// COUNT; INTERVAL is written even when it is 1; positions go out as BYSETPOS alone, never as
-/// prefixes of BYDAY; WKST is never written. `withTime` keeps the time of day of UNTIL and its "Z",
-/// otherwise only the eight-digit date is written.
+/// Writes `rule` as an RRULE value (RFC 2445 section 4.8.5.4) into `out` (emptied first) and
+/// returns out's text, or null when no frequency bit is set (`out` then holds "FREQ=") or `rule` is
+/// null. UNTIL wins over COUNT; INTERVAL is written even when it is 1; positions go out as BYSETPOS
+/// alone, never as prefixes of BYDAY; WKST is never written. `withTime` keeps the time of day of
+/// UNTIL and its "Z", otherwise only the eight-digit date is written.
 ///
 /// Every 2 weeks on MO, WE and FR until 31 December 2005, without time:
 /// "FREQ=WEEKLY;UNTIL=20051231;INTERVAL=2;BYDAY=MO,WE,FR".
@@ -135,17 +135,18 @@ QELUTILITY_API const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, 
 /// times, interval 2, Monday and Wednesday.
 QELUTILITY_API int BxUtil_PositionaltoRRULE(const char* text, _rruleRepeat* rule, int* flags);
 
-/// Reads an iCalendar RRULE value, ";"-separated NAME=VALUE parts; of a name given twice the first
-/// counts. BYMONTHDAY and WKST are not read: the month days are taken from BYMONTH as well as the
-/// months ("FREQ=YEARLY;BYMONTH=6;BYMONTHDAY=15" gives month day 6 and June), and the week start is
-/// read from a part named BYWEEKST. The positional form loses neither. The ordinals of BYDAY are
-/// kept as positions ("BYDAY=-1FR" gives FR and position -1).
+/// Reads an iCalendar RRULE value (RFC 2445 section 4.8.5.4), ";"-separated NAME=VALUE parts; of a
+/// name given twice the first counts. BYMONTHDAY and WKST are not read: the month days are taken
+/// from BYMONTH as well as the months ("FREQ=YEARLY;BYMONTH=6;BYMONTHDAY=15" gives month day 6 and
+/// June), and the week start is read from a part named BYWEEKST. The positional form loses neither.
+/// The ordinals of BYDAY are kept as positions ("BYDAY=-1FR" gives FR and position -1).
 QELUTILITY_API int BxUtil_PositionalV20toRRULE(const char* text, _rruleRepeat* rule, int* flags);
 
-/// Reads a vCalendar 1.0 RRULE value: a frequency code with its interval (D, W, MP, MD, YM, YD),
-/// modifiers, and "#count" or an end date of at least 8 characters as the last token; tokens are
-/// separated by single spaces, letters matched with regard to case. Of several positions the last
-/// one is kept; "1-" in an MD rule reads as day 1; the modifiers of a daily rule are passed over.
+/// Reads a vCalendar 1.0 RRULE value (its Basic Recurrence Rule Grammar): a frequency code with its
+/// interval (D, W, MP, MD, YM, YD), modifiers, and "#count" or an end date of at least 8 characters
+/// as the last token; tokens are separated by single spaces, letters matched with regard to case.
+/// Of several positions the last one is kept; "1-" in an MD rule reads as day 1; the modifiers of a
+/// daily rule are passed over.
 QELUTILITY_API int BxUtil_PositionalV10toRRULE(const char* text, _rruleRepeat* rule, int* flags);
 /// @}
 

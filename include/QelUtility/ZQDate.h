@@ -19,9 +19,10 @@ extern "C" {
 /// is not compared with the month's length: 31 February 2005 is 3 March 2005, code 38412.
 QELUTILITY_API int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code);
 
-/// Splits an eight-digit date: the year from characters 1-4, the month from 5-6, the day from 7-8.
-/// Each field reads leading blanks, a sign and digits, and stops at the first other character; what
-/// lies past the end of a short text is 0. A null or empty text gives 0, 0, 0.
+/// Splits an eight-digit date (RFC 2445 section 4.3.4): the year from characters 1-4, the month
+/// from 5-6, the day from 7-8. Each field reads leading blanks, a sign and digits, and stops at the
+/// first other character; what lies past the end of a short text is 0. A null or empty text gives
+/// 0, 0, 0.
 QELUTILITY_API void QELUTILITY_CALL ZQ_AlphaToDate(const char* text, int* month, int* day,
                                                    int* year);
 
@@ -29,8 +30,9 @@ QELUTILITY_API void QELUTILITY_CALL ZQ_AlphaToDate(const char* text, int* month,
 /// "20050615" is 38516, "20050230" is 0.
 QELUTILITY_API int QELUTILITY_CALL ZQ_AlphaToCodeDate(const char* text);
 
-/// The code time of a time text, which is exactly four digits, hour and minute; 0 for any other
-/// text. "0930" is 34200; the six digits "093000" are 0, the same as midnight.
+/// The code time of a time text (less than RFC 2445 section 4.3.12 allows), which is exactly four
+/// digits, hour and minute; 0 for any other text. "0930" is 34200; the six digits "093000" are 0,
+/// the same as midnight.
 QELUTILITY_API int QELUTILITY_CALL ZQ_AlphaToCodeTime(const char* text);
 
 /// Writes the eight-digit date of a code date and its terminator, 9 bytes, and returns `buffer`. A
