@@ -2,7 +2,10 @@
 #include <bit>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
 
 #include "QelUtility/VStrArray.h"
 #include "strings/VStrArrayInternal.h"
@@ -24,6 +27,22 @@ constexpr int blockFor(int room) {
 
 static_assert(blockFor(128) == 128 && blockFor(4096) == 4096 && blockFor(4224) == 8192);
 
+// `n` null strings, which are nothing but zeros: made and left one by one they would cost more than
+// the items of an ordinary line. Null when memory is exhausted. An element's life begins when it is
+// counted; freeBlock ends it for the `used` first ones.
+VStr* newBlock(int n) {
+    constexpr std::size_t kMost = PTRDIFF_MAX / sizeof(VStr);
+    if (static_cast<std::size_t>(n) > kMost) return nullptr;
+    const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(VStr);
+    void* block = ::operator new(bytes, std::nothrow);
+    return block == nullptr ? nullptr : static_cast<VStr*>(std::memset(block, 0, bytes));
+}
+
+void freeBlock(VStr* block, int used) {
+    std::destroy_n(block, used);
+    ::operator delete(block);
+}
+
 }  // namespace
 
 CBxArray<VStr>::CBxArray() : m_lastIndex(-1), m_size(0), m_data(nullptr) {
@@ -43,10 +62,11 @@ CBxArray<VStr>& CBxArray<VStr>::operator=(const CBxArray& o) {
     if (this == &o) return *this;
     RemoveAll();
     if (o.m_data == nullptr) return *this;
-    m_data = qel::newStrings(blockFor(o.m_lastIndex + 1));
+    m_data = newBlock(blockFor(o.m_lastIndex + 1));
     if (m_data == nullptr) return *this;
     m_lastIndex = o.m_lastIndex;
     m_size = o.m_size;
+    std::uninitialized_default_construct_n(m_data, m_size);
     std::copy_n(o.m_data, m_size, m_data);
     return *this;
 }
@@ -64,8 +84,9 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
     const int room = m_lastIndex + 1 + kStep;
     if (room > kMostElements) return false;
     if (m_data == nullptr || blockFor(room) != blockFor(m_lastIndex + 1)) {
-        VStr* block = qel::newStrings(blockFor(room));
+        VStr* block = newBlock(blockFor(room));
         if (block == nullptr) return false;
+        std::uninitialized_default_construct_n(block, m_size);
         for (int i = 0; m_data != nullptr && i < m_size; ++i) {
             if (moving) {
                 block[i] <<= m_data[i];
@@ -73,7 +94,7 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
                 qel::takeText(block[i], m_data[i]);
             }
         }
-        delete[] m_data;
+        if (m_data != nullptr) freeBlock(m_data, m_size);
         m_data = block;
     }
     m_lastIndex = room - 1;
@@ -84,9 +105,10 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 int CBxArray<VStr>::Add(VStr v) {
     if (!GrowForOne(false)) return -1;
-    m_data[m_size] = v;
+    VStr* element = new (m_data + m_size) VStr;
+    *element = v;
     // A null string stays null; any other one that arrives as null found no memory.
-    if (m_data[m_size].Compare(nullptr) == 0 && v.Compare(nullptr) != 0) return -1;
+    if (element->Compare(nullptr) == 0 && v.Compare(nullptr) != 0) return -1;
     return m_size++;
 }
 
@@ -104,7 +126,7 @@ int CBxArray<VStr>::FindItem(VStr v) {
 }
 
 void CBxArray<VStr>::RemoveAll() {
-    delete[] m_data;
+    if (m_data != nullptr) freeBlock(m_data, m_size);
     m_data = nullptr;
     m_lastIndex = -1;
     m_size = 0;
@@ -123,7 +145,7 @@ int Bx_VStrArray::AddVStr(VStr& v) {
         v <<= taken;
         return -1;
     }
-    m_data[m_size] <<= taken;
+    *new (m_data + m_size) VStr <<= taken;
     return m_size++;
 }
 
