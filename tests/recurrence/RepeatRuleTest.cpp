@@ -12,12 +12,16 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/RepeatRecord.h"
 #include "recurrence/RuleRecordText.h"
+#include "support/Tables.h"
 #include "support/TraceCapture.h"
 
 namespace {
 
+using qel::test::cases;
 using qel::test::describe;
+using qel::test::number;
 using qel::test::Record;
+using qel::test::Row;
 using qel::test::TraceCapture;
 
 // The errors since the mark, one behind the other.
@@ -27,62 +31,10 @@ std::string reported(const TraceCapture& trace) {
     return text;
 }
 
-struct ToRule {
-    const char* sentence;
-    const char* record;
-    const char* rule;
-    int flags;
-};
-
-const ToRule kToRule[] = {
-    {"daily, six occurrences in ten days", "1 from 20050615 every 2 to 20050625",
-     "DAILY interval=2 count=6", 0},
-    {"one occurrence", "1 from 20050615 to 20050615", "DAILY count=1", 0},
-    {"none: the first call is past the end", "2 from 20050615 weekday 2 to 20050616",
-     "WEEKLY until=38517+0 parts=BYDAY days=2", 1},
-    {"99 occurrences are counted", "1 from 20050101 to 20050409", "DAILY count=99", 0},
-    {"100 are not", "1 from 20050101 to 20050410", "DAILY until=38450+0", 1},
-    {"a failing engine keeps UNTIL", "12 from 20050101 to 20050110",
-     "DAILYWEEKLY until=38360+0 parts=BYDAY", 1},
-    {"a record that never advances keeps UNTIL", "4 from 20050601 weekday 4 to 20060101",
-     "MONTHLY until=38716+0 parts=BYDAY,BYSETPOS days=4", 1},
-    {"no end, no count", "1 from 20050615", "DAILY", 0},
-    {"monthly on a day", "3 from 20050615 day 15", "MONTHLY parts=BYMONTHDAY monthdays=15", 0},
-    {"on a day that no month has", "3 from 20050615 day 32", "MONTHLY parts=BYMONTHDAY", 0},
-    {"monthly on the last Friday", "4 from 20050615 weekday 6 week 5",
-     "MONTHLY parts=BYDAY,BYSETPOS days=6 positions=-1,0,0,0", 0},
-    {"yearly on a date", "5 from 20050615 month 6 day 15",
-     "YEARLY parts=BYMONTHDAY,BYMONTH monthdays=15 months=6", 0},
-    {"yearly on the second Tuesday of May", "6 from 20050615 month 5 weekday 3 week 2",
-     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=3 months=5 positions=2,0,0,0", 0},
-    {"in no month and on no weekday", "6 from 20050615 month 13 weekday 9 week 2",
-     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS positions=2,0,0,0", 0},
-    {"a day of selected months", "7 from 20050615 day 15 months 1,12",
-     "YEARLY parts=BYMONTHDAY,BYMONTH monthdays=15 months=1,12", 0},
-    {"selected weeks, days and months", "8 from 20050615 days 1,7 weeks 1,2,3,5 months 6",
-     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=1,7 months=6 positions=1,2,3,-1", 0},
-    {"the second day of the month", "10 from 20050615 day 2 weekday 8",
-     "MONTHLY parts=BYDAY,BYSETPOS days=1,2,3,4,5,6,7 positions=2,0,0,0", 0},
-    {"the last workday of June", "11 from 20050615 day 5 weekday 9 month 6",
-     "YEARLY parts=BYDAY,BYMONTH,BYSETPOS days=2,3,4,5,6 months=6 positions=-1,0,0,0", 0},
-    {"the first weekend day", "10 from 20050615 day 1 weekday 10",
-     "MONTHLY parts=BYDAY,BYSETPOS days=1,7 positions=1,0,0,0", 0},
-    {"weekly on days sets both frequencies", "12 from 20050615 days 2,4 every 2",
-     "DAILYWEEKLY interval=2 parts=BYDAY days=2,4", 0},
-    {"a day of the quarter becomes a day of the month", "13 from 20050615 day 31 every 2",
-     "MONTHLY interval=6 parts=BYMONTHDAY monthdays=31", 0},
-    {"and may have no bit", "13 from 20050615 day 92", "MONTHLY interval=3 parts=BYMONTHDAY", 0},
-    {"a weekday of the quarter is written from the selection",
-     "14 from 20050615 weekday 3 week 14 days 5 weeks 4",
-     "MONTHLY interval=3 parts=BYDAY,BYSETPOS days=5 positions=4,0,0,0", 0},
-    {"selected weeks every other month", "15 from 20050615 days 3 weeks 2,4 every 2",
-     "MONTHLY interval=2 parts=BYDAY,BYSETPOS days=3 positions=2,4,0,0", 0},
-};
-
 TEST(RepeatToRule, WritesEveryType) {
-    for (const ToRule& row : kToRule) {
-        SCOPED_TRACE(row.sentence);
-        ZQTR_REPEAT record = Record(row.record).repeat;
+    for (Row& row : cases("recurrence/repeat-to-rule.txt")) {
+        SCOPED_TRACE(row["case"]);
+        ZQTR_REPEAT record = Record(row["record"]).repeat;
         _rruleRepeat rule;
         VStr exclusions("stale");
         VStr start("stale");
@@ -90,8 +42,8 @@ TEST(RepeatToRule, WritesEveryType) {
         testing::internal::CaptureStdout();  // a failing engine is named there
         ASSERT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 0, &flags), 0);
         testing::internal::GetCapturedStdout();
-        EXPECT_EQ(describe(rule), row.rule);
-        EXPECT_EQ(flags, row.flags);
+        EXPECT_EQ(describe(rule), row["rule"]);
+        EXPECT_EQ(flags, number(row, "flags"));
         EXPECT_EQ(rule.wkst, RRULE_DAY_SU);
         EXPECT_STREQ(start, std::to_string(qel::test::date(record.startDate)).c_str());
         EXPECT_TRUE(exclusions.IsEmpty());
@@ -174,53 +126,15 @@ FromRule fromText(const char* positional, const char* start, const char* exclusi
     return fromRule(rule, start, exclusions);
 }
 
-struct RuleRow {
-    const char*
-        rule;  // FREQ;UNTIL;COUNT;INTERVAL;;;;BYDAY;BYMONTHDAY;BYYEARDAY;BYWEEKNO;BYMONTH;BYSETPOS
-    const char* start;
-    const char* record;
-    int flags;
-};
-
-const RuleRow kFromRule[] = {
-    {"DAILY;;;3;", "20050615", "1 from 20050615 every 3", 0},
-    {"DAILY;20051231T235959Z;5;", "20050615T083000Z", "1 from 20050615 to 20051231", 0},
-    {"DAILY;;5;2;", "20050615", "1 from 20050615 to 20050623 every 2", 1},
-    {"DAILY;;;;;;;MO,WE;", "20050615", "12 from 20050615 days 2,4", 0},
-    {"DAILY;;;;;;;MO,TU,WE,TH,FR;", "20050615", "12 from 20050615 days 2,3,4,5,6", 0},
-    {"WEEKLY;;10;2;;;;MO,WE,FR;", "20050615", "12 from 20050615 to 20050727 every 2 days 2,4,6", 1},
-    {"WEEKLY;;;;;;;MO,TU,WE,TH,FR;", "20050615", "12 from 20050615 days 2,3,4,5,6", 0x080},
-    {"WEEKLY;;;;;;;MO,TU;;;;;1,2;", "20050615", "12 from 20050615", 0x020},
-    {"MONTHLY;", "20050615", "3 from 20050615 day 15", 0},
-    {"MONTHLY;;;;;;;;31,10,-1;", "20050615", "3 from 20050615 day 10", 0x002},
-    {"MONTHLY;;;;;;;;5,-1,-2;", "20050615", "3 from 20050615 day 5", 0x006},
-    {"MONTHLY;;;;;;;;-1;", "20050615", "3 from 20050615 day 15", 0},
-    {"MONTHLY;;;;;;;MO,SA;", "20050615", "3 from 20050615 day 15 weekday 2 days 2,7", 0},
-    {"MONTHLY;;;;;;;2TU;", "20050615", "4 from 20050615 weekday 3 week 2", 0},
-    {"MONTHLY;;;;;;;-1FR;", "20050615", "4 from 20050615 weekday 6 week 5", 0},
-    {"MONTHLY;;;;;;;FR;;;;;-2,3;", "20050615", "4 from 20050615 weekday 6 week 5", 0x030},
-    {"MONTHLY;;;;;;;FR;;;;;6;", "20050615", "4 from 20050615 weekday 6", 0x040},
-    {"MONTHLY;;;;;;;SU,SA,WE;;;;;2;", "20050615", "4 from 20050615 weekday 4 week 2", 0},
-    {"MONTHLY;;;;;;;MO,TU,WE,TH,FR;;;;;-1;", "20050615", "10 from 20050615 day 5 weekday 9", 0},
-    {"MONTHLY;;;;;;;SU,MO,TU,WE,TH,FR,SA;;;;;5;", "20050615", "10 from 20050615 day 5 weekday 8",
-     0},
-    {"MONTHLY;;;;;;;SU,SA;;;;;7;", "20050603", "10 from 20050603 day 3 weekday 10", 0x040},
-    {"YEARLY;", "20050615", "5 from 20050615 day 15 month 6", 0},
-    {"YEARLY;;;;;;;;;;;9,3;", "20050615", "5 from 20050615 day 15 month 3", 0x008},
-    {"YEARLY;;;;;;;;20;;;12;", "20050615", "5 from 20050615 day 20 month 12", 0},
-    {"YEARLY;;;;;;;TH;;;;11;4;", "20050615", "6 from 20050615 month 11 weekday 5 week 4", 0},
-    {"YEARLY;;;;;;;SU,SA;;;;1;-1;", "20050615", "11 from 20050615 day 5 month 1 weekday 10", 0},
-    {"YEARLY;", "2005", "5 from 19000101", 0},
-};
-
 TEST(RuleToRepeat, MakesEveryType) {
-    for (const RuleRow& row : kFromRule) {
-        SCOPED_TRACE(row.rule);
-        const FromRule made = fromText(row.rule, row.start);
+    for (Row& row : cases("recurrence/rule-to-repeat.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const std::string start = row["start"].empty() ? "20050615" : row["start"];
+        const FromRule made = fromText(row["rule"].c_str(), start.c_str());
         ASSERT_EQ(made.result, 0);
-        EXPECT_EQ(describe(*made.record), row.record);
-        EXPECT_EQ(made.flags, row.flags);
-        EXPECT_EQ(made.endFromRule, (row.flags & BXREPEAT_END_FROM_COUNT) != 0 ? 0 : 1);
+        EXPECT_EQ(describe(*made.record), row["record"]);
+        EXPECT_EQ(made.flags, number(row, "flags"));
+        EXPECT_EQ(made.endFromRule, (made.flags & BXREPEAT_END_FROM_COUNT) != 0 ? 0 : 1);
     }
 }
 

@@ -7,12 +7,16 @@
 
 #include "recurrence/RepeatRecord.h"
 #include "recurrence/unfold.h"
+#include "support/Tables.h"
 #include "support/TraceCapture.h"
 
 namespace {
 
+using qel::test::cases;
 using qel::test::code;
+using qel::test::number;
 using qel::test::Record;
+using qel::test::Row;
 using qel::test::TraceCapture;
 
 // A list of its own for each call.
@@ -39,51 +43,17 @@ struct List {
 };
 
 TEST(Unfold, ListsAroundTheAnchor) {
-    const struct {
-        const char* sentence;
-        const char* record;
-        int wanted, anchor, from, to;
-        const char* list;
-        int valid;
-    } rows[] = {
-        {"nothing lies before the anchor: cut from the end", "1 from 20050301", 3, 20050301, 0, 0,
-         "20050301 20050302 20050303", 3},
-        {"an anchor before everything", "1 from 20050301", 2, 20050101, 0, 0, "20050301 20050302",
-         2},
-        {"an excluded date is listed and does not count", "1 from 20050301 except 20050302", 3,
-         20050301, 0, 0, "20050301 -20050302 20050303 20050304", 3},
-        {"an anchor inside: what is before it goes", "1 from 20050301", 3, 20050501, 0, 20050601,
-         "20050501 20050502 20050503", 3},
-        {"an anchor past the range: the last ones stay", "1 from 20050301", 3, 20060101, 20050301,
-         20050331, "20050329 20050330 20050331", 3},
-        {"an anchor near the range's end", "1 from 20050301", 4, 20050330, 20050301, 20050331,
-         "20050328 20050329 20050330 20050331", 4},
-        {"excluded dates among those that go; one that follows the last of them stays",
-         "1 from 20050301 except 20050302,20050304,20050306,20050401", 4, 20050308, 20050301,
-         20050310, "-20050306 20050307 20050308 20050309 20050310", 4},
-        {"the series ends first", "2 from 20050301 weekday 3 to 20050316", 9, 20050301, 0, 0,
-         "20050301 20050308 20050315", 3},
-        {"the range ends first", "3 from 20050131 day 31 to 20991231", 9, 20050131, 20050201,
-         20050430, "20050228 20050331 20050430", 3},
-        {"an occurrence of several days, begun before the range",
-         "2 from 20050301 weekday 3 units 3", 4, 20050302, 20050302, 20050331,
-         "20050302 20050303 20050308 20050309", 4},
-        {"no repeat: the start itself", "0 from 20050301", 5, 20050301, 0, 20050331, "20050301", 1},
-        {"no repeat, out of range", "0 from 20050301", 5, 20050301, 20050302, 20050331, "", 0},
-        {"no repeat keeps an open end at 0", "0 from 20050301", 5, 20050301, 0, 0, "", 0},
-        {"an empty range", "1 from 20050301", 3, 20050301, 20050310, 20050305, "", 0},
-        {"a range from 1 January 1950", "5 from 19000101 month 1 day 1", 1, 0, 0, 0, "19500101", 1},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.sentence);
-        const Record parsed(row.record);
+    for (Row& row : cases("recurrence/unfold.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const Record parsed(row["record"]);
         ZQTR_REPEAT record = parsed.repeat;
         List list;
-        ASSERT_EQ(Unfold_Repeat(&record, row.wanted, code(row.anchor), code(row.from), code(row.to),
-                                &list.block, &list.valid, &list.total),
+        ASSERT_EQ(Unfold_Repeat(&record, number(row, "wanted"), code(number(row, "anchor")),
+                                code(number(row, "from")), code(number(row, "to")), &list.block,
+                                &list.valid, &list.total),
                   0);
-        EXPECT_EQ(list.text(), row.list);
-        EXPECT_EQ(list.valid, row.valid);
+        EXPECT_EQ(list.text(), row["list"]);
+        EXPECT_EQ(list.valid, number(row, "valid"));
     }
 }
 
@@ -115,41 +85,21 @@ TEST(Unfold, EstimatesDays) {
 
 // Each row fails by its code, and every step on the way up reports it.
 TEST(Unfold, FailuresAreReported) {
-    const struct {
-        const char* sentence;
-        const char* record;
-        int wanted;
-        int code;
-        const char* details;
-    } rows[] = {
-        {"none wanted", "1 from 20050301", 0, 2024, "0.2024"},
-        {"type 9", "9 from 20050301", 1, 2013, "9.2013"},
-        {"a type above 15", "16 from 20050301", 1, 2013, "16.2013"},
-        {"no month selected", "7 from 20050301", 1, 4008, "7.4008"},
-        {"no weekday selected", "12 from 20050301", 1, 4008, "12.4008"},
-        {"interval 0 as a divisor", "15 from 20050301 every 0 days 1 weeks 1", 1, 4008, "15.4008"},
-        {"an interval above 12", "15 from 20050301 every 13 days 1 weeks 1", 1, 4008, "15.4008"},
-        {"no unit count", "1 from 20050301 units 0", 1, 4008, "1.4008"},
-        {"more than the list can hold", "1 from 20050301", 30000, 2001, "7012.2001"},
-        {"the most that can be asked for", "1 from 20050301", INT_MAX, 2001, "7012.2001"},
-        {"the engine fails", "1 from 20050301 every 0", 1, 4008, "4008.4008"},
-        {"a series that stands still", "4 from 20050301 weekday 4 week 0", 1, 4008, "38439.4008"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.sentence);
+    for (Row& row : cases("recurrence/unfold-failures.txt")) {
+        SCOPED_TRACE(row["case"]);
         const TraceCapture trace;
-        const Record parsed(row.record);
+        const Record parsed(row["record"]);
         ZQTR_REPEAT record = parsed.repeat;
         List list;
-        EXPECT_EQ(Unfold_Repeat(&record, row.wanted, record.startDate, 0, 0, &list.block,
+        EXPECT_EQ(Unfold_Repeat(&record, number(row, "wanted"), record.startDate, 0, 0, &list.block,
                                 &list.valid, &list.total),
-                  row.code);
-        EXPECT_TRUE(trace.hasError(row.details, "unfold"));
+                  number(row, "code"));
+        EXPECT_TRUE(trace.hasError(row["error"], "unfold"));
         EXPECT_EQ(list.valid, 0);
         EXPECT_EQ(list.total, 0);
         // Asking for one passes every code on.
-        if (row.wanted != 1) continue;
-        EXPECT_EQ(Unfold_HasOccurrence(0, 0, record.startDate, &record), row.code);
+        if (row["wanted"] != "1") continue;
+        EXPECT_EQ(Unfold_HasOccurrence(0, 0, record.startDate, &record), number(row, "code"));
     }
 }
 

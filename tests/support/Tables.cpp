@@ -66,6 +66,10 @@ std::vector<Row> cases(const std::string& file) {
     return rows;
 }
 
+int number(Row& row, const std::string& field, int otherwise) {
+    return row[field].empty() ? otherwise : std::stoi(row[field]);
+}
+
 std::vector<Row> table(const std::string& name) {
     std::ifstream in(std::string(QEL_TEST_SHARED_DATA) + "/tables/" + name);
     std::vector<Row> rows;

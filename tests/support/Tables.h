@@ -24,6 +24,9 @@ using Row = std::map<std::string, std::string>;
 // there is nothing to read.
 [[nodiscard]] std::vector<Row> cases(const std::string& file);
 
+// A field as a number; `otherwise` where it is not there.
+[[nodiscard]] int number(Row& row, const std::string& field, int otherwise = 0);
+
 // The rows of tables/NAME by column name; empty when the table is not there.
 [[nodiscard]] std::vector<Row> table(const std::string& name);
 
