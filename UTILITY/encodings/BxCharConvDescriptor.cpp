@@ -56,6 +56,15 @@ bool prepareWideBuf(_iconv_info& cd, std::uint64_t need) {
     return true;
 }
 
+// Takes what was converted off the input and the room.
+void advance(const char*& in, unsigned int& inLeft, char*& out, unsigned int& outLeft,
+             std::uint32_t written) {
+    in += inLeft;
+    inLeft = 0;
+    out += written;
+    outLeft -= written;
+}
+
 // Converts all of the input or nothing: 0, or the error.
 int convertThroughUtf16(_iconv_info& cd, const char*& in, unsigned int& inLeft, char*& out,
                         unsigned int& outLeft) {
@@ -74,10 +83,7 @@ int convertThroughUtf16(_iconv_info& cd, const char*& in, unsigned int& inLeft, 
     const auto encoded = platform::encodeCodePage(cd.toCodePage, text, decoded.count, out, outLeft);
     if (encoded.count == 0) return errorOf(encoded.failure);
 
-    in += inLeft;
-    inLeft = 0;
-    out += encoded.count;
-    outLeft -= encoded.count;
+    advance(in, inLeft, out, outLeft, encoded.count);
     return 0;
 }
 
@@ -152,7 +158,14 @@ unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned i
     if (cd != nullptr && inLeft != nullptr && out != nullptr && *out != nullptr &&
         outLeft != nullptr) {
         if (cd->useCodePages != 0 && *inLeft != 0) {
-            error = qel::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
+            const std::uint32_t written = qel::platform::convertCodePage(
+                cd->fromCodePage, cd->toCodePage, *in, *inLeft, *out, *outLeft);
+            error = 0;
+            if (written != 0) {
+                qel::advance(*in, *inLeft, *out, *outLeft, written);
+            } else {
+                error = qel::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
+            }
         } else {
             result = *inLeft;
             error = qel::copyBytes(*in, *inLeft, *out, *outLeft);

@@ -120,6 +120,14 @@ struct CodePageResult {
                                             std::uint32_t count, char* out,
                                             std::uint32_t room) noexcept;
 
+// From one page to another in one step, with the result that decoding and encoding have: the bytes
+// written, or 0 where the two must be asked. That is so for every text that does not convert whole,
+// for one that begins with a byte-order mark, and where input and output overlap. `out` may have
+// been written to then.
+[[nodiscard]] std::uint32_t convertCodePage(std::uint32_t from, std::uint32_t to, const char* in,
+                                            std::uint32_t length, char* out,
+                                            std::uint32_t room) noexcept;
+
 // For input that decodeCodePage found invalid (length at least 2): how many of its bytes can be
 // skipped at once because no decoding that begins before them would succeed, in [1, length - 1].
 // Takes time in proportion to the length, where trying each position would take its square.

@@ -338,6 +338,45 @@ TEST(CharConv, CopiesShareNothing) {
     EXPECT_EQ(convert(second, "a", 3).result, BX_CONV_FAILED);
 }
 
+// The conversion in one step, where there is one, against decoding and encoding: every character
+// and every pair of bytes, at every place of a run of sixteen.
+TEST(CharConv, OneStepGivesWhatTwoGive) {
+    namespace platform = qel::platform;
+    std::size_t direct = 0;
+    std::size_t place = 0;
+    const auto compare = [&](unsigned from, unsigned to, const std::string& character) {
+        const std::string text = std::string(place++ % 18, 'a') + character + "bc";
+        const auto length = static_cast<unsigned>(text.size());
+        char16_t units[32];
+        char two[64];
+        char one[64];
+        const auto decoded = platform::decodeCodePage(from, text.data(), length, units, 32);
+        const auto encoded = platform::encodeCodePage(to, units, decoded.count, two, 64);
+        const auto written = platform::convertCodePage(from, to, text.data(), length, one, 64);
+        if (written == 0) return;
+        ++direct;
+        ASSERT_EQ(std::string(one, written), std::string(two, encoded.count)) << to << text;
+        EXPECT_EQ(platform::convertCodePage(from, to, text.data(), length, one, written - 1), 0U);
+        EXPECT_EQ(platform::convertCodePage(from, to, one, length, one + 1, 60), 0U) << "overlap";
+    };
+    for (const unsigned page : {0U, 936U, 950U}) {
+        for (unsigned i = 0; i < 0x11000; ++i) {
+            const auto byte = [](unsigned value) { return static_cast<char>(value); };
+            if (i < 0x10000) compare(page, 65001, {byte(i >> 8), byte(i & 0xFF)});
+            // The code points of the first plane, and some of the others.
+            const unsigned point = i < 0x10000 ? i : i * 16;
+            char16_t units[2] = {static_cast<char16_t>(point), 0};
+            if (point > 0xFFFF) units[0] = static_cast<char16_t>(0xD7C0 + (point >> 10));
+            if (point > 0xFFFF) units[1] = static_cast<char16_t>(0xDC00 + (point & 0x3FF));
+            char utf8[8];
+            const auto size =
+                platform::encodeCodePage(65001, units, point > 0xFFFF ? 2 : 1, utf8, 8);
+            compare(65001, page, {utf8, size.count});
+        }
+    }
+    EXPECT_TRUE(!kStrict || direct > 200000) << direct;
+}
+
 TEST(CharConv, RealTextsMatchTheirPairs) {
     const std::string folder = std::string(QEL_TEST_SHARED_DATA) + "/text/";
     if (qel::test::readFile(folder + "tutor.es").empty()) GTEST_SKIP() << "no shared data";

@@ -61,6 +61,11 @@ CodePageResult encodeCodePage(std::uint32_t codePage, const char16_t* in, std::u
                            static_cast<int>(count), out, asCount(room), nullptr, nullptr));
 }
 
+std::uint32_t convertCodePage(std::uint32_t, std::uint32_t, const char*, std::uint32_t, char*,
+                              std::uint32_t) noexcept {
+    return 0;  // the system's pages are reached through UTF-16 alone
+}
+
 std::uint32_t undecodablePrefix(std::uint32_t, const char*, std::uint32_t) noexcept {
     // The system replaces invalid input rather than refusing it, so this is hardly ever asked.
     return 1;
