@@ -6,6 +6,7 @@
 #ifndef QEL_DATES_ZQDATEINTERNAL_H
 #define QEL_DATES_ZQDATEINTERNAL_H
 
+#include <cstddef>
 #include <cstdint>
 
 #include "QelUtility/VStr.h"
@@ -52,6 +53,11 @@ int ZQ_DayOfWeek(int code);
 
 // The same of a text that need not be a string of its own.
 [[nodiscard]] std::int64_t ZQ_DateTimeToSeconds(const char* text);
+
+// Writes the date-time text of a value, as ZQ_SecondsToDateTime appends it, and a terminator;
+// returns its length. REQUIRES: room for kDateTimeRoom characters
+inline constexpr std::size_t kDateTimeRoom = 17;
+std::size_t ZQ_SecondsToAlpha(std::int64_t seconds, char* buffer, bool noUtc);
 
 // Appends the date-time text of a value to `out`, with the letter Z unless `noUtc`. Day and time
 // are split towards zero: -1 is "19000101T000099Z". A day after 2499 is written as "00000000".

@@ -52,15 +52,14 @@ DateTimeFields scanDateTime(const char* text) {
     return fields;
 }
 
-void appendDateTime(std::int64_t codeDate, std::int64_t codeTime, VStr& out, bool noUtc) {
-    char text[8 + 1 + 6 + 1 + 1];
+std::size_t writeDateTime(std::int64_t codeDate, std::int64_t codeTime, char* text, bool noUtc) {
     // A day number outside the calendar, however large, is written as the day that does not decode.
     ZQ_CodeDateToAlpha(qel::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1, text);
     text[8] = 'T';
     ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
     text[15] = noUtc ? '\0' : 'Z';
     text[16] = '\0';
-    out += text;
+    return noUtc ? 15 : 16;
 }
 
 }  // namespace
@@ -81,8 +80,15 @@ std::int64_t ZQ_DateTimeToSeconds(const char* text) {
            std::int64_t{fields.minute} * 60 + fields.second;
 }
 
+std::size_t ZQ_SecondsToAlpha(std::int64_t seconds, char* buffer, bool noUtc) {
+    return writeDateTime(seconds / qel::kSecondsPerDay, seconds % qel::kSecondsPerDay, buffer,
+                         noUtc);
+}
+
 void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc) {
-    appendDateTime(seconds / qel::kSecondsPerDay, seconds % qel::kSecondsPerDay, out, noUtc);
+    char text[kDateTimeRoom];
+    ZQ_SecondsToAlpha(seconds, text, noUtc);
+    out += text;
 }
 
 int ZQ_DateTimeToUnixTime(VStr text) {
@@ -93,8 +99,10 @@ int ZQ_DateTimeToUnixTime(VStr text) {
 }
 
 const char* ZQ_UnixTimeToDateTime(int seconds, VStr& out, bool noUtc) {
-    appendDateTime(seconds / qel::kSecondsPerDay + qel::kUnixEpochCodeDate,
-                   seconds % qel::kSecondsPerDay, out, noUtc);
+    char text[kDateTimeRoom];
+    writeDateTime(seconds / qel::kSecondsPerDay + qel::kUnixEpochCodeDate,
+                  seconds % qel::kSecondsPerDay, text, noUtc);
+    out += text;
     return out;
 }
 

@@ -5,11 +5,11 @@
 
 #include <array>
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
+#include "recurrence/RRuleOutput.h"
 
 namespace qel {
 
@@ -17,13 +17,13 @@ inline constexpr int kPositionSlots = 4;  // of _rruleRepeat::setPos
 inline constexpr int kYearDayWords = 6;   // of _rruleRepeat::byYearDay and byYearDayNeg
 
 // The two-letter day codes by weekday, 1 Sunday .. 7 Saturday; entry 0 is no day.
-inline constexpr std::array<const char*, 8> kDayCodes = {"",   "SU", "MO", "TU",
-                                                         "WE", "TH", "FR", "SA"};
+inline constexpr std::array<std::string_view, 8> kDayCodes = {"",   "SU", "MO", "TU",
+                                                              "WE", "TH", "FR", "SA"};
 
 // A frequency's bit and its RFC 2445 name; the order is the writers' order of precedence.
 struct RRuleFrequencyName {
     unsigned char bit;
-    const char* name;
+    std::string_view name;
 };
 inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
     {{RRULE_FREQ_YEARLY, "YEARLY"},
@@ -31,27 +31,24 @@ inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
      {RRULE_FREQ_WEEKLY, "WEEKLY"},
      {RRULE_FREQ_DAILY, "DAILY"}}};
 
-// The list writers. They throw std::bad_alloc. Each appends one set of `rule` to `out`, its items
-// parted by `separator`.
+// The list writers. Each appends one set of `rule` to `out`, its items parted by `separator`.
 
-// The number alone.
-void RRule_AppendNumber(int value, std::string& out);
 // "SU" .. "SA" for each bit of byDay.
-void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator);
+void RRule_AppendDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
 // The positive days ascending, then the negative ones by ascending magnitude: "-1", but "1-" when
 // the items are parted by spaces (vCalendar's form of the last day).
-void RRule_AppendMonthDays(const _rruleRepeat& rule, std::string& out, char separator);
+void RRule_AppendMonthDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
 // 1 .. 366, then -1 .. -366.
-void RRule_AppendYearDays(const _rruleRepeat& rule, std::string& out, char separator);
+void RRule_AppendYearDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
 // 1 .. 53, then -1 .. -53, parted by commas.
-void RRule_AppendWeekNumbers(const _rruleRepeat& rule, std::string& out);
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, RRuleOutput& out);
 // "1" .. "12" for each bit of byMonth.
-void RRule_AppendMonths(const _rruleRepeat& rule, std::string& out, char separator);
+void RRule_AppendMonths(const _rruleRepeat& rule, RRuleOutput& out, char separator);
 // Every slot of setPos that is not free, in slot order, parted by commas.
-void RRule_AppendSetPositions(const _rruleRepeat& rule, std::string& out);
+void RRule_AppendSetPositions(const _rruleRepeat& rule, RRuleOutput& out);
 
 // Appends `until` as a date-time in UTC ("20051231T000000Z"), or its eight-digit date alone.
-void RRule_AppendUntil(__int64 until, std::string& out, bool withTime);
+void RRule_AppendUntil(__int64 until, RRuleOutput& out, bool withTime);
 
 // Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
 // returns out's text, or null when no frequency bit is set or memory is exhausted. With `withTime`,
@@ -59,6 +56,13 @@ void RRule_AppendUntil(__int64 until, std::string& out, bool withTime);
 // written, COUNT whenever there is no UNTIL and it is not the default, WKST as the first weekday of
 // `wkst` that is not the default Sunday. Without it UNTIL keeps its date alone.
 const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime);
+
+// Where `c` first stands from `at` on, or `end`. Rules are short: a call of memchr costs more than
+// it saves.
+inline const char* RRule_Find(const char* at, const char* end, char c) {
+    while (at != end && *at != c) ++at;
+    return at;
+}
 
 // The items of a text as CBxParseValues yields them for one separator (no escapes), without its
 // array: that one grows by 128 items at a time, so that a hostile text of a million items would
@@ -68,16 +72,30 @@ class RRuleItems {
     enum class Empty { kDrop, kKeep };
 
     RRuleItems(std::string_view text, char separator, Empty empty)
-        : rest_(text), separator_(separator), keepEmpty_(empty == Empty::kKeep) {}
+        : at_(text.data()),
+          end_(text.data() + text.size()),
+          separator_(separator),
+          keepEmpty_(empty == Empty::kKeep) {}
 
     // Reads the next item; false when there is none.
-    bool next(std::string_view& item);
+    bool next(std::string_view& item) {
+        while (!ended_) {
+            const char* const begin = at_;
+            at_ = RRule_Find(begin, end_, separator_);
+            item = {begin, static_cast<std::size_t>(at_ - begin)};
+            ended_ = at_ == end_;
+            if (!ended_) ++at_;
+            if (keepEmpty_ || !item.empty()) return true;
+        }
+        return false;
+    }
 
     // With empty items kept: whether the item just read was the last one.
     bool atEnd() const { return ended_; }
 
   private:
-    std::string_view rest_;
+    const char* at_;
+    const char* end_;
     char separator_;
     bool keepEmpty_;
     bool ended_ = false;
@@ -87,8 +105,8 @@ class RRuleItems {
 // else ends it, no digits give 0. Saturates at 32 bits.
 int RRule_Number(std::string_view item);
 
-// Whether two texts are equal but for the case of ASCII letters.
-bool RRule_EqualNoCase(std::string_view a, std::string_view b);
+// Whether `text` is `name` but for the case of its letters. REQUIRES: `name` of ASCII capitals
+bool RRule_IsName(std::string_view text, std::string_view name);
 
 // The weekday, 1 .. 7, whose code `text` is, or 0.
 int RRule_DayOfCode(std::string_view text);

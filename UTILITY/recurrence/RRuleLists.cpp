@@ -1,6 +1,5 @@
 // The list writers that the rule writers share.
-#include <charconv>
-#include <iterator>
+#include <bit>
 
 #include "recurrence/RRuleInternal.h"
 
@@ -11,84 +10,74 @@ namespace {
 // Puts the separator between items, never before the first or after the last.
 class ItemWriter {
   public:
-    ItemWriter(std::string& out, char separator) : out_(out), separator_(separator) {}
+    ItemWriter(RRuleOutput& out, char separator) : out_(out), separator_(separator) {}
 
-    void text(const char* item) {
-        if (!first_) out_ += separator_;
+    // Where the next item is to be written.
+    RRuleOutput& next() {
+        if (!first_) out_.add(separator_);
         first_ = false;
-        out_ += item;
+        return out_;
     }
 
-    void number(int value, const char* before = "", const char* after = "") {
-        text(before);
-        RRule_AppendNumber(value, out_);
-        out_ += after;
-    }
+    void number(int value) { next().add(value); }
 
   private:
-    std::string& out_;
+    RRuleOutput& out_;
     char separator_;
     bool first_ = true;
 };
 
-bool hasBit(unsigned long long set, int bit) {
-    return (set >> bit & 1) != 0;
+// Calls `use` with the number of each bit of `set` that is set, ascending, from 1 to `last`.
+// REQUIRES: last <= 62
+template <typename Use>
+void eachBit(unsigned long long set, int last, Use use) {
+    for (set &= (2ULL << last) - 2; set != 0; set &= set - 1) use(std::countr_zero(set));
 }
 
 }  // namespace
 
-void RRule_AppendNumber(int value, std::string& out) {
-    char text[16];
-    out.append(text, std::to_chars(text, std::end(text), value).ptr);
-}
-
-void RRule_AppendDays(const _rruleRepeat& rule, std::string& out, char separator) {
+void RRule_AppendDays(const _rruleRepeat& rule, RRuleOutput& out, char separator) {
     ItemWriter items(out, separator);
-    for (int day = 1; day <= 7; ++day) {
-        if (hasBit(rule.byDay, day)) items.text(kDayCodes[static_cast<std::size_t>(day)]);
-    }
+    eachBit(rule.byDay, 7, [&](int day) {
+        const std::string_view code = kDayCodes[static_cast<std::size_t>(day)];
+        items.next().add(code[0]);
+        out.add(code[1]);
+    });
 }
 
-void RRule_AppendMonthDays(const _rruleRepeat& rule, std::string& out, char separator) {
+void RRule_AppendMonthDays(const _rruleRepeat& rule, RRuleOutput& out, char separator) {
     ItemWriter items(out, separator);
-    for (int day = 1; day <= 31; ++day) {
-        if (hasBit(rule.byMonthDay, day)) items.number(day);
-    }
-    const bool trailing = separator == ' ';
-    for (int day = 1; day <= 31; ++day) {
-        if (hasBit(rule.byMonthDayNeg, day))
-            items.number(day, trailing ? "" : "-", trailing ? "-" : "");
-    }
+    eachBit(rule.byMonthDay, 31, [&items](int day) { items.number(day); });
+    eachBit(rule.byMonthDayNeg, 31, [&](int day) {
+        if (separator != ' ') return items.number(-day);
+        items.number(day);
+        out.add('-');
+    });
 }
 
-void RRule_AppendYearDays(const _rruleRepeat& rule, std::string& out, char separator) {
+void RRule_AppendYearDays(const _rruleRepeat& rule, RRuleOutput& out, char separator) {
+    constexpr int kLast = 366;
     ItemWriter items(out, separator);
-    for (int day = 1; day <= 366; ++day) {
-        if (hasBit(rule.byYearDay[day / 64], day % 64)) items.number(day);
+    for (int day = 1; day <= kLast; ++day) {
+        if ((rule.byYearDay[day / 64] >> day % 64 & 1) != 0) items.number(day);
     }
-    for (int day = 1; day <= 366; ++day) {
-        if (hasBit(rule.byYearDayNeg[day / 64], day % 64)) items.number(day, "-");
+    for (int day = 1; day <= kLast; ++day) {
+        if ((rule.byYearDayNeg[day / 64] >> day % 64 & 1) != 0) items.number(-day);
     }
 }
 
-void RRule_AppendWeekNumbers(const _rruleRepeat& rule, std::string& out) {
+void RRule_AppendWeekNumbers(const _rruleRepeat& rule, RRuleOutput& out) {
     ItemWriter items(out, ',');
-    for (int week = 1; week <= 53; ++week) {
-        if (hasBit(rule.byWeekNo, week)) items.number(week);
-    }
-    for (int week = 1; week <= 53; ++week) {
-        if (hasBit(rule.byWeekNoNeg, week)) items.number(week, "-");
-    }
+    eachBit(rule.byWeekNo, 53, [&items](int week) { items.number(week); });
+    eachBit(rule.byWeekNoNeg, 53, [&items](int week) { items.number(-week); });
 }
 
-void RRule_AppendMonths(const _rruleRepeat& rule, std::string& out, char separator) {
+void RRule_AppendMonths(const _rruleRepeat& rule, RRuleOutput& out, char separator) {
     ItemWriter items(out, separator);
-    for (int month = 1; month <= 12; ++month) {
-        if (hasBit(rule.byMonth, month)) items.number(month);
-    }
+    eachBit(rule.byMonth, 12, [&items](int month) { items.number(month); });
 }
 
-void RRule_AppendSetPositions(const _rruleRepeat& rule, std::string& out) {
+void RRule_AppendSetPositions(const _rruleRepeat& rule, RRuleOutput& out) {
     ItemWriter items(out, ',');
     for (int slot = 0; slot < kPositionSlots; ++slot) {
         const short position = rule.setPos[slot];  // by value: a packed field may lie anywhere

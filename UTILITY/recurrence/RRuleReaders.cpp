@@ -1,6 +1,7 @@
 // The readers of the positional and the iCalendar form. Both find the texts of a rule's fields and
 // hand them to one set of rules.
 #include <array>
+#include <cstring>
 #include <string_view>
 
 #include "QelUtility/RRule.h"
@@ -41,6 +42,7 @@ bool isLetter(char c) {
 // Calls `use` with each item of a list; a list with any item is present, whatever it holds.
 template <typename Use>
 void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use) {
+    if (list.empty()) return;
     RRuleItems items(list, ',', RRuleItems::Empty::kDrop);
     std::string_view item;
     while (items.next(item)) {
@@ -53,12 +55,15 @@ void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use
 int readByDay(std::string_view list, _rruleRepeat& rule) {
     int positions = 0;
     readList(list, rule, RRULE_TYPE_BYDAY, [&](std::string_view item) {
-        if (const int ordinal = RRule_Number(item); ordinal != 0) {
-            rule.type |= RRULE_TYPE_BYSETPOS;
-            if (positions < kPositionSlots) rule.setPos[positions++] = static_cast<short>(ordinal);
-        }
-        for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i) {
-            item.remove_prefix(1);
+        if (!isLetter(item.front())) {
+            if (const int ordinal = RRule_Number(item); ordinal != 0) {
+                rule.type |= RRULE_TYPE_BYSETPOS;
+                if (positions < kPositionSlots)
+                    rule.setPos[positions++] = static_cast<short>(ordinal);
+            }
+            for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i) {
+                item.remove_prefix(1);
+            }
         }
         if (const int day = RRule_DayOfCodeNoCase(item); day != 0) {
             rule.byDay |= static_cast<unsigned char>(1U << day);
@@ -131,7 +136,7 @@ void readBounds(const Fields& fields, _rruleRepeat& rule, int* flags) {
 
 int readFields(const Fields& fields, _rruleRepeat& rule, int* flags) {
     for (const auto& frequency : kFrequencyNames) {
-        if (RRule_EqualNoCase(fields[kFreq], frequency.name)) rule.freq = frequency.bit;
+        if (RRule_IsName(fields[kFreq], frequency.name)) rule.freq = frequency.bit;
     }
     if (rule.freq == 0) return RRule_BadFrequency(fields[kFreq]);
     readBounds(fields, rule, flags);
@@ -147,28 +152,57 @@ int readFields(const Fields& fields, _rruleRepeat& rule, int* flags) {
     return QEL_OK;
 }
 
-// The names under which the iCalendar reader seeks its fields. The month days come from BYMONTH and
-// the week start from BYWEEKST: parts named BYMONTHDAY and WKST are not read.
-constexpr std::array<std::string_view, kFields> kNames = {
-    "FREQ",      "UNTIL",    "COUNT",   "INTERVAL", "BYDAY",   "BYMONTH",
-    "BYYEARDAY", "BYWEEKNO", "BYMONTH", "BYSETPOS", "BYWEEKST"};
+// The names under which the iCalendar reader seeks its fields. The month days come from BYMONTH as
+// well and the week start from BYWEEKST: parts named BYMONTHDAY and WKST are not read.
+struct FieldName {
+    std::string_view name;
+    Field field;
+};
+constexpr FieldName kNames[] = {{"FREQ", kFreq},         {"UNTIL", kUntil},
+                                {"COUNT", kCount},       {"INTERVAL", kInterval},
+                                {"BYDAY", kByDay},       {"BYYEARDAY", kByYearDay},
+                                {"BYWEEKNO", kByWeekNo}, {"BYMONTH", kByMonth},
+                                {"BYSETPOS", kBySetPos}, {"BYWEEKST", kWeekStart}};
+
+constexpr std::ptrdiff_t kShortestName = 4;
+
+// A name's length and last letter tell it from all others: its place among 16.
+constexpr std::size_t placeOf(std::string_view name) {
+    return (name.size() + static_cast<unsigned char>(name.back())) % 16;
+}
+constexpr auto kByPlace = [] {
+    std::array<FieldName, 16> places{};
+    for (const FieldName& each : kNames) places[placeOf(each.name)] = each;
+    return places;
+}();
+static_assert([] {
+    for (const FieldName& each : kNames) {
+        if (kByPlace[placeOf(each.name)].name != each.name) return false;
+        if (each.name.size() < kShortestName) return false;
+    }
+    return true;
+}());
 
 // Of a name that comes twice the first value counts, an empty one too.
 Fields namedFields(std::string_view text) {
     Fields fields;
-    unsigned found = 0;  // a bit for each field
-    RRuleItems items(text, ';', RRuleItems::Empty::kDrop);
-    std::string_view item;
-    while (items.next(item)) {
-        const std::size_t equals = item.find('=');
-        if (equals == std::string_view::npos) continue;
-        const std::string_view name = item.substr(0, equals);
-        for (std::size_t field = 0; field < kFields; ++field) {
-            if ((found >> field & 1) != 0 || name != kNames[field]) continue;
-            found |= 1U << field;
-            fields[field] = item.substr(equals + 1);
-        }
+    const char* const end = text.data() + text.size();
+    for (const char* part = text.data(); part < end;) {
+        const auto length = static_cast<std::size_t>(end - part);
+        const auto* const separator = static_cast<const char*>(std::memchr(part, ';', length));
+        const char* const partEnd = separator != nullptr ? separator : end;
+        // An equals sign before the fourth character ends no known name.
+        const char* const equals = partEnd - part > kShortestName
+                                       ? RRule_Find(part + kShortestName, partEnd, '=')
+                                       : partEnd;
+        const std::string_view name(part, static_cast<std::size_t>(equals - part));
+        part = partEnd + 1;
+        if (equals == partEnd) continue;
+        const auto& [known, field] = kByPlace[placeOf(name)];
+        if (fields[field].data() != nullptr || name != known) continue;
+        fields[field] = {equals + 1, static_cast<std::size_t>(partEnd - equals - 1)};
     }
+    fields[kByMonthDay] = fields[kByMonth];
     return fields;
 }
 

@@ -15,64 +15,71 @@ constexpr char kSourceName[] = "RRule";
 constexpr std::size_t kDateLength = 8;    // "YYYYMMDD"
 constexpr std::size_t kReportRoom = 512;  // the error line shows less of a text than this
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool isSpace(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-}  // namespace
-
-bool RRuleItems::next(std::string_view& item) {
-    while (!ended_) {
-        const std::size_t end = rest_.find(separator_);
-        item = rest_.substr(0, end);
-        if (end == std::string_view::npos) {
-            ended_ = true;
-        } else {
-            rest_.remove_prefix(end + 1);
-        }
-        if (keepEmpty_ || !item.empty()) return true;
-    }
-    return false;
+// The letter in capitals, where `c` is one. No other character becomes a capital by it.
+constexpr char capital(char c) {
+    return static_cast<char>(c & 0xDF);
 }
 
+// Both letters of a day code in one number.
+constexpr unsigned pairOf(char first, char second) {
+    return static_cast<unsigned char>(first) * 256U + static_cast<unsigned char>(second);
+}
+constexpr unsigned pairOf(std::size_t day) {
+    return pairOf(kDayCodes[day][0], kDayCodes[day][1]);
+}
+
+int dayOfPair(unsigned pair) {
+    switch (pair) {
+        case pairOf(1):
+            return 1;
+        case pairOf(2):
+            return 2;
+        case pairOf(3):
+            return 3;
+        case pairOf(4):
+            return 4;
+        case pairOf(5):
+            return 5;
+        case pairOf(6):
+            return 6;
+        case pairOf(7):
+            return 7;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
 int RRule_Number(std::string_view item) {
-    std::size_t at = 0;
-    while (at < item.size() && isSpace(item[at])) ++at;
+    const char* at = item.data();
+    const char* const end = at + item.size();
+    while (at != end && isSpace(*at)) ++at;
     bool negative = false;
-    if (at < item.size() && (item[at] == '+' || item[at] == '-')) negative = item[at++] == '-';
+    if (at != end && (*at == '+' || *at == '-')) negative = *at++ == '-';
     long long value = 0;  // [0, -INT_MIN]
     constexpr long long kLimit = -static_cast<long long>(INT_MIN);
-    for (; at < item.size() && item[at] >= '0' && item[at] <= '9'; ++at) {
-        value = std::min(value * 10 + (item[at] - '0'), kLimit);
+    for (; at != end && *at >= '0' && *at <= '9'; ++at) {
+        value = std::min(value * 10 + (*at - '0'), kLimit);
     }
     return static_cast<int>(negative ? -value : std::min<long long>(value, INT_MAX));
 }
 
-bool RRule_EqualNoCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lower(x) == lower(y); });
+bool RRule_IsName(std::string_view text, std::string_view name) {
+    return std::equal(text.begin(), text.end(), name.begin(), name.end(),
+                      [](char c, char letter) { return capital(c) == letter; });
 }
 
 int RRule_DayOfCode(std::string_view text) {
-    if (text.size() != 2) return 0;
-    for (int day = 1; day <= 7; ++day) {
-        const char* code = kDayCodes[static_cast<std::size_t>(day)];
-        if (text[0] == code[0] && text[1] == code[1]) return day;
-    }
-    return 0;
+    return text.size() == 2 ? dayOfPair(pairOf(text[0], text[1])) : 0;
 }
 
 int RRule_DayOfCodeNoCase(std::string_view text) {
-    if (text.size() != 2) return 0;
-    for (int day = 1; day <= 7; ++day) {
-        const char* code = kDayCodes[static_cast<std::size_t>(day)];
-        if (lower(text[0]) == lower(code[0]) && lower(text[1]) == lower(code[1])) return day;
-    }
-    return 0;
+    return text.size() == 2 ? dayOfPair(pairOf(capital(text[0]), capital(text[1]))) : 0;
 }
 
 void RRule_Start(_rruleRepeat* rule, int* flags) {
