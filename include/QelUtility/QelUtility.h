@@ -11,6 +11,7 @@
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/QelTypes.h"
+#include "QelUtility/QelVersion.h"
 #include "QelUtility/RRule.h"
 #include "QelUtility/RptNext.h"
 #include "QelUtility/VStr.h"

@@ -1,0 +1,106 @@
+# What `cpack` makes of an installation: on Linux the Debian packages libqelutility1,
+# libqelutility-dev and qelutil; for Windows one zip that runs where it is unpacked.
+set(CPACK_PACKAGE_NAME qelutility)
+set(CPACK_PACKAGE_VENDOR "QelUtility")
+set(CPACK_PACKAGE_CONTACT "QelUtility maintainers <maintainers@qelutility.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
+
+if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+    set(CPACK_PACKAGE_FILE_NAME QelUtility-${PROJECT_VERSION}-win32)
+    # The compiler's run-time libraries, and what a reader looks for first, beside the program.
+    foreach(runtime libstdc++-6.dll libgcc_s_dw2-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime} OUTPUT_VARIABLE file
+                        OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT EXISTS ${file} OR NOT IS_ABSOLUTE ${file})
+            unset(file)
+            find_file(file ${runtime} PATHS ${CMAKE_FIND_ROOT_PATH} PATH_SUFFIXES lib bin NO_CACHE REQUIRED
+                      NO_CMAKE_FIND_ROOT_PATH)
+        endif()
+        install(FILES ${file} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library)
+    endforeach()
+    install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+            DESTINATION . COMPONENT library)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION . COMPONENT development)
+    include(CPack)
+    return()
+endif()
+
+# --- Debian -----------------------------------------------------------------------------------------
+
+# Debian's folders and files below /usr alone; an installation elsewhere stays free of them.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    return()
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_COMPONENTS_ALL library development program)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+set(qel_soname_package libqelutility${PROJECT_VERSION_MAJOR})
+set(qel_deb_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${qel_soname_package})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_MULTIARCH same)
+set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
+    "shared library for phone calendars and contacts
+Recurrence rules in iCalendar and vCalendar 1.0 form, repeat records with
+their next occurrence, day-number dates, time zones, character sets, codecs,
+a text serialisation and a trace log: what a desktop connector needs to keep
+a phone's calendar, to-dos, contacts and notes in step with a computer.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqelutility-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_MULTIARCH same)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${qel_soname_package} (= ${qel_deb_version})")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "headers of QelUtility, the library for phone calendars
+What a program needs to be built with QelUtility: the headers, the link to the
+shared library, files for CMake and pkg-config, the documents and examples.")
+
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME qelutil)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${qel_soname_package} (>= ${qel_deb_version})")
+set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
+    "converter for the calendars of old phones
+Turns a phone's vCalendar 1.0 files into iCalendar and back without losing
+anything in silence, explains recurrence rules in words and lists their dates,
+and converts times, texts, character sets and codes.")
+
+# /usr/share/doc/PACKAGE of each: who may copy it, and what changed. Debian's form of the change log
+# names the version and the date of its entry in CHANGELOG.md.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
+file(STRINGS ${PROJECT_SOURCE_DIR}/CHANGELOG.md qel_released REGEX "^## \\[${PROJECT_VERSION}\\] - ")
+string(REGEX REPLACE ".* - " "" qel_released "${qel_released}")
+find_program(QEL_DATE date REQUIRED)
+execute_process(COMMAND ${QEL_DATE} -u -R -d ${qel_released} OUTPUT_VARIABLE qel_released
+                OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+foreach(component library development program)
+    string(TOUPPER ${component} upper)
+    set(qel_package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
+    set(folder ${CMAKE_INSTALL_DATADIR}/doc/${qel_package})
+    set(changes ${PROJECT_BINARY_DIR}/packaging/${qel_package}/changelog.Debian)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/changelog.Debian.in ${changes} @ONLY)
+    qel_compressed(${changes} ${folder} ${component})
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/packaging/copyright DESTINATION ${folder} COMPONENT ${component})
+endforeach()
+qel_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev development)
+
+set(folder ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev)
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${folder} COMPONENT development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${folder}
+        COMPONENT development PATTERN man EXCLUDE)
+include(CPack)

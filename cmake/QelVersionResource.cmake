@@ -1,0 +1,12 @@
+# qel_version_resource(TARGET FILE DESCRIPTION): what Windows shows as the file's details.
+function(qel_version_resource target file description)
+    set(QEL_FILE ${file})
+    set(QEL_DESCRIPTION ${description})
+    set(QEL_FILE_TYPE VFT_APP)
+    if(file MATCHES "\\.dll$")
+        set(QEL_FILE_TYPE VFT_DLL)
+    endif()
+    set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/Version.rc.in ${resource} @ONLY)
+    target_sources(${target} PRIVATE ${resource})
+endfunction()
