@@ -57,12 +57,11 @@ install(FILES ${PROJECT_BINARY_DIR}/packaging/qelutility.pc DESTINATION ${CMAKE_
 
 # --- the program ------------------------------------------------------------------------------------
 
-# qel_compressed(FILE FOLDER COMPONENT): installs FILE as FILE.gz. Made while configuring, these files
+# qel_compressed(FILE NAME FOLDER COMPONENT): installs FILE, compressed, as FOLDER/NAME. Made while configuring, these files
 # being small, so that an installation needs no target beyond what it installs.
-function(qel_compressed from folder component)
+function(qel_compressed from name folder component)
     find_program(QEL_GZIP gzip REQUIRED)
-    get_filename_component(name ${from} NAME)
-    set(to ${PROJECT_BINARY_DIR}/packaging/${component}/${name}.gz)
+    set(to ${PROJECT_BINARY_DIR}/packaging/${component}/${name})
     file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/packaging/${component})
     execute_process(COMMAND ${QEL_GZIP} -9nc ${from} OUTPUT_FILE ${to} COMMAND_ERROR_IS_FATAL ANY)
     set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${from})
@@ -81,7 +80,8 @@ if(QEL_BUILD_PROGRAM AND NOT WIN32)
 
     file(GLOB qel_manuals CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.1)
     foreach(manual IN LISTS qel_manuals)
-        qel_compressed(${manual} ${CMAKE_INSTALL_MANDIR}/man1 program)
+        get_filename_component(name ${manual} NAME)
+        qel_compressed(${manual} ${name}.gz ${CMAKE_INSTALL_MANDIR}/man1 program)
     endforeach()
     set(qel_completions ${PROJECT_SOURCE_DIR}/tools/qelutil/completions)
     install(FILES ${qel_completions}/qelutil.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions

@@ -3,7 +3,7 @@
 set(CPACK_PACKAGE_NAME qelutility)
 set(CPACK_PACKAGE_VENDOR "QelUtility")
 set(CPACK_PACKAGE_CONTACT "QelUtility maintainers <maintainers@qelutility.invalid>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "") # each package has its own, the first line of its description
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
@@ -54,7 +54,8 @@ set(qel_deb_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${qel_soname_package})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_MULTIARCH same)
+# CPack calls ldconfig from scripts of its own; this is how Debian asks for it.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packaging/triggers)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
     "shared library for phone calendars and contacts
 Recurrence rules in iCalendar and vCalendar 1.0 form, repeat records with
@@ -64,7 +65,6 @@ a phone's calendar, to-dos, contacts and notes in step with a computer.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqelutility-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_MULTIARCH same)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${qel_soname_package} (= ${qel_deb_version})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "headers of QelUtility, the library for phone calendars
@@ -94,13 +94,15 @@ foreach(component library development program)
     set(folder ${CMAKE_INSTALL_DATADIR}/doc/${qel_package})
     set(changes ${PROJECT_BINARY_DIR}/packaging/${qel_package}/changelog.Debian)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/changelog.Debian.in ${changes} @ONLY)
-    qel_compressed(${changes} ${folder} ${component})
+    qel_compressed(${changes} changelog.Debian.gz ${folder} ${component})
+    qel_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md changelog.gz ${folder} ${component})
     install(FILES ${PROJECT_SOURCE_DIR}/cmake/packaging/copyright DESTINATION ${folder} COMPONENT ${component})
 endforeach()
-qel_compressed(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev development)
 
 set(folder ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${folder} COMPONENT development)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${folder}
-        COMPONENT development PATTERN man EXCLUDE)
+        COMPONENT development PATTERN man EXCLUDE PATTERN Doxyfile EXCLUDE PATTERN *.cmake EXCLUDE PATTERN CMakeLists.txt EXCLUDE)
+install(FILES ${PROJECT_SOURCE_DIR}/examples/phone.vcs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qelutil/examples
+        COMPONENT program)
 include(CPack)
