@@ -2,6 +2,7 @@
 // the monotonic clock, so that setting the wall clock back does not lengthen it.
 #include <pthread.h>
 
+#include <cstdint>
 #include <ctime>
 
 #include "platform/Immortal.h"
@@ -24,8 +25,9 @@ class RecursiveTimedMutex {
     bool lock(std::uint32_t milliseconds) noexcept {
         const pthread_t self = pthread_self();
         pthread_mutex_lock(&guard_);
-        if (depth_ > 0 && pthread_equal(owner_, self) == 0) waitUntilFree(milliseconds);
-        const bool mine = depth_ == 0 || pthread_equal(owner_, self) != 0;
+        const bool again = depth_ > 0 && pthread_equal(owner_, self) != 0;
+        if (!again && (depth_ > 0 || impatient_ > 0)) wait(milliseconds);
+        const bool mine = again || depth_ == 0;
         if (mine) {
             owner_ = self;
             ++depth_;
@@ -36,28 +38,44 @@ class RecursiveTimedMutex {
 
     void unlock() noexcept {
         pthread_mutex_lock(&guard_);
-        if (--depth_ == 0) pthread_cond_signal(&released_);
+        if (--depth_ == 0) {
+            // Only the impatient may take it now; which of the waiting ones those are, each knows.
+            impatient_ > 0 ? pthread_cond_broadcast(&released_) : pthread_cond_signal(&released_);
+        }
         pthread_mutex_unlock(&guard_);
     }
 
   private:
-    void waitUntilFree(std::uint32_t milliseconds) noexcept {
-        std::timespec end{};
-        clock_gettime(CLOCK_MONOTONIC, &end);
-        end.tv_sec += static_cast<std::time_t>(milliseconds / 1000);
-        end.tv_nsec += static_cast<long>(milliseconds % 1000) * 1000000;
-        if (end.tv_nsec >= 1000000000) {
-            end.tv_nsec -= 1000000000;
-            ++end.tv_sec;
+    // Whoever comes first takes a free mutex, which is fast; but one who has waited for a while
+    // goes before all who have not, or a thread that traces without a pause would shut it out.
+    void wait(std::uint32_t milliseconds) noexcept {
+        const std::int64_t start = now();
+        const std::int64_t end = start + std::int64_t{milliseconds} * 1000000;
+        const std::timespec until{static_cast<std::time_t>(end / 1000000000), end % 1000000000};
+        bool impatient = false;
+        while (depth_ > 0 || (impatient_ > 0 && !impatient)) {
+            if (pthread_cond_timedwait(&released_, &guard_, &until) != 0) break;
+            if (!impatient && now() - start > kPatience) {
+                impatient = true;
+                ++impatient_;
+            }
         }
-        while (depth_ > 0 && pthread_cond_timedwait(&released_, &guard_, &end) == 0) {
-        }
+        if (impatient) --impatient_;
     }
+
+    static std::int64_t now() noexcept {
+        std::timespec time{};
+        clock_gettime(CLOCK_MONOTONIC, &time);
+        return std::int64_t{time.tv_sec} * 1000000000 + time.tv_nsec;
+    }
+
+    static constexpr std::int64_t kPatience = 5000000;  // nanoseconds
 
     pthread_mutex_t guard_ = PTHREAD_MUTEX_INITIALIZER;
     pthread_cond_t released_{};
     pthread_t owner_{};
     unsigned depth_ = 0;
+    unsigned impatient_ = 0;  // how many of the waiting have waited for long
 };
 
 RecursiveTimedMutex& traceMutex() noexcept {
