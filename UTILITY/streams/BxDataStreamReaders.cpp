@@ -60,9 +60,12 @@ unsigned long long CBxDataStream::ReadNumber() {
     }
     unsigned long long value = 0;
     unsigned char* p = m_position;
-    for (; p < end && !qel::endsValue(*p); ++p) {
+    for (; p < end; ++p) {
         const int digit = qel::kHexValues[*p];
-        if (digit < 0) throw static_cast<int>(QEL_MALFORMED);
+        if (digit < 0) {
+            if (qel::endsValue(*p)) break;
+            throw static_cast<int>(QEL_MALFORMED);
+        }
         value = value << 4 | static_cast<unsigned>(digit);
     }
     if (p >= end || p - m_position > INT_MAX) ValueLength(__LINE__);  // throws
