@@ -9,6 +9,16 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 
+function(qel_documents folder)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+            DESTINATION ${folder}
+            COMPONENT development
+            PATTERN man EXCLUDE
+            PATTERN Doxyfile EXCLUDE
+            PATTERN CMakeLists.txt EXCLUDE
+            PATTERN *.cmake EXCLUDE)
+endfunction()
+
 if(WIN32)
     set(CPACK_GENERATOR ZIP)
     set(CPACK_PACKAGE_FILE_NAME QelUtility-${PROJECT_VERSION}-win32)
@@ -25,7 +35,7 @@ if(WIN32)
     endforeach()
     install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md
             DESTINATION . COMPONENT library)
-    install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION . COMPONENT development)
+    qel_documents(.)
     include(CPack)
     return()
 endif()
@@ -101,8 +111,7 @@ endforeach()
 
 set(folder ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${folder} COMPONENT development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${folder}
-        COMPONENT development PATTERN man EXCLUDE PATTERN Doxyfile EXCLUDE PATTERN *.cmake EXCLUDE PATTERN CMakeLists.txt EXCLUDE)
+qel_documents(${folder})
 install(FILES ${PROJECT_SOURCE_DIR}/examples/phone.vcs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qelutil/examples
         COMPONENT program)
 include(CPack)
