@@ -83,11 +83,16 @@ if(QEL_BUILD_PROGRAM AND NOT WIN32)
         get_filename_component(name ${manual} NAME)
         qel_compressed(${manual} ${name}.gz ${CMAKE_INSTALL_MANDIR}/man1 program)
     endforeach()
-    set(qel_completions ${PROJECT_SOURCE_DIR}/tools/qelutil/completions)
-    install(FILES ${qel_completions}/qelutil.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-            RENAME qelutil COMPONENT program OPTIONAL)
-    install(FILES ${qel_completions}/_qelutil DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
-            COMPONENT program OPTIONAL)
-    install(FILES ${qel_completions}/qelutil.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
-            COMPONENT program OPTIONAL)
+    # Each shell looks for completions in a folder of its own, under a name of its own.
+    set(qel_completions
+        qelutil.bash bash-completion/completions qelutil
+        _qelutil zsh/vendor-completions _qelutil
+        qelutil.fish fish/vendor_completions.d qelutil.fish)
+    while(qel_completions)
+        list(POP_FRONT qel_completions file folder name)
+        set(file ${PROJECT_SOURCE_DIR}/tools/qelutil/completions/${file})
+        if(EXISTS ${file})
+            install(FILES ${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} RENAME ${name} COMPONENT program)
+        endif()
+    endwhile()
 endif()
