@@ -36,6 +36,13 @@ struct CivilDate {
     return code >= 0 && code <= kLastCodeDate;
 }
 
+// Whether a date has a code date: its fields are in their ranges; the month's length does not
+// count.
+[[nodiscard]] constexpr bool isEncodable(const CivilDate& date) noexcept {
+    return static_cast<unsigned>(date.year) - kFirstYear <= kLastYear - kFirstYear &&
+           static_cast<unsigned>(date.month) - 1 < 12 && static_cast<unsigned>(date.day) - 1 < 31;
+}
+
 namespace detail {
 
 // The day number of 1 January 1900 in a count whose day 0 is 1 March of the year 0: years that
@@ -60,19 +67,21 @@ constexpr auto kDaysOfMarchYear = [] {
     return days;
 }();
 
+// The days from 1 March to the first of a month, of January and February in the next year.
+constexpr std::array<std::uint16_t, 13> kDaysToMonth = {0,   306, 337, 0,   31,  61, 92,
+                                                        122, 153, 184, 214, 245, 275};
+
 }  // namespace detail
 
 // The code date of a date; a day past its month's end counts on into the next month.
-// REQUIRES: year in [1900, 2499], month in [1, 12], day in [1, 31]
+// REQUIRES: isEncodable(date)
 [[nodiscard]] constexpr int encodeCivilDate(const CivilDate& date) noexcept {
-    const bool beforeMarch = date.month <= 2;
-    const std::uint32_t year = static_cast<std::uint32_t>(date.year) - beforeMarch;
-    const std::uint32_t month = static_cast<std::uint32_t>(date.month) + (beforeMarch ? 12U : 0U);
+    const auto month = static_cast<std::size_t>(date.month);
+    const std::uint32_t year = static_cast<std::uint32_t>(date.year) - (date.month <= 2);
     const std::uint32_t century = year / 100;                                // [18, 24]
     const std::uint32_t yearDays = year * 1461 / 4 - century + century / 4;  // from 1 March of 0
-    const std::uint32_t monthDays = (979 * month - 2919) / 32;               // [0, 337]
-    return static_cast<int>(yearDays + monthDays + static_cast<std::uint32_t>(date.day) - 1 -
-                            detail::kMarchDayOfEpoch);
+    return static_cast<int>(yearDays + detail::kDaysToMonth[month] +
+                            static_cast<std::uint32_t>(date.day) - 1 - detail::kMarchDayOfEpoch);
 }
 
 // The date of a code date. The division by the length of a year is a multiplication by a
@@ -97,6 +106,12 @@ constexpr auto kDaysOfMarchYear = [] {
 [[nodiscard]] constexpr int weekdayOf(std::int64_t code) noexcept {
     const std::int64_t remainder = (code % 7 + 8) % 7;
     return static_cast<int>(remainder) + 1;
+}
+
+// The same of a code date, or of the day before the first one, at half the cost.
+// REQUIRES: code in [-1, INT_MAX - 1]
+[[nodiscard]] constexpr int weekdayOfCode(int code) noexcept {
+    return static_cast<int>((static_cast<std::uint32_t>(code) + 1) % 7) + 1;
 }
 
 }  // namespace qel

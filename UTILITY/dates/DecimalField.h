@@ -1,9 +1,11 @@
-// How the date functions read numbers out of texts: ASCII alone, never by the locale, and never
-// past the terminator. For the library's own use, from any thread.
+// How the date functions read numbers out of texts and write them: ASCII alone, never by the
+// locale, and never past the terminator. For the library's own use, from any thread.
 #ifndef QEL_DATES_DECIMALFIELD_H
 #define QEL_DATES_DECIMALFIELD_H
 
+#include <array>
 #include <cstddef>
+#include <cstring>
 
 namespace qel {
 
@@ -26,6 +28,19 @@ namespace qel {
     int value = 0;
     for (; i < width && isAsciiDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
     return negative ? -value : value;
+}
+
+// "00" to "99", one after the other.
+inline constexpr auto kPairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        pairs[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+    return pairs;
+}();
+
+// Writes two digits. REQUIRES: value <= 99
+inline void putPair(char* buffer, unsigned value) noexcept {
+    std::memcpy(buffer, kPairs.data() + std::size_t{2} * value, 2);
 }
 
 }  // namespace qel

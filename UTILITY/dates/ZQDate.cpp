@@ -55,16 +55,13 @@ int takeField(const char** cursor, std::size_t width) {
 }
 
 void putTwoDigits(char* buffer, int value) {
-    const int shown = value < 0 || value > 99 ? 99 : value;
-    buffer[0] = static_cast<char>('0' + shown / 10);
-    buffer[1] = static_cast<char>('0' + shown % 10);
+    qel::putPair(buffer, value < 0 || value > 99 ? 99 : static_cast<unsigned>(value));
 }
 
 }  // namespace
 
 int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) {
-    if (year < qel::kFirstYear || year > qel::kLastYear) return -1;
-    if (month < 1 || month > 12 || day < 1 || day > 31) return -1;
+    if (!qel::isEncodable({year, month, day})) return -1;
     store(code, static_cast<unsigned>(qel::encodeCivilDate({year, month, day})));
     return 0;
 }

@@ -38,10 +38,34 @@ struct DateTimeFields {
     int second = 0;
 };
 
+// Reads two digits and moves past them; false, with `text` where it was, when they are not both.
+bool takePair(const char*& text, int& value) {
+    const auto tens = static_cast<unsigned>(text[0]) - '0';
+    if (tens > 9) return false;
+    const auto ones = static_cast<unsigned>(text[1]) - '0';
+    if (ones > 9) return false;
+    text += 2;
+    value = static_cast<int>(tens * 10 + ones);
+    return true;
+}
+
+// The fields of an ordinary text, in which every one has all its digits; false for any other.
+bool takeDateTime(const char* text, DateTimeFields& fields) {
+    int century = 0;
+    if (!takePair(text, century) || !takePair(text, fields.year)) return false;
+    fields.year += century * 100;
+    if (!takePair(text, fields.month) || !takePair(text, fields.day) || *text++ != 'T')
+        return false;
+    return takePair(text, fields.hour) && takePair(text, fields.minute) &&
+           takePair(text, fields.second);
+}
+
 // The fields that scanf's "%4d%2d%2dT%2d%2d%2d" fills; those from the first mismatch on stay 0. The
 // T must follow the day at once, blanks may stand before any number.
 DateTimeFields scanDateTime(const char* text) {
     DateTimeFields fields;
+    if (takeDateTime(text, fields)) return fields;
+    fields = {};
     const bool dated = scanNumber(text, 4, fields.year) && scanNumber(text, 2, fields.month) &&
                        scanNumber(text, 2, fields.day);
     if (!dated || *text != 'T') return fields;
@@ -52,11 +76,27 @@ DateTimeFields scanDateTime(const char* text) {
     return fields;
 }
 
+// Eight digits, the letter T, six digits, the letter Z on request and a terminator; returns the
+// length.
 std::size_t writeDateTime(std::int64_t codeDate, std::int64_t codeTime, char* text, bool noUtc) {
-    // A day number outside the calendar, however large, is written as the day that does not decode.
-    ZQ_CodeDateToAlpha(qel::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1, text);
+    if (qel::isCodeDate(codeDate) && codeTime >= 0) {
+        const qel::CivilDate date = qel::decodeCivilDate(static_cast<int>(codeDate));
+        const auto year = static_cast<unsigned>(date.year);
+        const auto time = static_cast<unsigned>(codeTime);  // [0, 86399]
+        qel::putPair(text, year / 100);
+        qel::putPair(text + 2, year % 100);
+        qel::putPair(text + 4, static_cast<unsigned>(date.month));
+        qel::putPair(text + 6, static_cast<unsigned>(date.day));
+        qel::putPair(text + 9, time / 3600);
+        qel::putPair(text + 11, time / 60 % 60);
+        qel::putPair(text + 13, time % 60);
+    } else {
+        // A day number outside the calendar, however large, is written as the day that does not
+        // decode.
+        ZQ_CodeDateToAlpha(qel::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1, text);
+        ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
+    }
     text[8] = 'T';
-    ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
     text[15] = noUtc ? '\0' : 'Z';
     text[16] = '\0';
     return noUtc ? 15 : 16;

@@ -47,7 +47,7 @@ std::string_view weekStart(const _rruleRepeat& rule) {
     for (std::size_t day = 2; day <= 7; ++day) {
         if ((rule.wkst >> day & 1) != 0) return kDayCodes[day];
     }
-    return {};
+    return "";
 }
 
 // The frequency code and what it says of the rule's kind; empty without a frequency.

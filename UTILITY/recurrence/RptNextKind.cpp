@@ -60,7 +60,7 @@ bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     const int day = isLast ? clampDay(31, month.month, month.year) : 1;
     int edge = 0;
     if (!encode({month.year, month.month, day}, edge)) return false;
-    const int weekday = weekdayOf(edge);
+    const int weekday = weekdayOfCode(edge);
     date = isLast ? edge - daysBeforeLast(repeat.dayOfWeek, weekday)
                   : edge + daysFromFirst(repeat.dayOfMonth, repeat.dayOfWeek, weekday);
     return true;

@@ -13,11 +13,6 @@ void toNextMonth(CivilDate& month) {
 
 }  // namespace
 
-bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
-    return encode({month.year, month.month, clampDay(repeat.dayOfMonth, month.month, month.year)},
-                  date);
-}
-
 bool dayOfMonthsFrom(const ZQTR_REPEAT& repeat, CivilDate month, int from, int& date) {
     for (;; toNextMonth(month)) {
         // From kLastSearchedYear on every month counts, which ends the search when none is

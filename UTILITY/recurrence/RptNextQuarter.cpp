@@ -20,13 +20,13 @@ int failQuarterDay() {
 
 // The first of the record's weekday on or after `first`, then whole weeks on.
 int weekdayFrom(const ZQTR_REPEAT& repeat, int first) {
-    const int forward = repeat.dayOfWeek - weekdayOf(first);
+    const int forward = repeat.dayOfWeek - weekdayOfCode(first);
     return first + (forward >= 0 ? forward : forward + 7) + (repeat.weekOfMonth - 1) * 7;
 }
 
 // The last of the record's weekday before `end`.
 int weekdayBefore(const ZQTR_REPEAT& repeat, int end) {
-    const int back = weekdayOf(end - 1) - repeat.dayOfWeek;
+    const int back = weekdayOfCode(end - 1) - repeat.dayOfWeek;
     return end - 1 - (back >= 0 ? back : back + 7);
 }
 

@@ -67,10 +67,7 @@ inline int failDate(int line) {
 // The code date of `date`, which may lie outside every range: false then. A day past its month's
 // end counts on into the next month.
 [[nodiscard]] constexpr bool encode(const CivilDate& date, int& code) noexcept {
-    if (date.year < kFirstYear || date.year > kLastYear || date.month < 1 || date.month > 12 ||
-        date.day < 1 || date.day > 31) {
-        return false;
-    }
+    if (!isEncodable(date)) return false;
     code = encodeCivilDate(date);
     return true;
 }
@@ -124,11 +121,16 @@ inline int narrow(std::int64_t value, int& date) {
 // The occurrence of a series in one month, or in the quarter that begins with it; false when a date
 // leaves the range.
 // REQUIRES: isKindOfDay for kindOfDayIn
-bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);        // 3, 5
 bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);    // 4, 6
 bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);         // 10, 11
 bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);      // 13
 bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);  // 14
+
+// Types 3 and 5, whose steps have little else to do.
+inline bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
+    return encode({month.year, month.month, clampDay(repeat.dayOfMonth, month.month, month.year)},
+                  date);
+}
 
 // The first occurrence of type 7 at or after `from`, in `month` or later; false past the range.
 bool dayOfMonthsFrom(const ZQTR_REPEAT& repeat, CivilDate month, int from, int& date);

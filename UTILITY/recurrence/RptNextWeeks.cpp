@@ -31,7 +31,7 @@ class Selection {
     // REQUIRES: a month that encodes
     [[nodiscard]] std::uint32_t daysOf(int year, int month) const {
         const int length = daysInMonth(month, year);
-        const int firstWeekday = weekdayOf(encodeCivilDate({year, month, 1})) - 1;  // [0, 6]
+        const int firstWeekday = weekdayOfCode(encodeCivilDate({year, month, 1})) - 1;  // [0, 6]
         const std::uint64_t fromFirst = ((weekdays_ | weekdays_ << 7) >> firstWeekday) & kWeek;
         std::uint64_t weeks = weekDays_;
         if (fourthMayBeLast_)
