@@ -13,10 +13,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string lastSystemError() {
-    const int number = errno;
+std::string reasonOf(int number) {
     return number == 0 ? "the system gives no reason"
                        : std::error_code(number, std::generic_category()).message();
+}
+
+std::string lastReadError() {
+    const int number = errno;
+    std::string reason = reasonOf(number);
+    if (number == ENOENT) reason += "; see that the name is right";
+    if (number == EACCES) reason += "; see that you may read it";
+    return reason;
+}
+
+std::string lastWriteError() {
+    const int number = errno;
+    std::string reason = reasonOf(number);
+    if (number == ENOENT) reason += "; make its folder first";
+    if (number == EACCES || number == EROFS) reason += "; see that you may write there";
+    if (number == ENOSPC) reason += "; make room on the disk";
+    return reason;
 }
 
 bool isStandardStream(const std::string& name) {
@@ -42,7 +58,7 @@ InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
     errno = 0;
     owned_ = std::make_unique<std::ifstream>(path, std::ios::binary);
     stream_ = owned_.get();
-    if (!*owned_) throw InputError(name + ": cannot be read: " + lastSystemError());
+    if (!*owned_) throw InputError(name + ": cannot be read: " + lastReadError());
     if (!fs::is_regular_file(path, failure)) return;
     const std::uintmax_t size = fs::file_size(path, failure);
     if (!failure) size_ = static_cast<std::uint64_t>(size);
@@ -60,7 +76,7 @@ InputFile InputFile::ofText(const std::string& text) {
 std::size_t InputFile::read(char* bytes, std::size_t room) {
     errno = 0;
     stream_->read(bytes, static_cast<std::streamsize>(room));
-    if (stream_->bad()) throw InputError(name_ + ": reading failed: " + lastSystemError());
+    if (stream_->bad()) throw InputError(name_ + ": reading failed: " + lastReadError());
     return static_cast<std::size_t>(stream_->gcount());
 }
 
@@ -103,7 +119,7 @@ OutputFile::OutputFile(Context& context, const std::string& name) : stream_(&fil
     file_.open(opened, std::ios::binary | std::ios::trunc);
     if (!file_) {
         temporary_.clear();
-        throw InputError(name + ": cannot be written: " + lastSystemError());
+        throw InputError(name + ": cannot be written: " + lastWriteError());
     }
     file_.exceptions(std::ios::badbit | std::ios::failbit);
 }
@@ -125,7 +141,7 @@ void OutputFile::commit() {
     try {
         file_.close();
     } catch (const std::ios_base::failure&) {
-        throw InputError(name_ + ": cannot be written: " + lastSystemError());
+        throw InputError(name_ + ": cannot be written: " + lastWriteError());
     }
     if (temporary_.empty()) return;
     std::error_code failure;
@@ -135,6 +151,14 @@ void OutputFile::commit() {
     fs::rename(temporary_, target_, failure);
     if (failure) throw InputError(name_ + ": cannot be replaced: " + failure.message());
     temporary_.clear();
+}
+
+void OutputFile::commitAs(const std::string& name) {
+    if (name != name_) {
+        name_ = name;
+        target_ = pathOf(name);
+    }
+    commit();
 }
 
 }  // namespace qel::cli

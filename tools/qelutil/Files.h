@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iosfwd>
 #include <memory>
+#include <streambuf>
 #include <string>
 
 #include "commands/Command.h"
@@ -59,6 +60,9 @@ class OutputFile {
     // Throws std::ios_base::failure when a write fails.
     [[nodiscard]] std::ostream& stream() { return *stream_; }
     void commit();
+    // The same under another name in the same folder, when that is known only now. REQUIRES: not a
+    // standard stream.
+    void commitAs(const std::string& name);
 
   private:
     std::ofstream file_;
@@ -66,6 +70,12 @@ class OutputFile {
     std::string name_;
     std::filesystem::path target_;
     std::filesystem::path temporary_;
+};
+
+// For an output stream whose text goes nowhere.
+class NoBytes : public std::streambuf {
+    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+    std::streamsize xsputn(const char*, std::streamsize size) override { return size; }
 };
 
 }  // namespace qel::cli

@@ -1,10 +1,11 @@
 // A progress bar on standard error, drawn only when that is a terminal and the work has taken more
-// than a second. One bar at a time for each context; messages of the context wipe it first. One
-// thread.
+// than a second, never wider than the terminal. One bar at a time for each context; messages of the
+// context wipe it first. One thread.
 #ifndef QELUTIL_PROGRESS_H
 #define QELUTIL_PROGRESS_H
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,6 +26,8 @@ class Progress {
 
     // Cheap enough for every line of a file, and right for a few large pieces.
     void update(std::uint64_t done);
+    // What is being worked on from now on.
+    void relabel(std::string_view label);
     // Wipes the bar until the next update.
     void hide();
 
@@ -37,7 +40,7 @@ class Progress {
     std::uint64_t total_;
     Clock::time_point nextDraw_;
     bool enabled_;
-    bool shown_ = false;
+    std::size_t shown_ = 0;  // columns of what is drawn
 };
 
 }  // namespace qel::cli

@@ -1,5 +1,6 @@
 #include "RuleArguments.h"
 
+#include <CLI/CLI.hpp>
 #include <optional>
 
 #include "QelUtility/ZQDate.h"

@@ -1,5 +1,6 @@
 #include "Source.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace qel::cli {

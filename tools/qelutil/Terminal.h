@@ -7,9 +7,21 @@ namespace qel::cli {
 // Columns of the terminal on standard output, or 80 where there is none.
 [[nodiscard]] int outputWidth();
 
-// True when standard output is a terminal that understands highlighting, and the environment
-// variable NO_COLOR is unset or empty.
+// Columns of the terminal on standard error, or 80 where there is none.
+[[nodiscard]] int errorWidth();
+
+enum class Color {
+    Auto,  // on a terminal that understands it, while the environment's NO_COLOR is unset or empty
+    Always,
+    Never
+};
+
+// For this run; Auto before.
+void chooseColor(Color color);
+
+// Whether what is written to standard output, or to standard error, is highlighted.
 [[nodiscard]] bool outputHighlights();
+[[nodiscard]] bool errorHighlights();
 
 }  // namespace qel::cli
 

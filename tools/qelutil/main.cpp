@@ -7,7 +7,7 @@
 #include <new>
 #include <system_error>
 
-#include "commands/Commands.h"
+#include "commands/Application.h"
 #include "platform/Console.h"
 
 namespace {
@@ -15,15 +15,6 @@ namespace {
 using qel::cli::Context;
 
 constexpr char kMemoryExhausted[] = "memory is exhausted; give the input in smaller pieces";
-
-// Every command's function, in the order in which --help lists them.
-using AddCommand = void (*)(CLI::App&, Context&);
-constexpr AddCommand kCommands[] = {
-    qel::cli::addConvertCommand, qel::cli::addRuleCommand,    qel::cli::addExpandCommand,
-    qel::cli::addDateCommand,    qel::cli::addZoneCommand,    qel::cli::addEncodeCommand,
-    qel::cli::addDecodeCommand,  qel::cli::addCharsetCommand, qel::cli::addFieldCommand,
-    qel::cli::addStatusCommand,  qel::cli::addStreamCommand,  qel::cli::addLogCommand,
-};
 
 std::string commandLineOf(const CLI::App& app) {
     std::string words = "qelutil";
@@ -38,19 +29,8 @@ int usage(Context& context, const CLI::App& app, std::string text) {
 }
 
 int parseAndRun(Context& context, const std::vector<std::string>& words) {
-    CLI::App app(
-        "Turns a phone's calendar files into iCalendar and back, explains recurrence rules,\n"
-        "and converts times, texts and codes.",
-        "qelutil");
-    // A path such as /tmp/a.vcs is no option, on any platform.
-    app.allow_windows_style_options(false);
-    app.set_version_flag("--version", "qelutil " QELUTIL_VERSION);
-    app.require_subcommand(1);
-    app.get_formatter()->column_width(30);
-    app.footer(
-        "Exit status: 0 when all is well, 1 when some input was bad, 2 when the command line "
-        "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
-    for (const AddCommand add : kCommands) add(app, context);
+    CLI::App app;
+    qel::cli::addCommands(app, context);
     if (!words.empty() && words[0].rfind('-', 0) != 0) {
         const auto known =
             app.get_subcommands([&](const CLI::App* each) { return each->check_name(words[0]); });
@@ -86,7 +66,8 @@ int guarded(Context& context, const std::vector<std::string>& words) {
     } catch (const std::exception& problem) {
         context.error(problem.what());
     } catch (int code) {
-        context.error("the library gave up with code " + std::to_string(code));
+        context.error("the library gave up with code " + std::to_string(code) +
+                      "; its log tells more, see `qelutil log`");
     } catch (const char* text) {
         context.error(text);
     }

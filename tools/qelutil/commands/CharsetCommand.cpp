@@ -81,7 +81,8 @@ class Converter {
         descriptor_ = services_.iconv_open(to.c_str(), from.c_str());
         if (descriptor_ == nullptr ||
             descriptor_ == reinterpret_cast<_iconv_info*>(~std::uintptr_t{0}))
-            throw InputError("no conversion can be opened from " + from + " to " + to);
+            throw InputError("no conversion can be opened from " + from + " to " + to +
+                             "; see `qelutil charset --list`");
     }
     ~Converter() { services_.iconv_close(descriptor_); }
     Converter(const Converter&) = delete;
@@ -255,7 +256,9 @@ class SystemConversion {
         for (std::size_t line = firstLine; !text.empty(); ++line) {
             const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
             auto result = platform::toUtf8(text.substr(0, length), set_);
-            if (!result) throw InputError(name_ + ": the system cannot convert " + set_);
+            if (!result)
+                throw InputError(name_ + ": the system cannot convert " + set_ +
+                                 "; `qelutil charset --list` shows what it always can");
             bool replaced = false;
             for (std::size_t at; (at = result->find(kSubstitute)) != std::string::npos;) {
                 result->replace(at, kSubstitute.size(), 1, kReplacement);

@@ -5,12 +5,15 @@
 #ifndef QELUTIL_COMMANDS_COMMAND_H
 #define QELUTIL_COMMANDS_COMMAND_H
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <iosfwd>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+namespace CLI {
+class App;
+}
 
 namespace qel::cli {
 
@@ -55,14 +58,18 @@ class Context {
     // The same with "note: " before the text.
     void note(std::string_view file, std::size_t line, std::string_view text);
 
+    // "qelutil: TEXT" on standard error: what was done.
+    void say(std::string_view text);
+
     // Some input was bad, and something else has said so.
     void setBadInput() { exitCode_ = kExitBadInput; }
     [[nodiscard]] int exitCode() const { return exitCode_; }
 
   private:
     friend class Progress;
-    void message(std::string_view kind, std::string_view file, std::size_t line,
-                 std::string_view text);
+    // What is told is of this kind: its word before the text, and the colour that goes with it.
+    struct Kind;
+    void message(const Kind& kind, std::string_view file, std::size_t line, std::string_view text);
 
     std::ostream& err_;
     Progress* progress_ = nullptr;

@@ -3,6 +3,8 @@
 #ifndef QELUTIL_COMMANDS_COMMANDS_H
 #define QELUTIL_COMMANDS_COMMANDS_H
 
+#include <CLI/CLI.hpp>
+
 #include "commands/Command.h"
 
 namespace qel::cli {

@@ -1,6 +1,7 @@
 #include <ostream>
 
 #include "Progress.h"
+#include "Terminal.h"
 #include "Text.h"
 #include "commands/Command.h"
 
@@ -9,29 +10,45 @@ namespace qel::cli {
 Context::Context(std::istream& inStream, std::ostream& outStream, std::ostream& errStream)
     : in(inStream), out(outStream), err_(errStream) {}
 
+struct Context::Kind {
+    std::string_view word;
+    std::string_view color;  // the sequence that switches it on
+};
+
 void Context::error(std::string_view file, std::size_t line, std::string_view text) {
     exitCode_ = kExitBadInput;
-    message({}, file, line, text);
+    message({"", "\x1b[1;31m"}, file, line, text);
 }
 
 void Context::warning(std::string_view file, std::size_t line, std::string_view text) {
-    message("warning: ", file, line, text);
+    message({"warning: ", "\x1b[1;33m"}, file, line, text);
 }
 
 void Context::note(std::string_view file, std::size_t line, std::string_view text) {
-    message("note: ", file, line, text);
+    message({"note: ", "\x1b[1;36m"}, file, line, text);
 }
 
-void Context::message(std::string_view kind, std::string_view file, std::size_t line,
+void Context::say(std::string_view text) {
+    message({"", "\x1b[1m"}, {}, 0, text);
+}
+
+void Context::message(const Kind& kind, std::string_view file, std::size_t line,
                       std::string_view text) {
     // On a terminal the two streams share the screen: facts come before what is said about them.
     out.flush();
     if (progress_ != nullptr) progress_->hide();
-    err_ << "qelutil: ";
+    const bool highlight = errorHighlights();
+    const auto put = [&](std::string_view word) {
+        if (highlight) err_ << kind.color;
+        err_ << word;
+        if (highlight) err_ << "\x1b[0m";
+    };
+    put("qelutil: ");
     if (!file.empty()) err_ << printable(file) << ':';
     if (line != 0) err_ << line << ':';
     if (!file.empty() || line != 0) err_ << ' ';
-    err_ << kind << printable(text) << '\n';
+    if (!kind.word.empty()) put(kind.word);
+    err_ << printable(text) << '\n';
     err_.flush();
 }
 

@@ -39,8 +39,12 @@ bool isNumber(std::string_view text) {
 // `digits` is the number within `text`, which is what a message names.
 std::int64_t readNumber(const std::string& text, const std::string& digits) {
     constexpr std::size_t kMostDigits = 17;  // more than any moment or duration has
-    if (!isNumber(digits)) throw InputError("\"" + text + "\": is not a whole number");
-    if (digits.size() > kMostDigits) throw InputError("\"" + text + "\": is too large");
+    if (!isNumber(digits))
+        throw InputError("\"" + text +
+                         "\": is not a whole number; write digits alone, a \"-\" before them");
+    if (digits.size() > kMostDigits)
+        throw InputError("\"" + text + "\": is too large; no date needs more than " +
+                         std::to_string(kMostDigits) + " digits");
     return std::strtoll(digits.c_str(), nullptr, 10);
 }
 

@@ -187,7 +187,7 @@ void decodeCipher(InputFile& input, std::ostream& out) {
         ZQUT_DecodeFromString(code.c_str(), text.data(), static_cast<unsigned>(text.size()));
     if (failed != 0)
         throw InputError(input.name() + ": cannot be deciphered (code " + std::to_string(failed) +
-                         ")");
+                         "); is it what `qelutil encode cipher` writes?");
     out << text.c_str() << '\n';
 }
 

@@ -171,7 +171,7 @@ void encodeCipher(InputFile& input, std::ostream& out) {
         ZQUT_EncodeToString(text.c_str(), code.data(), static_cast<int>(code.size()));
     if (failed != 0)
         throw InputError(input.name() + ": cannot be enciphered (code " + std::to_string(failed) +
-                         ")");
+                         "); the log tells more, see `qelutil log`");
     code.resize(2 * padded);
     // A cipher block with a NUL byte in it is decoded to something else, by every reader there is.
     std::string back(padded + 1, '\0');

@@ -46,7 +46,9 @@ Range rangeOf(const Options& options, int start) {
     } else {
         range.last = codeDateOf(dateArgument("--through", options.through));
     }
-    if (range.last < range.first) throw UsageError("the range ends before it begins");
+    if (range.last < range.first)
+        throw UsageError(
+            "the range ends before it begins; give --through a later date than --since");
     return range;
 }
 
@@ -78,7 +80,7 @@ std::vector<int> datesOf(Context& context, const convert::Rule& rule, const Opti
     for (const convert::RulePiece& piece : convert::rulePieces(rule, nullptr)) {
         Repeat repeat = repeatOf(piece, start);
         if (repeat.code != 0) {
-            context.error("no repeat record: " + repeat.problem);
+            context.error("no repeat record: " + repeat.problem + "; leave --record out");
             continue;
         }
         repeats.push_back(repeat);

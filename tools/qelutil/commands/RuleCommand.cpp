@@ -190,8 +190,8 @@ void writeOneForm(Context& context, const std::vector<Explained>& all, RuleForm 
         if (form == RuleForm::VCalendar10) texts = explained.v10.texts;
         if (form == RuleForm::Positional) texts = explained.positional;
         if (texts.empty()) {
-            context.error("\"" + explained.sentence +
-                          "\" has no vCalendar 1.0 form: " + explained.v10.reason);
+            context.error("\"" + explained.sentence + "\" has no vCalendar 1.0 form: " +
+                          explained.v10.reason + "; `qelutil expand` lists its dates");
         }
         for (const std::string& text : texts) context.out << text << "\n";
     }

@@ -100,7 +100,9 @@ CalendarReader::Item CalendarReader::atTopLevel() {
         if (outsideLines_++ == 0) firstOutside_ = line_.number;
     }
     outside();
-    if (!anyCalendar_) report(Severity::Error, 0, "there is no calendar in this file");
+    if (!anyCalendar_)
+        report(Severity::Error, 0,
+               "there is no calendar in this file; one begins with BEGIN:VCALENDAR");
     return Item::End;
 }
 

@@ -87,6 +87,7 @@ class Converter::File {
     }
 
     void beginCalendar() {
+        ++owner_.counts_.calendars;
         tz_.reset();
         daylight_.clear();
         header_.clear();
@@ -195,7 +196,9 @@ class Converter::File {
         if (!entry) return;
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
+        if (owner_.observer_ != nullptr) owner_.observer_->entryRead(*entry);
         writer().write(*entry);
+        if (owner_.observer_ != nullptr) owner_.observer_->entryWritten();
     }
 
     // The zone of an entry: its own TZ line, where it has one.

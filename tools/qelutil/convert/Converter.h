@@ -19,7 +19,21 @@ enum class CalendarFormat { ICalendar, VCalendar10 };
 
 class EntryWriter;
 
+struct Entry;
+
+// Hears of each entry on its way through a converter; what the converter tells between two calls
+// belongs to the entry when its line is in it.
+class EntryObserver {
+  public:
+    virtual ~EntryObserver() = default;
+    // As it was read, before it is written.
+    virtual void entryRead(const Entry& entry) = 0;
+    // The entry read last has been written.
+    virtual void entryWritten() = 0;
+};
+
 struct ConvertCounts {
+    std::uint64_t calendars = 0;  // that have begun; an entry outside any has one of its own
     std::uint64_t entries = 0;
     std::uint64_t alarms = 0;
 };
@@ -45,6 +59,9 @@ class Converter {
     // Reads a file for its VTIMEZONEs alone, for the next convert().
     void collectZones(ByteSource source);
 
+    // From now on `observer`, which may be null and is kept, hears of every entry.
+    void observe(EntryObserver* observer) { observer_ = observer; }
+
     // Closes the output.
     void finish();
 
@@ -62,6 +79,7 @@ class Converter {
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;
+    EntryObserver* observer_ = nullptr;
 };
 
 }  // namespace qel::convert

@@ -22,6 +22,10 @@ struct Diagnostic {
     std::string text;      // one sentence without a full stop; may hold bytes of the input
 };
 
+// True when the message tells of something that is not in the output. Its sentence says "left out"
+// then, outside of what it quotes from the input.
+[[nodiscard]] bool tellsOfLoss(const Diagnostic& message);
+
 using DiagnosticSink = std::function<void(const Diagnostic&)>;
 
 }  // namespace qel::convert

@@ -35,7 +35,8 @@ void EntryReader::takeAlarmComponent(const Component& component) {
                 alarm.at = *at;
             } else {
                 tell(Severity::Error, line.number,
-                     "TRIGGER " + quoted(line.value) + " is neither a duration nor a date");
+                     "TRIGGER " + quoted(line.value) +
+                         " is neither a duration nor a date; the alarm is left out");
                 usable = false;
             }
         } else if (line.name == "DURATION") {

@@ -172,7 +172,7 @@ void ICalEntry::addRecurrence() {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             const std::string text = iCalendarText(rule);
             if (text.empty()) {
-                tell(Severity::Error, "the rule cannot be written", each.line);
+                tell(Severity::Error, "the rule cannot be written; it is left out", each.line);
             } else {
                 lines_.push_back(iCalendarLine(each.exclude ? "EXRULE" : "RRULE", {}, text));
             }

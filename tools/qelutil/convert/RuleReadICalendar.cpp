@@ -47,7 +47,8 @@ class PartReader {
         if (!any_) return;
         outside_.report(reading_.notes, Severity::Warning,
                         "the rule names what no calendar has, and it is left out:");
-        strays_.report(reading_.notes, Severity::Warning, "the rule has a part that is not known:");
+        strays_.report(reading_.notes, Severity::Warning,
+                       "the rule has a part that is not known, and it is left out:");
         if (strays_.any()) reading_.complete = false;
         if (!hasFrequency_ && usable_) {
             reading_.notes.push_back({Severity::Error, "the rule has no frequency"});
@@ -157,9 +158,9 @@ class PartReader {
         }
         rule_.days = days;
         if (dropped)
-            reading_.notes.push_back(
-                {Severity::Warning,
-                 "positions of weekdays mean nothing in a daily or weekly rule"});
+            reading_.notes.push_back({Severity::Warning,
+                                      "positions of weekdays mean nothing in a daily or weekly "
+                                      "rule; they are left out"});
     }
 
     // The weekday that falls on the days 8 to 14 of a month is its second: that a record holds, and

@@ -151,7 +151,8 @@ class RuleParser {
     }
 
     void finish() {
-        strays_.report(reading_.notes, Severity::Warning, "the rule holds what is no part of it:");
+        strays_.report(reading_.notes, Severity::Warning,
+                       "the rule holds what is no part of it, and it is left out:");
         outside_.report(reading_.notes, Severity::Warning,
                         "the rule names what no calendar has, and it is left out:");
         if (!badEnd_.empty()) {

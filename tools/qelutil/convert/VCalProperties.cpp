@@ -197,7 +197,8 @@ void VCalEntry::addAlarm(const Alarm& alarm) {
     std::string lost;
     for (const EntryProperty& other : alarm.others) lost += (lost.empty() ? "" : ", ") + other.name;
     if (!lost.empty())
-        tell(Severity::Warning, "an alarm of vCalendar 1.0 has no room for " + lost, alarm.line);
+        tell(Severity::Warning, "an alarm of vCalendar 1.0 has no room for " + lost + "; left out",
+             alarm.line);
     std::string value = formatMoment(*when);
     const std::string fields = alarm.fromVCalendar ? alarm.fields : writeAlarmFields(alarm);
     if (!fields.empty()) value += ";" + fields;

@@ -18,10 +18,13 @@ void prepareStreams();
 
 [[nodiscard]] bool outputIsTerminal();
 [[nodiscard]] bool errorIsTerminal();
-// Columns of the terminal on standard output; 0 when there is none or it does not say.
+// Columns of the terminal on standard output, or on standard error; 0 when there is none or it does
+// not say.
 [[nodiscard]] int outputColumns();
-// True when the terminal on standard output obeys ANSI escape sequences.
+[[nodiscard]] int errorColumns();
+// True when the terminal there obeys ANSI escape sequences.
 [[nodiscard]] bool outputUnderstandsEscapes();
+[[nodiscard]] bool errorUnderstandsEscapes();
 
 }  // namespace qel::cli::platform
 

@@ -11,6 +11,15 @@
 
 namespace qel::cli::platform {
 
+namespace {
+
+int columnsOf(int stream) {
+    winsize size{};
+    return ::ioctl(stream, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
+}  // namespace
+
 void prepareStreams() {
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
         if (::fcntl(stream, F_GETFD) != -1 || errno != EBADF) continue;
@@ -36,14 +45,20 @@ bool errorIsTerminal() {
 }
 
 int outputColumns() {
-    winsize size{};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0) return size.ws_col;
-    return 0;
+    return columnsOf(STDOUT_FILENO);
+}
+
+int errorColumns() {
+    return columnsOf(STDERR_FILENO);
 }
 
 bool outputUnderstandsEscapes() {
     const char* terminal = std::getenv("TERM");
     return terminal != nullptr && *terminal != '\0' && std::strcmp(terminal, "dumb") != 0;
+}
+
+bool errorUnderstandsEscapes() {
+    return outputUnderstandsEscapes();
 }
 
 }  // namespace qel::cli::platform

@@ -24,6 +24,20 @@ bool isConsole(DWORD which) {
     return GetConsoleMode(GetStdHandle(which), &mode) != 0;
 }
 
+int columnsOf(DWORD which) {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (GetConsoleScreenBufferInfo(GetStdHandle(which), &info) == 0) return 0;
+    return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+bool understandsEscapes(DWORD which) {
+    constexpr DWORD kVirtualTerminal = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
+    const HANDLE handle = GetStdHandle(which);
+    DWORD mode = 0;
+    return GetConsoleMode(handle, &mode) != 0 &&
+           SetConsoleMode(handle, mode | kVirtualTerminal) != 0;
+}
+
 std::string toUtf8(const wchar_t* wide) {
     const int needed = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
     if (needed <= 1) return {};
@@ -65,17 +79,19 @@ bool errorIsTerminal() {
 }
 
 int outputColumns() {
-    CONSOLE_SCREEN_BUFFER_INFO info{};
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) return 0;
-    return info.srWindow.Right - info.srWindow.Left + 1;
+    return columnsOf(STD_OUTPUT_HANDLE);
+}
+
+int errorColumns() {
+    return columnsOf(STD_ERROR_HANDLE);
 }
 
 bool outputUnderstandsEscapes() {
-    constexpr DWORD kVirtualTerminal = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
-    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
-    DWORD mode = 0;
-    return GetConsoleMode(output, &mode) != 0 &&
-           SetConsoleMode(output, mode | kVirtualTerminal) != 0;
+    return understandsEscapes(STD_OUTPUT_HANDLE);
+}
+
+bool errorUnderstandsEscapes() {
+    return understandsEscapes(STD_ERROR_HANDLE);
 }
 
 }  // namespace qel::cli::platform

@@ -1,0 +1,151 @@
+// qelutil convert over folders: results, names, what is never overwritten, --strict, --dry-run, and
+// the report.
+#include <filesystem>
+
+#include "Qelutil.h"
+
+namespace qel::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string calendar(const std::string& lines) {
+    return "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nDTSTART:20050615T083000Z\r\n" +
+           lines + "END:VEVENT\r\nEND:VCALENDAR\r\n";
+}
+
+const std::string kGood = calendar("SUMMARY:Good\r\nRRULE:W2 MO WE FR #10\r\n");
+const std::string kLossy = calendar("SUMMARY:Lossy\r\nno property\r\n");
+
+class ConvertFolders : public QelutilTest {
+  protected:
+    ConvertFolders() {
+        put("phone/a.vcs", kGood);
+        put("phone/2005/b.VCS", kGood);
+        put("phone/2005/.hidden.vcs", kLossy);
+        put("phone/.trash/c.vcs", kLossy);
+        put("phone/read.me", "no calendar");
+        std::error_code notHere;  // where links cannot be made, there is nothing to follow
+        fs::create_directory_symlink(state_.path() / "phone", state_.path() / "phone/loop",
+                                     notHere);
+    }
+
+    void put(const std::string& name, const std::string& text) const {
+        fs::create_directories((state_.path() / name).parent_path());
+        writeFile(state_.file(name), text);
+    }
+    [[nodiscard]] bool has(const std::string& name) const {
+        return fs::exists(state_.path() / name);
+    }
+    [[nodiscard]] std::string read(const std::string& name) const {
+        return readFile(state_.file(name));
+    }
+
+    std::string phone_ = state_.file("phone");
+    std::string out_ = state_.file("out");
+};
+
+TEST_F(ConvertFolders, AResultForEachFile) {
+    const ProcessResult result = run({"convert", phone_, "--output-dir", out_});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "qelutil: 2 files, 2 entries: 2 converted, 0 changed, 0 warnings, 0 errors, 0 not "
+              "carried over\n");
+    EXPECT_TRUE(contains(read("out/a.ics"), "FREQ=WEEKLY;COUNT=10"));
+    EXPECT_TRUE(has("out/2005/b.ics"));
+    EXPECT_FALSE(has("out/2005/.hidden.ics"));
+    // A folder that exists may be named by --output too, and results are no inputs.
+    put("phone/out/old.ics", read("out/a.ics"));
+    EXPECT_EQ(run({"convert", phone_, "-o", phone_ + "/out"}).exitCode, 0);
+    EXPECT_FALSE(has("phone/out/out/old.vcs"));
+    // All in one.
+    const ProcessResult one = run({"convert", phone_, "-o", state_.file("all.ics")});
+    EXPECT_TRUE(contains(one.err, "qelutil: 5 files, 5 entries: 5 converted"));
+    fails(1, {"convert", state_.file("phone/.trash"), state_.file("none")}, "none: cannot be read");
+    fs::create_directories(state_.path() / "empty");
+    fails(1, {"convert", state_.file("empty")}, "there is no .vcs or .ics file in this folder");
+}
+
+TEST_F(ConvertFolders, NothingIsOverwrittenInSilence) {
+    put("out/a.ics", "as it was");
+    const ProcessResult there = fails(1, {"convert", phone_, "-d", out_}, "a.ics exists already");
+    EXPECT_TRUE(contains(there.err, "2 files (1 left out), 2 entries: 1 converted"));
+    EXPECT_EQ(read("out/a.ics"), "as it was");
+    EXPECT_EQ(run({"convert", phone_, "-d", out_, "--overwrite"}).exitCode, 0);
+    EXPECT_NE(read("out/a.ics"), "as it was");
+    // Two with one name, and a result that is an input.
+    put("phone/A.ics", read("out/a.ics"));
+    fails(1, {"convert", phone_, "-d", state_.file("two"), "--to", "ics"},
+          "is already the result of");
+    put("phone/a.ics", read("out/a.ics"));
+    fails(1, {"convert", phone_, "-d", phone_, "--overwrite"}, "is itself one of the files");
+    EXPECT_EQ(read("phone/a.vcs"), kGood);
+    fails(1, {"convert", "-d", out_}, "standard input has no name", kGood);
+    fails(2, {"convert", phone_, "--overwrite"}, "--overwrite goes with --output-dir");
+    for (const auto& each : fs::recursive_directory_iterator(state_.path()))
+        EXPECT_NE(each.path().extension(), ".qelutil-new") << each.path();
+}
+
+TEST_F(ConvertFolders, StrictLetsNothingPass) {
+    put("phone/lossy.vcs", kLossy);
+    put("all.ics", "as it was");
+    const std::string all = state_.file("all.ics");
+    fails(1, {"convert", "--strict", phone_, "-d", out_}, "lossy.vcs: is left out");
+    EXPECT_TRUE(has("out/a.ics"));
+    EXPECT_FALSE(has("out/lossy.ics"));
+    const ProcessResult one = fails(1, {"convert", "--strict", phone_, "-o", all}, "as it was");
+    EXPECT_TRUE(contains(one.err, "3 entries: 0 converted, 1 changed, 0 warnings, 1 error, 1 not"));
+    EXPECT_EQ(read("all.ics"), "as it was");
+    EXPECT_EQ(runWithInput({"convert", "--strict"}, kLossy).out, "");
+    EXPECT_EQ(runWithInput({"convert", "--strict"}, kGood).out,
+              runWithInput({"convert"}, kGood).out);
+}
+
+TEST_F(ConvertFolders, ADryRunWritesNothing) {
+    put("phone/lossy.vcs", kLossy);
+    const ProcessResult result = run({"convert", "-n", phone_, "-d", out_});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_FALSE(has("out"));
+    EXPECT_TRUE(contains(result.out, phone_ + "/a.vcs -> " + out_ + "/a.ics: 1 entry, 0 changed"));
+    EXPECT_TRUE(contains(result.out, "lossy.ics: 1 entry, 1 changed, 1 not carried over\n"));
+    EXPECT_TRUE(contains(result.err, "nothing written; would be: 3 files"));
+}
+
+TEST_F(ConvertFolders, AFileWithoutACalendarReplacesNothing) {
+    put("all.ics", "as it was");
+    fails(1, {"convert", state_.file("phone/read.me"), "-o", state_.file("all.ics")},
+          "there is no calendar to write; " + state_.file("all.ics") + " is left as it was");
+    EXPECT_EQ(read("all.ics"), "as it was");
+    EXPECT_EQ(runWithInput({"convert"}, "").out, "");
+    put("phone/text.vcs", "no calendar");
+    EXPECT_EQ(run({"convert", phone_, "-d", out_}).exitCode, 1);
+    EXPECT_FALSE(has("out/text.ics"));
+    EXPECT_TRUE(has("out/a.ics"));
+}
+
+TEST_F(ConvertFolders, TheReportShowsEveryEntryAndRunsNothing) {
+    put("phone/odd.vcs",
+        calendar("SUMMARY:<script>alert('1')</script>&\r\nRNUM:3\r\nno <property>\r\n"
+                 "EXDATE:20050617T083000Z\r\nRRULE:D1 #5\r\n"));
+    const std::string page = state_.file("report.html");
+    const ProcessResult result = run({"convert", phone_, "-d", out_, "--report", page});
+    EXPECT_EQ(result.exitCode, 1);
+    const std::string text = read("report.html");
+    for (const char* says :
+         {"&lt;script&gt;alert(&#39;1&#39;)&lt;/script&gt;&amp;", "every day, 5 times",
+          "every 2 weeks on Monday, Wednesday and Friday, 10 times", "<code>W2 MO WE FR #10</code>",
+          "June 2005", "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>",
+          "X-VCAL-RNUM", "no &lt;property&gt;", "is no property; it is left out",
+          "not all carried over", "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n"})
+        EXPECT_TRUE(contains(text, says));
+    for (const char* never : {"<script", "http:", "https:", "src=", "url("})
+        EXPECT_FALSE(contains(text, never));
+    EXPECT_FALSE(has("report.html.qelutil-body"));
+    fails(1, {"convert", phone_, "-n", "--report", state_.file("no/such/report.html")},
+          "cannot be written");
+    fails(2, {"convert", phone_, "--report", page, "-o", page}, "name the same file");
+}
+
+}  // namespace
+}  // namespace qel::test

@@ -1,0 +1,47 @@
+#include "commands/Application.h"
+
+#include "Terminal.h"
+#include "commands/Commands.h"
+
+namespace qel::cli {
+
+namespace {
+
+// Every command's function, in the order in which --help lists them.
+using AddCommand = void (*)(CLI::App&, Context&);
+constexpr AddCommand kCommands[] = {
+    addConvertCommand, addRuleCommand,   addExpandCommand, addDateCommand,
+    addZoneCommand,    addEncodeCommand, addDecodeCommand, addCharsetCommand,
+    addFieldCommand,   addStatusCommand, addStreamCommand, addLogCommand,
+};
+
+}  // namespace
+
+void addCommands(CLI::App& app, Context& context) {
+    app.name("qelutil");
+    app.description(
+        "Turns a phone's calendar files into iCalendar and back, explains recurrence rules,\n"
+        "and converts times, texts and codes.");
+    // A path such as /tmp/a.vcs is no option, on any platform.
+    app.allow_windows_style_options(false);
+    app.set_version_flag("--version", "qelutil " QELUTIL_VERSION);
+    app.require_subcommand(1);
+    // The options of the program itself may stand behind the command too.
+    app.fallthrough();
+    app.add_option("--color", "when messages and month grids are coloured")
+        ->type_name("WHEN")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->default_str("auto")
+        ->each([](const std::string& when) {
+            chooseColor(when == "always"  ? Color::Always
+                        : when == "never" ? Color::Never
+                                          : Color::Auto);
+        });
+    app.get_formatter()->column_width(30);
+    app.footer(
+        "Exit status: 0 when all is well, 1 when some input was bad, 2 when the command line "
+        "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
+    for (const AddCommand add : kCommands) add(app, context);
+}
+
+}  // namespace qel::cli

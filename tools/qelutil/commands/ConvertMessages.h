@@ -1,0 +1,60 @@
+// Shows what a converter has to tell, as much of it as a person reads. One thread.
+#ifndef QELUTIL_COMMANDS_CONVERTMESSAGES_H
+#define QELUTIL_COMMANDS_CONVERTMESSAGES_H
+
+#include <cstdint>
+#include <string>
+
+#include "commands/Command.h"
+#include "convert/Diagnostic.h"
+
+namespace qel::cli {
+
+class ConvertMessages {
+  public:
+    ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
+
+    // False when the message is one that is not shown: a note, or one of too many.
+    bool show(const convert::Diagnostic& message) {
+        using convert::Severity;
+        if (message.severity == Severity::Error) context_.setBadInput();
+        if (message.severity == Severity::Note && !verbose_) return false;
+        if (!verbose_ && ++shown_ > kMost) {
+            ++hidden_;
+            return false;
+        }
+        switch (message.severity) {
+            case Severity::Error:
+                context_.error(message.file, message.line, message.text);
+                break;
+            case Severity::Warning:
+                context_.warning(message.file, message.line, message.text);
+                break;
+            case Severity::Note:
+                context_.note(message.file, message.line, message.text);
+                break;
+        }
+        return true;
+    }
+
+    void finish() {
+        if (hidden_ != 0)
+            context_.warning(
+                {}, 0, std::to_string(hidden_) + " more messages; --verbose shows all of them");
+    }
+
+    [[nodiscard]] std::uint64_t hidden() const { return hidden_; }
+
+  private:
+    // Messages shown of one run, unless all are asked for.
+    static constexpr std::uint64_t kMost = 100;
+
+    Context& context_;
+    bool verbose_;
+    std::uint64_t shown_ = 0;
+    std::uint64_t hidden_ = 0;
+};
+
+}  // namespace qel::cli
+
+#endif

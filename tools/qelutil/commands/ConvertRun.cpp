@@ -1,0 +1,388 @@
+#include "commands/ConvertRun.h"
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "CalendarFiles.h"
+#include "Files.h"
+#include "Json.h"
+#include "Progress.h"
+#include "Spool.h"
+#include "Text.h"
+#include "commands/ConvertMessages.h"
+#include "convert/Converter.h"
+#include "report/HtmlReport.h"
+#include "report/Outcome.h"
+#include "report/ReportFeed.h"
+
+namespace qel::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using convert::CalendarFormat;
+
+constexpr char kStrictReason[] = "there are warnings or errors, and --strict wants none";
+
+std::optional<CalendarFormat> targetOf(const std::string& name) {
+    if (name == "ics") return CalendarFormat::ICalendar;
+    if (name == "vcs") return CalendarFormat::VCalendar10;
+    return std::nullopt;
+}
+
+template <class Input>
+convert::ByteSource sourceOf(Input& input) {
+    return [&input](char* bytes, std::size_t room) { return input.read(bytes, room); };
+}
+
+bool isStandardStream(const std::string& name) {
+    return name.empty() || name == "-";
+}
+
+std::string inFolder(const std::string& folder, const std::string& name) {
+    const bool ends = folder.ends_with('/') || folder.ends_with('\\');
+    return folder + (ends ? "" : "/") + name;
+}
+
+// The same for two names that some file systems hold for one.
+std::string withoutCase(std::string name) {
+    for (char& c : name)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return name;
+}
+
+class ConvertRun : private convert::EntryObserver {
+  public:
+    ConvertRun(Context& context, const ConvertOptions& options)
+        : context_(context), options_(options), messages_(context, options.verbose) {
+        if (options.report.empty()) return;
+        report_.emplace(context, options.report);
+        feed_.emplace(*report_);
+    }
+
+    void run() {
+        const CalendarFiles found = calendarFiles(context_, options_.files, options_.outputDir);
+        files_ = found.files;
+        summary_ = found.anyFolder || files_.size() > 1 || !options_.outputDir.empty() ||
+                   options_.dryRun || report_;
+        std::uint64_t size = 0;
+        for (const CalendarFile& each : files_) size += each.size;
+        Progress progress(context_, "", size);
+        progress_ = &progress;
+        if (!options_.outputDir.empty()) {
+            oneByOne();
+        } else if (!files_.empty()) {
+            joined();
+        }
+        progress_ = nullptr;
+        progress.hide();
+        tell();
+    }
+
+  private:
+    [[nodiscard]] convert::DiagnosticSink sink() {
+        return [this](const convert::Diagnostic& message) {
+            tally_.hear(message, messages_.show(message));
+            if (feed_) feed_->hear(message);
+        };
+    }
+
+    void entryRead(const convert::Entry& entry) override {
+        tally_.entryRead(entry);
+        if (feed_) feed_->entryRead(entry, converter_->target().value());
+    }
+
+    void entryWritten() override {
+        tally_.entryWritten();
+        if (feed_) feed_->entryWritten();
+    }
+
+    void beginFile(const CalendarFile& file) {
+        const std::string name = isStandardStream(file.name) ? kStandardInput : file.name;
+        tally_.beginFile(name);
+        if (feed_) feed_->beginFile(name);
+        ++number_;
+        progress_->relabel(files_.size() == 1 ? name
+                                              : std::to_string(number_) + "/" +
+                                                    std::to_string(files_.size()) + " " + name);
+    }
+
+    void endFile() {
+        outcomes_.push_back(std::move(tally_.file()));
+        if (feed_) feed_->endFile();
+    }
+
+    [[nodiscard]] convert::ByteSource heard(convert::ByteSource source) {
+        return feed_ ? feed_->through(std::move(source)) : source;
+    }
+
+    // Converts one file; the reason why it could not be read to its end, or nothing.
+    std::string convertFile(convert::Converter& converter, const CalendarFile& file) {
+        converter_ = &converter;
+        converter.observe(this);
+        const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
+        try {
+            readFile(converter, file.name,
+                     [&](std::uint64_t done) { progress_->update(before + done); });
+            return {};
+        } catch (const InputError& problem) {
+            // The other files are converted all the same.
+            context_.error(problem.what());
+            return problem.what();
+        }
+    }
+
+    // Zones may be described behind the entries that use them: they are looked for first, in
+    // whatever can be read twice. Only iCalendar has them, so a phone's file may flow through.
+    void readFile(convert::Converter& converter, const std::string& name,
+                  const std::function<void(std::uint64_t)>& update) {
+        InputFile input(context_, name);
+        if (input.size() != 0) {
+            InputFile first(context_, name);
+            converter.collectZones(sourceOf(first));
+            converter.convert(heard(sourceOf(input)), input.name(), update);
+            return;
+        }
+        Spool spool(input);
+        const bool isPhoneFile = spool.head().find("VERSION:1.0") != std::string_view::npos;
+        if (!isPhoneFile && spool.keepAll()) {
+            converter.collectZones(sourceOf(spool));
+            spool.rewind();
+        }
+        converter.convert(heard(sourceOf(spool)), input.name(), update);
+    }
+
+    // All files into one result.
+    void joined() {
+        NoBytes noBytes;
+        std::ostream nowhere(&noBytes);
+        std::ostringstream held;
+        std::optional<OutputFile> output;
+        // What may have to be taken back cannot flow to standard output.
+        const bool hold = options_.strict && isStandardStream(options_.output);
+        if (!options_.dryRun) output.emplace(context_, options_.output);
+        std::ostream& out = options_.dryRun ? nowhere : hold ? held : output->stream();
+        convert::Converter converter(out, targetOf(options_.to), sink());
+        Totals all;
+        for (const CalendarFile& file : files_) {
+            const std::uint64_t calendars = converter.counts().calendars;
+            beginFile(file);
+            std::string reason = convertFile(converter, file);
+            FileOutcome& outcome = tally_.file();
+            if (reason.empty() && converter.counts().calendars == calendars)
+                reason = "there is no calendar in it";
+            if (outcome.counts.converted == 0) outcome.reason = reason;
+            if (!isStandardStream(options_.output)) outcome.output = options_.output;
+            all.add(outcome);
+            endFile();
+        }
+        // An older result is worth more than an empty one.
+        if (converter.counts().calendars == 0) {
+            nothingWritten("there is no calendar to write");
+        } else if (options_.strict && (!all.counts.clean() || context_.exitCode() != kExitFine)) {
+            nothingWritten(kStrictReason);
+        } else if (!options_.dryRun) {
+            converter.finish();
+            if (hold) output->stream() << held.str();
+            output->commit();
+        }
+        for (const FileOutcome& each : outcomes_) settled(each);
+    }
+
+    void nothingWritten(const std::string& reason) {
+        context_.error(options_.dryRun ? reason + "; nothing would be written"
+                       : isStandardStream(options_.output)
+                           ? reason + "; nothing is written"
+                           : reason + "; " + options_.output + " is left as it was");
+        for (FileOutcome& each : outcomes_) {
+            if (each.reason.empty()) each.reason = reason;
+            each.counts.converted = 0;
+            each.output.clear();
+        }
+    }
+
+    // A result for each file.
+    void oneByOne() {
+        for (const CalendarFile& file : files_) {
+            beginFile(file);
+            try {
+                convertAlone(file);
+            } catch (const InputError& problem) {
+                context_.error(problem.what());
+                tally_.file().reason = problem.what();
+            }
+            FileOutcome& outcome = tally_.file();
+            if (!outcome.reason.empty()) {
+                outcome.counts.converted = 0;
+                outcome.output.clear();
+            }
+            settled(outcome);
+            endFile();
+        }
+    }
+
+    void convertAlone(const CalendarFile& file) {
+        if (file.place.empty())
+            throw InputError(options_.outputDir +
+                             ": is a directory, and standard input has no name for a file in it; "
+                             "name the file to write");
+        // What the file is shows when it is read; its name mostly tells before.
+        const std::string guess = !options_.to.empty()                    ? options_.to
+                                  : calendarExtension(file.name) == "ics" ? "vcs"
+                                                                          : "ics";
+        NoBytes noBytes;
+        std::ostream nowhere(&noBytes);
+        std::optional<OutputFile> output;
+        if (!options_.dryRun) {
+            makeFolderFor(file);
+            output.emplace(context_, inFolder(options_.outputDir, file.place + "." + guess));
+        }
+        convert::Converter converter(options_.dryRun ? nowhere : output->stream(),
+                                     targetOf(options_.to), sink());
+        const std::string problem = convertFile(converter, file);
+        FileOutcome& outcome = tally_.file();
+        outcome.reason = problem;
+        if (!problem.empty()) return;
+        if (converter.counts().calendars == 0) {
+            outcome.reason = "there is no calendar in it";
+            return;
+        }
+        if (options_.strict && !outcome.counts.clean())
+            throw InputError(outcome.file + ": is left out: " + kStrictReason);
+        const bool toPhone = converter.target() == CalendarFormat::VCalendar10;
+        const std::string name =
+            inFolder(options_.outputDir, file.place + (toPhone ? ".vcs" : ".ics"));
+        checkFree(outcome.file, name);
+        outcome.output = name;
+        if (options_.dryRun) return;
+        converter.finish();
+        output->commitAs(name);
+    }
+
+    void makeFolderFor(const CalendarFile& file) {
+        const fs::path folder = pathOf(inFolder(options_.outputDir, file.place)).parent_path();
+        std::error_code failure;
+        fs::create_directories(folder, failure);
+        if (failure && !fs::is_directory(folder))
+            throw InputError(options_.outputDir +
+                             ": this folder cannot be made: " + failure.message());
+    }
+
+    // Nothing is overwritten in silence, and no input ever.
+    void checkFree(const std::string& input, const std::string& name) {
+        const auto [place, isNew] = taken_.try_emplace(withoutCase(name), input);
+        if (!isNew)
+            throw InputError(input + ": is left out: " + name + " is already the result of " +
+                             place->second + "; convert one of them to another folder");
+        std::error_code unknown;
+        const fs::path path = pathOf(name);
+        if (!fs::exists(path, unknown)) return;
+        if (isInput(path))
+            throw InputError(input + ": is left out: " + name +
+                             " is itself one of the files to convert; name another folder");
+        if (!options_.overwrite)
+            throw InputError(input + ": is left out: " + name +
+                             " exists already; name another folder, or say --overwrite");
+    }
+
+    bool isInput(const fs::path& path) {
+        const auto key = [](const fs::path& each) {
+            std::error_code unknown;
+            const std::u8string text = fs::weakly_canonical(each, unknown).generic_u8string();
+            return withoutCase({text.begin(), text.end()});
+        };
+        if (inputs_.empty())
+            for (const CalendarFile& each : files_) inputs_.insert(key(pathOf(each.name)));
+        return inputs_.contains(key(path));
+    }
+
+    void settled(const FileOutcome& outcome) {
+        totals_.add(outcome);
+        if (!options_.dryRun || options_.json) return;
+        progress_->hide();
+        const OutcomeCounts& counts = outcome.counts;
+        context_.out << printable(outcome.file);
+        if (!outcome.reason.empty()) {
+            context_.out << ": would be left out\n";
+            return;
+        }
+        context_.out << " -> "
+                     << printable(outcome.output.empty() ? "standard output" : outcome.output)
+                     << ": " << counts.entries << (counts.entries == 1 ? " entry, " : " entries, ")
+                     << counts.changed << " changed, " << counts.lost << " not carried over\n";
+    }
+
+    void tell() {
+        messages_.finish();
+        if (options_.json) {
+            Json document{{"dryRun", options_.dryRun},
+                          {"strict", options_.strict},
+                          {"files", Json::array()},
+                          {"messagesNotShown", messages_.hidden()},
+                          {"summary", summaryJson(totals_)}};
+            for (const FileOutcome& each : outcomes_)
+                document["files"].push_back(outcomeJson(each));
+            writeJson(context_.out, document);
+        }
+        if (report_) report_->finish(outcomes_, totals_, noteText());
+        if (summary_)
+            context_.say((options_.dryRun ? "nothing written; would be: " : "") +
+                         summaryText(totals_));
+    }
+
+    [[nodiscard]] std::string noteText() const {
+        std::string text = "What became of the calendars that qelutil converted.";
+        if (options_.dryRun) text = "What would become of the calendars: this was a dry run.";
+        if (options_.strict) text += " With --strict, what has warnings or errors is not written.";
+        return text;
+    }
+
+    Context& context_;
+    const ConvertOptions& options_;
+    ConvertMessages messages_;
+    Tally tally_;
+    std::optional<HtmlReport> report_;
+    std::optional<ReportFeed> feed_;
+    convert::Converter* converter_ = nullptr;
+    std::vector<CalendarFile> files_;
+    std::vector<FileOutcome> outcomes_;
+    Totals totals_;
+    Progress* progress_ = nullptr;
+    std::uint64_t sizeDone_ = 0;
+    std::size_t number_ = 0;
+    bool summary_ = false;
+    std::map<std::string, std::string> taken_;  // results of this run, and whose they are
+    std::set<std::string> inputs_;
+};
+
+}  // namespace
+
+void runConvert(Context& context, ConvertOptions options) {
+    if (options.files.empty()) options.files.emplace_back("-");
+    std::error_code unknown;
+    const bool endsAsFolder = options.output.ends_with('/') || options.output.ends_with('\\');
+    if (!isStandardStream(options.output) &&
+        (endsAsFolder || fs::is_directory(pathOf(options.output), unknown)))
+        options.outputDir = std::exchange(options.output, "-");
+    if (options.report == "-") throw UsageError("--report writes a file; name it");
+    if (!options.report.empty() && options.report == options.output)
+        throw UsageError("--report and --output name the same file");
+    if (options.overwrite && options.outputDir.empty())
+        throw UsageError("--overwrite goes with --output-dir");
+    if (options.json && !options.dryRun && options.outputDir.empty() &&
+        isStandardStream(options.output))
+        throw UsageError(
+            "--json prints to standard output, where the calendar goes; give --output, "
+            "--output-dir or --dry-run with it");
+    ConvertRun(context, options).run();
+}
+
+}  // namespace qel::cli

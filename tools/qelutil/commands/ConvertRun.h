@@ -1,0 +1,30 @@
+// One run of `qelutil convert`: which files, where to, and what is told of it. One thread.
+#ifndef QELUTIL_COMMANDS_CONVERTRUN_H
+#define QELUTIL_COMMANDS_CONVERTRUN_H
+
+#include <string>
+#include <vector>
+
+#include "commands/Command.h"
+
+namespace qel::cli {
+
+struct ConvertOptions {
+    std::vector<std::string> files;
+    std::string to;
+    std::string output = "-";
+    std::string outputDir;
+    std::string report;
+    bool overwrite = false;
+    bool strict = false;
+    bool dryRun = false;
+    bool json = false;
+    bool verbose = false;
+};
+
+// Throws UsageError for options that do not go together and InputError when nothing can be done.
+void runConvert(Context& context, ConvertOptions options);
+
+}  // namespace qel::cli
+
+#endif

@@ -1,0 +1,133 @@
+# fish completion for qelutil
+# Written by qelutil_pages from the program's commands; `./dev pages` renews it.
+
+# True when the words of the command line so far begin with these ones; options do not count.
+function __qelutil_at
+    set -l words (string match -v -r '^(-.*|auto|always|never)$' -- (commandline -opc))
+    set -e words[1]
+    test (count $words) -ge (count $argv); or return 1
+    for at in (seq (count $argv))
+        test $words[$at] = $argv[$at]; or return 1
+    end
+end
+
+# True when nothing but these words stands there.
+function __qelutil_only
+    set -l words (string match -v -r '^(-.*|auto|always|never)$' -- (commandline -opc))
+    test (count $words) -eq (math 1 + (count $argv)); and __qelutil_at $argv
+end
+
+complete -c qelutil -f
+complete -c qelutil -n '__qelutil_at' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at' -l version -d 'Display program version information and exit'
+complete -c qelutil -n '__qelutil_at' -l color -x -a 'auto always never' -d 'when messages and month grids are coloured'
+complete -c qelutil -n '__qelutil_only' -a convert -d 'Converts vCalendar 1.0 files to iCalendar, and iCalendar to vCalendar 1.0'
+complete -c qelutil -n '__qelutil_only' -a rule -d 'Explain a recurrence rule'
+complete -c qelutil -n '__qelutil_only' -a expand -d 'List the dates of a rule inside a range'
+complete -c qelutil -n '__qelutil_only' -a date -d 'Day numbers, date-time texts and durations'
+complete -c qelutil -n '__qelutil_only' -a zone -d 'Time zones: their list, conversions, changes of a year'
+complete -c qelutil -n '__qelutil_only' -a encode -d 'A text as Base64, quoted-printable, MD5 digest or enciphered code'
+complete -c qelutil -n '__qelutil_only' -a decode -d 'The way back from Base64, quoted-printable, enciphered code'
+complete -c qelutil -n '__qelutil_only' -a charset -d 'Text between UTF-8 and the character sets of phones'
+complete -c qelutil -n '__qelutil_only' -a field -d 'The fields of calendars, contacts, notes, mail'
+complete -c qelutil -n '__qelutil_only' -a status -d 'The names of result statuses and operations'
+complete -c qelutil -n '__qelutil_only' -a stream -d 'What a serialised data stream holds'
+complete -c qelutil -n '__qelutil_only' -a log -d 'Where the trace goes, its options, and the end of it'
+
+complete -c qelutil -n '__qelutil_at convert' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at convert' -F
+complete -c qelutil -n '__qelutil_at convert' -l to -x -a 'ics vcs' -d 'ics for iCalendar, vcs for vCalendar 1.0'
+complete -c qelutil -n '__qelutil_at convert' -s o -l output -r -F -d 'the file to write, whole or not at all'
+complete -c qelutil -n '__qelutil_at convert' -s d -l output-dir -x -a '(__fish_complete_directories)' -d 'the folder to write to, a file for each file'
+complete -c qelutil -n '__qelutil_at convert' -l overwrite -d 'replace files that the folder of --output-dir already has'
+complete -c qelutil -n '__qelutil_at convert' -l strict -d 'let no warning and no loss pass'
+complete -c qelutil -n '__qelutil_at convert' -s n -l dry-run -d 'write no calendar, and tell what would become of each file'
+complete -c qelutil -n '__qelutil_at convert' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
+complete -c qelutil -n '__qelutil_at convert' -l json -d 'print what became of each file as JSON'
+complete -c qelutil -n '__qelutil_at convert' -s v -l verbose -d 'tell also how untidy input was read, and show every message'
+
+complete -c qelutil -n '__qelutil_at rule' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at rule' -l start -x -d 'The date of the series\' first entry, or "today"'
+complete -c qelutil -n '__qelutil_at rule' -l from -x -a 'v10 ical positional' -d 'The form of TEXT'
+complete -c qelutil -n '__qelutil_at rule' -l to -x -a 'v10 ical positional' -d 'Print the rule in this form and nothing else'
+complete -c qelutil -n '__qelutil_at rule' -l count -x -d 'How many dates to show (1 to 100000)'
+complete -c qelutil -n '__qelutil_at rule' -l calendar -d 'Show the dates in month grids'
+complete -c qelutil -n '__qelutil_at rule' -l json -d 'Print the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at expand' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at expand' -l start -x -d 'The date of the series\' first entry, or "today"'
+complete -c qelutil -n '__qelutil_at expand' -l from -x -a 'v10 ical positional' -d 'The form of TEXT'
+complete -c qelutil -n '__qelutil_at expand' -l since -x -d 'The first day shown'
+complete -c qelutil -n '__qelutil_at expand' -l through -x -d 'The last day shown'
+complete -c qelutil -n '__qelutil_at expand' -l exclude -x -d 'Dates on which the series does not take place, separated by commas'
+complete -c qelutil -n '__qelutil_at expand' -l count -x -d 'Show no more dates than this (1 to 219145)'
+complete -c qelutil -n '__qelutil_at expand' -l record -d 'The dates that the rule\'s repeat record gives'
+complete -c qelutil -n '__qelutil_at expand' -l calendar -d 'Show the dates in month grids'
+complete -c qelutil -n '__qelutil_at expand' -l json -d 'Print the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at date' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at date' -l from -x -a 'date day seconds unix duration length' -d 'take every VALUE for this'
+complete -c qelutil -n '__qelutil_at date' -l add -x -d 'add this duration first'
+complete -c qelutil -n '__qelutil_at date' -l until -x -d 'show the duration from VALUE to this date'
+complete -c qelutil -n '__qelutil_at date' -l json -d 'write the facts as JSON'
+
+complete -c qelutil -n '__qelutil_only zone' -a list -d 'All zones: number, standard and summer offset, name'
+complete -c qelutil -n '__qelutil_only zone' -a convert -d 'Move times from zone to zone'
+complete -c qelutil -n '__qelutil_only zone' -a changes -d 'The changes of offset in a year'
+complete -c qelutil -n '__qelutil_at zone' -s h -l help -d 'Print this help message and exit'
+
+complete -c qelutil -n '__qelutil_at zone list' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at zone list' -l json -d 'write the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at zone convert' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at zone convert' -l from -x -d 'a zone\'s number or name, a part of the name, UTC, or local'
+complete -c qelutil -n '__qelutil_at zone convert' -l to -x -d 'likewise'
+complete -c qelutil -n '__qelutil_at zone convert' -l json -d 'write the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at zone changes' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at zone changes' -l year -x -d 'this year unless given'
+complete -c qelutil -n '__qelutil_at zone changes' -l json -d 'write the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at encode' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at encode' -a 'base64 qp md5 cipher'
+complete -c qelutil -n '__qelutil_at encode' -F
+complete -c qelutil -n '__qelutil_at encode' -s t -l text -x -d 'the text itself, instead of a file'
+complete -c qelutil -n '__qelutil_at encode' -s o -l output -r -F -d 'where to write'
+complete -c qelutil -n '__qelutil_at encode' -l wrap -x -d 'base64'
+complete -c qelutil -n '__qelutil_at encode' -l value -d 'qp'
+complete -c qelutil -n '__qelutil_at encode' -l column -x -d 'qp --value'
+
+complete -c qelutil -n '__qelutil_at decode' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at decode' -a 'base64 qp cipher'
+complete -c qelutil -n '__qelutil_at decode' -F
+complete -c qelutil -n '__qelutil_at decode' -s t -l text -x -d 'the text itself, instead of a file'
+complete -c qelutil -n '__qelutil_at decode' -s o -l output -r -F -d 'where to write'
+
+complete -c qelutil -n '__qelutil_at charset' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at charset' -F
+complete -c qelutil -n '__qelutil_at charset' -s t -l text -x -d 'the text itself, instead of a file'
+complete -c qelutil -n '__qelutil_at charset' -s o -l output -r -F -d 'where to write'
+complete -c qelutil -n '__qelutil_at charset' -l from -x -d 'the set that the text is in'
+complete -c qelutil -n '__qelutil_at charset' -l to -x -d 'the set to convert it to'
+complete -c qelutil -n '__qelutil_at charset' -l list -d 'list the sets'
+complete -c qelutil -n '__qelutil_at charset' -l json -d 'with --list'
+
+complete -c qelutil -n '__qelutil_at field' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at field' -l type -x -a 'event todo contact note email' -d 'only this record type'
+complete -c qelutil -n '__qelutil_at field' -l list -d 'list all fields, or those of --type'
+complete -c qelutil -n '__qelutil_at field' -l json -d 'as JSON'
+
+complete -c qelutil -n '__qelutil_at status' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at status' -l list -d 'list them all'
+complete -c qelutil -n '__qelutil_at status' -l json -d 'as JSON'
+
+complete -c qelutil -n '__qelutil_at stream' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at stream' -F
+complete -c qelutil -n '__qelutil_at stream' -s t -l text -x -d 'the text itself, instead of a file'
+complete -c qelutil -n '__qelutil_at stream' -l types -x -d 'the values\' types, the rest has none'
+complete -c qelutil -n '__qelutil_at stream' -l json -d 'as JSON'
+
+complete -c qelutil -n '__qelutil_at log' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at log' -l set -x -d 'set an option'
+complete -c qelutil -n '__qelutil_at log' -l tail -x -d 'how many of the last lines to show (0 to 100000)'
+complete -c qelutil -n '__qelutil_at log' -l json -d 'as JSON'
