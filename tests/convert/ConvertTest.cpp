@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "convert/Conversions.h"
+#include "support/Tables.h"
 #include "support/TempDir.h"
 
 namespace qel::test {
@@ -55,35 +56,12 @@ TEST(Convert, TheExampleIsFine) {
 }
 
 TEST(Convert, CharacterSets) {
-    struct Row {
-        const char* parameters;
-        const char* bytes;
-        const char* text;
-        bool warned;
-    };
-    const Row rows[] = {
-        {"CHARSET=GB2312;ENCODING=QUOTED-PRINTABLE", "=C4=E3=BA=C3", "你好", false},
-        {"CHARSET=GB2312", "\xC4\xE3\xBA\xC3", "你好", false},
-        {"CHARSET=BIG5", "\xA7\x41\xA6\x6E", "你好", false},
-        {"CHARSET=SHIFT_JIS", "\x93\xFA\x96\x7B", "日本", true},
-        {"CHARSET=EUC-KR", "\xC7\xD1\xB1\xB9", "한국", true},
-        {"CHARSET=ISO-8859-2", "\xB3\xF3", "łó", true},
-        {"CHARSET=KOI8-R", "\xCD\xC9\xD2", "мир", true},
-        {"CHARSET=WINDOWS-1252", "\x80\xE9", "€é", false},
-        {"CHARSET=utf-8;QUOTED-PRINTABLE", "=C3=A9", "é", false},
-        {"ENCODING=8BIT", "\xC3\xA9", "é", false},
-        {"ENCODING=8BIT", "\xE9t\xE9", "été", true},
-        {"CHARSET=UTF-8", "\xE9t\xE9", "été", true},
-        {"CHARSET=NO-SUCH-SET", "\xC3\xA9", "é", true},
-        {"CHARSET=UTF-8;ENCODING=BASE64", "w6k=", "é", false},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.parameters) + ":" + row.bytes);
-        const Conversion result =
-            toICalendar(vcalendarWith("UID:1\nDTSTART:20050601\nSUMMARY;" +
-                                      std::string(row.parameters) + ":" + row.bytes + "\n"));
-        EXPECT_TRUE(holds(result.out, std::string("SUMMARY:") + row.text)) << result.out;
-        EXPECT_EQ(!result.messages.empty(), row.warned);
+    for (Row& row : list("convert/character-sets.txt")) {
+        SCOPED_TRACE(row["parameters"] + ":" + row["bytes"]);
+        const Conversion result = toICalendar(vcalendarWith(
+            "UID:1\nDTSTART:20050601\nSUMMARY;" + row["parameters"] + ":" + row["bytes"] + "\n"));
+        EXPECT_TRUE(holds(result.out, "SUMMARY:" + row["text"])) << result.out;
+        EXPECT_EQ(!result.messages.empty(), row["told"] == "yes");
         EXPECT_EQ(faultOf(result.out), "");
     }
     // A stray byte costs one character, not the text.
@@ -184,39 +162,12 @@ TEST(Convert, RulesThatVCalendarLacks) {
 }
 
 TEST(Convert, NothingIsLostInSilence) {
-    struct Row {
-        const char* line;     // in an event that starts on 1 June 2005 at 9:00
-        const char* kept;     // a line of the result, "" for none
-        const char* message;  // part of a message, "" for none
-    };
-    const Row rows[] = {
-        {"DTEND:20051331T000000", "X-VCAL-DTEND:20051331T000000", "5: DTEND holds"},
-        {"DTEND:20050531T090000", "X-VCAL-DTEND:20050531T090000", "ends before it starts"},
-        {"DTSTART:20050602T090000", "X-VCAL-DTSTART:20050602T090000", "5: DTSTART stands twice"},
-        {"RRULE:every day", "X-VCAL-RRULE:every day", "5: RRULE \"every day\": "},
-        {"EXDATE:20050602T090000;soon", "EXDATE:20050602T090000",
-         "5: EXDATE holds what is no date, and it is left out: \"soon\""},
-        {"GEO:181.0,-17.87", "X-VCAL-GEO:181.0\\,-17.87", "no position on Earth"},
-        {"CLASS:SECRET", "X-VCAL-CLASS:SECRET", "no class"},
-        {"AALARM:soon;;;beep", "X-VCAL-AALARM:soon\\;\\;\\;beep", "no time that makes sense"},
-        {"AALARM:20050601T080000Z", "TRIGGER;VALUE=DATE-TIME:20050601T080000Z", ""},
-        {"SUMMARY;X-A=1;COLOUR=red;bold:s",
-         "SUMMARY;X-A=1;X-VCAL-COLOUR=red;X-VCAL-PARAMETER=bold:s", ""},
-        {"ATTACH;ENCODING=BASE64:!!!!", "X-VCAL-ATTACH:!!!!", "not Base64"},
-        {"ATTACH:just a text", "X-VCAL-ATTACH:just a text", ""},
-        {"SEQUENC:1", "X-VCAL-SEQUENC:1", "5: SEQUENC is not known"},
-        {"no property at all", "", "5: \"no property at all\" is no property"},
-        {"DESCRIPTION;ENCODING=QUOTED-PRINTABLE:cut=", "DESCRIPTION:cut", "breaks off"},
-        {"SUMMARY:a\x01"
-         "b",
-         "SUMMARY:ab", "control characters"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.line);
+    for (Row& row : cases("convert/kept.txt")) {
+        SCOPED_TRACE(row["case"]);
         const Conversion result =
-            toICalendar(vcalendarWith("DTSTART:20050601T090000\n" + std::string(row.line) + "\n"));
-        EXPECT_TRUE(*row.kept == '\0' || holds(result.out, row.kept)) << result.out;
-        EXPECT_TRUE(*row.message == '\0' || result.tells(row.message));
+            toICalendar(vcalendarWith("DTSTART:20050601T090000\n" + row["case"] + "\n"));
+        EXPECT_TRUE(row["kept"].empty() || holds(result.out, row["kept"])) << result.out;
+        EXPECT_TRUE(row["message"].empty() || result.tells(row["message"]));
         EXPECT_EQ(faultOf(result.out), "");
     }
 }

@@ -7,6 +7,7 @@
 
 #include "convert/Conversions.h"
 #include "convert/LineReader.h"
+#include "support/Tables.h"
 #include "support/TempDir.h"
 
 namespace qel::test {
@@ -58,40 +59,11 @@ TEST(HostileInput, LineEndsMarksAndFolds) {
 }
 
 TEST(HostileInput, WrongNestingIsMendedAndTold) {
-    struct Row {
-        const char* sentence;
-        std::string text;
-        std::size_t entries;
-        const char* message;
-    };
-    const Row rows[] = {
-        {"cut off in an entry",
-         "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nDTSTART:20050601", 1,
-         "VEVENT is not closed: the file ends"},
-        {"an entry that does not end",
-         calendar("BEGIN:VEVENT\r\nDTSTART:20050601\r\n" + std::string(kEvent)), 2,
-         "3: VEVENT is not closed: VEVENT begins"},
-        {"a calendar that does not end",
-         "BEGIN:VCALENDAR\r\nVERSION:1.0\r\n" + std::string(kEvent) + calendar(kEvent), 2,
-         "begins before the last one has ended"},
-        {"no calendar around it", kEvent, 1, "outside any calendar"},
-        {"an end of nothing", calendar("END:VEVENT\r\n" + std::string(kEvent)), 1,
-         "END:VEVENT closes nothing"},
-        {"another component",
-         calendar("BEGIN:VFREEBUSY\r\nEND:VFREEBUSY\r\n" + std::string(kEvent)), 1,
-         "3: VFREEBUSY is no event"},
-        {"nothing", "", 0, "there is no calendar in this file"},
-        {"something else", "MZ\x90\r\nThis program cannot be run\r\n", 0, "outside any calendar"},
-        {"an alarm that does not end",
-         calendar("BEGIN:VEVENT\r\nDTSTART:20050601\r\nBEGIN:VALARM\r\nTRIGGER:-PT5M\r\n"
-                  "ACTION:AUDIO\r\nEND:VEVENT\r\n"),
-         1, "VALARM is not closed"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.sentence);
-        const Conversion result = toICalendar(row.text);
-        EXPECT_EQ(result.counts.entries, row.entries);
-        EXPECT_TRUE(result.tells(row.message));
+    for (Row& row : cases("convert/nesting.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const Conversion result = toICalendar(row["text"]);
+        EXPECT_EQ(static_cast<int>(result.counts.entries), number(row, "entries"));
+        EXPECT_TRUE(result.tells(row["message"]));
         EXPECT_EQ(faultOf(result.out), "");
     }
 }

@@ -19,6 +19,9 @@
 
 namespace {
 
+using qel::test::list;
+using qel::test::number;
+using qel::test::Row;
 using qel::test::TraceCapture;
 
 std::string toUtc(int zone, const char* text) {
@@ -41,33 +44,11 @@ int offsetMinutes(int zone, std::int64_t localSeconds) {
 }
 
 TEST(ZoneTable, ChangesWhereEachFamilyOfRulesSays) {
-    const struct {
-        int zone;
-        const char* local;  // the change in 2005
-        int before, after;  // minutes
-    } rows[] = {
-        {11, "20050403T020000", -300, -240}, {11, "20051030T020000", -240, -300},
-        {15, "20050403T020000", -150, -90},  {15, "20051030T020000", -90, -150},
-        {16, "20051016T020000", -180, -120}, {16, "20050213T020000", -120, -180},
-        {18, "20050327T020000", -120, -60},  {18, "20050925T020000", -60, -120},
-        {23, "20050327T020000", 60, 120},    {23, "20051030T030000", 120, 60},
-        {28, "20050327T000000", 120, 180},   {28, "20050925T010000", 180, 120},
-        {29, "20050506T020000", 120, 180},   {29, "20050928T020000", 180, 120},
-        {31, "20050327T030000", 120, 180},   {31, "20051030T040000", 180, 120},
-        {36, "20050306T020000", 210, 270},   {36, "20050927T020000", 270, 210},
-        {50, "20051030T020000", 570, 630},   {50, "20050327T020000", 630, 570},
-        {57, "20051002T020000", 720, 780},   {57, "20050320T020000", 780, 720},
-        {60, "20051008T000000", -240, -180}, {60, "20050312T000000", -180, -240},
-        {65, "20050403T030000", 180, 240},   {65, "20051002T040000", 240, 180},
-        {74, "20051002T020000", 600, 660},   {74, "20050327T020000", 660, 600},
-        {76, "20050828T020000", 600, 660},   {76, "20050327T020000", 660, 600},
-        {75, "20050327T020000", 600, 660},   {77, "20050327T020000", 780, 780},
-        {1, "20051030T020000", -720, -720},
-    };
-    for (const auto& row : rows) {
-        const std::int64_t change = ZQ_DateTimeToSeconds(row.local);
-        EXPECT_EQ(offsetMinutes(row.zone, change - 60), row.before) << row.zone << " " << row.local;
-        EXPECT_EQ(offsetMinutes(row.zone, change), row.after) << row.zone << " " << row.local;
+    for (Row& row : list("dates/zone-changes.txt")) {
+        const int zone = number(row, "zone");
+        const std::int64_t change = ZQ_DateTimeToSeconds(row["local"].c_str());
+        EXPECT_EQ(offsetMinutes(zone, change - 60), number(row, "before")) << row["local"];
+        EXPECT_EQ(offsetMinutes(zone, change), number(row, "after")) << row["local"];
     }
     // Summer with an offset of no hours leaves the text as it is: London is the other way round.
     EXPECT_EQ(toUtc(20, "20050701T120000"), "20050701T110000Z");
@@ -99,38 +80,10 @@ TEST(ZoneTable, IsInOrderAndTurnsBackOnItself) {
 }
 
 TEST(ZoneTable, ConvertsAcrossDaysAndLeavesWhatItCannotRead) {
-    const struct {
-        int zone;
-        const char* local;
-        const char* utc;
-    } rows[] = {
-        {11, "20050615T083000", "20050615T123000Z"},
-        {11, "20050115T083000", "20050115T133000Z"},
-        {11, "19800115T083000", "19800115T123000Z"},  // the first entry begins a summer
-        {11, "20300615T083000", "20300615T133000Z"},  // the last one ends one
-        {66, "20050301T001000", "20050228T182500Z"},
-        {66, "20040301T001000", "20040229T182500Z"},
-        {2, "20051231T235959", "20060101T105959Z"},
-        {15, "20050115T214500", "20050116T001500Z"},
-        {77, "20050101T000000", "20041231T110000Z"},
-        {77, "19000101T000000", "19000101T110000Z"},  // no day before the first
-        {2, "24991231T230000", "24991231T100000Z"},   // nor after the last
-        {22, "20050615T083000", "20050615T083000Z"},
-        {11, "20050615T0830", "20050615T1230Z"},
-        {11, "20050615T08301", "20050615T12301Z"},
-        {11, "20050615T", "20050615T0400Z"},
-        {11, "T", "       0T0400Z"},
-        {11, "2005T083000", "    2005T0400Z"},
-        {11, "99999999T999999", "99999999T813999Z"},  // an hour too many is not set right
-        {11, "20050615", "20050615"},
-        {11, "20050615T083000Z", "20050615T083000Z"},
-        {999, "20050615", "20050615"},
-        {11, "", ""},
-        {11, nullptr, ""},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(toUtc(row.zone, row.local), row.utc) << row.zone;
+    for (Row& row : list("dates/zone-times.txt")) {
+        EXPECT_EQ(toUtc(number(row, "zone"), row["local"].c_str()), row["utc"]) << row["zone"];
     }
+    EXPECT_EQ(toUtc(11, nullptr), "");
     EXPECT_EQ(toLocal(11, "20050615T123000Z"), "20050615T083000");
     EXPECT_EQ(toLocal(11, "20050615T1230Z"), "20050615T0830");
     EXPECT_EQ(toLocal(66, "20050228T182500Z"), "20050301T001000");

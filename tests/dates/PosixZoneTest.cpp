@@ -4,9 +4,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "QelUtility/BxTimezones.h"
 #include "platform/posix/PosixZoneRule.h"
+#include "support/Tables.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -14,6 +16,8 @@ namespace {
 using qel::platform::parsePosixZoneRule;
 using qel::platform::TimeZoneDescription;
 using qel::platform::ZoneChangeMoment;
+using qel::test::number;
+using qel::test::Row;
 
 std::string show(const ZoneChangeMoment& m) {
     const std::string day = m.year != 0 ? std::to_string(m.year) + "-" + std::to_string(m.month) +
@@ -25,37 +29,14 @@ std::string show(const ZoneChangeMoment& m) {
 }
 
 TEST(PosixZoneRule, BecomesADescription) {
-    const struct {
-        const char* text;
-        int bias, daylightBias;
-        const char* daylight;
-        const char* standard;
-    } rows[] = {
-        {"UTC0", 0, 0, "0.0.0/0:0:0", "0.0.0/0:0:0"},
-        {"<+0545>-5:45", -345, 0, "0.0.0/0:0:0", "0.0.0/0:0:0"},
-        {"CET-1CEST,M3.5.0,M10.5.0/3", -60, -60, "3.5.0/2:0:0", "10.5.0/3:0:0"},
-        {"EST5EDT,M3.2.0,M11.1.0", 300, -60, "3.2.0/2:0:0", "11.1.0/2:0:0"},
-        {"EST5EDT", 300, -60, "3.2.0/2:0:0", "11.1.0/2:0:0"},
-        {"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", -630, -30, "10.1.0/2:0:0", "4.1.0/2:0:0"},
-        // Standard time is the summer's: turned around.
-        {"IST-1GMT0,M10.5.0,M3.5.0/1", 0, -60, "3.5.0/1:0:0", "10.5.0/2:0:0"},
-        // The end of a day has no name of its own.
-        {"EET-2EEST,M4.5.5/0,M10.5.4/24", -120, -60, "4.5.5/0:0:0", "10.5.4/23:59:59+"},
-        // What no weekday rule says becomes the dates of 2029: the Friday after the fourth
-        // Thursday, the Saturday before the last Sunday.
-        {"IST-2IDT,M3.4.4/26,M10.5.0", -120, -60, "2029-3-23/2:0:0", "2029-10-28/2:0:0"},
-        {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", 120, -60, "2029-3-24/23:0:0", "2029-10-28/0:0:0"},
-        {"XXX3YYY,J60/0,300/1:30:15", 180, -60, "2029-3-1/0:0:0", "2029-10-28/1:30:15"},
-        {"EST5EDT,0/0,J365/25", 300, -60, "2029-1-1/0:0:0", "2029-12-31/23:59:59+"},
-        {"EST5EDT,0/-5,J365/2", 300, -60, "2029-1-1/0:0:0", "2029-12-31/2:0:0"},
-    };
-    for (const auto& row : rows) {
+    for (Row& row : qel::test::list("dates/posix-zones.txt")) {
+        SCOPED_TRACE(row["rule"]);
         TimeZoneDescription zone;
-        ASSERT_TRUE(parsePosixZoneRule(row.text, 2029, zone)) << row.text;
-        EXPECT_EQ(zone.bias, row.bias) << row.text;
-        EXPECT_EQ(zone.daylightBias, row.daylightBias) << row.text;
-        EXPECT_EQ(show(zone.daylightDate), row.daylight) << row.text;
-        EXPECT_EQ(show(zone.standardDate), row.standard) << row.text;
+        ASSERT_TRUE(parsePosixZoneRule(row["rule"].c_str(), 2029, zone));
+        EXPECT_EQ(zone.bias, number(row, "bias"));
+        EXPECT_EQ(zone.daylightBias, number(row, "daylight bias"));
+        EXPECT_EQ(show(zone.daylightDate), row["daylight"]);
+        EXPECT_EQ(show(zone.standardDate), row["standard"]);
     }
     TimeZoneDescription leap;
     ASSERT_TRUE(parsePosixZoneRule("XXX3YYY,J60/0,59/0", 2028, leap));
@@ -64,30 +45,12 @@ TEST(PosixZoneRule, BecomesADescription) {
 }
 
 TEST(PosixZoneRule, RefusesWhatIsNoWholeRule) {
-    for (const char* text : {"",
-                             "C",
-                             "CE-1",
-                             "CET",
-                             "<CET-1",
-                             "CET-1:60",
-                             "CET-168",
-                             "CET-99999999999",
-                             "CET-1CE",
-                             "CET-1CEST,",
-                             "CET-1CEST,M3.5.0",
-                             "CET-1CEST,M3.5.0,",
-                             "CET-1CEST,M3.5.0,M10.5.0/3x",
-                             "CET-1CEST,M13.5.0,M10.5.0",
-                             "CET-1CEST,M3.6.0,M10.5.0",
-                             "CET-1CEST,M3.5.7,M10.5.0",
-                             "CET-1CEST,J0,M10.5.0",
-                             "CET-1CEST,366,M10.5.0",
-                             "CET-1CEST,M3.5,M10.5.0",
-                             "Europe/Berlin",
-                             "../../etc/passwd"}) {
+    std::vector<Row> rows = qel::test::list("dates/posix-no-zones.txt");
+    rows.emplace_back();  // the empty text
+    for (Row& row : rows) {
         TimeZoneDescription zone;
         zone.bias = 7;
-        EXPECT_FALSE(parsePosixZoneRule(text, 2029, zone)) << text;
+        EXPECT_FALSE(parsePosixZoneRule(row["rule"].c_str(), 2029, zone)) << row["rule"];
         EXPECT_EQ(zone.bias, 7);
     }
 }

@@ -7,8 +7,13 @@
 #include <string>
 
 #include "dates/ZQDateInternal.h"
+#include "support/Tables.h"
 
 namespace {
+
+using qel::test::list;
+using qel::test::number;
+using qel::test::Row;
 
 // Days counted one after the other: the second opinion on the closed formulas.
 TEST(CodeDate, EncodesAndDecodesEveryDay) {
@@ -62,35 +67,18 @@ TEST(CodeDate, RefusesWhatLiesOutsideAndLeavesTheResultAlone) {
 }
 
 TEST(AlphaDate, ReadsItsFieldsAndKnowsTheCalendar) {
-    const struct {
-        const char* text;
-        int year, month, day, code;
-    } rows[] = {
-        {"20050615", 2005, 6, 15, 38516},
-        {"19000101", 1900, 1, 1, 0},
-        {"24991231", 2499, 12, 31, 219145},
-        {"20050230", 2005, 2, 30, 0},
-        {"20000229", 2000, 2, 29, 36583},
-        {"19000229", 1900, 2, 29, 0},
-        {"25000101", 2500, 1, 1, 0},  // valid text, no code date
-        {"20050631", 2005, 6, 31, 0},
-        {"20050615T083000Z", 2005, 6, 15, 38516},
-        {"2005 615", 2005, 6, 15, 38516},
-        {"20056", 2005, 6, 0, 0},
-        {"2005+6-1", 2005, 6, -1, 0},
-        {"200x0615", 200, 6, 15, 0},
-        {"7", 7, 0, 0, 0},
-        {"", 0, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
+    for (Row& row : list("dates/dates.txt")) {
+        SCOPED_TRACE(row["text"]);
         // A block of exactly the text's size: a read past its end is caught by the sanitizer.
-        const std::string exact(row.text);
+        const std::string exact(row["text"]);
         int month = -1;
         int day = -1;
         int year = -1;
         ZQ_AlphaToDate(exact.c_str(), &month, &day, &year);
-        EXPECT_TRUE(year == row.year && month == row.month && day == row.day) << row.text;
-        EXPECT_EQ(ZQ_AlphaToCodeDate(exact.c_str()), row.code) << row.text;
+        EXPECT_EQ(year, number(row, "year"));
+        EXPECT_EQ(month, number(row, "month"));
+        EXPECT_EQ(day, number(row, "day"));
+        EXPECT_EQ(ZQ_AlphaToCodeDate(exact.c_str()), number(row, "code"));
     }
     EXPECT_TRUE(ZQ_IsValidAlphaDate("25000101"));
     EXPECT_FALSE(ZQ_IsValidAlphaDate("18991231"));

@@ -10,12 +10,15 @@
 #include "dates/ZQDateInternal.h"
 #include "dates/ZoneRules.h"
 #include "dates/reldaymo.h"
+#include "support/Tables.h"
 #include "support/TraceCapture.h"
 
 namespace {
 
 using qel::platform::TimeZoneDescription;
 using qel::platform::ZoneChangeMoment;
+using qel::test::list;
+using qel::test::Row;
 
 constexpr std::int64_t kHour = 3600 * qel::kFileTimePerSecond;
 
@@ -58,22 +61,11 @@ TEST(RelativeDay, FindsTheWeekdayOfTheMonth) {
 }
 
 TEST(ZoneRules, SplitTheYearAtItsChanges) {
-    const struct {
-        const char* text;
-        bool berlin, sydney;
-    } rows[] = {
-        // Both changes are taken two hours (Sydney: eleven) before their local time.
-        {"20050326T235959", false, true}, {"20050327T000000", true, true},
-        {"20051030T005959", true, true},  {"20051030T010000", false, true},
-        {"20050402T155959", true, true},  {"20050402T160000", true, false},
-        {"20051001T145959", true, false}, {"20051001T150000", true, true},
-        {"20050101T000000", false, true}, {"20051231T235959", false, true},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(qel::isDaylightTime(fileTime(row.text), kBerlin, 2 * kHour), row.berlin)
-            << row.text;
-        EXPECT_EQ(qel::isDaylightTime(fileTime(row.text), kSydney, 11 * kHour), row.sydney)
-            << row.text;
+    for (Row& row : list("dates/halves.txt")) {
+        SCOPED_TRACE(row["moment"]);
+        const std::int64_t time = fileTime(row["moment"].c_str());
+        EXPECT_EQ(qel::isDaylightTime(time, kBerlin, 2 * kHour), row["berlin"] == "summer");
+        EXPECT_EQ(qel::isDaylightTime(time, kSydney, 11 * kHour), row["sydney"] == "summer");
     }
     // A year in StandardDate makes dates of both, in the year of the time.
     TimeZoneDescription dated = kBerlin;

@@ -6,8 +6,12 @@
 #include <vector>
 
 #include "QelUtility/BxQuotedPrintable.h"
+#include "support/Tables.h"
 
 namespace {
+
+using qel::test::list;
+using qel::test::Row;
 
 using Function = int(QELUTILITY_CALL*)(const char*, size_t, char*, size_t, size_t*);
 
@@ -48,29 +52,8 @@ std::string decoded(const std::string& text) {
 }
 
 TEST(QuotedPrintable, DecodesWhatPhonesAndMailersWrite) {
-    const struct {
-        std::string encoded;
-        std::string text;
-    } rows[] = {
-        {"", ""},
-        {"If you believe that truth=3Dbeauty, then surely =\r\nmathematics is",
-         "If you believe that truth=beauty, then surely mathematics is"},
-        {"Now's the time =\r\nfor all folk to come=\r\n to the aid of their country.",
-         "Now's the time for all folk to come to the aid of their country."},
-        {"=c3=a9=C3=A9=0d=0A", "\xC3\xA9\xC3\xA9\r\n"},
-        {"a= \t\r\nb=\nc=\rd", "abcd"},                // soft breaks of every kind, padded or not
-        {"=\r\n=\r\n=\r\n", ""},                       // nothing but soft breaks
-        {"a \t\r\nb \nc ", "a\r\nb\nc "},              // padding goes, a text's last blank stays
-        {"a=20\r\nb=09\n", "a \r\nb\t\n"},             // an encoded blank is no padding
-        {"=3D41 =3d", "=41 ="},                        // decoded once, not twice
-        {"=G1=4=41= x==41=\xC3", "=G1=4A= x=A=\xC3"},  // escapes that are none
-        {"50%=", "50%="},
-        {"x=4", "x=4"},
-        {"x= \t", "x= \t"},
-        {std::string("a\0b=00c", 7), std::string("a\0b\0c", 5)},
-        {"caf\xE9 \x01", "caf\xE9 \x01"},  // bytes that should have been escaped
-    };
-    for (const auto& row : rows) EXPECT_EQ(decoded(row.encoded), row.text) << row.encoded;
+    for (Row& row : list("encodings/quoted.txt"))
+        EXPECT_EQ(decoded(row["quoted"]), row["text"]) << row["quoted"];
 
     std::string inPlace = "a=3D=\r\nb==";
     size_t length = 0;
@@ -80,31 +63,10 @@ TEST(QuotedPrintable, DecodesWhatPhonesAndMailersWrite) {
 }
 
 TEST(QuotedPrintable, EncodesValuesAndBodies) {
-    EXPECT_EQ(run(encodeAtColumn0, ""), "");
-    EXPECT_EQ(run(encodeAtColumn0, "Caf\xC3\xA9 = 1\r\n2\n"), "Caf=C3=A9 =3D 1=0D=0A2=0A");
-    EXPECT_EQ(run(encodeAtColumn0, "a \tb \t"), "a \tb =09");
-    EXPECT_EQ(run(encodeAtColumn0, std::string("\0\x7F\xFF;:~!", 7)), "=00=7F=FF;:~!");
-    EXPECT_EQ(run(encodeQuotedPrintable, "a \r\nb\t\nc\rd\r\n\r\n "),
-              "a=20\r\nb=09\r\nc=0Dd\r\n\r\n=20");
-}
-
-TEST(QuotedPrintable, BreaksLinesOnlyWhereItMust) {
-    const std::string full(76, 'x');
-    EXPECT_EQ(run(encodeAtColumn0, full), full);
-    EXPECT_EQ(run(encodeAtColumn0, full + "y"), full.substr(1) + "=\r\nxy");
-    EXPECT_EQ(run(encodeQuotedPrintable, full + "\r\ny"), full + "\r\ny");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(3) + "\n"), full.substr(3) + "=0A");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(2) + "\n"), full.substr(2) + "=\r\n=0A");
-    // A blank never begins a line that follows a soft break, a character is never cut in two.
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(1) + "  z"), full.substr(1) + "=\r\n=20 z");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(8) + "\xF0\x9F\x98\x80!"),
-              full.substr(8) + "=\r\n=F0=9F=98=80!");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(8) + "\xE2\x82\xAC!"),
-              full.substr(8) + "=\r\n=E2=82=AC!");
-    // Bytes that begin a character and do not go on stand alone.
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(4) + "\xE2xy!"), full.substr(4) + "=E2=\r\nxy!");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(3) + "\xE2"), full.substr(3) + "=E2");
-    EXPECT_EQ(run(encodeAtColumn0, full.substr(5) + "\r\nz"), full.substr(5) + "=\r\n=0D=0Az");
+    for (Row& row : list("encodings/unquoted.txt")) {
+        const Function encode = row["as"] == "body" ? encodeQuotedPrintable : encodeAtColumn0;
+        EXPECT_EQ(run(encode, row["text"]), row["quoted"]) << row["text"];
+    }
     // The property's name counts.
     EXPECT_EQ(encodeFrom(70, "123456"), "123456");
     EXPECT_EQ(encodeFrom(70, "1234567"), "12345=\r\n67");

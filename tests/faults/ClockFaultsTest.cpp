@@ -97,19 +97,4 @@ TEST(ClockFaults, WaitsEndWhenTheTickCountWraps) {
     upMilliseconds = 0;
 }
 
-TEST(ClockFaults, OptionsAreReadAgainWhenTheTickCountWraps) {
-    setUpTime(0xFFFFFFFFU - 30000);
-    const FreshTrace trace({"VTraceVerbosity=1"});
-    EXPECT_EQ(BxTrace_VTrace(2, "text"), 1);
-    qel::test::writeFile(trace.file("BxOptions.opt"), "[LogSettings]\nVTraceVerbosity=2\n");
-    EXPECT_EQ(BxTrace_VTrace(3, "text"), 1) << "not yet";
-    setUpTime(1000);
-    EXPECT_EQ(BxTrace_VTrace(3, "text"), 2);
-    // And a tick count that goes back, as on a machine that was suspended.
-    qel::test::writeFile(trace.file("BxOptions.opt"), "[LogSettings]\nVTraceVerbosity=3\n");
-    setUpTime(500);
-    EXPECT_EQ(BxTrace_VTrace(4, "text"), 3);
-    upMilliseconds = 0;
-}
-
 }  // namespace

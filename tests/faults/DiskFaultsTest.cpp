@@ -168,7 +168,8 @@ TEST(DiskFaults, WholeFilesAndTheUserLogOnAFullDisk) {
     WriteToUserLog("before");
     {
         const FullDisk disk(1000);
-        EXPECT_EQ(BxFile_SaveFile(dir.file("a").c_str(), data.data(), data.size()), 2008);
+        for (const std::string& all : {data, std::string(100000, 'x')})
+            EXPECT_EQ(BxFile_SaveFile(dir.file("a").c_str(), all.data(), all.size()), 2008);
         for (int i = 0; i < 30; ++i) WriteToUserLog("during");
         writeFile(dir.file("source"), "short");
         EXPECT_EQ(BxFile_CopyFile(dir.file("source").c_str(), dir.file("b").c_str(), false), 0);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/IRMonitorBackEnd.h"
+#include "support/Tables.h"
 
 namespace {
 
@@ -125,91 +126,19 @@ class ManagerWith {
     IRMonitorManager* manager_;
 };
 
-std::string times(int count, const std::string& words) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += " " + words;
-    return all;
-}
-
-struct Row {
-    const char* what;
-    std::string script;
-    bool result;
-};
-
-void play(const std::vector<Row>& rows, bool (IRMonitorManager::*operation)(),
-          std::uint32_t serviceAccess) {
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.what) + ": " + row.script);
-        ScriptedServices services(row.script);
+TEST(IRMonitorService, StopsAndStartsFromEveryState) {
+    for (qel::test::Row& row : qel::test::list("host/ir-services.txt")) {
+        SCOPED_TRACE(row["call"] + ": " + row["state"]);
+        const bool stops = row["call"] == "stop";
+        ScriptedServices services(row["script"]);
         ManagerWith manager(services);
-        EXPECT_EQ((manager.operator->()->*operation)(), row.result);
+        EXPECT_EQ(stops ? manager->stopIrMon() : manager->startIrMon(), row["works"] == "yes");
         EXPECT_TRUE(services.finished()) << "calls left over, or a handle left open";
         EXPECT_EQ(services.managerAccess, kManagerConnect);
-        EXPECT_EQ(services.serviceAccess, serviceAccess);
+        EXPECT_EQ(services.serviceAccess, stops ? kServiceStop | kServiceInterrogate
+                                                : kServiceStart | kServicePauseContinue |
+                                                      kServiceInterrogate | kServiceQueryStatus);
     }
-}
-
-TEST(IRMonitorService, StopsFromEveryState) {
-    play(
-        {
-            {"not active", "I!1062/1", true},
-            {"cannot be asked", "I!1061/3", false},
-            {"unknown state", "I9", false},
-            {"stopped", "I1", true},
-            {"starting", "I2 I2 P1000 I4 S3 P1000 I1", true},
-            {"starting fails", "I2 I2 P1000 I1", false},
-            {"starting ends at the ninth poll", "I2 I2" + times(8, "P1000 I2") + " P1000 I4 S1",
-             true},
-            {"the tenth poll is one too many", "I2 I2" + times(9, "P1000 I2") + " P1000 I4", false},
-            {"a poll fails", "I2 I2 P1000 I!1722", false},
-            {"the first question fails", "I2 I!1722", false},
-            {"stopping", "I3 I3 P1000 I1", true},
-            {"stopping ends between the questions", "I3 I!1062/1", true},
-            {"running", "I4 S1", true},
-            {"running, slow", "I4 S3 P1000 I3 P1000 I1", true},
-            {"the control fails", "I4 S!5", false},
-            {"the reply is no stop", "I4 S4", false},
-            {"cannot accept, no hint", "I4 S3 P1000 I!1061/3 P2000 P1000 I1", true},
-            {"cannot accept, a short hint", "I4 S3 P1000 I!1061/3h2000 P2000 P1000 I1", true},
-            {"cannot accept, a long hint", "I4 S3 P1000 I!1061/3h2001 P2001 P1000 I1", true},
-            {"cannot accept ten times", "I4 S3" + times(10, "P1000 I!1061/3 P2000"), false},
-            {"not active any more", "I4 S3 P1000 I!1062/1", true},
-            {"polling fails", "I4 S3 P1000 I!1722", false},
-            {"stops at the tenth poll", "I4 S3" + times(9, "P1000 I3") + " P1000 I1", false},
-            {"continuing", "I5 I5 P1000 I4 S1", true},
-            {"pausing", "I6 I6 P1000 I7 S1", true},
-            {"pausing came to nothing", "I6 I4", false},
-            {"paused: the wait decides", "I7 S1 I!1062/1", false},
-            {"paused, stopped the second time", "I7 S!5 I6 P1000 I7 S1", true},
-        },
-        &IRMonitorManager::stopIrMon, kServiceStop | kServiceInterrogate);
-}
-
-TEST(IRMonitorService, StartsFromEveryState) {
-    play(
-        {
-            {"not active", "I!1062/1 G Q2 P1000 Q4", true},
-            {"cannot be asked", "I!5", false},
-            {"stopped", "I1 G Q4", true},
-            {"the start fails", "I1 G!1058 Q1", false},
-            {"another has started it", "I1 G!1056 Q4", true},
-            {"the query fails", "I1 G Q!5", false},
-            {"starting for ever", "I1 G Q2" + times(10, "P1000 Q2"), false},
-            {"a poll fails", "I1 G Q2 P1000 Q!5", false},
-            {"starting", "I2 Q2 P1000 Q4", true},
-            {"starting came to nothing", "I2 Q1", false},
-            {"stopping", "I3 Q3 P1000 Q1 G Q4", true},
-            {"stopping for ever", "I3 Q3" + times(10, "P1000 Q3"), false},
-            {"running", "I4", true},
-            {"continuing", "I5 Q5 P1000 Q4", true},
-            {"pausing ends paused, as expected", "I6 Q6 P1000 Q7", true},
-            {"paused: the wait decides", "I7 C4 Q4", false},
-            {"paused, continuing", "I7 C5 P1000 Q5 P1000 Q4 Q4", false},
-            {"paused and left so", "I7 C!5 Q7", true},
-        },
-        &IRMonitorManager::startIrMon,
-        kServiceStart | kServicePauseContinue | kServiceInterrogate | kServiceQueryStatus);
 }
 
 TEST(IRMonitorService, WithoutManagerOrServiceNothingWorks) {

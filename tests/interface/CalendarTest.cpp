@@ -37,34 +37,6 @@ TEST(InterfaceCalendar, RulesFromAndToTheirTexts) {
     EXPECT_EQ(rule.byDay, RRULE_DAY_MO | RRULE_DAY_WE | RRULE_DAY_FR);
 }
 
-TEST(InterfaceCalendar, RepeatRecordsFromAndToRules) {
-    _rruleRepeat rule;
-    int flags = 0;
-    ASSERT_EQ(BxUtil_PositionalV10toRRULE("W2 MO WE FR #10", &rule, &flags), 0);
-    ZQTR_REPEAT repeat;
-    ClearZQTR(&repeat);
-    int endFromRule = 0;
-    ASSERT_EQ(BxUtil_RRuleToBxRepeat(&rule, "", "20050615T093000", &endFromRule, &repeat, &flags),
-              0);
-    EXPECT_EQ(repeat.type, REPEAT_WEEKLY_DAYS);
-    int next = 0;
-    int previous = -1;
-    ASSERT_EQ(ZQRepeatNextDate(&repeat, &next, &previous), 0);
-    EXPECT_EQ(next, 38516);
-    VStr exclusions;
-    VStr start("20050615T093000");
-    EXPECT_EQ(BxUtil_BxRepeatToRRule(&repeat, &rule, exclusions, start, 0, &flags), 0);
-    EXPECT_EQ(rule.count, 10);
-
-    VStr text;
-    int code = 0;
-    EXPECT_EQ(ZQTRDateTimeToUTCDate(38516, text), 0);
-    EXPECT_EQ(UTCDateToZQTRDateTime(text, &code), 0);
-    EXPECT_EQ(code, 38516);
-    EXPECT_EQ(RRuleToZQTRDateTime(ConvertZQTRDateTimeToRRule(38516)), 38516);
-    EXPECT_NE(ZQTRDateTimeToRRule(38516), 0);
-}
-
 TEST(InterfaceCalendar, Zones) {
     VStrArray names;
     std::vector<int> numbers;

@@ -1,22 +1,11 @@
-// Text encodings through the shared library alone.
+// Codes and character sets through the shared library alone.
 #include <gtest/gtest.h>
 
 #include "QelUtility/QelUtility.h"
 
 namespace {
 
-TEST(InterfaceEncodings, QuotedPrintable) {
-    char out[64];
-    size_t length = 0;
-    EXPECT_EQ(encodeQP("a=b\r\n", 5, 0, out, sizeof(out), &length), 0);
-    EXPECT_STREQ(out, "a=3Db=0D=0A");
-    EXPECT_EQ(encodeQuotedPrintable("a=b\n", 4, out, sizeof(out), &length), 0);
-    EXPECT_STREQ(out, "a=3Db\r\n");
-    EXPECT_EQ(decodeQP("a=3db=\r\nc", 9, out, sizeof(out), &length), 0);
-    EXPECT_STREQ(out, "a=bc");
-}
-
-TEST(InterfaceEncodings, CodesAndHeaders) {
+TEST(InterfaceEncodings, Codes) {
     char text[64];
     unsigned char bytes[16];
     EXPECT_EQ(Bx_Base64_Encode(reinterpret_cast<const unsigned char*>("Man"), 3, text, 64), 4);
@@ -25,13 +14,6 @@ TEST(InterfaceEncodings, CodesAndHeaders) {
     ASSERT_EQ(ZQUT_EncodeToString("secret", text, sizeof(text)), 0);
     EXPECT_EQ(ZQUT_DecodeFromString(text, bytes, sizeof(bytes)), 0);
     EXPECT_STREQ(reinterpret_cast<const char*>(bytes), "secret");
-
-    char header[] = "multipart/mixed; boundary=\"abc\"\r\nnext";
-    VStr boundary;
-    EXPECT_STREQ(GetMIMEDelimiter(header, boundary), "abc");
-    char* next = nullptr;
-    EXPECT_EQ(*GetFoldedLineEnd(header, &next), '\r');
-    EXPECT_STREQ(next, "next");
 }
 
 // Reaches the protected step of the converter, as a derived class of a caller would.

@@ -50,29 +50,7 @@ TEST(InterfaceHost, OptionsAndLogFiles) {
     EXPECT_EQ(BxTrace_BackupLogFile(), 0);
 }
 
-bool thisModel(char* buffer, unsigned long size) {
-    if (size < 6) return false;
-    std::strcpy(buffer, "model");
-    return true;
-}
-
-TEST(InterfaceHost, WhatTheHostGivesAndTheFiles) {
-    char text[512];
-    EXPECT_FALSE(GetCurrentModelID(text, sizeof(text)));
-    BxHost_SetModelIDSource(thisModel);
-    EXPECT_TRUE(GetCurrentModelID(text, sizeof(text)));
-    BxHost_SetModelIDSource(nullptr);
-    BxHost_SetProfileDirectorySource(thisModel);
-    EXPECT_TRUE(GetProfileDirectoryWithUserName(text, sizeof(text)));
-    BxHost_SetProfileDirectorySource(nullptr);
-    BxHost_SetString(BXHOST_PRODUCT, "Other");
-    EXPECT_TRUE(BxHost_GetString(BXHOST_PRODUCT, text, sizeof(text)));
-    EXPECT_STREQ(text, "Other");
-    BxHost_SetString(BXHOST_PRODUCT, nullptr);
-    BxHost_SetRegistryRoot("Software\\Test\\Root");
-    EXPECT_TRUE(BxHost_GetRegistryRoot(text, sizeof(text)));
-    BxHost_SetRegistryRoot(nullptr);
-
+TEST(InterfaceHost, Files) {
     EXPECT_STREQ(CleanseFilename("a/b:c"), "a_b_c");
     WriteToUserLog("an entry");
     const qel::test::TempDir folder;

@@ -32,6 +32,10 @@ int whole(std::size_t number) {
     return static_cast<int>(number);
 }
 
+std::string text(const VStr& string) {
+    return static_cast<const char*>(string);
+}
+
 // A position at or past the end counts as the last character.
 std::size_t clamped(std::size_t position, const std::string& text) {
     return text.empty() ? 0 : std::min(position, text.size() - 1);
@@ -62,8 +66,17 @@ TEST(RandomOperations, AStringIsAStandardString) {
                 peer += peer;
                 break;
             case 4: {
-                const VStr part = own.Mid(whole(at), whole(count));
+                const std::size_t end = std::min(count, peer.size());
+                ASSERT_EQ(text(own.Left(whole(count))), peer.substr(0, end));
+                ASSERT_EQ(text(own.Right(whole(count))), peer.substr(peer.size() - end));
+                ASSERT_EQ(text(own.Mid(whole(at))), peer.substr(clamped(at, peer)));
+                ASSERT_EQ(text(own.SpanIncluding("ab ")),
+                          peer.substr(0, peer.find_first_not_of("ab ")));
+                ASSERT_EQ(text(own.SpanExcluding("Z")), peer.substr(0, peer.find('Z')));
+                VStr part = own(whole(at), whole(count));
                 const std::string peerPart = peer.substr(clamped(at, peer), count);
+                ASSERT_EQ(text(part), peerPart);
+                part.Substr(own, whole(at), whole(count));
                 ASSERT_EQ(static_cast<const char*>(part), peerPart);
                 own = part;
                 peer = peerPart;
@@ -103,6 +116,7 @@ TEST(RandomOperations, AStringIsAStandardString) {
             default:
                 if (peer.empty()) break;
                 ASSERT_EQ(own.Find(other.c_str()), static_cast<int>(peer.find(other)));
+                ASSERT_EQ(own.Find('\xE9'), static_cast<int>(peer.find('\xE9')));
                 ASSERT_EQ(own.ReverseFind('a'), static_cast<int>(peer.rfind('a')));
                 ASSERT_EQ(own.FindOneOf(",Z"), static_cast<int>(peer.find_first_of(",Z")));
                 ASSERT_EQ(own.Compare(other.c_str()) < 0, peer < other);

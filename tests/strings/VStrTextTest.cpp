@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstring>
 #include <string>
 
 #include "QelUtility/VStr.h"
@@ -12,65 +13,46 @@ bool isNull(const VStr& s) {
     return s.Compare(nullptr) == 0;
 }
 
+// What is inside a text is left to the random operations.
 TEST(VStrText, SubstringsAreClamped) {
     VStr abc("abc");
     VStr s;
-    EXPECT_STREQ(s.Substr(abc, 10, 5), "c");
     EXPECT_STREQ(s.Substr(abc, -2, 2), "ab");
     EXPECT_STREQ(s.Substr(abc, 1, INT_MAX), "bc");
-    EXPECT_TRUE(isNull(s.Substr(abc, 1, 0)));
-    EXPECT_TRUE(isNull(s.Substr(abc, 1, INT_MIN)));
-    EXPECT_TRUE(isNull(s.Substr(VStr(), 0, 3)));
     EXPECT_STREQ(abc.Mid(5), "c");
-    EXPECT_STREQ(abc.Mid(1), "bc");
     EXPECT_STREQ(abc.Mid(INT_MIN), "abc");
-    EXPECT_STREQ(abc(1, 1), "b");
-    EXPECT_TRUE(isNull(VStr().Mid(0)));
-    EXPECT_TRUE(isNull(abc.Left(0)));
-    EXPECT_TRUE(isNull(abc.Right(0)));
-    EXPECT_TRUE(isNull(abc.Right(INT_MIN)));
     EXPECT_STREQ(abc.Left(7), "abc");
     EXPECT_STREQ(abc.Right(7), "abc");
-    EXPECT_STREQ(abc.Right(2), "bc");
-    EXPECT_STREQ(VStr("aabbc").SpanIncluding("ab"), "aabb");
-    EXPECT_TRUE(isNull(abc.SpanIncluding("x")));
-    EXPECT_STREQ(abc.SpanExcluding("c"), "ab");
+    for (const VStr& none :
+         {VStr(s.Substr(abc, 1, 0)), VStr(s.Substr(abc, 1, INT_MIN)), VStr(s.Substr(VStr(), 0, 3)),
+          VStr().Mid(0), abc.Left(0), abc.Right(0), abc.Right(INT_MIN), abc.SpanIncluding("x")})
+        EXPECT_TRUE(isNull(none));
     EXPECT_STREQ(abc.SpanExcluding(nullptr), "abc");
-    EXPECT_STREQ(abc.Substr(1, 2), "bc");
-    const VStr padded("a", 4);
-    EXPECT_EQ(s.Substr(padded, 1, 2).GetLength(), 2);
+    EXPECT_EQ(s.Substr(VStr("a", 4), 1, 2).GetLength(), 2);
 }
 
 TEST(VStrText, Cutting) {
     const struct {
-        const char* text;
         int start;
         int count;
         const char* expected;
-        int length;
     } rows[] = {
-        {"abcdef", 1, 10, "a", 1},
-        {"abcdef", 1, INT_MAX, "a", 1},
-        {"abc", 10, 1, "ab", 2},
-        {"abcdef", 2, 2, "abef", 4},
-        {"abc", 1, 0, "abc", 3},
-        {"abc", 1, -5, "abc", 3},
-        {"abc", 0, 3, "", 0},
+        {1, INT_MAX, "a"},
+        {1, -5, "abcdef"},
+        {0, 6, ""},
         // A negative start counts in the clamp and is 0 for the text.
-        {"abcdef", -2, 3, "def", 3},
-        {"abcdef", -2, 5, "f", 1},
-        {"abcdef", -2, 20, "", 0},
-        {"abc", INT_MIN, INT_MAX, "", 0},
+        {-2, 3, "def"},
+        {-2, 5, "f"},
+        {-2, 20, ""},
+        {INT_MIN, INT_MAX, ""},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(std::string(row.text) + " " + std::to_string(row.start) + " " +
-                     std::to_string(row.count));
-        VStr s(row.text);
+        VStr s("abcdef");
         VStr apart("old");
         apart.Cutstr(s, row.start, row.count);
         s.Cutstr(row.start, row.count);
-        EXPECT_STREQ(s, row.expected);
-        EXPECT_EQ(s.GetLength(), row.length);
+        EXPECT_STREQ(s, row.expected) << row.start << " " << row.count;
+        EXPECT_EQ(s.GetLength(), static_cast<int>(std::strlen(row.expected)));
         EXPECT_STREQ(apart, row.expected);
     }
 }
@@ -121,14 +103,8 @@ TEST(VStrText, Trimming) {
 
 TEST(VStrText, Searching) {
     const VStr s("abcabc");
-    EXPECT_EQ(s.Find('c'), 2);
     EXPECT_EQ(s.Find('\0'), 6);
-    EXPECT_EQ(s.Find('x'), -1);
-    EXPECT_EQ(s.Find("ca"), 2);
-    EXPECT_EQ(s.Find(""), 0);
     EXPECT_EQ(s.Find(static_cast<const char*>(nullptr)), -1);
-    EXPECT_EQ(s.ReverseFind('a'), 3);
-    EXPECT_EQ(s.FindOneOf("xcb"), 1);
     EXPECT_EQ(s.FindOneOf(nullptr), -1);
     EXPECT_EQ(VStr("\xE9").Find('\xE9'), 0);
     const VStr null;

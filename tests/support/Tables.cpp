@@ -1,5 +1,6 @@
 #include "support/Tables.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -38,31 +39,61 @@ std::string unescaped(const std::string& text) {
     return result;
 }
 
+std::string trimmed(const std::string& text) {
+    const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(start, text.find_last_not_of(' ') + 1 - start);
+}
+
+// Without remarks and the blanks around each line.
+std::vector<std::string> linesOf(const std::string& file) {
+    std::ifstream in(std::string(QEL_TEST_SOURCE_DIR) + "/tests/" + file);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        std::erase(line, '\r');
+        line = trimmed(line);
+        if (line[0] != '#') lines.push_back(line);
+    }
+    if (lines.empty()) throw std::runtime_error("no cases in " + file);
+    return lines;
+}
+
 }  // namespace
 
 std::vector<Row> cases(const std::string& file) {
-    std::ifstream in(std::string(QEL_TEST_SOURCE_DIR) + "/tests/" + file, std::ios::binary);
     std::vector<Row> rows;
     bool inCase = false;
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        const std::size_t start = line.find_first_not_of(' ');
-        if (start == std::string::npos) {
+    for (const std::string& line : linesOf(file)) {
+        if (line.empty()) {
             inCase = false;
-        } else if (line[start] == '#') {
-            continue;
         } else if (!inCase) {
-            rows.push_back({{"case", line.substr(start)}});
+            rows.push_back({{"case", unescaped(line)}});
             inCase = true;
         } else {
-            const std::size_t colon = line.find(':', start);
+            const std::size_t colon = line.find(':');
             if (colon == std::string::npos) throw std::runtime_error(file + ": no field: " + line);
-            const std::size_t value = line.find_first_not_of(' ', colon + 1);
-            rows.back()[line.substr(start, colon - start)] =
-                value == std::string::npos ? "" : unescaped(line.substr(value));
+            const std::string value = unescaped(line.substr(std::min(colon + 2, line.size())));
+            const auto [field, isNew] = rows.back().emplace(line.substr(0, colon), value);
+            if (!isNew) field->second += "\n" + value;
         }
     }
-    if (rows.empty()) throw std::runtime_error("no cases in " + file);
+    return rows;
+}
+
+std::vector<Row> list(const std::string& file) {
+    std::vector<Row> rows;
+    std::vector<std::string> names;
+    for (const std::string& line : linesOf(file)) {
+        if (line.empty()) continue;
+        std::vector<std::string> fields = split(line, '|');
+        for (std::string& field : fields) field = unescaped(trimmed(field));
+        if (names.empty()) {
+            names = fields;
+            continue;
+        }
+        Row row;
+        for (std::size_t i = 0; i < fields.size(); ++i) row[names.at(i)] = fields[i];
+        rows.push_back(row);
+    }
     return rows;
 }
 

@@ -20,9 +20,17 @@ using Row = std::map<std::string, std::string>;
 //     record: 1 from 20050615 every 3    fields, as their test names them
 //     dates: 20050615 20050618
 //
-// In a value \n, \r, \t, \s (a blank), \\ and \xNN are characters. Throws std::runtime_error where
+// A field that stands there again goes on with its next line. In a value \n, \r, \t, \s (a blank), \\ and \xNN are characters. Throws std::runtime_error where
 // there is nothing to read.
 [[nodiscard]] std::vector<Row> cases(const std::string& file);
+
+// The rows of a file below tests/ that has a case on each line, with the fields' names first:
+//
+//   zone | local           | utc
+//   11   | 20050615T083000 | 20050615T123000Z
+//
+// Remarks, escapes and failures as above.
+[[nodiscard]] std::vector<Row> list(const std::string& file);
 
 // A field as a number; `otherwise` where it is not there.
 [[nodiscard]] int number(Row& row, const std::string& field, int otherwise = 0);

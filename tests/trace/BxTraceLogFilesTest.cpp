@@ -163,19 +163,6 @@ TEST(BxTraceLog, AnUnwritableDirectorySilencesTheProcessWithoutCounting) {
     EXPECT_FALSE(fs::exists(trace.file(log)));
 }
 
-TEST(BxTraceLog, AFullDiskDropsTheMessageAndSaysSo) {
-    if (qel::platform::kPathSeparator == '\\' || !fs::exists("/dev/full"))
-        GTEST_SKIP() << "no device that is always full";
-    const FreshTrace trace;
-    fs::create_symlink("/dev/full", trace.file("trace.log"));
-    EXPECT_EQ(BxTrace_Trace00("lost"), -1);
-    EXPECT_EQ(BxTrace_Trace00(std::string(90000, 'x').c_str()), -1);
-    EXPECT_EQ(BxTrace_Error("S", 1, 2, 3), 3);
-    fs::remove(trace.file("trace.log"));
-    EXPECT_EQ(BxTrace_Trace00("there is room again"), 0);
-    EXPECT_EQ(trace.messages().back(), "there is room again");
-}
-
 TEST(BxTraceKeptOpen, WritesItsOwnBannerAndRotatesByItsCount) {
     const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=2", "MaxFileSize=300",
                             "MaxBackupCount=2"});

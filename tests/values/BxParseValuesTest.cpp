@@ -5,7 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "support/Tables.h"
+
 namespace {
+
+using qel::test::list;
+using qel::test::Row;
 
 // Items as the tests write them: "<null>" is a null string.
 template <class Parser>
@@ -18,58 +23,30 @@ std::vector<std::string> items(Parser& parser) {
     return result;
 }
 
-struct Row {
-    const char* separators;
-    const char* text;
-    bool emptyItems;
-    bool newLines;
-    std::vector<std::string> expected;
-};
-
-const Row kRows[] = {
-    {",", "a,b", false, false, {"a", "b"}},
-    {",", "a,b,", true, false, {"a", "b", "<null>"}},
-    {",", ",a", true, false, {"<null>", "a"}},
-    {",", "a,,b", false, false, {"a", "b"}},
-    {",", "a,,b", true, false, {"a", "<null>", "b"}},
-    {",", ",", true, false, {"<null>", "<null>"}},
-    {",", "", false, false, {}},
-    {",", "", true, false, {"<null>"}},
-    {",", nullptr, true, false, {"<null>"}},
-    {nullptr, "a,b", false, false, {"a,b"}},
-    {"", "a,b\\", false, false, {"a,b\\"}},
-    // Without the backslash in the set an escape is ordinary text.
-    {",", "a\\,b", false, false, {"a\\", "b"}},
-    {",", "\\", false, true, {"\\"}},
-    // With it, only "," ";" "\" are escapable, whatever else is in the set.
-    {",\\", "a\\,b,c", false, false, {"a,b", "c"}},
-    {",\\", "x\\\\y", false, false, {"x\\y"}},
-    {",\\", "x\\qy", false, false, {"x\\qy"}},
-    {"|\\", "x\\|y", false, false, {"x\\", "y"}},
-    {",\\", "\\,a,\\\\", false, false, {",a", "\\"}},
-    {",\\", "a\\,", true, false, {"a,"}},
-    {",\\", "a\\,,", true, false, {"a,", "<null>"}},
-    {",\\", "a\\", false, false, {"a\\"}},
-    {",\\", "\\\\\\", false, false, {"\\\\"}},
-    {",\\", "line1\\nline2", false, false, {"line1\\nline2"}},
-    {",\\", "line1\\nline2\\N", false, true, {"line1\r\nline2\\N"}},
-    {",\\", "\xE9\\,\xFF,\x80", false, false, {"\xE9,\xFF", "\x80"}},
-};
+// The items of a text, in brackets.
+template <class Parser>
+std::string split(Parser parser, Row& row) {
+    parser.SetSeparators(row["separators"].c_str());
+    parser.SetAddEmptyItems(row["empty items"] == "yes");
+    parser.EscapeNewLines(row["new lines"] == "yes");
+    EXPECT_EQ(parser.BuildSymbolArray(row["text"].c_str()), 0);
+    std::string text;
+    for (const std::string& item : items(parser)) text += (text.empty() ? "[" : " [") + item + "]";
+    return text;
+}
 
 TEST(ParseValues, TextsGiveTheirItemsInBothParsers) {
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(std::string(row.separators ? row.separators : "-") + " | " +
-                     (row.text ? row.text : "-") + (row.emptyItems ? " | empty" : ""));
-        const auto check = [&row](auto parser) {
-            parser.SetSeparators(row.separators);
-            parser.SetAddEmptyItems(row.emptyItems);
-            parser.EscapeNewLines(row.newLines);
-            EXPECT_EQ(parser.BuildSymbolArray(row.text), 0);
-            EXPECT_EQ(items(parser), row.expected);
-        };
-        check(CBxParseValues());
-        check(CBxParsePairValues());
+    for (Row& row : list("values/items.txt")) {
+        SCOPED_TRACE(row["separators"] + " splits " + row["text"]);
+        EXPECT_EQ(split(CBxParseValues(), row), row["items"]);
+        EXPECT_EQ(split(CBxParsePairValues(), row), row["items"]);
     }
+    CBxParseValues nothing;
+    nothing.SetSeparators(nullptr);
+    nothing.SetAddEmptyItems(true);
+    nothing.BuildSymbolArray(nullptr);
+    nothing.BuildSymbolArray("a,b");
+    EXPECT_EQ(items(nothing), (std::vector<std::string>{"<null>", "a,b"}));
 }
 
 TEST(ParseValues, ItemsPileUpUntilTheyAreRemoved) {
