@@ -43,24 +43,14 @@ TEST(FieldIDs, DescribesFields) {
 }
 
 TEST(FieldIDs, SaysWhyAnIdentifierNamesNothing) {
-    const std::pair<unsigned int, const char*> rows[] = {
-        {0x00000000, "Unknown record type"},
-        {0x61000000, "Unknown record type"},
-        {0xFFFFFFFF, "Unknown record type"},
-        {0x10000000, "Unknown field access type"},
-        {0x15000000, "Unknown field access type"},
-        {0x11000026, "Invalid table pointer (basic prop)"},
-        {0x31FFFFFF, "Invalid table pointer (basic prop)"},
-        {0x42000000, "Invalid table pointer (multi prop)"},
-        {0x13000000, "Invalid table pointer (sub item)"},
-        {0x54000003, "Invalid table pointer (field value)"},
-    };
-    for (const auto& [id, problem] : rows) {
-        qel::test::TraceCapture trace;
+    for (Row& row : list("catalogue/no-fields.txt")) {
+        SCOPED_TRACE(row["id"]);
+        const auto id = static_cast<unsigned int>(std::stoul(row["id"], nullptr, 16));
+        const qel::test::TraceCapture trace;
         FieldData data;
         std::memset(&data, 0x5A, sizeof data);
         EXPECT_EQ(BxUtil_GetFieldDataByID(id, &data), -1);
-        EXPECT_TRUE(trace.hasError(std::string(problem) + ".-1", "BxFieldIDs")) << problem;
+        EXPECT_TRUE(trace.hasError(row["problem"] + ".-1", "BxFieldIDs"));
         EXPECT_EQ(data.recordType, id >> 28);
         EXPECT_EQ(data.accessType, id >> 24 & 0xF);
         EXPECT_EQ(data.fieldId, id);

@@ -9,9 +9,14 @@
 
 #include "QelUtility/BxCharConv.h"
 #include "platform/Platform.h"
+#include "support/Tables.h"
 #include "support/TempDir.h"
 
 namespace {
+
+using qel::test::list;
+using qel::test::number;
+using qel::test::Row;
 
 // Reaches the protected call.
 class Converter : public CBxCharConvSvcs {
@@ -81,20 +86,10 @@ TEST(CharConv, LooksNamesUpAndKeepsWhatItHasOnAFailure) {
 }
 
 TEST(CharConv, ConvertsTheSetsThatHaveCodePages) {
-    const struct {
-        const char* set;
-        std::string encoded;
-        std::string utf8;
-    } rows[] = {
-        {"8859-1", "Z\xFCrich \x80", "Z\xC3\xBCrich \xE2\x82\xAC"},
-        {"SJIS", "\xE9", "\xC3\xA9"},  // the default set, by its name's lack of digits
-        {"936", "\xC4\xE3\xBA\xC3 ok", "\xE4\xBD\xA0\xE5\xA5\xBD ok"},
-        {"950", "\xA7\x41\xA6\x6E", "\xE4\xBD\xA0\xE5\xA5\xBD"},
-        {"936", std::string("a\0b", 3), std::string("a\0b", 3)},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(converted("UTF-8", row.set, row.encoded), row.utf8) << row.set;
-        EXPECT_EQ(converted(row.set, "UTF-8", row.utf8), row.encoded) << row.set;
+    for (Row& row : list("encodings/sets.txt")) {
+        const char* const set = row["set"].c_str();
+        EXPECT_EQ(converted("UTF-8", set, row["encoded"]), row["text"]) << set;
+        EXPECT_EQ(converted(set, "UTF-8", row["text"]), row["encoded"]) << set;
     }
     EXPECT_EQ(converted("8859-1", "936", "\xA8\xA6"), "\xE9");
     // What the target lacks: one "?" for each UTF-16 unit.
@@ -240,33 +235,15 @@ TEST(CharConv, ResynchronisesBehindWhatItCannotDecode) {
         EXPECT_EQ(outcome.inLeft, 0U);
         return;
     }
-    const struct {
-        const char* from;
-        std::string text;
-        std::string rest;
-        unsigned int inLeft;
-    } rows[] = {
-        {"UTF-8", "good\xFFok", "ok", 0},
-        {"UTF-8", "a\xC3\xA9\xE4\xBD", "", 1},  // cut inside a character
-        {"UTF-8",
-         "\xED\xA0\x80"
-         "abc",
-         "abc", 0},  // half a surrogate pair
-        {"UTF-8",
-         "\xC0\xAF"
-         "abc",
-         "abc", 0},                // overlong
-        {"UTF-8", "\xFF", "", 1},  // the last byte, given up
-        {"936", "ab\x81", "", 1},
-        {"936", "x\x81\x20\x81\x40", " \xE4\xB8\x82", 0},
-    };
-    for (const auto& row : rows) {
+    for (Row& row : list("encodings/undecodable.txt")) {
+        SCOPED_TRACE(row["text"]);
         CBxCharConvSvcs converter;
-        ASSERT_EQ(converter.Initialize(row.from[0] == 'U' ? "936" : "UTF-8", row.from), 0);
-        const Outcome outcome = convert(converter, row.text, 100);
+        const char* const to = row["from"] == "UTF-8" ? "936" : "UTF-8";
+        ASSERT_EQ(converter.Initialize(to, row["from"].c_str()), 0);
+        const Outcome outcome = convert(converter, row["text"], 100);
         EXPECT_EQ(outcome.result, 0);
-        EXPECT_EQ(outcome.text, row.rest) << row.text;
-        EXPECT_EQ(outcome.inLeft, row.inLeft) << row.text;
+        EXPECT_EQ(outcome.text, row["rest"]);
+        EXPECT_EQ(static_cast<int>(outcome.inLeft), number(row, "left"));
         EXPECT_EQ(converter.LastError(), 42);
     }
 }

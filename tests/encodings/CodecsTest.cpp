@@ -8,8 +8,12 @@
 
 #include "QelUtility/BxEncodings.h"
 #include "encodings/BxTea.h"
+#include "support/Tables.h"
 
 namespace {
+
+using qel::test::list;
+using qel::test::Row;
 
 const unsigned char* bytes(const std::string& text) {
     return reinterpret_cast<const unsigned char*>(text.data());
@@ -36,19 +40,11 @@ std::string unbase64(const std::string& text) {
 }
 
 TEST(Base64, HasItsPublishedVectorsBothWays) {
-    const char* const rows[][2] = {{"", ""},
-                                   {"f", "Zg=="},
-                                   {"fo", "Zm8="},
-                                   {"foo", "Zm9v"},
-                                   {"foob", "Zm9vYg=="},
-                                   {"fooba", "Zm9vYmE="},
-                                   {"foobar", "Zm9vYmFy"},
-                                   {"Man", "TWFu"},
-                                   {"\xFB\xFF\xBF", "+/+/"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(base64(row[0]), row[1]);
-        EXPECT_EQ(unbase64(row[1]), row[0]);
-        EXPECT_EQ(Bx_Base64_Decode(row[1], nullptr, 0), static_cast<int>(std::strlen(row[0])));
+    for (Row& row : list("encodings/base64.txt")) {
+        EXPECT_EQ(base64(row["text"]), row["code"]);
+        EXPECT_EQ(unbase64(row["code"]), row["text"]);
+        EXPECT_EQ(Bx_Base64_Decode(row["code"].c_str(), nullptr, 0),
+                  static_cast<int>(row["text"].size()));
     }
     std::string all;
     for (int i = 0; i < 256; ++i) all += static_cast<char>(i);

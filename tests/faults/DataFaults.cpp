@@ -98,80 +98,73 @@ struct Reading {
     CBxDataStream nested;
     CBxIntList numbers;
     VStrArray list;
+    Bytes data = nullptr;
+    long size = 0;
     int code = 0;
 
-    explicit Reading(const std::string& start = longText) { stream.Initialize(start.c_str()); }
+    Reading() {
+        stream.Initialize(
+            "3\x1f"
+            "a\x1f"
+            "b\x1f"
+            "c");
+    }
     Outcome left(const Attempt& attempt) {
         // A value that was refused is what is read next.
-        Outcome outcome = seen(together(attempt.thrown(), stream.Position() - stream.Storage()));
+        const auto position = attempt.thrown() == 0 ? 0 : stream.Position() - stream.Storage();
+        Outcome outcome = seen(together(attempt.thrown() + code, position));
         for (int i = 0; i < numbers.GetSize(); ++i) outcome.push_back(shown(numbers[i]));
         for (int i = 0; i < list.GetSize(); ++i) outcome.push_back(shown(list[i]));
         outcome.resize(4, kNull);
         outcome.push_back(shown(text));
         outcome.push_back(content(nested));
+        outcome.push_back(data == nullptr ? kNull
+                                          : std::string(reinterpret_cast<char*>(data),
+                                                        static_cast<std::size_t>(size)));
+        std::free(data);
         expectUsable(stream);
         return outcome;
     }
 };
 
-struct ReadingNumbers : Reading {
-    ReadingNumbers()
-        : Reading(
-              "3\x1f"
-              "a\x1f"
-              "b\x1f"
-              "c") {}
-};
-struct ReadingStrings : Reading {
-    ReadingStrings()
-        : Reading(
-              "2\x1f"
-              "one\x1f" +
-              longText) {}
-};
-struct ReadingBytes : Reading {
-    Bytes data = nullptr;
-    long size = 0;
-
-    ReadingBytes()
-        : Reading(
-              "4\x1f"
-              "ab\xfe"
-              "1f\xff\x1f"
-              "9") {}
-    Outcome left(const Attempt&) {
-        const std::string is = data == nullptr ? kNull
-                                               : std::string(reinterpret_cast<char*>(data),
-                                                             static_cast<std::size_t>(size));
-        std::free(data);
-        return seen(together(code, is));
-    }
-};
-struct ReadingBadBytes : ReadingBytes {
-    ReadingBadBytes() {
-        stream.Initialize(("9\x1f" + longText +
-                           "\xfe"
-                           "zz")
-                              .c_str());
-    }
-};
-struct ReadingPastTheEnd : Reading {
-    ReadingPastTheEnd() { stream.Initialize(bytes(longText), 300, true); }
-};
-
 const Operation kReaders[] = {
-    on<Reading>("Text", {"2001 0", kNull}, [](auto& made) { made.stream >> made.text; }),
-    on<ReadingNumbers>("Nested", {"2001 0", ""}, [](auto& made) { made.stream >> made.nested; }),
-    on<ReadingNumbers>("Integers", {"2001 2", "2001 4", "2001 6", kNull},
-                       [](auto& made) { made.stream >> made.numbers; }),
-    on<ReadingStrings>("Strings", {"2001 2", "2001 6", kNull},
-                       [](auto& made) { made.stream >> made.list; }),
-    on<ReadingBytes>("Binary", {"7004 (null)"},
-                     [](auto& made) { made.code = made.stream.Read(made.data, made.size); }),
-    on<ReadingBadBytes>("MalformedBinary", {"7004 (null)"},
-                        [](auto& made) { made.code = made.stream.Read(made.data, made.size); }),
+    on<Reading>(
+        "Text", {"2001 0", kNull}, [](auto& made) { made.stream >> made.text; },
+        [](auto& made) { made.stream.Initialize(longText.c_str()); }),
+    on<Reading>("Nested", {"2001 0", ""}, [](auto& made) { made.stream >> made.nested; }),
+    on<Reading>("Integers", {"2001 2", "2001 4", "2001 6", kNull},
+                [](auto& made) { made.stream >> made.numbers; }),
+    on<Reading>(
+        "Strings", {"2001 2", "2001 6", kNull}, [](auto& made) { made.stream >> made.list; },
+        [](auto& made) {
+            made.stream.Initialize(("2\x1f"
+                                    "one\x1f" +
+                                    longText)
+                                       .c_str());
+        }),
+    on<Reading>(
+        "Binary", {"7004 0", kNull},
+        [](auto& made) { made.code = made.stream.Read(made.data, made.size); },
+        [](auto& made) {
+            made.stream.Initialize(
+                "4\x1f"
+                "ab\xfe"
+                "1f\xff\x1f"
+                "9");
+        }),
+    on<Reading>(
+        "MalformedBinary", {"7004 0"},
+        [](auto& made) { made.code = made.stream.Read(made.data, made.size); },
+        [](auto& made) {
+            made.stream.Initialize(("9\x1f" + longText +
+                                    "\xfe"
+                                    "zz")
+                                       .c_str());
+        }),
     // The report of a failure may be what there is no memory for: the code is thrown all the same.
-    on<ReadingPastTheEnd>("PastTheEnd", {}, [](auto& made) { made.stream >> made.text; }),
+    on<Reading>(
+        "PastTheEnd", {}, [](auto& made) { made.stream >> made.text; },
+        [](auto& made) { made.stream.Initialize(bytes(longText), 300, true); }),
 };
 INSTANTIATE_TEST_SUITE_P(StreamReaders, Exhaustion, testing::ValuesIn(kReaders), operationName);
 

@@ -79,12 +79,14 @@ std::string together(const Values&... values) {
     return all;
 }
 
-// `Things` has what the call needs, made by its constructor, and `Outcome left(const Attempt&)`,
-// which also uses those things again.
+// `Things` has what the call needs, made by its constructor and by `prepare`, and
+// `Outcome left(const Attempt&)`, which also uses those things again.
 template <typename Things>
-Operation on(const char* name, const Outcome& starved, void (*call)(Things& made)) {
-    return {name, starved, [call](Attempt& attempt) {
+Operation on(const char* name, const Outcome& starved, void (*call)(Things& made),
+             void (*prepare)(Things& made) = nullptr) {
+    return {name, starved, [call, prepare](Attempt& attempt) {
                 Things made;
+                if (prepare != nullptr) prepare(made);
                 attempt.armed([&] { call(made); });
                 return made.left(attempt);
             }};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -93,65 +94,82 @@ std::size_t times(const std::string& word) {
     return linesWith(word, fs::path(BxTrace_GetLogFilePath()).filename().string()).size();
 }
 
-// Traces "before", then `log` with the gate armed, which logs the word "during" and returns 0 for a
-// message that was written, then "after".
-Operation onTrace(const char* name, const char* options, int (*log)(), const char* logName = "") {
-    return {name, {"0 0"}, [=](Attempt& attempt) {
-                const StartedTrace started(options);
-                BxTrace_Trace00("before!");
-                int result = -2;
-                attempt.armed([&] { result = log(); });
-                BxTrace_Trace00("after!");
-                BxTrace_FlushRetroBuffers();
-                BxTrace_FlushLog();
-                expectNoStrangers();
-                const std::size_t written =
-                    *logName == '\0' ? times("during") : linesWith("during", logName).size();
-                return seen(together(result == 0, written), times("before"), times("after"));
-            }};
-}
+// A started trace. The call logs the word "during", with the result 0 when that was accepted;
+// "before" is logged ahead of it and "after" behind.
+struct Traced {
+    std::optional<StartedTrace> started;
+    const char* logName = nullptr;  // where "during" goes; null: the main log
+    int result = 0;
+
+    Outcome left(const Attempt&) {
+        BxTrace_Trace00("after!");
+        BxTrace_FlushRetroBuffers();
+        BxTrace_FlushLog();
+        expectNoStrangers();
+        const std::size_t written =
+            logName == nullptr ? times("during") : linesWith("during", logName).size();
+        return seen(together(result == 0, written), "before " + std::to_string(times("before")),
+                    "after " + std::to_string(times("after")),
+                    "saved " + std::to_string(linesWith("before", "trace.bk0").size()),
+                    readFile(folder().file("BxOptions.opt")).substr(0, 61));
+    }
+};
 
 int logged() {
     return BxTrace_Trace00("during!");
 }
 
-// A log of the process's own.
+// Logs of the process's own, kept open.
 constexpr char kKeptOpen[] = "SeparateLogForEachProcess=1\nKeepLogFileOpen=1\n";
 constexpr char kFlushed[] = "SeparateLogForEachProcess=1\nKeepLogFileOpen=2\n";
+constexpr char kRetroactive[] = "RetroactiveTracingBufferSize=4096\n";
+constexpr char kOfTheUser[] = "MaxFileSize=1234567\nVTraceVerbosity=7\nOwn=text\n";
+
+Operation onTrace(const char* name, const char* options, int (*log)(),
+                  const Outcome& starved = {"0 0"}, void (*prepare)(Traced& made) = nullptr) {
+    return {name, starved, [=](Attempt& attempt) {
+                Traced made;
+                made.started.emplace(options);
+                BxTrace_Trace00("before!");
+                if (prepare != nullptr) prepare(made);
+                attempt.armed([&] { made.result = log(); });
+                return made.left(attempt);
+            }};
+}
 
 const Operation kTraces[] = {
     onTrace("Trace", "", logged),
     onTrace("Tracef", "", [] { return BxTrace_Tracef("%s %I64d during!", "text", 12LL); }),
     onTrace(
         "SyncML", "TracingOptions=7\n",
-        [] { return BxTrace_OTrace_TS(BXTRACE_SYNCML_INPUT, "during!"); }, "SyncML_Input.log"),
+        [] { return BxTrace_OTrace_TS(BXTRACE_SYNCML_INPUT, "during!"); }, {"0 0"},
+        [](Traced& made) { made.logName = "SyncML_Input.log"; }),
     onTrace("KeptOpen", kKeptOpen, [] { return BxTrace_VTrace(0, "during!"); }),
     onTrace("KeptOpenAndFlushed", kFlushed, logged),
-    onTrace("Retroactive", "RetroactiveTracingBufferSize=4096\n", logged),
+    onTrace("KeptOpenAndTakenAway", kFlushed, logged, {"0 0"},
+            [](Traced&) { fs::rename(BxTrace_GetLogFilePath(), folder().file("trace.bk0")); }),
+    onTrace("Retroactive", kRetroactive, logged),
+    // What could not be written out is still there.
+    onTrace("RetroactiveFlush", kRetroactive,
+            [] {
+                logged();
+                BxTrace_FlushRetroBuffers();
+                return 0;
+            },
+            {}),
     onTrace("WriteHex", "TracingOptions=7\n",
             [] {
                 BxTrace_WriteHex(1, reinterpret_cast<const unsigned char*>("abc"), 3);
                 return logged();
             }),
-    {"FirstLoad",
-     {"0"},
-     [](Attempt& attempt) {
-         const StartedTrace started("MaxFileSize=1234567\nVTraceVerbosity=7\nOwn=text\n", "");
-         attempt.armed([] { logged(); });
-         BxTrace_Trace00("after!");
-         expectNoStrangers();
-         // What the user has set is never replaced by a default.
-         return seen(times("during"), "after " + std::to_string(times("after")),
-                     readFile(folder().file("BxOptions.opt")).substr(0, 61));
-     }},
-    {"FirstLoadOfOwnLog",
-     {},
-     [](Attempt& attempt) {
-         const StartedTrace started(kFlushed);
-         attempt.armed([] { logged(); });
-         BxTrace_Trace00("after!");
-         return seen(times("after"));
-     }},
+    onTrace("Backups", "MaxBackupCount=1\nKeepLogFiles=0\n", BxTrace_ErrorLogDelete, {}),
+    // What the user has set is never replaced by a default.
+    on<Traced>(
+        "FirstLoad", {"1 0"}, [](auto&) { logged(); },
+        [](auto& made) { made.started.emplace(kOfTheUser, ""); }),
+    on<Traced>(
+        "FirstLoadOfOwnLog", {"1 0"}, [](auto&) { logged(); },
+        [](auto& made) { made.started.emplace(kFlushed); }),
     {"SyncMLAfterAStarvedLoad",
      {},
      [](Attempt& attempt) {
@@ -176,19 +194,6 @@ const Operation kTraces[] = {
          const std::string log = readFile(folder().file("trace.log"));
          return seen(std::count(log.begin(), log.end(), 'x'), "after", times("after"));
      }},
-    {"KeptOpenAnew",
-     {"0 0"},
-     [](Attempt& attempt) {
-         // Someone has taken the log away.
-         const StartedTrace started(kFlushed);
-         BxTrace_Trace00("before!");
-         fs::rename(BxTrace_GetLogFilePath(), folder().file("trace.bk0"));
-         int result = -2;
-         attempt.armed([&] { result = logged(); });
-         BxTrace_Trace00("after!");
-         return seen(linesWith("before", "trace.bk0").size(),
-                     together(result == 0, times("during")), times("after"));
-     }},
     {"Errors",
      {},
      [](Attempt& attempt) {
@@ -205,29 +210,6 @@ const Operation kTraces[] = {
              BxTrace_Trace1("faults", 1, "text");
          });
          return seen(sum);
-     }},
-    {"RetroactiveFlush",
-     {},
-     [](Attempt& attempt) {
-         const StartedTrace started("RetroactiveTracingBufferSize=4096\n");
-         BxTrace_Trace00("before!");
-         attempt.armed([] {
-             logged();
-             BxTrace_FlushRetroBuffers();
-         });
-         // What could not be written out is still there.
-         BxTrace_FlushRetroBuffers();
-         return seen(times("before"), times("during"));
-     }},
-    {"Backups",
-     {},
-     [](Attempt& attempt) {
-         const StartedTrace started("MaxBackupCount=1\nKeepLogFiles=0\n");
-         BxTrace_Trace00("before!");
-         int result = -2;
-         attempt.armed([&] { result = BxTrace_ErrorLogDelete(); });
-         BxTrace_Trace00("after!");
-         return seen(result, linesWith("before", "trace.bk0").size(), times("after"));
      }},
     {"Options",
      {"1", "A=12\nB=34\nC=ff\n"},

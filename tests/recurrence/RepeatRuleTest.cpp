@@ -19,6 +19,7 @@ namespace {
 
 using qel::test::cases;
 using qel::test::describe;
+using qel::test::list;
 using qel::test::number;
 using qel::test::Record;
 using qel::test::Row;
@@ -54,30 +55,15 @@ TEST(RepeatToRule, WritesEveryType) {
 }
 
 TEST(RepeatToRule, RefusesWhatNoRuleHolds) {
-    const struct {
-        const char* record;
-        const char* reports;
-    } rows[] = {
-        {"0 from 20050615", ""},
-        {"9 from 20050615", ""},
-        {"16 from 20050615", ""},
-        {"-1 from 20050615", ""},
-        {"8 from 20050615 weeks 1,2,3,4,5",
-         "Error Exceed max nSetPos array size.-1 at BxRepeat line 1328"},
-        {"15 from 20050615 weeks 1,2,3,4,5",
-         "Error Exceed max nSetPos array size.-1 at BxRepeat line 1373"},
-        {"14 from 20050615 weeks 1,2,3,4,5",
-         "Error Exceed max nSetPos array size.-1 at BxRepeat line 1440"},
-    };
-    for (const auto& row : rows) {
-        ZQTR_REPEAT record = Record(row.record).repeat;
-        SCOPED_TRACE(describe(record));
+    for (Row& row : list("recurrence/repeat-refused.txt")) {
+        SCOPED_TRACE(row["record"]);
+        ZQTR_REPEAT record = Record(row["record"]).repeat;
         const TraceCapture trace;
         _rruleRepeat rule;
         VStr exclusions;
         VStr start;
         EXPECT_EQ(BxUtil_BxRepeatToRRule(&record, &rule, exclusions, start, 0, nullptr), -1);
-        EXPECT_EQ(reported(trace), row.reports);
+        EXPECT_EQ(reported(trace), row["report"]);
     }
 }
 
@@ -139,34 +125,14 @@ TEST(RuleToRepeat, MakesEveryType) {
 }
 
 TEST(RuleToRepeat, RefusesWhatARecordCannotHold) {
-    const struct {
-        const char* rule;
-        const char* start;
-        int result;
-        const char* reports;
-    } rows[] = {
-        {"DAILY;", nullptr, -1, "Error Invalid Start Date ptr.-1 at BxRepeat line 326"},
-        {"", "20050615", 2106,
-         "Error Unknown RRULE frequency in BxUtil_RRuleToBxRepeat.2106 at BxRepeat line 377"},
-        {"YEARLY;;;;;;;;;;20;", "20050615", 2106,
-         "Error Can not handle ByWeekNo.2106 at BxRepeat line 450"},
-        {"MONTHLY;;;;;;;MP;", "20050615", 2105,
-         "Error Invalid RRUle struct: no day bits set.2105 at BxRepeat line 497"},
-        {"WEEKLY;", "20050615", 2105,
-         "Error Invalid RRULE struct, TYPE_BYDAY not set as expected.2105 at BxRepeat line 582"},
-        {"MONTHLY;;;;;;;;-1,-2;", "20050615", 2105, "Error 6.2105 at BxRepeat line 1581"},
-        {"DAILY;;3;20000;", "24991231", 0, ""},
-        {"MONTHLY;;3;;;;;;1;", "24991130", 4008,
-         "Error -1.4008 at RptNext line 293; Error 0.4008 at BxRepeat line 694"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.rule);
+    for (Row& row : list("recurrence/rule-refused.txt")) {
+        SCOPED_TRACE(row["rule"]);
         _rruleRepeat rule;
-        if (BxUtil_PositionaltoRRULE(row.rule, &rule, nullptr) != 0) rule.freq = 0;
+        if (BxUtil_PositionaltoRRULE(row["rule"].c_str(), &rule, nullptr) != 0) rule.freq = 0;
         const TraceCapture trace;
-        const FromRule made = fromRule(rule, row.start);
-        EXPECT_EQ(made.result, row.result);
-        EXPECT_EQ(reported(trace), row.reports);
+        const char* const start = row["start"].empty() ? nullptr : row["start"].c_str();
+        EXPECT_EQ(fromRule(rule, start).result, number(row, "result"));
+        EXPECT_EQ(reported(trace), row["report"]);
     }
 }
 

@@ -1,6 +1,7 @@
 // The readers under strain: refusals and their reports, long texts.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/RRuleInternal.h"
 #include "recurrence/RuleRecordText.h"
+#include "support/Tables.h"
 #include "support/TraceCapture.h"
 
 namespace {
@@ -45,30 +47,17 @@ TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
 // An unknown frequency is refused, reported with the text that was taken for it, and leaves the
 // defaults; nothing else is refused.
 TEST(RuleReader, RefusesAnUnknownFrequencyAlone) {
-    const struct {
-        Reader read;
-        const char* text;
-        const char* report;
-    } kCases[] = {
-        {BxUtil_PositionalV10toRRULE, "X1 #0", "Bad FREQX1.0.-1"},
-        {BxUtil_PositionalV10toRRULE, "w1 MO", "Bad FREQw1.0.-1"},
-        {BxUtil_PositionalV10toRRULE, " D1 #0", "Bad FREQ.0.-1"},
-        {BxUtil_PositionalV10toRRULE, "", "Bad FREQ.0.-1"},
-        {BxUtil_PositionalV10toRRULE, nullptr, "Bad FREQ.0.-1"},
-        {BxUtil_PositionalV20toRRULE, "FREQ=HOURLY;COUNT=3;UNTIL=20051231T000000",
-         "Bad FREQHOURLY.0.-1"},
-        {BxUtil_PositionalV20toRRULE, "freq=DAILY", "Bad FREQ.0.-1"},
-        {BxUtil_PositionalV20toRRULE, nullptr, "Bad FREQ.0.-1"},
-        {BxUtil_PositionaltoRRULE, "FORTNIGHTLY;;2", "Bad FREQFORTNIGHTLY.0.-1"},
-        {BxUtil_PositionaltoRRULE, ";;;1", "Bad FREQ.0.-1"},
-        {BxUtil_PositionaltoRRULE, nullptr, "Bad FREQ.0.-1"},
-    };
-    for (const auto& each : kCases) {
+    const std::map<std::string, Reader> readers = {{"v10", BxUtil_PositionalV10toRRULE},
+                                                   {"icalendar", BxUtil_PositionalV20toRRULE},
+                                                   {"positional", BxUtil_PositionaltoRRULE}};
+    for (qel::test::Row& row : qel::test::list("recurrence/unknown-frequencies.txt")) {
+        SCOPED_TRACE(row["report"]);
         const qel::test::TraceCapture trace;
         _rruleRepeat rule;
         int flags = 7;
-        EXPECT_EQ(each.read(each.text, &rule, &flags), -1) << each.report;
-        EXPECT_TRUE(trace.hasError(each.report, "RRule")) << each.report;
+        const Reader read = readers.at(row["form"]);
+        EXPECT_EQ(read(row["text"].empty() ? nullptr : row["text"].c_str(), &rule, &flags), -1);
+        EXPECT_TRUE(trace.hasError(row["report"], "RRule"));
         EXPECT_EQ(describe(rule), "");
         EXPECT_EQ(flags, 0);
     }

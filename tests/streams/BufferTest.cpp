@@ -37,6 +37,13 @@ TEST(Buffer, CapacitiesFollowTheNeed) {
     EXPECT_EQ(buffer.Capacity(), 512U);
     buffer.GrowBuf(INT_MIN);
     EXPECT_EQ(buffer.Capacity(), 512U);
+    // Copies share the storage, and one alone may free it.
+    CBxBuffer copy(buffer);
+    CBxBuffer assigned;
+    assigned = copy;
+    EXPECT_EQ(assigned.Storage(), buffer.Storage());
+    copy.DisownBuffer();
+    assigned.DisownBuffer();
 }
 
 TEST(Buffer, SizesBeyondTheLimitAreRefused) {
@@ -149,7 +156,8 @@ TEST(DataStream, ReplacingAndAppendingRawBytes) {
     raw.AppendRawBytes(bytes("xyz"), 2);
     EXPECT_EQ(raw.Len(), 3U);
     raw.AppendRawBytes(const_cast<unsigned char*>(raw.Storage()), 2);
-    raw << 1;
+    char one[] = "1";
+    raw.AddToBuf(one, 1);
     EXPECT_EQ(contentOf(raw), "xyxy|1");
     // The byte after the data is not looked at.
     std::vector<unsigned char> exact(300, 'e');
@@ -217,6 +225,11 @@ TEST(IntList, ReadsMinusOneOutside) {
     EXPECT_EQ(list[1], INT_MIN);
     EXPECT_EQ(list[2], -1);
     EXPECT_EQ(list[-1], -1);
+    CBxIntList other(list);
+    other.Add(7);
+    list = other;
+    EXPECT_EQ(list.GetSize(), 3);
+    EXPECT_EQ(list[2], 7);
 }
 
 }  // namespace

@@ -139,8 +139,9 @@ TEST(DataStream, Lists) {
     numbers.Add(255);
     numbers.Add(-1);
     VStrArray none;
+    const VStrArray& fixed = words;
     CBxDataStream stream;
-    stream << words << none << numbers << "end";
+    stream << fixed << none << numbers << "end";
     EXPECT_EQ(contentOf(stream), "3|one||||2|ff|-|end");
 
     stream.SeekToBegin();
@@ -164,7 +165,7 @@ TEST(DataStream, Lists) {
 TEST(DataStream, NestedStreams) {
     CBxDataStream inner;
     inner << 1 << "two";
-    CBxDataStream empty;
+    const CBxDataStream empty;
     CBxDataStream outer;
     outer << inner << empty << 9;
     EXPECT_EQ(contentOf(outer), "5|1|two|||9");

@@ -53,10 +53,15 @@ TEST(RandomOperations, AStringIsAStandardString) {
         SCOPED_TRACE("step " + std::to_string(step) + " operation " + std::to_string(operation));
         switch (operation) {
             case 0:
+                own.Empty();
+                ASSERT_TRUE(!own);
                 own = other.c_str();
                 peer = other;
                 break;
             case 1:
+                own.Catstr(other.c_str());
+                peer += other;
+                break;
             case 2:
                 own += other.c_str();
                 peer += other;
@@ -76,7 +81,10 @@ TEST(RandomOperations, AStringIsAStandardString) {
                 VStr part = own(whole(at), whole(count));
                 const std::string peerPart = peer.substr(clamped(at, peer), count);
                 ASSERT_EQ(text(part), peerPart);
+                ASSERT_EQ(text(own.Mid(whole(at), whole(count))), peerPart);
                 part.Substr(own, whole(at), whole(count));
+                own.Substr(whole(at), whole(count));
+                ASSERT_EQ(text(own), peerPart);
                 ASSERT_EQ(static_cast<const char*>(part), peerPart);
                 own = part;
                 peer = peerPart;

@@ -130,7 +130,9 @@ TEST(ParsePairValues, TheFirstValueOfANameHolds) {
     EXPECT_STREQ(parser.GetValueOf("A"), "1");
     const CBxParsePairValues untouched(parser);
     parser.BuildSymbolArray("G=8");
-    CBxParsePairValues copy(untouched);
+    CBxParsePairValues copy;
+    copy = untouched;
+    EXPECT_EQ(copy.GetNextSymbol(), 2018);
     EXPECT_STREQ(copy.GetValueOf("F"), "6");
     EXPECT_STREQ(copy.GetValueOf("G"), "");
 
