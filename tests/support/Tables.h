@@ -20,8 +20,8 @@ using Row = std::map<std::string, std::string>;
 //     record: 1 from 20050615 every 3    fields, as their test names them
 //     dates: 20050615 20050618
 //
-// A field that stands there again goes on with its next line. In a value \n, \r, \t, \s (a blank), \\ and \xNN are characters. Throws std::runtime_error where
-// there is nothing to read.
+// A field that stands there again goes on with its next line. In a value \n, \r, \t, \s (a blank),
+// \\ and \xNN are characters. Throws std::runtime_error where there is nothing to read.
 [[nodiscard]] std::vector<Row> cases(const std::string& file);
 
 // The rows of a file below tests/ that has a case on each line, with the fields' names first:
