@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <new>
 
 #include "platform/Platform.h"
@@ -37,6 +36,15 @@ static_assert(grainSize(0x7FFFFFFF) == 0x80000000);
 
 constexpr std::uint32_t asUnsigned(int n) {
     return static_cast<std::uint32_t>(n);
+}
+
+// Whether a text begins inside a block (null: in none). Most texts lie farther behind it, or before
+// it, than any block is long, and the block's size, which costs a call, is not asked.
+bool liesIn(const char* text, const char* block) {
+    const std::uintptr_t distance =
+        reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(block);
+    return block != nullptr && distance <= grainSize(qel::kMaxLength) &&
+           distance < stringBlockSize(block);
 }
 
 }  // namespace
@@ -298,22 +306,22 @@ VStr& VStr::Catstr(const char* s) {
 }
 
 VStr& VStr::Append(const char* s, int count) {
+    if (count > 0 && liesIn(s, m_buffer)) {
+        // A text inside this string is copied first: growing may move the block, and make one that
+        // GetBuffer had enlarged smaller.
+        const VStr copy(s, count);
+        if (copy.m_buffer != nullptr) return Append(copy.m_buffer, count);
+        Empty();
+        return *this;
+    }
     const std::int64_t total = std::int64_t{m_length} + count;
     const int headLength = textLength(*this, static_cast<std::size_t>(m_length));
-    // A text inside this string is copied first: growing may move the block, and make one that
-    // GetBuffer had enlarged smaller.
-    const std::less<const char*> before;
-    const bool own = count > 0 && m_buffer != nullptr && !before(s, m_buffer) &&
-                     before(s, m_buffer + stringBlockSize(m_buffer));
-    const VStr copy(own ? s : nullptr, count);
-    const bool lost = own && copy.m_buffer == nullptr;
-    if (lost || total == 0 || total > kMaxLength ||
-        ModGrow(static_cast<int>(total) + 1) == nullptr) {
+    if (total == 0 || total > kMaxLength || ModGrow(static_cast<int>(total) + 1) == nullptr) {
         Empty();
         return *this;
     }
     char* end = m_buffer + headLength;
-    if (count > 0) std::memcpy(end, own ? copy.m_buffer : s, static_cast<std::size_t>(count));
+    if (count > 0) std::memcpy(end, s, static_cast<std::size_t>(count));
     end[count] = '\0';
     m_length = static_cast<int>(total);
     m_buffer[m_length] = '\0';
