@@ -58,7 +58,7 @@ int stepTo(ZQTR_REPEAT repeat, int date) {
 }
 
 TEST(RepeatJump, ComesToWhereStepsCome) {
-    constexpr int kRecords = 4000;
+    constexpr int kRecords = 800;
     Random random;
     int jumps[16] = {};
     int declined[16] = {};
