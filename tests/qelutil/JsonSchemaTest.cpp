@@ -61,7 +61,8 @@ class Schema {
 };
 
 TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
-    const Schema schema(Json::parse(readFile(QEL_SOURCE_DIR "/docs/json/qelutil.schema.json")));
+    const Schema schema(
+        Json::parse(readFile(QEL_TEST_SOURCE_DIR "/docs/json/qelutil.schema.json")));
     const std::string calendar =
         "BEGIN:VCALENDAR\nVERSION:1.0\nBEGIN:VEVENT\nDTSTART:20050101\nRNUM:2\nSTATUS:SENT\n"
         "SEQUENC:1\nRRULE:D1 #3\nEND:VEVENT\nEND:VCALENDAR\n";

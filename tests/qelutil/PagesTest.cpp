@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 TEST_F(QelutilTest, ManualPagesAndCompletionsAreUpToDate) {
     ASSERT_EQ(runProcess(QELUTIL_PAGES, {state_.path().string()}).exitCode, 0);
-    const fs::path tree = QEL_SOURCE_DIR;
+    const fs::path tree = QEL_TEST_SOURCE_DIR;
     std::size_t pages = 0;
     for (const auto& each : fs::recursive_directory_iterator(state_.path())) {
         if (!each.is_regular_file()) continue;

@@ -296,7 +296,8 @@ class ConvertRun : private convert::EntryObserver {
     bool isInput(const fs::path& path) {
         const auto key = [](const fs::path& each) {
             std::error_code unknown;
-            const std::u8string text = fs::weakly_canonical(each, unknown).generic_u8string();
+            const fs::path whole = fs::weakly_canonical(each, unknown);
+            const std::u8string text = (unknown ? each : whole).generic_u8string();
             return withoutCase({text.begin(), text.end()});
         };
         if (inputs_.empty())

@@ -19,7 +19,7 @@ p{margin:.25rem 0}a{color:var(--mark)}
 .v{position:absolute;width:1px;height:1px;overflow:hidden;clip-path:inset(50%);white-space:nowrap}
 .tiles{display:grid;grid-template-columns:repeat(auto-fit,minmax(7.75rem,1fr));gap:.75rem;margin:1.5rem 0 0}
 .tiles div{display:flex;flex-direction:column-reverse;background:var(--card);border:1px solid var(--line);
-border-radius:.75rem;padding:.85rem 1rem}
+border-radius:.75rem;padding:.85rem .8rem}
 .tiles dt{white-space:nowrap;color:var(--soft);font-size:.875rem}
 .tiles dd{margin:0;font-size:1.75rem;line-height:1.2;font-weight:650;font-variant-numeric:tabular-nums}
 .tiles .warn dd{color:var(--change)}.tiles .bad dd{color:var(--lost)}
@@ -72,12 +72,12 @@ code{overflow-wrap:anywhere}
 details{grid-column:1/-1;margin-top:.5rem}
 .list>summary{font-size:1rem;margin-bottom:.5rem}
 summary{cursor:pointer;color:var(--soft);font-size:.875rem;width:fit-content}
-.sides{display:grid;grid-template-columns:1fr 1fr;gap:.75rem;margin-top:.5rem}
+.sides{display:grid;grid-template-columns:minmax(0,1fr) minmax(0,1fr);gap:.75rem;margin-top:.5rem}
 .sides h4{margin:0 0 .25rem;font-size:.8125rem;font-weight:600;color:var(--soft)}
 pre{margin:0;padding:.75rem;background:var(--fill);border-radius:.5rem;overflow:auto;max-height:24rem;
 unicode-bidi:plaintext}
 footer{margin-top:3rem;color:var(--soft);font-size:.875rem}
-@media(max-width:44rem){body{padding:1.25rem .85rem 3rem}article{grid-template-columns:minmax(0,1fr);padding:.85rem 1rem}
+@media(max-width:44rem){body{padding:1.25rem .85rem 3rem}article{grid-template-columns:minmax(0,1fr);padding:.85rem .8rem}
 .grids{justify-content:flex-start;max-width:none;margin-top:.5rem}.grids .more{text-align:left}
 .files th,.files td{padding:.4rem .6rem}.sides{grid-template-columns:minmax(0,1fr)}.tiles{grid-template-columns:repeat(3,minmax(0,1fr));gap:.5rem}
 .tiles div{padding:.6rem .75rem}.tiles dd{font-size:1.35rem}.tiles dt{font-size:.8125rem;line-height:1.3}}
