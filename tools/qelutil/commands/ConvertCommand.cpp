@@ -28,8 +28,10 @@ void addConvertCommand(CLI::App& app, Context& context) {
                 "the file to write, whole or not at all; standard output when it is missing")
             ->option_text("FILE");
     command
-        ->add_option("-d,--output-dir", options->outputDir,
-                     "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics")
+        ->add_option(
+            "-d,--output-dir", options->outputDir,
+            "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics;\n"
+            "--output with a folder means the same")
         ->option_text("DIR")
         ->excludes(output);
     command->add_flag("--overwrite", options->overwrite,
