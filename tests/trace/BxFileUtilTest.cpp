@@ -82,6 +82,11 @@ TEST(BxFileSave, ReplacesAndReportsWhatCannotBeWritten) {
     EXPECT_EQ(BxFile_SaveFile(dir.file("f").c_str(), nullptr, 5), 2008);
     EXPECT_EQ(BxFile_SaveFile(nullptr, "a", 1), 2005);
     EXPECT_EQ(trace.errors().size(), 3U);
+    if (kPathSeparator == '\\' || !fs::exists("/dev/full")) return;
+    // Through a link: the device itself must not be in the way of anything that removes files.
+    fs::create_symlink("/dev/full", dir.file("full"));
+    EXPECT_EQ(BxFile_SaveFile(dir.file("full").c_str(), "content", 7), 2008);
+    EXPECT_TRUE(trace.hasError("28.2008", "BxFileUtil"));
 }
 
 TEST(BxFileDelete, RemovesFilesAlone) {
