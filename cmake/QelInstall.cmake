@@ -57,8 +57,8 @@ install(FILES ${PROJECT_BINARY_DIR}/packaging/qelutility.pc DESTINATION ${CMAKE_
 
 # --- the program ------------------------------------------------------------------------------------
 
-# qel_compressed(FILE NAME FOLDER COMPONENT): installs FILE, compressed, as FOLDER/NAME. Made while configuring, these files
-# being small, so that an installation needs no target beyond what it installs.
+# qel_compressed(FILE NAME FOLDER COMPONENT): installs FILE, compressed, as FOLDER/NAME. The files are
+# small and made while configuring, so that an installation needs no target beyond what it installs.
 function(qel_compressed from name folder component)
     find_program(QEL_GZIP gzip REQUIRED)
     set(to ${PROJECT_BINARY_DIR}/packaging/${component}/${name})
@@ -90,9 +90,7 @@ if(QEL_BUILD_PROGRAM AND NOT WIN32)
         qelutil.fish fish/vendor_completions.d qelutil.fish)
     while(qel_completions)
         list(POP_FRONT qel_completions file folder name)
-        set(file ${PROJECT_SOURCE_DIR}/tools/qelutil/completions/${file})
-        if(EXISTS ${file})
-            install(FILES ${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} RENAME ${name} COMPONENT program)
-        endif()
+        install(FILES ${PROJECT_SOURCE_DIR}/tools/qelutil/completions/${file}
+                DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} RENAME ${name} COMPONENT program)
     endwhile()
 endif()
