@@ -10,6 +10,7 @@ namespace {
 
 // Bytes of an entry's text that are shown, on each side.
 constexpr std::size_t kMostText = 4000;
+constexpr std::size_t kMostNames = 50;
 
 bool beginsLine(std::string_view text, std::size_t at) {
     return at == 0 || text[at - 1] == '\n';
@@ -36,7 +37,7 @@ std::string head(std::string_view text, bool& cut) {
 // The names of lines of `after` that hold what its format lacks, and that `before` has not.
 std::vector<std::string> keptNames(std::string_view after, std::string_view before) {
     std::vector<std::string> names;
-    while (!after.empty()) {
+    while (!after.empty() && names.size() < kMostNames) {
         const std::size_t end = after.find('\n');
         const std::string_view line = after.substr(0, end);
         after.remove_prefix(end == std::string_view::npos ? after.size() : end + 1);

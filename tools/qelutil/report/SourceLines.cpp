@@ -33,6 +33,13 @@ void SourceLines::hear(std::string_view bytes) {
         std::string_view line;
         while (next(line)) {
         }
+        // A line that does not end: no entry shows it.
+        if (held_.size() - at_ > kMostHeld) {
+            unusable_ = true;
+            held_ = {};
+            at_ = 0;
+            return;
+        }
     }
     forget();
     held_ += bytes;

@@ -18,7 +18,8 @@ class SourceLines {
 
     // The bytes from line `number` to the line that ends `component`, at most about `most` of them,
     // lines whole; what was cut off shows by the missing end. Empty when they are not there any
-    // more: what lies before the last entry asked for is forgotten, and so is a file in UTF-16.
+    // more: what lies before the last entry asked for is forgotten, and so is a file in UTF-16
+    // or with a line of megabytes.
     // REQUIRES: the source has been read up to there.
     [[nodiscard]] std::string entry(std::size_t number, std::string_view component,
                                     std::size_t most);
