@@ -59,6 +59,11 @@ std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr
     if (entry_.start) {
         readRuleLines();
         for (const ContentLine& line : dateLines_) takeDateList(line);
+        // A series has its start anyway.
+        if (!entry_.rules.empty())
+            std::erase_if(entry_.dates, [this](const Moment& date) {
+                return entry_.inClockOf(*entry_.start, date) == *entry_.start;
+            });
     } else {
         for (const auto* lines : {&ruleLines_, &dateLines_})
             for (const ContentLine& line : *lines)

@@ -45,6 +45,9 @@ class ICalEntry {
     void addDuration();
     // UNTIL is of the start's value type: a date, a local time, or UTC (RFC 5545 section 3.3.10).
     [[nodiscard]] std::string untilText(const std::string& until) const;
+    // Readers disagree about a start that its rule does not yield, and about its place in a count:
+    // it becomes a date of its own, and the count an end date, so that all find the same series.
+    void settleOddStart();
     void addRecurrence();
     // One line for the dates that share a clock.
     void addDateList(std::string_view name, const std::vector<Moment>& dates);

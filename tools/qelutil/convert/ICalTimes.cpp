@@ -1,10 +1,14 @@
 // Dates and recurrence of an entry in iCalendar.
+#include <algorithm>
 #include <set>
 
 #include "convert/ICalEntry.h"
 #include "convert/RuleText.h"
 
 namespace qel::convert {
+
+// A count that goes on for longer stays a count.
+static constexpr int kYearsCounted = 100;
 
 void ICalEntry::keep(std::string_view name, const Moment& moment) {
     entry_.properties.push_back({std::string(kVCalendarPrefix) + std::string(name),
@@ -165,8 +169,42 @@ std::string ICalEntry::untilText(const std::string& until) const {
     return formatMoment(moment);
 }
 
+void ICalEntry::settleOddStart() {
+    const RuleStart start = entry_.ruleStart();
+    bool odd = false;
+    bool yielded = false;
+    for (EntryRule& each : entry_.rules) {
+        if (each.exclude) continue;
+        for (Rule& rule : each.rules) {
+            const bool times =
+                !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
+            if (times || yieldsStart(rule, start)) {
+                yielded = true;
+                continue;
+            }
+            odd = true;
+            if (rule.count == 0) continue;
+            RuleLimits limits;
+            limits.most = static_cast<std::size_t>(rule.count);
+            limits.lastYear = start.year + kYearsCounted;
+            const std::vector<int> days = expandRule(rule, start, limits);
+            if (days.size() != limits.most) continue;
+            Moment last = *entry_.start;
+            last.day = days.back();
+            rule.until = formatMoment(last);
+            rule.count = 0;
+        }
+    }
+    const auto isStart = [this](const Moment& date) {
+        return entry_.inClockOf(*entry_.start, date) == *entry_.start;
+    };
+    if (odd && !yielded && std::none_of(entry_.excluded.begin(), entry_.excluded.end(), isStart))
+        entry_.dates.insert(entry_.dates.begin(), *entry_.start);
+}
+
 void ICalEntry::addRecurrence() {
     if (!entry_.start) return;
+    settleOddStart();
     for (const EntryRule& each : entry_.rules) {
         for (Rule rule : each.rules) {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
@@ -195,7 +233,9 @@ void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
         std::vector<std::string> items;
         std::set<std::string> seen;
         for (const Moment& date : dates) {
-            const Moment moment = entry_.inClockOf(*entry_.start, date);
+            Moment moment = entry_.inClockOf(*entry_.start, date);
+            // Some readers pass over the TZID of an RDATE.
+            if (name == "RDATE") moment = entry_.toUtc(moment).value_or(moment);
             if (moment.isDate != form.isDate) continue;
             if (!form.isDate && moment.clock != form.clock) continue;
             const std::string item = formatMoment(moment);

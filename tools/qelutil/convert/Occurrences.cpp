@@ -60,17 +60,31 @@ class Expander {
         const std::int64_t step = std::max(rule_.interval, 1);
         std::vector<int> days;
         for (std::int64_t period = 0; !done_; period += step) {
-            days.clear();
-            if (!candidates(period, days)) break;
-            std::erase_if(days, [this](int day) { return !isAllowed(day); });
-            std::sort(days.begin(), days.end());
-            days.erase(std::unique(days.begin(), days.end()), days.end());
-            for (const int day : chosen(days)) take(day);
+            if (!daysOf(period, days)) break;
+            for (const int day : days) take(day);
         }
         return std::move(found_);
     }
 
+    bool yieldsStart() {
+        std::vector<int> days;
+        return first_ <= last_ && daysOf(0, days) &&
+               std::binary_search(days.begin(), days.end(), first_);
+    }
+
   private:
+    // The occurrences of the period that begins `period` units after the start's, ascending. False
+    // past the end.
+    bool daysOf(std::int64_t period, std::vector<int>& days) {
+        days.clear();
+        if (!candidates(period, days)) return false;
+        std::erase_if(days, [this](int day) { return !isAllowed(day); });
+        std::sort(days.begin(), days.end());
+        days.erase(std::unique(days.begin(), days.end()), days.end());
+        if (setPositions_.any()) days = chosen(days);
+        return true;
+    }
+
     void readUntil() {
         const auto moment = parseMoment(rule_.until);
         if (!moment) return;
@@ -97,7 +111,6 @@ class Expander {
         found_.push_back(day);
     }
 
-    // The days of the period that begins `period` units after the start's. False past the end.
     bool candidates(std::int64_t period, std::vector<int>& days) {
         switch (rule_.frequency) {
             case Frequency::Daily:
@@ -259,7 +272,6 @@ class Expander {
     }
 
     std::vector<int> chosen(const std::vector<int>& days) const {
-        if (!setPositions_.any()) return days;
         std::vector<int> result;
         const int length = static_cast<int>(days.size());
         for (int each = 1; each <= length; ++each)
@@ -286,6 +298,11 @@ class Expander {
 
 std::vector<int> expandRule(const Rule& rule, const RuleStart& start, const RuleLimits& limits) {
     return Expander(rule, start, limits).run();
+}
+
+bool yieldsStart(const Rule& rule, const RuleStart& start) {
+    const RuleLimits limits;
+    return Expander(rule, start, limits).yieldsStart();
 }
 
 }  // namespace qel::convert

@@ -65,6 +65,10 @@ struct RuleLimits {
 [[nodiscard]] std::vector<int> expandRule(const Rule& rule, const RuleStart& start,
                                           const RuleLimits& limits);
 
+// False when the rule by itself has no occurrence on the start: MO for a start of Wednesday, 15
+// June 2005, or an end before it.
+[[nodiscard]] bool yieldsStart(const Rule& rule, const RuleStart& start);
+
 }  // namespace qel::convert
 
 #endif

@@ -219,7 +219,9 @@ std::string unescapeICalendar(std::string_view text) {
         if (text[at] == '\\' && (next == 'n' || next == 'N')) {
             result += '\n';
             ++at;
-        } else if (text[at] == '\\' && (next == '\\' || next == ';' || next == ',')) {
+        } else if (text[at] == '\\' &&
+                   (next == '\\' || next == ';' || next == ',' || next == '"')) {
+            // Nothing escapes the last of them, and many do.
             result += next;
             ++at;
         } else {

@@ -44,7 +44,8 @@ std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& param
 
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
-    if (name == "X-VCAL-COMPONENT") return;
+    // Where there is no value, parsers of the time take the next line for it.
+    if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
     if (name.starts_with(kVCalendarPrefix)) {
         const std::string own = name.substr(kVCalendarPrefix.size());
         // Texts of vCalendar 1.0 come back as they were.

@@ -241,6 +241,9 @@ void VCalReader::settleTimes() {
         makeAllDay();
         return;
     }
+    // One day of a series of times is the occurrence of that day (RFC 5545 section 3.8.4.4).
+    if (entry_.recurrenceId && entry_.recurrenceId->isDate)
+        entry_.recurrenceId = entry_.inClockOf(local, *entry_.recurrenceId);
     if (zone == nullptr || entry_.start->clock != Clock::Utc || !hasRecurrence()) return;
     for (std::optional<Moment>* each :
          {&entry_.start, &entry_.end, &entry_.due, &entry_.recurrenceId})

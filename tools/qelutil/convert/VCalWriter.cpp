@@ -1,6 +1,7 @@
 // Calendars of vCalendar 1.0, and the entry that stands in them.
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "convert/Ascii.h"
 #include "convert/Days.h"
@@ -119,14 +120,16 @@ void VCalEntry::writeNote() {
 }
 
 void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {
+    std::vector<EntryProperty> kept = properties;
+    std::erase_if(kept, [](const EntryProperty& each) { return each.value().empty(); });
     std::vector<std::string> before;
     std::vector<std::string> now;
     for (const EntryProperty& each : header_)
         before.push_back(vCalendarLine(each.name, each.parameters, each.value()));
-    for (const EntryProperty& each : properties)
+    for (const EntryProperty& each : kept)
         now.push_back(vCalendarLine(each.name, each.parameters, each.value()));
     headerChanged_ = headerChanged_ || before != now;
-    header_ = properties;
+    header_ = std::move(kept);
 }
 
 void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {

@@ -252,40 +252,18 @@ class VCalendarZone {
                   [](const Zone::Change& a, const Zone::Change& b) { return a.utc < b.utc; });
     }
 
+    // Each onset apart: not every reader takes all dates of an RDATE here, or the start beside it.
     void addPeriods() {
-        struct Group {
-            bool daylight;
-            int from;
-            int to;
-            std::string name;
-            std::vector<std::string> onsets;
-        };
-        std::vector<Group> groups;
-        const auto add = [&](bool daylight, int from, int to, const std::string& name,
-                             std::int64_t local) {
-            auto found = std::find_if(groups.begin(), groups.end(), [&](const Group& group) {
-                return group.daylight == daylight && group.from == from && group.to == to &&
-                       group.name == name;
-            });
-            if (found == groups.end())
-                found = groups.insert(groups.end(), {daylight, from, to, name, {}});
-            found->onsets.push_back(localText(local));
-        };
         for (std::size_t each = 0; each < periods_.size(); ++each) {
             const Period& period = periods_[each];
             const int before = period.continues ? periods_[each - 1].offset : standard_;
-            add(true, before, period.offset, period.daylightName, period.beginLocal);
+            addObservance(true, localText(period.beginLocal), before, period.offset,
+                          period.daylightName, "");
             addChange(period.beginUtc, period.offset, true, period.daylightName);
             if (each + 1 < periods_.size() && periods_[each + 1].continues) continue;
-            add(false, period.offset, standard_, period.standardName, period.endLocal);
+            addObservance(false, localText(period.endLocal), period.offset, standard_,
+                          period.standardName, "");
             addChange(period.endUtc, standard_, false, period.standardName);
-        }
-        for (const Group& group : groups) {
-            std::string dates;
-            for (std::size_t each = 1; each < group.onsets.size(); ++each)
-                dates += (each == 1 ? "RDATE:" : ",") + group.onsets[each];
-            addObservance(group.daylight, group.onsets.front(), group.from, group.to, group.name,
-                          dates);
         }
     }
 
