@@ -66,7 +66,7 @@ class EntryCatcher final : public EntryWriter {
     EntryCatcher(std::ostream& out, std::vector<Entry>& entries)
         : EntryWriter(out, [](Severity, std::size_t, const std::string&) {}), entries_(entries) {}
     void calendar(const std::vector<EntryProperty>&) override {}
-    void write(const Entry& entry) override { entries_.push_back(entry); }
+    void write(Entry& entry) override { entries_.push_back(entry); }
     void finish() override {}
 
   private:

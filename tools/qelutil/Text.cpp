@@ -29,10 +29,15 @@ std::size_t utf8CharacterLength(std::string_view text) {
 }
 
 bool isUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = utf8CharacterLength(text);
+    for (std::size_t at = 0; at < text.size();) {
+        // Most text is ASCII.
+        if (static_cast<unsigned char>(text[at]) < 0x80U) {
+            ++at;
+            continue;
+        }
+        const std::size_t length = utf8CharacterLength(text.substr(at));
         if (length == 0) return false;
-        text.remove_prefix(length);
+        at += length;
     }
     return true;
 }

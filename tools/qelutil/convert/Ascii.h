@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <string>
@@ -63,6 +65,42 @@ namespace qel::convert {
     const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (problem == std::errc::result_out_of_range) value = std::numeric_limits<int>::max();
     return negative ? -value : value;
+}
+
+// Eight bytes of a text at once, for questions about all of its bytes. REQUIRES: eight bytes there.
+[[nodiscard]] inline std::uint64_t eightBytes(const char* text) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+inline constexpr std::uint64_t kEachByte = 0x0101010101010101U;
+
+// How many bytes from the front on are below 128.
+[[nodiscard]] inline std::size_t asciiLength(std::string_view text) {
+    std::size_t at = 0;
+    while (at + 8 <= text.size() && (eightBytes(text.data() + at) & (kEachByte * 0x80)) == 0) at += 8;
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
+    return at;
+}
+
+[[nodiscard]] inline bool isAscii(std::string_view text) {
+    return asciiLength(text) == text.size();
+}
+
+// True when all bytes are printable ASCII characters, the blank among them: such a text is the same
+// in every character set, and has no control that would have to go.
+[[nodiscard]] inline bool isPrintableAscii(std::string_view text) {
+    std::uint64_t marks = 0;
+    std::size_t at = 0;
+    // The high bit shows a byte from 128 on, one that is 127 when 1 is added, and one below 32 when
+    // 32 is taken away; a byte that carries into the next one has been marked itself.
+    for (; at + 8 <= text.size(); at += 8) {
+        const std::uint64_t word = eightBytes(text.data() + at);
+        marks |= word | (word + kEachByte) | (word - kEachByte * 0x20);
+    }
+    bool printable = (marks & (kEachByte * 0x80)) == 0;
+    for (; at < text.size(); ++at) printable = printable && text[at] >= ' ' && text[at] < '\x7f';
+    return printable;
 }
 
 // The text up to the next `separator`, which is taken off `rest` together with it.

@@ -1,5 +1,6 @@
 // Lines of both formats.
 #include <algorithm>
+#include <array>
 #include <ostream>
 
 #include "Text.h"
@@ -13,12 +14,24 @@ namespace {
 
 constexpr std::size_t kWidth = 75;
 constexpr std::size_t kLongestPlain = 990;
+// Written text that waits to be handed on at once.
+constexpr std::size_t kWaiting = 65536;
 
-std::string safeName(std::string_view name) {
-    std::string result = upper(name);
-    for (char& c : result)
-        if (!isAlpha(c) && !isDigit(c) && c != '-') c = '-';
-    return result.empty() ? "X" : result;
+// Each character as it may stand in a name: a capital, a digit or "-".
+constexpr auto kNameCharacters = [] {
+    std::array<char, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each) {
+        const char c = toUpper(static_cast<char>(each));
+        table[each] = isAlpha(c) || isDigit(c) ? c : '-';
+    }
+    return table;
+}();
+
+void addName(std::string& out, std::string_view name) {
+    const std::size_t begin = out.size();
+    out += name.empty() ? "X" : name;
+    for (std::size_t at = begin; at < out.size(); ++at)
+        out[at] = kNameCharacters[static_cast<unsigned char>(out[at])];
 }
 
 bool needsQuotes(std::string_view value) {
@@ -55,86 +68,125 @@ std::string parameterListText(const Parameter& parameter) {
     return text;
 }
 
-std::string headOf(std::string_view name, const std::vector<Parameter>& parameters) {
-    std::string head = safeName(name);
-    for (const Parameter& each : parameters)
-        head += ";" + safeName(each.name) + "=" + parameterListText(each);
-    return head;
+void addParameter(std::string& out, const Parameter& parameter) {
+    out += ';';
+    addName(out, parameter.name);
+    out += '=';
+    out += parameterListText(parameter);
 }
 
 }  // namespace
 
 void EntryWriter::put(std::string_view line) {
-    out_ << line << "\r\n";
+    text_ += line;
+    endLine();
+}
+
+void EntryWriter::endLine() {
+    text_ += "\r\n";
+    if (text_.size() >= kWaiting) flush();
+}
+
+void EntryWriter::flush() {
+    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+    text_.clear();
 }
 
 void ICalWriter::fold(std::string_view line) {
     std::size_t room = kWidth;
     while (line.size() > room) {
-        std::size_t end = 0;
+        std::size_t end = asciiLength(line.substr(0, room));
         while (end < room) {
             const std::size_t length =
                 std::max<std::size_t>(cli::utf8CharacterLength(line.substr(end)), 1);
             if (end + length > room) break;
             end += length;
         }
-        out_ << line.substr(0, end) << "\r\n ";
+        text() += line.substr(0, end);
+        text() += "\r\n ";
         line.remove_prefix(end);
         room = kWidth - 1;
     }
     put(line);
 }
 
-std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
-                          std::string_view value) {
-    std::string line = headOf(name, parameters) + ":";
+void ICalWriter::foldAll(std::string_view lines) {
+    while (!lines.empty()) fold(nextField(lines, '\n'));
+}
+
+void addICalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value) {
+    addName(out, name);
+    for (const Parameter& each : parameters) addParameter(out, each);
+    out += ':';
+    if (isPrintableAscii(value)) {
+        out += value;
+        return;
+    }
     // Words of the format that were taken over as they stood may hold anything. A line end within a
     // value would begin another property; no other control may stand in one.
-    if (!cli::isUtf8(value))
-        return iCalendarLine(name, parameters, utf8OrWindows1252(std::string(value)));
-    std::copy_if(value.begin(), value.end(), std::back_inserter(line),
+    std::string converted;
+    if (!cli::isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
+    std::copy_if(value.begin(), value.end(), std::back_inserter(out),
                  [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
+}
+
+std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
+                          std::string_view value) {
+    std::string line;
+    addICalendarLine(line, name, parameters, value);
     return line;
 }
 
-std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
-                          std::string_view value) {
-    if (!cli::isUtf8(value))
-        return vCalendarLine(name, parameters, utf8OrWindows1252(std::string(value)));
-    std::string head;
-    std::vector<Parameter> named;
-    std::string bare;
+void addVCalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value) {
+    const bool printable = isPrintableAscii(value);
+    std::string converted;
+    if (!printable && !cli::isUtf8(value))
+        value = converted = utf8OrWindows1252(std::string(value));
+    const std::size_t begin = out.size();
+    addName(out, name);
+    for (const Parameter& each : parameters)
+        if (!each.name.empty()) addParameter(out, each);
+    // Words without a name stand last.
     for (const Parameter& each : parameters) {
-        if (each.name.empty()) {
-            for (std::string_view rest = each.value; !rest.empty();)
-                bare += ";" + std::string(nextField(rest, ','));
-        } else {
-            named.push_back(each);
+        if (!each.name.empty()) continue;
+        for (std::string_view rest = each.value; !rest.empty();) {
+            out += ';';
+            out += nextField(rest, ',');
         }
     }
-    head = headOf(name, named) + bare;
-    const bool ascii = std::all_of(value.begin(), value.end(),
-                                   [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     // Names of things are compared as they stand, also by phones that decode nothing there.
     const std::size_t room = name == "UID" || name == "URL" ? kLongestPlain : kWidth;
-    const bool plain =
-        ascii && head.size() + 1 + value.size() <= room && trimmed(value) == value &&
-        std::none_of(value.begin(), value.end(), [](char c) { return isBlank(c) && c != ' '; });
-    if (plain) return head + ":" + std::string(value);
-    if (!ascii) head += ";CHARSET=UTF-8";
-    head += ";ENCODING=QUOTED-PRINTABLE:";
+    if (printable && out.size() - begin + 1 + value.size() <= room && trimmed(value) == value) {
+        out += ':';
+        out += value;
+        return;
+    }
+    if (!isAscii(value)) out += ";CHARSET=UTF-8";
+    out += ";ENCODING=QUOTED-PRINTABLE:";
     std::string text;
     for (const char c : value) {
         if (c == '\n') text += '\r';
         text += c;
     }
-    return head + quotedPrintable(text, head.size());
+    out += quotedPrintable(text, out.size() - begin);
+}
+
+std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
+                          std::string_view value) {
+    std::string line;
+    addVCalendarLine(line, name, parameters, value);
+    return line;
 }
 
 std::string vCalendarBase64(std::string_view name, const std::vector<Parameter>& parameters,
                             std::string_view value) {
     constexpr std::size_t kLine = 72;
-    std::string text = headOf(name, parameters) + ":\r\n";
+    std::string text;
+    addName(text, name);
+    for (const Parameter& each : parameters) addParameter(text, each);
+    text += ":\r\n";
     for (std::size_t at = 0; at < value.size(); at += kLine) {
         text += "  ";
         text += value.substr(at, kLine);

@@ -192,7 +192,7 @@ class Converter::File {
         const ZonePtr zone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
         if (isVCalendar() || component.name == "VNOTE") reader = &vCalReader_;
-        const std::optional<Entry> entry = reader->read(component, zone);
+        std::optional<Entry> entry = reader->read(component, zone);
         if (!entry) return;
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();

@@ -24,8 +24,11 @@ class EntryWriter {
     // The properties of the calendar that the next entries come from, besides its version, its
     // product and its zone. Calendars that agree in them are joined.
     virtual void calendar(const std::vector<EntryProperty>& properties) = 0;
-    virtual void write(const Entry& entry) = 0;
-    // Closes what is open. A file without any entry still is a calendar.
+    // Puts the entry's times and lists in the format's order on the way.
+    virtual void write(Entry& entry) = 0;
+    // Hands on what has been written so far; without it that waits until it is worth the while.
+    void flush();
+    // Closes what is open, and flushes. A file without any entry still is a calendar.
     virtual void finish() = 0;
 
   protected:
@@ -34,11 +37,14 @@ class EntryWriter {
     }
     // One line with its line end, as it stands.
     void put(std::string_view line);
-
-    std::ostream& out_;
+    // The same in two steps: the line is added to text(), then ended.
+    [[nodiscard]] std::string& text() { return text_; }
+    void endLine();
 
   private:
+    std::ostream& out_;
     LineSink sink_;
+    std::string text_;  // that waits for flush()
 };
 
 // The value of PRODID.
@@ -52,7 +58,7 @@ class ICalWriter final : public EntryWriter {
   public:
     using EntryWriter::EntryWriter;
     void calendar(const std::vector<EntryProperty>& properties) override;
-    void write(const Entry& entry) override;
+    void write(Entry& entry) override;
     void finish() override;
 
   private:
@@ -60,12 +66,17 @@ class ICalWriter final : public EntryWriter {
     void open();
     void close();
     void fold(std::string_view line);
+    void foldAll(std::string_view lines);
 
     std::vector<std::string> header_;  // of the calendar that comes
     std::vector<std::string> written_;
     bool open_ = false;
     bool any_ = false;
     std::set<std::string, std::less<>> zones_;
+    // Of the entry that is written: its lines and those of its alarms, each ended by "\n", not
+    // folded. Here because their room serves the next entry too.
+    std::string lines_;
+    std::string alarmLines_;
 };
 
 // vCalendar 1.0: a calendar for each zone, because it has no other place for one; notes stand
@@ -74,7 +85,7 @@ class VCalWriter final : public EntryWriter {
   public:
     using EntryWriter::EntryWriter;
     void calendar(const std::vector<EntryProperty>& properties) override;
-    void write(const Entry& entry) override;
+    void write(Entry& entry) override;
     void finish() override;
 
   private:
@@ -91,11 +102,16 @@ class VCalWriter final : public EntryWriter {
     int lastYear_ = 0;
 };
 
-// Content lines of iCalendar, not folded.
+// Adds a content line of iCalendar to `out`, not folded and not ended.
+void addICalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value);
 [[nodiscard]] std::string iCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);
-// The line, or the lines with their soft breaks, of a vCalendar 1.0 property with a text value.
+// Adds the line, or the lines with their soft breaks, of a vCalendar 1.0 property with a text
+// value; the last one is not ended.
+void addVCalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value);
 [[nodiscard]] std::string vCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);

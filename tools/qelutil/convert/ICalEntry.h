@@ -1,5 +1,5 @@
-// One entry on its way into an iCalendar file; for ICalWriter alone. It works on a copy of the
-// entry: its times are put in order there, then its lines are made. One thread.
+// One entry on its way into an iCalendar file; for ICalWriter alone. Its times are put in order,
+// then its lines are made. One thread.
 #ifndef QELUTIL_CONVERT_ICALENTRY_H
 #define QELUTIL_CONVERT_ICALENTRY_H
 
@@ -20,14 +20,18 @@ namespace qel::convert {
 
 class ICalEntry {
   public:
-    ICalEntry(ICalWriter& writer, const Entry& entry) : writer_(writer), entry_(entry) {}
+    // The entry's lines and its alarms' are added to `lines` and `alarmLines`, each ended by "\n".
+    ICalEntry(ICalWriter& writer, Entry& entry, std::string& lines, std::string& alarmLines)
+        : writer_(writer), entry_(entry), lines_(lines), alarmLines_(alarmLines) {}
 
     void write();
 
   private:
     // The same entry gives the same name, whenever it is converted.
     [[nodiscard]] std::string uid() const;
-    void tell(Severity severity, const std::string& message, std::size_t line = 0);
+    void tell(Severity severity, const std::string& message, std::size_t at = 0);
+    static void line(std::string& lines, std::string_view name,
+                     const std::vector<Parameter>& parameters, std::string_view value);
     // A date of vCalendar 1.0 that iCalendar does not allow there.
     void keep(std::string_view name, const Moment& moment);
     void settleStart();
@@ -60,15 +64,15 @@ class ICalEntry {
     [[nodiscard]] static std::vector<Parameter> carriedParameters(
         const std::vector<Parameter>& parameters);
     void addAlarm(const Alarm& alarm);
-    void addAction(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const;
-    void addSound(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const;
+    void addAction(const Alarm& alarm, Alarm& told, std::string& lines) const;
+    void addSound(const Alarm& alarm, Alarm& told, std::string& lines) const;
 
     ICalWriter& writer_;
-    Entry entry_;
+    Entry& entry_;
     bool usesZone_ = false;
     std::string summary_ = "Reminder";  // what an alarm shows that has no text
-    std::vector<std::string> lines_;
-    std::vector<std::string> alarmLines_;
+    std::string& lines_;
+    std::string& alarmLines_;
     std::set<std::string, std::less<>> writtenOnce_;
 };
 

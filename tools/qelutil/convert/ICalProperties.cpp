@@ -34,8 +34,7 @@ bool ICalEntry::isFineRule(const EntryProperty& property) {
 
 void ICalEntry::addProperty(const EntryProperty& property) {
     if (isFineRule(property) && entry_.start) {
-        lines_.push_back(
-            iCalendarLine(property.name.substr(kICalendarPrefix.size()), {}, property.value()));
+        line(lines_, property.name.substr(kICalendarPrefix.size()), {}, property.value());
         return;
     }
     // Empty texts say nothing, and some readers take them for a fault.
@@ -61,15 +60,17 @@ void ICalEntry::addProperty(const EntryProperty& property) {
         EntryProperty kept = property;
         kept.name = std::string(kVCalendarPrefix) + property.name;
         if (kept.type == EntryProperty::Type::Raw) kept.type = EntryProperty::Type::Text;
-        lines_.push_back(iCalendarLine(kept.name, kept.parameters, valueText(kept)));
+        line(lines_, kept.name, kept.parameters, valueText(kept));
+        return;
+    }
+    if (property.type != EntryProperty::Type::Base64) {
+        line(lines_, property.name, property.parameters, valueText(property));
         return;
     }
     std::vector<Parameter> parameters = property.parameters;
-    if (property.type == EntryProperty::Type::Base64) {
-        parameters.push_back({"ENCODING", "BASE64"});
-        parameters.push_back({"VALUE", "BINARY"});
-    }
-    lines_.push_back(iCalendarLine(property.name, parameters, valueText(property)));
+    parameters.push_back({"ENCODING", "BASE64"});
+    parameters.push_back({"VALUE", "BINARY"});
+    line(lines_, property.name, parameters, property.value());
 }
 
 std::optional<std::string> ICalEntry::trigger(const Alarm& alarm) const {
@@ -104,8 +105,7 @@ void ICalEntry::keepAlarm(const Alarm& alarm) {
          "the alarm's time cannot be told from the entry's; it is kept as " + name, alarm.line);
     std::string value = alarm.at ? formatMoment(*alarm.at) : "";
     if (!alarm.fields.empty()) value += ";" + alarm.fields;
-    lines_.push_back(
-        iCalendarLine(name, carriedParameters(alarm.parameters), escapeICalendar(value)));
+    line(lines_, name, carriedParameters(alarm.parameters), escapeICalendar(value));
 }
 
 std::vector<Parameter> ICalEntry::carriedParameters(const std::vector<Parameter>& parameters) {
@@ -123,78 +123,75 @@ void ICalEntry::addAlarm(const Alarm& alarm) {
         keepAlarm(alarm);
         return;
     }
-    std::vector<std::string>& lines = alarmLines_;
-    lines.emplace_back("BEGIN:VALARM");
-    lines.push_back(*when);
+    std::string& lines = alarmLines_;
+    lines += "BEGIN:VALARM\n" + *when + "\n";
     // What reading these lines will give; the rest of the alarm goes beside them.
     Alarm told;
     told.action = alarm.action;
     if (alarm.snooze && *alarm.snooze > 0 && alarm.repeat && *alarm.repeat > 0) {
-        lines.push_back("DURATION:" + formatDuration(*alarm.snooze));
-        lines.push_back("REPEAT:" + std::to_string(*alarm.repeat));
+        lines += "DURATION:" + formatDuration(*alarm.snooze) + "\nREPEAT:" +
+                 std::to_string(*alarm.repeat) + "\n";
         told.snooze = alarm.snooze;
         told.repeat = alarm.repeat;
     }
     addAction(alarm, told, lines);
     for (const EntryProperty& other : alarm.others)
-        lines.push_back(iCalendarLine(other.name, other.parameters, valueText(other)));
+        line(lines, other.name, other.parameters, valueText(other));
     if (alarm.fromVCalendar &&
         (writeAlarmFields(told) != alarm.fields || !alarm.parameters.empty()))
-        lines.push_back(
-            iCalendarLine(std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action)),
+        line(lines, std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action)),
                           carriedParameters(alarm.parameters),
-                          escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields)));
-    lines.emplace_back("END:VALARM");
+                          escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields));
+    lines += "END:VALARM\n";
 }
 
-void ICalEntry::addAction(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const {
+void ICalEntry::addAction(const Alarm& alarm, Alarm& told, std::string& lines) const {
     const auto description = [&] {
         const std::string text = alarm.hasText ? alarm.text : summary_;
-        lines.push_back(iCalendarLine("DESCRIPTION", {}, escapeICalendar(text)));
+        line(lines, "DESCRIPTION", {}, escapeICalendar(text));
         told.text = text;
     };
     switch (alarm.action) {
         case Alarm::Action::Audio:
         case Alarm::Action::Procedure:
-            lines.emplace_back(alarm.action == Alarm::Action::Audio ? "ACTION:AUDIO"
-                                                                    : "ACTION:PROCEDURE");
+            lines += alarm.action == Alarm::Action::Audio ? "ACTION:AUDIO\n"
+                                                          : "ACTION:PROCEDURE\n";
             addSound(alarm, told, lines);
             break;
         case Alarm::Action::Email:
             if (addressFromVCalendar(alarm.address).uri.starts_with("mailto:")) {
-                lines.emplace_back("ACTION:EMAIL");
-                lines.push_back("ATTENDEE:mailto:" + alarm.address);
-                lines.push_back(iCalendarLine(
-                    "SUMMARY", {},
-                    escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary)));
+                lines += "ACTION:EMAIL\n";
+                line(lines, "ATTENDEE", {}, "mailto:" + alarm.address);
+                line(lines, "SUMMARY", {},
+                    escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary));
                 told.address = alarm.address;
                 description();
                 break;
             }
             // Nobody to write to: the person is reminded here.
-            lines.emplace_back("ACTION:DISPLAY");
+            lines += "ACTION:DISPLAY\n";
             description();
             break;
         case Alarm::Action::Display:
-            lines.emplace_back("ACTION:DISPLAY");
+            lines += "ACTION:DISPLAY\n";
             description();
             break;
         case Alarm::Action::Other:
-            lines.push_back(iCalendarLine("ACTION", {}, alarm.actionName));
+            line(lines, "ACTION", {}, alarm.actionName);
             if (alarm.hasText) description();
             break;
     }
 }
 
-void ICalEntry::addSound(const Alarm& alarm, Alarm& told, std::vector<std::string>& lines) const {
+void ICalEntry::addSound(const Alarm& alarm, Alarm& told, std::string& lines) const {
     const bool binary =
         std::any_of(alarm.parameters.begin(), alarm.parameters.end(),
                     [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
     if (binary) {
         if (const auto clean = cleanBase64(alarm.text); clean && !clean->empty())
-            lines.push_back("ATTACH;ENCODING=BASE64;VALUE=BINARY:" + *clean);
+            lines += "ATTACH;ENCODING=BASE64;VALUE=BINARY:" + *clean + "\n";
     } else if (isUri(alarm.text)) {
-        lines.push_back(iCalendarLine("ATTACH", {}, alarm.text));
+        line(lines, "ATTACH", {}, alarm.text);
         told.text = alarm.text;
     }
 }

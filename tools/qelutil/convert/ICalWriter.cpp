@@ -1,6 +1,4 @@
 // Calendars of iCalendar 2.0, and the entry that stands in them.
-#include <ostream>
-
 #include "convert/Ascii.h"
 #include "convert/ICalEntry.h"
 #include "convert/TextCodec.h"
@@ -11,12 +9,6 @@ namespace {
 
 // Zones that one calendar describes; a file with more of them gets another calendar.
 constexpr std::size_t kMostZones = 1000;
-
-std::string linesOf(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines) text += line + "\n";
-    return text;
-}
 
 }  // namespace
 
@@ -34,24 +26,32 @@ void ICalEntry::write() {
     if (writer_.zones_.size() >= kMostZones) writer_.close();
     writer_.open();
     if (usesZone_ && writer_.zones_.insert(entry_.zone->id()).second)
-        for (const std::string& line : entry_.zone->vTimezone()) writer_.fold(line);
+        for (const std::string& each : entry_.zone->vTimezone()) writer_.fold(each);
     const char* name = entry_.kind == EntryKind::Event  ? "VEVENT"
                        : entry_.kind == EntryKind::Todo ? "VTODO"
                                                         : "VJOURNAL";
-    writer_.put(std::string("BEGIN:") + name);
+    writer_.text() += "BEGIN:";
+    writer_.put(name);
     writer_.fold(iCalendarLine("UID", {}, escapeICalendar(uid())));
-    for (const std::string& line : lines_) writer_.fold(line);
-    for (const std::string& line : alarmLines_) writer_.fold(line);
-    writer_.put(std::string("END:") + name);
+    writer_.foldAll(lines_);
+    writer_.foldAll(alarmLines_);
+    writer_.text() += "END:";
+    writer_.put(name);
 }
 
 std::string ICalEntry::uid() const {
     if (!entry_.uid.empty()) return entry_.uid;
-    return digestOf(linesOf(lines_) + linesOf(alarmLines_)) + "@qelutil";
+    return digestOf(lines_ + alarmLines_) + "@qelutil";
 }
 
-void ICalEntry::tell(Severity severity, const std::string& message, std::size_t line) {
-    writer_.tell(severity, line == 0 ? entry_.line : line, message);
+void ICalEntry::line(std::string& lines, std::string_view name,
+                     const std::vector<Parameter>& parameters, std::string_view value) {
+    addICalendarLine(lines, name, parameters, value);
+    lines += '\n';
+}
+
+void ICalEntry::tell(Severity severity, const std::string& message, std::size_t at) {
+    writer_.tell(severity, at == 0 ? entry_.line : at, message);
 }
 
 void ICalWriter::calendar(const std::vector<EntryProperty>& properties) {
@@ -78,13 +78,16 @@ void ICalWriter::close() {
     open_ = false;
 }
 
-void ICalWriter::write(const Entry& entry) {
-    ICalEntry(*this, entry).write();
+void ICalWriter::write(Entry& entry) {
+    lines_.clear();
+    alarmLines_.clear();
+    ICalEntry(*this, entry, lines_, alarmLines_).write();
 }
 
 void ICalWriter::finish() {
     if (!any_) open();
     close();
+    flush();
 }
 
 }  // namespace qel::convert

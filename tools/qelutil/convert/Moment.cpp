@@ -17,10 +17,14 @@ const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeco
 
 // Takes `count` digits off the front of `text`.
 std::optional<int> takeDigits(std::string_view& text, std::size_t count) {
-    const std::string_view digits = text.substr(0, count);
-    if (digits.size() != count || !allDigits(digits)) return std::nullopt;
+    if (text.size() < count) return std::nullopt;
+    int number = 0;
+    for (const char c : text.substr(0, count)) {
+        if (!isDigit(c)) return std::nullopt;
+        number = number * 10 + (c - '0');
+    }
     text.remove_prefix(count);
-    return parseInt(digits);
+    return number;
 }
 
 void skip(std::string_view& text, char separator) {
@@ -54,6 +58,12 @@ std::optional<int> takeTime(std::string_view& text) {
     const bool endOfDay = *hour == 24 && *minute == 0 && second == 0;
     if ((*hour > 23 && !endOfDay) || *minute > 59 || second > 59) return std::nullopt;
     return *hour * 3600 + *minute * 60 + second;
+}
+
+// REQUIRES: 0..99.
+void putTwo(char* text, int number) {
+    text[0] = static_cast<char>('0' + number / 10);
+    text[1] = static_cast<char>('0' + number % 10);
 }
 
 }  // namespace
@@ -97,18 +107,26 @@ std::optional<Moment> parseMoment(std::string_view text) {
     return momentAt(moment, seconds);
 }
 
-std::string formatMoment(const Moment& moment) {
+MomentText::MomentText(const Moment& moment) {
     const Moment held = momentAt(moment, moment.seconds());
     const Civil civil = civilOf(held.day);
-    char text[40];
-    if (moment.isDate) {
-        std::snprintf(text, sizeof text, "%04d%02d%02d", civil.year, civil.month, civil.day);
-    } else {
-        std::snprintf(text, sizeof text, "%04d%02d%02dT%02d%02d%02d%s", civil.year, civil.month,
-                      civil.day, held.second / 3600, held.second / 60 % 60, held.second % 60,
-                      moment.clock == Clock::Utc ? "Z" : "");
-    }
-    return text;
+    char* const text = text_.data();
+    putTwo(text, civil.year / 100);
+    putTwo(text + 2, civil.year % 100);
+    putTwo(text + 4, civil.month);
+    putTwo(text + 6, civil.day);
+    size_ = 8;
+    if (moment.isDate) return;
+    text[8] = 'T';
+    putTwo(text + 9, held.second / 3600);
+    putTwo(text + 11, held.second / 60 % 60);
+    putTwo(text + 13, held.second % 60);
+    size_ = 15;
+    if (moment.clock == Clock::Utc) text[size_++] = 'Z';
+}
+
+std::string formatMoment(const Moment& moment) {
+    return std::string(MomentText(moment));
 }
 
 std::optional<Duration> parseDuration(std::string_view text) {

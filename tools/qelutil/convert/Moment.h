@@ -2,6 +2,8 @@
 #ifndef QELUTIL_CONVERT_MOMENT_H
 #define QELUTIL_CONVERT_MOMENT_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -38,6 +40,15 @@ struct Moment {
 
 // YYYYMMDD, YYYYMMDDTHHMMSS or, in UTC, YYYYMMDDTHHMMSSZ. Years outside 1..9999 are held at the
 // edge.
+class MomentText {
+  public:
+    explicit MomentText(const Moment& moment);
+    operator std::string_view() const { return {text_.data(), size_}; }
+
+  private:
+    std::array<char, 16> text_;
+    std::size_t size_;
+};
 [[nodiscard]] std::string formatMoment(const Moment& moment);
 
 // Reads an RFC 5545 duration ("-P1DT2H", "PT15M", "P2W") into seconds, of which the days are

@@ -212,6 +212,7 @@ std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) 
 }
 
 std::string unescapeICalendar(std::string_view text) {
+    if (text.find('\\') == std::string_view::npos) return std::string(text);
     std::string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -232,6 +233,8 @@ std::string unescapeICalendar(std::string_view text) {
 }
 
 std::string escapeICalendar(std::string_view text) {
+    const auto isSpecial = [](char c) { return c == '\\' || c == ';' || c == ',' || c == '\n'; };
+    if (std::none_of(text.begin(), text.end(), isSpecial)) return std::string(text);
     std::string result;
     result.reserve(text.size() + 8);
     for (const char c : text) {
@@ -271,6 +274,7 @@ bool isVCalendarEscape(std::string_view text, std::size_t at) {
 }  // namespace
 
 std::string unescapeVCalendar(std::string_view text) {
+    if (text.find('\\') == std::string_view::npos) return std::string(text);
     std::string result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size(); ++at)

@@ -1,5 +1,5 @@
-// One entry on its way into a vCalendar 1.0 file; for VCalWriter alone. It works on a copy of the
-// entry: times and lists are put in the format's order there before they become lines. One thread.
+// One entry on its way into a vCalendar 1.0 file; for VCalWriter alone. Its times and lists are put
+// in the format's order before they become lines. One thread.
 #ifndef QELUTIL_CONVERT_VCALENTRY_H
 #define QELUTIL_CONVERT_VCALENTRY_H
 
@@ -21,7 +21,7 @@ namespace qel::convert {
 
 class VCalEntry {
   public:
-    VCalEntry(VCalWriter& writer, const Entry& entry)
+    VCalEntry(VCalWriter& writer, Entry& entry)
         : writer_(writer),
           entry_(entry),
           allDay_(entry.saysAllDay()),
@@ -69,7 +69,7 @@ class VCalEntry {
     void writeNote();
 
     VCalWriter& writer_;
-    Entry entry_;
+    Entry& entry_;
     bool allDay_;
     bool ownTransparency_;
 };

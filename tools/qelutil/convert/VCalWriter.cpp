@@ -1,6 +1,5 @@
 // Calendars of vCalendar 1.0, and the entry that stands in them.
 #include <algorithm>
-#include <ostream>
 #include <utility>
 
 #include "convert/Ascii.h"
@@ -26,13 +25,15 @@ void VCalEntry::write() {
     const EntryProperty* component = entry_.find("X-VCAL-COMPONENT");
     std::string name = entry_.kind == EntryKind::Event ? "VEVENT" : "VTODO";
     if (component != nullptr && equalsIgnoreCase(component->value(), "VEVENT")) name = "VEVENT";
-    writer_.put("BEGIN:" + name);
+    writer_.text() += "BEGIN:";
+    writer_.put(name);
     if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
     addDates();
     addRecurrence();
     for (const EntryProperty& property : entry_.properties) addProperty(property);
     for (const Alarm& alarm : entry_.alarms) addAlarm(alarm);
-    writer_.put("END:" + name);
+    writer_.text() += "END:";
+    writer_.put(name);
 }
 
 void VCalEntry::tell(Severity severity, const std::string& message, std::size_t at) {
@@ -41,7 +42,8 @@ void VCalEntry::tell(Severity severity, const std::string& message, std::size_t 
 
 void VCalEntry::line(std::string_view name, const std::vector<Parameter>& parameters,
                      std::string_view value) {
-    writer_.put(vCalendarLine(name, parameters, value));
+    addVCalendarLine(writer_.text(), name, parameters, value);
+    writer_.endLine();
 }
 
 bool VCalEntry::uses(Clock clock) const {
@@ -167,13 +169,14 @@ void VCalWriter::close() {
     open_ = false;
 }
 
-void VCalWriter::write(const Entry& entry) {
+void VCalWriter::write(Entry& entry) {
     VCalEntry(*this, entry).write();
 }
 
 void VCalWriter::finish() {
     if (!any_) open(nullptr, 0, 0);
     close();
+    flush();
 }
 
 }  // namespace qel::convert

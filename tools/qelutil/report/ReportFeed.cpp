@@ -75,7 +75,9 @@ std::string ReportFeed::written(const convert::Entry& entry, convert::CalendarFo
         }
     }
     text_.str({});
-    writer_->write(entry);
+    convert::Entry copy = entry;
+    writer_->write(copy);
+    writer_->flush();
     return text_.str();
 }
 
