@@ -151,7 +151,9 @@ std::multiset<std::string> factsOf(const Entry& entry, bool withUid) {
             facts.insert("due " + property.value());
             continue;
         }
-        for (const std::string& value : property.values) text += " [" + value + "]";
+        const bool isList = property.type == EntryProperty::Type::TextList;
+        for (const std::string& value : isList ? property.items : std::vector{property.text})
+            text += " [" + value + "]";
         facts.insert(text);
     }
     return facts;

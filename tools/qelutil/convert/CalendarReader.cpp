@@ -11,6 +11,10 @@ namespace {
 
 // Calendars nest two deep; nothing real goes further than this.
 constexpr std::size_t kDeepest = 6;
+// Room is made at once for the lines of a usual entry and of its first few parts.
+constexpr std::size_t kUsualLines = 24;
+constexpr std::size_t kUsualParts = 4;
+constexpr std::size_t kUsualPartLines = 8;
 
 bool isTopEntry(std::string_view name) {
     static constexpr std::string_view kNames[] = {"VEVENT", "VTODO",     "VJOURNAL",
@@ -56,11 +60,11 @@ bool CalendarReader::readLine() {
         }
         if (line_.cut)
             report(Severity::Error, number,
-                   line_.name + " is longer than " + std::to_string(kLongestLine >> 20) +
+                   std::string(line_.name) + " is longer than " + std::to_string(kLongestLine >> 20) +
                        " megabytes; the rest of it is left out");
         if (line_.openEnd)
             report(Severity::Error, number,
-                   "the quoted-printable text of " + line_.name + " breaks off");
+                   "the quoted-printable text of " + std::string(line_.name) + " breaks off");
         return true;
     }
     return false;
@@ -88,7 +92,7 @@ CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
 
 CalendarReader::Item CalendarReader::atTopLevel() {
     while (readLine()) {
-        if (line_.name == "BEGIN") {
+        if (line_.id == PropertyName::Begin) {
             const std::string name = componentName(line_);
             if (name == "VCALENDAR") return beginCalendar(false);
             if (isTopEntry(name)) {
@@ -120,7 +124,7 @@ CalendarReader::Item CalendarReader::next() {
             ended_ = true;
             return Item::CalendarEnd;
         }
-        if (line_.name == "END") {
+        if (line_.id == PropertyName::End) {
             const std::string name = componentName(line_);
             if (name == "VCALENDAR" || name.empty()) {
                 inCalendar_ = false;
@@ -129,7 +133,7 @@ CalendarReader::Item CalendarReader::next() {
             report(Severity::Error, line_.number, "END:" + name + " closes nothing");
             continue;
         }
-        if (line_.name == "BEGIN") {
+        if (line_.id == PropertyName::Begin) {
             if (componentName(line_) == "VCALENDAR") {
                 if (!implicit_)
                     report(Severity::Error, line_.number,
@@ -141,7 +145,7 @@ CalendarReader::Item CalendarReader::next() {
             if (readEntry()) return Item::Entry;
             continue;
         }
-        if (line_.name == "VERSION") version_ = std::string(trimmed(line_.value));
+        if (line_.id == PropertyName::Version) version_ = std::string(trimmed(line_.value));
         return Item::CalendarProperty;
     }
 }
@@ -149,8 +153,8 @@ CalendarReader::Item CalendarReader::next() {
 void CalendarReader::addProperty(Component& owner) {
     entrySize_ += costOf(line_);
     if (entrySize_ <= kLargestEntry) {
-        owner.properties.push_back(std::move(line_));
-        line_ = {};
+        line_.moveTo(texts_);
+        owner.properties.push_back(std::exchange(line_, {}));
     } else if (!std::exchange(entryFull_, true)) {
         report(Severity::Error, line_.number,
                "the entry is larger than " + std::to_string(kLargestEntry >> 20) +
@@ -165,9 +169,9 @@ void CalendarReader::closeAll(std::vector<Component*>& open, const std::string& 
 
 // Reads the component whose BEGIN is in line_ into component_. False when it is no entry.
 bool CalendarReader::readEntry() {
-    component_ = {};
-    component_.name = componentName(line_);
-    component_.number = line_.number;
+    texts_.clear();
+    component_ = {componentName(line_), line_.number, {}, {}};
+    component_.properties.reserve(kUsualLines);
     entrySize_ = 0;
     entryFull_ = false;
     skippedDepth_ = 0;
@@ -186,7 +190,7 @@ bool CalendarReader::readEntry() {
 
 // False when the line belongs to what comes after the entry.
 bool CalendarReader::takeEntryLine(std::vector<Component*>& open) {
-    if (line_.name == "BEGIN") {
+    if (line_.id == PropertyName::Begin) {
         const std::string name = componentName(line_);
         if (name == "VCALENDAR" || isTopEntry(name)) {
             closeAll(open, name + " begins");
@@ -203,10 +207,11 @@ bool CalendarReader::takeEntryLine(std::vector<Component*>& open) {
         Component& child = open.back()->children.back();
         child.name = name;
         child.number = line_.number;
+        if (open.back()->children.size() <= kUsualParts) child.properties.reserve(kUsualPartLines);
         open.push_back(&child);
         return true;
     }
-    if (line_.name != "END") {
+    if (line_.id != PropertyName::End) {
         if (skippedDepth_ == 0) addProperty(*open.back());
         return true;
     }

@@ -14,6 +14,7 @@
 
 namespace qel::convert {
 
+// The texts of its lines last until the reader is asked for the next item.
 struct Component {
     std::string name;        // in capitals: "VEVENT"
     std::size_t number = 0;  // of its first line
@@ -39,6 +40,7 @@ class CalendarReader {
     // bytes the rest is left out, as an error says.
     Item next();
 
+    // Until the next item is asked for.
     [[nodiscard]] ContentLine& property() { return line_; }
     [[nodiscard]] Component& component() { return component_; }
     // "1.0", "2.0", ... as the current calendar says; "" before it has said so.
@@ -65,6 +67,7 @@ class CalendarReader {
     RawLine raw_;
     ContentLine line_;
     Component component_;
+    Arena texts_;  // of component_
     std::string version_;
     bool inCalendar_ = false;
     bool implicit_ = false;  // entries without a calendar around them

@@ -64,6 +64,13 @@ bool isName(std::string_view name) {
     });
 }
 
+// The same text, in capitals.
+std::string_view capitalised(std::string& owner, std::string_view part) {
+    char* const begin = owner.data() + (part.data() - owner.data());
+    std::transform(begin, begin + part.size(), begin, toUpper);
+    return {begin, part.size()};
+}
+
 // The part of `head` up to a ";" outside quotes, which is taken off with it.
 std::string_view nextParameter(std::string_view& head) {
     bool inQuotes = false;
@@ -81,6 +88,8 @@ std::string_view nextParameter(std::string_view& head) {
 // Takes quotes off and undoes RFC 6868: ^n, ^' and ^^. CHARSET speaks of the property's value
 // alone.
 std::string parameterValue(std::string_view text) {
+    if (isPrintableAscii(text) && text.find_first_of("\"^") == std::string_view::npos)
+        return std::string(text);
     std::string value;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') continue;
@@ -110,18 +119,25 @@ bool ContentLine::hasParameter(std::string_view parameterName) const {
                        [&](const Parameter& each) { return each.name == parameterName; });
 }
 
+void ContentLine::moveTo(Arena& texts) {
+    name = texts.keep(name);
+    value = texts.keep(value);
+}
+
 bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     unfold(raw, style);
     line.number = raw.number;
     line.parameters.clear();
-    line.value.clear();
+    line.value = {};
     line.cut = raw.cut;
     line.openEnd = raw.openEnd;
     const std::size_t colon = findColon(raw.text);
     if (colon == std::string::npos) return false;
     std::string_view head = std::string_view(raw.text).substr(0, colon);
-    line.name = upper(trimmed(nextField(head, ';')));
+    line.name = trimmed(nextField(head, ';'));
     if (!isName(line.name)) return false;
+    line.name = capitalised(raw.text, line.name);
+    line.id = propertyName(line.name);
     while (!head.empty()) {
         const std::string_view parameter = nextParameter(head);
         const std::size_t equals = parameter.find('=');
@@ -133,7 +149,7 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
                                        parameterValue(trimmed(parameter.substr(equals + 1)))});
         }
     }
-    line.value = raw.text.substr(colon + 1);
+    line.value = std::string_view(raw.text).substr(colon + 1);
     return true;
 }
 

@@ -90,6 +90,7 @@ class Converter::File {
         ++owner_.counts_.calendars;
         tz_.reset();
         daylight_.clear();
+        texts_.clear();
         header_.clear();
         settled_ = false;
         zone_ = nullptr;
@@ -97,7 +98,7 @@ class Converter::File {
 
     void takeProperty() {
         ContentLine& line = reader_.property();
-        if (line.name == "VERSION" || line.name == "PRODID" || line.name == "CALSCALE") {
+        if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
             if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
                 tell(Severity::Error, line.number,
                      "the calendar " + quoted(line.value) +
@@ -105,14 +106,20 @@ class Converter::File {
                          "Gregorian");
             return;
         }
-        if (settled_ && (line.name == "TZ" || line.name == "DAYLIGHT"))
+        const bool isTz = line.id == PropertyName::Tz;
+        const bool isDaylight = line.id == PropertyName::Daylight;
+        if (settled_ && (isTz || isDaylight))
             tell(Severity::Warning, line.number,
-                 line.name + " stands behind entries; it counts for those that follow");
-        if (line.name == "TZ") {
+                 std::string(line.name) + " stands behind entries; it counts for those that follow");
+        if (isTz) {
+            line.moveTo(texts_);
             tz_ = std::move(line);
             settled_ = false;
-        } else if (line.name == "DAYLIGHT") {
-            if (daylight_.size() < kMostHeader) daylight_.push_back(std::move(line));
+        } else if (isDaylight) {
+            if (daylight_.size() < kMostHeader) {
+                line.moveTo(texts_);
+                daylight_.push_back(std::move(line));
+            }
             settled_ = false;
         } else {
             takeHeader(line);
@@ -127,14 +134,14 @@ class Converter::File {
                            std::end(kEntryNames);
         if (stray || header_.size() >= kMostHeader) {
             tell(Severity::Warning, line.number,
-                 line.name + " does not belong to a calendar itself; it is left out");
+                 std::string(line.name) + " does not belong to a calendar itself; it is left out");
             return;
         }
         std::vector<RuleNote> notes;
         std::string value = decodedValue(line, notes);
         const bool vcalendar = isVCalendar();
         if (!vcalendar) value = unescapeICalendar(value);
-        std::string name = line.name;
+        std::string name(line.name);
         static constexpr std::string_view kICalendarNames[] = {
             "METHOD",        "NAME",  "DESCRIPTION", "UID",
             "LAST-MODIFIED", "URL",   "CATEGORIES",  "REFRESH-INTERVAL",
@@ -149,7 +156,7 @@ class Converter::File {
         const auto type = name == "METHOD" || name == "URL" || name == "SOURCE"
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
-        header_.push_back({name, parametersFromVCalendar(line), type, {value}, line.number});
+        header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
         for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
     }
 
@@ -192,8 +199,8 @@ class Converter::File {
         const ZonePtr zone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
         if (isVCalendar() || component.name == "VNOTE") reader = &vCalReader_;
-        std::optional<Entry> entry = reader->read(component, zone);
-        if (!entry) return;
+        Entry* const entry = reader->read(component, zone);
+        if (entry == nullptr) return;
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
         if (owner_.observer_ != nullptr) owner_.observer_->entryRead(*entry);
@@ -206,8 +213,8 @@ class Converter::File {
         const ContentLine* tz = nullptr;
         std::vector<ContentLine> daylight;
         for (const ContentLine& line : component.properties) {
-            if (line.name == "TZ" && tz == nullptr) tz = &line;
-            if (line.name == "DAYLIGHT" && daylight.size() < kMostHeader) daylight.push_back(line);
+            if (line.id == PropertyName::Tz && tz == nullptr) tz = &line;
+            if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader) daylight.push_back(line);
         }
         if (tz == nullptr && daylight.empty()) return zone_;
         if (tz == nullptr && tz_) tz = &*tz_;
@@ -235,6 +242,7 @@ class Converter::File {
     CalendarReader reader_;
     VCalReader vCalReader_;
     ICalReader iCalReader_;
+    Arena texts_;  // of tz_ and daylight_
     std::optional<ContentLine> tz_;
     std::vector<ContentLine> daylight_;
     std::vector<EntryProperty> header_;

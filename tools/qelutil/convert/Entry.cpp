@@ -63,35 +63,43 @@ Moment Entry::inClockOf(const Moment& like, const Moment& moment) const {
     return result;
 }
 
-const PropertyKind* propertyKind(std::string_view name) {
+const PropertyKind* propertyKind(PropertyName name) {
     using Type = EntryProperty::Type;
+    using Name = PropertyName;
     static constexpr PropertyKind kKinds[] = {
-        {"ATTACH", Type::Raw, true, true, true, false},
-        {"ATTENDEE", Type::Raw, true, true, true, false},
-        {"CATEGORIES", Type::TextList, true, true, true, false},
-        {"CLASS", Type::Text, true, true, true, true},
-        {"COLOR", Type::Text, true, true, true, true},
-        {"COMMENT", Type::Text, true, true, true, false},
-        {"CONFERENCE", Type::Raw, true, true, false, false},
-        {"CONTACT", Type::Text, true, true, true, false},
-        {"DESCRIPTION", Type::Text, true, true, true, true},
-        {"GEO", Type::Raw, true, true, false, true},
-        {"IMAGE", Type::Raw, true, true, true, false},
-        {"LOCATION", Type::Text, true, true, false, true},
-        {"ORGANIZER", Type::Raw, true, true, true, true},
-        {"PERCENT-COMPLETE", Type::Raw, false, true, false, true},
-        {"PRIORITY", Type::Raw, true, true, false, true},
-        {"RELATED-TO", Type::Text, true, true, true, false},
-        {"REQUEST-STATUS", Type::Raw, true, true, true, false},
-        {"RESOURCES", Type::TextList, true, true, false, false},
-        {"SEQUENCE", Type::Raw, true, true, true, true},
-        {"STATUS", Type::Text, true, true, true, true},
-        {"SUMMARY", Type::Text, true, true, true, true},
-        {"TRANSP", Type::Text, true, false, false, true},
-        {"URL", Type::Raw, true, true, true, true}};
-    for (const PropertyKind& kind : kKinds)
-        if (kind.name == name) return &kind;
-    return nullptr;
+        {Name::Attach, Type::Raw, true, true, true, false},
+        {Name::Attendee, Type::Raw, true, true, true, false},
+        {Name::Categories, Type::TextList, true, true, true, false},
+        {Name::Class, Type::Text, true, true, true, true},
+        {Name::Color, Type::Text, true, true, true, true},
+        {Name::Comment, Type::Text, true, true, true, false},
+        {Name::Conference, Type::Raw, true, true, false, false},
+        {Name::Contact, Type::Text, true, true, true, false},
+        {Name::Description, Type::Text, true, true, true, true},
+        {Name::Geo, Type::Raw, true, true, false, true},
+        {Name::Image, Type::Raw, true, true, true, false},
+        {Name::Location, Type::Text, true, true, false, true},
+        {Name::Organizer, Type::Raw, true, true, true, true},
+        {Name::PercentComplete, Type::Raw, false, true, false, true},
+        {Name::Priority, Type::Raw, true, true, false, true},
+        {Name::RelatedTo, Type::Text, true, true, true, false},
+        {Name::RequestStatus, Type::Raw, true, true, true, false},
+        {Name::Resources, Type::TextList, true, true, false, false},
+        {Name::Sequence, Type::Raw, true, true, true, true},
+        {Name::Status, Type::Text, true, true, true, true},
+        {Name::Summary, Type::Text, true, true, true, true},
+        {Name::Transp, Type::Text, true, false, false, true},
+        {Name::Url, Type::Raw, true, true, true, true}};
+    // They stand together at the end of PropertyName, in the same order.
+    static_assert([] {
+        auto next = static_cast<std::size_t>(Name::Attach);
+        for (const PropertyKind& kind : kKinds)
+            if (static_cast<std::size_t>(kind.name) != next++) return false;
+        return next == static_cast<std::size_t>(kLastPropertyName) + 1;
+    }());
+    return name < Name::Attach
+               ? nullptr
+               : &kKinds[static_cast<std::size_t>(name) - static_cast<std::size_t>(Name::Attach)];
 }
 
 }  // namespace qel::convert

@@ -35,10 +35,14 @@ struct EntryProperty {
     std::string name;
     std::vector<Parameter> parameters;  // encoding and character set are undone
     Type type = Type::Text;
-    std::vector<std::string> values;  // one, except in a list
+    std::string text;                // the value, except in a list
+    std::vector<std::string> items;  // of a list, at least one
     std::size_t line = 0;
 
-    [[nodiscard]] const std::string& value() const { return values.front(); }
+    // Of a list the first item.
+    [[nodiscard]] const std::string& value() const {
+        return type == Type::TextList ? items.front() : text;
+    }
 };
 
 struct EntryRule {
@@ -113,7 +117,7 @@ struct Entry {
 
 // What iCalendar knows of a property.
 struct PropertyKind {
-    std::string_view name;
+    PropertyName name;
     EntryProperty::Type type;
     bool inEvent;
     bool inTodo;
@@ -122,7 +126,7 @@ struct PropertyKind {
 };
 
 // Null for a name that iCalendar has not, or that an Entry holds otherwise (dates, rules).
-[[nodiscard]] const PropertyKind* propertyKind(std::string_view name);
+[[nodiscard]] const PropertyKind* propertyKind(PropertyName name);
 
 }  // namespace qel::convert
 

@@ -54,11 +54,13 @@ void EntryReader::takeAlarmComponent(const Component& component) {
             if (startsWithIgnoreCase(alarm.address, "mailto:")) alarm.address.erase(0, 7);
         } else {
             const bool raw = line.name == "ATTACH" || line.name == "ATTENDEE";
-            alarm.others.push_back({line.name,
-                                    line.parameters,
-                                    raw ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
-                                    {raw ? text(line) : unescapeICalendar(text(line))},
-                                    line.number});
+            alarm.others.push_back(
+                {std::string(line.name),
+                 line.parameters,
+                 raw ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
+                 raw ? std::string(text(line)) : unescapeICalendar(text(line)),
+                 {},
+                 line.number});
         }
     }
     if (!hasTrigger) {
@@ -116,13 +118,12 @@ void EntryReader::settleAlarm(Alarm& alarm) {
 void EntryReader::takeAlarmLine(const ContentLine& line) {
     Alarm alarm;
     alarm.line = line.number;
-    alarm.action = line.name == "AALARM"   ? Alarm::Action::Audio
-                   : line.name == "DALARM" ? Alarm::Action::Display
-                   : line.name == "MALARM" ? Alarm::Action::Email
-                                           : Alarm::Action::Procedure;
+    alarm.action = line.id == PropertyName::AAlarm   ? Alarm::Action::Audio
+                   : line.id == PropertyName::DAlarm ? Alarm::Action::Display
+                   : line.id == PropertyName::MAlarm ? Alarm::Action::Email
+                                                     : Alarm::Action::Procedure;
     const bool binary = isBase64(line);
-    const std::string value = binary ? line.value : text(line);
-    std::string_view rest = value;
+    std::string_view rest = binary ? line.value : text(line);
     const std::string_view when = trimmed(nextField(rest, ';'));
     const auto at = moment(line, when);
     if (!at) {
@@ -132,7 +133,7 @@ void EntryReader::takeAlarmLine(const ContentLine& line) {
                    rest.find_first_not_of("; ") != std::string_view::npos) {
             carry(line, "has no time", Severity::Warning);
         } else {
-            tell(Severity::Note, line.number, line.name + " is empty");
+            tell(Severity::Note, line.number, std::string(line.name) + " is empty");
         }
         return;
     }

@@ -17,6 +17,8 @@ constexpr std::size_t kMostRules = 100;
 // Names of zones that are remembered as told.
 constexpr std::size_t kMostUnknownZones = 1000;
 constexpr std::size_t kLongestZone = 1000;
+// Properties that an entry usually has at most.
+constexpr std::size_t kUsualProperties = 16;
 
 }  // namespace
 
@@ -27,10 +29,12 @@ bool isEncodingWord(std::string_view value) {
                        [&](std::string_view word) { return equalsIgnoreCase(word, value); });
 }
 
-std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr& zone) {
+Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     entry_ = {};
+    entry_.properties.reserve(kUsualProperties);
     ruleLines_.clear();
     dateLines_.clear();
+    texts_.clear();
     entry_.component = component.name;
     entry_.line = component.number;
     entry_.zone = zone;
@@ -43,7 +47,7 @@ std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr
     } else {
         tell(Severity::Warning, component.number,
              component.name + " is no event, to-do or note; it is left out");
-        return std::nullopt;
+        return nullptr;
     }
     for (const ContentLine& line : component.properties) takeLine(line);
     settleTimes();
@@ -52,7 +56,8 @@ std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr
         entry_.properties.push_back({std::string(kVCalendarPrefix) + "DUE",
                                      {},
                                      EntryProperty::Type::Text,
-                                     {formatMoment(*entry_.due)},
+                                     formatMoment(*entry_.due),
+                                     {},
                                      entry_.line});
         entry_.start = std::exchange(entry_.due, std::nullopt);
     }
@@ -78,31 +83,66 @@ std::optional<Entry> EntryReader::read(const Component& component, const ZonePtr
                  child.name + " within an entry is not known; it is left out");
         }
     }
-    return std::move(entry_);
+    return &entry_;
 }
 
 void EntryReader::takeLine(const ContentLine& line) {
-    if (takeDate(line) || takeRecurrence(line)) return;
-    if (line.name == "UID") {
-        const std::string uid = text(line);
-        entry_.uid = std::string(trimmed(
-            ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid) : unescapeVCalendar(uid)));
-        return;
+    using Name = PropertyName;
+    switch (line.id) {
+        case Name::DtStart:
+            return takeDate(line, entry_.start);
+        case Name::DtEnd:
+            return takeDate(line, entry_.end);
+        case Name::Due:
+            return takeDate(line, entry_.due);
+        case Name::Completed:
+            return takeDate(line, entry_.completed);
+        case Name::Created:
+        case Name::DCreated:
+            return takeDate(line, entry_.created);
+        case Name::LastModified:
+            return takeDate(line, entry_.modified);
+        case Name::DtStamp:
+        case Name::XICalDtStamp:
+            return takeDate(line, entry_.stamp);
+        case Name::RecurrenceId:
+        case Name::XRecurrenceId:
+            return takeDate(line, entry_.recurrenceId);
+        case Name::Duration:
+            return takeDuration(line);
+        case Name::RRule:
+        case Name::ExRule:
+        case Name::XICalRRule:
+        case Name::XICalExRule:
+            return keepDecoded(line, ruleLines_);
+        case Name::RDate:
+        case Name::ExDate:
+            return keepDecoded(line, dateLines_);
+        case Name::Uid:
+            return takeUid(line);
+        case Name::AAlarm:
+        case Name::DAlarm:
+        case Name::MAlarm:
+        case Name::PAlarm:
+            return takeAlarmLine(line);
+        default:
+            return takeProperty(line);
     }
-    if (line.name == "AALARM" || line.name == "DALARM" || line.name == "MALARM" ||
-        line.name == "PALARM") {
-        takeAlarmLine(line);
-        return;
-    }
-    takeProperty(line);
 }
 
-std::string EntryReader::text(const ContentLine& line) {
+void EntryReader::takeUid(const ContentLine& line) {
+    const std::string_view uid = text(line);
+    entry_.uid = trimmed(ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid)
+                                                           : unescapeVCalendar(uid));
+}
+
+std::string_view EntryReader::text(const ContentLine& line) {
+    if (isPlainText(line)) return line.value;
     std::vector<RuleNote> notes;
-    std::string value = decodedValue(line, notes);
+    const std::string value = decodedValue(line, notes);
     for (const RuleNote& note : notes)
-        tell(note.severity, line.number, line.name + ": " + note.text);
-    return value;
+        tell(note.severity, line.number, std::string(line.name) + ": " + note.text);
+    return texts_.keep(value);
 }
 
 std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_view value) {
@@ -134,49 +174,23 @@ void EntryReader::tellUnknownZone(const ContentLine& line, std::string_view id) 
     // Beyond some number of them the file is no calendar but an attempt at this memory.
     if (unknownZones_.size() < kMostUnknownZones) unknownZones_.emplace(id.substr(0, kLongestZone));
     tell(Severity::Warning, line.number,
-         line.name + ": the zone " + quoted(id) +
+         std::string(line.name) + ": the zone " + quoted(id) +
              " is not described in the file; its times stay local");
 }
 
-namespace {
-
-struct DateSlot {
-    std::string_view name;
-    std::optional<Moment> Entry::*moment;
-};
-constexpr DateSlot kDateSlots[] = {{"DTSTART", &Entry::start},
-                                   {"DTEND", &Entry::end},
-                                   {"DUE", &Entry::due},
-                                   {"COMPLETED", &Entry::completed},
-                                   {"CREATED", &Entry::created},
-                                   {"DCREATED", &Entry::created},
-                                   {"LAST-MODIFIED", &Entry::modified},
-                                   {"DTSTAMP", &Entry::stamp},
-                                   {"X-ICAL-DTSTAMP", &Entry::stamp},
-                                   {"RECURRENCE-ID", &Entry::recurrenceId},
-                                   {"X-RECURRENCE-ID", &Entry::recurrenceId}};
-
-const DateSlot* dateSlot(std::string_view name) {
-    for (const DateSlot& slot : kDateSlots)
-        if (slot.name == name) return &slot;
-    return nullptr;
+bool isEntryDate(PropertyName name) {
+    return (name >= PropertyName::DtStart && name <= PropertyName::XRecurrenceId) ||
+           name == PropertyName::Duration || name == PropertyName::RDate ||
+           name == PropertyName::ExDate;
 }
 
-}  // namespace
-
-bool isEntryDate(std::string_view name) {
-    return dateSlot(name) != nullptr || name == "DURATION" || name == "RDATE" || name == "EXDATE";
+void EntryReader::takeDuration(const ContentLine& line) {
+    entry_.duration = parseDuration(line.value);
+    if (!entry_.duration) carry(line, "is no duration", Severity::Error);
 }
 
-bool EntryReader::takeDate(const ContentLine& line) {
-    const DateSlot* slot = dateSlot(line.name);
-    if (slot == nullptr) {
-        if (line.name != "DURATION") return false;
-        entry_.duration = parseDuration(line.value);
-        if (!entry_.duration) carry(line, "is no duration", Severity::Error);
-        return true;
-    }
-    const std::string value = text(line);
+void EntryReader::takeDate(const ContentLine& line, std::optional<Moment>& slot) {
+    const std::string_view value = text(line);
     auto read = moment(line, value);
     // Written in UTC because iCalendar has it in nothing else.
     if (const std::string_view mark = line.parameter("X-VCAL-FLOATING"); read && !mark.empty()) {
@@ -186,29 +200,18 @@ bool EntryReader::takeDate(const ContentLine& line) {
     if (!read) {
         if (!trimmed(value).empty())
             carry(line, "holds " + quoted(value) + ", which is no date", Severity::Error);
-    } else if (entry_.*(slot->moment)) {
+    } else if (slot) {
         carry(line, "stands twice in this entry; the first one counts", Severity::Warning);
     } else {
-        entry_.*(slot->moment) = read;
-        if (slot->moment == &Entry::recurrenceId)
+        slot = read;
+        if (&slot == &entry_.recurrenceId)
             entry_.thisAndFuture = equalsIgnoreCase(line.parameter("RANGE"), "THISANDFUTURE");
     }
-    return true;
 }
 
-bool EntryReader::takeRecurrence(const ContentLine& line) {
-    const bool carried = line.name == "X-ICAL-RRULE" || line.name == "X-ICAL-EXRULE";
-    if (line.name == "RRULE" || line.name == "EXRULE" || carried) {
-        ruleLines_.push_back(line);
-        ruleLines_.back().value = text(line);
-        return true;
-    }
-    if (line.name == "RDATE" || line.name == "EXDATE") {
-        dateLines_.push_back(line);
-        dateLines_.back().value = text(line);
-        return true;
-    }
-    return false;
+void EntryReader::keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines) {
+    lines.push_back(line);
+    lines.back().value = text(line);
 }
 
 void EntryReader::readRuleLines() {
@@ -225,7 +228,7 @@ void EntryReader::readRuleLines() {
         count += std::max<std::size_t>(reading.rules.size(), 1);
         for (const RuleNote& note : reading.notes)
             tell(note.severity, line.number,
-                 line.name + " " + quoted(trimmed(line.value)) + ": " + note.text);
+                 std::string(line.name) + " " + quoted(trimmed(line.value)) + ": " + note.text);
         if (reading.rules.empty()) {
             if (!trimmed(line.value).empty()) carry(line, "", Severity::Note);
             continue;
@@ -236,7 +239,8 @@ void EntryReader::readRuleLines() {
 }
 
 void EntryReader::takeDateList(const ContentLine& line) {
-    const bool excluded = line.name == "EXDATE";
+    const bool excluded = line.id == PropertyName::ExDate;
+    const std::string name(line.name);
     bool period = false;
     Strays strays;
     for (const std::string& item : listItems(line.value)) {
@@ -252,18 +256,19 @@ void EntryReader::takeDateList(const ContentLine& line) {
     }
     std::vector<RuleNote> notes;
     strays.report(notes, Severity::Error,
-                  line.name + " holds what is no date, and it is left out:");
+                  name + " holds what is no date, and it is left out:");
     for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
     if (period)
         tell(Severity::Warning, line.number,
-             line.name + " holds periods; their lengths are left out");
+             name + " holds periods; their lengths are left out");
 }
 
 void EntryReader::carry(const ContentLine& line, std::string_view why, Severity severity) {
     // What has been carried once keeps its name.
     const bool carried =
         line.name.starts_with(kVCalendarPrefix) || line.name.starts_with(kICalendarPrefix);
-    const std::string name = carried ? line.name : std::string(carryPrefix()) + line.name;
+    std::string name(carried ? std::string_view() : carryPrefix());
+    name += line.name;
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
         if (each.name == "ENCODING" || each.name == "CHARSET") continue;
@@ -275,15 +280,26 @@ void EntryReader::carry(const ContentLine& line, std::string_view why, Severity 
             {own.starts_with("X-") ? own : std::string(carryPrefix()) + own, each.value});
     }
     if (!why.empty())
-        tell(severity, line.number, line.name + " " + std::string(why) + "; it is kept as " + name);
-    add(line, name, EntryProperty::Type::Text, {text(line)}, std::move(parameters));
+        tell(severity, line.number,
+             std::string(line.name) + " " + std::string(why) + "; it is kept as " + name);
+    add(line, name, EntryProperty::Type::Text, text(line), std::move(parameters));
 }
 
 void EntryReader::add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
-                      std::vector<std::string> values, std::vector<Parameter> parameters) {
-    if (values.empty()) values.emplace_back();
+                      std::string_view value, std::vector<Parameter> parameters) {
     entry_.properties.push_back(
-        {std::string(name), std::move(parameters), type, std::move(values), line.number});
+        {std::string(name), std::move(parameters), type, std::string(value), {}, line.number});
+}
+
+void EntryReader::addList(const ContentLine& line, std::vector<std::string> items,
+                          std::vector<Parameter> parameters) {
+    if (items.empty()) return;
+    entry_.properties.push_back({std::string(line.name),
+                                 std::move(parameters),
+                                 EntryProperty::Type::TextList,
+                                 {},
+                                 std::move(items),
+                                 line.number});
 }
 
 }  // namespace qel::convert

@@ -27,9 +27,9 @@ class EntryReader {
     EntryReader(const EntryReader&) = delete;
     EntryReader& operator=(const EntryReader&) = delete;
 
-    // The entry of a VEVENT, VTODO, VJOURNAL or VNOTE; nothing for other components, which is told.
-    // `zone` is the one of the calendar's TZ line, or null.
-    std::optional<Entry> read(const Component& component, const ZonePtr& zone);
+    // The entry of a VEVENT, VTODO, VJOURNAL or VNOTE, which lasts until the next one is read; null
+    // for other components, which is told. `zone` is the one of the calendar's TZ line, or null.
+    [[nodiscard]] Entry* read(const Component& component, const ZonePtr& zone);
 
   protected:
     [[nodiscard]] virtual RuleForm ruleForm() const = 0;
@@ -37,18 +37,21 @@ class EntryReader {
     // A property that is neither date, rule nor alarm.
     virtual void takeProperty(const ContentLine& line) = 0;
     // The items of an EXDATE or RDATE value.
-    [[nodiscard]] virtual std::vector<std::string> listItems(const std::string& value) const = 0;
+    [[nodiscard]] virtual std::vector<std::string> listItems(std::string_view value) const = 0;
     // After all properties, before the rules are read.
     virtual void settleTimes() {}
 
-    // UTF-8, without the file's encoding; what is wrong with it is told.
-    std::string text(const ContentLine& line);
+    // UTF-8, without the file's encoding; what is wrong with it is told. It lasts as the line does.
+    std::string_view text(const ContentLine& line);
     // The moment of a value, by TZID, VALUE and the file's zone. Tells what is none.
     std::optional<Moment> moment(const ContentLine& line, std::string_view value);
     // Keeps a line under the other format's prefix, and says why unless `why` is empty.
     void carry(const ContentLine& line, std::string_view why, Severity severity);
+    // A property under `name`, which is the line's own or another.
     void add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
-             std::vector<std::string> values, std::vector<Parameter> parameters);
+             std::string_view value, std::vector<Parameter> parameters);
+    void addList(const ContentLine& line, std::vector<std::string> items,
+                 std::vector<Parameter> parameters);
     void tell(Severity severity, std::size_t line, std::string message) {
         sink_(severity, line, std::move(message));
     }
@@ -59,10 +62,12 @@ class EntryReader {
     Entry entry_;
 
   private:
-    bool takeDate(const ContentLine& line);
-    bool takeRecurrence(const ContentLine& line);
-    void takeDateList(const ContentLine& line);
     void takeLine(const ContentLine& line);
+    void takeDate(const ContentLine& line, std::optional<Moment>& slot);
+    void takeDuration(const ContentLine& line);
+    void takeUid(const ContentLine& line);
+    void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
+    void takeDateList(const ContentLine& line);
     void tellUnknownZone(const ContentLine& line, std::string_view id);
     void takeAlarmLine(const ContentLine& line);
     void takeAlarmComponent(const Component& component);
@@ -73,6 +78,7 @@ class EntryReader {
     LineSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
+    Arena texts_;  // decoded ones, of the entry that is read
     std::set<std::string, std::less<>> unknownZones_;  // that have been told
 };
 
@@ -85,9 +91,12 @@ class VCalReader final : public EntryReader {
     [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::VCalendar10; }
     [[nodiscard]] std::string_view carryPrefix() const override { return kVCalendarPrefix; }
     void takeProperty(const ContentLine& line) override;
-    [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
+    [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
     void settleTimes() override;
 
+    void takeList(const ContentLine& line);
+    void takeClass(const ContentLine& line);
+    void takeText(const ContentLine& line);
     void takeAttendee(const ContentLine& line);
     void takeAttachment(const ContentLine& line);
     void takeStatus(const ContentLine& line);
@@ -106,14 +115,14 @@ class ICalReader final : public EntryReader {
     [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::ICalendar; }
     [[nodiscard]] std::string_view carryPrefix() const override { return kICalendarPrefix; }
     void takeProperty(const ContentLine& line) override;
-    [[nodiscard]] std::vector<std::string> listItems(const std::string& value) const override;
+    [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
 };
 
 // True for the words that name an encoding, where a value stands without its parameter's name.
 [[nodiscard]] bool isEncodingWord(std::string_view value);
 
 // True for the names that an Entry holds as moments, lists of them, or a duration.
-[[nodiscard]] bool isEntryDate(std::string_view name);
+[[nodiscard]] bool isEntryDate(PropertyName name);
 
 // The parameters of a vCalendar 1.0 line in iCalendar's words: encodings gone, what iCalendar does
 // not know behind X-VCAL-.

@@ -3,10 +3,10 @@
 #ifndef QELUTIL_CONVERT_ICALENTRY_H
 #define QELUTIL_CONVERT_ICALENTRY_H
 
+#include <bitset>
+#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -73,7 +73,7 @@ class ICalEntry {
     std::string summary_ = "Reminder";  // what an alarm shows that has no text
     std::string& lines_;
     std::string& alarmLines_;
-    std::set<std::string, std::less<>> writtenOnce_;
+    std::bitset<static_cast<std::size_t>(kLastPropertyName) + 1> writtenOnce_;
 };
 
 }  // namespace qel::convert

@@ -14,7 +14,7 @@ std::string valueText(const EntryProperty& property) {
             return escapeICalendar(property.value());
         case EntryProperty::Type::TextList: {
             std::string text;
-            for (const std::string& item : property.values)
+            for (const std::string& item : property.items)
                 text += (text.empty() ? "" : ",") + escapeICalendar(item);
             return text;
         }
@@ -39,21 +39,24 @@ void ICalEntry::addProperty(const EntryProperty& property) {
     }
     // Empty texts say nothing, and some readers take them for a fault.
     if (property.type == EntryProperty::Type::Text && trimmed(property.value()).empty()) return;
-    const PropertyKind* kind = propertyKind(property.name);
+    const PropertyName id = propertyName(property.name);
+    const PropertyKind* kind = propertyKind(id);
     bool allowed = true;
     if (kind != nullptr) {
         allowed = entry_.kind == EntryKind::Event  ? kind->inEvent
                   : entry_.kind == EntryKind::Todo ? kind->inTodo
                                                    : kind->inJournal;
-        if (kind->once && !writtenOnce_.insert(property.name).second) {
+        if (kind->once && writtenOnce_.test(static_cast<std::size_t>(id))) {
             allowed = false;
             tell(Severity::Warning,
                  property.name + " stands twice in this entry; it is kept as X-VCAL-" +
                      property.name,
                  property.line);
+        } else if (kind->once) {
+            writtenOnce_.set(static_cast<std::size_t>(id));
         }
     }
-    if ((property.name == "ATTACH" || property.name == "URL") &&
+    if ((id == PropertyName::Attach || id == PropertyName::Url) &&
         property.type == EntryProperty::Type::Raw && !isUri(property.value()))
         allowed = false;
     if (!allowed) {

@@ -1,5 +1,5 @@
 // Entries of iCalendar 2.0.
-#include <algorithm>
+#include <utility>
 
 #include "convert/Ascii.h"
 #include "convert/EntryReader.h"
@@ -7,7 +7,7 @@
 
 namespace qel::convert {
 
-std::vector<std::string> ICalReader::listItems(const std::string& value) const {
+std::vector<std::string> ICalReader::listItems(std::string_view value) const {
     std::vector<std::string> items;
     std::string item;
     // "," here; ";" in files that mix the formats.
@@ -33,29 +33,30 @@ void ICalReader::takeProperty(const ContentLine& line) {
             continue;
         parameters.push_back(each);
     }
-    if (binary && line.name == "ATTACH") {
+    if (binary && line.id == PropertyName::Attach) {
         if (const auto clean = cleanBase64(line.value)) {
             if (!clean->empty())
-                add(line, line.name, EntryProperty::Type::Base64, {*clean}, parameters);
+                add(line, line.name, EntryProperty::Type::Base64, *clean, std::move(parameters));
         } else {
             carry(line, "is not Base64 as it says", Severity::Error);
         }
         return;
     }
-    const std::string value = text(line);
-    const PropertyKind* kind = propertyKind(line.name);
+    const std::string_view value = text(line);
+    const PropertyKind* kind = propertyKind(line.id);
     if (kind != nullptr && kind->type == EntryProperty::Type::TextList) {
         std::vector<std::string> items;
         for (const std::string& item : splitICalendarList(value))
             if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
-        if (!items.empty()) add(line, line.name, kind->type, items, parameters);
+        addList(line, std::move(items), std::move(parameters));
     } else if (kind != nullptr && kind->type == EntryProperty::Type::Raw) {
-        add(line, line.name, kind->type, {std::string(trimmed(value))}, parameters);
+        add(line, line.name, kind->type, trimmed(value), std::move(parameters));
     } else if (kind != nullptr || line.name.starts_with("X-")) {
-        add(line, line.name, EntryProperty::Type::Text, {unescapeICalendar(value)}, parameters);
+        add(line, line.name, EntryProperty::Type::Text, unescapeICalendar(value),
+            std::move(parameters));
     } else {
         // Some other standard's property: as it stands.
-        add(line, line.name, EntryProperty::Type::Raw, {value}, parameters);
+        add(line, line.name, EntryProperty::Type::Raw, value, std::move(parameters));
     }
 }
 

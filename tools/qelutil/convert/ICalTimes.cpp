@@ -14,7 +14,8 @@ void ICalEntry::keep(std::string_view name, const Moment& moment) {
     entry_.properties.push_back({std::string(kVCalendarPrefix) + std::string(name),
                                  {},
                                  EntryProperty::Type::Text,
-                                 {formatMoment(moment)},
+                                 formatMoment(moment),
+                                 {},
                                  entry_.line});
 }
 
@@ -31,7 +32,8 @@ void ICalEntry::settleStart() {
     entry_.properties.push_back({std::string(kVCalendarPrefix) + "COMPONENT",
                                  {},
                                  EntryProperty::Type::Text,
-                                 {"VEVENT"},
+                                 "VEVENT",
+                                 {},
                                  entry_.line});
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <utility>
 
 #include "convert/Ascii.h"
@@ -50,19 +51,10 @@ std::size_t softBreak(std::string_view text) {
     return end > 0 && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
 }
 
-}  // namespace
+enum class LineEncoding { Plain, QuotedPrintable, Base64 };
 
-std::size_t findColon(std::string_view text) {
-    bool inQuotes = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"') inQuotes = !inQuotes;
-        if (text[at] == ':' && !inQuotes) return at;
-    }
-    return text.find(':');
-}
-
-LineEncoding lineEncoding(std::string_view text) {
-    const std::size_t colon = findColon(text);
+// What the part of a line before its value says of the value's encoding. Folds may still be in it.
+LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
     if (colon == std::string_view::npos) return LineEncoding::Plain;
     std::string_view head = text.substr(0, colon);
     static_cast<void>(nextField(head, ';'));
@@ -80,6 +72,17 @@ LineEncoding lineEncoding(std::string_view text) {
             return LineEncoding::Base64;
     }
     return LineEncoding::Plain;
+}
+
+}  // namespace
+
+std::size_t findColon(std::string_view text) {
+    bool inQuotes = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == '"') inQuotes = !inQuotes;
+        if (text[at] == ':' && !inQuotes) return at;
+    }
+    return text.find(':');
 }
 
 LineReader::LineReader(ByteSource source) : source_(std::move(source)) {}
@@ -104,6 +107,8 @@ bool LineReader::fill() {
         detectEncoding();
     }
     if (encoding_ != Encoding::Bytes) decodeUtf16();
+    lineFeed_ = find('\n');
+    carriageReturn_ = find('\r');
     return true;
 }
 
@@ -149,46 +154,55 @@ void LineReader::decodeUtf16() {
     halfUnit_ = bytes.substr(at);
 }
 
-bool LineReader::readPhysical(std::string& text, bool& cut) {
-    text.clear();
-    cut = false;
-    bool any = false;
-    for (;;) {
-        if (at_ == chunk_.size()) {
-            if (!fill()) return any;
-            continue;
-        }
-        if (afterCarriageReturn_) {
-            afterCarriageReturn_ = false;
-            if (chunk_[at_] == '\n') {
-                ++at_;
-                continue;
-            }
-            if (chunk_[at_] == '\r') {
-                afterCarriageReturn_ = true;
-                ++at_;
-                continue;
-            }
-        }
-        any = true;
-        // find_first_of would look for each character of the file in "\r\n", by a call.
-        const auto found =
-            std::find_if(chunk_.begin() + static_cast<std::ptrdiff_t>(at_), chunk_.end(),
-                         [](char c) { return c == '\r' || c == '\n'; });
-        const auto end = static_cast<std::size_t>(found - chunk_.begin());
-        const std::size_t room = kLongestLine - text.size();
-        cut = cut || end - at_ > room;
-        text.append(chunk_, at_, std::min(end - at_, room));
-        at_ = end;
-        if (end == chunk_.size()) continue;
-        afterCarriageReturn_ = chunk_[end] == '\r';
-        ++at_;
-        return true;
-    }
+std::size_t LineReader::find(char c) const {
+    const void* const found = std::memchr(chunk_.data() + at_, c, chunk_.size() - at_);
+    if (found == nullptr) return chunk_.size();
+    return static_cast<std::size_t>(static_cast<const char*>(found) - chunk_.data());
+}
+
+// Where the line at at_ ends in the chunk; the chunk's end when it goes on behind it.
+std::size_t LineReader::lineEnd() {
+    if (lineFeed_ < at_) lineFeed_ = find('\n');
+    if (carriageReturn_ < at_) carriageReturn_ = find('\r');
+    return std::min(lineFeed_, carriageReturn_);
 }
 
 bool LineReader::nextPhysical() {
-    hasAhead_ = readPhysical(ahead_, aheadCut_);
+    pieces_.clear();
+    ahead_ = {};
+    aheadCut_ = false;
+    hasAhead_ = false;
+    for (;;) {
+        if (at_ == chunk_.size()) {
+            if (fill()) continue;
+            break;
+        }
+        if (afterCarriageReturn_) {
+            afterCarriageReturn_ = false;
+            if (chunk_[at_] == '\n' || chunk_[at_] == '\r') {
+                afterCarriageReturn_ = chunk_[at_] == '\r';
+                ++at_;
+                continue;
+            }
+        }
+        hasAhead_ = true;
+        const std::size_t end = lineEnd();
+        const std::string_view piece = std::string_view(chunk_).substr(at_, end - at_);
+        at_ = end;
+        const bool whole = end < chunk_.size();
+        if (whole && pieces_.empty()) {
+            ahead_ = piece;
+        } else {
+            const std::size_t room = kLongestLine - pieces_.size();
+            aheadCut_ = aheadCut_ || piece.size() > room;
+            pieces_ += piece.substr(0, room);
+            ahead_ = pieces_;
+        }
+        if (!whole) continue;
+        afterCarriageReturn_ = chunk_[end] == '\r';
+        ++at_;
+        break;
+    }
     if (hasAhead_) ++aheadNumber_;
     return hasAhead_;
 }
@@ -200,7 +214,7 @@ void LineReader::append(RawLine& line, bool folded) {
     const std::size_t room = kLongestLine - std::min(used, kLongestLine);
     line.cut = line.cut || aheadCut_ || ahead_.size() > room;
     if (folded && room > 0) line.folds.push_back(line.text.size());
-    line.text.append(ahead_, 0, room);
+    line.text += ahead_.substr(0, room);
 }
 
 bool LineReader::next(RawLine& line) {
@@ -214,11 +228,11 @@ bool LineReader::next(RawLine& line) {
     while (trimmed(ahead_).empty())
         if (!nextPhysical()) return false;
     line.number = aheadNumber_;
-    line.text.swap(ahead_);
+    line.text = ahead_;
     line.cut = aheadCut_;
     std::size_t width = line.text.size();
-    LineEncoding encoding = lineEncoding(line.text);
-    bool hasColon = findColon(line.text) != std::string::npos;
+    std::size_t colon = findColon(line.text);
+    LineEncoding encoding = encodingBefore(colon, line.text);
     while (nextPhysical()) {
         const std::size_t soft =
             encoding == LineEncoding::QuotedPrintable ? softBreak(line.text) : std::string::npos;
@@ -231,7 +245,7 @@ bool LineReader::next(RawLine& line) {
             }
             append(line, false);
         } else if (encoding == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
-            ahead_ = std::string(trimmed(ahead_));
+            ahead_ = trimmed(ahead_);
             append(line, false);
         } else if (folded) {
             line.narrowest = line.folds.empty() ? width : std::min(line.narrowest, width);
@@ -242,15 +256,17 @@ bool LineReader::next(RawLine& line) {
         }
         width = ahead_.size();
         // A property's name and parameters are not that long; looking on would take time.
-        if (!hasColon && line.text.size() < kLongestHead) {
-            hasColon = findColon(line.text) != std::string::npos;
-            if (hasColon) encoding = lineEncoding(line.text);
+        if (colon == std::string::npos && line.text.size() < kLongestHead) {
+            colon = findColon(line.text);
+            encoding = encodingBefore(colon, line.text);
         }
     }
-    const std::size_t soft = softBreak(line.text);
-    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable && soft != std::string::npos) {
-        line.text.erase(soft);
-        line.openEnd = true;
+    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable) {
+        const std::size_t soft = softBreak(line.text);
+        if (soft != std::string::npos) {
+            line.text.erase(soft);
+            line.openEnd = true;
+        }
     }
     return true;
 }

@@ -49,29 +49,32 @@ class LineReader {
     bool fill();
     void detectEncoding();
     void decodeUtf16();
+    [[nodiscard]] std::size_t find(char c) const;
+    [[nodiscard]] std::size_t lineEnd();
     bool nextPhysical();
-    bool readPhysical(std::string& text, bool& cut);
     void append(RawLine& line, bool folded);
 
     ByteSource source_;
     std::string chunk_;
     std::size_t at_ = 0;
+    // The next one of each from at_ on, or the chunk's end: looked for once, however many lines end
+    // in the other one before it comes.
+    std::size_t lineFeed_ = 0;
+    std::size_t carriageReturn_ = 0;
     std::uint64_t bytesRead_ = 0;
     Encoding encoding_ = Encoding::Bytes;
     bool started_ = false;
     bool afterCarriageReturn_ = false;
     std::string halfUnit_;  // bytes of UTF-16 that wait for the rest of their character
 
-    // One physical line is always looked at ahead.
-    std::string ahead_;
+    // One physical line is always looked at ahead: in the chunk, or in pieces_ when it stands in
+    // several of them.
+    std::string_view ahead_;
+    std::string pieces_;
     std::size_t aheadNumber_ = 0;
     bool aheadCut_ = false;
     bool hasAhead_ = false;
 };
-
-// What the part of a line before its value says of the value's encoding. Folds may still be in it.
-enum class LineEncoding { Plain, QuotedPrintable, Base64 };
-[[nodiscard]] LineEncoding lineEncoding(std::string_view text);
 
 // Where the value's colon is: the first one outside quotes, or the first one where the quotes do
 // not close before it. npos when there is none.

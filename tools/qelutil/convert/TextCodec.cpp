@@ -95,11 +95,10 @@ void noteReplaced(const std::string& text, std::string_view set, std::vector<Rul
                                               quoted(set) + "; U+FFFD stands for each"});
 }
 
-std::string toUtf8(std::string_view text, std::string_view set, std::vector<RuleNote>& notes) {
-    if (std::all_of(text.begin(), text.end(),
-                    [](char c) { return static_cast<unsigned char>(c) < 0x80; }) &&
-        !startsWithIgnoreCase(set, "ISO-2022") && !startsWithIgnoreCase(set, "UTF-7"))
-        return std::string(text);
+std::string toUtf8(std::string text, std::string_view set, std::vector<RuleNote>& notes) {
+    if (isAscii(text) && !startsWithIgnoreCase(set, "ISO-2022") &&
+        !startsWithIgnoreCase(set, "UTF-7"))
+        return text;
     const bool saysUtf8 = equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
     if (!isAsciiSet(set) && !saysUtf8) {
         if (const char* library = libraryCharacterSet(set); *library != '\0') {
@@ -118,9 +117,9 @@ std::string toUtf8(std::string_view text, std::string_view set, std::vector<Rule
         notes.push_back({Severity::Warning, "the character set " + quoted(set) +
                                                 " is not known here; the text is read as " +
                                                 (utf8 ? "UTF-8" : "windows-1252")});
-        return utf8 ? std::string(text) : byLibrary(text, "8859-1");
+        return utf8 ? std::move(text) : byLibrary(text, "8859-1");
     }
-    if (cli::isUtf8(text)) return std::string(text);
+    if (cli::isUtf8(text)) return text;
     notes.push_back({Severity::Warning, saysUtf8
                                             ? "the text is not UTF-8 as it says; it is read as "
                                               "windows-1252"
@@ -149,7 +148,9 @@ std::string undoBase64(const std::string& text) {
 }
 
 // Line ends as LF; other controls than tab are no part of a text.
-std::string withoutControls(std::string_view text, std::vector<RuleNote>& notes) {
+std::string withoutControls(std::string text, std::vector<RuleNote>& notes) {
+    const auto isControl = [](char c) { return isBlank(c) && c != ' '; };
+    if (std::none_of(text.begin(), text.end(), isControl)) return text;
     std::string result;
     result.reserve(text.size());
     bool dropped = false;
@@ -192,6 +193,13 @@ std::optional<std::string> cleanBase64(std::string_view text) {
     return clean;
 }
 
+bool isPlainText(const ContentLine& line) {
+    return isPrintableAscii(line.value) &&
+           std::none_of(line.parameters.begin(), line.parameters.end(), [](const Parameter& each) {
+               return each.name.empty() || each.name == "ENCODING" || each.name == "CHARSET";
+           });
+}
+
 std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) {
     std::string bytes;
     const bool quotedPrintable =
@@ -208,7 +216,7 @@ std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) 
     } else {
         bytes = line.value;
     }
-    return withoutControls(toUtf8(bytes, trimmed(line.parameter("CHARSET")), notes), notes);
+    return withoutControls(toUtf8(std::move(bytes), trimmed(line.parameter("CHARSET")), notes), notes);
 }
 
 std::string unescapeICalendar(std::string_view text) {

@@ -24,6 +24,9 @@ namespace qel::convert {
 // line ends) are left out. All that is not as it should be is added to `notes`.
 [[nodiscard]] std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes);
 
+// True when decodedValue would give the value as it stands: printable ASCII, not encoded.
+[[nodiscard]] bool isPlainText(const ContentLine& line);
+
 // A text that names no character set: as it stands when it is UTF-8, else read as windows-1252.
 [[nodiscard]] std::string utf8OrWindows1252(std::string text);
 

@@ -77,7 +77,7 @@ void VCalEntry::addProperty(const EntryProperty& property) {
 void VCalEntry::addList(const EntryProperty& property) {
     const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
     std::string value;
-    for (const std::string& item : property.values) {
+    for (const std::string& item : property.items) {
         if (!value.empty()) value += ';';
         value += escapeVCalendar(item, ";,");
         // A backslash at an item's end would swallow the semicolon behind it.

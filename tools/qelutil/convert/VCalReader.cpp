@@ -23,6 +23,7 @@ bool isICalendarParameter(std::string_view name) {
 
 std::vector<Parameter> parametersFromVCalendar(const ContentLine& line) {
     std::vector<Parameter> parameters;
+    if (line.parameters.empty()) return parameters;
     std::string bare;
     for (const Parameter& each : line.parameters) {
         if (each.name == "ENCODING" || each.name == "CHARSET") continue;
@@ -41,58 +42,79 @@ std::vector<Parameter> parametersFromVCalendar(const ContentLine& line) {
     return parameters;
 }
 
-std::vector<std::string> VCalReader::listItems(const std::string& value) const {
+std::vector<std::string> VCalReader::listItems(std::string_view value) const {
     return splitVCalendar(value, ";,");
 }
 
 void VCalReader::takeProperty(const ContentLine& line) {
-    const std::string& name = line.name;
-    if (name == "ATTENDEE") {
-        takeAttendee(line);
-    } else if (name == "ATTACH") {
-        takeAttachment(line);
-    } else if (name == "STATUS") {
-        takeStatus(line);
-    } else if (name == "TRANSP") {
-        takeTransparency(line);
-    } else if (name == "GEO") {
-        takePosition(line);
-    } else if (name == "PRIORITY") {
-        takeNumber(line, 9);
-    } else if (name == "SEQUENCE") {
-        takeNumber(line, 2147483647);
-    } else if (name == "TZ" || name == "DAYLIGHT" || name == "VERSION") {
-        // Looked at before the entry; a note has a version of its own.
-    } else if (name == "CATEGORIES" || name == "RESOURCES") {
-        std::vector<std::string> items;
-        for (const std::string& item : splitVCalendar(text(line), ";,"))
-            if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
-        if (!items.empty())
-            add(line, name, EntryProperty::Type::TextList, items, parametersFromVCalendar(line));
-    } else if (name == "BODY" && entry_.component == "VNOTE") {
-        add(line, "DESCRIPTION", EntryProperty::Type::Text, {text(line)},
-            parametersFromVCalendar(line));
-    } else if (name == "CLASS") {
-        const std::string value = upper(trimmed(text(line)));
-        if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL") {
-            add(line, name, EntryProperty::Type::Text, {value}, parametersFromVCalendar(line));
-        } else if (!value.empty()) {
-            carry(line, "is no class that iCalendar knows", Severity::Warning);
-        }
+    using Name = PropertyName;
+    switch (line.id) {
+        case Name::Attendee:
+            return takeAttendee(line);
+        case Name::Attach:
+            return takeAttachment(line);
+        case Name::Status:
+            return takeStatus(line);
+        case Name::Transp:
+            return takeTransparency(line);
+        case Name::Geo:
+            return takePosition(line);
+        case Name::Priority:
+            return takeNumber(line, 9);
+        case Name::Sequence:
+            return takeNumber(line, 2147483647);
+        case Name::Class:
+            return takeClass(line);
+        case Name::Categories:
+        case Name::Resources:
+            return takeList(line);
+        case Name::Tz:
+        case Name::Daylight:
+        case Name::Version:
+            // Looked at before the entry; a note has a version of its own.
+            return;
+        default:
+            return takeText(line);
+    }
+}
+
+void VCalReader::takeList(const ContentLine& line) {
+    std::vector<std::string> items;
+    for (const std::string& item : splitVCalendar(text(line), ";,"))
+        if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+    addList(line, std::move(items), parametersFromVCalendar(line));
+}
+
+void VCalReader::takeClass(const ContentLine& line) {
+    const std::string value = upper(trimmed(text(line)));
+    if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL") {
+        add(line, line.name, EntryProperty::Type::Text, value, parametersFromVCalendar(line));
+    } else if (!value.empty()) {
+        carry(line, "is no class that iCalendar knows", Severity::Warning);
+    }
+}
+
+// Whatever is a text, or an unknown thing that is taken for one.
+void VCalReader::takeText(const ContentLine& line) {
+    using Type = EntryProperty::Type;
+    const std::string_view name = line.name;
+    if (line.id == PropertyName::Body && entry_.component == "VNOTE") {
+        add(line, "DESCRIPTION", Type::Text, text(line), parametersFromVCalendar(line));
     } else if (name.starts_with(kICalendarPrefix)) {
         // A property of iCalendar that has been carried here.
-        const std::string own = name.substr(kICalendarPrefix.size());
-        const PropertyKind* kind = propertyKind(own);
-        const bool raw = kind == nullptr || kind->type == EntryProperty::Type::Raw;
-        add(line, isEntryDate(own) ? name : own,
-            raw && !isEntryDate(own) ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
-            {text(line)}, parametersFromVCalendar(line));
-    } else if (const PropertyKind* kind = propertyKind(name)) {
-        std::string value = text(line);
-        if (kind->type == EntryProperty::Type::Text) value = unescapeVCalendar(value);
-        add(line, name, kind->type, {value}, parametersFromVCalendar(line));
+        const std::string_view own = name.substr(kICalendarPrefix.size());
+        const PropertyName id = propertyName(own);
+        const PropertyKind* kind = propertyKind(id);
+        const bool raw = kind == nullptr || kind->type == Type::Raw;
+        add(line, isEntryDate(id) ? name : own, raw && !isEntryDate(id) ? Type::Raw : Type::Text,
+            text(line), parametersFromVCalendar(line));
+    } else if (const PropertyKind* kind = propertyKind(line.id)) {
+        const std::string_view value = text(line);
+        add(line, name, kind->type,
+            kind->type == Type::Text ? unescapeVCalendar(value) : std::string(value),
+            parametersFromVCalendar(line));
     } else if (name.starts_with("X-")) {
-        add(line, name, EntryProperty::Type::Text, {text(line)}, parametersFromVCalendar(line));
+        add(line, name, Type::Text, text(line), parametersFromVCalendar(line));
     } else {
         // Properties of vCalendar 1.0 that iCalendar lacks are carried without a word.
         carry(line, name == "RNUM" || name == "AGENT" ? "" : "is not known", Severity::Warning);
@@ -102,7 +124,7 @@ void VCalReader::takeProperty(const ContentLine& line) {
 void VCalReader::takeNumber(const ContentLine& line, int most) {
     const auto number = parseInt(trimmed(text(line)));
     if (number && *number >= 0 && *number <= most) {
-        add(line, line.name, EntryProperty::Type::Raw, {std::to_string(*number)},
+        add(line, line.name, EntryProperty::Type::Raw, std::to_string(*number),
             parametersFromVCalendar(line));
     } else if (!trimmed(line.value).empty()) {
         carry(line, "", Severity::Note);
@@ -110,26 +132,25 @@ void VCalReader::takeNumber(const ContentLine& line, int most) {
 }
 
 void VCalReader::takeStatus(const ContentLine& line) {
-    const std::string value = text(line);
+    const std::string_view value = text(line);
     const std::string_view own = statusFromVCalendar(trimmed(value), entry_.kind);
     if (own.empty()) {
         if (!trimmed(value).empty()) carry(line, "", Severity::Note);
         return;
     }
-    add(line, line.name, EntryProperty::Type::Text, {std::string(own)},
-        parametersFromVCalendar(line));
+    add(line, line.name, EntryProperty::Type::Text, own, parametersFromVCalendar(line));
 }
 
 void VCalReader::takeTransparency(const ContentLine& line) {
-    const std::string value(trimmed(text(line)));
+    const std::string_view value = trimmed(text(line));
     const auto number = parseInt(value);
     if (entry_.kind != EntryKind::Event || (number && *number > 1)) carry(line, "", Severity::Note);
     if (entry_.kind != EntryKind::Event) return;
     if (number && *number >= 0) {
-        add(line, line.name, EntryProperty::Type::Text, {*number == 0 ? "OPAQUE" : "TRANSPARENT"},
+        add(line, line.name, EntryProperty::Type::Text, *number == 0 ? "OPAQUE" : "TRANSPARENT",
             parametersFromVCalendar(line));
     } else if (equalsIgnoreCase(value, "OPAQUE") || equalsIgnoreCase(value, "TRANSPARENT")) {
-        add(line, line.name, EntryProperty::Type::Text, {upper(value)},
+        add(line, line.name, EntryProperty::Type::Text, upper(value),
             parametersFromVCalendar(line));
     } else if (!value.empty()) {
         carry(line, "is no number", Severity::Error);
@@ -138,8 +159,7 @@ void VCalReader::takeTransparency(const ContentLine& line) {
 
 // vCalendar 1.0 gives the longitude first, iCalendar the latitude.
 void VCalReader::takePosition(const ContentLine& line) {
-    const std::string value = text(line);
-    std::string_view rest = value;
+    const std::string_view rest = text(line);
     const std::size_t comma = rest.find_first_of(",;");
     const std::string first(trimmed(rest.substr(0, comma)));
     const std::string second(comma == std::string_view::npos ? std::string_view()
@@ -152,7 +172,7 @@ void VCalReader::takePosition(const ContentLine& line) {
         return *end == '\0' && number >= -most && number <= most;
     };
     if (isNumber(first, 180) && isNumber(second, 90)) {
-        add(line, line.name, EntryProperty::Type::Raw, {second + ";" + first},
+        add(line, line.name, EntryProperty::Type::Raw, second + ";" + first,
             parametersFromVCalendar(line));
     } else {
         carry(line, "is no position on Earth", Severity::Error);
@@ -173,7 +193,7 @@ void VCalReader::takeAttachment(const ContentLine& line) {
         if (!clean) {
             carry(line, "is not Base64 as it says", Severity::Error);
         } else if (!clean->empty()) {
-            add(line, line.name, EntryProperty::Type::Base64, {*clean}, parameters);
+            add(line, line.name, EntryProperty::Type::Base64, *clean, parameters);
         }
         return;
     }
@@ -183,7 +203,7 @@ void VCalReader::takeAttachment(const ContentLine& line) {
     } else if (named && !startsWithIgnoreCase(value, "cid:")) {
         value = "cid:" + value;
     }
-    if (!value.empty()) add(line, line.name, EntryProperty::Type::Raw, {value}, parameters);
+    if (!value.empty()) add(line, line.name, EntryProperty::Type::Raw, value, parameters);
 }
 
 void VCalReader::takeAttendee(const ContentLine& line) {
@@ -210,7 +230,7 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     std::set<std::string> names;
     for (const Parameter& each : parameters)
         if (names.insert(each.name).second) once.push_back(each);
-    add(line, line.name, EntryProperty::Type::Raw, {address.uri}, once);
+    add(line, line.name, EntryProperty::Type::Raw, address.uri, once);
 }
 
 // The start is a date; the end becomes the day after the last.

@@ -83,10 +83,10 @@ class VTimezoneZone {
         for (const ContentLine& line : component.properties) {
             if (!belongsToZone(line.name))
                 sink_(Severity::Error, line.number,
-                      line.name + " is no part of a zone; it is left out");
+                      std::string(line.name) + " is no part of a zone; it is left out");
             else if (standsOnce(line.name) && find(component, line.name) != &line)
                 sink_(Severity::Error, line.number,
-                      "a second " + line.name + " in a zone is left out");
+                      "a second " + std::string(line.name) + " in a zone is left out");
             else
                 lines.push_back(contentText(line));
         }
