@@ -37,7 +37,8 @@ namespace qel::convert {
 }
 
 [[nodiscard]] inline bool equalsIgnoreCase(std::string_view one, std::string_view other) {
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+    return one.size() == other.size() &&
+           std::equal(one.begin(), one.end(), other.begin(),
                       [](char a, char b) { return toUpper(a) == toUpper(b); });
 }
 
@@ -78,7 +79,8 @@ inline constexpr std::uint64_t kEachByte = 0x0101010101010101U;
 // How many bytes from the front on are below 128.
 [[nodiscard]] inline std::size_t asciiLength(std::string_view text) {
     std::size_t at = 0;
-    while (at + 8 <= text.size() && (eightBytes(text.data() + at) & (kEachByte * 0x80)) == 0) at += 8;
+    while (at + 8 <= text.size() && (eightBytes(text.data() + at) & (kEachByte * 0x80)) == 0)
+        at += 8;
     while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
     return at;
 }

@@ -60,7 +60,8 @@ bool CalendarReader::readLine() {
         }
         if (line_.cut)
             report(Severity::Error, number,
-                   std::string(line_.name) + " is longer than " + std::to_string(kLongestLine >> 20) +
+                   std::string(line_.name) + " is longer than " +
+                       std::to_string(kLongestLine >> 20) +
                        " megabytes; the rest of it is left out");
         if (line_.openEnd)
             report(Severity::Error, number,

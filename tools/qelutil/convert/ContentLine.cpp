@@ -1,6 +1,7 @@
 #include "convert/ContentLine.h"
 
 #include <algorithm>
+#include <array>
 
 #include "convert/Ascii.h"
 #include "convert/TextCodec.h"
@@ -43,7 +44,7 @@ bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
 // Undoes the folds of the head always as iCalendar does, those of the value by `style`.
 void unfold(RawLine& raw, FoldStyle style) {
     if (raw.folds.empty()) return;
-    const std::size_t colon = std::min(findColon(raw.text), raw.text.size());
+    const std::size_t colon = std::min(raw.colon, raw.text.size());
     const bool eraseAll =
         style == FoldStyle::ICalendar || foldedByWidth(raw) || !hasBlankBesidesFolds(raw, colon);
     if (eraseAll) {
@@ -56,19 +57,31 @@ void unfold(RawLine& raw, FoldStyle style) {
         raw.text.insert(0, head);
     }
     raw.folds.clear();
+    raw.colon = findColon(raw.text);
 }
+
+// Each character of a name in capitals; 0 for those that no name has.
+constexpr auto kNameCharacters = [] {
+    std::array<char, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each) {
+        const char c = static_cast<char>(each);
+        if (isAlpha(c) || isDigit(c) || c == '-' || c == '_' || c == '.') table[each] = toUpper(c);
+    }
+    return table;
+}();
 
 bool isName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
-        return isAlpha(c) || isDigit(c) || c == '-' || c == '_' || c == '.';
+        return kNameCharacters[static_cast<unsigned char>(c)] != 0;
     });
 }
 
-// The same text, in capitals.
-std::string_view capitalised(std::string& owner, std::string_view part) {
-    char* const begin = owner.data() + (part.data() - owner.data());
-    std::transform(begin, begin + part.size(), begin, toUpper);
-    return {begin, part.size()};
+// The same name, in capitals.
+std::string_view capitalised(std::string& owner, std::string_view name) {
+    char* const begin = owner.data() + (name.data() - owner.data());
+    for (std::size_t at = 0; at < name.size(); ++at)
+        begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
+    return {begin, name.size()};
 }
 
 // The part of `head` up to a ";" outside quotes, which is taken off with it.
@@ -131,7 +144,7 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     line.value = {};
     line.cut = raw.cut;
     line.openEnd = raw.openEnd;
-    const std::size_t colon = findColon(raw.text);
+    const std::size_t colon = raw.colon;
     if (colon == std::string::npos) return false;
     std::string_view head = std::string_view(raw.text).substr(0, colon);
     line.name = trimmed(nextField(head, ';'));

@@ -75,6 +75,54 @@ void addParameter(std::string& out, const Parameter& parameter) {
     out += parameterListText(parameter);
 }
 
+// What a character of a text asks for. Those that say nothing may stand in a value as they are.
+enum : unsigned char { kEscape = 1, kOther = 2 };
+constexpr auto kTextCharacters = [] {
+    std::array<unsigned char, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each)
+        if (each < ' ' || each > '~') table[each] = kOther;
+    for (const char c : {'\\', ';', ','}) table[static_cast<unsigned char>(c)] = kEscape;
+    return table;
+}();
+
+void addUnfolded(std::string& out, std::string_view name, const std::vector<Parameter>& parameters,
+                 std::string_view value, Value how) {
+    addName(out, name);
+    for (const Parameter& each : parameters) addParameter(out, each);
+    out += ':';
+    unsigned found = 0;
+    for (const char c : value) found |= kTextCharacters[static_cast<unsigned char>(c)];
+    if (found == 0 || (found == kEscape && how == Value::AsItIs)) {
+        out += value;
+        return;
+    }
+    // Words of the format that were taken over as they stood may hold anything. A line end within a
+    // value would begin another property; no other control may stand in one.
+    std::string text = how == Value::Escaped ? escapeICalendar(value) : std::string(value);
+    if (!cli::isUtf8(text)) text = utf8OrWindows1252(std::move(text));
+    std::copy_if(text.begin(), text.end(), std::back_inserter(out),
+                 [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
+}
+
+// Lines of at most 75 octets, divided between characters; the last one is not ended.
+void addFolded(std::string& out, std::string_view line) {
+    std::size_t room = kWidth;
+    while (line.size() > room) {
+        std::size_t end = asciiLength(line.substr(0, room));
+        while (end < room) {
+            const std::size_t length =
+                std::max<std::size_t>(cli::utf8CharacterLength(line.substr(end)), 1);
+            if (end + length > room) break;
+            end += length;
+        }
+        out += line.substr(0, end);
+        out += "\r\n ";
+        line.remove_prefix(end);
+        room = kWidth - 1;
+    }
+    out += line;
+}
+
 }  // namespace
 
 void EntryWriter::put(std::string_view line) {
@@ -93,49 +141,38 @@ void EntryWriter::flush() {
 }
 
 void ICalWriter::fold(std::string_view line) {
-    std::size_t room = kWidth;
-    while (line.size() > room) {
-        std::size_t end = asciiLength(line.substr(0, room));
-        while (end < room) {
-            const std::size_t length =
-                std::max<std::size_t>(cli::utf8CharacterLength(line.substr(end)), 1);
-            if (end + length > room) break;
-            end += length;
-        }
-        text() += line.substr(0, end);
-        text() += "\r\n ";
-        line.remove_prefix(end);
-        room = kWidth - 1;
-    }
-    put(line);
-}
-
-void ICalWriter::foldAll(std::string_view lines) {
-    while (!lines.empty()) fold(nextField(lines, '\n'));
+    addFolded(text(), line);
+    endLine();
 }
 
 void addICalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value) {
-    addName(out, name);
-    for (const Parameter& each : parameters) addParameter(out, each);
-    out += ':';
-    if (isPrintableAscii(value)) {
-        out += value;
-        return;
+                      const std::vector<Parameter>& parameters, std::string_view value, Value how) {
+    const std::size_t begin = out.size();
+    addUnfolded(out, name, parameters, value, how);
+    if (out.size() - begin > kWidth) {
+        const std::string line = out.substr(begin);
+        out.resize(begin);
+        addFolded(out, line);
     }
-    // Words of the format that were taken over as they stood may hold anything. A line end within a
-    // value would begin another property; no other control may stand in one.
-    std::string converted;
-    if (!cli::isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
-    std::copy_if(value.begin(), value.end(), std::back_inserter(out),
-                 [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
+    out += "\r\n";
 }
 
 std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
                           std::string_view value) {
     std::string line;
-    addICalendarLine(line, name, parameters, value);
+    addUnfolded(line, name, parameters, value, Value::AsItIs);
     return line;
+}
+
+std::string unfolded(std::string_view lines) {
+    std::string text;
+    while (!lines.empty()) {
+        text += nextField(lines, '\r');
+        const bool folded = lines.size() > 1 && lines[1] == ' ';
+        if (!folded) text += '\n';
+        lines.remove_prefix(std::min<std::size_t>(folded ? 2 : 1, lines.size()));
+    }
+    return text;
 }
 
 void addVCalendarLine(std::string& out, std::string_view name,

@@ -109,8 +109,9 @@ class Converter::File {
         const bool isTz = line.id == PropertyName::Tz;
         const bool isDaylight = line.id == PropertyName::Daylight;
         if (settled_ && (isTz || isDaylight))
-            tell(Severity::Warning, line.number,
-                 std::string(line.name) + " stands behind entries; it counts for those that follow");
+            tell(
+                Severity::Warning, line.number,
+                std::string(line.name) + " stands behind entries; it counts for those that follow");
         if (isTz) {
             line.moveTo(texts_);
             tz_ = std::move(line);
@@ -214,7 +215,8 @@ class Converter::File {
         std::vector<ContentLine> daylight;
         for (const ContentLine& line : component.properties) {
             if (line.id == PropertyName::Tz && tz == nullptr) tz = &line;
-            if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader) daylight.push_back(line);
+            if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader)
+                daylight.push_back(line);
         }
         if (tz == nullptr && daylight.empty()) return zone_;
         if (tz == nullptr && tz_) tz = &*tz_;

@@ -54,13 +54,12 @@ void EntryReader::takeAlarmComponent(const Component& component) {
             if (startsWithIgnoreCase(alarm.address, "mailto:")) alarm.address.erase(0, 7);
         } else {
             const bool raw = line.name == "ATTACH" || line.name == "ATTENDEE";
-            alarm.others.push_back(
-                {std::string(line.name),
-                 line.parameters,
-                 raw ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
-                 raw ? std::string(text(line)) : unescapeICalendar(text(line)),
-                 {},
-                 line.number});
+            alarm.others.push_back({std::string(line.name),
+                                    line.parameters,
+                                    raw ? EntryProperty::Type::Raw : EntryProperty::Type::Text,
+                                    raw ? std::string(text(line)) : unescapeICalendar(text(line)),
+                                    {},
+                                    line.number});
         }
     }
     if (!hasTrigger) {

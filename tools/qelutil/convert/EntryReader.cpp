@@ -255,12 +255,10 @@ void EntryReader::takeDateList(const ContentLine& line) {
         (excluded ? entry_.excluded : entry_.dates).push_back(*read);
     }
     std::vector<RuleNote> notes;
-    strays.report(notes, Severity::Error,
-                  name + " holds what is no date, and it is left out:");
+    strays.report(notes, Severity::Error, name + " holds what is no date, and it is left out:");
     for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
     if (period)
-        tell(Severity::Warning, line.number,
-             name + " holds periods; their lengths are left out");
+        tell(Severity::Warning, line.number, name + " holds periods; their lengths are left out");
 }
 
 void EntryReader::carry(const ContentLine& line, std::string_view why, Severity severity) {

@@ -78,7 +78,7 @@ class EntryReader {
     LineSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
-    Arena texts_;  // decoded ones, of the entry that is read
+    Arena texts_;                                      // decoded ones, of the entry that is read
     std::set<std::string, std::less<>> unknownZones_;  // that have been told
 };
 

@@ -66,15 +66,14 @@ class ICalWriter final : public EntryWriter {
     void open();
     void close();
     void fold(std::string_view line);
-    void foldAll(std::string_view lines);
 
     std::vector<std::string> header_;  // of the calendar that comes
     std::vector<std::string> written_;
     bool open_ = false;
     bool any_ = false;
     std::set<std::string, std::less<>> zones_;
-    // Of the entry that is written: its lines and those of its alarms, each ended by "\n", not
-    // folded. Here because their room serves the next entry too.
+    // Of the entry that is written: its lines and those of its alarms, folded. Here because their
+    // room serves the next entry too.
     std::string lines_;
     std::string alarmLines_;
 };
@@ -102,9 +101,15 @@ class VCalWriter final : public EntryWriter {
     int lastYear_ = 0;
 };
 
-// Adds a content line of iCalendar to `out`, not folded and not ended.
+// Adds a content line of iCalendar to `out`, folded and ended. `Escaped`: the value is a text that
+// is escaped for it.
+enum class Value { AsItIs, Escaped };
 void addICalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value);
+                      const std::vector<Parameter>& parameters, std::string_view value,
+                      Value how = Value::AsItIs);
+// What was added so, with the folds undone and each line ended by "\n".
+[[nodiscard]] std::string unfolded(std::string_view lines);
+// The line by itself, neither folded nor ended.
 [[nodiscard]] std::string iCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);

@@ -20,7 +20,7 @@ namespace qel::convert {
 
 class ICalEntry {
   public:
-    // The entry's lines and its alarms' are added to `lines` and `alarmLines`, each ended by "\n".
+    // The entry's lines and its alarms' are added to `lines` and `alarmLines`.
     ICalEntry(ICalWriter& writer, Entry& entry, std::string& lines, std::string& alarmLines)
         : writer_(writer), entry_(entry), lines_(lines), alarmLines_(alarmLines) {}
 
@@ -30,8 +30,9 @@ class ICalEntry {
     // The same entry gives the same name, whenever it is converted.
     [[nodiscard]] std::string uid() const;
     void tell(Severity severity, const std::string& message, std::size_t at = 0);
-    static void line(std::string& lines, std::string_view name,
-                     const std::vector<Parameter>& parameters, std::string_view value);
+    // A property's line, its value escaped where its type asks for that.
+    void addLine(const EntryProperty& property, std::string_view name,
+                 const std::vector<Parameter>& parameters);
     // A date of vCalendar 1.0 that iCalendar does not allow there.
     void keep(std::string_view name, const Moment& moment);
     void settleStart();

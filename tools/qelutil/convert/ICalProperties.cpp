@@ -32,9 +32,18 @@ bool ICalEntry::isFineRule(const EntryProperty& property) {
             startsWithIgnoreCase(property.value(), "FREQ=SECONDLY"));
 }
 
+void ICalEntry::addLine(const EntryProperty& property, std::string_view name,
+                        const std::vector<Parameter>& parameters) {
+    if (property.type == EntryProperty::Type::TextList)
+        return addICalendarLine(lines_, name, parameters, valueText(property));
+    addICalendarLine(lines_, name, parameters, property.text,
+                     property.type == EntryProperty::Type::Text ? Value::Escaped : Value::AsItIs);
+}
+
 void ICalEntry::addProperty(const EntryProperty& property) {
     if (isFineRule(property) && entry_.start) {
-        line(lines_, property.name.substr(kICalendarPrefix.size()), {}, property.value());
+        addICalendarLine(lines_, property.name.substr(kICalendarPrefix.size()), {},
+                         property.value());
         return;
     }
     // Empty texts say nothing, and some readers take them for a fault.
@@ -61,19 +70,16 @@ void ICalEntry::addProperty(const EntryProperty& property) {
         allowed = false;
     if (!allowed) {
         EntryProperty kept = property;
-        kept.name = std::string(kVCalendarPrefix) + property.name;
         if (kept.type == EntryProperty::Type::Raw) kept.type = EntryProperty::Type::Text;
-        line(lines_, kept.name, kept.parameters, valueText(kept));
+        addLine(kept, std::string(kVCalendarPrefix) + property.name, kept.parameters);
         return;
     }
-    if (property.type != EntryProperty::Type::Base64) {
-        line(lines_, property.name, property.parameters, valueText(property));
-        return;
-    }
+    if (property.type != EntryProperty::Type::Base64)
+        return addLine(property, property.name, property.parameters);
     std::vector<Parameter> parameters = property.parameters;
     parameters.push_back({"ENCODING", "BASE64"});
     parameters.push_back({"VALUE", "BINARY"});
-    line(lines_, property.name, parameters, property.value());
+    addLine(property, property.name, parameters);
 }
 
 std::optional<std::string> ICalEntry::trigger(const Alarm& alarm) const {
@@ -108,7 +114,7 @@ void ICalEntry::keepAlarm(const Alarm& alarm) {
          "the alarm's time cannot be told from the entry's; it is kept as " + name, alarm.line);
     std::string value = alarm.at ? formatMoment(*alarm.at) : "";
     if (!alarm.fields.empty()) value += ";" + alarm.fields;
-    line(lines_, name, carriedParameters(alarm.parameters), escapeICalendar(value));
+    addICalendarLine(lines_, name, carriedParameters(alarm.parameters), value, Value::Escaped);
 }
 
 std::vector<Parameter> ICalEntry::carriedParameters(const std::vector<Parameter>& parameters) {
@@ -127,60 +133,62 @@ void ICalEntry::addAlarm(const Alarm& alarm) {
         return;
     }
     std::string& lines = alarmLines_;
-    lines += "BEGIN:VALARM\n" + *when + "\n";
+    lines += "BEGIN:VALARM\r\n";
+    lines += *when;
+    lines += "\r\n";
     // What reading these lines will give; the rest of the alarm goes beside them.
     Alarm told;
     told.action = alarm.action;
     if (alarm.snooze && *alarm.snooze > 0 && alarm.repeat && *alarm.repeat > 0) {
-        lines += "DURATION:" + formatDuration(*alarm.snooze) + "\nREPEAT:" +
-                 std::to_string(*alarm.repeat) + "\n";
+        addICalendarLine(lines, "DURATION", {}, formatDuration(*alarm.snooze));
+        addICalendarLine(lines, "REPEAT", {}, std::to_string(*alarm.repeat));
         told.snooze = alarm.snooze;
         told.repeat = alarm.repeat;
     }
     addAction(alarm, told, lines);
     for (const EntryProperty& other : alarm.others)
-        line(lines, other.name, other.parameters, valueText(other));
+        addICalendarLine(lines, other.name, other.parameters, valueText(other));
     if (alarm.fromVCalendar &&
         (writeAlarmFields(told) != alarm.fields || !alarm.parameters.empty()))
-        line(lines, std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action)),
-                          carriedParameters(alarm.parameters),
-                          escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields));
-    lines += "END:VALARM\n";
+        addICalendarLine(lines,
+                         std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action)),
+                         carriedParameters(alarm.parameters),
+                         escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields));
+    lines += "END:VALARM\r\n";
 }
 
 void ICalEntry::addAction(const Alarm& alarm, Alarm& told, std::string& lines) const {
     const auto description = [&] {
-        const std::string text = alarm.hasText ? alarm.text : summary_;
-        line(lines, "DESCRIPTION", {}, escapeICalendar(text));
-        told.text = text;
+        told.text = alarm.hasText ? alarm.text : summary_;
+        addICalendarLine(lines, "DESCRIPTION", {}, told.text, Value::Escaped);
     };
     switch (alarm.action) {
         case Alarm::Action::Audio:
         case Alarm::Action::Procedure:
-            lines += alarm.action == Alarm::Action::Audio ? "ACTION:AUDIO\n"
-                                                          : "ACTION:PROCEDURE\n";
+            lines +=
+                alarm.action == Alarm::Action::Audio ? "ACTION:AUDIO\r\n" : "ACTION:PROCEDURE\r\n";
             addSound(alarm, told, lines);
             break;
         case Alarm::Action::Email:
             if (addressFromVCalendar(alarm.address).uri.starts_with("mailto:")) {
-                lines += "ACTION:EMAIL\n";
-                line(lines, "ATTENDEE", {}, "mailto:" + alarm.address);
-                line(lines, "SUMMARY", {},
-                    escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary));
+                lines += "ACTION:EMAIL\r\n";
+                addICalendarLine(lines, "ATTENDEE", {}, "mailto:" + alarm.address);
+                addICalendarLine(lines, "SUMMARY", {},
+                                 escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary));
                 told.address = alarm.address;
                 description();
                 break;
             }
             // Nobody to write to: the person is reminded here.
-            lines += "ACTION:DISPLAY\n";
+            lines += "ACTION:DISPLAY\r\n";
             description();
             break;
         case Alarm::Action::Display:
-            lines += "ACTION:DISPLAY\n";
+            lines += "ACTION:DISPLAY\r\n";
             description();
             break;
         case Alarm::Action::Other:
-            line(lines, "ACTION", {}, alarm.actionName);
+            addICalendarLine(lines, "ACTION", {}, alarm.actionName);
             if (alarm.hasText) description();
             break;
     }
@@ -192,9 +200,10 @@ void ICalEntry::addSound(const Alarm& alarm, Alarm& told, std::string& lines) co
                     [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
     if (binary) {
         if (const auto clean = cleanBase64(alarm.text); clean && !clean->empty())
-            lines += "ATTACH;ENCODING=BASE64;VALUE=BINARY:" + *clean + "\n";
+            addICalendarLine(lines, "ATTACH", {{"ENCODING", "BASE64"}, {"VALUE", "BINARY"}},
+                             *clean);
     } else if (isUri(alarm.text)) {
-        line(lines, "ATTACH", {}, alarm.text);
+        addICalendarLine(lines, "ATTACH", {}, alarm.text);
         told.text = alarm.text;
     }
 }

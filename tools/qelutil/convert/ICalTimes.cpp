@@ -107,7 +107,7 @@ void ICalEntry::addMoment(std::string_view name, const Moment& moment,
         parameters.insert(parameters.begin(), {"TZID", entry_.zone->id()});
         usesZone_ = true;
     }
-    line(lines_, name, parameters, MomentText(moment));
+    addICalendarLine(lines_, name, parameters, MomentText(moment));
 }
 
 void ICalEntry::addUtc(std::string_view name, const std::optional<Moment>& moment) {
@@ -118,7 +118,7 @@ void ICalEntry::addUtc(std::string_view name, const std::optional<Moment>& momen
         parameters.push_back({"X-VCAL-FLOATING", utc.isDate ? "DATE" : "TRUE"});
     utc.isDate = false;
     utc.clock = Clock::Utc;
-    line(lines_, name, parameters, MomentText(utc));
+    addICalendarLine(lines_, name, parameters, MomentText(utc));
 }
 
 void ICalEntry::addDates() {
@@ -129,7 +129,7 @@ void ICalEntry::addDates() {
     Moment utc = stamp ? entry_.toUtc(*stamp).value_or(*stamp) : kNoStamp;
     utc.isDate = false;
     utc.clock = Clock::Utc;
-    line(lines_, "DTSTAMP", {}, MomentText(utc));
+    addICalendarLine(lines_, "DTSTAMP", {}, MomentText(utc));
     if (entry_.start) addMoment("DTSTART", *entry_.start);
     if (entry_.end) addMoment("DTEND", *entry_.end);
     if (entry_.due) addMoment("DUE", *entry_.due);
@@ -151,8 +151,8 @@ void ICalEntry::addDates() {
 void ICalEntry::addDuration() {
     if (!entry_.duration) return;
     const bool allowed = !entry_.end && !entry_.due && entry_.start && entry_.duration->total() > 0;
-    line(lines_, allowed ? "DURATION" : "X-VCAL-DURATION", {},
-                                   formatDuration(*entry_.duration));
+    addICalendarLine(lines_, allowed ? "DURATION" : "X-VCAL-DURATION", {},
+                     formatDuration(*entry_.duration));
 }
 
 std::string ICalEntry::untilText(const std::string& until) const {
@@ -214,7 +214,7 @@ void ICalEntry::addRecurrence() {
             if (text.empty()) {
                 tell(Severity::Error, "the rule cannot be written; it is left out", each.line);
             } else {
-                line(lines_, each.exclude ? "EXRULE" : "RRULE", {}, text);
+                addICalendarLine(lines_, each.exclude ? "EXRULE" : "RRULE", {}, text);
             }
         }
     }
@@ -252,7 +252,7 @@ void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
         }
         std::string value;
         for (const std::string& item : items) value += (value.empty() ? "" : ",") + item;
-        line(lines_, name, parameters, value);
+        addICalendarLine(lines_, name, parameters, value);
     }
 }
 

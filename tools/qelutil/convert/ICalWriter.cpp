@@ -32,22 +32,16 @@ void ICalEntry::write() {
                                                         : "VJOURNAL";
     writer_.text() += "BEGIN:";
     writer_.put(name);
-    writer_.fold(iCalendarLine("UID", {}, escapeICalendar(uid())));
-    writer_.foldAll(lines_);
-    writer_.foldAll(alarmLines_);
+    addICalendarLine(writer_.text(), "UID", {}, uid(), Value::Escaped);
+    writer_.text() += lines_;
+    writer_.text() += alarmLines_;
     writer_.text() += "END:";
     writer_.put(name);
 }
 
 std::string ICalEntry::uid() const {
     if (!entry_.uid.empty()) return entry_.uid;
-    return digestOf(lines_ + alarmLines_) + "@qelutil";
-}
-
-void ICalEntry::line(std::string& lines, std::string_view name,
-                     const std::vector<Parameter>& parameters, std::string_view value) {
-    addICalendarLine(lines, name, parameters, value);
-    lines += '\n';
+    return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
 }
 
 void ICalEntry::tell(Severity severity, const std::string& message, std::size_t at) {

@@ -77,10 +77,12 @@ LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
 }  // namespace
 
 std::size_t findColon(std::string_view text) {
+    static_assert('"' < ':');
     bool inQuotes = false;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"') inQuotes = !inQuotes;
+        if (text[at] > ':') continue;  // letters, nearly always
         if (text[at] == ':' && !inQuotes) return at;
+        if (text[at] == '"') inQuotes = !inQuotes;
     }
     return text.find(':');
 }
@@ -231,8 +233,9 @@ bool LineReader::next(RawLine& line) {
     line.text = ahead_;
     line.cut = aheadCut_;
     std::size_t width = line.text.size();
-    std::size_t colon = findColon(line.text);
-    LineEncoding encoding = encodingBefore(colon, line.text);
+    line.colon = findColon(line.text);
+    LineEncoding encoding = encodingBefore(line.colon, line.text);
+    bool joined = false;
     while (nextPhysical()) {
         const std::size_t soft =
             encoding == LineEncoding::QuotedPrintable ? softBreak(line.text) : std::string::npos;
@@ -255,12 +258,15 @@ bool LineReader::next(RawLine& line) {
             break;
         }
         width = ahead_.size();
+        joined = true;
         // A property's name and parameters are not that long; looking on would take time.
-        if (colon == std::string::npos && line.text.size() < kLongestHead) {
-            colon = findColon(line.text);
-            encoding = encodingBefore(colon, line.text);
+        if (line.colon == std::string::npos && line.text.size() < kLongestHead) {
+            line.colon = findColon(line.text);
+            encoding = encodingBefore(line.colon, line.text);
         }
     }
+    // Quotes that do not close before the end of the first line may close behind it.
+    if (joined) line.colon = findColon(line.text);
     if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable) {
         const std::size_t soft = softBreak(line.text);
         if (soft != std::string::npos) {

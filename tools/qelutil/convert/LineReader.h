@@ -24,6 +24,7 @@ struct RawLine {
     std::size_t number = 0;          // of its first physical line, from 1
     std::string text;                // each fold's first blank is still there
     std::vector<std::size_t> folds;  // where in text those blanks are
+    std::size_t colon = 0;           // where the value's is, npos without one
     std::size_t narrowest = 0;       // octets of the shortest physical line before a fold
     std::size_t widest = 0;          // and of the longest
     bool cut = false;                // longer than kLongestLine; the rest is gone

@@ -15,15 +15,16 @@ constexpr int kDaySeconds = 86400;
 const std::int64_t kFirstSecond = std::int64_t{dayNumber(1, 1, 1)} * kDaySeconds;
 const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeconds - 1;
 
-// Takes `count` digits off the front of `text`.
-std::optional<int> takeDigits(std::string_view& text, std::size_t count) {
-    if (text.size() < count) return std::nullopt;
+// Takes `Count` digits off the front of `text`; -1 where they are not there.
+template <std::size_t Count>
+int takeDigits(std::string_view& text) {
+    if (text.size() < Count) return -1;
     int number = 0;
-    for (const char c : text.substr(0, count)) {
-        if (!isDigit(c)) return std::nullopt;
-        number = number * 10 + (c - '0');
+    for (std::size_t at = 0; at < Count; ++at) {
+        if (!isDigit(text[at])) return -1;
+        number = number * 10 + (text[at] - '0');
     }
-    text.remove_prefix(count);
+    text.remove_prefix(Count);
     return number;
 }
 
@@ -32,32 +33,33 @@ void skip(std::string_view& text, char separator) {
 }
 
 std::optional<int> takeDate(std::string_view& text) {
-    const auto year = takeDigits(text, 4);
+    const int year = takeDigits<4>(text);
+    if (year < 1) return std::nullopt;
     skip(text, '-');
-    const auto month = year ? takeDigits(text, 2) : std::nullopt;
+    const int month = takeDigits<2>(text);
+    if (month < 1 || month > 12) return std::nullopt;
     skip(text, '-');
-    const auto day = month ? takeDigits(text, 2) : std::nullopt;
-    if (!day || *year < 1 || *month < 1 || *month > 12 || *day < 1 ||
-        *day > daysInMonth(*year, *month))
-        return std::nullopt;
-    return dayNumber(*year, *month, *day);
+    const int day = takeDigits<2>(text);
+    if (day < 1 || (day > 28 && day > daysInMonth(year, month))) return std::nullopt;
+    return dayNumber(year, month, day);
 }
 
 std::optional<int> takeTime(std::string_view& text) {
-    const auto hour = takeDigits(text, 2);
+    const int hour = takeDigits<2>(text);
+    if (hour < 0) return std::nullopt;
     skip(text, ':');
-    const auto minute = hour ? takeDigits(text, 2) : std::nullopt;
-    if (!minute) return std::nullopt;
+    const int minute = takeDigits<2>(text);
+    if (minute < 0) return std::nullopt;
     skip(text, ':');
     int second = 0;
     if (!text.empty() && isDigit(text.front())) {
-        const auto digits = takeDigits(text, 2);
-        if (!digits) return std::nullopt;
-        second = *digits == 60 ? 59 : *digits;
+        second = takeDigits<2>(text);
+        if (second < 0) return std::nullopt;
+        if (second == 60) second = 59;
     }
-    const bool endOfDay = *hour == 24 && *minute == 0 && second == 0;
-    if ((*hour > 23 && !endOfDay) || *minute > 59 || second > 59) return std::nullopt;
-    return *hour * 3600 + *minute * 60 + second;
+    const bool endOfDay = hour == 24 && minute == 0 && second == 0;
+    if ((hour > 23 && !endOfDay) || minute > 59 || second > 59) return std::nullopt;
+    return hour * 3600 + minute * 60 + second;
 }
 
 // REQUIRES: 0..99.
@@ -201,24 +203,22 @@ std::optional<int> parseUtcOffset(std::string_view text) {
     text = trimmed(text);
     const int sign = !text.empty() && text.front() == '-' ? -1 : 1;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-    std::optional<int> hours = takeDigits(text, 2);
-    if (!hours) return std::nullopt;
+    const int hours = takeDigits<2>(text);
+    if (hours < 0) return std::nullopt;
     skip(text, ':');
     int minutes = 0;
     int seconds = 0;
     if (!text.empty()) {
-        const auto digits = takeDigits(text, 2);
-        if (!digits) return std::nullopt;
-        minutes = *digits;
+        minutes = takeDigits<2>(text);
+        if (minutes < 0) return std::nullopt;
         skip(text, ':');
     }
     if (!text.empty()) {
-        const auto digits = takeDigits(text, 2);
-        if (!digits || !text.empty()) return std::nullopt;
-        seconds = *digits;
+        seconds = takeDigits<2>(text);
+        if (seconds < 0 || !text.empty()) return std::nullopt;
     }
     if (minutes > 59 || seconds > 59) return std::nullopt;
-    const int total = *hours * 3600 + minutes * 60 + seconds;
+    const int total = hours * 3600 + minutes * 60 + seconds;
     if (total > 15 * 3600) return std::nullopt;
     return sign * total;
 }

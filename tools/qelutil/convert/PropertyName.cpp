@@ -66,7 +66,9 @@ constexpr std::size_t kSlots = 256;
 
 // REQUIRES: a name that is not empty.
 constexpr std::size_t slotOf(std::string_view name) {
-    const auto at = [name](std::size_t i) { return std::size_t{static_cast<unsigned char>(name[i])}; };
+    const auto at = [name](std::size_t i) {
+        return std::size_t{static_cast<unsigned char>(name[i])};
+    };
     return (at(0) * 5 + at(name.size() / 2) * 23 + at(name.size() - 1) * 3 + name.size() * 7) %
            kSlots;
 }

@@ -1,6 +1,7 @@
 // iCalendar rules (RFC 5545 section 3.3.10) and the positional form, which has the same parts.
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "convert/Ascii.h"
 #include "convert/RuleParts.h"
@@ -61,7 +62,7 @@ class PartReader {
         dropOrdinals();
         weeksToOrdinals();
         applyEnd(end_, start, false, rule_, reading_.notes);
-        reading_.rules.push_back(rule_);
+        reading_.rules.push_back(std::move(rule_));
     }
 
   private:

@@ -1,6 +1,7 @@
 // vCalendar 1.0 rules of the basic grammar, and what phones make of it.
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "convert/Ascii.h"
 #include "convert/Days.h"
@@ -14,6 +15,7 @@ constexpr std::size_t kMostRules = 50;
 
 std::vector<std::string_view> tokensOf(std::string_view text) {
     std::vector<std::string_view> tokens;
+    tokens.reserve(8);
     std::size_t at = 0;
     while (at < text.size()) {
         while (at < text.size() && isBlank(text[at])) ++at;
@@ -37,27 +39,25 @@ struct Head {
 
 // "W2", "MP", "D1"; nothing for a token that begins no rule.
 std::optional<Head> readHead(std::string_view token) {
-    const std::size_t digits = std::min(token.find_first_of("0123456789"), token.size());
-    const std::string code = upper(token.substr(0, digits));
+    struct Code {
+        std::string_view text;
+        Kind kind;
+    };
+    static constexpr Code kCodes[] = {{"D", Kind::Daily},       {"W", Kind::Weekly},
+                                      {"MP", Kind::ByPosition}, {"MD", Kind::ByMonthDay},
+                                      {"M", Kind::ByMonthDay},  {"YM", Kind::ByMonth},
+                                      {"Y", Kind::ByMonth},     {"YD", Kind::ByYearDay}};
+    std::size_t digits = 0;
+    while (digits < token.size() && !isDigit(token[digits])) ++digits;
+    const std::string_view code = token.substr(0, digits);
     const std::string_view number = token.substr(digits);
-    if (!number.empty() && !allDigits(number)) return std::nullopt;
-    Head head{Kind::Daily, number.empty() ? 1 : std::max(*parseInt(number), 1), code == "M"};
-    if (code == "D") {
-        head.kind = Kind::Daily;
-    } else if (code == "W") {
-        head.kind = Kind::Weekly;
-    } else if (code == "MP") {
-        head.kind = Kind::ByPosition;
-    } else if (code == "MD" || code == "M") {
-        head.kind = Kind::ByMonthDay;
-    } else if (code == "YM" || code == "Y") {
-        head.kind = Kind::ByMonth;
-    } else if (code == "YD") {
-        head.kind = Kind::ByYearDay;
-    } else {
-        return std::nullopt;
+    for (const Code& each : kCodes) {
+        if (!equalsIgnoreCase(code, each.text)) continue;
+        if (!number.empty() && !allDigits(number)) return std::nullopt;
+        return Head{each.kind, number.empty() ? 1 : std::max(*parseInt(number), 1),
+                    each.text == "M"};
     }
-    return head;
+    return std::nullopt;
 }
 
 // "3", "3+", "+3", "3-", "-3"; "LD" is -1.
@@ -183,7 +183,7 @@ class RuleParser {
             rule_.days.size() > 1)
             rule_.weekStart = 1;
         applyEnd(end_, start_, true, rule_, reading_.notes);
-        reading_.rules.push_back(rule_);
+        reading_.rules.push_back(std::move(rule_));
     }
 
   private:
@@ -307,7 +307,8 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
                         RuleReading& reading) {
     const std::vector<std::string_view> tokens = tokensOf(text);
     if (tokens.empty()) return;
-    if (!readHead(tokens.front())) {
+    std::optional<Head> head = readHead(tokens.front());
+    if (!head) {
         reading.notes.push_back({Severity::Error, "it is no recurrence rule"});
         reading.complete = false;
         return;
@@ -320,9 +321,12 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
             reading.complete = false;
             return;
         }
-        RuleParser parser(*readHead(tokens[at++]), start, reading);
-        for (; at < tokens.size() && !readHead(tokens[at]); ++at)
+        RuleParser parser(*head, start, reading);
+        for (++at; at < tokens.size(); ++at) {
+            head = readHead(tokens[at]);
+            if (head) break;
             if (!parser.takeEnd(tokens[at])) parser.takeModifier(tokens[at]);
+        }
         parser.finish();
     }
     if (rules > 1)

@@ -13,12 +13,16 @@ namespace {
 constexpr int kMostInRecord = std::numeric_limits<short>::max();
 constexpr std::size_t kMostPositions = 4;
 
+std::string_view codeOf(const RuleDay& day) {
+    return kDayCodes[static_cast<std::size_t>(day.weekday)];
+}
+
 std::string daysText(const std::vector<RuleDay>& days) {
     std::string text;
     for (const RuleDay& day : days) {
         if (!text.empty()) text += ',';
         if (day.position != 0) text += std::to_string(day.position);
-        text += kDayCodes[static_cast<std::size_t>(day.weekday)];
+        text += codeOf(day);
     }
     return text;
 }
@@ -40,12 +44,18 @@ std::string_view frequencyText(Frequency frequency) {
 // The rules, each with days that one record can hold: those without a position together, each one
 // with a position by itself.
 std::vector<Rule> splitByDays(const Rule& rule) {
+    const bool anyPosition = std::any_of(rule.days.begin(), rule.days.end(),
+                                         [](const RuleDay& day) { return day.position != 0; });
     std::vector<Rule> pieces;
+    if (!anyPosition) {
+        pieces.push_back(rule);
+        return pieces;
+    }
     Rule plain = rule;
     plain.days.clear();
     for (const RuleDay& day : rule.days)
         if (day.position == 0) plain.days.push_back(day);
-    if (!plain.days.empty() || rule.days.empty()) pieces.push_back(plain);
+    if (!plain.days.empty()) pieces.push_back(plain);
     for (const RuleDay& day : rule.days) {
         if (day.position == 0) continue;
         pieces.push_back(plain);
@@ -87,49 +97,67 @@ std::string positionalText(const Rule& piece) {
     return text + ";";
 }
 
-// The vCalendar 1.0 text of a piece where the library reads that form without loss, else "".
-std::string vCalendarPieceText(const Rule& piece) {
+void addItems(std::string& text, const std::vector<int>& numbers) {
+    for (const int number : numbers) {
+        text += ' ';
+        text += std::to_string(number);
+    }
+}
+
+// How a piece begins in vCalendar 1.0, where the library reads that form without loss, else "".
+std::string_view vCalendarCode(const Rule& piece) {
     const auto positive = [](const std::vector<int>& list) {
-        return std::all_of(list.begin(), list.end(), [](int number) { return number > 0; });
+        return !list.empty() &&
+               std::all_of(list.begin(), list.end(), [](int number) { return number > 0; });
     };
-    const bool onlyDays = piece.monthDays.empty() && piece.yearDays.empty() && piece.months.empty();
     if (piece.weekStart != 0 || !piece.weekNumbers.empty() || !piece.setPositions.empty())
         return "";
-    std::string code;
-    std::string list;
-    if (piece.frequency == Frequency::Daily && onlyDays && piece.days.empty()) {
-        code = "D";
-    } else if (piece.frequency == Frequency::Weekly && onlyDays) {
-        code = "W";
-        for (const RuleDay& day : piece.days)
-            list += " " + std::string(kDayCodes[static_cast<std::size_t>(day.weekday)]);
-    } else if (piece.frequency == Frequency::Monthly && onlyDays && isOrdinal(piece)) {
-        const RuleDay& day = piece.days.front();
-        code = "MP";
-        list = " " + std::to_string(std::abs(day.position)) + (day.position > 0 ? "+ " : "- ") +
-               std::string(kDayCodes[static_cast<std::size_t>(day.weekday)]);
-    } else if (piece.frequency == Frequency::Monthly && piece.days.empty() &&
-               piece.months.empty() && piece.yearDays.empty() && !piece.monthDays.empty() &&
-               positive(piece.monthDays)) {
-        code = "MD";
-        list = " " + joined(piece.monthDays, ' ');
-    } else if (piece.frequency == Frequency::Yearly && piece.days.empty() &&
-               piece.monthDays.empty() && piece.yearDays.empty() && !piece.months.empty()) {
-        code = "YM";
-        list = " " + joined(piece.months, ' ');
-    } else if (piece.frequency == Frequency::Yearly && piece.days.empty() &&
-               piece.monthDays.empty() && piece.months.empty() && !piece.yearDays.empty() &&
-               positive(piece.yearDays)) {
-        code = "YD";
-        list = " " + joined(piece.yearDays, ' ');
-    } else {
-        return "";
+    const bool noDays = piece.days.empty();
+    const bool noMonthDays = piece.monthDays.empty();
+    const bool noYearDays = piece.yearDays.empty();
+    const bool noMonths = piece.months.empty();
+    const bool onlyDays = noMonthDays && noYearDays && noMonths;
+    switch (piece.frequency) {
+        case Frequency::Daily:
+            return onlyDays && noDays ? "D" : "";
+        case Frequency::Weekly:
+            return onlyDays ? "W" : "";
+        case Frequency::Monthly:
+            if (onlyDays && isOrdinal(piece)) return "MP";
+            return noDays && noMonths && noYearDays && positive(piece.monthDays) ? "MD" : "";
+        case Frequency::Yearly:
+            if (noDays && noMonthDays && noYearDays && !noMonths) return "YM";
+            return noDays && noMonthDays && noMonths && positive(piece.yearDays) ? "YD" : "";
     }
-    const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
-    const std::string end = !piece.until.empty()
-                                ? recordUntil(piece)
-                                : "#" + std::to_string(holdsCount ? piece.count : 0);
-    return code + std::to_string(std::min(piece.interval, kMostInRecord)) + list + " " + end;
+    return "";
+}
+
+// The whole text of such a piece, else "".
+std::string vCalendarPieceText(const Rule& piece) {
+    std::string text(vCalendarCode(piece));
+    if (text.empty()) return text;
+    text += std::to_string(std::min(piece.interval, kMostInRecord));
+    if (piece.frequency == Frequency::Monthly && isOrdinal(piece)) {
+        const RuleDay& day = piece.days.front();
+        text += ' ' + std::to_string(std::abs(day.position)) + (day.position > 0 ? "+ " : "- ");
+        text += codeOf(day);
+    } else {
+        for (const RuleDay& day : piece.days) {
+            text += ' ';
+            text += codeOf(day);
+        }
+    }
+    addItems(text, piece.monthDays);
+    addItems(text, piece.months);
+    addItems(text, piece.yearDays);
+    text += ' ';
+    if (!piece.until.empty()) {
+        text += recordUntil(piece);
+    } else {
+        const bool holdsCount = piece.count > 0 && piece.count <= kMostInRecord;
+        text += '#' + std::to_string(holdsCount ? piece.count : 0);
+    }
+    return text;
 }
 
 void noteLimits(const Rule& rule, std::vector<RuleNote>& notes) {

@@ -9,45 +9,65 @@ namespace qel::convert {
 
 namespace {
 
-using Parts = std::vector<std::pair<std::string, std::string>>;
+struct Part {
+    std::string_view name;
+    std::string_view value;
+};
 
-Parts partsOf(std::string_view text) {
-    Parts parts;
-    while (!text.empty()) {
-        std::string_view item = nextField(text, ';');
-        const std::string_view name = nextField(item, '=');
-        parts.emplace_back(name, item);
-    }
-    return parts;
-}
-
-void setPart(Parts& parts, std::string_view name, const std::string& value) {
-    const auto found = std::find_if(parts.begin(), parts.end(),
-                                    [&](const auto& part) { return part.first == name; });
-    if (found != parts.end()) {
-        found->second = value;
-    } else {
-        parts.emplace_back(name, value);
-    }
-}
-
-void dropPart(Parts& parts, std::string_view name) {
-    std::erase_if(parts, [&](const auto& part) { return part.first == name; });
-}
-
-// BYDAY of all pieces together, each ordinal at its day again.
-std::string joinedDays(const std::vector<Parts>& texts, const std::vector<RulePiece>& pieces) {
-    std::string days;
-    for (std::size_t each = 0; each < texts.size(); ++each) {
-        for (const auto& [name, value] : texts[each]) {
-            if (name != "BYDAY") continue;
-            if (!days.empty()) days += ',';
-            if (pieces[each].positionsAreOrdinals)
-                days += std::to_string(pieces[each].record.setPos[0]);
-            days += value;
+// The parts of an RRULE in their order. What they name must last as long as they do.
+class Parts {
+  public:
+    explicit Parts(std::string_view text) {
+        parts_.reserve(16);
+        while (!text.empty()) {
+            std::string_view item = nextField(text, ';');
+            const std::string_view name = nextField(item, '=');
+            parts_.push_back({name, item});
         }
     }
-    return days;
+
+    [[nodiscard]] std::string_view value(std::string_view name) const {
+        const auto found = std::find_if(parts_.begin(), parts_.end(),
+                                        [&](const Part& part) { return part.name == name; });
+        return found == parts_.end() ? std::string_view() : found->value;
+    }
+
+    void set(std::string_view name, std::string_view value) {
+        for (Part& part : parts_) {
+            if (part.name != name) continue;
+            part.value = value;
+            return;
+        }
+        parts_.push_back({name, value});
+    }
+
+    void drop(std::string_view name) {
+        std::erase_if(parts_, [&](const Part& part) { return part.name == name; });
+    }
+
+    [[nodiscard]] std::string text() const {
+        std::string text;
+        text.reserve(80);
+        for (const Part& part : parts_) {
+            if (!text.empty()) text += ';';
+            text += part.name;
+            text += '=';
+            text += part.value;
+        }
+        return text;
+    }
+
+  private:
+    std::vector<Part> parts_;
+};
+
+// BYDAY of one piece, its ordinal at its day again.
+void addDays(std::string& days, const Parts& parts, const RulePiece& piece) {
+    const std::string_view value = parts.value("BYDAY");
+    if (value.empty()) return;
+    if (!days.empty()) days += ',';
+    if (piece.positionsAreOrdinals) days += std::to_string(piece.record.setPos[0]);
+    days += value;
 }
 
 // WKST counts where a week is counted or numbered.
@@ -62,37 +82,41 @@ bool weekStartMatters(const Rule& rule) {
 std::string iCalendarText(const Rule& rule) {
     std::vector<RulePiece> pieces = rulePieces(rule, nullptr);
     if (pieces.empty()) return "";
-    std::vector<Parts> texts;
-    for (RulePiece& piece : pieces) {
-        VStr written;
-        const char* text = BxUtil_RRULEtoIETF(&piece.record, written, true);
+    VStr written;
+    const char* first = BxUtil_RRULEtoIETF(&pieces.front().record, written, true);
+    if (first == nullptr) return "";
+    Parts parts(first);
+    std::string days;
+    addDays(days, parts, pieces.front());
+    for (std::size_t each = 1; each < pieces.size(); ++each) {
+        VStr more;
+        const char* text = BxUtil_RRULEtoIETF(&pieces[each].record, more, true);
         if (text == nullptr) return "";
-        texts.push_back(partsOf(text));
+        addDays(days, Parts(text), pieces[each]);
     }
-    Parts parts = texts.front();
-    const std::string days = joinedDays(texts, pieces);
-    if (!days.empty()) setPart(parts, "BYDAY", days);
+    if (!days.empty()) parts.set("BYDAY", days);
     // The library writes an ordinal as BYSETPOS and keeps no more than four positions.
-    dropPart(parts, "BYSETPOS");
-    if (!rule.setPositions.empty()) setPart(parts, "BYSETPOS", joined(rule.setPositions));
+    parts.drop("BYSETPOS");
+    const std::string positions = joined(rule.setPositions);
+    if (!positions.empty()) parts.set("BYSETPOS", positions);
+    const std::string count = std::to_string(rule.count);
     if (!rule.until.empty()) {
-        dropPart(parts, "COUNT");
-        setPart(parts, "UNTIL", rule.until);
+        parts.drop("COUNT");
+        parts.set("UNTIL", rule.until);
     } else if (rule.count > 0) {
-        setPart(parts, "COUNT", std::to_string(rule.count));
+        parts.set("COUNT", count);
     }
-    setPart(parts, "INTERVAL", std::to_string(rule.interval));
-    if (!rule.hours.empty()) setPart(parts, "BYHOUR", joined(rule.hours));
-    if (!rule.minutes.empty()) setPart(parts, "BYMINUTE", joined(rule.minutes));
-    if (!rule.seconds.empty()) setPart(parts, "BYSECOND", joined(rule.seconds));
+    const std::string interval = std::to_string(rule.interval);
+    parts.set("INTERVAL", interval);
+    const std::string hours = joined(rule.hours);
+    if (!hours.empty()) parts.set("BYHOUR", hours);
+    const std::string minutes = joined(rule.minutes);
+    if (!minutes.empty()) parts.set("BYMINUTE", minutes);
+    const std::string seconds = joined(rule.seconds);
+    if (!seconds.empty()) parts.set("BYSECOND", seconds);
     if (weekStartMatters(rule))
-        setPart(parts, "WKST", std::string(kDayCodes[static_cast<std::size_t>(rule.weekStart)]));
-    std::string text;
-    for (const auto& [name, value] : parts) {
-        if (!text.empty()) text += ';';
-        text += name + "=" + value;
-    }
-    return text;
+        parts.set("WKST", kDayCodes[static_cast<std::size_t>(rule.weekStart)]);
+    return parts.text();
 }
 
 }  // namespace qel::convert

@@ -216,7 +216,8 @@ std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) 
     } else {
         bytes = line.value;
     }
-    return withoutControls(toUtf8(std::move(bytes), trimmed(line.parameter("CHARSET")), notes), notes);
+    return withoutControls(toUtf8(std::move(bytes), trimmed(line.parameter("CHARSET")), notes),
+                           notes);
 }
 
 std::string unescapeICalendar(std::string_view text) {
