@@ -70,18 +70,32 @@ constexpr auto kNameCharacters = [] {
     return table;
 }();
 
-bool isName(std::string_view name) {
-    return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
-        return kNameCharacters[static_cast<unsigned char>(c)] != 0;
-    });
+// How many characters at the beginning of `text` may stand in a name.
+std::size_t nameLength(std::string_view text) {
+    std::size_t length = 0;
+    while (length < text.size() && kNameCharacters[static_cast<unsigned char>(text[length])] != 0)
+        ++length;
+    return length;
 }
 
-// The same name, in capitals.
-std::string_view capitalised(std::string& owner, std::string_view name) {
+// The name at the front of `head` in capitals, taken off with the ";" behind it. Empty when it is
+// none. REQUIRES: a part of `owner`.
+std::string_view takeName(std::string& owner, std::string_view& head) {
+    std::size_t length = nameLength(head);
+    std::string_view name = head.substr(0, length);
+    if (length < head.size() && head[length] == ';') {
+        head.remove_prefix(length + 1);
+    } else if (length == head.size()) {
+        head = {};
+    } else {
+        name = trimmed(nextField(head, ';'));
+        length = nameLength(name);
+    }
+    if (length == 0 || length < name.size()) return {};
     char* const begin = owner.data() + (name.data() - owner.data());
-    for (std::size_t at = 0; at < name.size(); ++at)
+    for (std::size_t at = 0; at < length; ++at)
         begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
-    return {begin, name.size()};
+    return name;
 }
 
 // The part of `head` up to a ";" outside quotes, which is taken off with it.
@@ -147,9 +161,8 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     const std::size_t colon = raw.colon;
     if (colon == std::string::npos) return false;
     std::string_view head = std::string_view(raw.text).substr(0, colon);
-    line.name = trimmed(nextField(head, ';'));
-    if (!isName(line.name)) return false;
-    line.name = capitalised(raw.text, line.name);
+    line.name = takeName(raw.text, head);
+    if (line.name.empty()) return false;
     line.id = propertyName(line.name);
     while (!head.empty()) {
         const std::string_view parameter = nextParameter(head);

@@ -28,10 +28,11 @@ constexpr auto kNameCharacters = [] {
 }();
 
 void addName(std::string& out, std::string_view name) {
-    const std::size_t begin = out.size();
-    out += name.empty() ? "X" : name;
-    for (std::size_t at = begin; at < out.size(); ++at)
-        out[at] = kNameCharacters[static_cast<unsigned char>(out[at])];
+    if (name.empty()) name = "X";
+    out += name;
+    char* const begin = out.data() + (out.size() - name.size());
+    for (std::size_t at = 0; at < name.size(); ++at)
+        begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
 }
 
 bool needsQuotes(std::string_view value) {

@@ -71,7 +71,7 @@ class ICalEntry {
     ICalWriter& writer_;
     Entry& entry_;
     bool usesZone_ = false;
-    std::string summary_ = "Reminder";  // what an alarm shows that has no text
+    std::string_view summary_ = "Reminder";  // what an alarm shows that has no text
     std::string& lines_;
     std::string& alarmLines_;
     std::bitset<static_cast<std::size_t>(kLastPropertyName) + 1> writtenOnce_;

@@ -159,7 +159,7 @@ void ICalEntry::addAlarm(const Alarm& alarm) {
 
 void ICalEntry::addAction(const Alarm& alarm, Alarm& told, std::string& lines) const {
     const auto description = [&] {
-        told.text = alarm.hasText ? alarm.text : summary_;
+        told.text = alarm.hasText ? std::string_view(alarm.text) : summary_;
         addICalendarLine(lines, "DESCRIPTION", {}, told.text, Value::Escaped);
     };
     switch (alarm.action) {
@@ -174,7 +174,8 @@ void ICalEntry::addAction(const Alarm& alarm, Alarm& told, std::string& lines) c
                 lines += "ACTION:EMAIL\r\n";
                 addICalendarLine(lines, "ATTENDEE", {}, "mailto:" + alarm.address);
                 addICalendarLine(lines, "SUMMARY", {},
-                                 escapeICalendar(alarm.summary.empty() ? summary_ : alarm.summary));
+                                 alarm.summary.empty() ? summary_ : std::string_view(alarm.summary),
+                                 Value::Escaped);
                 told.address = alarm.address;
                 description();
                 break;

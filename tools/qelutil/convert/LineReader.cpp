@@ -57,6 +57,7 @@ enum class LineEncoding { Plain, QuotedPrintable, Base64 };
 LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
     if (colon == std::string_view::npos) return LineEncoding::Plain;
     std::string_view head = text.substr(0, colon);
+    head.remove_prefix(std::min(head.find(';'), head.size()));
     static_cast<void>(nextField(head, ';'));
     while (!head.empty()) {
         std::string_view value = nextField(head, ';');

@@ -272,6 +272,7 @@ std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start)
 
 // The same dates as far as it pays to look: 400 of them, or 60 years.
 bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
+    if (one == other) return true;
     RuleLimits limits;
     limits.most = 400;
     limits.lastYear = std::min(start.year + 60, 2499);

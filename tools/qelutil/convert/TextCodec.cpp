@@ -292,6 +292,8 @@ std::string unescapeVCalendar(std::string_view text) {
 }
 
 std::string escapeVCalendar(std::string_view text, std::string_view separators) {
+    const auto isSpecial = [](char c) { return c == ';' || c == ','; };
+    if (std::none_of(text.begin(), text.end(), isSpecial)) return std::string(text);
     std::string result;
     result.reserve(text.size() + 8);
     for (std::size_t at = 0; at < text.size(); ++at) {
@@ -305,6 +307,8 @@ std::string escapeVCalendar(std::string_view text, std::string_view separators) 
 }
 
 std::vector<std::string> splitVCalendar(std::string_view text, std::string_view separators) {
+    const auto isSpecial = [](char c) { return c == ';' || c == ',' || c == '\\'; };
+    if (std::none_of(text.begin(), text.end(), isSpecial)) return {std::string(text)};
     std::vector<std::string> fields(1);
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (isVCalendarEscape(text, at)) {

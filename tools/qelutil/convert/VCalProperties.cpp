@@ -10,12 +10,27 @@ namespace qel::convert {
 
 namespace {
 
-bool isVCalendarName(std::string_view name) {
-    static constexpr std::string_view kNames[] = {
-        "ATTACH",   "ATTENDEE", "CATEGORIES", "CLASS",      "DESCRIPTION",
-        "GEO",      "LOCATION", "PRIORITY",   "RELATED-TO", "RESOURCES",
-        "SEQUENCE", "STATUS",   "SUMMARY",    "TRANSP",     "URL"};
-    return std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+bool isVCalendarName(PropertyName name) {
+    switch (name) {
+        case PropertyName::Attach:
+        case PropertyName::Attendee:
+        case PropertyName::Categories:
+        case PropertyName::Class:
+        case PropertyName::Description:
+        case PropertyName::Geo:
+        case PropertyName::Location:
+        case PropertyName::Priority:
+        case PropertyName::RelatedTo:
+        case PropertyName::Resources:
+        case PropertyName::Sequence:
+        case PropertyName::Status:
+        case PropertyName::Summary:
+        case PropertyName::Transp:
+        case PropertyName::Url:
+            return true;
+        default:
+            return false;
+    }
 }
 
 std::string_view parameterOf(const std::vector<Parameter>& parameters, std::string_view name) {
@@ -44,30 +59,32 @@ std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& param
 
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
+    const PropertyName id = propertyName(name);
     // Where there is no value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
     if (name.starts_with(kVCalendarPrefix)) {
         const std::string own = name.substr(kVCalendarPrefix.size());
         // Texts of vCalendar 1.0 come back as they were.
         line(own, parametersToVCalendar(property.parameters), property.value());
-    } else if (name == "STATUS") {
+    } else if (id == PropertyName::Status) {
         addStatus(property);
-    } else if (name == "TRANSP") {
+    } else if (id == PropertyName::Transp) {
         if (ownTransparency_) return;
         line(name, parametersToVCalendar(property.parameters),
              equalsIgnoreCase(property.value(), "TRANSPARENT") ? "1" : "0");
-    } else if (name == "GEO") {
+    } else if (id == PropertyName::Geo) {
         addPosition(property);
-    } else if (name == "ATTENDEE") {
+    } else if (id == PropertyName::Attendee) {
         addAttendee(property);
-    } else if (name == "ATTACH") {
+    } else if (id == PropertyName::Attach) {
         addAttachment(property);
     } else if (property.type == EntryProperty::Type::TextList) {
         addList(property);
-    } else if (isVCalendarName(name) || name.starts_with("X-")) {
-        const bool escape = property.type == EntryProperty::Type::Text && isVCalendarName(name);
+    } else if (property.type == EntryProperty::Type::Text && isVCalendarName(id)) {
         line(name, parametersToVCalendar(property.parameters),
-             escape ? escapeVCalendar(property.value(), "") : property.value());
+             escapeVCalendar(property.value(), ""));
+    } else if (isVCalendarName(id) || name.starts_with("X-")) {
+        line(name, parametersToVCalendar(property.parameters), property.value());
     } else {
         line(std::string(kICalendarPrefix) + name, parametersToVCalendar(property.parameters),
              property.value());

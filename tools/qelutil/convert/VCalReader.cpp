@@ -110,8 +110,8 @@ void VCalReader::takeText(const ContentLine& line) {
             text(line), parametersFromVCalendar(line));
     } else if (const PropertyKind* kind = propertyKind(line.id)) {
         const std::string_view value = text(line);
-        add(line, name, kind->type,
-            kind->type == Type::Text ? unescapeVCalendar(value) : std::string(value),
+        const bool escaped = kind->type == Type::Text && value.find('\\') != std::string_view::npos;
+        add(line, name, kind->type, escaped ? std::string_view(unescapeVCalendar(value)) : value,
             parametersFromVCalendar(line));
     } else if (name.starts_with("X-")) {
         add(line, name, Type::Text, text(line), parametersFromVCalendar(line));
