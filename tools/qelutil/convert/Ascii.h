@@ -92,17 +92,18 @@ inline constexpr std::uint64_t kEachByte = 0x0101010101010101U;
 // True when all bytes are printable ASCII characters, the blank among them: such a text is the same
 // in every character set, and has no control that would have to go.
 [[nodiscard]] inline bool isPrintableAscii(std::string_view text) {
-    std::uint64_t marks = 0;
-    std::size_t at = 0;
+    if (text.size() < 8)
+        return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < '\x7f'; });
     // The high bit shows a byte from 128 on, one that is 127 when 1 is added, and one below 32 when
     // 32 is taken away; a byte that carries into the next one has been marked itself.
-    for (; at + 8 <= text.size(); at += 8) {
-        const std::uint64_t word = eightBytes(text.data() + at);
-        marks |= word | (word + kEachByte) | (word - kEachByte * 0x20);
-    }
-    bool printable = (marks & (kEachByte * 0x80)) == 0;
-    for (; at < text.size(); ++at) printable = printable && text[at] >= ' ' && text[at] < '\x7f';
-    return printable;
+    const auto marksOf = [](std::uint64_t word) {
+        return word | (word + kEachByte) | (word - kEachByte * 0x20);
+    };
+    // The last eight bytes may have been looked at in part already.
+    std::uint64_t marks = marksOf(eightBytes(text.data() + text.size() - 8));
+    for (std::size_t at = 0; at + 8 < text.size(); at += 8)
+        marks |= marksOf(eightBytes(text.data() + at));
+    return (marks & (kEachByte * 0x80)) == 0;
 }
 
 // The text up to the next `separator`, which is taken off `rest` together with it.

@@ -12,7 +12,7 @@ namespace {
 // Calendars nest two deep; nothing real goes further than this.
 constexpr std::size_t kDeepest = 6;
 // Room is made at once for the lines of a usual entry and of its first few parts.
-constexpr std::size_t kUsualLines = 24;
+constexpr std::size_t kUsualLines = 40;
 constexpr std::size_t kUsualParts = 4;
 constexpr std::size_t kUsualPartLines = 8;
 
@@ -155,7 +155,7 @@ void CalendarReader::addProperty(Component& owner) {
     entrySize_ += costOf(line_);
     if (entrySize_ <= kLargestEntry) {
         line_.moveTo(texts_);
-        owner.properties.push_back(std::exchange(line_, {}));
+        owner.properties.push_back(std::move(line_));
     } else if (!std::exchange(entryFull_, true)) {
         report(Severity::Error, line_.number,
                "the entry is larger than " + std::to_string(kLargestEntry >> 20) +
@@ -171,8 +171,11 @@ void CalendarReader::closeAll(std::vector<Component*>& open, const std::string& 
 // Reads the component whose BEGIN is in line_ into component_. False when it is no entry.
 bool CalendarReader::readEntry() {
     texts_.clear();
-    component_ = {componentName(line_), line_.number, {}, {}};
-    component_.properties.reserve(kUsualLines);
+    std::vector<ContentLine> lines = std::move(component_.properties);
+    lines.clear();
+    if (lines.capacity() > kUsualLines) lines = {};
+    lines.reserve(kUsualLines);
+    component_ = {componentName(line_), line_.number, std::move(lines), {}};
     entrySize_ = 0;
     entryFull_ = false;
     skippedDepth_ = 0;

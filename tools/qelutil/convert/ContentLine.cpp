@@ -115,7 +115,8 @@ std::string_view nextParameter(std::string_view& head) {
 // Takes quotes off and undoes RFC 6868: ^n, ^' and ^^. CHARSET speaks of the property's value
 // alone.
 std::string parameterValue(std::string_view text) {
-    if (isPrintableAscii(text) && text.find_first_of("\"^") == std::string_view::npos)
+    const auto isSpecial = [](char c) { return c == '"' || c == '^'; };
+    if (isPrintableAscii(text) && std::none_of(text.begin(), text.end(), isSpecial))
         return std::string(text);
     std::string value;
     for (std::size_t at = 0; at < text.size(); ++at) {

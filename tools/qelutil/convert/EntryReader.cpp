@@ -17,8 +17,8 @@ constexpr std::size_t kMostRules = 100;
 // Names of zones that are remembered as told.
 constexpr std::size_t kMostUnknownZones = 1000;
 constexpr std::size_t kLongestZone = 1000;
-// Properties that an entry usually has at most.
-constexpr std::size_t kUsualProperties = 16;
+// Properties that an entry usually has at most: their room is kept for the next one.
+constexpr std::size_t kUsualProperties = 32;
 
 }  // namespace
 
@@ -30,8 +30,12 @@ bool isEncodingWord(std::string_view value) {
 }
 
 Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
+    std::vector<EntryProperty> properties = std::move(entry_.properties);
+    properties.clear();
+    if (properties.capacity() > kUsualProperties) properties = {};
+    properties.reserve(kUsualProperties);
     entry_ = {};
-    entry_.properties.reserve(kUsualProperties);
+    entry_.properties = std::move(properties);
     ruleLines_.clear();
     dateLines_.clear();
     texts_.clear();

@@ -207,8 +207,8 @@ void ICalEntry::settleOddStart() {
 void ICalEntry::addRecurrence() {
     if (!entry_.start) return;
     settleOddStart();
-    for (const EntryRule& each : entry_.rules) {
-        for (Rule rule : each.rules) {
+    for (EntryRule& each : entry_.rules) {
+        for (Rule& rule : each.rules) {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             const std::string text = iCalendarText(rule);
             if (text.empty()) {

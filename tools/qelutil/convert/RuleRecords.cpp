@@ -44,13 +44,7 @@ std::string_view frequencyText(Frequency frequency) {
 // The rules, each with days that one record can hold: those without a position together, each one
 // with a position by itself.
 std::vector<Rule> splitByDays(const Rule& rule) {
-    const bool anyPosition = std::any_of(rule.days.begin(), rule.days.end(),
-                                         [](const RuleDay& day) { return day.position != 0; });
     std::vector<Rule> pieces;
-    if (!anyPosition) {
-        pieces.push_back(rule);
-        return pieces;
-    }
     Rule plain = rule;
     plain.days.clear();
     for (const RuleDay& day : rule.days)
@@ -62,6 +56,17 @@ std::vector<Rule> splitByDays(const Rule& rule) {
         pieces.back().days = {day};
     }
     return pieces;
+}
+
+// Hands them to `take` one by one, until it says false; true when it never did. Nearly every rule
+// is its own only piece, and is not copied then.
+template <class Take>
+bool forEachPiece(const Rule& rule, Take take) {
+    const bool whole = std::all_of(rule.days.begin(), rule.days.end(),
+                                   [](const RuleDay& day) { return day.position == 0; });
+    if (whole) return take(rule);
+    const std::vector<Rule> pieces = splitByDays(rule);
+    return std::all_of(pieces.begin(), pieces.end(), take);
 }
 
 // The library reads a date past its calendar as 1 January 1900; "99991231" is meant as never.
@@ -184,14 +189,17 @@ void noteLimits(const Rule& rule, std::vector<RuleNote>& notes) {
 
 std::vector<std::string> positionalTexts(const Rule& rule) {
     std::vector<std::string> texts;
-    for (const Rule& piece : splitByDays(rule)) texts.push_back(positionalText(piece));
+    forEachPiece(rule, [&](const Rule& piece) {
+        texts.push_back(positionalText(piece));
+        return true;
+    });
     return texts;
 }
 
 std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<RuleNote>* notes) {
     if (notes != nullptr) noteLimits(rule, *notes);
     std::vector<RulePiece> pieces;
-    for (const Rule& each : splitByDays(rule)) {
+    const bool all = forEachPiece(rule, [&](const Rule& each) {
         RulePiece piece{};
         piece.positionsAreOrdinals = isOrdinal(each);
         const std::string text = vCalendarPieceText(each);
@@ -199,9 +207,10 @@ std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<RuleNote>* notes
             text.empty()
                 ? BxUtil_PositionaltoRRULE(positionalText(each).c_str(), &piece.record, nullptr)
                 : BxUtil_PositionalV10toRRULE(text.c_str(), &piece.record, nullptr);
-        if (result != 0) return {};
         pieces.push_back(piece);
-    }
+        return result == 0;
+    });
+    if (!all) pieces.clear();
     return pieces;
 }
 

@@ -309,7 +309,9 @@ std::string escapeVCalendar(std::string_view text, std::string_view separators) 
 std::vector<std::string> splitVCalendar(std::string_view text, std::string_view separators) {
     const auto isSpecial = [](char c) { return c == ';' || c == ',' || c == '\\'; };
     if (std::none_of(text.begin(), text.end(), isSpecial)) return {std::string(text)};
-    std::vector<std::string> fields(1);
+    std::vector<std::string> fields;
+    fields.reserve(4);
+    fields.emplace_back();
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (isVCalendarEscape(text, at)) {
             fields.back() += text[++at];

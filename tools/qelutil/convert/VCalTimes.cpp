@@ -84,8 +84,8 @@ void VCalEntry::addRecurrence() {
     if (!entry_.start) return;
     RuleStart start = entry_.ruleStart();
     start.utcOffset = 0;
-    for (const EntryRule& each : entry_.rules) {
-        for (Rule rule : each.rules) {
+    for (EntryRule& each : entry_.rules) {
+        for (Rule& rule : each.rules) {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             const VCalendarRule texts = vCalendarTexts(rule, start);
             for (const std::string& text : texts.texts)
