@@ -35,8 +35,20 @@ std::size_t costOf(const ContentLine& line) {
 
 }  // namespace
 
-CalendarReader::CalendarReader(ByteSource source, std::string file, DiagnosticSink sink)
-    : lines_(std::move(source)), file_(std::move(file)), sink_(std::move(sink)) {}
+CalendarReader::CalendarReader(ByteSource source, std::string file, DiagnosticSink sink,
+                               Contents contents)
+    : lines_(std::move(source)),
+      file_(std::move(file)),
+      sink_(std::move(sink)),
+      contents_(contents) {}
+
+// True for a line that no one asks for: a property of an entry that is no zone. BEGIN and END are
+// looked at in every entry.
+bool CalendarReader::passesOver(const RawLine& raw) const {
+    if (contents_ == Contents::All || !inEntry_ || component_.name == "VTIMEZONE") return false;
+    const char first = toUpper(trimmed(raw.text).front());
+    return first != 'B' && first != 'E';
+}
 
 void CalendarReader::report(Severity severity, std::size_t line, std::string text) {
     sink_({severity, file_, line, std::move(text)});
@@ -46,6 +58,7 @@ void CalendarReader::report(Severity severity, std::size_t line, std::string tex
 bool CalendarReader::readLine() {
     if (std::exchange(pending_, false)) return true;
     while (lines_.next(raw_)) {
+        if (passesOver(raw_)) continue;
         const FoldStyle style =
             inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
         const std::size_t number = raw_.number;
@@ -182,6 +195,7 @@ bool CalendarReader::readEntry() {
     // The names of the components that are open, from component_ inward. Children are not added to
     // while one of them is open, so the pointers hold.
     std::vector<Component*> open{&component_};
+    inEntry_ = true;
     while (!open.empty()) {
         if (!readLine()) {
             closeAll(open, "the file ends");
@@ -189,6 +203,7 @@ bool CalendarReader::readEntry() {
         }
         if (!takeEntryLine(open)) break;
     }
+    inEntry_ = false;
     return true;
 }
 

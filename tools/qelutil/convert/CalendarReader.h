@@ -32,8 +32,12 @@ class CalendarReader {
         End
     };
 
+    // Entries without their properties, except zones: nearly free, for whoever looks for zones.
+    enum class Contents { All, OfZones };
+
     // `file` is how messages name the input.
-    CalendarReader(ByteSource source, std::string file, DiagnosticSink sink);
+    CalendarReader(ByteSource source, std::string file, DiagnosticSink sink,
+                   Contents contents = Contents::All);
 
     // The next item. Begin and end of calendars come in pairs, also where the file has none or has
     // forgotten one. An entry is whole when it comes; of one that takes more than kLargestEntry
@@ -52,6 +56,7 @@ class CalendarReader {
 
   private:
     bool readLine();
+    [[nodiscard]] bool passesOver(const RawLine& raw) const;
     Item beginCalendar(bool keepLine);
     Item atTopLevel();
     bool readEntry();
@@ -64,6 +69,7 @@ class CalendarReader {
     LineReader lines_;
     std::string file_;
     DiagnosticSink sink_;
+    Contents contents_;
     RawLine raw_;
     ContentLine line_;
     Component component_;
@@ -71,7 +77,8 @@ class CalendarReader {
     std::string version_;
     bool inCalendar_ = false;
     bool implicit_ = false;  // entries without a calendar around them
-    bool pending_ = false;   // line_ is still to be looked at
+    bool inEntry_ = false;
+    bool pending_ = false;  // line_ is still to be looked at
     bool ended_ = false;
     bool anyCalendar_ = false;
     std::size_t entrySize_ = 0;

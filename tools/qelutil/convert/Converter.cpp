@@ -270,7 +270,7 @@ void Converter::convert(ByteSource source, const std::string& file,
 void Converter::collectZones(ByteSource source) {
     const DiagnosticSink silent = [](const Diagnostic&) {};
     const LineSink silentLines = [](Severity, std::size_t, const std::string&) {};
-    CalendarReader reader(std::move(source), "", silent);
+    CalendarReader reader(std::move(source), "", silent, CalendarReader::Contents::OfZones);
     using Item = CalendarReader::Item;
     for (Item item = reader.next(); item != Item::End; item = reader.next())
         if (item == Item::Entry && reader.component().name == "VTIMEZONE")
