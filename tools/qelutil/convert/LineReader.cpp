@@ -12,6 +12,7 @@ namespace qel::convert {
 namespace {
 
 constexpr std::size_t kChunk = 65536;
+constexpr std::size_t kFirstChunk = 4096;  // many files are no longer than this
 constexpr std::size_t kLongestHead = 8192;
 
 void appendUtf8(std::string& text, unsigned code) {
@@ -55,10 +56,9 @@ enum class LineEncoding { Plain, QuotedPrintable, Base64 };
 
 // What the part of a line before its value says of the value's encoding. Folds may still be in it.
 LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
-    if (colon == std::string_view::npos) return LineEncoding::Plain;
-    std::string_view head = text.substr(0, colon);
-    head.remove_prefix(std::min(head.find(';'), head.size()));
-    static_cast<void>(nextField(head, ';'));
+    const std::size_t parameters = text.find(';');
+    if (colon == std::string_view::npos || parameters >= colon) return LineEncoding::Plain;
+    std::string_view head = text.substr(parameters + 1, colon - parameters - 1);
     while (!head.empty()) {
         std::string_view value = nextField(head, ';');
         const std::string_view name = trimmed(nextField(value, '='));
@@ -93,8 +93,9 @@ LineReader::LineReader(ByteSource source) : source_(std::move(source)) {}
 bool LineReader::fill() {
     // Called only when the chunk is used up.
     at_ = 0;
-    chunk_.resize(kChunk);
-    const std::size_t got = source_(chunk_.data(), kChunk);
+    const std::size_t room = started_ ? kChunk : kFirstChunk;
+    chunk_.resize(room);
+    const std::size_t got = source_(chunk_.data(), room);
     chunk_.resize(got);
     bytesRead_ += got;
     if (got == 0) return false;
