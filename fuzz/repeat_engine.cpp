@@ -49,11 +49,15 @@ QEL_FUZZ_TARGET(repeat_engine) {
         FUZZ_CHECK(std::memcmp(&before, &repeat, sizeof(before)) == 0);
         if (result != 0) break;
         FUZZ_CHECK(next == previous);
-        // The others add days and do not look at the calendar's end.
+        // The others add days and do not look at the calendar's end, nor does a weekday that is
+        // none.
         const int type = repeat.type;
-        if ((type >= REPEAT_MONTHLY_DAY && type <= REPEAT_DAY_OF_MONTHS) ||
-            type == REPEAT_MONTHLY_KIND || type == REPEAT_YEARLY_KIND ||
-            type == REPEAT_QUARTERLY_DAY)
+        const bool oddWeekday = (type == REPEAT_MONTHLY_WEEKDAY || type == REPEAT_YEARLY_WEEKDAY) &&
+                                (repeat.dayOfWeek < 1 || repeat.dayOfWeek > 7);
+        if (((type >= REPEAT_MONTHLY_DAY && type <= REPEAT_DAY_OF_MONTHS) ||
+             type == REPEAT_MONTHLY_KIND || type == REPEAT_YEARLY_KIND ||
+             type == REPEAT_QUARTERLY_DAY) &&
+            !oddWeekday)
             FUZZ_CHECK(next <= kLastDay);
     }
 
