@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "dates/CivilDate.h"
+#include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
 #include "dates/ZoneRules.h"
@@ -36,29 +37,16 @@ bool isDateTime(const char* text, std::size_t length) {
     return text != nullptr && std::strlen(text) == length && text[kTPosition] == 'T';
 }
 
-// The number that `count` digits are, or -1 where one of the characters is none.
-int digits(const char* text, int count) {
-    int value = 0;
-    for (int i = 0; i < count; ++i) {
-        if (!qel::isAsciiDigit(text[i])) return -1;
-        value = value * 10 + (text[i] - '0');
-    }
-    return value;
-}
-
 // The seconds since 1900 of an ordinary text, all digits and each part in its range; -1 otherwise.
 std::int64_t ordinarySeconds(const char* text) {
-    const int date = digits(text, 8);
-    const int time = digits(text + 9, 6);
-    const qel::CivilDate civil{date / 10000, date / 100 % 100, date % 100};
-    const int hour = time / 10000;
-    const int minute = time / 100 % 100;
-    if (date < 0 || time < 0 || civil.year < qel::kFirstYear || civil.year > qel::kLastYear ||
-        civil.month < 1 || civil.month > 12 || civil.day < 1 ||
-        civil.day > qel::daysInMonth(civil.month, civil.year) || hour > 23 || minute > 59)
+    qel::DateTimeFields fields;
+    if (!qel::takeDateTime(text, fields)) return -1;
+    const qel::CivilDate date{fields.year, fields.month, fields.day};
+    if (!qel::isEncodable(date) || date.day > qel::daysInMonth(date.month, date.year) ||
+        fields.hour > 23 || fields.minute > 59)
         return -1;
-    return std::int64_t{qel::encodeCivilDate(civil)} * qel::kSecondsPerDay + hour * 3600 +
-           minute * 60 + time % 100;
+    return std::int64_t{qel::encodeCivilDate(date)} * qel::kSecondsPerDay + fields.hour * 3600 +
+           fields.minute * 60 + fields.second;
 }
 
 // The file time of a text that isDateTime accepts.

@@ -110,8 +110,8 @@ char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextR
         date /= 10;
     } while (date != 0);
     text[8] = 'T';
-    for (int i = 0; const int part : {hour / 10, hour % 10, minute / 10, minute % 10})
-        text[9 + i++] = static_cast<char>('0' + part);
+    qel::putPair(text + 9, static_cast<unsigned>(hour));
+    qel::putPair(text + 11, static_cast<unsigned>(minute));
     return text + 13;
 }
 

@@ -3,13 +3,16 @@
 #include <cstdint>
 
 #include "dates/CivilDate.h"
+#include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
 
 namespace {
 
+using qel::DateTimeFields;
 using qel::isAsciiBlank;
 using qel::isAsciiDigit;
+using qel::takeDateTime;
 
 // Reads one number as scanf's "%<width>d" does: blanks, which do not count against the width, then
 // at most `width` characters of an optional sign and digits. False, with `value` untouched, when no
@@ -27,37 +30,6 @@ bool scanNumber(const char*& cursor, int width, int& value) {
         number = number * 10 + (*cursor - '0');
     value = negative ? -number : number;
     return true;
-}
-
-struct DateTimeFields {
-    int year = 0;
-    int month = 0;
-    int day = 0;
-    int hour = 0;
-    int minute = 0;
-    int second = 0;
-};
-
-// Reads two digits and moves past them; false, with `text` where it was, when they are not both.
-bool takePair(const char*& text, int& value) {
-    const auto tens = static_cast<unsigned>(text[0]) - '0';
-    if (tens > 9) return false;
-    const auto ones = static_cast<unsigned>(text[1]) - '0';
-    if (ones > 9) return false;
-    text += 2;
-    value = static_cast<int>(tens * 10 + ones);
-    return true;
-}
-
-// The fields of an ordinary text, in which every one has all its digits; false for any other.
-bool takeDateTime(const char* text, DateTimeFields& fields) {
-    int century = 0;
-    if (!takePair(text, century) || !takePair(text, fields.year)) return false;
-    fields.year += century * 100;
-    if (!takePair(text, fields.month) || !takePair(text, fields.day) || *text++ != 'T')
-        return false;
-    return takePair(text, fields.hour) && takePair(text, fields.minute) &&
-           takePair(text, fields.second);
 }
 
 // The fields that scanf's "%4d%2d%2dT%2d%2d%2d" fills; those from the first mismatch on stay 0. The

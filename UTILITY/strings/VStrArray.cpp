@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "platform/Immortal.h"
 #include "platform/Platform.h"
@@ -146,7 +147,10 @@ void VStrArray::RemoveAt(int i, int count) {
 }
 
 VStr* VStrArray::VStrArrNew(int n) {
-    return qel::newStrings(n);
+    // The room for the count that the compiler keeps before an array is left aside.
+    constexpr std::size_t kMost = (PTRDIFF_MAX - 64) / sizeof(VStr);
+    if (n < 0 || static_cast<std::size_t>(n) > kMost) return nullptr;
+    return new (std::nothrow) VStr[static_cast<std::size_t>(n)];
 }
 
 void VStrArray::VStrArrDel(VStr* p, int /*n*/) {
