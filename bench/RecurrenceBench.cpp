@@ -68,11 +68,10 @@ bool sameDates(const Series& series) {
     const Iterator peer = iteratorOf(series);
     int next = -1;
     int previous = -1;
-    for (int i = 0; i < kAgreed; ++i) {
+    for (int i = 0; i < kAgreed; ++i)
         if (ZQRepeatNextDate(&repeat, &next, &previous) != 0 ||
             codeOf(icalrecur_iterator_next(peer.get())) != next)
             return false;
-    }
     return true;
 }
 
@@ -137,9 +136,8 @@ bool sameJumps(const Series& series) {
     int previous = -1;
     for (int date = repeat.startDate + kTenYears; date < repeat.startDate + kTenYears + kDates;
          ++date) {
-        while (next < date) {
+        while (next < date)
             if (ZQRepeatNextDate(&repeat, &next, &previous) != 0) return false;
-        }
         if (firstFrom(repeat, date) != next) return false;
         if (hasPeer(series) && firstFrom(peer, timeOf(date)) != next) return false;
     }
@@ -151,9 +149,10 @@ void addJumps() {
         const ZQTR_REPEAT repeat = repeatOf(series);
         std::vector<icaltimetype> times;
         for (int i = 0; i < kDates; ++i) times.push_back(timeOf(repeat.startDate + kTenYears + i));
-        Comparison row({std::string("first occurrence ten years on, ") + series.name, 30,
-                        "a record of 148 bytes read, no allocation"},
-                       [&series] { return sameJumps(series); });
+        Comparison row(
+            {std::string("first occurrence ten years on, ") + series.name, 30,
+             "a record of 148 bytes read, no allocation"},
+            [&series] { return sameJumps(series); });
         row.ours([repeat, i = 0]() mutable {
             benchmark::DoNotOptimize(
                 firstFrom(repeat, repeat.startDate + kTenYears + i++ % kDates));

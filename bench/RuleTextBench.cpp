@@ -49,8 +49,9 @@ void addRuleTexts() {
             benchmark::DoNotOptimize(BxUtil_PositionalV20toRRULE(kICalendar, &rule, nullptr));
             benchmark::DoNotOptimize(rule);
         })
-        .peer("libical",
-              [] { benchmark::DoNotOptimize(icalrecurrencetype_from_string(kICalendar)); });
+        .peer(
+            "libical",
+            [] { benchmark::DoNotOptimize(icalrecurrencetype_from_string(kICalendar)); });
     Comparison(
         {"record to iCalendar rule text", 45, "46 bytes written into one block", 0, "libical", 142},
         sameRule)

@@ -98,11 +98,13 @@ void add(const std::string& name, const std::vector<T>& values, double goalOut, 
 }  // namespace
 
 void addStreams() {
-    add("int", numbers(), 7, 5, 25, 50, "up to 9 bytes moved", [](CBxDataStream& stream) {
-        int value = 0;
-        stream >> value;
-        benchmark::DoNotOptimize(value);
-    });
+    add(
+        "int", numbers(), 7, 5, 25, 50, "up to 9 bytes moved",
+        [](CBxDataStream& stream) {
+            int value = 0;
+            stream >> value;
+            benchmark::DoNotOptimize(value);
+        });
     add("20 characters", texts(), 12, 25, 30, 34, "21 bytes moved; a block for each string read",
         [value = std::make_shared<VStr>()](CBxDataStream& stream) { stream >> *value; });
 }

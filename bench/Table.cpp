@@ -45,17 +45,15 @@ double costOf(const Work& work, double value, double goal) {
 }
 
 void printRow(std::ostream& out, const Cells& cells, const std::vector<std::size_t>& widths) {
-    for (std::size_t i = 0; i < cells.size(); ++i) {
+    for (std::size_t i = 0; i < cells.size(); ++i)
         out << "| " << cells[i] << std::string(widths[i] - cells[i].size(), ' ') << ' ';
-    }
     out << "|\n";
 }
 
 void print(std::ostream& out, const std::vector<Cells>& rows) {
     std::vector<std::size_t> widths(rows.front().size(), 3);
-    for (const Cells& row : rows) {
+    for (const Cells& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-    }
     printRow(out, rows.front(), widths);
     Cells rule;
     for (const std::size_t width : widths) rule.emplace_back(width, '-');

@@ -95,16 +95,19 @@ auto bySpdlog(const char* name, bool flush) {
 
 void addKept(const char* name, int mode, double goal, bool flush, double spdlogTook,
              const char* floor) {
-    Comparison({name, goal, floor, 0, "spdlog", spdlogTook}, [mode] { return linesArrive(mode); })
+    Comparison(
+        {name, goal, floor, 0, "spdlog", spdlogTook}, [mode] { return linesArrive(mode); })
         .ours([mode] {
             useMode(mode);
             benchmark::DoNotOptimize(BxTrace_Tracef("%s", kMessage));
         })
         .peer("spdlog", bySpdlog(flush ? "flushed.log" : "kept.log", flush))
-        .peer("bare write", [handle = ::open(folder().file("bare.log").c_str(),
-                                             O_WRONLY | O_CREAT | O_APPEND, 0600)] {
-            benchmark::DoNotOptimize(::write(handle, kBareLine, sizeof kBareLine - 1));
-        });
+        .peer(
+            "bare write",
+            [handle =
+                 ::open(folder().file("bare.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600)] {
+                benchmark::DoNotOptimize(::write(handle, kBareLine, sizeof kBareLine - 1));
+            });
 }
 
 }  // namespace

@@ -27,32 +27,36 @@ void byStrcspn(const char* text, std::vector<std::string>& items) {
 }  // namespace
 
 void addValues() {
-    Comparison({"12 items of a line, parser reused", 110, "62 bytes moved, 12 blocks", 0,
-                "std::string by strcspn", 119},
-               [] {
-                   CBxParseValues ours;
-                   ours.BuildSymbolArray(kLine);
-                   std::vector<std::string> peer;
-                   byStrcspn(kLine, peer);
-                   if (ours.GetSize() != 12 || peer.size() != 12) return false;
-                   for (int i = 0; i < 12; ++i)
-                       if (peer[static_cast<std::size_t>(i)] != static_cast<const char*>(ours[i]))
-                           return false;
-                   return true;
-               })
+    Comparison(
+        {"12 items of a line, parser reused", 110, "62 bytes moved, 12 blocks", 0,
+         "std::string by strcspn", 119},
+        [] {
+            CBxParseValues ours;
+            ours.BuildSymbolArray(kLine);
+            std::vector<std::string> peer;
+            byStrcspn(kLine, peer);
+            if (ours.GetSize() != 12 || peer.size() != 12) return false;
+            for (int i = 0; i < 12; ++i)
+                if (peer[static_cast<std::size_t>(i)] != static_cast<const char*>(ours[i]))
+                    return false;
+            return true;
+        })
         .ours([parser = CBxParseValues()]() mutable {
             parser.RemoveSymbols();
             benchmark::DoNotOptimize(parser.BuildSymbolArray(kLine));
         })
-        .peer("std::string by strcspn",
-              [items = std::vector<std::string>()]() mutable {
-                  byStrcspn(kLine, items);
-                  benchmark::DoNotOptimize(items.data());
-              })
-        .peer("Boost", [items = std::vector<std::string>()]() mutable {
-            boost::algorithm::split(items, kLine, boost::algorithm::is_any_of(","));
-            benchmark::DoNotOptimize(items.data());
-        });
+        .peer(
+            "std::string by strcspn",
+            [items = std::vector<std::string>()]() mutable {
+                byStrcspn(kLine, items);
+                benchmark::DoNotOptimize(items.data());
+            })
+        .peer(
+            "Boost",
+            [items = std::vector<std::string>()]() mutable {
+                boost::algorithm::split(items, kLine, boost::algorithm::is_any_of(","));
+                benchmark::DoNotOptimize(items.data());
+            });
 }
 
 }  // namespace qel::bench

@@ -125,9 +125,8 @@ constexpr const char* describe(FieldData& data) {
     if (problem != nullptr) return problem;
     data.propertyIndex = data.propertyId & kIndexMask;
     // Deliberately loose: a multi property's index is held against both tables together too.
-    if (data.propertyIndex >= tables.basic.size() + tables.multi.size()) {
+    if (data.propertyIndex >= tables.basic.size() + tables.multi.size())
         return "Invalid parent property index";
-    }
     return nullptr;
 }
 
@@ -194,9 +193,8 @@ const FieldData* findField(std::uint32_t id) {
 }  // namespace qel
 
 int BxUtil_GetFieldDataByID(unsigned long fieldId, FieldData* out) {
-    if (out == nullptr) {
+    if (out == nullptr)
         return BxTrace_Error_S(qel::kSourceName, __LINE__, "No field data", QEL_FAILED);
-    }
     const auto id = static_cast<std::uint32_t>(fieldId & 0xFFFFFFFF);
     if (const FieldData* field = qel::findField(id); field != nullptr) {
         *out = *field;

@@ -99,11 +99,10 @@ static_assert(kOperations.size() == 12 + 13);
 
 VStr StatusText(int status) {
     VStr text;
-    if (status >= 0 && static_cast<std::size_t>(status) < qel::kStatusNames.size()) {
+    if (status >= 0 && static_cast<std::size_t>(status) < qel::kStatusNames.size())
         text.Format("Status=%s", qel::kStatusNames[static_cast<std::size_t>(status)]);
-    } else {
+    else
         text.Format("Status=%i", status);
-    }
     return text;
 }
 

@@ -91,17 +91,15 @@ constexpr std::uint32_t fieldId(FieldRecordType record, FieldAccessType access, 
 // The identifier of the row with that name. A name without a row does not compile.
 template <typename Row>
 constexpr std::uint32_t idOf(std::span<const Row> rows, std::string_view name) {
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         if (row.name == name) return row.id;
-    }
     throw "no row has this name";
 }
 
 template <typename Row>
 constexpr bool hasName(std::span<const Row> rows, std::string_view name) {
-    for (const Row& row : rows) {
+    for (const Row& row : rows)
         if (row.name == name) return true;
-    }
     return false;
 }
 

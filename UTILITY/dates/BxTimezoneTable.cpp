@@ -157,9 +157,8 @@ constexpr auto kFirstChange = [] {
 constexpr std::size_t kChangeCount = kFirstChange[kZoneCount];
 
 constexpr bool numbersAscendByOne() {
-    for (std::size_t i = 0; i < kZones.size(); ++i) {
+    for (std::size_t i = 0; i < kZones.size(); ++i)
         if (kZones[i].number != static_cast<int>(i) + 1) return false;
-    }
     return true;
 }
 static_assert(numbersAscendByOne());

@@ -83,11 +83,10 @@ int CBxTimeZoneUtility::Initialize() {
 
 int CBxTimeZoneUtility::LoadTimeZone(_EXCH_TZ* zone) {
     _EXCH_TZ description{};
-    if (zone != nullptr) {
+    if (zone != nullptr)
         description = *zone;
-    } else {
+    else
         LoadCurrentTZ(&description);
-    }
     TimeZoneDescription rules;
     rules.bias = description.Bias;
     rules.standardBias = description.StandardBias;

@@ -202,9 +202,8 @@ int clampOffset(int part) {
 namespace qel {
 
 int offsetAt(std::span<const ZoneChange> changes, ZoneColumn column, ZoneTime& time) {
-    if (changes.empty()) {
+    if (changes.empty())
         return BxTrace_Error_S(kSourceName, kLineNoOffsets, "no offsets array", QEL_FAILED);
-    }
     const auto key = [](const ZoneTime& t) { return std::tuple(t.date, t.hour, t.minute); };
     const auto half = [column](const ZoneChange& change) -> const ZoneTime& {
         return column == ZoneColumn::Local ? change.local : change.utc;
@@ -227,9 +226,8 @@ int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time) {
 
 int BxTZ_GetZoneID(const char* name) {
     const char* const wanted = name == nullptr ? "" : name;
-    for (int zone = 1; zone <= qel::kZoneCount; ++zone) {
+    for (int zone = 1; zone <= qel::kZoneCount; ++zone)
         if (equalNoCase(wanted, qel::zoneName(zone))) return zone;
-    }
     char text[512];  // the error line shows less
     std::snprintf(text, sizeof text, "Bad Timezone: %.400s", wanted);
     BxTrace_Error_SL(kSourceName, kLineUnknownName, text, QEL_MALFORMED, QEL_MALFORMED);

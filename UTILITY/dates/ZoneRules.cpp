@@ -33,15 +33,13 @@ std::optional<std::int64_t> momentIn(int year, const platform::ZoneChangeMoment&
                                      bool absolute) {
     if (moment.hour < 0 || moment.hour > 23 || moment.minute < 0 || moment.minute > 59 ||
         moment.second < 0 || moment.second > 59 || moment.millisecond < 0 ||
-        moment.millisecond > 999) {
+        moment.millisecond > 999)
         return std::nullopt;
-    }
     std::int64_t day = 0;
     if (absolute) {
         if (moment.month < 1 || moment.month > 12 || moment.day < 1 ||
-            moment.day > daysInMonth(moment.month, year)) {
+            moment.day > daysInMonth(moment.month, year))
             return std::nullopt;
-        }
         day = fileTimeOfDay(chr::year(year) / moment.month / moment.day);
     } else {
         const int code = relativeDayOfMonth(year, moment.month, moment.day, moment.dayOfWeek);

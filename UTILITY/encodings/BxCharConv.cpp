@@ -78,9 +78,8 @@ CBxCharConvSvcs& CBxCharConvSvcs::operator=(CBxCharConvSvcs& o) {
 int CBxCharConvSvcs::Initialize(const char* to, const char* from) {
     const char* toEntry = qel::findCharSet(to);
     const char* fromEntry = qel::findCharSet(from);
-    if (toEntry == nullptr || fromEntry == nullptr || toEntry == fromEntry) {
+    if (toEntry == nullptr || fromEntry == nullptr || toEntry == fromEntry)
         return QEL_NOT_INITIALIZED;
-    }
     qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     m_toName = duplicate(toEntry);
     m_fromName = duplicate(fromEntry);
@@ -129,9 +128,8 @@ int CBxCharConvSvcs::BxConvChar(const char*& in, unsigned int& inLeft, char*& ou
     for (;;) {
         const int result = BxConvChar_guts(in, inLeft, out, outLeft);
         if (result == QEL_OK || result == QEL_OUTPUT_TOO_SMALL) return result;
-        if (result != BX_CONV_INVALID_SEQUENCE && result != BX_CONV_INCOMPLETE_INPUT) {
+        if (result != BX_CONV_INVALID_SEQUENCE && result != BX_CONV_INCOMPLETE_INPUT)
             return BX_CONV_FAILED;
-        }
         if (inLeft < 2) return QEL_OK;
         // Byte by byte in effect; the bytes whose trial is known to fail are skipped at once.
         const std::uint32_t skipped =

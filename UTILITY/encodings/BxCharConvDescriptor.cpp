@@ -161,11 +161,10 @@ unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned i
             const std::uint32_t written = qel::platform::convertCodePage(
                 cd->fromCodePage, cd->toCodePage, *in, *inLeft, *out, *outLeft);
             error = 0;
-            if (written != 0) {
+            if (written != 0)
                 qel::advance(*in, *inLeft, *out, *outLeft, written);
-            } else {
+            else
                 error = qel::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
-            }
         } else {
             result = *inLeft;
             error = qel::copyBytes(*in, *inLeft, *out, *outLeft);

@@ -33,9 +33,8 @@ int hexValue(char c) {
 // Big-endian words of the first `count` bytes; the others count as zero.
 TeaBlock packed(const unsigned char* bytes, std::size_t count) {
     TeaBlock block{};
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < count; ++i)
         block[i / 4] |= std::uint32_t{bytes[i]} << (24 - 8 * (i % 4));
-    }
     return block;
 }
 
@@ -52,9 +51,8 @@ void clear(void* out, std::uint64_t size) {
 int encipherToHex(const char* text, char* out, int outSize, const TeaKey& key) {
     const std::size_t length = text == nullptr ? 0 : std::strlen(text);
     const std::uint64_t blocks = (std::uint64_t{length} + kTeaBlockSize - 1) / kTeaBlockSize;
-    if (outSize < 0 || static_cast<std::uint64_t>(outSize) < blocks * kHexBlockSize) {
+    if (outSize < 0 || static_cast<std::uint64_t>(outSize) < blocks * kHexBlockSize)
         return ZQUT_OUTPUT_TOO_SMALL;
-    }
     if (out == nullptr) return outSize == 0 ? 0 : ZQUT_OUTPUT_TOO_SMALL;
     clear(out, static_cast<std::uint64_t>(outSize));
     for (std::size_t done = 0; done < length; done += kTeaBlockSize) {
@@ -74,11 +72,10 @@ int decipherFromHex(const char* hex, void* out, unsigned int outSize, const TeaK
     if (length % 8 != 0) return ZQUT_MALFORMED;
     int result = 0;
     if (std::any_of(hex, hex + length, [](char c) { return hexValue(c) < 0; }) ||
-        length % kHexBlockSize != 0) {
+        length % kHexBlockSize != 0)
         result = ZQUT_MALFORMED;
-    } else if (outSize < length / 2 || (out == nullptr && outSize != 0)) {
+    else if (outSize < length / 2 || (out == nullptr && outSize != 0))
         result = ZQUT_OUTPUT_TOO_SMALL;
-    }
     if (result != 0) {
         clear(out, outSize);
         return result;

@@ -92,9 +92,8 @@ const char* QELUTILITY_CALL GetMIMEDelimiter(char* value, VStr& out) {
     char* const type = qel::pastSpace(value);
     char* const slash = std::strchr(type, '/');
     if (slash == nullptr ||
-        !qel::equalNoCase({type, static_cast<std::size_t>(slash - type)}, qel::kTypeName)) {
+        !qel::equalNoCase({type, static_cast<std::size_t>(slash - type)}, qel::kTypeName))
         return nullptr;
-    }
     char* const separator = std::strchr(slash, ';');
     if (separator == nullptr) return nullptr;
     const char* const lineEnd = GetFoldedLineEnd(separator, nullptr);
@@ -102,9 +101,8 @@ const char* QELUTILITY_CALL GetMIMEDelimiter(char* value, VStr& out) {
     if (start == nullptr) return nullptr;
 
     const std::string_view boundary = qel::boundaryAt(start, lineEnd);
-    if (boundary.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    if (boundary.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
         return nullptr;
-    }
     // By way of a string of its own, since `value` may be out's text.
     VStr result;
     result.Copy(boundary.empty() ? "" : boundary.data(), static_cast<int>(boundary.size()));

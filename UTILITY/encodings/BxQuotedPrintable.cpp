@@ -112,19 +112,17 @@ class Encoder {
     std::size_t unitSize() const {
         const unsigned char first = text_[position_];
         std::size_t size = 1;
-        if (first >= 0xF0 && first <= 0xF4) {
+        if (first >= 0xF0 && first <= 0xF4)
             size = 4;
-        } else if (first >= 0xE0 && first < 0xF0) {
+        else if (first >= 0xE0 && first < 0xF0)
             size = 3;
-        } else if (first >= 0xC2 && first < 0xE0) {
+        else if (first >= 0xC2 && first < 0xE0)
             size = 2;
-        } else if (first == '\r' && length_ - position_ > 1 && text_[position_ + 1] == '\n') {
+        else if (first == '\r' && length_ - position_ > 1 && text_[position_ + 1] == '\n')
             return 2;
-        }
         if (size > length_ - position_) return 1;
-        for (std::size_t i = 1; i < size; ++i) {
+        for (std::size_t i = 1; i < size; ++i)
             if ((text_[position_ + i] & 0xC0) != 0x80) return 1;
-        }
         return size;
     }
 
@@ -228,16 +226,14 @@ std::uint64_t decodeTo(const char* source, std::size_t length, char* out) {
         i = runEnd(text, length, i);
         std::size_t kept = i;
         // Blanks before a line break are transport padding.
-        if (i < length && text[i] != '=') {
+        if (i < length && text[i] != '=')
             while (kept > first && isBlank(text[kept - 1])) --kept;
-        }
         sink.put(text + first, kept - first);
         if (i == length) break;
-        if (text[i] == '=') {
+        if (text[i] == '=')
             i = decodeEscape(text, length, i, sink);
-        } else {
+        else
             sink.put(text[i++]);
-        }
     }
     return sink.length();
 }
@@ -274,7 +270,8 @@ std::uint64_t longestCode(std::size_t length) {
 int QELUTILITY_CALL encodeQP(const char* text, size_t length, size_t startColumn, char* out,
                              size_t outSize, size_t* resultLength) {
     return qel::produce(
-        text, length, qel::longestCode(length), out, outSize, resultLength, [&](char* buffer) {
+        text, length, qel::longestCode(length), out, outSize, resultLength,
+        [&](char* buffer) {
             return qel::Encoder(text, length, startColumn, qel::LineBreaks::kData, buffer).run();
         });
 }
@@ -282,13 +279,15 @@ int QELUTILITY_CALL encodeQP(const char* text, size_t length, size_t startColumn
 int QELUTILITY_CALL encodeQuotedPrintable(const char* text, size_t length, char* out,
                                           size_t outSize, size_t* resultLength) {
     return qel::produce(
-        text, length, qel::longestCode(length), out, outSize, resultLength, [&](char* buffer) {
+        text, length, qel::longestCode(length), out, outSize, resultLength,
+        [&](char* buffer) {
             return qel::Encoder(text, length, 0, qel::LineBreaks::kLineBreaks, buffer).run();
         });
 }
 
 int QELUTILITY_CALL decodeQP(const char* text, size_t length, char* out, size_t outSize,
                              size_t* resultLength) {
-    return qel::produce(text, length, length, out, outSize, resultLength,
-                        [&](char* buffer) { return qel::decodeTo(text, length, buffer); });
+    return qel::produce(
+        text, length, length, out, outSize, resultLength,
+        [&](char* buffer) { return qel::decodeTo(text, length, buffer); });
 }

@@ -148,11 +148,10 @@ class Operation {
             system_.pause(kPollMilliseconds);
             ++polls;
             const std::uint32_t error = interrogate(status);
-            if (error == platform::kErrorCannotAcceptControl) {
+            if (error == platform::kErrorCannotAcceptControl)
                 system_.pause(status.waitHint > kShortestHint ? status.waitHint : kShortestHint);
-            } else if (error != 0) {
+            else if (error != 0)
                 break;
-            }
         }
         return polls < kMostPolls && status.state == platform::kStopped;
     }

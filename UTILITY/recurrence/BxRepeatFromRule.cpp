@@ -40,9 +40,8 @@ int readMonthDays(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* flags) {
     const unsigned days = rule.byMonthDay & kMonthDayBits;
     const unsigned negativeDays = rule.byMonthDayNeg & kMonthDayBits;
     if (days != 0) repeat.dayOfMonth = static_cast<short>(std::countr_zero(days));
-    if (std::popcount(days) + std::popcount(negativeDays) >= 2) {
+    if (std::popcount(days) + std::popcount(negativeDays) >= 2)
         warn(flags, BXREPEAT_SEVERAL_MONTH_DAYS);
-    }
     if (std::popcount(negativeDays) < 2) return QEL_OK;
     warn(flags, BXREPEAT_SEVERAL_NEGATIVE_DAYS);
     if (days != 0) return QEL_OK;
@@ -97,9 +96,8 @@ int readExclusions(const char* text, ZQTR_REPEAT& repeat, int* flags) {
     const auto items =
         static_cast<std::size_t>(1 + std::count(text, text + std::strlen(text), ','));
     const std::size_t kept = std::min<std::size_t>(items, kMaxExclusions);
-    if (kept < items) {
+    if (kept < items)
         BxTrace_Error_S(kSourceName, __LINE__, "Too many exclusions", QEL_RULE_INEXPRESSIBLE);
-    }
     int* const dates = static_cast<int*>(std::malloc(kept * sizeof(int)));
     if (dates == nullptr) return fail(__LINE__, "No memory for exclusions", QEL_OUT_OF_MEMORY);
     const char* item = text;
@@ -165,9 +163,8 @@ int deriveEnd(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* endFromRule, i
     int previous = -1;
     for (int i = 0; i < rule.count; ++i) {
         const int before = next;
-        if (const int result = ZQRepeatNextDate(&repeat, &next, &previous); result != QEL_OK) {
+        if (const int result = ZQRepeatNextDate(&repeat, &next, &previous); result != QEL_OK)
             return BxTrace_Error(kSourceName, kLineCountFailed, 0, result);
-        }
         if (next <= before) break;
     }
     repeat.endDate = next;
@@ -178,9 +175,8 @@ int deriveEnd(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* endFromRule, i
 
 int readParts(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* flags) {
     if (hasPart(rule, RRULE_TYPE_BYMONTH)) readMonths(rule, repeat, flags);
-    if (hasPart(rule, RRULE_TYPE_BYWEEKNO)) {
+    if (hasPart(rule, RRULE_TYPE_BYWEEKNO))
         return fail(kLineWeekNumbers, "Can not handle ByWeekNo", QEL_RULE_UNSUPPORTED);
-    }
     int result = QEL_OK;
     if (hasPart(rule, RRULE_TYPE_BYMONTHDAY)) result = readMonthDays(rule, repeat, flags);
     if (result == QEL_OK && hasPart(rule, RRULE_TYPE_BYDAY)) result = readWeekdays(rule, repeat);
@@ -215,8 +211,7 @@ int QELUTILITY_CALL BxUtil_RRuleToBxRepeat(_rruleRepeat* rule, const char* exclu
     int result = readParts(*rule, *repeat, flags);
     if (result == QEL_OK) result = readExclusions(exclusions, *repeat, flags);
     if (result == QEL_OK) result = completeType(*rule, startText, *repeat, flags);
-    if (result == QEL_OK && rule->until == -1 && rule->count > 0) {
+    if (result == QEL_OK && rule->until == -1 && rule->count > 0)
         result = deriveEnd(*rule, *repeat, endFromRule, flags);
-    }
     return result;
 }

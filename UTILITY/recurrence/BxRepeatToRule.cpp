@@ -33,9 +33,8 @@ void setWeekday(_rruleRepeat& rule, int weekday) {
 
 void setSelectedWeekdays(_rruleRepeat& rule, const ZQTR_REPEAT& repeat) {
     unsigned days = 0;
-    for (int i = 0; i < 7; ++i) {
+    for (int i = 0; i < 7; ++i)
         if (repeat.days[i] != 0) days |= 2U << i;
-    }
     setByDay(rule, days);
 }
 
@@ -60,9 +59,8 @@ void setMonth(_rruleRepeat& rule, int month) {
 void setSelectedMonths(_rruleRepeat& rule, const ZQTR_REPEAT& repeat) {
     setPart(rule, RRULE_TYPE_BYMONTH);
     unsigned months = 0;
-    for (int i = 0; i < 12; ++i) {
+    for (int i = 0; i < 12; ++i)
         if (repeat.months[i] != 0) months |= 2U << i;
-    }
     rule.byMonth = static_cast<unsigned short>(months);
 }
 

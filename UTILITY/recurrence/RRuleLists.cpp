@@ -58,17 +58,16 @@ void RRule_AppendMonthDays(const _rruleRepeat& rule, RRuleOutput& out, char sepa
 void RRule_AppendYearDays(const _rruleRepeat& rule, RRuleOutput& out, char separator) {
     constexpr int kLast = 366;
     ItemWriter items(out, separator);
-    for (int day = 1; day <= kLast; ++day) {
+    for (int day = 1; day <= kLast; ++day)
         if ((rule.byYearDay[day / 64] >> day % 64 & 1) != 0) items.number(day);
-    }
-    for (int day = 1; day <= kLast; ++day) {
+    for (int day = 1; day <= kLast; ++day)
         if ((rule.byYearDayNeg[day / 64] >> day % 64 & 1) != 0) items.number(-day);
-    }
 }
 
 void RRule_AppendWeekNumbers(const _rruleRepeat& rule, RRuleOutput& out) {
     ItemWriter items(out, ',');
-    eachBit(rule.byWeekNo, 53, [&items](int week) { items.number(week); });
+    eachBit(
+        rule.byWeekNo, 53, [&items](int week) { items.number(week); });
     eachBit(rule.byWeekNoNeg, 53, [&items](int week) { items.number(-week); });
 }
 

@@ -61,53 +61,58 @@ int readByDay(std::string_view list, _rruleRepeat& rule) {
                 if (positions < kPositionSlots)
                     rule.setPos[positions++] = static_cast<short>(ordinal);
             }
-            for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i) {
+            for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i)
                 item.remove_prefix(1);
-            }
         }
-        if (const int day = RRule_DayOfCodeNoCase(item); day != 0) {
+        if (const int day = RRule_DayOfCodeNoCase(item); day != 0)
             rule.byDay |= static_cast<unsigned char>(1U << day);
-        }
     });
     return positions;
 }
 
 void readByMonthDay(std::string_view list, _rruleRepeat& rule) {
-    readList(list, rule, RRULE_TYPE_BYMONTHDAY, [&](std::string_view item) {
-        const long long n = RRule_Number(item);
-        if (n > 0) rule.byMonthDay |= 1U << (n % 32);
-        if (n < 0) rule.byMonthDayNeg |= 1U << (-n % 32);
-    });
+    readList(
+        list, rule, RRULE_TYPE_BYMONTHDAY,
+        [&](std::string_view item) {
+            const long long n = RRule_Number(item);
+            if (n > 0) rule.byMonthDay |= 1U << (n % 32);
+            if (n < 0) rule.byMonthDayNeg |= 1U << (-n % 32);
+        });
 }
 
 void readByYearDay(std::string_view list, _rruleRepeat& rule) {
-    readList(list, rule, RRULE_TYPE_BYYEARDAY, [&](std::string_view item) {
-        const long long n = RRule_Number(item);
-        const long long magnitude = n < 0 ? -n : n;
-        if (n == 0 || magnitude / 64 >= kYearDayWords) return;
-        const unsigned long long bit = 1ULL << (magnitude % 64);
-        if (n > 0) {
-            rule.byYearDay[magnitude / 64] |= bit;
-        } else {
-            rule.byYearDayNeg[magnitude / 64] |= bit;
-        }
-    });
+    readList(
+        list, rule, RRULE_TYPE_BYYEARDAY,
+        [&](std::string_view item) {
+            const long long n = RRule_Number(item);
+            const long long magnitude = n < 0 ? -n : n;
+            if (n == 0 || magnitude / 64 >= kYearDayWords) return;
+            const unsigned long long bit = 1ULL << (magnitude % 64);
+            if (n > 0)
+                rule.byYearDay[magnitude / 64] |= bit;
+            else
+                rule.byYearDayNeg[magnitude / 64] |= bit;
+        });
 }
 
 void readByWeekNo(std::string_view list, _rruleRepeat& rule) {
-    readList(list, rule, RRULE_TYPE_BYWEEKNO, [&](std::string_view item) {
-        const long long n = RRule_Number(item);
-        if (n > 0 && n < 64) rule.byWeekNo |= 1ULL << n;
-        if (n < 0 && n > -64) rule.byWeekNoNeg |= 1ULL << -n;
-    });
+    readList(
+        list, rule, RRULE_TYPE_BYWEEKNO,
+        [&](std::string_view item) {
+            const long long n = RRule_Number(item);
+            if (n > 0 && n < 64) rule.byWeekNo |= 1ULL << n;
+            if (n < 0 && n > -64) rule.byWeekNoNeg |= 1ULL << -n;
+        });
 }
 
 // No range is tested: "0" and 13 to 15 set bits that are no month's.
 void readByMonth(std::string_view list, _rruleRepeat& rule) {
-    readList(list, rule, RRULE_TYPE_BYMONTH, [&](std::string_view item) {
-        const auto bit = 1U << (static_cast<unsigned>(RRule_Number(item)) % 32);
-        rule.byMonth |= static_cast<unsigned short>(bit);
-    });
+    readList(
+        list, rule, RRULE_TYPE_BYMONTH,
+        [&](std::string_view item) {
+            const auto bit = 1U << (static_cast<unsigned>(RRule_Number(item)) % 32);
+            rule.byMonth |= static_cast<unsigned short>(bit);
+        });
 }
 
 // The slots that BYDAY's ordinals took are passed over together with as many items of this list:
@@ -127,17 +132,15 @@ void readBounds(const Fields& fields, _rruleRepeat& rule, int* flags) {
         const __int64 until = RRule_ReadUntil(fields[kUntil], flags);
         if (until >= 0) rule.until = until;
     }
-    if (rule.until < 0 && !fields[kCount].empty()) {
+    if (rule.until < 0 && !fields[kCount].empty())
         rule.count = static_cast<short>(RRule_Number(fields[kCount]));
-    }
     const int interval = RRule_Number(fields[kInterval]);
     if (interval > 0) rule.interval = static_cast<short>(interval);
 }
 
 int readFields(const Fields& fields, _rruleRepeat& rule, int* flags) {
-    for (const auto& frequency : kFrequencyNames) {
+    for (const auto& frequency : kFrequencyNames)
         if (RRule_IsName(fields[kFreq], frequency.name)) rule.freq = frequency.bit;
-    }
     if (rule.freq == 0) return RRule_BadFrequency(fields[kFreq]);
     readBounds(fields, rule, flags);
     const int slotsTaken = readByDay(fields[kByDay], rule);
@@ -146,9 +149,8 @@ int readFields(const Fields& fields, _rruleRepeat& rule, int* flags) {
     readByWeekNo(fields[kByWeekNo], rule);
     readByMonth(fields[kByMonth], rule);
     readBySetPos(fields[kBySetPos], rule, slotsTaken);
-    if (const int day = RRule_DayOfCodeNoCase(fields[kWeekStart]); day != 0) {
+    if (const int day = RRule_DayOfCodeNoCase(fields[kWeekStart]); day != 0)
         rule.wkst |= static_cast<unsigned char>(1U << day);
-    }
     return QEL_OK;
 }
 
@@ -210,13 +212,11 @@ Fields positionalFields(std::string_view text) {
     Fields fields;
     RRuleItems items(text, ';', RRuleItems::Empty::kKeep);
     std::string_view item;
-    for (std::size_t index = 0; index < kFields + kUnread && items.next(item); ++index) {
-        if (index < kFirstUnread) {
+    for (std::size_t index = 0; index < kFields + kUnread && items.next(item); ++index)
+        if (index < kFirstUnread)
             fields[index] = item;
-        } else if (index >= kFirstUnread + kUnread) {
+        else if (index >= kFirstUnread + kUnread)
             fields[index - kUnread] = item;
-        }
-    }
     return fields;
 }
 

@@ -63,15 +63,15 @@ int RRule_Number(std::string_view item) {
     if (at != end && (*at == '+' || *at == '-')) negative = *at++ == '-';
     long long value = 0;  // [0, -INT_MIN]
     constexpr long long kLimit = -static_cast<long long>(INT_MIN);
-    for (; at != end && *at >= '0' && *at <= '9'; ++at) {
+    for (; at != end && *at >= '0' && *at <= '9'; ++at)
         value = std::min(value * 10 + (*at - '0'), kLimit);
-    }
     return static_cast<int>(negative ? -value : std::min<long long>(value, INT_MAX));
 }
 
 bool RRule_IsName(std::string_view text, std::string_view name) {
-    return std::equal(text.begin(), text.end(), name.begin(), name.end(),
-                      [](char c, char letter) { return capital(c) == letter; });
+    return std::equal(
+        text.begin(), text.end(), name.begin(), name.end(),
+        [](char c, char letter) { return capital(c) == letter; });
 }
 
 int RRule_DayOfCode(std::string_view text) {

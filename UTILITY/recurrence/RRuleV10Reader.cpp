@@ -54,9 +54,8 @@ bool readEnd(std::string_view token, _rruleRepeat& rule, int* flags) {
 }
 
 void readDay(std::string_view token, _rruleRepeat& rule) {
-    if (const int day = RRule_DayOfCode(token); day != 0) {
+    if (const int day = RRule_DayOfCode(token); day != 0)
         rule.byDay |= static_cast<unsigned char>(1U << day);
-    }
 }
 
 // "1+", "2-": only the first slot is used, so that of several positions the last one is kept.
@@ -71,11 +70,10 @@ void readPosition(std::string_view token, _rruleRepeat& rule) {
 void readMonthDay(std::string_view token, _rruleRepeat& rule) {
     const int n = RRule_Number(token);
     const unsigned bit = 1U << (static_cast<unsigned>(n) % 32);
-    if (n >= 1) {
+    if (n >= 1)
         rule.byMonthDay |= bit;
-    } else {
+    else
         rule.byMonthDayNeg |= bit;
-    }
 }
 
 // A number below 1 is placed by its two's complement: 0 in the first word of byYearDayNeg, -64 to
@@ -95,24 +93,22 @@ void readYearDay(std::string_view token, _rruleRepeat& rule) {
 void readModifier(std::string_view token, _rruleRepeat& rule) {
     switch (rule.freq) {
         case RRULE_FREQ_MONTHLY:
-            if ((rule.type & RRULE_TYPE_BYMONTHDAY) != 0) {
+            if ((rule.type & RRULE_TYPE_BYMONTHDAY) != 0)
                 readMonthDay(token, rule);
-            } else if (token.find_first_of("+-") != std::string_view::npos) {
+            else if (token.find_first_of("+-") != std::string_view::npos)
                 readPosition(token, rule);
-            } else {
+            else
                 readDay(token, rule);
-            }
             break;
         case RRULE_FREQ_WEEKLY:
             rule.type |= RRULE_TYPE_BYDAY;
             readDay(token, rule);
             break;
         case RRULE_FREQ_YEARLY:
-            if ((rule.type & RRULE_TYPE_BYMONTH) == 0) {
+            if ((rule.type & RRULE_TYPE_BYMONTH) == 0)
                 readYearDay(token, rule);
-            } else if (const int n = RRule_Number(token); n >= 1 && n <= 12) {
+            else if (const int n = RRule_Number(token); n >= 1 && n <= 12)
                 rule.byMonth |= static_cast<unsigned short>(1U << n);
-            }
             break;
         default:
             break;  // a daily rule has no modifiers: they are passed over

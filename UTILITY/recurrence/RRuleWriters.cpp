@@ -32,9 +32,8 @@ constexpr Part kParts[] = {
 
 // The name of the first frequency in `rule`; empty without one.
 std::string_view frequencyName(const _rruleRepeat& rule) {
-    for (const auto& frequency : kFrequencyNames) {
+    for (const auto& frequency : kFrequencyNames)
         if ((rule.freq & frequency.bit) != 0) return frequency.name;
-    }
     return {};
 }
 
@@ -44,9 +43,8 @@ bool has(const _rruleRepeat& rule, RRulePart part) {
 
 // The first week start that is not the default Sunday, or nothing.
 std::string_view weekStart(const _rruleRepeat& rule) {
-    for (std::size_t day = 2; day <= 7; ++day) {
+    for (std::size_t day = 2; day <= 7; ++day)
         if ((rule.wkst >> day & 1) != 0) return kDayCodes[day];
-    }
     return "";
 }
 
@@ -179,7 +177,8 @@ bool writeV10(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) {
 }  // namespace
 
 const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime) {
-    return deliver(out, [&](RRuleOutput& text) { return writePositional(rule, text, withTime); });
+    return deliver(
+        out, [&](RRuleOutput& text) { return writePositional(rule, text, withTime); });
 }
 
 }  // namespace qel
@@ -187,9 +186,11 @@ const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTim
 using namespace qel;
 
 const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    return deliver(out, [&](RRuleOutput& text) { return writeIETF(rule, text, withTime); });
+    return deliver(
+        out, [&](RRuleOutput& text) { return writeIETF(rule, text, withTime); });
 }
 
 const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    return deliver(out, [&](RRuleOutput& text) { return writeV10(rule, text, withTime); });
+    return deliver(
+        out, [&](RRuleOutput& text) { return writeV10(rule, text, withTime); });
 }

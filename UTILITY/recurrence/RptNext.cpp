@@ -66,9 +66,8 @@ int nextOfType(const ZQTR_REPEAT& repeat, int previous, int& date) {
 }  // namespace
 
 int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous) {
-    if (repeat == nullptr || next == nullptr || previous == nullptr) {
+    if (repeat == nullptr || next == nullptr || previous == nullptr)
         return BxTrace_Error_S(rptnext::kSourceName, __LINE__, "Null argument", QEL_REPEAT_ENGINE);
-    }
     if (repeat->type == REPEAT_NONE) {
         *previous = *next;
         return QEL_OK;

@@ -67,12 +67,10 @@ bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
 }
 
 int nextKindOfDay(const ZQTR_REPEAT& repeat, int previous, int& date) {
-    if (repeat.dayOfMonth < 1 || repeat.dayOfMonth > kLastPosition) {
+    if (repeat.dayOfMonth < 1 || repeat.dayOfMonth > kLastPosition)
         return fail(kLineKindPosition, repeat.dayOfMonth);
-    }
-    if (repeat.dayOfWeek < REPEAT_ANY_DAY || repeat.dayOfWeek > REPEAT_WEEKEND_DAY) {
+    if (repeat.dayOfWeek < REPEAT_ANY_DAY || repeat.dayOfWeek > REPEAT_WEEKEND_DAY)
         return fail(kLineKindOfDay, repeat.dayOfWeek);
-    }
     const bool isMonthly = repeat.type == REPEAT_MONTHLY_KIND;
     CivilDate month{};
     if (!decode(baseDate(repeat, previous), month)) return failDate(__LINE__);

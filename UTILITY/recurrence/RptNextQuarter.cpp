@@ -86,9 +86,8 @@ int nextWeekdayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date) {
             toQuarter(probe, 1);
             probe.year += 3;
         }
-        if (!encode(probe, edge)) {
+        if (!encode(probe, edge))
             return failDate(isLast ? kLineQuarterFirstLastEncode : kLineQuarterFirstEncode);
-        }
         const int candidate = isLast ? weekdayBefore(repeat, edge) : weekdayFrom(repeat, edge);
         if (candidate < repeat.startDate) toQuarter(quarter, 1);
     }

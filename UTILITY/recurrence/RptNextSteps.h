@@ -99,9 +99,8 @@ constexpr void carryMonth(CivilDate& date) noexcept {
 
 // A date that was computed beyond 32 bits is a failure, never a wrapped date.
 inline int narrow(std::int64_t value, int& date) {
-    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max()) {
+    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max())
         return BxTrace_Error_S(kSourceName, __LINE__, "Date out of range", QEL_REPEAT_ENGINE);
-    }
     date = static_cast<int>(value);
     return QEL_OK;
 }

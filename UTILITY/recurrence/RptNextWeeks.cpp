@@ -16,12 +16,10 @@ constexpr int kLastWeek = 4;
 class Selection {
   public:
     explicit Selection(const ZQTR_REPEAT& repeat) {
-        for (int i = 0; i < 7; ++i) {
+        for (int i = 0; i < 7; ++i)
             if (repeat.days[i] != 0) weekdays_ |= std::uint64_t{1} << i;
-        }
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 5; ++i)
             if (repeat.weeks[i] != 0) weekDays_ |= kWeek << (7 * i);
-        }
         // Days of the fourth week that are the last of their weekday count as the last week, when
         // its flag is exactly 1.
         fourthMayBeLast_ = repeat.weeks[kFourthWeek] == 0 && repeat.weeks[kLastWeek] == 1;
@@ -56,9 +54,8 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
     int candidate = 0;
     if (const int result =
             narrow(isFirst ? repeat.startDate : std::int64_t{previous} + 1, candidate);
-        result != QEL_OK) {
+        result != QEL_OK)
         return result;
-    }
     // What lies past kLastSearchedYear, or has no date at all, is answered as it stands.
     date = candidate;
     CivilDate day{};

@@ -61,18 +61,16 @@ int WeekOfMonth(int codeDate) {
 
 int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock* list, int* valid,
                      int* total) {
-    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr) {
+    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr)
         return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
-    }
     *valid = 0;
     *total = 0;
     const int exclusions = std::max<int>(repeat->exclusionCount, 0);
     const std::int64_t capacity =
         limit == -1 ? exclusions + std::int64_t{1} : std::int64_t{limit} + exclusions + 200;
     if (const int result = DateBlock_Reserve(list, capacity * std::int64_t{sizeof(int)});
-        result != QEL_OK) {
+        result != QEL_OK)
         return fail(__LINE__, result, QEL_OUT_OF_MEMORY);
-    }
     Listing listing{list->data, capacity};
     int current = repeat->startDate;  // the single occurrence of a record of type 0
     int previous = -1;
@@ -128,17 +126,15 @@ int Unfold_TrimToCount(int wanted, int anchor, DateBlock* list, int* valid, int*
 
 int Unfold_Repeat(ZQTR_REPEAT* repeat, int wanted, int anchor, int from, int to, DateBlock* list,
                   int* valid, int* total) {
-    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr) {
+    if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr)
         return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
-    }
     *valid = 0;
     *total = 0;
     if (wanted < 1) return fail(__LINE__, wanted, QEL_NOT_INITIALIZED);
     int result = Unfold_ClampRange(repeat, wanted, anchor, &from, &to);
     if (result == QEL_OK) result = Unfold_ListDates(repeat, wanted, from, to, list, valid, total);
-    if (result == QEL_OK && *valid > wanted) {
+    if (result == QEL_OK && *valid > wanted)
         result = Unfold_TrimToCount(wanted, anchor, list, valid, total);
-    }
     return result;
 }
 
@@ -147,9 +143,8 @@ int Unfold_HasOccurrence(int from, int to, int anchor, ZQTR_REPEAT* repeat) {
     int valid = 0;
     int total = 0;
     int result = DateBlock_Init(&list, 0, kDateBlockStep, kDateBlockMaximum);
-    if (result == QEL_OK) {
+    if (result == QEL_OK)
         result = Unfold_Repeat(repeat, 1, anchor, from, to, &list, &valid, &total);
-    }
     DateBlock_Free(&list);
     if (result != QEL_OK) return fail(__LINE__, result, result);
     return valid > 0 ? 1 : 0;

@@ -96,13 +96,11 @@ int saturate(std::int64_t value) {
 
 int Unfold_EstimateDays(const ZQTR_REPEAT* repeat, std::int64_t count, std::int64_t* days) {
     Density density{};
-    if (!densityOf(*repeat, density)) {
+    if (!densityOf(*repeat, density))
         return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_STORAGE_NOT_OWNED);
-    }
     const std::int64_t divisor = density.per * density.perYear;
-    if (divisor == 0) {
+    if (divisor == 0)
         return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_REPEAT_ENGINE);
-    }
     *days = std::max(count * density.factor * density.unit / divisor, density.minimum);
     return QEL_OK;
 }
@@ -118,9 +116,8 @@ int Unfold_ClampRange(const ZQTR_REPEAT* repeat, int wanted, int anchor, int* fr
     const std::int64_t exclusions = std::max<int>(repeat->exclusionCount, 0);
     std::int64_t span = 0;
     if (const int result = Unfold_EstimateDays(repeat, wanted + exclusions + kReserve, &span);
-        result != QEL_OK) {
+        result != QEL_OK)
         return result;
-    }
     const std::int64_t first = *from;
     const std::int64_t last = *to;
     if (last - first + 1 <= span) return QEL_OK;

@@ -19,9 +19,8 @@ constexpr std::uint64_t grownCapacity(std::uint64_t capacity, std::uint64_t requ
     if (required > kMostRequired) return capacity;
     const std::uint64_t wanted = 2 * required;
     if (capacity == 0) {
-        for (const std::uint64_t first : {256U, 1024U, 4096U, 16384U, 65536U}) {
+        for (const std::uint64_t first : {256U, 1024U, 4096U, 16384U, 65536U})
             if (wanted < first) return first;
-        }
         return std::max<std::uint64_t>(wanted, 262144);
     }
     std::uint64_t grown = 2 * capacity;

@@ -80,9 +80,8 @@ int CBxDataStream::ValueLength(int line) {
     const unsigned char* valueEnd =
         m_position < end ? std::find_if<const unsigned char*>(m_position, end, qel::endsValue)
                          : end;
-    if (valueEnd < end && valueEnd - m_position <= INT_MAX) {
+    if (valueEnd < end && valueEnd - m_position <= INT_MAX)
         return static_cast<int>(valueEnd - m_position);
-    }
     const auto length = m_position < end ? end - m_position : 0;
     throw BxTrace_Error_SL(kStreamSourceName, line, Excerpt(m_storage, ContentSize()).text,
                            static_cast<long>(std::min<std::ptrdiff_t>(length, INT_MAX)),
@@ -92,9 +91,8 @@ int CBxDataStream::ValueLength(int line) {
 // Moves past a value of that length and past its separator; the terminator stays.
 void CBxDataStream::PassValue(int length) {
     m_position += length;
-    if (m_position < ContentEnd() && *m_position == static_cast<unsigned char>(qel::kSeparator)) {
+    if (m_position < ContentEnd() && *m_position == static_cast<unsigned char>(qel::kSeparator))
         ++m_position;
-    }
 }
 
 // The count of a list's elements, each of which takes a byte at least.

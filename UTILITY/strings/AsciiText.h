@@ -19,9 +19,8 @@ namespace qel {
 // Equal but for the case of ASCII letters.
 [[nodiscard]] constexpr bool equalNoCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t i = 0; i < a.size(); ++i)
         if (asciiToLower(a[i]) != asciiToLower(b[i])) return false;
-    }
     return true;
 }
 

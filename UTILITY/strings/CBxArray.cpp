@@ -87,13 +87,11 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
         VStr* block = newBlock(blockFor(room));
         if (block == nullptr) return false;
         std::uninitialized_default_construct_n(block, m_size);
-        for (int i = 0; m_data != nullptr && i < m_size; ++i) {
-            if (moving) {
+        for (int i = 0; m_data != nullptr && i < m_size; ++i)
+            if (moving)
                 block[i] <<= m_data[i];
-            } else {
+            else
                 qel::takeText(block[i], m_data[i]);
-            }
-        }
         if (m_data != nullptr) freeBlock(m_data, m_size);
         m_data = block;
     }
@@ -119,9 +117,8 @@ VStr& CBxArray<VStr>::operator[](int i) {
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 int CBxArray<VStr>::FindItem(VStr v) {
-    for (int i = 0; i < m_size; ++i) {
+    for (int i = 0; i < m_size; ++i)
         if (std::strcmp(m_data[i], v) == 0) return i;
-    }
     return -1;
 }
 
@@ -150,8 +147,7 @@ int Bx_VStrArray::AddVStr(VStr& v) {
 }
 
 int Bx_VStrArray::FindItemNoCase(const char* s) {
-    for (int i = 0; i < m_size; ++i) {
+    for (int i = 0; i < m_size; ++i)
         if (m_data[i].CompareNoCase(s) == 0) return i;
-    }
     return -1;
 }

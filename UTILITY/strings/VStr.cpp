@@ -194,11 +194,10 @@ VStr::operator const char*() const {
 }
 
 char* VStr::GetBuffer(int n) {
-    if (n > kMaxLength) {
+    if (n > kMaxLength)
         Empty();
-    } else if (m_length < n) {
+    else if (m_length < n)
         ModGrow(n + 1);
-    }
     return m_buffer != nullptr ? m_buffer : emptyText;
 }
 

@@ -43,13 +43,12 @@ struct Sink {
     bool failed = false;
 
     void put(const char* text, std::size_t length) {
-        if (retro) {
+        if (retro)
             BxTrace_RetroAppend(text, static_cast<int>(std::min<std::size_t>(length, INT32_MAX)));
-        } else if (stream == nullptr || std::fwrite(text, 1, length, stream) != length) {
+        else if (stream == nullptr || std::fwrite(text, 1, length, stream) != length)
             failed = true;
-        } else {
+        else
             written += static_cast<std::int64_t>(length);
-        }
     }
     // "[%4.4X] %s: " with the thread and a stamp.
     void putPrefix() {
@@ -207,11 +206,10 @@ int BxTrace_Trace000(const char* text, long mask) {
             return -1;
         }
         Writer& w = writer();
-        if ((routing & qel::trace::kSyncInputBit) != 0) {
+        if ((routing & qel::trace::kSyncInputBit) != 0)
             w.redirectedTo = qel::trace::path(Path::kSyncInput);
-        } else if ((routing & qel::trace::kSyncOutputBit) != 0) {
+        else if ((routing & qel::trace::kSyncOutputBit) != 0)
             w.redirectedTo = qel::trace::path(Path::kSyncOutput);
-        }
         try {
             bool opened = false;
             result = writeMessage(text, caller, opened);

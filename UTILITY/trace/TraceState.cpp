@@ -115,11 +115,10 @@ void resizeRetroBuffers(int size) noexcept {
         if (size < 0) break;
         char* resized = static_cast<char*>(
             std::realloc(buffer, static_cast<std::size_t>(size) + std::size_t{1}));
-        if (resized == nullptr) {
+        if (resized == nullptr)
             size = -1;
-        } else {
+        else
             buffer = resized;
-        }
     }
     if (size < 0) size = 0;
     theSettings.retroBufferSize.store(size);

@@ -80,11 +80,10 @@ bool CBxSymbolParser::ReadSymbol(int& result) {
     // The tail of an item without its head is no item.
     if (lost) item.Empty();
     const bool kept = m_symbols.AddVStr(item) >= 0;
-    if (*m_cursor == '\0') {
+    if (*m_cursor == '\0')
         result = QEL_END_OF_INPUT;
-    } else {
+    else
         ++m_cursor;
-    }
     return kept;
 }
 

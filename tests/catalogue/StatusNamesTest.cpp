@@ -34,9 +34,8 @@ TEST(StatusNames, OperationsGoBothWays) {
     EXPECT_EQ(named, 25);
     EXPECT_STREQ(OperationName(10009), "ASSIGN_CLNT_INST_ID_STATUS");
     EXPECT_STREQ(OperationName(20011), "ASSIGN_CLIENT_INSTANCE_ID");
-    for (const unsigned long code : {0UL, 9999UL, 10012UL, 20004UL, 20014UL, 0xFFFFFFFFUL}) {
+    for (const unsigned long code : {0UL, 9999UL, 10012UL, 20004UL, 20014UL, 0xFFFFFFFFUL})
         EXPECT_EQ(OperationName(code), nullptr) << code;
-    }
 
     unsigned long code = 5;
     for (const char* tag : {"<ADD >", "ADD", "<ADD", "ADD>", "<>", "<", "", "<ADD>x", " <ADD>",

@@ -23,9 +23,11 @@ std::vector<std::string> Conversion::texts(Severity severity) const {
 }
 
 bool Conversion::tells(const std::string& part) const {
-    return std::any_of(messages.begin(), messages.end(), [&](const Diagnostic& each) {
-        return (std::to_string(each.line) + ": " + each.text).find(part) != std::string::npos;
-    });
+    return std::any_of(
+        messages.begin(), messages.end(),
+        [&](const Diagnostic& each) {
+            return (std::to_string(each.line) + ": " + each.text).find(part) != std::string::npos;
+        });
 }
 
 ByteSource sourceOf(const std::string& text, std::size_t piece) {
@@ -199,11 +201,10 @@ std::vector<std::string> unfolded(const std::string& text) {
     while (at < text.size()) {
         const std::size_t end = std::min(text.find("\r\n", at), text.size());
         const std::string line = text.substr(at, end - at);
-        if (!line.empty() && line.front() == ' ' && !lines.empty()) {
+        if (!line.empty() && line.front() == ' ' && !lines.empty())
             lines.back() += line.substr(1);
-        } else {
+        else
             lines.push_back(line);
-        }
         at = end + 2;
     }
     return lines;

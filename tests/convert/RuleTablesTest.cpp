@@ -71,13 +71,12 @@ std::string datesOf(const std::string& text, RuleForm form, const RuleStart& sta
 // A row's dates against those that are expected; `whole` when these are all.
 void compare(const std::string& found, const std::string& expected, const std::string& why,
              Tally& tally) {
-    if (found == expected) {
+    if (found == expected)
         tally.add("agree", "the dates");
-    } else if (!why.empty()) {
+    else if (!why.empty())
         tally.add("differ", why);
-    } else {
+    else
         ADD_FAILURE() << "expected " << expected << "\nfound    " << found;
-    }
 }
 
 TEST(RuleTables, PeerRulesGiveTheirDates) {

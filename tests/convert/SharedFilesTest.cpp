@@ -38,9 +38,7 @@ TEST(SharedFiles, ConvertAndComeBack) {
             const Conversion back = convertBack(there.out);
             EXPECT_EQ(faultOf(phone ? there.out : back.out), "");
             EXPECT_EQ(entriesOf(before).size(), entriesOf(back.out).size());
-            if (phone) {
-                EXPECT_EQ(entryDifferences(before, back.out), "");
-            }
+            if (phone) EXPECT_EQ(entryDifferences(before, back.out), "");
             entries += there.counts.entries;
             ++count;
         }

@@ -80,9 +80,8 @@ TEST(ZoneTable, IsInOrderAndTurnsBackOnItself) {
 }
 
 TEST(ZoneTable, ConvertsAcrossDaysAndLeavesWhatItCannotRead) {
-    for (Row& row : list("dates/zone-times.txt")) {
+    for (Row& row : list("dates/zone-times.txt"))
         EXPECT_EQ(toUtc(number(row, "zone"), row["local"].c_str()), row["utc"]) << row["zone"];
-    }
     EXPECT_EQ(toUtc(11, nullptr), "");
     EXPECT_EQ(toLocal(11, "20050615T123000Z"), "20050615T083000");
     EXPECT_EQ(toLocal(11, "20050615T1230Z"), "20050615T0830");
@@ -218,9 +217,7 @@ TEST(ZoneTable, AgreesWithThePublicRecord) {
     for (auto& row : rows) {
         const std::int64_t utc = ZQ_DateTimeToSeconds(row["utc"].c_str());
         const int after = std::stoi(row["offset_after_s"]);
-        if (row["zone"] == "Asia/Kathmandu") {
-            EXPECT_EQ(after / 60, offsetMinutes(66, utc));
-        }
+        if (row["zone"] == "Asia/Kathmandu") EXPECT_EQ(after / 60, offsetMinutes(66, utc));
         if (row["zone"] != "Europe/Berlin" || row["kind"] != "transition") continue;
         VStr local;
         ZQ_SecondsToDateTime(utc + std::stoi(row["offset_before_s"]), local, true);

@@ -65,11 +65,10 @@ class ZoneVariable {
     }
     ~ZoneVariable() {
         ::unsetenv("TZDIR");
-        if (old_.empty()) {
+        if (old_.empty())
             ::unsetenv("TZ");
-        } else {
+        else
             ::setenv("TZ", old_.c_str(), 1);
-        }
     }
     ZoneVariable(const ZoneVariable&) = delete;
     ZoneVariable& operator=(const ZoneVariable&) = delete;

@@ -97,9 +97,8 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
     } rows[] = {{"0930", 34200}, {"2359", 86340}, {"0000", 0}, {"093000", 0}, {"235959", 0},
                 {"2400", 0},     {"0960", 0},     {"930", 0},  {"-130", 0},   {" 9 5", 32700},
                 {"ab30", 1800},  {"", 0},         {nullptr, 0}};
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(ZQ_AlphaToCodeTime(row.text), row.code) << (row.text ? row.text : "null");
-    }
     int hour = -1;
     int minute = -1;
     int second = 42;

@@ -92,9 +92,8 @@ TEST(ZoneRules, SurviveWhatNamesNoDate) {
         EXPECT_FALSE(qel::isDaylightTime(june, zone, 0));
     }
     for (const std::int64_t time : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{INT64_MIN},
-                                    std::int64_t{1}, std::int64_t{INT64_MAX}}) {
+                                    std::int64_t{1}, std::int64_t{INT64_MAX}})
         EXPECT_FALSE(qel::isDaylightTime(time, kBerlin, 2 * kHour));
-    }
     EXPECT_EQ(qel::splitFileTime(INT64_MAX).year, 30828);
 }
 
@@ -115,12 +114,10 @@ TEST(ZoneRules, GiveTheOffsetsOfADescription) {
 TEST(TimeZoneUtility, LeavesOtherTextsAlone) {
     CBxTimeZoneUtility zone;
     EXPECT_EQ(zone.Initialize(), 0);
-    for (const char* text : {"20050615T08300", "20050615T083000Z", "20050615 083000", "", "T"}) {
+    for (const char* text : {"20050615T08300", "20050615T083000Z", "20050615 083000", "", "T"})
         EXPECT_EQ(zone.LocalToUTC(text), text);
-    }
-    for (const char* text : {"20050615T083000", "20050615T083000z", "20050615T0830000Z", "Z"}) {
+    for (const char* text : {"20050615T083000", "20050615T083000z", "20050615T0830000Z", "Z"})
         EXPECT_EQ(zone.UTCToLocal(text), text);
-    }
     EXPECT_EQ(zone.LocalToUTC(nullptr), nullptr);
     EXPECT_EQ(zone.UTCToLocal(nullptr), nullptr);
 }
@@ -142,9 +139,8 @@ TEST(TimeZoneUtility, TurnsBackOnItself) {
     }
     for (const char* text : {"20050230T083000", "20050615T996000", "2005061xT08x0-1",
                              "99991231T235999", "24991231T235999", "19000101T000000",
-                             "\xff\xff\xff\xff\xff\xff\xff\xffT\xff\xff\xff\xff\xff\xff"}) {
+                             "\xff\xff\xff\xff\xff\xff\xff\xffT\xff\xff\xff\xff\xff\xff"})
         EXPECT_EQ(std::string(zone.LocalToUTC(text)).size(), 16U) << text;
-    }
 }
 
 }  // namespace

@@ -131,9 +131,8 @@ std::string enciphered(const std::string& text) {
 }
 
 bool hasZeroByte(const std::string& hex) {
-    for (std::size_t i = 0; i < hex.size(); i += 2) {
+    for (std::size_t i = 0; i < hex.size(); i += 2)
         if (hex.compare(i, 2, "00") == 0) return true;
-    }
     return false;
 }
 

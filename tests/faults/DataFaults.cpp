@@ -57,7 +57,9 @@ struct Writing {
 
 Operation onWrite(const char* name, void (*write)(Writing& made)) {
     return {
-        name, {"2001 up to a value"}, [write](Attempt& attempt) {
+        name,
+        {"2001 up to a value"},
+        [write](Attempt& attempt) {
             Writing whole;
             write(whole);
             Writing made;

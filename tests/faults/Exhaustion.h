@@ -56,13 +56,12 @@ constexpr char kNull[] = "(null)";
 
 template <typename Value>
 std::string shown(const Value& value) {
-    if constexpr (std::is_same_v<Value, VStr>) {
+    if constexpr (std::is_same_v<Value, VStr>)
         return value.Compare(nullptr) == 0 ? kNull : static_cast<const char*>(value);
-    } else if constexpr (std::is_arithmetic_v<Value>) {
+    else if constexpr (std::is_arithmetic_v<Value>)
         return std::to_string(value);
-    } else {
+    else
         return value;
-    }
 }
 
 // Each value is a field of its own: one may be as it should while another is not.
@@ -84,7 +83,8 @@ std::string together(const Values&... values) {
 template <typename Things>
 Operation on(const char* name, const Outcome& starved, void (*call)(Things& made),
              void (*prepare)(Things& made) = nullptr) {
-    return {name, starved, [call, prepare](Attempt& attempt) {
+    return {name, starved,
+            [call, prepare](Attempt& attempt) {
                 Things made;
                 if (prepare != nullptr) prepare(made);
                 attempt.armed([&] { call(made); });

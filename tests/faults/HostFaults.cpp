@@ -127,7 +127,8 @@ constexpr char kOfTheUser[] = "MaxFileSize=1234567\nVTraceVerbosity=7\nOwn=text\
 
 Operation onTrace(const char* name, const char* options, int (*log)(),
                   const Outcome& starved = {"0 0"}, void (*prepare)(Traced& made) = nullptr) {
-    return {name, starved, [=](Attempt& attempt) {
+    return {name, starved,
+            [=](Attempt& attempt) {
                 Traced made;
                 made.started.emplace(options);
                 BxTrace_Trace00("before!");

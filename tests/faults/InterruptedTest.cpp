@@ -72,9 +72,7 @@ Ended runUntil(int stop, const std::function<void(int pipe)>& work, std::string&
     for (ssize_t count = 0; (count = read(ends[0], block, sizeof block)) > 0;)
         told.append(block, static_cast<std::size_t>(count));
     close(ends[0]);
-    if (ended == Ended::kItself) {
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-    }
+    if (ended == Ended::kItself) EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     return ended;
 }
 
@@ -112,63 +110,65 @@ void killEverywhere(int least, const std::function<Ended(int stop)>& attempt) {
 }
 
 TEST(Interrupted, ARotationLosesTheOldestBackupAlone) {
-    killEverywhere(20, [](int stop) {
-        const FreshTrace trace(filledIn({}));
-        BxTrace_Trace00("live!");
-        for (const char* name : {"bk0", "bk1", "bk2"})
-            writeFile(trace.file(std::string("trace.") + name), std::string(name) + "!\n");
-        std::string told;
-        const Ended ended = runUntil(
-            stop, [](int) { BxTrace_MusicalBackups(nullptr, 3); }, told);
-        if (ended == Ended::kUntraceable) return ended;
-        for (const char* text : {"live!", "bk0!", "bk1!"}) EXPECT_EQ(linesOf(trace, text), 1);
-        if (ended == Ended::kItself) {
-            EXPECT_EQ(linesOf(trace, "bk2!"), 0);
-        }
-        // Nobody has to wait for the dead, and what it left half done is no obstacle.
-        EXPECT_EQ(BxTrace_Trace00("after!"), 0);
-        EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), 0);
-        EXPECT_EQ(linesOf(trace, "after!"), 1);
-        EXPECT_EQ(linesOf(trace, "live!"), 1);
-        return ended;
-    });
+    killEverywhere(
+        20,
+        [](int stop) {
+            const FreshTrace trace(filledIn({}));
+            BxTrace_Trace00("live!");
+            for (const char* name : {"bk0", "bk1", "bk2"})
+                writeFile(trace.file(std::string("trace.") + name), std::string(name) + "!\n");
+            std::string told;
+            const Ended ended = runUntil(
+                stop, [](int) { BxTrace_MusicalBackups(nullptr, 3); }, told);
+            if (ended == Ended::kUntraceable) return ended;
+            for (const char* text : {"live!", "bk0!", "bk1!"}) EXPECT_EQ(linesOf(trace, text), 1);
+            if (ended == Ended::kItself) EXPECT_EQ(linesOf(trace, "bk2!"), 0);
+            // Nobody has to wait for the dead, and what it left half done is no obstacle.
+            EXPECT_EQ(BxTrace_Trace00("after!"), 0);
+            EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), 0);
+            EXPECT_EQ(linesOf(trace, "after!"), 1);
+            EXPECT_EQ(linesOf(trace, "live!"), 1);
+            return ended;
+        });
 }
 
 // Messages of a child that rotates by size on the way; each one that it was told is written it
 // tells on.
 void messagesInterrupted(const Options& options) {
-    killEverywhere(50, [&options](int stop) {
-        const FreshTrace trace(filledIn(options));
-        BxTrace_LoadSettings();
-        std::string told;
-        const Ended ended = runUntil(
-            stop,
-            [](int pipe) {
-                // The ordinary log's size is looked at every 501 opens.
-                {
-                    const qel::trace::WriterLock lock;
-                    qel::trace::writer().opensSinceSizeCheck = 499;
-                }
-                for (int i = 0; i < 4; ++i) {
-                    const std::string text =
-                        "message " + std::to_string(i) + std::string(60, 'p') + "!";
-                    if (BxTrace_Trace00(text.c_str()) == 0) tell(pipe, text);
-                }
-            },
-            told);
-        if (ended == Ended::kUntraceable) return ended;
-        EXPECT_EQ(BxTrace_Trace00("after!"), 0);
-        std::istringstream lines(told);
-        int count = 0;
-        for (std::string line; std::getline(lines, line); ++count)
-            EXPECT_EQ(linesOf(trace, line), 1);
-        EXPECT_EQ(linesOf(trace, "after!"), 1);
-        if (ended == Ended::kItself) {
-            EXPECT_EQ(count, 4);
-            EXPECT_GE(trace.files().size(), 4U) << "it was rotated";
-        }
-        return ended;
-    });
+    killEverywhere(
+        50,
+        [&options](int stop) {
+            const FreshTrace trace(filledIn(options));
+            BxTrace_LoadSettings();
+            std::string told;
+            const Ended ended = runUntil(
+                stop,
+                [](int pipe) {
+                    // The ordinary log's size is looked at every 501 opens.
+                    {
+                        const qel::trace::WriterLock lock;
+                        qel::trace::writer().opensSinceSizeCheck = 499;
+                    }
+                    for (int i = 0; i < 4; ++i) {
+                        const std::string text =
+                            "message " + std::to_string(i) + std::string(60, 'p') + "!";
+                        if (BxTrace_Trace00(text.c_str()) == 0) tell(pipe, text);
+                    }
+                },
+                told);
+            if (ended == Ended::kUntraceable) return ended;
+            EXPECT_EQ(BxTrace_Trace00("after!"), 0);
+            std::istringstream lines(told);
+            int count = 0;
+            for (std::string line; std::getline(lines, line); ++count)
+                EXPECT_EQ(linesOf(trace, line), 1);
+            EXPECT_EQ(linesOf(trace, "after!"), 1);
+            if (ended == Ended::kItself) {
+                EXPECT_EQ(count, 4);
+                EXPECT_GE(trace.files().size(), 4U) << "it was rotated";
+            }
+            return ended;
+        });
 }
 
 TEST(Interrupted, MessagesThatWereAcceptedStayInTheLog) {
@@ -181,22 +181,25 @@ TEST(Interrupted, MessagesOfALogThatIsKeptOpenAndFlushedStayToo) {
 }
 
 TEST(Interrupted, OptionsAreTheOldOrTheNewOnes) {
-    killEverywhere(10, [](int stop) {
-        const FreshTrace trace(filledIn({"VTraceVerbosity=3", "Own=text"}));
-        BxTrace_LoadSettings();
-        const std::string before = trace.text("BxOptions.opt");
-        std::string after = before;
-        after.replace(after.find("VTraceVerbosity=3"), 17, "VTraceVerbosity=9");
-        std::string told;
-        const Ended ended = runUntil(
-            stop, [](int) { BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9); }, told);
-        if (ended == Ended::kUntraceable) return ended;
-        const std::string now = trace.text("BxOptions.opt");
-        EXPECT_TRUE(now == after || (ended == Ended::kKilled && now == before)) << now;
-        BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9);
-        EXPECT_EQ(trace.text("BxOptions.opt"), after);
-        return ended;
-    });
+    killEverywhere(
+        10,
+        [](int stop) {
+            const FreshTrace trace(filledIn({"VTraceVerbosity=3", "Own=text"}));
+            BxTrace_LoadSettings();
+            const std::string before = trace.text("BxOptions.opt");
+            std::string after = before;
+            after.replace(after.find("VTraceVerbosity=3"), 17, "VTraceVerbosity=9");
+            std::string told;
+            const Ended ended = runUntil(
+                stop, [](int) { BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9); },
+                told);
+            if (ended == Ended::kUntraceable) return ended;
+            const std::string now = trace.text("BxOptions.opt");
+            EXPECT_TRUE(now == after || (ended == Ended::kKilled && now == before)) << now;
+            BxTrace_SetOptionValue("LogSettings", "VTraceVerbosity", 9);
+            EXPECT_EQ(trace.text("BxOptions.opt"), after);
+            return ended;
+        });
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ const std::string kFull(63, 'x');
 // `change` on a string that holds `before`.
 Operation onString(const char* name, const char* before, void (*change)(VStr& text),
                    const Outcome& starved = {kNull}) {
-    return {name, starved, [before, change](Attempt& attempt) {
+    return {name, starved,
+            [before, change](Attempt& attempt) {
                 VStr text(before);
                 attempt.armed([&] { change(text); });
                 const std::string left = shown(text);
@@ -116,7 +117,9 @@ Outcome seenAndEmptied(Array& array) {
 // `change` on an array of two elements. One that could not get its block keeps its size and reads
 // null strings.
 Operation onArray(const char* name, void (*change)(VStrArray& array)) {
-    return {name, {kNull}, [change](Attempt& attempt) {
+    return {name,
+            {kNull},
+            [change](Attempt& attempt) {
                 VStrArray array;
                 fill(array, 2);
                 attempt.armed([&] { change(array); });
@@ -131,7 +134,9 @@ Operation onArray(const char* name, void (*change)(VStrArray& array)) {
 // `add` to a growing array whose block is full; what it says, and the array, which has one more
 // element or is as it was.
 Operation onFullArray(const char* name, int (*add)(Bx_VStrArray& array, VStr& text)) {
-    return {name, {"-1 128 new"}, [add](Attempt& attempt) {
+    return {name,
+            {"-1 128 new"},
+            [add](Attempt& attempt) {
                 Bx_VStrArray array;
                 fill(array, 128);
                 VStr text("new");
@@ -147,7 +152,9 @@ Operation onFullArray(const char* name, int (*add)(Bx_VStrArray& array, VStr& te
 
 template <typename Array>
 Operation onCopy(const char* name) {
-    return {name, {kNull, "", "0"}, [](Attempt& attempt) {
+    return {name,
+            {kNull, "", "0"},
+            [](Attempt& attempt) {
                 Array copied;
                 fill(copied, 2);
                 Array target;

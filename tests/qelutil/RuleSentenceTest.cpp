@@ -30,9 +30,8 @@ TEST(RuleArguments, DatesAreTakenInTheirUsualSpellingsAndNoOthers) {
     EXPECT_EQ(cli::codeDateOf(cli::dateArgument("--start", "2499-12-31")), cli::kLastDay);
     EXPECT_GT(cli::codeDateOf(cli::dateArgument("--start", "today")), 38516);
     for (const char* bad : {"", "2005", "20050229", "20051301", "18991231", "25000101", "20050615x",
-                            "20050615T", "20050615T2460", "20050615T0830007", "15.6.2005"}) {
+                            "20050615T", "20050615T2460", "20050615T0830007", "15.6.2005"})
         EXPECT_THROW(static_cast<void>(cli::dateArgument("--start", bad)), cli::UsageError) << bad;
-    }
 }
 
 }  // namespace

@@ -28,9 +28,8 @@ TEST(RepeatEngine, GivesTheDates) {
             qel::test::occurrences(record, code(number(row, "after", -1)), count);
         EXPECT_EQ(qel::test::dates(found), row["dates"]);
         // From the middle: every occurrence follows from the one before it alone.
-        for (std::size_t i = 1; i < found.size(); ++i) {
+        for (std::size_t i = 1; i < found.size(); ++i)
             EXPECT_EQ(qel::test::occurrences(record, found[i - 1], 1), std::vector<int>{found[i]});
-        }
     }
 }
 
@@ -45,9 +44,7 @@ TEST(RepeatEngine, FailuresAreReported) {
         EXPECT_EQ(ZQRepeatNextDate(&record, &next, &previous), 4008);
         const std::vector<std::string> errors = trace.errors();
         ASSERT_EQ(errors.size(), 1U);
-        if (!row["error"].empty()) {
-            EXPECT_EQ(errors[0], "Error " + row["error"]);
-        }
+        if (!row["error"].empty()) EXPECT_EQ(errors[0], "Error " + row["error"]);
     }
     EXPECT_EQ(ZQRepeatNextDate(nullptr, nullptr, nullptr), 4008);
 }

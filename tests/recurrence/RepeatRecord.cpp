@@ -113,9 +113,8 @@ std::string describe(const ZQTR_REPEAT& repeat) {
             setText("days", 7, [&](int i) { return repeat.days[i]; }) +
             setText("months", 12, [&](int i) { return repeat.months[i]; }) +
             setText("weeks", 5, [&](int i) { return repeat.weeks[i]; });
-    for (int i = 0; i < repeat.exclusionCount; ++i) {
+    for (int i = 0; i < repeat.exclusionCount; ++i)
         text += (i == 0 ? " except " : ",") + std::to_string(date(repeat.exclusions[i]));
-    }
     return text;
 }
 
@@ -123,9 +122,8 @@ std::vector<int> occurrences(const ZQTR_REPEAT& repeat, int previous, std::size_
     ZQTR_REPEAT record = repeat;
     std::vector<int> found;
     int next = -1;
-    while (found.size() < count && ZQRepeatNextDate(&record, &next, &previous) == QEL_OK) {
+    while (found.size() < count && ZQRepeatNextDate(&record, &next, &previous) == QEL_OK)
         found.push_back(next);
-    }
     return found;
 }
 

@@ -45,11 +45,9 @@ std::string positional(const std::string& rule) {
         if (equals != std::string::npos) parts[part.substr(0, equals)] = part.substr(equals + 1);
     }
     std::string text;
-    for (const char* name :
-         {"FREQ", "UNTIL", "COUNT", "INTERVAL", "BYSECOND", "BYMINUTE", "BYHOUR", "BYDAY",
-          "BYMONTHDAY", "BYYEARDAY", "BYWEEKNO", "BYMONTH", "BYSETPOS"}) {
+    for (const char* name : {"FREQ", "UNTIL", "COUNT", "INTERVAL", "BYSECOND", "BYMINUTE", "BYHOUR",
+                             "BYDAY", "BYMONTHDAY", "BYYEARDAY", "BYWEEKNO", "BYMONTH", "BYSETPOS"})
         text += parts[name] + ";";
-    }
     // A rule without WKST has weeks that begin on Monday.
     return text + (parts["WKST"].empty() ? "MO" : parts["WKST"]) + ";";
 }
@@ -81,14 +79,12 @@ std::string notCarried(const _rruleRepeat& rule) {
     if (monthDays > 0 && days > 0) return "month days that must be weekdays";
     if (monthDays > 1) return "several month days";
     if (rule.byMonthDayNeg != 0) return "a negative month day";
-    if (rule.freq == RRULE_FREQ_DAILY || rule.freq == RRULE_FREQ_WEEKLY) {
+    if (rule.freq == RRULE_FREQ_DAILY || rule.freq == RRULE_FREQ_WEEKLY)
         return months + monthDays > 0 ? "every n-th day, in selected months only" : "";
-    }
     if (isYearly && months == 0 && monthDays > 0) return "a day beyond the 28th, of every month";
     if (isYearly && months == 0 && days > 0) return "the n-th weekday of the year";
-    if (isYearly ? months > 1 : months > 0) {
+    if (isYearly ? months > 1 : months > 0)
         return hasPositions ? "BYSETPOS over several months" : "several months";
-    }
     if (days == 0) return "";
     if (!hasPositions) return "every such weekday of a month";
     if (rule.setPos[1] != 0) return "several positions";
@@ -108,19 +104,16 @@ bool holdsAll(const std::vector<int>& all, std::vector<int> some) {
 std::string explanation(const _rruleRepeat& rule, const ZQTR_REPEAT& repeat, bool untilHasTime,
                         const std::vector<int>& expected, std::vector<int> found) {
     const bool byDate = repeat.type == REPEAT_MONTHLY_DAY || repeat.type == REPEAT_YEARLY_DATE;
-    if (byDate && repeat.dayOfMonth > 28 && holdsAll(found, expected)) {
+    if (byDate && repeat.dayOfMonth > 28 && holdsAll(found, expected))
         return "a day that a month lacks is its last day";
-    }
-    if (repeat.type == REPEAT_MONTHLY_WEEKDAY && rule.setPos[0] == 5 && holdsAll(found, expected)) {
+    if (repeat.type == REPEAT_MONTHLY_WEEKDAY && rule.setPos[0] == 5 && holdsAll(found, expected))
         return "the fifth weekday is the last one";
-    }
     std::vector<int> withLastDay = expected;
     withLastDay.push_back(+repeat.endDate);
     if (untilHasTime && found == withLastDay) return "UNTIL ends a day, not a time of day";
     for (int& day : found) day += 7 * (rule.interval - 1);
-    if (rule.freq == RRULE_FREQ_WEEKLY && rule.interval > 1 && holdsAll(found, expected)) {
+    if (rule.freq == RRULE_FREQ_WEEKLY && rule.interval > 1 && holdsAll(found, expected))
         return "the first occurrence is at most a week after the start";
-    }
     return "";
 }
 
@@ -185,9 +178,8 @@ void compare(Rule& made, int start, const std::string& expectedDates, bool isWho
     if (listsStart) expected.erase(expected.begin());
     const bool toEnd = isWhole && !listsStart;
     std::vector<int> found = qel::test::occurrences(repeat, -1, expected.size() + toEnd);
-    if (repeat.endDate != -1) {
+    if (repeat.endDate != -1)
         std::erase_if(found, [&repeat](int day) { return day > repeat.endDate; });
-    }
     const bool untilHasTime = (made.readerFlags & RRULE_UNTIL_HAS_TIME) != 0;
     const std::string why = explanation(made.rule, repeat, untilHasTime, expected, found);
     if (found == expected && listsStart) {

@@ -36,9 +36,7 @@ TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
         for (; items.next(item); ++count) {
             ASSERT_LT(count, parser.GetSize()) << text;
             EXPECT_EQ(item, static_cast<const char*>(parser[count])) << text;
-            if (keep) {
-                EXPECT_EQ(items.atEnd(), count + 1 == parser.GetSize()) << text;
-            }
+            if (keep) EXPECT_EQ(items.atEnd(), count + 1 == parser.GetSize()) << text;
         }
         EXPECT_EQ(count, parser.GetSize()) << text;
     }

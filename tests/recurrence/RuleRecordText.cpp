@@ -28,9 +28,8 @@ std::string describe(const _rruleRepeat& rule) {
                                                        {RRULE_FREQ_WEEKLY, "WEEKLY"},
                                                        {RRULE_FREQ_MONTHLY, "MONTHLY"},
                                                        {RRULE_FREQ_YEARLY, "YEARLY"}};
-    for (const auto& [bit, name] : frequencies) {
+    for (const auto& [bit, name] : frequencies)
         if ((rule.freq & bit) != 0) line += name;
-    }
     if (rule.interval != 1) add(line, "interval", std::to_string(rule.interval));
     if (rule.count != -1) add(line, "count", std::to_string(rule.count));
     if (rule.until != -1) {
@@ -42,9 +41,8 @@ std::string describe(const _rruleRepeat& rule) {
         {RRULE_TYPE_BYYEARDAY, "BYYEARDAY"}, {RRULE_TYPE_BYWEEKNO, "BYWEEKNO"},
         {RRULE_TYPE_BYMONTH, "BYMONTH"},     {RRULE_TYPE_BYSETPOS, "BYSETPOS"}};
     std::string present;
-    for (const auto& [bit, name] : parts) {
+    for (const auto& [bit, name] : parts)
         if ((rule.type & bit) != 0) present += (present.empty() ? "" : ",") + std::string(name);
-    }
     add(line, "parts", present);
     add(line, "days", bits(rule.byDay));
     add(line, "monthdays", bits(rule.byMonthDay));
@@ -57,9 +55,8 @@ std::string describe(const _rruleRepeat& rule) {
     add(line, "weeks-", bits(rule.byWeekNoNeg));
     add(line, "months", bits(rule.byMonth));
     std::string positions;
-    for (short position : rule.setPos) {
+    for (short position : rule.setPos)
         positions += (positions.empty() ? "" : ",") + std::to_string(position);
-    }
     if (positions != "0,0,0,0") add(line, "positions", positions);
     if (rule.wkst != RRULE_DAY_SU) add(line, "weekstart", bits(rule.wkst));
     return line;

@@ -174,9 +174,8 @@ TEST(BxArray, GrowsBy128AndChecksIndexes) {
     EXPECT_EQ(array.room(), 256);
     EXPECT_NE(array.GetPtr(), block);
     EXPECT_STREQ(array[128], "element");
-    for (const int outside : {-1, 129, INT_MAX, INT_MIN}) {
+    for (const int outside : {-1, 129, INT_MAX, INT_MIN})
         EXPECT_EQ(qel::test::thrownBy([&] { array[outside]; }), -1) << outside;
-    }
     array.RemoveAll();
     EXPECT_EQ(array.GetSize(), 0);
     EXPECT_EQ(array.GetPtr(), nullptr);

@@ -110,9 +110,8 @@ std::vector<Row> table(const std::string& name) {
     while (std::getline(in, line)) {
         const std::vector<std::string> fields = split(line, '\t');
         Row row;
-        for (std::size_t i = 0; i < columns.size(); ++i) {
+        for (std::size_t i = 0; i < columns.size(); ++i)
             row[columns[i]] = i < fields.size() ? fields[i] : "";
-        }
         rows.push_back(row);
     }
     return rows;

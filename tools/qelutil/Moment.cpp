@@ -92,9 +92,8 @@ std::int64_t readTime(std::string_view text, Reader& reader) {
     const bool colons = reader.take(':');
     const int minute = reader.digits(2, "minute");
     int second = 0;
-    if (colons ? reader.take(':') : !reader.atEnd() && !reader.at('Z')) {
+    if (colons ? reader.take(':') : !reader.atEnd() && !reader.at('Z'))
         second = reader.digits(2, "second");
-    }
     if (hour > 23) refuse(text, "there is no hour " + std::to_string(hour));
     if (minute > 59) refuse(text, "there is no minute " + std::to_string(minute));
     if (second > 59) refuse(text, "there is no second " + std::to_string(second));
@@ -142,9 +141,8 @@ Moment readMoment(std::string_view text) {
 Moment later(const Moment& moment, std::int64_t seconds) {
     // Both are far from the ends of 64 bits, whatever was read.
     const std::int64_t sum = moment.seconds + seconds;
-    if (sum < 0 || sum >= kEndOfTime) {
+    if (sum < 0 || sum >= kEndOfTime)
         refuse(momentText(moment), "what it becomes lies outside the years 1900 to 2499");
-    }
     return {sum, moment.hasTime || seconds % kDaySeconds != 0, moment.utc};
 }
 

@@ -81,9 +81,8 @@ std::string kind(short number) {
 
 std::string selectedDays(const ZQTR_REPEAT& record) {
     std::string text;
-    for (int day = 1; day <= 7; ++day) {
+    for (int day = 1; day <= 7; ++day)
         if (record.days[day - 1] != 0) text += (text.empty() ? "" : " ") + code(day);
-    }
     return text;
 }
 
@@ -130,9 +129,8 @@ Repeat repeatOf(const convert::RulePiece& piece, const convert::RuleStart& start
         repeat.problem = problemOf(repeat.code);
         return repeat;
     }
-    for (const Warning& warning : kWarnings) {
+    for (const Warning& warning : kWarnings)
         if ((repeat.warningBits & warning.bit) != 0) repeat.warnings.emplace_back(warning.text);
-    }
     return repeat;
 }
 

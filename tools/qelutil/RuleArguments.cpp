@@ -51,9 +51,8 @@ bool readDate(std::string_view text, RuleStart& date) {
     skip(text, '-');
     const auto day = digits(text, 2);
     if (!year || !month || !day || *year < 1900 || *year > 2499) return false;
-    if (*month < 1 || *month > 12 || *day < 1 || *day > convert::daysInMonth(*year, *month)) {
+    if (*month < 1 || *month > 12 || *day < 1 || *day > convert::daysInMonth(*year, *month))
         return false;
-    }
     date.year = *year;
     date.month = *month;
     date.day = *day;

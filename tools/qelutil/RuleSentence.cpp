@@ -88,8 +88,8 @@ std::string weekdays(const std::vector<RuleDay>& days) {
 }
 
 bool anyPosition(const std::vector<RuleDay>& days) {
-    return std::any_of(days.begin(), days.end(),
-                       [](const RuleDay& day) { return day.position != 0; });
+    return std::any_of(
+        days.begin(), days.end(), [](const RuleDay& day) { return day.position != 0; });
 }
 
 // From the period's start on, then those that are counted from its end.
@@ -120,9 +120,8 @@ std::string positionedDays(const std::vector<RuleDay>& days, const char* last = 
 // What BYSETPOS selects from, where it has a name: "Tuesday", "workday", "weekend day", "day".
 std::string nameOfSet(const Rule& rule) {
     if (!rule.monthDays.empty() || !rule.yearDays.empty() || !rule.weekNumbers.empty() ||
-        anyPosition(rule.days)) {
+        anyPosition(rule.days))
         return {};
-    }
     switch (weekdayBits(rule.days)) {
         case kWorkdays:
             return "workday";
@@ -136,7 +135,8 @@ std::string nameOfSet(const Rule& rule) {
 }
 
 std::string positions(const std::vector<int>& numbers) {
-    return listOf(numbers, [](int number) { return position(number); });
+    return listOf(
+        numbers, [](int number) { return position(number); });
 }
 
 std::string dayOfStart(const RuleStart& start) {
@@ -178,9 +178,8 @@ std::string monthNames(const Rule& rule) {
 std::string limits(const Rule& rule) {
     std::string text;
     if (rule.frequency == Frequency::Daily && !rule.days.empty() &&
-        weekdayBits(rule.days) != kEveryDay) {
+        weekdayBits(rule.days) != kEveryDay)
         text += ", only on " + weekdays(rule.days);
-    }
     if (!rule.monthDays.empty()) text += ", only on " + monthDays(rule.monthDays);
     if (!rule.months.empty()) text += ", only in " + monthNames(rule);
     return text;
@@ -189,12 +188,10 @@ std::string limits(const Rule& rule) {
 // What days and weeks of the year exclude in a rule that is not yearly.
 std::string yearLimits(const Rule& rule) {
     std::string text;
-    if (!rule.yearDays.empty()) {
+    if (!rule.yearDays.empty())
         text += ", only on the " + listOf(inOrder(rule.yearDays), ordinal) + " day of the year";
-    }
-    if (!rule.weekNumbers.empty()) {
+    if (!rule.weekNumbers.empty())
         text += ", only in the " + listOf(inOrder(rule.weekNumbers), ordinal) + " week of the year";
-    }
     return text;
 }
 
@@ -212,18 +209,16 @@ std::string yearly(const Rule& rule, const RuleStart& start) {
     std::string text;
     if (!rule.yearDays.empty()) {
         text = " on the " + listOf(inOrder(rule.yearDays), ordinal) + " day of the year";
-        if (!rule.weekNumbers.empty()) {
+        if (!rule.weekNumbers.empty())
             text += ", only in the " + listOf(inOrder(rule.weekNumbers), ordinal) + " week";
-        }
         if (!rule.days.empty()) text += ", only on " + weekdays(rule.days);
         text += limits(rule);
     } else if (!rule.weekNumbers.empty()) {
         std::string days = "a day";
-        if (!rule.days.empty()) {
+        if (!rule.days.empty())
             days = weekdays(rule.days);
-        } else if (rule.monthDays.empty()) {
+        else if (rule.monthDays.empty())
             days = weekday(weekdayOfStart(start));
-        }
         text = " on " + days + " of the " + listOf(inOrder(rule.weekNumbers), ordinal) +
                " week of the year" + limits(rule);
     } else if (rule.months.size() == 1 && rule.days.empty() && rule.setPositions.empty() &&
@@ -246,11 +241,10 @@ std::string yearly(const Rule& rule, const RuleStart& start) {
 
 std::string weekly(const Rule& rule, const RuleStart& start) {
     std::string text;
-    if (!rule.days.empty()) {
+    if (!rule.days.empty())
         text = " on " + weekdays(rule.days);
-    } else if (rule.monthDays.empty() && rule.yearDays.empty()) {
+    else if (rule.monthDays.empty() && rule.yearDays.empty())
         text = " on " + weekday(weekdayOfStart(start));
-    }
     return text + limits(rule) + yearLimits(rule) + selection(rule, "week");
 }
 
@@ -277,11 +271,9 @@ std::string times(const Rule& rule, const RuleStart& start) {
         Words words;
         const bool withSecond = seconds != std::vector<int>{0};
         for (const int hour : hours) {
-            for (const int minute : minutes) {
-                for (const int second : seconds) {
+            for (const int minute : minutes)
+                for (const int second : seconds)
                     words.push_back(clock(hour, minute, second, withSecond));
-                }
-            }
         }
         return " at " + list(words);
     }

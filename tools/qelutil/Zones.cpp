@@ -19,9 +19,8 @@ constexpr int kLastTableYear = 2010;
 constexpr int kUtcZone = 22;
 
 std::string lowerCase(std::string text) {
-    for (char& c : text) {
+    for (char& c : text)
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + ('a' - 'A'));
-    }
     return text;
 }
 
@@ -39,9 +38,8 @@ int yearOf(std::int64_t seconds) {
 
 std::string listOf(const std::vector<const Zone*>& zones) {
     std::string text;
-    for (const Zone* zone : zones) {
+    for (const Zone* zone : zones)
         text += (text.empty() ? "" : "; ") + std::to_string(zone->number()) + " " + zone->name();
-    }
     return text;
 }
 
@@ -75,9 +73,8 @@ Zone Zone::named(const std::string& name) {
         if (known.find(wanted) != std::string::npos) found.push_back(&zone);
     }
     if (found.size() == 1) return *found[0];
-    if (found.empty() || wanted.empty()) {
+    if (found.empty() || wanted.empty())
         throw UsageError("there is no zone \"" + name + "\"; `qelutil zone list` shows them");
-    }
     throw UsageError("\"" + name + "\" fits several zones: " + listOf(found));
 }
 
@@ -130,12 +127,10 @@ UtcTime Zone::toUtc(std::int64_t local) {
     const std::int64_t offset = wallOffset(local);
     for (const OffsetChange& change : changesIn(yearOf(local))) {
         const std::int64_t step = change.after - change.before;
-        if (step > 0 && local >= change.local && local < change.local + step) {
+        if (step > 0 && local >= change.local && local < change.local + step)
             return {local - change.before, change.before, UtcTime::Kind::Skipped};
-        }
-        if (step < 0 && local >= change.local + step && local < change.local) {
+        if (step < 0 && local >= change.local + step && local < change.local)
             return {local - change.before, change.before, UtcTime::Kind::Repeated};
-        }
     }
     return {local - offset, offset, UtcTime::Kind::Once};
 }
@@ -143,9 +138,8 @@ UtcTime Zone::toUtc(std::int64_t local) {
 std::int64_t Zone::offsetAtUtc(std::int64_t utc) {
     const int year = yearOf(utc);
     std::int64_t offset = wallOffset(knows(year) ? midnight(year, 1, 1) - 1 : utc);
-    for (const OffsetChange& change : changesIn(year)) {
+    for (const OffsetChange& change : changesIn(year))
         if (utc >= change.local - change.before) offset = change.after;
-    }
     return offset;
 }
 
@@ -155,9 +149,8 @@ std::vector<Zone> tableZones() {
     BxTZ_GetZoneList(names, numbers);
     if (numbers.empty()) throw std::bad_alloc();
     std::vector<Zone> zones;
-    for (std::size_t i = 0; i < numbers.size(); ++i) {
+    for (std::size_t i = 0; i < numbers.size(); ++i)
         zones.push_back(Zone(numbers[i], std::string(names.ElementAt(static_cast<int>(i)))));
-    }
     std::sort(zones.begin(), zones.end(),
               [](const Zone& a, const Zone& b) { return a.number() < b.number(); });
     return zones;

@@ -61,24 +61,26 @@ std::uint32_t convert(const unsigned char* in, std::uint32_t length, char* out, 
 
 std::uint32_t fromUtf8(const unsigned char* in, std::uint32_t length, Page& page, char* out,
                        std::uint32_t room) {
-    return convert(in, length, out, room, [&](std::uint32_t& at, std::uint32_t& size) {
-        std::uint32_t point = 0;
-        const std::uint32_t taken = utf8Character(in + at, length - at, point);
-        if (taken == 0 || room - size < 2) return false;
-        at += taken;
-        if (point > 0xFFFF) {
-            // One for each half of the pair that it is in UTF-16.
-            out[size++] = '?';
-            out[size++] = '?';
+    return convert(
+        in, length, out, room,
+        [&](std::uint32_t& at, std::uint32_t& size) {
+            std::uint32_t point = 0;
+            const std::uint32_t taken = utf8Character(in + at, length - at, point);
+            if (taken == 0 || room - size < 2) return false;
+            at += taken;
+            if (point > 0xFFFF) {
+                // One for each half of the pair that it is in UTF-16.
+                out[size++] = '?';
+                out[size++] = '?';
+                return true;
+            }
+            const auto* row = page.codes(point >> 8);
+            if (row == nullptr) return false;
+            const std::uint32_t code = (*row)[point & 0xFF];
+            if (code > 0xFF) out[size++] = static_cast<char>(code >> 8);
+            out[size++] = code != 0 ? static_cast<char>(code & 0xFF) : '?';
             return true;
-        }
-        const auto* row = page.codes(point >> 8);
-        if (row == nullptr) return false;
-        const std::uint32_t code = (*row)[point & 0xFF];
-        if (code > 0xFF) out[size++] = static_cast<char>(code >> 8);
-        out[size++] = code != 0 ? static_cast<char>(code & 0xFF) : '?';
-        return true;
-    });
+        });
 }
 
 std::uint32_t toUtf8(const unsigned char* in, std::uint32_t length, Page& page, char* out,

@@ -59,7 +59,8 @@ class Page {
     }
     // The bytes of the units from `high` * 256 on: one below 256, else two with the lead on top.
     const Rows<std::uint16_t>::Row* codes(std::size_t high) {
-        return codes_.row(high, [this, high](auto& row) { return fillCodes(high, row); });
+        return codes_.row(
+            high, [this, high](auto& row) { return fillCodes(high, row); });
     }
 
   private:

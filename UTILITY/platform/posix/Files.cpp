@@ -43,11 +43,10 @@ ssize_t writeWhole(void* cookie, const char* data, std::size_t size) noexcept {
     std::size_t written = 0;
     while (written < size) {
         const ssize_t count = write(handle, data + written, size - written);
-        if (count > 0) {
+        if (count > 0)
             written += static_cast<std::size_t>(count);
-        } else if (count == 0 || errno != EINTR) {
+        else if (count == 0 || errno != EINTR)
             break;
-        }
     }
     return static_cast<ssize_t>(written);
 }

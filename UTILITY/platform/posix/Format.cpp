@@ -21,11 +21,10 @@ void respell(const char* format, char* out) noexcept {
         } else if (inside && std::strncmp(p, "I32", 3) == 0) {
             p += 3;
         } else {
-            if (*p == '%') {
+            if (*p == '%')
                 inside = !inside;
-            } else if (inside && std::strchr("0123456789+-# .*'hlqjzt", *p) == nullptr) {
+            else if (inside && std::strchr("0123456789+-# .*'hlqjzt", *p) == nullptr)
                 inside = false;
-            }
             *out++ = *p++;
         }
     }

@@ -91,9 +91,8 @@ class Reader {
         if (take('M')) {
             rule.kind = YearlyRule::Kind::WeekdayOfMonth;
             if (!takeNumber(1, 12, rule.month) || !take('.') || !takeNumber(1, 5, rule.week) ||
-                !take('.') || !takeNumber(0, 6, rule.weekday)) {
+                !take('.') || !takeNumber(0, 6, rule.weekday))
                 return false;
-            }
         } else if (take('J')) {
             rule.kind = YearlyRule::Kind::DayWithoutLeapDay;
             if (!takeNumber(1, 365, rule.day)) return false;

@@ -59,13 +59,12 @@ FileIdentity identityOf(HANDLE handle) noexcept {
 // The C library's codes for the failures that a caller may show; the rest is "access denied".
 int failed() noexcept {
     const DWORD error = GetLastError();
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         errno = ENOENT;
-    } else if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS) {
+    else if (error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS)
         errno = EEXIST;
-    } else {
+    else
         errno = EACCES;
-    }
     return -1;
 }
 

@@ -29,9 +29,8 @@ TimeZoneDescription currentTimeZone(int /*year*/) noexcept {
 bool followsDaylightSaving() noexcept {
     HKEY key = nullptr;
     if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "System\\CurrentControlSet\\control\\TimezoneInformation",
-                      0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) {
+                      0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS)
         return true;
-    }
     DWORD type = 0;
     DWORD disabled = 0;
     DWORD size = sizeof disabled;

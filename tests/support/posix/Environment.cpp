@@ -5,11 +5,10 @@
 namespace qel::test {
 
 void setEnvironment(const std::string& name, const std::string& value) {
-    if (value.empty()) {
+    if (value.empty())
         ::unsetenv(name.c_str());
-    } else {
+    else
         ::setenv(name.c_str(), value.c_str(), 1);
-    }
 }
 
 }  // namespace qel::test

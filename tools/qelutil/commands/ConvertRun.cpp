@@ -77,11 +77,10 @@ class ConvertRun : private convert::EntryObserver {
         for (const CalendarFile& each : files_) size += each.size;
         Progress progress(context_, "", size);
         progress_ = &progress;
-        if (!options_.outputDir.empty()) {
+        if (!options_.outputDir.empty())
             oneByOne();
-        } else if (!files_.empty()) {
+        else if (!files_.empty())
             joined();
-        }
         progress_ = nullptr;
         progress.hide();
         tell();

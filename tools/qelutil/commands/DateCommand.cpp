@@ -56,9 +56,8 @@ Form formOf(const std::string& text) {
                          "\": may be seconds since 1900 or since 1970; say which with --from "
                          "seconds or --from unix");
     }
-    if (text.size() > 1 && text.back() == 's' && isNumber(text.substr(0, text.size() - 1))) {
+    if (text.size() > 1 && text.back() == 's' && isNumber(text.substr(0, text.size() - 1)))
         return Form::Length;
-    }
     if (!text.empty() && text.front() == '@') return Form::Unix;
     const std::size_t sign = text.find_first_not_of("+-");
     return sign != std::string::npos && text[sign] == 'P' ? Form::Duration : Form::Moment;
@@ -78,9 +77,8 @@ Value readValue(const std::string& text, const std::string& form) {
         {"unix", Form::Unix},   {"duration", Form::Duration}, {"length", Form::Length}};
     Form wanted = Form::Moment;
     if (form.empty()) wanted = formOf(text);
-    for (const auto& [name, each] : kForms) {
+    for (const auto& [name, each] : kForms)
         if (name == form) wanted = each;
-    }
     switch (wanted) {
         case Form::Day: {
             // Held short of what the multiplication would overflow at.
@@ -177,11 +175,10 @@ void run(Context& context, const Options& options) {
     for (const std::string& text : values) {
         try {
             const Value value = applied(text, readValue(text, options.form), options, until);
-            if (options.json) {
+            if (options.json)
                 document.push_back(factsOf(value));
-            } else {
+            else
                 writeFacts(context.out, value);
-            }
         } catch (const InputError& problem) {
             context.error(problem.what());
         }

@@ -107,9 +107,8 @@ void noteStrayExclusions(Context& context, const std::vector<int>& dates, const 
                          const std::set<int>& excluded) {
     for (const int day : excluded) {
         if (day < range.first || day > range.last) continue;
-        if (!std::binary_search(dates.begin(), dates.end(), day)) {
+        if (!std::binary_search(dates.begin(), dates.end(), day))
             context.note({}, 0, "--exclude: the rule has no date on " + isoDate(day));
-        }
     }
 }
 
@@ -121,9 +120,8 @@ void writeResult(Context& context, const Options& options, const Range& range,
                       {"through", isoDate(range.last)},
                       {"dates", Json::array()},
                       {"excluded", Json::array()}};
-        for (const ListedDate& date : dates) {
+        for (const ListedDate& date : dates)
             document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
-        }
         writeJson(context.out, document);
     } else if (options.calendar) {
         writeDateGrids(context.out, dates);

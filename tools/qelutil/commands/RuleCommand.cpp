@@ -84,17 +84,15 @@ Explained explain(const Rule& rule, const convert::RuleStart& start, std::size_t
     explained.v10 = convert::vCalendarTexts(rule, start);
     explained.positional = convert::positionalTexts(rule);
     std::vector<convert::RuleNote> notes;
-    for (const convert::RulePiece& piece : convert::rulePieces(rule, &notes)) {
+    for (const convert::RulePiece& piece : convert::rulePieces(rule, &notes))
         explained.repeats.push_back(repeatOf(piece, start));
-    }
     const auto warn = [&](const std::string& text) {
         auto& all = explained.warnings;
         if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
     };
     for (const convert::RuleNote& note : notes) warn(note.text);
-    for (const Repeat& repeat : explained.repeats) {
+    for (const Repeat& repeat : explained.repeats)
         for (const std::string& warning : repeat.warnings) warn(warning);
-    }
     convert::RuleLimits limits;
     limits.most = count + 1;
     explained.dates = convert::expandRule(rule, start, limits);
@@ -140,11 +138,10 @@ void writeText(std::ostream& out, const Explained& explained, const Options& opt
     writeRepeats(out, explained);
     out << "\n";
     const std::vector<ListedDate> dates = listed(explained.dates);
-    if (options.calendar) {
+    if (options.calendar)
         writeDateGrids(out, dates);
-    } else {
+    else
         writeDateList(out, dates);
-    }
     if (explained.more) out << (options.calendar ? "\n" : "") << "  and so on\n";
 }
 
@@ -201,9 +198,8 @@ void run(Context& context, const Options& options) {
     const ReadRules read = readRuleArguments(options.rule);
     writeNotes(context, read);
     std::vector<Explained> all;
-    for (const Rule& rule : read.reading.rules) {
+    for (const Rule& rule : read.reading.rules)
         all.push_back(explain(rule, read.start, options.count));
-    }
     if (options.json) {
         Json document{{"text", jsonText(options.rule.text)},
                       {"form", nameOfForm(read.form)},
@@ -211,9 +207,8 @@ void run(Context& context, const Options& options) {
                       {"complete", read.reading.complete},
                       {"notes", Json::array()},
                       {"rules", Json::array()}};
-        for (const auto& note : read.reading.notes) {
+        for (const auto& note : read.reading.notes)
             document["notes"].push_back(jsonText(note.text));
-        }
         for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
         writeJson(context.out, document);
     } else if (!options.to.empty()) {

@@ -38,8 +38,9 @@ namespace qel::convert {
 
 [[nodiscard]] inline bool equalsIgnoreCase(std::string_view one, std::string_view other) {
     return one.size() == other.size() &&
-           std::equal(one.begin(), one.end(), other.begin(),
-                      [](char a, char b) { return toUpper(a) == toUpper(b); });
+           std::equal(
+               one.begin(), one.end(), other.begin(),
+               [](char a, char b) { return toUpper(a) == toUpper(b); });
 }
 
 [[nodiscard]] inline bool startsWithIgnoreCase(std::string_view text, std::string_view head) {

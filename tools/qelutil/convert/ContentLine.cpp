@@ -31,13 +31,11 @@ bool foldedByWidth(const RawLine& raw) {
 
 bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
     auto fold = std::lower_bound(raw.folds.begin(), raw.folds.end(), from);
-    for (std::size_t at = from; at < raw.text.size(); ++at) {
-        if (fold != raw.folds.end() && *fold == at) {
+    for (std::size_t at = from; at < raw.text.size(); ++at)
+        if (fold != raw.folds.end() && *fold == at)
             ++fold;
-        } else if (raw.text[at] == ' ' || raw.text[at] == '\t') {
+        else if (raw.text[at] == ' ' || raw.text[at] == '\t')
             return true;
-        }
-    }
     return false;
 }
 
@@ -143,8 +141,9 @@ std::string_view ContentLine::parameter(std::string_view parameterName) const {
 }
 
 bool ContentLine::hasParameter(std::string_view parameterName) const {
-    return std::any_of(parameters.begin(), parameters.end(),
-                       [&](const Parameter& each) { return each.name == parameterName; });
+    return std::any_of(
+        parameters.begin(), parameters.end(),
+        [&](const Parameter& each) { return each.name == parameterName; });
 }
 
 void ContentLine::moveTo(Arena& texts) {

@@ -42,17 +42,15 @@ bool needsQuotes(std::string_view value) {
 // RFC 6868: what a parameter value cannot hold.
 std::string parameterText(std::string_view value, bool alwaysQuoted) {
     std::string text;
-    for (const char c : value) {
-        if (c == '^') {
+    for (const char c : value)
+        if (c == '^')
             text += "^^";
-        } else if (c == '"') {
+        else if (c == '"')
             text += "^'";
-        } else if (c == '\n') {
+        else if (c == '\n')
             text += "^n";
-        } else if (!isBlank(c) || c == ' ' || c == '\t') {
+        else if (!isBlank(c) || c == ' ' || c == '\t')
             text += c;
-        }
-    }
     return alwaysQuoted || needsQuotes(text) ? "\"" + text + "\"" : text;
 }
 

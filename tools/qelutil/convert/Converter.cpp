@@ -149,11 +149,10 @@ class Converter::File {
             "SOURCE",        "COLOR", "IMAGE"};
         const bool known = std::find(std::begin(kICalendarNames), std::end(kICalendarNames),
                                      name) != std::end(kICalendarNames);
-        if (name.starts_with(kICalendarPrefix)) {
+        if (name.starts_with(kICalendarPrefix))
             name.erase(0, kICalendarPrefix.size());
-        } else if (!known && !name.starts_with("X-")) {
+        else if (!known && !name.starts_with("X-"))
             name = std::string(kVCalendarPrefix) + name;
-        }
         const auto type = name == "METHOD" || name == "URL" || name == "SOURCE"
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
@@ -181,11 +180,10 @@ class Converter::File {
             LineSink sink = [owner](Severity severity, std::size_t line, std::string text) {
                 owner->sink_({severity, owner->file_, line, std::move(text)});
             };
-            if (*owner_.to_ == CalendarFormat::ICalendar) {
+            if (*owner_.to_ == CalendarFormat::ICalendar)
                 owner_.writer_ = std::make_unique<ICalWriter>(*owner_.out_, std::move(sink));
-            } else {
+            else
                 owner_.writer_ = std::make_unique<VCalWriter>(*owner_.out_, std::move(sink));
-            }
         }
         return *owner_.writer_;
     }
@@ -280,11 +278,10 @@ void Converter::collectZones(ByteSource source) {
 void Converter::finish() {
     if (writer_ == nullptr) {
         LineSink sink = [](Severity, std::size_t, const std::string&) {};
-        if (to_ == CalendarFormat::VCalendar10) {
+        if (to_ == CalendarFormat::VCalendar10)
             writer_ = std::make_unique<VCalWriter>(*out_, sink);
-        } else {
+        else
             writer_ = std::make_unique<ICalWriter>(*out_, sink);
-        }
     }
     writer_->finish();
 }

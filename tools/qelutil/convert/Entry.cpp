@@ -48,11 +48,10 @@ Moment Entry::inClockOf(const Moment& like, const Moment& moment) const {
         return result;
     }
     if (moment.clock != like.clock && zone != nullptr) {
-        if (moment.clock == Clock::Utc && (like.clock == Clock::Zoned || like.isDate)) {
+        if (moment.clock == Clock::Utc && (like.clock == Clock::Zoned || like.isDate))
             result = zone->toLocal(moment);
-        } else if (moment.clock == Clock::Zoned && like.clock == Clock::Utc) {
+        else if (moment.clock == Clock::Zoned && like.clock == Clock::Utc)
             result = zone->toUtc(moment);
-        }
     }
     if (like.isDate) {
         result = like;

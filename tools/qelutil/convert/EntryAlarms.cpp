@@ -126,14 +126,12 @@ void EntryReader::takeAlarmLine(const ContentLine& line) {
     const std::string_view when = trimmed(nextField(rest, ';'));
     const auto at = moment(line, when);
     if (!at) {
-        if (!when.empty()) {
+        if (!when.empty())
             carry(line, "has no time that makes sense", Severity::Error);
-        } else if (!trimmed(rest).empty() &&
-                   rest.find_first_not_of("; ") != std::string_view::npos) {
+        else if (!trimmed(rest).empty() && rest.find_first_not_of("; ") != std::string_view::npos)
             carry(line, "has no time", Severity::Warning);
-        } else {
+        else
             tell(Severity::Note, line.number, std::string(line.name) + " is empty");
-        }
         return;
     }
     alarm.at = *at;

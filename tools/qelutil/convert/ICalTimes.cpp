@@ -136,11 +136,10 @@ void ICalEntry::addDates() {
     addDuration();
     addUtc("CREATED", entry_.created);
     addUtc("LAST-MODIFIED", entry_.modified);
-    if (entry_.kind == EntryKind::Todo) {
+    if (entry_.kind == EntryKind::Todo)
         addUtc("COMPLETED", entry_.completed);
-    } else if (entry_.completed) {
+    else if (entry_.completed)
         keep("COMPLETED", *entry_.completed);
-    }
     if (entry_.recurrenceId) {
         std::vector<Parameter> parameters;
         if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
@@ -163,11 +162,10 @@ std::string ICalEntry::untilText(const std::string& until) const {
     if (moment.clock == Clock::Floating && start.clock != Clock::Floating && !moment.isDate)
         moment.clock = entry_.zone != nullptr ? Clock::Zoned : Clock::Utc;
     if (start.isDate) return formatMoment(entry_.inClockOf(start, moment));
-    if (start.clock == Clock::Floating) {
+    if (start.clock == Clock::Floating)
         moment.clock = Clock::Floating;
-    } else if (const auto utc = entry_.toUtc(moment)) {
+    else if (const auto utc = entry_.toUtc(moment))
         moment = *utc;
-    }
     return formatMoment(moment);
 }
 
@@ -211,11 +209,10 @@ void ICalEntry::addRecurrence() {
         for (Rule& rule : each.rules) {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             const std::string text = iCalendarText(rule);
-            if (text.empty()) {
+            if (text.empty())
                 tell(Severity::Error, "the rule cannot be written; it is left out", each.line);
-            } else {
+            else
                 addICalendarLine(lines_, each.exclude ? "EXRULE" : "RRULE", {}, text);
-            }
         }
     }
     addDateList("RDATE", entry_.dates);

@@ -34,9 +34,10 @@ void appendUtf8(std::string& text, unsigned code) {
 }
 
 bool isBase64Text(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
-        return isAlpha(c) || isDigit(c) || c == '+' || c == '/' || c == '=';
-    });
+    return !text.empty() &&
+           std::all_of(
+               text.begin(), text.end(),
+               [](char c) { return isAlpha(c) || isDigit(c) || c == '+' || c == '/' || c == '='; });
 }
 
 // The first line of a component or its last; never the rest of a quoted-printable value.
@@ -63,11 +64,10 @@ LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
         std::string_view value = nextField(head, ';');
         const std::string_view name = trimmed(nextField(value, '='));
         value = trimmed(value);
-        if (value.empty()) {
+        if (value.empty())
             value = name;
-        } else if (!equalsIgnoreCase(name, "ENCODING")) {
+        else if (!equalsIgnoreCase(name, "ENCODING"))
             continue;
-        }
         if (equalsIgnoreCase(value, "QUOTED-PRINTABLE")) return LineEncoding::QuotedPrintable;
         if (equalsIgnoreCase(value, "BASE64") || equalsIgnoreCase(value, "B"))
             return LineEncoding::Base64;

@@ -150,19 +150,18 @@ std::optional<Duration> parseDuration(std::string_view text) {
         const std::int64_t number = *parseInt(text.substr(0, digits));
         const char unit = toUpper(text[digits]);
         text.remove_prefix(digits + 1);
-        if (unit == 'W' && !inTime) {
+        if (unit == 'W' && !inTime)
             result.days += number * 7;
-        } else if (unit == 'D' && !inTime) {
+        else if (unit == 'D' && !inTime)
             result.days += number;
-        } else if (unit == 'H' && inTime) {
+        else if (unit == 'H' && inTime)
             result.seconds += number * 3600;
-        } else if (unit == 'M' && inTime) {
+        else if (unit == 'M' && inTime)
             result.seconds += number * 60;
-        } else if (unit == 'S' && inTime) {
+        else if (unit == 'S' && inTime)
             result.seconds += number;
-        } else {
+        else
             return std::nullopt;
-        }
         // Far beyond any calendar, and far from overflow.
         if (result.total() > 400LL * 366 * kDaySeconds) return std::nullopt;
     }

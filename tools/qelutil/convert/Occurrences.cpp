@@ -181,15 +181,14 @@ class Expander {
     void addMonth(int year, int month, std::vector<int>& days) {
         const int length = daysInMonth(year, month);
         const int first = dayNumber(year, month, 1);
-        if (!rule_.days.empty()) {
+        if (!rule_.days.empty())
             addPositions(first, first + length - 1, days);
-        } else if (monthDays_.any() || yearDays_.any()) {
+        else if (monthDays_.any() || yearDays_.any())
             for (int each = 0; each < length; ++each) days.push_back(first + each);
-        } else if (weekNumbers_.any()) {
+        else if (weekNumbers_.any())
             addPosition({0, weekdayOf(first_)}, first, first + length - 1, days);
-        } else if (start_.day <= length) {
+        else if (start_.day <= length)
             days.push_back(first + start_.day - 1);
-        }
     }
 
     // BYDAY within the days from `first` to `last`.

@@ -106,11 +106,10 @@ class PartReader {
             const int weekday = weekdayOfCode(code);
             const auto position = number.empty() ? std::optional<int>(0) : parseInt(number);
             if (weekday == 0 || !position || *position < -53 || *position > 53 ||
-                (*position == 0 && !number.empty())) {
+                (*position == 0 && !number.empty()))
                 outside_.add(item);
-            } else {
+            else
                 addOnce(rule_.days, {*position, weekday});
-            }
         }
     }
 
@@ -137,11 +136,10 @@ class PartReader {
                 if (item.empty()) continue;
                 const auto number = parseInt(item);
                 const int size = number ? (part.negative ? std::abs(*number) : *number) : -1;
-                if (size < part.least || size > part.most) {
+                if (size < part.least || size > part.most)
                     outside_.add(item);
-                } else {
+                else
                     addOnce(rule_.*part.list, *number);
-                }
             }
             return true;
         }

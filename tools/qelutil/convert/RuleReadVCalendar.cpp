@@ -118,11 +118,10 @@ class RuleParser {
     bool takeEnd(std::string_view token) {
         if (token.front() == '#') {
             const auto number = parseInt(token.substr(1));
-            if (number && *number >= 0) {
+            if (number && *number >= 0)
                 end_.count = *number;
-            } else {
+            else
                 strays_.add(token);
-            }
             return true;
         }
         if (token.size() < 8 || !allDigits(token.substr(0, 8))) return false;
@@ -141,13 +140,12 @@ class RuleParser {
             return;
         }
         if (token.size() > 1 && token.back() == '$') token.remove_suffix(1);
-        if (const int weekday = readWeekday(token)) {
+        if (const int weekday = readWeekday(token))
             takeWeekday(weekday, token);
-        } else if (const auto number = readSigned(token)) {
+        else if (const auto number = readSigned(token))
             takeNumber(*number, token);
-        } else {
+        else
             strays_.add(token);
-        }
     }
 
     void finish() {
@@ -225,11 +223,10 @@ class RuleParser {
     }
 
     void takeInRange(std::vector<int>& list, int number, int most, std::string_view token) {
-        if (number == 0 || std::abs(number) > most) {
+        if (number == 0 || std::abs(number) > most)
             outside_.add(token);
-        } else {
+        else
             addOnce(list, number);
-        }
     }
 
     [[nodiscard]] bool nothingLeft() const {

@@ -42,7 +42,8 @@ class Parts {
     }
 
     void drop(std::string_view name) {
-        std::erase_if(parts_, [&](const Part& part) { return part.name == name; });
+        std::erase_if(
+            parts_, [&](const Part& part) { return part.name == name; });
     }
 
     [[nodiscard]] std::string text() const {

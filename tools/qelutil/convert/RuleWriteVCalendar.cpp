@@ -25,8 +25,8 @@ std::vector<RuleDay> atEveryPosition(const std::vector<RuleDay>& days) {
 }
 
 bool anyPosition(const std::vector<RuleDay>& days) {
-    return std::any_of(days.begin(), days.end(),
-                       [](const RuleDay& day) { return day.position != 0; });
+    return std::any_of(
+        days.begin(), days.end(), [](const RuleDay& day) { return day.position != 0; });
 }
 
 // A rule in the shapes that vCalendar 1.0 has: D, W + days, MP, MD, YM, YD.
@@ -87,13 +87,11 @@ class Reshaper {
             if (oneDay || rule_.days.size() == 7) {
                 const int weekday = rule_.days.front().weekday;
                 if (oneDay) rule_.days.clear();
-                for (const int position : rule_.setPositions) {
-                    if (oneDay) {
+                for (const int position : rule_.setPositions)
+                    if (oneDay)
                         addOnce(rule_.days, {position, weekday});
-                    } else if (std::abs(position) <= 31) {
+                    else if (std::abs(position) <= 31)
                         addOnce(rule_.monthDays, position);
-                    }
-                }
                 if (!oneDay) rule_.days.clear();
                 rule_.setPositions.clear();
                 return true;

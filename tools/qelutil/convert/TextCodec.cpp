@@ -178,10 +178,12 @@ std::string utf8OrWindows1252(std::string text) {
 }
 
 bool isBase64(const ContentLine& line) {
-    return std::any_of(line.parameters.begin(), line.parameters.end(), [](const Parameter& each) {
-        return (each.name.empty() || each.name == "ENCODING") &&
-               (equalsIgnoreCase(each.value, "BASE64") || equalsIgnoreCase(each.value, "B"));
-    });
+    return std::any_of(
+        line.parameters.begin(), line.parameters.end(),
+        [](const Parameter& each) {
+            return (each.name.empty() || each.name == "ENCODING") &&
+                   (equalsIgnoreCase(each.value, "BASE64") || equalsIgnoreCase(each.value, "B"));
+        });
 }
 
 std::optional<std::string> cleanBase64(std::string_view text) {
@@ -195,9 +197,11 @@ std::optional<std::string> cleanBase64(std::string_view text) {
 
 bool isPlainText(const ContentLine& line) {
     return isPrintableAscii(line.value) &&
-           std::none_of(line.parameters.begin(), line.parameters.end(), [](const Parameter& each) {
-               return each.name.empty() || each.name == "ENCODING" || each.name == "CHARSET";
-           });
+           std::none_of(
+               line.parameters.begin(), line.parameters.end(),
+               [](const Parameter& each) {
+                   return each.name.empty() || each.name == "ENCODING" || each.name == "CHARSET";
+               });
 }
 
 std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) {
@@ -312,15 +316,13 @@ std::vector<std::string> splitVCalendar(std::string_view text, std::string_view 
     std::vector<std::string> fields;
     fields.reserve(4);
     fields.emplace_back();
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (isVCalendarEscape(text, at)) {
+    for (std::size_t at = 0; at < text.size(); ++at)
+        if (isVCalendarEscape(text, at))
             fields.back() += text[++at];
-        } else if (separators.find(text[at]) != std::string_view::npos) {
+        else if (separators.find(text[at]) != std::string_view::npos)
             fields.emplace_back();
-        } else {
+        else
             fields.back() += text[at];
-        }
-    }
     return fields;
 }
 

@@ -43,17 +43,15 @@ std::string_view parameterOf(const std::vector<Parameter>& parameters, std::stri
 
 std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& parameters) {
     std::vector<Parameter> result;
-    for (const Parameter& each : parameters) {
-        if (each.name == "X-VCAL-PARAMETER") {
+    for (const Parameter& each : parameters)
+        if (each.name == "X-VCAL-PARAMETER")
             result.push_back({"", each.value});
-        } else if (each.name.starts_with(kVCalendarPrefix)) {
+        else if (each.name.starts_with(kVCalendarPrefix))
             result.push_back({each.name.substr(kVCalendarPrefix.size()), each.value});
-        } else if (each.name.starts_with("X-") || each.name == "LANGUAGE") {
+        else if (each.name.starts_with("X-") || each.name == "LANGUAGE")
             result.push_back(each);
-        } else {
+        else
             result.push_back({std::string(kICalendarPrefix) + each.name, each.value});
-        }
-    }
     return result;
 }
 
@@ -163,11 +161,10 @@ void VCalEntry::addAttendee(const EntryProperty& property) {
 
 void VCalEntry::addWord(std::string_view name, std::string_view word, const Parameter& parameter,
                         std::vector<Parameter>& parameters) {
-    if (word.empty()) {
+    if (word.empty())
         parameters.push_back({std::string(kICalendarPrefix) + parameter.name, parameter.value});
-    } else {
+    else
         parameters.push_back({std::string(name), std::string(word)});
-    }
 }
 
 void VCalEntry::addAttachment(const EntryProperty& property) {

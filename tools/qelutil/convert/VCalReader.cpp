@@ -87,11 +87,10 @@ void VCalReader::takeList(const ContentLine& line) {
 
 void VCalReader::takeClass(const ContentLine& line) {
     const std::string value = upper(trimmed(text(line)));
-    if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL") {
+    if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL")
         add(line, line.name, EntryProperty::Type::Text, value, parametersFromVCalendar(line));
-    } else if (!value.empty()) {
+    else if (!value.empty())
         carry(line, "is no class that iCalendar knows", Severity::Warning);
-    }
 }
 
 // Whatever is a text, or an unknown thing that is taken for one.
@@ -190,19 +189,17 @@ void VCalReader::takeAttachment(const ContentLine& line) {
                       [](const Parameter& each) { return each.name == "X-VCAL-VALUE"; });
     if (isBase64(line)) {
         const auto clean = cleanBase64(line.value);
-        if (!clean) {
+        if (!clean)
             carry(line, "is not Base64 as it says", Severity::Error);
-        } else if (!clean->empty()) {
+        else if (!clean->empty())
             add(line, line.name, EntryProperty::Type::Base64, *clean, parameters);
-        }
         return;
     }
     std::string value(trimmed(text(line)));
-    if (named && value.size() > 2 && value.front() == '<' && value.back() == '>') {
+    if (named && value.size() > 2 && value.front() == '<' && value.back() == '>')
         value = "cid:" + value.substr(1, value.size() - 2);
-    } else if (named && !startsWithIgnoreCase(value, "cid:")) {
+    else if (named && !startsWithIgnoreCase(value, "cid:"))
         value = "cid:" + value;
-    }
     if (!value.empty()) add(line, line.name, EntryProperty::Type::Raw, value, parameters);
 }
 

@@ -75,13 +75,12 @@ std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,
         if (thisWeek != week) week = 0;
         allLast = allLast && civil.day + 7 > daysInMonth(civil.year, civil.month);
     }
-    if (allLast) {
+    if (allLast)
         change.week = -1;
-    } else if (week >= 1 && week <= 4) {
+    else if (week >= 1 && week <= 4)
         change.week = week;
-    } else {
+    else
         return std::nullopt;
-    }
     return change;
 }
 
@@ -143,11 +142,10 @@ class VCalendarZone {
             std::all_of(periods_.begin(), periods_.end(), [&](const Period& period) {
                 return period.offset == periods_.front().offset && !period.continues;
             });
-        if (periods_.size() >= 2 && begins && ends && uniform) {
+        if (periods_.size() >= 2 && begins && ends && uniform)
             addYearly(*begins, *ends);
-        } else {
+        else
             addPeriods();
-        }
         zone_->vTimezone_.emplace_back("END:VTIMEZONE");
         return zone_;
     }

@@ -80,7 +80,7 @@ class VTimezoneZone {
     void addLines(const Component& component) {
         std::vector<std::string>& lines = zone_->vTimezone_;
         lines.push_back("BEGIN:" + component.name);
-        for (const ContentLine& line : component.properties) {
+        for (const ContentLine& line : component.properties)
             if (!belongsToZone(line.name))
                 sink_(Severity::Error, line.number,
                       std::string(line.name) + " is no part of a zone; it is left out");
@@ -89,7 +89,6 @@ class VTimezoneZone {
                       "a second " + std::string(line.name) + " in a zone is left out");
             else
                 lines.push_back(contentText(line));
-        }
         for (const Component& child : component.children) {
             if (child.name == "STANDARD" || child.name == "DAYLIGHT")
                 addLines(child);

@@ -21,13 +21,11 @@ std::string joined(const std::vector<std::string>& words, const char* separator)
 // For single quotes of any of the shells.
 std::string quoted(const std::string& text, const char* quote) {
     std::string result;
-    for (const char c : text) {
-        if (c == '\'') {
+    for (const char c : text)
+        if (c == '\'')
             result += quote;
-        } else {
+        else
             result += c;
-        }
-    }
     return result;
 }
 
@@ -91,13 +89,12 @@ std::string bashCommand(const PageCommand& command, const std::string& words) {
                         "; return ;;\n";
     if (!branches.empty()) text += "        case $previous in\n" + branches + "        esac\n";
     const PageOption* first = positional(command);
-    if (!command.commands.empty()) {
+    if (!command.commands.empty())
         text += "        words='" + joined(namesOf(command.commands), " ") + "'\n";
-    } else if (first != nullptr && first->argument == Argument::Choice) {
+    else if (first != nullptr && first->argument == Argument::Choice)
         text += "        words='" + joined(first->choices, " ") + "'\n        files=1\n";
-    } else if (first != nullptr && first->argument == Argument::File) {
+    else if (first != nullptr && first->argument == Argument::File)
         text += "        files=1\n";
-    }
     return text + "        ;;\n";
 }
 
@@ -160,10 +157,9 @@ std::string zshDescribe(const PageCommand& command) {
 
 std::string fishOption(const PageOption& option, const std::string& condition) {
     std::string text = "complete -c qelutil -n '" + condition + "'";
-    if (!option.positional) {
+    if (!option.positional)
         for (const std::string& name : option.names)
             text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-    }
     switch (option.argument) {
         case Argument::Choice:
             text += (option.positional ? std::string(" -a '") : std::string(" -x -a '")) +
@@ -245,11 +241,10 @@ _qelutil() {
         zshDescribe(program) + "\n        ;;\n    rest)\n        case $line[1] in\n";
     for (const PageCommand& command : program.commands) {
         text += "        " + command.name + ")\n            ";
-        if (command.commands.empty()) {
+        if (command.commands.empty())
             text += zshArguments(command);
-        } else {
+        else
             text += "_qelutil_" + command.name;
-        }
         text += "\n            ;;\n";
     }
     text += "        esac\n        ;;\n    esac\n}\n";

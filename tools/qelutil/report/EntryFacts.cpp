@@ -63,11 +63,10 @@ std::string clockText(const Entry& entry, const Moment& moment) {
 // The last moment of the entry on the start's clock: of an all-day one its last day.
 std::optional<Moment> lastOf(const Entry& entry) {
     std::optional<Moment> last;
-    if (entry.end) {
+    if (entry.end)
         last = entry.inClockOf(*entry.start, *entry.end);
-    } else if (entry.duration) {
+    else if (entry.duration)
         last = momentAt(*entry.start, entry.start->seconds() + entry.duration->total());
-    }
     if (last && last->isDate && last->day > entry.start->day) --last->day;
     if (last && last->seconds() <= entry.start->seconds()) return std::nullopt;
     return last;
@@ -138,11 +137,10 @@ class Days {
             last_ = std::min(last_, days.back());
             cut_ = cut_ || !excluded;
         }
-        if (excluded) {
+        if (excluded)
             excludedByRule_.insert(excludedByRule_.end(), days.begin(), days.end());
-        } else {
+        else
             for (const int day : days) marks_.try_emplace(day, false);
-        }
     }
 
     void exclude(const Moment& date) {

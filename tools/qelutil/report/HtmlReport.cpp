@@ -120,11 +120,10 @@ std::string fileRow(const FileOutcome& file, std::size_t id) {
 }  // namespace
 
 void ReportMessages::add(const convert::Diagnostic& message) {
-    if (shown.size() < kMostMessages) {
+    if (shown.size() < kMostMessages)
         shown.push_back(message);
-    } else {
+    else
         ++more;
-    }
 }
 
 HtmlReport::HtmlReport(Context& context, const std::string& name)

@@ -77,11 +77,10 @@ MonthTables monthTables(const std::vector<ListedDate>& days, bool more, std::siz
         ofMonth.clear();
         for (; at < days.size() && sameMonth(convert::civilOf(days[at].day), month); ++at)
             ofMonth.push_back(days[at]);
-        if (++months <= most) {
+        if (++months <= most)
             text += monthTable(ofMonth);
-        } else {
+        else
             for (const ListedDate& each : ofMonth) left += each.excluded ? 0 : 1;
-        }
     }
     months = std::min(months, most);
     if (left == 0 && !more) return {text, months};

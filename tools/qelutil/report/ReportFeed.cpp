@@ -68,11 +68,10 @@ std::string ReportFeed::written(const convert::Entry& entry, convert::CalendarFo
     if (writer_ == nullptr || writes_ != target) {
         writes_ = target;
         const convert::LineSink silent = [](convert::Severity, std::size_t, const std::string&) {};
-        if (target == convert::CalendarFormat::ICalendar) {
+        if (target == convert::CalendarFormat::ICalendar)
             writer_ = std::make_unique<convert::ICalWriter>(text_, silent);
-        } else {
+        else
             writer_ = std::make_unique<convert::VCalWriter>(text_, silent);
-        }
     }
     text_.str({});
     convert::Entry copy = entry;
