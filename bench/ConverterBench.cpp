@@ -9,7 +9,7 @@
 #include <string>
 
 #include "Comparison.h"
-#include "convert/Converter.h"
+#include "calendar/converter/Converter.h"
 
 // This header does not say that its functions are C.
 extern "C" {
@@ -20,7 +20,7 @@ namespace qel::bench {
 
 namespace {
 
-using convert::CalendarFormat;
+using calendar::CalendarFormat;
 
 constexpr char kVEvent[] =
     "BEGIN:VEVENT\r\nUID:4711-%\r\nDTSTART:20050615T083000Z\r\nDTEND:20050615T093000Z\r\n"
@@ -43,7 +43,7 @@ std::string vCalendarOf(int events) {
 
 std::string converted(const std::string& text, CalendarFormat to) {
     std::ostringstream out;
-    convert::Converter converter(out, to, [](const convert::Diagnostic&) {});
+    calendar::Converter converter(out, to, [](const calendar::Diagnostic&) {});
     std::size_t read = 0;
     converter.convert(
         [&](char* buffer, std::size_t room) {

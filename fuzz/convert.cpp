@@ -1,16 +1,16 @@
 // The whole converter: any file converts, and what it writes converts again without a loss of
 // entries.
-#include "convert/Converter.h"
+#include "calendar/converter/Converter.h"
 
 #include <sstream>
 
 #include "Fuzz.h"
 
 using namespace qel::fuzz;
-using qel::convert::ByteSource;
-using qel::convert::CalendarFormat;
-using qel::convert::Converter;
-using qel::convert::Diagnostic;
+using qel::calendar::ByteSource;
+using qel::calendar::CalendarFormat;
+using qel::calendar::Converter;
+using qel::calendar::Diagnostic;
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The program's own reading of untidy rule texts: what it understands, it can write.
 #include "Fuzz.h"
-#include "convert/RuleText.h"
+#include "calendar/rules/RuleText.h"
 
 using namespace qel::fuzz;
-using namespace qel::convert;
+using namespace qel::calendar;
 
 QEL_FUZZ_TARGET(rule_command) {
     const std::string text = in.text();

@@ -57,7 +57,7 @@ class CommandCases : public QelutilTest {
                 EXPECT_EQ(result.out, field == "out" ? value + "\n" : value);
             }
         }
-        if (exitCode == 0 && !says) EXPECT_EQ(result.err, "");
+        EXPECT_TRUE(exitCode != 0 || says || result.err.empty()) << result.err;
         if (exitCode == 2) {
             EXPECT_EQ(result.out, "");
             EXPECT_EQ(result.err.find("qelutil: "), 0U) << result.err;

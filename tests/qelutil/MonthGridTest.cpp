@@ -1,5 +1,5 @@
 // Month grids: columns under the right weekday, marks, several months side by side.
-#include "MonthGrid.h"
+#include "base/MonthGrid.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // Rules in plain English: one row a rule, read as the program reads it.
-#include "RuleSentence.h"
+#include "calendar/rules/RuleSentence.h"
 
 #include <gtest/gtest.h>
 
-#include "RuleArguments.h"
+#include "base/RuleArguments.h"
 #include "support/Tables.h"
 
 namespace {
@@ -14,15 +14,15 @@ TEST(RuleSentence, SaysWhatTheRuleMeans) {
     for (test::Row& row : test::list("qelutil/sentences.txt")) {
         const std::string& rule = row["rule"];
         SCOPED_TRACE(rule);
-        const convert::RuleStart start = cli::dateArgument("--start", row["start"]);
-        const auto reading = convert::readRules(rule, convert::guessRuleForm(rule), start);
+        const calendar::RuleStart start = cli::dateArgument("--start", row["start"]);
+        const auto reading = calendar::readRules(rule, calendar::guessRuleForm(rule), start);
         ASSERT_EQ(reading.rules.size(), 1U);
-        EXPECT_EQ(cli::ruleSentence(reading.rules[0], start), row["sentence"]);
+        EXPECT_EQ(calendar::ruleSentence(reading.rules[0], start), row["sentence"]);
     }
 }
 
 TEST(RuleArguments, DatesAreTakenInTheirUsualSpellingsAndNoOthers) {
-    const convert::RuleStart start = cli::dateArgument("--start", "2005-06-15T08:30:01Z");
+    const calendar::RuleStart start = cli::dateArgument("--start", "2005-06-15T08:30:01Z");
     EXPECT_EQ(cli::codeDateOf(start), 38516);
     EXPECT_EQ(start.secondOfDay, 30601);
     EXPECT_FALSE(start.isDate);

@@ -1,6 +1,6 @@
 #include "commands/Application.h"
 
-#include "Terminal.h"
+#include "base/Terminal.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

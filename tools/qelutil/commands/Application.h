@@ -3,7 +3,7 @@
 #ifndef QELUTIL_COMMANDS_APPLICATION_H
 #define QELUTIL_COMMANDS_APPLICATION_H
 
-#include "commands/Command.h"
+#include "base/Command.h"
 
 namespace qel::cli {
 

@@ -4,14 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include "Json.h"
-#include "Progress.h"
 #include "QelUtility/BxCharConv.h"
-#include "Source.h"
-#include "Text.h"
+#include "base/Json.h"
+#include "base/Progress.h"
+#include "base/Source.h"
+#include "calendar/base/Text.h"
+#include "calendar/platform/CharacterSets.h"
+#include "calendar/text/TextCodec.h"
 #include "commands/Commands.h"
-#include "convert/TextCodec.h"
-#include "platform/CharacterSets.h"
 
 namespace qel::cli {
 
@@ -120,7 +120,7 @@ class Converter {
 // The bytes of the character at the start of `text` in one of the sets that convert; 1 for what is
 // none.
 std::size_t characterLength(std::string_view set, std::string_view text) {
-    if (set == "UTF-8") return std::max<std::size_t>(1, utf8CharacterLength(text));
+    if (set == "UTF-8") return std::max<std::size_t>(1, calendar::utf8CharacterLength(text));
     const bool twoBytes = (set == "936" || set == "950") && text.size() > 1 &&
                           static_cast<unsigned char>(text[0]) > 0x80U;
     return twoBytes ? 2 : 1;
@@ -204,7 +204,7 @@ class Conversion {
         if (startsWithMark(character)) return Fit::NoPlace;
         if (forward(character, result) != Converter::Outcome::Done) return Fit::Invalid;
         const std::string meaning = inUtf8(fromToUtf8_, character);
-        if (!isUtf8(meaning) || meaning.empty()) return Fit::Invalid;
+        if (!calendar::isUtf8(meaning) || meaning.empty()) return Fit::Invalid;
         const bool substituted = meaning == "?" || meaning.find(kSubstitute) != std::string::npos;
         if (fromToUtf8_ && substituted && character != "?") return Fit::Invalid;
         return inUtf8(toToUtf8_, result) == meaning ? Fit::Arrives : Fit::NoPlace;
@@ -255,7 +255,7 @@ class SystemConversion {
     void convert(std::string_view text, std::size_t firstLine, std::ostream& out) {
         for (std::size_t line = firstLine; !text.empty(); ++line) {
             const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-            auto result = platform::toUtf8(text.substr(0, length), set_);
+            auto result = calendar::platform::toUtf8(text.substr(0, length), set_);
             if (!result)
                 throw InputError(name_ + ": the system cannot convert " + set_ +
                                  "; `qelutil charset --list` shows what it always can");
@@ -295,14 +295,15 @@ std::string systemSet(const std::string& name) {
         if (supportOf(each) == Support::Converts) return {};
         if (supportOf(each) == Support::Nothing) system = "ISO-" + each;
     }
-    if (*convert::libraryCharacterSet(name) != '\0' || platform::toUtf8("\n", system) != "\n")
+    if (*calendar::libraryCharacterSet(name) != '\0' ||
+        calendar::platform::toUtf8("\n", system) != "\n")
         return {};
     return system;
 }
 
 // The name as the library writes it. Throws UsageError for a name that it does not know.
 std::string knownSet(const std::string& name) {
-    if (const char* known = convert::libraryCharacterSet(name); *known != '\0') return known;
+    if (const char* known = calendar::libraryCharacterSet(name); *known != '\0') return known;
     std::string known;
     for (const std::string& each : setNames()) {
         if (CLI::detail::to_lower(each) == CLI::detail::to_lower(name)) return each;

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands/Command.h"
+#include "base/Command.h"
 
 namespace qel::cli {
 

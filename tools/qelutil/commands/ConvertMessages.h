@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "commands/Command.h"
-#include "convert/Diagnostic.h"
+#include "base/Command.h"
+#include "calendar/base/Diagnostic.h"
 
 namespace qel::cli {
 
@@ -15,8 +15,8 @@ class ConvertMessages {
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
     // False when the message is one that is not shown: a note, or one of too many.
-    bool show(const convert::Diagnostic& message) {
-        using convert::Severity;
+    bool show(const calendar::Diagnostic& message) {
+        using calendar::Severity;
         if (message.severity == Severity::Error) context_.setBadInput();
         if (message.severity == Severity::Note && !verbose_) return false;
         if (!verbose_ && ++shown_ > kMost) {

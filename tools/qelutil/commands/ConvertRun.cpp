@@ -10,17 +10,17 @@
 #include <system_error>
 #include <utility>
 
-#include "CalendarFiles.h"
-#include "Files.h"
-#include "Json.h"
-#include "Progress.h"
-#include "Spool.h"
-#include "Text.h"
+#include "base/CalendarFiles.h"
+#include "base/Files.h"
+#include "base/Json.h"
+#include "base/Progress.h"
+#include "base/Spool.h"
+#include "calendar/base/Text.h"
+#include "calendar/converter/Converter.h"
+#include "calendar/report/HtmlReport.h"
+#include "calendar/report/Outcome.h"
+#include "calendar/report/ReportFeed.h"
 #include "commands/ConvertMessages.h"
-#include "convert/Converter.h"
-#include "report/HtmlReport.h"
-#include "report/Outcome.h"
-#include "report/ReportFeed.h"
 
 namespace qel::cli {
 
@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using convert::CalendarFormat;
+using calendar::CalendarFormat;
 
 constexpr char kStrictReason[] = "there are warnings or errors, and --strict wants none";
 
@@ -39,7 +39,7 @@ std::optional<CalendarFormat> targetOf(const std::string& name) {
 }
 
 template <class Input>
-convert::ByteSource sourceOf(Input& input) {
+calendar::ByteSource sourceOf(Input& input) {
     return [&input](char* bytes, std::size_t room) { return input.read(bytes, room); };
 }
 
@@ -59,7 +59,7 @@ std::string withoutCase(std::string name) {
     return name;
 }
 
-class ConvertRun : private convert::EntryObserver {
+class ConvertRun : private calendar::EntryObserver {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
         : context_(context), options_(options), messages_(context, options.verbose) {
@@ -87,14 +87,14 @@ class ConvertRun : private convert::EntryObserver {
     }
 
   private:
-    [[nodiscard]] convert::DiagnosticSink sink() {
-        return [this](const convert::Diagnostic& message) {
+    [[nodiscard]] calendar::DiagnosticSink sink() {
+        return [this](const calendar::Diagnostic& message) {
             tally_.hear(message, messages_.show(message));
             if (feed_) feed_->hear(message);
         };
     }
 
-    void entryRead(const convert::Entry& entry) override {
+    void entryRead(const calendar::Entry& entry) override {
         tally_.entryRead(entry);
         if (feed_) feed_->entryRead(entry, converter_->target().value());
     }
@@ -119,12 +119,12 @@ class ConvertRun : private convert::EntryObserver {
         if (feed_) feed_->endFile();
     }
 
-    [[nodiscard]] convert::ByteSource heard(convert::ByteSource source) {
+    [[nodiscard]] calendar::ByteSource heard(calendar::ByteSource source) {
         return feed_ ? feed_->through(std::move(source)) : source;
     }
 
     // Converts one file; the reason why it could not be read to its end, or nothing.
-    std::string convertFile(convert::Converter& converter, const CalendarFile& file) {
+    std::string convertFile(calendar::Converter& converter, const CalendarFile& file) {
         converter_ = &converter;
         converter.observe(this);
         const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
@@ -141,7 +141,7 @@ class ConvertRun : private convert::EntryObserver {
 
     // Zones may be described behind the entries that use them: they are looked for first, in
     // whatever can be read twice. Only iCalendar has them, so a phone's file may flow through.
-    void readFile(convert::Converter& converter, const std::string& name,
+    void readFile(calendar::Converter& converter, const std::string& name,
                   const std::function<void(std::uint64_t)>& update) {
         InputFile input(context_, name);
         if (input.size() != 0) {
@@ -169,13 +169,13 @@ class ConvertRun : private convert::EntryObserver {
         const bool hold = options_.strict && isStandardStream(options_.output);
         if (!options_.dryRun) output.emplace(context_, options_.output);
         std::ostream& out = options_.dryRun ? nowhere : hold ? held : output->stream();
-        convert::Converter converter(out, targetOf(options_.to), sink());
-        Totals all;
+        calendar::Converter converter(out, targetOf(options_.to), sink());
+        calendar::Totals all;
         for (const CalendarFile& file : files_) {
             const std::uint64_t calendars = converter.counts().calendars;
             beginFile(file);
             std::string reason = convertFile(converter, file);
-            FileOutcome& outcome = tally_.file();
+            calendar::FileOutcome& outcome = tally_.file();
             if (reason.empty() && converter.counts().calendars == calendars)
                 reason = "there is no calendar in it";
             if (outcome.counts.converted == 0) outcome.reason = reason;
@@ -193,7 +193,7 @@ class ConvertRun : private convert::EntryObserver {
             if (hold) output->stream() << held.str();
             output->commit();
         }
-        for (const FileOutcome& each : outcomes_) settled(each);
+        for (const calendar::FileOutcome& each : outcomes_) settled(each);
     }
 
     void nothingWritten(const std::string& reason) {
@@ -201,7 +201,7 @@ class ConvertRun : private convert::EntryObserver {
                        : isStandardStream(options_.output)
                            ? reason + "; nothing is written"
                            : reason + "; " + options_.output + " is left as it was");
-        for (FileOutcome& each : outcomes_) {
+        for (calendar::FileOutcome& each : outcomes_) {
             if (each.reason.empty()) each.reason = reason;
             each.counts.converted = 0;
             each.output.clear();
@@ -218,7 +218,7 @@ class ConvertRun : private convert::EntryObserver {
                 context_.error(problem.what());
                 tally_.file().reason = problem.what();
             }
-            FileOutcome& outcome = tally_.file();
+            calendar::FileOutcome& outcome = tally_.file();
             if (!outcome.reason.empty()) {
                 outcome.counts.converted = 0;
                 outcome.output.clear();
@@ -244,10 +244,10 @@ class ConvertRun : private convert::EntryObserver {
             makeFolderFor(file);
             output.emplace(context_, inFolder(options_.outputDir, file.place + "." + guess));
         }
-        convert::Converter converter(options_.dryRun ? nowhere : output->stream(),
-                                     targetOf(options_.to), sink());
+        calendar::Converter converter(options_.dryRun ? nowhere : output->stream(),
+                                      targetOf(options_.to), sink());
         const std::string problem = convertFile(converter, file);
-        FileOutcome& outcome = tally_.file();
+        calendar::FileOutcome& outcome = tally_.file();
         outcome.reason = problem;
         if (!problem.empty()) return;
         if (converter.counts().calendars == 0) {
@@ -304,18 +304,19 @@ class ConvertRun : private convert::EntryObserver {
         return inputs_.contains(key(path));
     }
 
-    void settled(const FileOutcome& outcome) {
+    void settled(const calendar::FileOutcome& outcome) {
         totals_.add(outcome);
         if (!options_.dryRun || options_.json) return;
         progress_->hide();
-        const OutcomeCounts& counts = outcome.counts;
-        context_.out << printable(outcome.file);
+        const calendar::OutcomeCounts& counts = outcome.counts;
+        context_.out << calendar::printable(outcome.file);
         if (!outcome.reason.empty()) {
             context_.out << ": would be left out\n";
             return;
         }
         context_.out << " -> "
-                     << printable(outcome.output.empty() ? "standard output" : outcome.output)
+                     << calendar::printable(outcome.output.empty() ? "standard output"
+                                                                   : outcome.output)
                      << ": " << counts.entries << (counts.entries == 1 ? " entry, " : " entries, ")
                      << counts.changed << " changed, " << counts.lost << " not carried over\n";
     }
@@ -327,15 +328,15 @@ class ConvertRun : private convert::EntryObserver {
                           {"strict", options_.strict},
                           {"files", Json::array()},
                           {"messagesNotShown", messages_.hidden()},
-                          {"summary", summaryJson(totals_)}};
-            for (const FileOutcome& each : outcomes_)
-                document["files"].push_back(outcomeJson(each));
+                          {"summary", calendar::summaryJson(totals_)}};
+            for (const calendar::FileOutcome& each : outcomes_)
+                document["files"].push_back(calendar::outcomeJson(each));
             writeJson(context_.out, document);
         }
         if (report_) report_->finish(outcomes_, totals_, noteText());
         if (summary_)
             context_.say((options_.dryRun ? "nothing written; would be: " : "") +
-                         summaryText(totals_));
+                         calendar::summaryText(totals_));
     }
 
     [[nodiscard]] std::string noteText() const {
@@ -348,13 +349,13 @@ class ConvertRun : private convert::EntryObserver {
     Context& context_;
     const ConvertOptions& options_;
     ConvertMessages messages_;
-    Tally tally_;
-    std::optional<HtmlReport> report_;
-    std::optional<ReportFeed> feed_;
-    convert::Converter* converter_ = nullptr;
+    calendar::Tally tally_;
+    std::optional<calendar::HtmlReport> report_;
+    std::optional<calendar::ReportFeed> feed_;
+    calendar::Converter* converter_ = nullptr;
     std::vector<CalendarFile> files_;
-    std::vector<FileOutcome> outcomes_;
-    Totals totals_;
+    std::vector<calendar::FileOutcome> outcomes_;
+    calendar::Totals totals_;
     Progress* progress_ = nullptr;
     std::uint64_t sizeDone_ = 0;
     std::size_t number_ = 0;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "commands/Command.h"
+#include "base/Command.h"
 
 namespace qel::cli {
 

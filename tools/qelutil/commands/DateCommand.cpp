@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "Json.h"
-#include "Moment.h"
+#include "base/Json.h"
+#include "base/Moment.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

@@ -1,14 +1,14 @@
-// qelutil encode: a text as Base64, quoted-printable, digest or enciphered code.
+// qelutil encode: a text as Base64, quoted-calendar::printable, digest or enciphered code.
 #include <algorithm>
 #include <map>
 #include <memory>
 #include <vector>
 
-#include "Progress.h"
 #include "QelUtility/BxEncodings.h"
 #include "QelUtility/BxQuotedPrintable.h"
-#include "Source.h"
-#include "Text.h"
+#include "base/Progress.h"
+#include "base/Source.h"
+#include "calendar/base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -110,7 +110,7 @@ std::size_t bodyCut(std::string_view text) {
         const auto lead = static_cast<unsigned char>(text[cut - 1 - back]);
         if ((lead & 0xC0U) == 0x80U) continue;
         const std::string_view character = text.substr(cut - 1 - back, 4);
-        if (lead >= 0xC0U && utf8CharacterLength(character) != back + 1) cut -= back + 1;
+        if (lead >= 0xC0U && calendar::utf8CharacterLength(character) != back + 1) cut -= back + 1;
         break;
     }
     return cut;
@@ -200,7 +200,7 @@ void run(Context& context, const Options& options) {
 void addEncodeCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "encode", "A text as Base64, quoted-printable, MD5 digest or enciphered code");
+        "encode", "A text as Base64, quoted-calendar::printable, MD5 digest or enciphered code");
     command->add_option("CODE", options->kind, "base64, qp, md5 or cipher")
         ->required()
         ->type_name("")
@@ -218,7 +218,8 @@ void addEncodeCommand(CLI::App& app, Context& context) {
         ->check(CLI::NonNegativeNumber);
     command->footer(
         "The digest and the enciphered code are of texts; the code is 16 hexadecimal digits for\n"
-        "every 8 bytes. The text of a file is taken with its last line end. Quoted-printable "
+        "every 8 bytes. The text of a file is taken with its last line end. "
+        "Quoted-calendar::printable "
         "takes\n"
         "a text body, whose lines end in CR LF afterwards, unless --value is given.\n"
         "Examples:\n"

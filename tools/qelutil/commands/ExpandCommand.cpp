@@ -5,14 +5,14 @@
 #include <ostream>
 #include <set>
 
-#include "Json.h"
-#include "RepeatText.h"
-#include "RuleArguments.h"
-#include "RuleDates.h"
-#include "RuleSentence.h"
-#include "Text.h"
+#include "base/Json.h"
+#include "base/RepeatText.h"
+#include "base/RuleArguments.h"
+#include "base/RuleDates.h"
+#include "calendar/base/Days.h"
+#include "calendar/base/Text.h"
+#include "calendar/rules/RuleSentence.h"
 #include "commands/Commands.h"
-#include "convert/Days.h"
 
 namespace qel::cli {
 
@@ -40,9 +40,9 @@ Range rangeOf(const Options& options, int start) {
     range.first =
         options.since.empty() ? start : codeDateOf(dateArgument("--since", options.since));
     if (options.through.empty()) {
-        const convert::Civil first = convert::civilOf(range.first);
+        const calendar::Civil first = calendar::civilOf(range.first);
         range.last =
-            std::min(kLastDay, convert::dayNumber(first.year + 1, first.month, first.day) - 1);
+            std::min(kLastDay, calendar::dayNumber(first.year + 1, first.month, first.day) - 1);
     } else {
         range.last = codeDateOf(dateArgument("--through", options.through));
     }
@@ -67,17 +67,17 @@ std::set<int> excludedDays(const std::vector<std::string>& lists) {
 }
 
 // The dates up to the range's end, as the rule means them or as its repeat records give them.
-std::vector<int> datesOf(Context& context, const convert::Rule& rule, const Options& options,
-                         const convert::RuleStart& start, int last) {
+std::vector<int> datesOf(Context& context, const calendar::Rule& rule, const Options& options,
+                         const calendar::RuleStart& start, int last) {
     constexpr std::size_t kAll = kLastDay + 1;  // there are no more days
     if (!options.record) {
-        convert::RuleLimits limits;
+        calendar::RuleLimits limits;
         limits.most = kAll;
-        limits.lastYear = convert::civilOf(last).year;
-        return convert::expandRule(rule, start, limits);
+        limits.lastYear = calendar::civilOf(last).year;
+        return calendar::expandRule(rule, start, limits);
     }
     std::vector<Repeat> repeats;
-    for (const convert::RulePiece& piece : convert::rulePieces(rule, nullptr)) {
+    for (const calendar::RulePiece& piece : calendar::rulePieces(rule, nullptr)) {
         Repeat repeat = repeatOf(piece, start);
         if (repeat.code != 0) {
             context.error("no repeat record: " + repeat.problem + "; leave --record out");
@@ -141,7 +141,7 @@ void run(Context& context, const Options& options) {
     const Range range = rangeOf(options, codeDateOf(read.start));
     const std::set<int> excluded = excludedDays(options.excluded);
     std::vector<int> dates;
-    for (const convert::Rule& rule : read.reading.rules) {
+    for (const calendar::Rule& rule : read.reading.rules) {
         const std::vector<int> more = datesOf(context, rule, options, read.start, range.last);
         dates.insert(dates.end(), more.begin(), more.end());
     }

@@ -6,9 +6,9 @@
 #include <optional>
 #include <vector>
 
-#include "Json.h"
 #include "QelUtility/BxFieldIDs.h"
-#include "Text.h"
+#include "base/Json.h"
+#include "calendar/base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

@@ -3,20 +3,20 @@
 #include <memory>
 #include <ostream>
 
-#include "Json.h"
-#include "RepeatText.h"
-#include "RuleArguments.h"
-#include "RuleDates.h"
-#include "RuleSentence.h"
-#include "Text.h"
+#include "base/Json.h"
+#include "base/RepeatText.h"
+#include "base/RuleArguments.h"
+#include "base/RuleDates.h"
+#include "calendar/base/Text.h"
+#include "calendar/rules/RuleSentence.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
 
 namespace {
 
-using convert::Rule;
-using convert::RuleForm;
+using calendar::Rule;
+using calendar::RuleForm;
 
 constexpr std::size_t kMostDates = 100000;
 
@@ -32,7 +32,7 @@ struct Options {
 struct Explained {
     std::string sentence;
     std::string ical;
-    convert::VCalendarRule v10;
+    calendar::VCalendarRule v10;
     std::vector<std::string> positional;
     std::vector<Repeat> repeats;
     std::vector<std::string> warnings;  // of the records, each once
@@ -77,25 +77,25 @@ void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& da
     warnings.push_back(text);
 }
 
-Explained explain(const Rule& rule, const convert::RuleStart& start, std::size_t count) {
+Explained explain(const Rule& rule, const calendar::RuleStart& start, std::size_t count) {
     Explained explained;
-    explained.sentence = ruleSentence(rule, start);
-    explained.ical = convert::iCalendarText(rule);
-    explained.v10 = convert::vCalendarTexts(rule, start);
-    explained.positional = convert::positionalTexts(rule);
-    std::vector<convert::RuleNote> notes;
-    for (const convert::RulePiece& piece : convert::rulePieces(rule, &notes))
+    explained.sentence = calendar::ruleSentence(rule, start);
+    explained.ical = calendar::iCalendarText(rule);
+    explained.v10 = calendar::vCalendarTexts(rule, start);
+    explained.positional = calendar::positionalTexts(rule);
+    std::vector<calendar::RuleNote> notes;
+    for (const calendar::RulePiece& piece : calendar::rulePieces(rule, &notes))
         explained.repeats.push_back(repeatOf(piece, start));
     const auto warn = [&](const std::string& text) {
         auto& all = explained.warnings;
         if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
     };
-    for (const convert::RuleNote& note : notes) warn(note.text);
+    for (const calendar::RuleNote& note : notes) warn(note.text);
     for (const Repeat& repeat : explained.repeats)
         for (const std::string& warning : repeat.warnings) warn(warning);
-    convert::RuleLimits limits;
+    calendar::RuleLimits limits;
     limits.most = count + 1;
-    explained.dates = convert::expandRule(rule, start, limits);
+    explained.dates = calendar::expandRule(rule, start, limits);
     explained.more = explained.dates.size() > count;
     if (explained.more) explained.dates.resize(count);
     compareDates(explained.repeats, explained.dates, explained.more, explained.warnings);
@@ -106,7 +106,7 @@ void line(std::ostream& out, const char* label, const std::string& text) {
     constexpr std::size_t kLabelWidth = 15;
     std::string padded = label;
     padded.resize(std::max(padded.size(), kLabelWidth), ' ');
-    out << "  " << padded << printable(text) << "\n";
+    out << "  " << padded << calendar::printable(text) << "\n";
 }
 
 void writeForms(std::ostream& out, const Explained& explained) {

@@ -3,9 +3,9 @@
 #include <optional>
 #include <vector>
 
-#include "Json.h"
 #include "QelUtility/BxStatusNames.h"
-#include "Text.h"
+#include "base/Json.h"
+#include "calendar/base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "Json.h"
-#include "Moment.h"
 #include "QelUtility/ZQDate.h"
-#include "Zones.h"
+#include "base/Json.h"
+#include "base/Moment.h"
+#include "base/Zones.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

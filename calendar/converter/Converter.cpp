@@ -1,0 +1,289 @@
+#include "calendar/converter/Converter.h"
+
+#include <ostream>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/EntryReader.h"
+#include "calendar/formats/EntryWriter.h"
+#include "calendar/lines/CalendarReader.h"
+#include "calendar/text/TextCodec.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// Memory for zones, far more than all zones of the world take; beyond it a zone counts as not
+// described.
+constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
+// Properties of a calendar itself that are kept.
+constexpr std::size_t kMostHeader = 200;
+
+}  // namespace
+
+class ZoneStore {
+  public:
+    void add(const ZonePtr& zone) {
+        if (zone == nullptr) return;
+        const std::size_t cost = zone->cost();
+        if (bytes_ + cost > kMostZoneBytes) return;
+        // The same name may be described twice; the later one counts from there on.
+        ZonePtr& place = zones[zone->id()];
+        bytes_ += cost - (place == nullptr ? 0 : place->cost());
+        place = zone;
+    }
+
+    void clear() {
+        zones.clear();
+        bytes_ = 0;
+    }
+
+    ZoneMap zones;
+
+  private:
+    std::size_t bytes_ = 0;
+};
+
+// One file on its way through.
+class Converter::File {
+  public:
+    File(Converter& owner, ByteSource source)
+        : owner_(owner),
+          reader_(std::move(source), owner.file_, owner.sink_),
+          vCalReader_(owner.zones_->zones, lineSink()),
+          iCalReader_(owner.zones_->zones, lineSink()) {}
+
+    void run(const std::function<void(std::uint64_t)>& progress) {
+        using Item = CalendarReader::Item;
+        for (Item item = reader_.next(); item != Item::End; item = reader_.next()) {
+            switch (item) {
+                case Item::CalendarBegin:
+                    beginCalendar();
+                    break;
+                case Item::CalendarProperty:
+                    takeProperty();
+                    break;
+                case Item::Entry:
+                    takeComponent();
+                    break;
+                case Item::CalendarEnd:
+                    endCalendar();
+                    break;
+                case Item::End:
+                    break;
+            }
+            if (progress) progress(reader_.bytesRead());
+        }
+    }
+
+  private:
+    void tell(Severity severity, std::size_t line, std::string text) {
+        owner_.sink_({severity, owner_.file_, line, std::move(text)});
+    }
+
+    [[nodiscard]] LineSink lineSink() {
+        return [this](Severity severity, std::size_t line, std::string text) {
+            tell(severity, line, std::move(text));
+        };
+    }
+
+    void beginCalendar() {
+        ++owner_.counts_.calendars;
+        tz_.reset();
+        daylight_.clear();
+        texts_.clear();
+        header_.clear();
+        settled_ = false;
+        zone_ = nullptr;
+    }
+
+    void takeProperty() {
+        ContentLine& line = reader_.property();
+        if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
+            if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
+                tell(Severity::Error, line.number,
+                     "the calendar " + quoted(line.value) +
+                         " is not known; its dates are read as "
+                         "Gregorian");
+            return;
+        }
+        const bool isTz = line.id == PropertyName::Tz;
+        const bool isDaylight = line.id == PropertyName::Daylight;
+        if (settled_ && (isTz || isDaylight))
+            tell(
+                Severity::Warning, line.number,
+                std::string(line.name) + " stands behind entries; it counts for those that follow");
+        if (isTz) {
+            line.moveTo(texts_);
+            tz_ = std::move(line);
+            settled_ = false;
+        } else if (isDaylight) {
+            if (daylight_.size() < kMostHeader) {
+                line.moveTo(texts_);
+                daylight_.push_back(std::move(line));
+            }
+            settled_ = false;
+        } else {
+            takeHeader(line);
+        }
+    }
+
+    void takeHeader(const ContentLine& line) {
+        static constexpr std::string_view kEntryNames[] = {"DTSTART",  "DTEND",  "RRULE",  "AALARM",
+                                                           "DALARM",   "MALARM", "PALARM", "DUE",
+                                                           "DCREATED", "DTSTAMP"};
+        const bool stray = std::find(std::begin(kEntryNames), std::end(kEntryNames), line.name) !=
+                           std::end(kEntryNames);
+        if (stray || header_.size() >= kMostHeader) {
+            tell(Severity::Warning, line.number,
+                 std::string(line.name) + " does not belong to a calendar itself; it is left out");
+            return;
+        }
+        std::vector<RuleNote> notes;
+        std::string value = decodedValue(line, notes);
+        const bool vcalendar = isVCalendar();
+        if (!vcalendar) value = unescapeICalendar(value);
+        std::string name(line.name);
+        static constexpr std::string_view kICalendarNames[] = {
+            "METHOD",        "NAME",  "DESCRIPTION", "UID",
+            "LAST-MODIFIED", "URL",   "CATEGORIES",  "REFRESH-INTERVAL",
+            "SOURCE",        "COLOR", "IMAGE"};
+        const bool known = std::find(std::begin(kICalendarNames), std::end(kICalendarNames),
+                                     name) != std::end(kICalendarNames);
+        if (name.starts_with(kICalendarPrefix))
+            name.erase(0, kICalendarPrefix.size());
+        else if (!known && !name.starts_with("X-"))
+            name = std::string(kVCalendarPrefix) + name;
+        const auto type = name == "METHOD" || name == "URL" || name == "SOURCE"
+                              ? EntryProperty::Type::Raw
+                              : EntryProperty::Type::Text;
+        header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
+        for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
+    }
+
+    [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }
+
+    // The calendar's properties are known when its first entry comes.
+    void settle() {
+        if (settled_) return;
+        settled_ = true;
+        zone_ = nullptr;
+        if (tz_) zone_ = Zone::fromVCalendar(*tz_, daylight_, lineSink());
+        if (!owner_.to_)
+            owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
+        writer().calendar(header_);
+    }
+
+    EntryWriter& writer() {
+        if (owner_.writer_ == nullptr) {
+            // Told by whoever is read when something is written.
+            Converter* owner = &owner_;
+            LineSink sink = [owner](Severity severity, std::size_t line, std::string text) {
+                owner->sink_({severity, owner->file_, line, std::move(text)});
+            };
+            if (*owner_.to_ == CalendarFormat::ICalendar)
+                owner_.writer_ = std::make_unique<ICalWriter>(*owner_.out_, std::move(sink));
+            else
+                owner_.writer_ = std::make_unique<VCalWriter>(*owner_.out_, std::move(sink));
+        }
+        return *owner_.writer_;
+    }
+
+    void takeComponent() {
+        const Component& component = reader_.component();
+        if (component.name == "VTIMEZONE") {
+            owner_.zones_->add(Zone::fromVTimezone(component, lineSink()));
+            return;
+        }
+        settle();
+        const ZonePtr zone = zoneOf(component);
+        EntryReader* reader = &iCalReader_;
+        if (isVCalendar() || component.name == "VNOTE") reader = &vCalReader_;
+        Entry* const entry = reader->read(component, zone);
+        if (entry == nullptr) return;
+        ++owner_.counts_.entries;
+        owner_.counts_.alarms += entry->alarms.size();
+        if (owner_.observer_ != nullptr) owner_.observer_->entryRead(*entry);
+        writer().write(*entry);
+        if (owner_.observer_ != nullptr) owner_.observer_->entryWritten();
+    }
+
+    // The zone of an entry: its own TZ line, where it has one.
+    [[nodiscard]] ZonePtr zoneOf(const Component& component) {
+        const ContentLine* tz = nullptr;
+        std::vector<ContentLine> daylight;
+        for (const ContentLine& line : component.properties) {
+            if (line.id == PropertyName::Tz && tz == nullptr) tz = &line;
+            if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader)
+                daylight.push_back(line);
+        }
+        if (tz == nullptr && daylight.empty()) return zone_;
+        if (tz == nullptr && tz_) tz = &*tz_;
+        return tz == nullptr
+                   ? zone_
+                   : Zone::fromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, lineSink());
+    }
+
+    void endCalendar() {
+        if (!settled_) {
+            settle();
+            tell(Severity::Warning, 0, "a calendar without entries");
+        }
+        if (!tz_ && !daylight_.empty()) {
+            for (const ContentLine& line : daylight_)
+                if (startsWithIgnoreCase(trimmed(line.value), "TRUE")) {
+                    tell(Severity::Warning, line.number,
+                         "DAYLIGHT without TZ says nothing; local times stay local");
+                    break;
+                }
+        }
+    }
+
+    Converter& owner_;
+    CalendarReader reader_;
+    VCalReader vCalReader_;
+    ICalReader iCalReader_;
+    Arena texts_;  // of tz_ and daylight_
+    std::optional<ContentLine> tz_;
+    std::vector<ContentLine> daylight_;
+    std::vector<EntryProperty> header_;
+    bool settled_ = false;
+    ZonePtr zone_;
+};
+
+Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, DiagnosticSink sink)
+    : out_(&out), to_(to), sink_(std::move(sink)), zones_(std::make_unique<ZoneStore>()) {}
+
+Converter::Converter(std::unique_ptr<EntryWriter> writer, DiagnosticSink sink)
+    : sink_(std::move(sink)), writer_(std::move(writer)), zones_(std::make_unique<ZoneStore>()) {}
+
+Converter::~Converter() = default;
+
+void Converter::convert(ByteSource source, const std::string& file,
+                        const std::function<void(std::uint64_t)>& progress) {
+    file_ = file;
+    File(*this, std::move(source)).run(progress);
+    zones_->clear();
+}
+
+void Converter::collectZones(ByteSource source) {
+    const DiagnosticSink silent = [](const Diagnostic&) {};
+    const LineSink silentLines = [](Severity, std::size_t, const std::string&) {};
+    CalendarReader reader(std::move(source), "", silent, CalendarReader::Contents::OfZones);
+    using Item = CalendarReader::Item;
+    for (Item item = reader.next(); item != Item::End; item = reader.next())
+        if (item == Item::Entry && reader.component().name == "VTIMEZONE")
+            zones_->add(Zone::fromVTimezone(reader.component(), silentLines));
+}
+
+void Converter::finish() {
+    if (writer_ == nullptr) {
+        LineSink sink = [](Severity, std::size_t, const std::string&) {};
+        if (to_ == CalendarFormat::VCalendar10)
+            writer_ = std::make_unique<VCalWriter>(*out_, sink);
+        else
+            writer_ = std::make_unique<ICalWriter>(*out_, sink);
+    }
+    writer_->finish();
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,87 @@
+// Whole files: reader, entries, writer. Memory holds one entry and the zones of the file. One
+// thread.
+#ifndef QEL_CALENDAR_CONVERTER_CONVERTER_H
+#define QEL_CALENDAR_CONVERTER_CONVERTER_H
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "calendar/base/Diagnostic.h"
+#include "calendar/lines/LineReader.h"
+
+namespace qel::calendar {
+
+enum class CalendarFormat { ICalendar, VCalendar10 };
+
+class EntryWriter;
+
+struct Entry;
+
+// Hears of each entry on its way through a converter; what the converter tells between two calls
+// belongs to the entry when its line is in it.
+class EntryObserver {
+  public:
+    virtual ~EntryObserver() = default;
+    // As it was read, before it is written.
+    virtual void entryRead(const Entry& entry) = 0;
+    // The entry read last has been written.
+    virtual void entryWritten() = 0;
+};
+
+struct ConvertCounts {
+    std::uint64_t calendars = 0;  // that have begun; an entry outside any has one of its own
+    std::uint64_t entries = 0;
+    std::uint64_t alarms = 0;
+};
+
+// Converts any number of files into one. The same input gives the same output, always.
+class Converter {
+  public:
+    // `to` missing: the other format than that of the first file, iCalendar where it does not tell.
+    // `out` is kept; the caller sees to its failures.
+    Converter(std::ostream& out, std::optional<CalendarFormat> to, DiagnosticSink sink);
+    // Hands the entries to `writer`, whatever it makes of them.
+    Converter(std::unique_ptr<EntryWriter> writer, DiagnosticSink sink);
+    ~Converter();
+    Converter(const Converter&) = delete;
+    Converter& operator=(const Converter&) = delete;
+
+    // One file, named `file` in messages. `progress`, which may be empty, hears the bytes read so
+    // far. Zones that are described behind the entries that use them are found when the caller
+    // hands them over before, by collectZones from the same bytes.
+    void convert(ByteSource source, const std::string& file,
+                 const std::function<void(std::uint64_t)>& progress = {});
+
+    // Reads a file for its VTIMEZONEs alone, for the next convert().
+    void collectZones(ByteSource source);
+
+    // From now on `observer`, which may be null and is kept, hears of every entry.
+    void observe(EntryObserver* observer) { observer_ = observer; }
+
+    // Closes the output.
+    void finish();
+
+    [[nodiscard]] const ConvertCounts& counts() const { return counts_; }
+    // What the output is; nothing before the first file has told.
+    [[nodiscard]] std::optional<CalendarFormat> target() const { return to_; }
+
+  private:
+    class File;
+
+    std::ostream* out_ = nullptr;  // null when the writer came from outside
+    std::optional<CalendarFormat> to_;
+    DiagnosticSink sink_;
+    std::string file_;  // that is being read
+    std::unique_ptr<EntryWriter> writer_;
+    std::unique_ptr<class ZoneStore> zones_;
+    ConvertCounts counts_;
+    EntryObserver* observer_ = nullptr;
+};
+
+}  // namespace qel::calendar
+
+#endif

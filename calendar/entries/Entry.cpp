@@ -1,0 +1,104 @@
+#include "calendar/entries/Entry.h"
+
+#include <algorithm>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
+
+namespace qel::calendar {
+
+const EntryProperty* Entry::find(std::string_view name) const {
+    const auto found =
+        std::find_if(properties.begin(), properties.end(),
+                     [&](const EntryProperty& property) { return property.name == name; });
+    return found == properties.end() ? nullptr : &*found;
+}
+
+bool Entry::saysAllDay() const {
+    if (const EntryProperty* type = find("X-EPOCAGENDAENTRYTYPE")) {
+        const std::string_view value = trimmed(type->value());
+        if (equalsIgnoreCase(value, "EVENT") || equalsIgnoreCase(value, "ANNIVERSARY")) return true;
+    }
+    const EntryProperty* flag = find("X-MICROSOFT-CDO-ALLDAYEVENT");
+    return flag != nullptr && equalsIgnoreCase(trimmed(flag->value()), "TRUE");
+}
+
+RuleStart Entry::ruleStart() const {
+    const Civil civil = civilOf(start->day);
+    RuleStart result{civil.year, civil.month, civil.day, start->second, start->isDate, 0};
+    if (start->clock == Clock::Zoned && zone != nullptr)
+        result.utcOffset = zone->offsetAtLocal(start->seconds());
+    return result;
+}
+
+std::optional<Moment> Entry::toUtc(const Moment& moment) const {
+    if (moment.isDate || moment.clock == Clock::Floating) return std::nullopt;
+    if (moment.clock == Clock::Utc) return moment;
+    if (zone == nullptr) return std::nullopt;
+    return zone->toUtc(moment);
+}
+
+Moment Entry::inClockOf(const Moment& like, const Moment& moment) const {
+    Moment result = moment;
+    if (moment.isDate) {
+        if (!like.isDate) {
+            result = like;
+            result.day = moment.day;
+        }
+        return result;
+    }
+    if (moment.clock != like.clock && zone != nullptr) {
+        if (moment.clock == Clock::Utc && (like.clock == Clock::Zoned || like.isDate))
+            result = zone->toLocal(moment);
+        else if (moment.clock == Clock::Zoned && like.clock == Clock::Utc)
+            result = zone->toUtc(moment);
+    }
+    if (like.isDate) {
+        result = like;
+        const Moment local =
+            moment.clock == Clock::Utc && zone != nullptr ? zone->toLocal(moment) : moment;
+        result.day = local.day;
+    }
+    return result;
+}
+
+const PropertyKind* propertyKind(PropertyName name) {
+    using Type = EntryProperty::Type;
+    using Name = PropertyName;
+    static constexpr PropertyKind kKinds[] = {
+        {Name::Attach, Type::Raw, true, true, true, false},
+        {Name::Attendee, Type::Raw, true, true, true, false},
+        {Name::Categories, Type::TextList, true, true, true, false},
+        {Name::Class, Type::Text, true, true, true, true},
+        {Name::Color, Type::Text, true, true, true, true},
+        {Name::Comment, Type::Text, true, true, true, false},
+        {Name::Conference, Type::Raw, true, true, false, false},
+        {Name::Contact, Type::Text, true, true, true, false},
+        {Name::Description, Type::Text, true, true, true, true},
+        {Name::Geo, Type::Raw, true, true, false, true},
+        {Name::Image, Type::Raw, true, true, true, false},
+        {Name::Location, Type::Text, true, true, false, true},
+        {Name::Organizer, Type::Raw, true, true, true, true},
+        {Name::PercentComplete, Type::Raw, false, true, false, true},
+        {Name::Priority, Type::Raw, true, true, false, true},
+        {Name::RelatedTo, Type::Text, true, true, true, false},
+        {Name::RequestStatus, Type::Raw, true, true, true, false},
+        {Name::Resources, Type::TextList, true, true, false, false},
+        {Name::Sequence, Type::Raw, true, true, true, true},
+        {Name::Status, Type::Text, true, true, true, true},
+        {Name::Summary, Type::Text, true, true, true, true},
+        {Name::Transp, Type::Text, true, false, false, true},
+        {Name::Url, Type::Raw, true, true, true, true}};
+    // They stand together at the end of PropertyName, in the same order.
+    static_assert([] {
+        auto next = static_cast<std::size_t>(Name::Attach);
+        for (const PropertyKind& kind : kKinds)
+            if (static_cast<std::size_t>(kind.name) != next++) return false;
+        return next == static_cast<std::size_t>(kLastPropertyName) + 1;
+    }());
+    return name < Name::Attach
+               ? nullptr
+               : &kKinds[static_cast<std::size_t>(name) - static_cast<std::size_t>(Name::Attach)];
+}
+
+}  // namespace qel::calendar

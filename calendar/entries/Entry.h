@@ -1,0 +1,133 @@
+// A calendar entry between the two formats, in iCalendar's words: whatever the file said, as UTF-8
+// text, moments, rules and alarms. Plain data; any thread.
+#ifndef QEL_CALENDAR_ENTRIES_ENTRY_H
+#define QEL_CALENDAR_ENTRIES_ENTRY_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calendar/base/Moment.h"
+#include "calendar/lines/ContentLine.h"
+#include "calendar/rules/Rule.h"
+#include "calendar/zones/Zone.h"
+
+namespace qel::calendar {
+
+enum class EntryKind { Event, Todo, Journal };
+
+// What one format has and the other has not goes under these names, and comes back under its own:
+// "X-VCAL-RNUM" of an iCalendar file is RNUM in vCalendar 1.0, "X-ICAL-CONTACT" of a vCalendar file
+// is CONTACT in iCalendar. Parameters are carried in the same way.
+inline constexpr std::string_view kVCalendarPrefix = "X-VCAL-";
+inline constexpr std::string_view kICalendarPrefix = "X-ICAL-";
+
+// A property that is neither a date, a rule nor an alarm.
+struct EntryProperty {
+    enum class Type {
+        Text,
+        TextList,  // CATEGORIES, RESOURCES
+        Raw,       // written as it stands: addresses of things, numbers
+        Base64
+    };
+    std::string name;
+    std::vector<Parameter> parameters;  // encoding and character set are undone
+    Type type = Type::Text;
+    std::string text;                // the value, except in a list
+    std::vector<std::string> items;  // of a list, at least one
+    std::size_t line = 0;
+
+    // Of a list the first item.
+    [[nodiscard]] const std::string& value() const {
+        return type == Type::TextList ? items.front() : text;
+    }
+};
+
+struct EntryRule {
+    bool exclude = false;
+    std::vector<Rule> rules;
+    std::size_t line = 0;
+};
+
+struct Alarm {
+    enum class Action { Audio, Display, Email, Procedure, Other };
+    Action action = Action::Display;
+    std::string actionName;  // of Other
+
+    // When: a moment, or seconds after the entry's start (or its end).
+    std::optional<Moment> at;
+    std::int64_t offset = 0;
+    bool fromEnd = false;
+
+    std::optional<std::int64_t> snooze;  // seconds between repetitions
+    std::optional<int> repeat;           // further times
+    std::string text;     // what is shown or sent, or the sound or procedure, as text
+    bool hasText = true;  // false: a text stands in because iCalendar wants one
+    std::string address;  // to whom Email goes, without "mailto:"
+    std::string summary;  // of Email
+
+    // Of a vCalendar 1.0 alarm: what stands behind its time, and its parameters, as they stood.
+    bool fromVCalendar = false;
+    std::string fields;
+    std::vector<Parameter> parameters;
+
+    std::vector<EntryProperty> others;  // whatever else a VALARM holds
+    std::size_t line = 0;
+};
+
+struct Entry {
+    EntryKind kind = EntryKind::Event;
+    std::string component;  // its name in the file
+    std::size_t line = 0;   // where it begins
+    ZonePtr zone;           // of its zoned moments; may be null when there are none
+
+    std::optional<Moment> start;
+    std::optional<Moment> end;  // of an event; for all-day entries the day after the last
+    std::optional<Moment> due;
+    std::optional<Duration> duration;
+    std::optional<Moment> completed;
+    std::optional<Moment> created;
+    std::optional<Moment> modified;
+    std::optional<Moment> stamp;
+    std::optional<Moment> recurrenceId;
+    bool thisAndFuture = false;
+
+    std::string uid;
+    std::vector<EntryRule> rules;
+    std::vector<Moment> dates;     // RDATE
+    std::vector<Moment> excluded;  // EXDATE
+    std::vector<Alarm> alarms;
+    std::vector<EntryProperty> properties;
+
+    [[nodiscard]] const EntryProperty* find(std::string_view name) const;
+    // True when a property of a phone or a PC program says that the entry is an all-day one.
+    [[nodiscard]] bool saysAllDay() const;
+    [[nodiscard]] bool recurs() const { return !rules.empty() || !dates.empty(); }
+    // What a rule of this entry starts from, in its own clock. REQUIRES: start.
+    [[nodiscard]] RuleStart ruleStart() const;
+    // `moment` in the clock of `like`; where that is a date, the day there, and where only `moment`
+    // is a date, that day at the time of `like`. Floating moments have no zone to move by: they
+    // keep their wall clock.
+    [[nodiscard]] Moment inClockOf(const Moment& like, const Moment& moment) const;
+    // UTC where that can be known.
+    [[nodiscard]] std::optional<Moment> toUtc(const Moment& moment) const;
+};
+
+// What iCalendar knows of a property.
+struct PropertyKind {
+    PropertyName name;
+    EntryProperty::Type type;
+    bool inEvent;
+    bool inTodo;
+    bool inJournal;
+    bool once;
+};
+
+// Null for a name that iCalendar has not, or that an Entry holds otherwise (dates, rules).
+[[nodiscard]] const PropertyKind* propertyKind(PropertyName name);
+
+}  // namespace qel::calendar
+
+#endif

@@ -1,0 +1,233 @@
+// Lines of both formats.
+#include <algorithm>
+#include <array>
+#include <ostream>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/base/Text.h"
+#include "calendar/formats/EntryWriter.h"
+#include "calendar/text/TextCodec.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr std::size_t kWidth = 75;
+constexpr std::size_t kLongestPlain = 990;
+// Written text that waits to be handed on at once.
+constexpr std::size_t kWaiting = 65536;
+
+// Each character as it may stand in a name: a capital, a digit or "-".
+constexpr auto kNameCharacters = [] {
+    std::array<char, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each) {
+        const char c = toUpper(static_cast<char>(each));
+        table[each] = isAlpha(c) || isDigit(c) ? c : '-';
+    }
+    return table;
+}();
+
+void addName(std::string& out, std::string_view name) {
+    if (name.empty()) name = "X";
+    out += name;
+    char* const begin = out.data() + (out.size() - name.size());
+    for (std::size_t at = 0; at < name.size(); ++at)
+        begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
+}
+
+bool needsQuotes(std::string_view value) {
+    return value.find_first_of(":;,") != std::string_view::npos;
+}
+
+// RFC 6868: what a parameter value cannot hold.
+std::string parameterText(std::string_view value, bool alwaysQuoted) {
+    std::string text;
+    for (const char c : value)
+        if (c == '^')
+            text += "^^";
+        else if (c == '"')
+            text += "^'";
+        else if (c == '\n')
+            text += "^n";
+        else if (!isBlank(c) || c == ' ' || c == '\t')
+            text += c;
+    return alwaysQuoted || needsQuotes(text) ? "\"" + text + "\"" : text;
+}
+
+// Values that are lists stay lists.
+std::string parameterListText(const Parameter& parameter) {
+    if (parameter.name != "MEMBER" && parameter.name != "DELEGATED-TO" &&
+        parameter.name != "DELEGATED-FROM")
+        return parameterText(parameter.value, false);
+    std::string text;
+    for (std::string_view rest = parameter.value; !rest.empty();) {
+        if (!text.empty()) text += ',';
+        text += parameterText(nextField(rest, ','), true);
+    }
+    return text;
+}
+
+void addParameter(std::string& out, const Parameter& parameter) {
+    out += ';';
+    addName(out, parameter.name);
+    out += '=';
+    out += parameterListText(parameter);
+}
+
+// What a character of a text asks for. Those that say nothing may stand in a value as they are.
+enum : unsigned char { kEscape = 1, kOther = 2 };
+constexpr auto kTextCharacters = [] {
+    std::array<unsigned char, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each)
+        if (each < ' ' || each > '~') table[each] = kOther;
+    for (const char c : {'\\', ';', ','}) table[static_cast<unsigned char>(c)] = kEscape;
+    return table;
+}();
+
+void addUnfolded(std::string& out, std::string_view name, const std::vector<Parameter>& parameters,
+                 std::string_view value, Value how) {
+    addName(out, name);
+    for (const Parameter& each : parameters) addParameter(out, each);
+    out += ':';
+    unsigned found = 0;
+    for (const char c : value) found |= kTextCharacters[static_cast<unsigned char>(c)];
+    if (found == 0 || (found == kEscape && how == Value::AsItIs)) {
+        out += value;
+        return;
+    }
+    // Words of the format that were taken over as they stood may hold anything. A line end within a
+    // value would begin another property; no other control may stand in one.
+    std::string text = how == Value::Escaped ? escapeICalendar(value) : std::string(value);
+    if (!isUtf8(text)) text = utf8OrWindows1252(std::move(text));
+    std::copy_if(text.begin(), text.end(), std::back_inserter(out),
+                 [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
+}
+
+// Lines of at most 75 octets, divided between characters; the last one is not ended.
+void addFolded(std::string& out, std::string_view line) {
+    std::size_t room = kWidth;
+    while (line.size() > room) {
+        std::size_t end = asciiLength(line.substr(0, room));
+        while (end < room) {
+            const std::size_t length =
+                std::max<std::size_t>(utf8CharacterLength(line.substr(end)), 1);
+            if (end + length > room) break;
+            end += length;
+        }
+        out += line.substr(0, end);
+        out += "\r\n ";
+        line.remove_prefix(end);
+        room = kWidth - 1;
+    }
+    out += line;
+}
+
+}  // namespace
+
+void EntryWriter::put(std::string_view line) {
+    text_ += line;
+    endLine();
+}
+
+void EntryWriter::endLine() {
+    text_ += "\r\n";
+    if (text_.size() >= kWaiting) flush();
+}
+
+void EntryWriter::flush() {
+    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
+    text_.clear();
+}
+
+void ICalWriter::fold(std::string_view line) {
+    addFolded(text(), line);
+    endLine();
+}
+
+void addICalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value, Value how) {
+    const std::size_t begin = out.size();
+    addUnfolded(out, name, parameters, value, how);
+    if (out.size() - begin > kWidth) {
+        const std::string line = out.substr(begin);
+        out.resize(begin);
+        addFolded(out, line);
+    }
+    out += "\r\n";
+}
+
+std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
+                          std::string_view value) {
+    std::string line;
+    addUnfolded(line, name, parameters, value, Value::AsItIs);
+    return line;
+}
+
+std::string unfolded(std::string_view lines) {
+    std::string text;
+    while (!lines.empty()) {
+        text += nextField(lines, '\r');
+        const bool folded = lines.size() > 1 && lines[1] == ' ';
+        if (!folded) text += '\n';
+        lines.remove_prefix(std::min<std::size_t>(folded ? 2 : 1, lines.size()));
+    }
+    return text;
+}
+
+void addVCalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value) {
+    const bool printable = isPrintableAscii(value);
+    std::string converted;
+    if (!printable && !isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
+    const std::size_t begin = out.size();
+    addName(out, name);
+    for (const Parameter& each : parameters)
+        if (!each.name.empty()) addParameter(out, each);
+    // Words without a name stand last.
+    for (const Parameter& each : parameters) {
+        if (!each.name.empty()) continue;
+        for (std::string_view rest = each.value; !rest.empty();) {
+            out += ';';
+            out += nextField(rest, ',');
+        }
+    }
+    // Names of things are compared as they stand, also by phones that decode nothing there.
+    const std::size_t room = name == "UID" || name == "URL" ? kLongestPlain : kWidth;
+    if (printable && out.size() - begin + 1 + value.size() <= room && trimmed(value) == value) {
+        out += ':';
+        out += value;
+        return;
+    }
+    if (!isAscii(value)) out += ";CHARSET=UTF-8";
+    out += ";ENCODING=QUOTED-PRINTABLE:";
+    std::string text;
+    for (const char c : value) {
+        if (c == '\n') text += '\r';
+        text += c;
+    }
+    out += quotedPrintable(text, out.size() - begin);
+}
+
+std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
+                          std::string_view value) {
+    std::string line;
+    addVCalendarLine(line, name, parameters, value);
+    return line;
+}
+
+std::string vCalendarBase64(std::string_view name, const std::vector<Parameter>& parameters,
+                            std::string_view value) {
+    constexpr std::size_t kLine = 72;
+    std::string text;
+    addName(text, name);
+    for (const Parameter& each : parameters) addParameter(text, each);
+    text += ":\r\n";
+    for (std::size_t at = 0; at < value.size(); at += kLine) {
+        text += "  ";
+        text += value.substr(at, kLine);
+        text += "\r\n";
+    }
+    return text;
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,130 @@
+// From entries to a file of either format, entry by entry: nothing of one entry is kept for the
+// next but the names of the zones that have been written. One thread.
+#ifndef QEL_CALENDAR_FORMATS_ENTRYWRITER_H
+#define QEL_CALENDAR_FORMATS_ENTRYWRITER_H
+
+#include <iosfwd>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calendar/entries/Entry.h"
+
+namespace qel::calendar {
+
+class EntryWriter {
+  public:
+    EntryWriter(std::ostream& out, LineSink sink) : out_(out), sink_(std::move(sink)) {}
+    virtual ~EntryWriter() = default;
+    EntryWriter(const EntryWriter&) = delete;
+    EntryWriter& operator=(const EntryWriter&) = delete;
+
+    // The properties of the calendar that the next entries come from, besides its version, its
+    // product and its zone. Calendars that agree in them are joined.
+    virtual void calendar(const std::vector<EntryProperty>& properties) = 0;
+    // Puts the entry's times and lists in the format's order on the way.
+    virtual void write(Entry& entry) = 0;
+    // Hands on what has been written so far; without it that waits until it is worth the while.
+    void flush();
+    // Closes what is open, and flushes. A file without any entry still is a calendar.
+    virtual void finish() = 0;
+
+  protected:
+    void tell(Severity severity, std::size_t line, std::string message) {
+        sink_(severity, line, std::move(message));
+    }
+    // One line with its line end, as it stands.
+    void put(std::string_view line);
+    // The same in two steps: the line is added to text(), then ended.
+    [[nodiscard]] std::string& text() { return text_; }
+    void endLine();
+
+  private:
+    std::ostream& out_;
+    LineSink sink_;
+    std::string text_;  // that waits for flush()
+};
+
+// The value of PRODID.
+inline constexpr std::string_view kProduct = "-//QelUtility//qelutil//EN";
+
+// DTSTAMP of an entry that tells no date at all: 1 January 1970.
+inline constexpr Moment kNoStamp{25567, 0, false, Clock::Utc};
+
+// iCalendar 2.0 (RFC 5545): lines of at most 75 octets, folded between characters.
+class ICalWriter final : public EntryWriter {
+  public:
+    using EntryWriter::EntryWriter;
+    void calendar(const std::vector<EntryProperty>& properties) override;
+    void write(Entry& entry) override;
+    void finish() override;
+
+  private:
+    friend class ICalEntry;
+    void open();
+    void close();
+    void fold(std::string_view line);
+
+    std::vector<std::string> header_;  // of the calendar that comes
+    std::vector<std::string> written_;
+    bool open_ = false;
+    bool any_ = false;
+    std::set<std::string, std::less<>> zones_;
+    // Of the entry that is written: its lines and those of its alarms, folded. Here because their
+    // room serves the next entry too.
+    std::string lines_;
+    std::string alarmLines_;
+};
+
+// vCalendar 1.0: a calendar for each zone, because it has no other place for one; notes stand
+// outside of calendars.
+class VCalWriter final : public EntryWriter {
+  public:
+    using EntryWriter::EntryWriter;
+    void calendar(const std::vector<EntryProperty>& properties) override;
+    void write(Entry& entry) override;
+    void finish() override;
+
+  private:
+    friend class VCalEntry;
+    void open(const ZonePtr& zone, int firstYear, int lastYear);
+    void close();
+
+    std::vector<EntryProperty> header_;
+    bool headerChanged_ = false;
+    bool open_ = false;
+    bool any_ = false;
+    ZonePtr zone_;
+    int firstYear_ = 0;
+    int lastYear_ = 0;
+};
+
+// Adds a content line of iCalendar to `out`, folded and ended. `Escaped`: the value is a text that
+// is escaped for it.
+enum class Value { AsItIs, Escaped };
+void addICalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value,
+                      Value how = Value::AsItIs);
+// What was added so, with the folds undone and each line ended by "\n".
+[[nodiscard]] std::string unfolded(std::string_view lines);
+// The line by itself, neither folded nor ended.
+[[nodiscard]] std::string iCalendarLine(std::string_view name,
+                                        const std::vector<Parameter>& parameters,
+                                        std::string_view value);
+// Adds the line, or the lines with their soft breaks, of a vCalendar 1.0 property with a text
+// value; the last one is not ended.
+void addVCalendarLine(std::string& out, std::string_view name,
+                      const std::vector<Parameter>& parameters, std::string_view value);
+[[nodiscard]] std::string vCalendarLine(std::string_view name,
+                                        const std::vector<Parameter>& parameters,
+                                        std::string_view value);
+// An inline Base64 value: lines of its own and an empty one behind.
+[[nodiscard]] std::string vCalendarBase64(std::string_view name,
+                                          const std::vector<Parameter>& parameters,
+                                          std::string_view value);
+
+}  // namespace qel::calendar
+
+#endif

@@ -1,0 +1,63 @@
+// Entries of iCalendar 2.0.
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/EntryReader.h"
+#include "calendar/text/TextCodec.h"
+
+namespace qel::calendar {
+
+std::vector<std::string> ICalReader::listItems(std::string_view value) const {
+    std::vector<std::string> items;
+    std::string item;
+    // "," here; ";" in files that mix the formats.
+    for (const char c : value) {
+        if (c == ',' || c == ';') {
+            items.push_back(item);
+            item.clear();
+        } else {
+            item += c;
+        }
+    }
+    items.push_back(item);
+    return items;
+}
+
+void ICalReader::takeProperty(const ContentLine& line) {
+    std::vector<Parameter> parameters;
+    const bool binary = isBase64(line);
+    for (const Parameter& each : line.parameters) {
+        if (each.name == "ENCODING" || each.name == "CHARSET" || each.name.empty()) continue;
+        if (each.name == "VALUE" &&
+            (binary || equalsIgnoreCase(each.value, "URI") || equalsIgnoreCase(each.value, "TEXT")))
+            continue;
+        parameters.push_back(each);
+    }
+    if (binary && line.id == PropertyName::Attach) {
+        if (const auto clean = cleanBase64(line.value)) {
+            if (!clean->empty())
+                add(line, line.name, EntryProperty::Type::Base64, *clean, std::move(parameters));
+        } else {
+            carry(line, "is not Base64 as it says", Severity::Error);
+        }
+        return;
+    }
+    const std::string_view value = text(line);
+    const PropertyKind* kind = propertyKind(line.id);
+    if (kind != nullptr && kind->type == EntryProperty::Type::TextList) {
+        std::vector<std::string> items;
+        for (const std::string& item : splitICalendarList(value))
+            if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+        addList(line, std::move(items), std::move(parameters));
+    } else if (kind != nullptr && kind->type == EntryProperty::Type::Raw) {
+        add(line, line.name, kind->type, trimmed(value), std::move(parameters));
+    } else if (kind != nullptr || line.name.starts_with("X-")) {
+        add(line, line.name, EntryProperty::Type::Text, unescapeICalendar(value),
+            std::move(parameters));
+    } else {
+        // Some other standard's property: as it stands.
+        add(line, line.name, EntryProperty::Type::Raw, value, std::move(parameters));
+    }
+}
+
+}  // namespace qel::calendar

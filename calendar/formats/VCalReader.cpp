@@ -1,0 +1,271 @@
+// Entries of vCalendar 1.0.
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/EntryReader.h"
+#include "calendar/formats/Vocabulary.h"
+#include "calendar/text/TextCodec.h"
+
+namespace qel::calendar {
+
+namespace {
+
+bool isICalendarParameter(std::string_view name) {
+    static constexpr std::string_view kNames[] = {
+        "ALTREP",   "CN",     "CUTYPE",   "DELEGATED-FROM", "DELEGATED-TO", "DIR",    "FMTTYPE",
+        "LANGUAGE", "MEMBER", "PARTSTAT", "RANGE",          "RELTYPE",      "SENT-BY"};
+    return std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
+}
+
+}  // namespace
+
+std::vector<Parameter> parametersFromVCalendar(const ContentLine& line) {
+    std::vector<Parameter> parameters;
+    if (line.parameters.empty()) return parameters;
+    std::string bare;
+    for (const Parameter& each : line.parameters) {
+        if (each.name == "ENCODING" || each.name == "CHARSET") continue;
+        if (each.name.empty()) {
+            if (isEncodingWord(each.value)) continue;
+            bare += (bare.empty() ? "" : ",") + each.value;
+        } else if (each.name.starts_with(kICalendarPrefix)) {
+            parameters.push_back({each.name.substr(kICalendarPrefix.size()), each.value});
+        } else if (each.name.starts_with("X-") || isICalendarParameter(each.name)) {
+            parameters.push_back(each);
+        } else {
+            parameters.push_back({std::string(kVCalendarPrefix) + each.name, each.value});
+        }
+    }
+    if (!bare.empty()) parameters.push_back({std::string(kVCalendarPrefix) + "PARAMETER", bare});
+    return parameters;
+}
+
+std::vector<std::string> VCalReader::listItems(std::string_view value) const {
+    return splitVCalendar(value, ";,");
+}
+
+void VCalReader::takeProperty(const ContentLine& line) {
+    using Name = PropertyName;
+    switch (line.id) {
+        case Name::Attendee:
+            return takeAttendee(line);
+        case Name::Attach:
+            return takeAttachment(line);
+        case Name::Status:
+            return takeStatus(line);
+        case Name::Transp:
+            return takeTransparency(line);
+        case Name::Geo:
+            return takePosition(line);
+        case Name::Priority:
+            return takeNumber(line, 9);
+        case Name::Sequence:
+            return takeNumber(line, 2147483647);
+        case Name::Class:
+            return takeClass(line);
+        case Name::Categories:
+        case Name::Resources:
+            return takeList(line);
+        case Name::Tz:
+        case Name::Daylight:
+        case Name::Version:
+            // Looked at before the entry; a note has a version of its own.
+            return;
+        default:
+            return takeText(line);
+    }
+}
+
+void VCalReader::takeList(const ContentLine& line) {
+    std::vector<std::string> items;
+    for (const std::string& item : splitVCalendar(text(line), ";,"))
+        if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+    addList(line, std::move(items), parametersFromVCalendar(line));
+}
+
+void VCalReader::takeClass(const ContentLine& line) {
+    const std::string value = upper(trimmed(text(line)));
+    if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL")
+        add(line, line.name, EntryProperty::Type::Text, value, parametersFromVCalendar(line));
+    else if (!value.empty())
+        carry(line, "is no class that iCalendar knows", Severity::Warning);
+}
+
+// Whatever is a text, or an unknown thing that is taken for one.
+void VCalReader::takeText(const ContentLine& line) {
+    using Type = EntryProperty::Type;
+    const std::string_view name = line.name;
+    if (line.id == PropertyName::Body && entry_.component == "VNOTE") {
+        add(line, "DESCRIPTION", Type::Text, text(line), parametersFromVCalendar(line));
+    } else if (name.starts_with(kICalendarPrefix)) {
+        // A property of iCalendar that has been carried here.
+        const std::string_view own = name.substr(kICalendarPrefix.size());
+        const PropertyName id = propertyName(own);
+        const PropertyKind* kind = propertyKind(id);
+        const bool raw = kind == nullptr || kind->type == Type::Raw;
+        add(line, isEntryDate(id) ? name : own, raw && !isEntryDate(id) ? Type::Raw : Type::Text,
+            text(line), parametersFromVCalendar(line));
+    } else if (const PropertyKind* kind = propertyKind(line.id)) {
+        const std::string_view value = text(line);
+        const bool escaped = kind->type == Type::Text && value.find('\\') != std::string_view::npos;
+        add(line, name, kind->type, escaped ? std::string_view(unescapeVCalendar(value)) : value,
+            parametersFromVCalendar(line));
+    } else if (name.starts_with("X-")) {
+        add(line, name, Type::Text, text(line), parametersFromVCalendar(line));
+    } else {
+        // Properties of vCalendar 1.0 that iCalendar lacks are carried without a word.
+        carry(line, name == "RNUM" || name == "AGENT" ? "" : "is not known", Severity::Warning);
+    }
+}
+
+void VCalReader::takeNumber(const ContentLine& line, int most) {
+    const auto number = parseInt(trimmed(text(line)));
+    if (number && *number >= 0 && *number <= most) {
+        add(line, line.name, EntryProperty::Type::Raw, std::to_string(*number),
+            parametersFromVCalendar(line));
+    } else if (!trimmed(line.value).empty()) {
+        carry(line, "", Severity::Note);
+    }
+}
+
+void VCalReader::takeStatus(const ContentLine& line) {
+    const std::string_view value = text(line);
+    const std::string_view own = statusFromVCalendar(trimmed(value), entry_.kind);
+    if (own.empty()) {
+        if (!trimmed(value).empty()) carry(line, "", Severity::Note);
+        return;
+    }
+    add(line, line.name, EntryProperty::Type::Text, own, parametersFromVCalendar(line));
+}
+
+void VCalReader::takeTransparency(const ContentLine& line) {
+    const std::string_view value = trimmed(text(line));
+    const auto number = parseInt(value);
+    if (entry_.kind != EntryKind::Event || (number && *number > 1)) carry(line, "", Severity::Note);
+    if (entry_.kind != EntryKind::Event) return;
+    if (number && *number >= 0) {
+        add(line, line.name, EntryProperty::Type::Text, *number == 0 ? "OPAQUE" : "TRANSPARENT",
+            parametersFromVCalendar(line));
+    } else if (equalsIgnoreCase(value, "OPAQUE") || equalsIgnoreCase(value, "TRANSPARENT")) {
+        add(line, line.name, EntryProperty::Type::Text, upper(value),
+            parametersFromVCalendar(line));
+    } else if (!value.empty()) {
+        carry(line, "is no number", Severity::Error);
+    }
+}
+
+// vCalendar 1.0 gives the longitude first, iCalendar the latitude.
+void VCalReader::takePosition(const ContentLine& line) {
+    const std::string_view rest = text(line);
+    const std::size_t comma = rest.find_first_of(",;");
+    const std::string first(trimmed(rest.substr(0, comma)));
+    const std::string second(comma == std::string_view::npos ? std::string_view()
+                                                             : trimmed(rest.substr(comma + 1)));
+    const auto isNumber = [](const std::string& text, double most) {
+        char* end = nullptr;
+        if (text.empty() || text.find_first_not_of("+-.0123456789") != std::string::npos)
+            return false;
+        const double number = std::strtod(text.c_str(), &end);
+        return *end == '\0' && number >= -most && number <= most;
+    };
+    if (isNumber(first, 180) && isNumber(second, 90)) {
+        add(line, line.name, EntryProperty::Type::Raw, second + ";" + first,
+            parametersFromVCalendar(line));
+    } else {
+        carry(line, "is no position on Earth", Severity::Error);
+    }
+}
+
+void VCalReader::takeAttachment(const ContentLine& line) {
+    std::vector<Parameter> parameters = parametersFromVCalendar(line);
+    const std::string kind = upper(line.parameter("VALUE"));
+    const bool named = kind == "CONTENT-ID" || kind == "CID";
+    const bool known = named || kind == "URL" || kind == "URI" || kind == "BINARY" ||
+                       kind == "INLINE" || kind.empty();
+    if (known)
+        std::erase_if(parameters,
+                      [](const Parameter& each) { return each.name == "X-VCAL-VALUE"; });
+    if (isBase64(line)) {
+        const auto clean = cleanBase64(line.value);
+        if (!clean)
+            carry(line, "is not Base64 as it says", Severity::Error);
+        else if (!clean->empty())
+            add(line, line.name, EntryProperty::Type::Base64, *clean, parameters);
+        return;
+    }
+    std::string value(trimmed(text(line)));
+    if (named && value.size() > 2 && value.front() == '<' && value.back() == '>')
+        value = "cid:" + value.substr(1, value.size() - 2);
+    else if (named && !startsWithIgnoreCase(value, "cid:"))
+        value = "cid:" + value;
+    if (!value.empty()) add(line, line.name, EntryProperty::Type::Raw, value, parameters);
+}
+
+void VCalReader::takeAttendee(const ContentLine& line) {
+    const std::string value(trimmed(text(line)));
+    std::vector<Parameter> parameters;
+    for (const Parameter& each : parametersFromVCalendar(line)) {
+        if (each.name == "X-VCAL-ROLE") {
+            addRoleFromVCalendar(each.value, parameters);
+        } else if (each.name == "X-VCAL-STATUS") {
+            addParticipationFromVCalendar(each.value, entry_.kind, parameters);
+        } else if (each.name == "X-VCAL-RSVP") {
+            const bool yes =
+                equalsIgnoreCase(each.value, "YES") || equalsIgnoreCase(each.value, "TRUE");
+            parameters.push_back({"RSVP", yes ? "TRUE" : "FALSE"});
+        } else {
+            parameters.push_back(each);
+        }
+    }
+    CalendarAddress address = addressFromVCalendar(value);
+    if (!address.name.empty()) parameters.insert(parameters.begin(), {"CN", address.name});
+    if (addressToVCalendar(address) != value) parameters.push_back({"X-VCAL-ADDRESS", value});
+    // Of a parameter that is given twice the first one counts.
+    std::vector<Parameter> once;
+    std::set<std::string> names;
+    for (const Parameter& each : parameters)
+        if (names.insert(each.name).second) once.push_back(each);
+    add(line, line.name, EntryProperty::Type::Raw, address.uri, once);
+}
+
+// The start is a date; the end becomes the day after the last.
+void VCalReader::makeAllDay() {
+    entry_.start = entry_.inClockOf(Moment{0, 0, true, Clock::Floating}, *entry_.start);
+    for (std::optional<Moment>* each : {&entry_.end, &entry_.due}) {
+        if (!*each || (*each)->isDate) continue;
+        Moment local = **each;
+        if (local.clock == Clock::Utc && entry_.zone != nullptr)
+            local = entry_.zone->toLocal(local);
+        const bool endsWithin = each == &entry_.end && local.second != 0;
+        *each = Moment{local.day + (endsWithin ? 1 : 0), 0, true, Clock::Floating};
+    }
+    if (entry_.recurrenceId)
+        entry_.recurrenceId = entry_.inClockOf(*entry_.start, *entry_.recurrenceId);
+}
+
+void VCalReader::settleTimes() {
+    if (!entry_.start) return;
+    // Rules speak of the wall clock: a series given in UTC moves to the clock of the file's zone.
+    const ZonePtr& zone = entry_.zone;
+    Moment local = *entry_.start;
+    if (zone != nullptr && local.clock == Clock::Utc) local = zone->toLocal(local);
+    if (entry_.saysAllDay() && !entry_.start->isDate && entry_.kind == EntryKind::Event &&
+        local.second == 0)
+        makeAllDay();
+    if (entry_.start->isDate) {
+        makeAllDay();
+        return;
+    }
+    // One day of a series of times is the occurrence of that day (RFC 5545 section 3.8.4.4).
+    if (entry_.recurrenceId && entry_.recurrenceId->isDate)
+        entry_.recurrenceId = entry_.inClockOf(local, *entry_.recurrenceId);
+    if (zone == nullptr || entry_.start->clock != Clock::Utc || !hasRecurrence()) return;
+    for (std::optional<Moment>* each :
+         {&entry_.start, &entry_.end, &entry_.due, &entry_.recurrenceId})
+        if (*each && !(*each)->isDate && (*each)->clock == Clock::Utc)
+            *each = zone->toLocal(**each);
+}
+
+}  // namespace qel::calendar

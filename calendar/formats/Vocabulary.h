@@ -1,0 +1,45 @@
+// Words that the two formats have for the same thing. Any thread.
+#ifndef QEL_CALENDAR_FORMATS_VOCABULARY_H
+#define QEL_CALENDAR_FORMATS_VOCABULARY_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calendar/entries/Entry.h"
+
+namespace qel::calendar {
+
+// STATUS of an entry; "" where the other format has no such word.
+[[nodiscard]] std::string_view statusFromVCalendar(std::string_view status, EntryKind kind);
+[[nodiscard]] std::string_view statusToVCalendar(std::string_view status, EntryKind kind);
+
+// An ATTENDEE: vCalendar 1.0 has "John Smith <smith@host.com>", iCalendar a URI and a CN. A name
+// without an address has the URI "invalid:nomail".
+struct CalendarAddress {
+    std::string name;
+    std::string uri;
+};
+[[nodiscard]] CalendarAddress addressFromVCalendar(std::string_view text);
+[[nodiscard]] std::string addressToVCalendar(const CalendarAddress& address);
+
+// Adds ROLE or PARTSTAT, and beside it the vCalendar word where it would not come back by itself.
+void addRoleFromVCalendar(const std::string& role, std::vector<Parameter>& parameters);
+void addParticipationFromVCalendar(const std::string& status, EntryKind kind,
+                                   std::vector<Parameter>& parameters);
+// The vCalendar words; "" where there is none.
+[[nodiscard]] std::string_view roleToVCalendar(std::string_view role);
+[[nodiscard]] std::string_view participationToVCalendar(std::string_view status);
+
+// The fields of a vCalendar 1.0 alarm behind its time, "PT5M;2;text". Reading leaves out what makes
+// no sense; writing gives "" when there is nothing to say.
+void readAlarmFields(Alarm& alarm);
+[[nodiscard]] std::string writeAlarmFields(const Alarm& alarm);
+[[nodiscard]] std::string_view alarmName(Alarm::Action action);  // "AALARM", ...
+
+// True for "scheme:rest" without blanks.
+[[nodiscard]] bool isUri(std::string_view text);
+
+}  // namespace qel::calendar
+
+#endif

@@ -1,0 +1,52 @@
+// A property as a calendar file writes it: NAME;PARAMETER=VALUE:VALUE, unfolded and taken apart,
+// the value still in the file's own encoding. Its name and value stand in the text that it was read
+// from, or in the arena that they were moved to, and last as long as that. Plain data; any thread.
+#ifndef QEL_CALENDAR_LINES_CONTENTLINE_H
+#define QEL_CALENDAR_LINES_CONTENTLINE_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calendar/base/Arena.h"
+#include "calendar/lines/LineReader.h"
+#include "calendar/lines/PropertyName.h"
+
+namespace qel::calendar {
+
+struct Parameter {
+    std::string name;  // in capitals; empty for a bare value as in "SUMMARY;QUOTED-PRINTABLE:"
+    std::string value;
+    bool operator==(const Parameter&) const = default;
+};
+
+struct ContentLine {
+    std::size_t number = 0;  // of its first physical line
+    PropertyName id = PropertyName::Unknown;
+    std::string_view name;  // in capitals
+    std::vector<Parameter> parameters;
+    std::string_view value;
+    bool cut = false;
+    bool openEnd = false;
+
+    // The value of the first parameter of that name, else "".
+    [[nodiscard]] std::string_view parameter(std::string_view parameterName) const;
+    [[nodiscard]] bool hasParameter(std::string_view parameterName) const;
+
+    // Lets the line last as long as `texts`.
+    void moveTo(Arena& texts);
+};
+
+// How a fold is undone. iCalendar (RFC 5545 section 3.1) takes the blank away that begins the next
+// line. vCalendar 1.0 keeps it, as RFC 822 does; but many of its writers fold in the iCalendar way,
+// and their lines give themselves away: all of one width, or a value without any other blank.
+enum class FoldStyle { ICalendar, VCalendar10 };
+
+// False when the line is no property: there is no colon, or the name is none. The line stands in
+// the text of `raw`, which is unfolded for it, its name in capitals.
+[[nodiscard]] bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line);
+
+}  // namespace qel::calendar
+
+#endif

@@ -1,0 +1,41 @@
+// What a person wants to know of an entry: what it is, when it is, how it recurs, in words and as
+// days. Plain data; any thread.
+#ifndef QEL_CALENDAR_REPORT_ENTRYFACTS_H
+#define QEL_CALENDAR_REPORT_ENTRYFACTS_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "base/RuleDates.h"
+#include "calendar/entries/Entry.h"
+
+namespace qel::calendar {
+
+struct RuleFacts {
+    bool exclude = false;
+    std::string sentence;                // "every 2 weeks on Monday, 10 times"
+    std::vector<std::string> vCalendar;  // the texts, none where the format has none
+    std::string whyNot;                  // then: what it lacks
+    std::string iCalendar;
+};
+
+struct EntryFacts {
+    std::string kind;   // "Event"
+    std::string title;  // "" when it has none
+    std::string when;   // "Wednesday, 15 June 2005, 08:30 to 09:30, Europe/Berlin"
+    std::vector<RuleFacts> rules;
+    std::size_t furtherDates = 0;  // RDATE
+    std::size_t exclusions = 0;    // EXDATE
+    std::size_t alarms = 0;
+    // The days of its occurrences, ascending, each once, excluded ones marked; the first ones of a
+    // long series.
+    std::vector<cli::ListedDate> days;
+    bool more = false;  // the series goes on after `days`
+};
+
+[[nodiscard]] EntryFacts entryFacts(const Entry& entry);
+
+}  // namespace qel::calendar
+
+#endif

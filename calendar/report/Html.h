@@ -1,0 +1,25 @@
+// Text of calendars inside a page: whatever it holds, it is shown and does nothing. Any thread.
+#ifndef QEL_CALENDAR_REPORT_HTML_H
+#define QEL_CALENDAR_REPORT_HTML_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qel::calendar {
+
+// For text between tags and for attributes in double quotes: the five characters of markup as
+// references, control characters and stray bytes as printable() shows them, cut at about `longest`
+// bytes with "..." behind.
+[[nodiscard]] std::string html(std::string_view text, std::size_t longest = 1000);
+
+// The same line by line, for a <pre>.
+[[nodiscard]] std::string htmlLines(std::string_view text);
+
+// "3 dates", "1 date"
+[[nodiscard]] std::string counted(std::uint64_t number, std::string_view one,
+                                  std::string_view many);
+
+}  // namespace qel::calendar
+
+#endif

@@ -1,0 +1,110 @@
+#include "calendar/report/Outcome.h"
+
+#include <algorithm>
+
+#include "base/Json.h"
+#include "calendar/entries/Entry.h"
+
+namespace qel::calendar {
+
+namespace {
+
+std::string counted(std::uint64_t number, const std::string& one, const std::string& many) {
+    return std::to_string(number) + " " + (number == 1 ? one : many);
+}
+
+const char* severityName(Severity severity) {
+    switch (severity) {
+        case Severity::Note:
+            return "note";
+        case Severity::Warning:
+            return "warning";
+        case Severity::Error:
+            return "error";
+    }
+    return "";
+}
+
+cli::Json countsJson(const OutcomeCounts& counts) {
+    return {{"entries", counts.entries}, {"converted", counts.converted},
+            {"changed", counts.changed}, {"warnings", counts.warnings},
+            {"errors", counts.errors},   {"notCarriedOver", counts.lost}};
+}
+
+}  // namespace
+
+void OutcomeCounts::add(const OutcomeCounts& other) {
+    entries += other.entries;
+    converted += other.converted;
+    changed += other.changed;
+    warnings += other.warnings;
+    errors += other.errors;
+    lost += other.lost;
+}
+
+void Totals::add(const FileOutcome& file) {
+    ++files;
+    if (!file.reason.empty()) ++leftOut;
+    counts.add(file.counts);
+}
+
+std::string summaryText(const Totals& totals) {
+    const OutcomeCounts& counts = totals.counts;
+    std::string text = counted(totals.files, "file", "files");
+    if (totals.leftOut != 0) text += " (" + std::to_string(totals.leftOut) + " left out)";
+    return text + ", " + counted(counts.entries, "entry", "entries") + ": " +
+           std::to_string(counts.converted) + " converted, " + std::to_string(counts.changed) +
+           " changed, " + counted(counts.warnings, "warning", "warnings") + ", " +
+           counted(counts.errors, "error", "errors") + ", " + std::to_string(counts.lost) +
+           " not carried over";
+}
+
+cli::Json summaryJson(const Totals& totals) {
+    cli::Json json{{"files", totals.files}, {"filesLeftOut", totals.leftOut}};
+    json.update(countsJson(totals.counts));
+    return json;
+}
+
+cli::Json outcomeJson(const FileOutcome& file) {
+    cli::Json json{
+        {"file", cli::jsonText(file.file)},
+        {"output", file.output.empty() ? cli::Json() : cli::Json(cli::jsonText(file.output))},
+        {"leftOut", file.reason.empty() ? cli::Json() : cli::Json(cli::jsonText(file.reason))}};
+    json.update(countsJson(file.counts));
+    json["messages"] = cli::Json::array();
+    for (const Diagnostic& each : file.messages)
+        json["messages"].push_back({{"severity", severityName(each.severity)},
+                                    {"line", each.line == 0 ? cli::Json() : cli::Json(each.line)},
+                                    {"text", cli::jsonText(each.text)},
+                                    {"notCarriedOver", tellsOfLoss(each)}});
+    return json;
+}
+
+void Tally::beginFile(std::string name) {
+    file_ = {};
+    file_.file = std::move(name);
+    entryLine_ = 0;
+    lastLine_ = 0;
+}
+
+void Tally::hear(const Diagnostic& message, bool keep) {
+    if (message.severity == Severity::Warning) ++file_.counts.warnings;
+    if (message.severity == Severity::Error) ++file_.counts.errors;
+    if (tellsOfLoss(message)) ++file_.counts.lost;
+    lastLine_ = std::max(lastLine_, message.line);
+    if (keep) file_.messages.push_back(message);
+}
+
+void Tally::entryRead(const Entry& entry) {
+    ++file_.counts.entries;
+    entryLine_ = entry.line;
+}
+
+void Tally::entryWritten() {
+    ++file_.counts.converted;
+    // Lines before the entry's first are the calendar's own, or of an entry that was left out.
+    if (lastLine_ >= entryLine_ && lastLine_ != 0) ++file_.counts.changed;
+    lastLine_ = 0;
+}
+
+}  // namespace qel::calendar

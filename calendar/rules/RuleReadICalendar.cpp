@@ -1,0 +1,253 @@
+// iCalendar rules (RFC 5545 section 3.3.10) and the positional form, which has the same parts.
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/rules/RuleParts.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr std::size_t kMostRules = 50;
+
+class PartReader {
+  public:
+    explicit PartReader(RuleReading& reading) : reading_(reading) {}
+
+    [[nodiscard]] bool hasFrequency() const { return hasFrequency_; }
+
+    void take(std::string_view name, std::string_view value) {
+        any_ = true;
+        if (equalsIgnoreCase(name, "FREQ")) {
+            takeFrequency(value);
+        } else if (equalsIgnoreCase(name, "UNTIL")) {
+            if (!value.empty() && !readUntil(value, end_)) {
+                reading_.notes.push_back(
+                    {Severity::Error, "the rule's end " + quoted(value) + " is no date"});
+                usable_ = false;
+            }
+        } else if (equalsIgnoreCase(name, "COUNT")) {
+            takeNumber(value, "COUNT", end_.count);
+        } else if (equalsIgnoreCase(name, "INTERVAL")) {
+            std::optional<int> interval;
+            takeNumber(value, "INTERVAL", interval);
+            if (interval) rule_.interval = *interval;
+        } else if (equalsIgnoreCase(name, "BYDAY")) {
+            takeDays(value);
+        } else if (equalsIgnoreCase(name, "WKST")) {
+            rule_.weekStart = weekdayOfCode(value);
+            if (rule_.weekStart == 0) outside_.add(value);
+        } else if (!takeList(name, value)) {
+            strays_.add(name);
+        }
+    }
+
+    void finish(const std::optional<RuleStart>& start) {
+        if (!any_) return;
+        outside_.report(reading_.notes, Severity::Warning,
+                        "the rule names what no calendar has, and it is left out:");
+        strays_.report(reading_.notes, Severity::Warning,
+                       "the rule has a part that is not known, and it is left out:");
+        if (strays_.any()) reading_.complete = false;
+        if (!hasFrequency_ && usable_) {
+            reading_.notes.push_back({Severity::Error, "the rule has no frequency"});
+            usable_ = false;
+        }
+        if (!usable_) {
+            reading_.complete = false;
+            return;
+        }
+        dropOrdinals();
+        weeksToOrdinals();
+        applyEnd(end_, start, false, rule_, reading_.notes);
+        reading_.rules.push_back(std::move(rule_));
+    }
+
+  private:
+    void takeFrequency(std::string_view value) {
+        hasFrequency_ = true;
+        if (equalsIgnoreCase(value, "DAILY")) {
+            rule_.frequency = Frequency::Daily;
+        } else if (equalsIgnoreCase(value, "WEEKLY")) {
+            rule_.frequency = Frequency::Weekly;
+        } else if (equalsIgnoreCase(value, "MONTHLY")) {
+            rule_.frequency = Frequency::Monthly;
+        } else if (equalsIgnoreCase(value, "YEARLY")) {
+            rule_.frequency = Frequency::Yearly;
+        } else {
+            usable_ = false;
+            const bool known = equalsIgnoreCase(value, "HOURLY") ||
+                               equalsIgnoreCase(value, "MINUTELY") ||
+                               equalsIgnoreCase(value, "SECONDLY");
+            reading_.notes.push_back(
+                {known ? Severity::Warning : Severity::Error,
+                 known ? "a rule that recurs within the day (" + upper(value) + ") has no record"
+                       : quoted(value) + " is no frequency"});
+        }
+    }
+
+    // A number of at least 1; anything else is passed over.
+    void takeNumber(std::string_view value, std::string_view name, std::optional<int>& number) {
+        if (value.empty()) return;
+        number = parseInt(trimmed(value));
+        if (number && *number >= 1) return;
+        number.reset();
+        outside_.add(std::string(name) + "=" + std::string(value));
+    }
+
+    void takeDays(std::string_view value) {
+        for (std::string_view rest = value; !rest.empty();) {
+            const std::string_view item = trimmed(nextField(rest, ','));
+            if (item.empty()) continue;
+            const std::string_view code = item.substr(item.size() < 2 ? 0 : item.size() - 2);
+            const std::string_view number = item.substr(0, item.size() - code.size());
+            const int weekday = weekdayOfCode(code);
+            const auto position = number.empty() ? std::optional<int>(0) : parseInt(number);
+            if (weekday == 0 || !position || *position < -53 || *position > 53 ||
+                (*position == 0 && !number.empty()))
+                outside_.add(item);
+            else
+                addOnce(rule_.days, {*position, weekday});
+        }
+    }
+
+    bool takeList(std::string_view name, std::string_view value) {
+        struct Part {
+            std::string_view name;
+            std::vector<int> Rule::*list;
+            int least;
+            int most;
+            bool negative;
+        };
+        static constexpr Part kParts[] = {{"BYMONTHDAY", &Rule::monthDays, 1, 31, true},
+                                          {"BYYEARDAY", &Rule::yearDays, 1, 366, true},
+                                          {"BYWEEKNO", &Rule::weekNumbers, 1, 53, true},
+                                          {"BYMONTH", &Rule::months, 1, 12, false},
+                                          {"BYSETPOS", &Rule::setPositions, 1, 366, true},
+                                          {"BYHOUR", &Rule::hours, 0, 23, false},
+                                          {"BYMINUTE", &Rule::minutes, 0, 59, false},
+                                          {"BYSECOND", &Rule::seconds, 0, 59, false}};
+        for (const Part& part : kParts) {
+            if (!equalsIgnoreCase(name, part.name)) continue;
+            for (std::string_view rest = value; !rest.empty();) {
+                const std::string_view item = trimmed(nextField(rest, ','));
+                if (item.empty()) continue;
+                const auto number = parseInt(item);
+                const int size = number ? (part.negative ? std::abs(*number) : *number) : -1;
+                if (size < part.least || size > part.most)
+                    outside_.add(item);
+                else
+                    addOnce(rule_.*part.list, *number);
+            }
+            return true;
+        }
+        return false;
+    }
+
+    // A position has a meaning within a month or a year only.
+    void dropOrdinals() {
+        if (rule_.frequency == Frequency::Monthly || rule_.frequency == Frequency::Yearly) return;
+        std::vector<RuleDay> days;
+        bool dropped = false;
+        for (const RuleDay& day : rule_.days) {
+            dropped = dropped || day.position != 0;
+            addOnce(days, {0, day.weekday});
+        }
+        rule_.days = days;
+        if (dropped)
+            reading_.notes.push_back({Severity::Warning,
+                                      "positions of weekdays mean nothing in a daily or weekly "
+                                      "rule; they are left out"});
+    }
+
+    // The weekday that falls on the days 8 to 14 of a month is its second: that a record holds, and
+    // vCalendar 1.0 too, where they hold no weekday among days of the month.
+    void weeksToOrdinals() {
+        const bool inMonth = rule_.frequency == Frequency::Monthly ||
+                             (rule_.frequency == Frequency::Yearly && !rule_.months.empty());
+        const bool plain = std::none_of(rule_.days.begin(), rule_.days.end(),
+                                        [](const RuleDay& day) { return day.position != 0; });
+        const bool alone = rule_.setPositions.empty() && rule_.yearDays.empty() &&
+                           rule_.weekNumbers.empty() && !rule_.days.empty();
+        const int position = weekOf(rule_.monthDays);
+        if (!inMonth || !plain || !alone || position == 0) return;
+        rule_.monthDays.clear();
+        for (RuleDay& day : rule_.days) day.position = position;
+        reading_.notes.push_back({Severity::Note,
+                                  "the weekday among seven days of the month is read as its "
+                                  "position in the month"});
+    }
+
+    // 2 for the days 8 to 14 in any order, -1 for -7 to -1, 0 for days that are no such week.
+    static int weekOf(std::vector<int> days) {
+        if (days.size() != 7) return 0;
+        std::sort(days.begin(), days.end());
+        const int first = days.front();
+        if (days.back() - first != 6 || (first > 0 ? first - 1 : first) % 7 != 0) return 0;
+        return first > 0 ? first / 7 + 1 : first / 7;
+    }
+
+    RuleReading& reading_;
+    Rule rule_;
+    RuleEnd end_;
+    bool hasFrequency_ = false;
+    bool any_ = false;
+    bool usable_ = true;
+    Strays strays_;
+    Strays outside_;
+};
+
+}  // namespace
+
+void readICalendarRules(std::string_view text, const std::optional<RuleStart>& start,
+                        RuleReading& reading) {
+    if (startsWithIgnoreCase(text, "RRULE:")) text.remove_prefix(6);
+    std::size_t rules = 1;
+    std::optional<PartReader> part(reading);
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of("; \t\r\n"), text.size());
+        const std::string_view item = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (trimmed(item).empty()) continue;
+        const std::size_t equals = item.find('=');
+        const std::string_view name = trimmed(item.substr(0, equals));
+        const std::string_view value = equals == std::string_view::npos
+                                           ? std::string_view()
+                                           : trimmed(item.substr(equals + 1));
+        if (equalsIgnoreCase(name, "FREQ") && part->hasFrequency()) {
+            if (++rules > kMostRules) {
+                reading.notes.push_back(
+                    {Severity::Error,
+                     "the text holds more than " + std::to_string(kMostRules) + " rules"});
+                reading.complete = false;
+                break;
+            }
+            part->finish(start);
+            part.emplace(reading);
+        }
+        part->take(name, value);
+    }
+    part->finish(start);
+}
+
+void readPositionalRule(std::string_view text, const std::optional<RuleStart>& start,
+                        RuleReading& reading) {
+    static constexpr std::string_view kFields[] = {
+        "FREQ",  "UNTIL",      "COUNT",     "INTERVAL", "BYSECOND", "BYMINUTE", "BYHOUR",
+        "BYDAY", "BYMONTHDAY", "BYYEARDAY", "BYWEEKNO", "BYMONTH",  "BYSETPOS", "WKST"};
+    PartReader part(reading);
+    bool hasUntil = false;
+    for (const std::string_view field : kFields) {
+        const std::string_view value = trimmed(nextField(text, ';'));
+        if (value.empty()) continue;
+        hasUntil = hasUntil || field == "UNTIL";
+        // The form says so: a count beside an end date is not read.
+        if (field == "COUNT" && hasUntil) continue;
+        part.take(field, value);
+    }
+    part.finish(start);
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,336 @@
+// vCalendar 1.0 rules of the basic grammar, and what phones make of it.
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
+#include "calendar/rules/RuleParts.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr std::size_t kMostRules = 50;
+
+std::vector<std::string_view> tokensOf(std::string_view text) {
+    std::vector<std::string_view> tokens;
+    tokens.reserve(8);
+    std::size_t at = 0;
+    while (at < text.size()) {
+        while (at < text.size() && isBlank(text[at])) ++at;
+        const std::size_t begin = at;
+        while (at < text.size() && !isBlank(text[at])) ++at;
+        std::string_view token = text.substr(begin, at - begin);
+        while (!token.empty() && (token.back() == ';' || token.back() == ','))
+            token.remove_suffix(1);
+        if (!token.empty()) tokens.push_back(token);
+    }
+    return tokens;
+}
+
+enum class Kind { Daily, Weekly, ByPosition, ByMonthDay, ByMonth, ByYearDay };
+
+struct Head {
+    Kind kind;
+    int interval;
+    bool bareMonth;  // "M1": neither MP nor MD
+};
+
+// "W2", "MP", "D1"; nothing for a token that begins no rule.
+std::optional<Head> readHead(std::string_view token) {
+    struct Code {
+        std::string_view text;
+        Kind kind;
+    };
+    static constexpr Code kCodes[] = {{"D", Kind::Daily},       {"W", Kind::Weekly},
+                                      {"MP", Kind::ByPosition}, {"MD", Kind::ByMonthDay},
+                                      {"M", Kind::ByMonthDay},  {"YM", Kind::ByMonth},
+                                      {"Y", Kind::ByMonth},     {"YD", Kind::ByYearDay}};
+    std::size_t digits = 0;
+    while (digits < token.size() && !isDigit(token[digits])) ++digits;
+    const std::string_view code = token.substr(0, digits);
+    const std::string_view number = token.substr(digits);
+    for (const Code& each : kCodes) {
+        if (!equalsIgnoreCase(code, each.text)) continue;
+        if (!number.empty() && !allDigits(number)) return std::nullopt;
+        return Head{each.kind, number.empty() ? 1 : std::max(*parseInt(number), 1),
+                    each.text == "M"};
+    }
+    return std::nullopt;
+}
+
+// "3", "3+", "+3", "3-", "-3"; "LD" is -1.
+std::optional<int> readSigned(std::string_view token) {
+    if (equalsIgnoreCase(token, "LD")) return -1;
+    if (token.size() > 1 && (token.back() == '+' || token.back() == '-')) {
+        const auto number = parseInt(token.substr(0, token.size() - 1));
+        if (!number) return std::nullopt;
+        return token.back() == '-' ? -std::abs(*number) : *number;
+    }
+    return parseInt(token);
+}
+
+// "MO", and days written out: "MON", "Monday".
+int readWeekday(std::string_view token) {
+    if (token.size() < 2 || !std::all_of(token.begin(), token.end(), isAlpha)) return 0;
+    static constexpr std::string_view kNames[] = {"",          "SUNDAY",   "MONDAY", "TUESDAY",
+                                                  "WEDNESDAY", "THURSDAY", "FRIDAY", "SATURDAY"};
+    for (int weekday = 1; weekday <= 7; ++weekday)
+        if (startsWithIgnoreCase(kNames[weekday], token)) return weekday;
+    return 0;
+}
+
+// "0600" and "0600$": seconds since midnight.
+std::optional<int> readTime(std::string_view token) {
+    if (!token.empty() && token.back() == '$') token.remove_suffix(1);
+    if (token.size() != 4 || !allDigits(token)) return std::nullopt;
+    const int number = *parseInt(token);
+    if (number / 100 > 23 || number % 100 > 59) return std::nullopt;
+    return number / 100 * 3600 + number % 100 * 60;
+}
+
+// Reads one rule, token by token.
+class RuleParser {
+  public:
+    RuleParser(const Head& head, const std::optional<RuleStart>& start, RuleReading& reading)
+        : head_(head), start_(start), reading_(reading) {
+        rule_.interval = head.interval;
+        switch (head.kind) {
+            case Kind::Daily:
+                rule_.frequency = Frequency::Daily;
+                break;
+            case Kind::Weekly:
+                rule_.frequency = Frequency::Weekly;
+                break;
+            case Kind::ByPosition:
+            case Kind::ByMonthDay:
+                rule_.frequency = Frequency::Monthly;
+                break;
+            case Kind::ByMonth:
+            case Kind::ByYearDay:
+                rule_.frequency = Frequency::Yearly;
+                break;
+        }
+    }
+
+    // True when the token is an end mark of this rule: "#5", a date.
+    bool takeEnd(std::string_view token) {
+        if (token.front() == '#') {
+            const auto number = parseInt(token.substr(1));
+            if (number && *number >= 0)
+                end_.count = *number;
+            else
+                strays_.add(token);
+            return true;
+        }
+        if (token.size() < 8 || !allDigits(token.substr(0, 8))) return false;
+        if (!readUntil(token, end_)) badEnd_ = std::string(token);
+        return true;
+    }
+
+    void takeModifier(std::string_view token) {
+        // The rules that this system's own writer makes name the year days.
+        constexpr std::string_view kOwnYearDays = "BYYEARDAY=";
+        if (head_.kind == Kind::ByYearDay && startsWithIgnoreCase(token, kOwnYearDays))
+            token.remove_prefix(kOwnYearDays.size());
+        if (const auto time = readTime(token)) {
+            times_.push_back(*time);
+            lastWasDay_ = true;
+            return;
+        }
+        if (token.size() > 1 && token.back() == '$') token.remove_suffix(1);
+        if (const int weekday = readWeekday(token))
+            takeWeekday(weekday, token);
+        else if (const auto number = readSigned(token))
+            takeNumber(*number, token);
+        else
+            strays_.add(token);
+    }
+
+    void finish() {
+        strays_.report(reading_.notes, Severity::Warning,
+                       "the rule holds what is no part of it, and it is left out:");
+        outside_.report(reading_.notes, Severity::Warning,
+                        "the rule names what no calendar has, and it is left out:");
+        if (!badEnd_.empty()) {
+            reading_.notes.push_back(
+                {Severity::Error, "the rule's end " + quoted(badEnd_) + " is no date"});
+            reading_.complete = false;
+            return;
+        }
+        if (outside_.any() && nothingLeft()) {
+            reading_.notes.push_back(
+                {Severity::Error, "nothing that can recur is left of the rule"});
+            reading_.complete = false;
+            return;
+        }
+        if (head_.bareMonth)
+            reading_.notes.push_back({Severity::Note, "the rule is read as monthly by date"});
+        applyTimes();
+        fillFromStart();
+        if (!end_.count && end_.until.empty()) {
+            end_.count = 2;
+            reading_.notes.push_back(
+                {Severity::Note, "the rule has no end mark: as in vCalendar 1.0 that means twice"});
+        }
+        // The engines of the library and of phones begin a week on Sunday; iCalendar on Monday.
+        const bool sunday = std::any_of(rule_.days.begin(), rule_.days.end(),
+                                        [](const RuleDay& day) { return day.weekday == 1; });
+        if (rule_.frequency == Frequency::Weekly && rule_.interval > 1 && sunday &&
+            rule_.days.size() > 1)
+            rule_.weekStart = 1;
+        applyEnd(end_, start_, true, rule_, reading_.notes);
+        reading_.rules.push_back(std::move(rule_));
+    }
+
+  private:
+    void takeWeekday(int weekday, std::string_view token) {
+        switch (head_.kind) {
+            case Kind::Daily:
+            case Kind::Weekly:
+                addOnce(rule_.days, {0, weekday});
+                break;
+            case Kind::ByPosition:
+                for (const int position : positions_) addOnce(rule_.days, {position, weekday});
+                if (positions_.empty()) addOnce(rule_.days, {0, weekday});
+                lastWasDay_ = true;
+                break;
+            default:
+                strays_.add(token);
+        }
+    }
+
+    void takeNumber(int number, std::string_view token) {
+        switch (head_.kind) {
+            case Kind::ByPosition:
+                if (lastWasDay_) positions_.clear();
+                lastWasDay_ = false;
+                takeInRange(positions_, number, 5, token);
+                break;
+            case Kind::ByMonthDay:
+                takeInRange(rule_.monthDays, number, 31, token);
+                break;
+            case Kind::ByMonth:
+                takeInRange(rule_.months, std::abs(number), 12, token);
+                break;
+            case Kind::ByYearDay:
+                takeInRange(rule_.yearDays, number, 366, token);
+                break;
+            default:
+                strays_.add(token);
+        }
+    }
+
+    void takeInRange(std::vector<int>& list, int number, int most, std::string_view token) {
+        if (number == 0 || std::abs(number) > most)
+            outside_.add(token);
+        else
+            addOnce(list, number);
+    }
+
+    [[nodiscard]] bool nothingLeft() const {
+        switch (head_.kind) {
+            case Kind::ByPosition:
+                return rule_.days.empty() && positions_.empty();
+            case Kind::ByMonthDay:
+                return rule_.monthDays.empty();
+            case Kind::ByMonth:
+                return rule_.months.empty();
+            case Kind::ByYearDay:
+                return rule_.yearDays.empty();
+            default:
+                return false;
+        }
+    }
+
+    // Times of day hold where they are a set of hours with one minute; "0600 1200 1500".
+    void applyTimes() {
+        std::sort(times_.begin(), times_.end());
+        times_.erase(std::unique(times_.begin(), times_.end()), times_.end());
+        if (times_.empty()) return;
+        if (start_ && times_.size() == 1 && times_.front() == start_->secondOfDay) return;
+        const int minute = times_.front() / 60 % 60;
+        const bool oneMinute = std::all_of(times_.begin(), times_.end(),
+                                           [&](int time) { return time / 60 % 60 == minute; });
+        if (!oneMinute) {
+            reading_.notes.push_back(
+                {Severity::Warning, "the rule's times of day cannot be joined in one rule"});
+            reading_.complete = false;
+            return;
+        }
+        for (const int time : times_) rule_.hours.push_back(time / 3600);
+        rule_.minutes.push_back(minute);
+    }
+
+    void fillFromStart() {
+        if (head_.kind == Kind::ByPosition && rule_.days.empty()) {
+            if (!start_) {
+                reading_.notes.push_back(
+                    {Severity::Warning,
+                     "the rule leaves its weekday to a start that is not known"});
+                return;
+            }
+            const int weekday = weekdayOf(dayNumber(start_->year, start_->month, start_->day));
+            if (positions_.empty()) positions_.push_back((start_->day - 1) / 7 + 1);
+            for (const int position : positions_) addOnce(rule_.days, {position, weekday});
+        }
+        if (!start_) return;
+        if (head_.kind == Kind::Weekly && rule_.days.empty())
+            rule_.days.push_back(
+                {0, weekdayOf(dayNumber(start_->year, start_->month, start_->day))});
+        if (head_.kind == Kind::ByMonthDay && rule_.monthDays.empty())
+            rule_.monthDays.push_back(start_->day);
+        if (head_.kind == Kind::ByMonth && rule_.months.empty())
+            rule_.months.push_back(start_->month);
+    }
+
+    Head head_;
+    const std::optional<RuleStart>& start_;
+    RuleReading& reading_;
+    Rule rule_;
+    RuleEnd end_;
+    std::string badEnd_;
+    std::vector<int> positions_;
+    bool lastWasDay_ = false;
+    std::vector<int> times_;
+    Strays strays_;
+    Strays outside_;
+};
+
+}  // namespace
+
+void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& start,
+                        RuleReading& reading) {
+    const std::vector<std::string_view> tokens = tokensOf(text);
+    if (tokens.empty()) return;
+    std::optional<Head> head = readHead(tokens.front());
+    if (!head) {
+        reading.notes.push_back({Severity::Error, "it is no recurrence rule"});
+        reading.complete = false;
+        return;
+    }
+    std::size_t rules = 0;
+    for (std::size_t at = 0; at < tokens.size();) {
+        if (++rules > kMostRules) {
+            reading.notes.push_back({Severity::Error, "the text holds more than " +
+                                                          std::to_string(kMostRules) + " rules"});
+            reading.complete = false;
+            return;
+        }
+        RuleParser parser(*head, start, reading);
+        for (++at; at < tokens.size(); ++at) {
+            head = readHead(tokens[at]);
+            if (head) break;
+            if (!parser.takeEnd(tokens[at])) parser.takeModifier(tokens[at]);
+        }
+        parser.finish();
+    }
+    if (rules > 1)
+        reading.notes.push_back(
+            {Severity::Warning,
+             "the text holds " + std::to_string(rules) +
+                 " rules; each is taken on its own, and nested rules would mean something else"});
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,309 @@
+// vCalendar 1.0 rules from rules: reshaped to what the format has, written by the library, mended.
+#include <algorithm>
+#include <cstdlib>
+
+#include "QelUtility/VStr.h"
+#include "calendar/base/Ascii.h"
+#include "calendar/rules/RuleParts.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr char kNoTimes[] = "times of day in a rule";
+constexpr char kNoMix[] = "this combination of days";
+constexpr char kNoSetPositions[] = "a choice from the days of a period";
+
+std::vector<RuleDay> atEveryPosition(const std::vector<RuleDay>& days) {
+    std::vector<RuleDay> result;
+    for (int position = 1; position <= 5; ++position)
+        for (const RuleDay& day : days)
+            if (day.position == 0) addOnce(result, {position, day.weekday});
+    for (const RuleDay& day : days)
+        if (day.position != 0) addOnce(result, day);
+    return result;
+}
+
+bool anyPosition(const std::vector<RuleDay>& days) {
+    return std::any_of(
+        days.begin(), days.end(), [](const RuleDay& day) { return day.position != 0; });
+}
+
+// A rule in the shapes that vCalendar 1.0 has: D, W + days, MP, MD, YM, YD.
+class Reshaper {
+  public:
+    Reshaper(Rule rule, const std::optional<RuleStart>& start)
+        : rule_(std::move(rule)), start_(start) {}
+
+    // Nothing when there is no such shape; reason() then says what is in the way.
+    std::optional<Rule> run() {
+        if (!dropTimes() || !dropSetPositions()) return std::nullopt;
+        switch (rule_.frequency) {
+            case Frequency::Daily:
+                return daily();
+            case Frequency::Weekly:
+                return weekly();
+            case Frequency::Monthly:
+                return monthly();
+            case Frequency::Yearly:
+                return yearly();
+        }
+        return std::nullopt;
+    }
+
+    [[nodiscard]] const std::string& reason() const { return reason_; }
+
+  private:
+    std::optional<Rule> refuse(const char* reason) {
+        reason_ = reason;
+        return std::nullopt;
+    }
+
+    // A time of day that is the start's says nothing new.
+    bool dropTimes() {
+        const int second = start_ ? start_->secondOfDay : -1;
+        const auto same = [&](const std::vector<int>& list, int value) {
+            return list.empty() || (second >= 0 && list.size() == 1 && list.front() == value);
+        };
+        if (!same(rule_.hours, second / 3600) || !same(rule_.minutes, second / 60 % 60) ||
+            !same(rule_.seconds, second % 60)) {
+            reason_ = kNoTimes;
+            return false;
+        }
+        rule_.hours.clear();
+        rule_.minutes.clear();
+        rule_.seconds.clear();
+        return true;
+    }
+
+    // BYSETPOS of one weekday in a month is a position; of all seven days a day of the month.
+    bool dropSetPositions() {
+        if (rule_.setPositions.empty()) return true;
+        const bool inMonth = rule_.frequency == Frequency::Monthly ||
+                             (rule_.frequency == Frequency::Yearly && rule_.months.size() == 1);
+        if (inMonth && rule_.monthDays.empty() && rule_.yearDays.empty() &&
+            rule_.weekNumbers.empty() && !anyPosition(rule_.days)) {
+            const bool oneDay = rule_.days.size() == 1;
+            if (oneDay || rule_.days.size() == 7) {
+                const int weekday = rule_.days.front().weekday;
+                if (oneDay) rule_.days.clear();
+                for (const int position : rule_.setPositions)
+                    if (oneDay)
+                        addOnce(rule_.days, {position, weekday});
+                    else if (std::abs(position) <= 31)
+                        addOnce(rule_.monthDays, position);
+                if (!oneDay) rule_.days.clear();
+                rule_.setPositions.clear();
+                return true;
+            }
+        }
+        reason_ = kNoSetPositions;
+        return false;
+    }
+
+    [[nodiscard]] bool onlyDays() const {
+        return rule_.months.empty() && rule_.monthDays.empty() && rule_.yearDays.empty() &&
+               rule_.weekNumbers.empty();
+    }
+
+    std::optional<Rule> daily() {
+        if (onlyDays() && rule_.days.empty()) return rule_;
+        if (rule_.interval != 1) return refuse(kNoMix);
+        if (onlyDays()) {
+            rule_.frequency = Frequency::Weekly;
+            return rule_;
+        }
+        rule_.frequency = Frequency::Monthly;
+        if (!rule_.months.empty() && rule_.monthDays.empty() && rule_.days.empty())
+            return refuse(kNoMix);
+        return monthly();
+    }
+
+    std::optional<Rule> weekly() {
+        if (!onlyDays()) return refuse(kNoMix);
+        return rule_;
+    }
+
+    std::optional<Rule> monthly() {
+        if (!rule_.yearDays.empty() || !rule_.weekNumbers.empty()) return refuse(kNoMix);
+        if (!rule_.months.empty()) {
+            if (rule_.interval != 1) return refuse(kNoMix);
+            rule_.frequency = Frequency::Yearly;
+            return yearly();
+        }
+        if (!rule_.monthDays.empty() && !rule_.days.empty()) return refuse(kNoMix);
+        if (rule_.days.empty()) {
+            if (rule_.monthDays.empty() && start_) rule_.monthDays.push_back(start_->day);
+            return rule_;
+        }
+        if (rule_.interval == 1 && !anyPosition(rule_.days)) {
+            rule_.frequency = Frequency::Weekly;
+            return rule_;
+        }
+        rule_.days = atEveryPosition(rule_.days);
+        return rule_;
+    }
+
+    std::optional<Rule> yearly() {
+        if (!rule_.weekNumbers.empty()) return refuse("week numbers");
+        if (!rule_.yearDays.empty()) {
+            if (!rule_.months.empty() || !rule_.monthDays.empty() || !rule_.days.empty())
+                return refuse(kNoMix);
+            return rule_;
+        }
+        if (!rule_.monthDays.empty() && !rule_.days.empty()) return refuse(kNoMix);
+        if (rule_.months.empty()) {
+            if (rule_.monthDays.empty() && rule_.days.empty()) {
+                if (start_) rule_.months.push_back(start_->month);
+                return rule_;
+            }
+            if (rule_.interval != 1 || anyPosition(rule_.days)) return refuse(kNoMix);
+            rule_.frequency = Frequency::Monthly;
+            return monthly();
+        }
+        const bool startDay =
+            start_ && rule_.monthDays.size() == 1 && rule_.monthDays.front() == start_->day;
+        if (rule_.days.empty() && (rule_.monthDays.empty() || startDay)) {
+            rule_.monthDays.clear();
+            return rule_;
+        }
+        return monthsAsInterval();
+    }
+
+    // The months of a yearly rule that lie evenly around the year, the start's among them, are
+    // every n-th month: "MP12 2+ SU" is the second Sunday of the start's month, each year.
+    std::optional<Rule> monthsAsInterval() {
+        std::vector<int> months = rule_.months;
+        std::sort(months.begin(), months.end());
+        const int count = static_cast<int>(months.size());
+        const int step = 12 / count;
+        bool even = step * count == 12 && (count == 1 || rule_.interval == 1);
+        for (std::size_t each = 1; each < months.size(); ++each)
+            even = even && months[each] - months[each - 1] == step;
+        if (!even || !start_ ||
+            std::find(months.begin(), months.end(), start_->month) == months.end() ||
+            rule_.interval > 1000)
+            return refuse("certain days of certain months");
+        rule_.frequency = Frequency::Monthly;
+        rule_.interval *= step;
+        rule_.months.clear();
+        if (!rule_.days.empty()) rule_.days = atEveryPosition(rule_.days);
+        return rule_;
+    }
+
+    Rule rule_;
+    const std::optional<RuleStart>& start_;
+    std::string reason_;
+};
+
+// The head ("MP2") and the modifiers ("1+ MO TU") of what the library writes for one record.
+struct VCalendarPart {
+    std::string head;
+    std::string modifiers;
+};
+
+std::optional<VCalendarPart> writePart(const Rule& rule) {
+    std::vector<RulePiece> pieces = rulePieces(rule, nullptr);
+    if (pieces.empty()) return std::nullopt;
+    // Pieces of one position differ in their weekday alone: the record takes them together.
+    _rruleRepeat record = pieces.front().record;
+    for (const RulePiece& piece : pieces)
+        record.byDay = static_cast<unsigned char>(record.byDay | piece.record.byDay);
+    VStr written;
+    const char* text = BxUtil_RRULEtoV10IETF(&record, written, true);
+    if (text == nullptr) return std::nullopt;
+    std::string line = text;
+    // The writer names its year days as iCalendar does; no phone knows that.
+    constexpr std::string_view kKeyword = "BYYEARDAY=";
+    if (const std::size_t at = line.find(kKeyword); at != std::string::npos)
+        line.erase(at, kKeyword.size());
+    const std::size_t first = line.find(' ');
+    const std::size_t last = line.rfind(' ');
+    if (first == std::string::npos) return std::nullopt;
+    VCalendarPart part{line.substr(0, first), ""};
+    if (last > first) part.modifiers = line.substr(first + 1, last - first - 1);
+    if (rule.interval > 32767) {
+        part.head.erase(part.head.find_first_of("0123456789"));
+        part.head += std::to_string(rule.interval);
+    }
+    return part;
+}
+
+// "-3" of a year day in the vCalendar manner, "3-".
+std::string signsBehind(std::string_view modifiers) {
+    std::string result;
+    while (!modifiers.empty()) {
+        const std::string_view item = nextField(modifiers, ' ');
+        if (!result.empty()) result += ' ';
+        if (item.size() > 1 && item.front() == '-') {
+            result += item.substr(1);
+            result += '-';
+        } else {
+            result += item;
+        }
+    }
+    return result;
+}
+
+std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start) {
+    std::vector<int> positions;
+    for (const RuleDay& day : shape.days) addOnce(positions, day.position);
+    if (positions.empty()) positions.push_back(0);
+    std::string text;
+    for (const int position : positions) {
+        Rule group = shape;
+        group.days.clear();
+        for (const RuleDay& day : shape.days)
+            if (day.position == position) group.days.push_back(day);
+        const auto part = writePart(group);
+        if (!part) return "";
+        if (text.empty()) text = part->head;
+        if (!part->modifiers.empty())
+            text += " " + (shape.frequency == Frequency::Yearly ? signsBehind(part->modifiers)
+                                                                : part->modifiers);
+    }
+    if (shape.until.empty()) return text + " #" + std::to_string(shape.count);
+    // Phones expect a date-time even where the series has no time of day.
+    const bool isDate = shape.until.size() == 8 || (start && start->isDate);
+    return text + " " + (isDate ? shape.until.substr(0, 8) + "T000000" : shape.until);
+}
+
+// The same dates as far as it pays to look: 400 of them, or 60 years.
+bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
+    if (one == other) return true;
+    RuleLimits limits;
+    limits.most = 400;
+    limits.lastYear = std::min(start.year + 60, 2499);
+    return one.count == other.count && one.endless() == other.endless() &&
+           expandRule(one, start, limits) == expandRule(other, start, limits);
+}
+
+}  // namespace
+
+VCalendarRule vCalendarTexts(const Rule& rule, const std::optional<RuleStart>& start) {
+    VCalendarRule result;
+    Reshaper reshaper(rule, start);
+    const auto shape = reshaper.run();
+    if (!shape) {
+        result.reason = reshaper.reason();
+        return result;
+    }
+    const std::string text = writeShape(*shape, start);
+    if (text.empty()) {
+        result.reason = "this rule";
+        return result;
+    }
+    if (start) {
+        const RuleReading again = readRules(text, RuleForm::VCalendar10, start);
+        if (again.rules.size() != 1 || !sameDates(rule, again.rules.front(), *start)) {
+            result.reason = rule.weekStart != 1 && rule.frequency == Frequency::Weekly
+                                ? "weeks that do not begin on Sunday"
+                                : "this rule";
+            return result;
+        }
+    }
+    result.texts.push_back(text);
+    return result;
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,293 @@
+// Zones from TZ and DAYLIGHT lines.
+#include <algorithm>
+#include <optional>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
+#include "calendar/text/TextCodec.h"
+#include "calendar/zones/Zone.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr int kFirstYear = 1970;  // of a yearly rule
+constexpr int kLastYear = 2100;
+
+// "DAYLIGHT:TRUE;+02;20060326T010000Z;20061029T010000Z;CET;CEST"
+struct Period {
+    int offset = 0;
+    std::int64_t beginUtc = 0;
+    std::int64_t endUtc = 0;
+    std::int64_t beginLocal = 0;  // both on the clock before the change
+    std::int64_t endLocal = 0;
+    bool continues = false;  // the one before ends where this one begins
+    std::string standardName;
+    std::string daylightName;
+};
+
+struct RawPeriod {
+    Period period;
+    Moment begin;
+    Moment end;
+    std::size_t line = 0;
+};
+
+// The same weekday of the same week of a month at the same time, every year.
+struct YearlyChange {
+    int month = 0;
+    int week = 0;  // 1..4, -1 the last
+    int weekday = 0;
+    int second = 0;
+
+    [[nodiscard]] std::int64_t inYear(int year) const {
+        const int first = dayNumber(year, month, 1);
+        int day = 0;
+        if (week > 0) {
+            day = first + (weekday - weekdayOf(first) + 7) % 7 + (week - 1) * 7;
+        } else {
+            const int last = first + daysInMonth(year, month) - 1;
+            day = last - (weekdayOf(last) - weekday + 7) % 7;
+        }
+        return std::int64_t{day} * 86400 + second;
+    }
+};
+
+std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,
+                                         std::int64_t Period::*local) {
+    YearlyChange change;
+    bool allLast = true;
+    int week = 0;
+    int lastYear = 0;
+    for (const Period& period : periods) {
+        const int day = static_cast<int>(period.*local / 86400);
+        const int second = static_cast<int>(period.*local % 86400);
+        const Civil civil = civilOf(day);
+        const int thisWeek = (civil.day - 1) / 7 + 1;
+        if (lastYear == 0) {
+            change = {civil.month, 0, weekdayOf(day), second};
+            week = thisWeek;
+        } else if (civil.year != lastYear + 1 || civil.month != change.month ||
+                   weekdayOf(day) != change.weekday || second != change.second) {
+            return std::nullopt;
+        }
+        lastYear = civil.year;
+        if (thisWeek != week) week = 0;
+        allLast = allLast && civil.day + 7 > daysInMonth(civil.year, civil.month);
+    }
+    if (allLast)
+        change.week = -1;
+    else if (week >= 1 && week <= 4)
+        change.week = week;
+    else
+        return std::nullopt;
+    return change;
+}
+
+std::string localText(std::int64_t seconds) {
+    return formatMoment(momentAt(Moment{}, seconds));
+}
+
+}  // namespace
+
+class VCalendarZone {
+  public:
+    VCalendarZone(int standard, const LineSink& sink)
+        : standard_(standard), sink_(sink), zone_(std::make_shared<Zone>()) {
+        zone_->baseOffset_ = standard;
+    }
+
+    void take(const ContentLine& line) {
+        std::string_view rest = trimmed(line.value);
+        const std::string_view flag = trimmed(nextField(rest, ';'));
+        if (!equalsIgnoreCase(flag, "TRUE")) {
+            if (!flag.empty() && !equalsIgnoreCase(flag, "FALSE")) reject(line);
+            return;
+        }
+        RawPeriod raw;
+        raw.line = line.number;
+        const auto offset = parseUtcOffset(nextField(rest, ';'));
+        const auto begin = parseMoment(nextField(rest, ';'));
+        const auto end = parseMoment(nextField(rest, ';'));
+        raw.period.standardName = std::string(trimmed(nextField(rest, ';')));
+        raw.period.daylightName = std::string(trimmed(nextField(rest, ';')));
+        const auto inRange = [](const std::optional<Moment>& moment) {
+            if (!moment) return false;
+            const int year = civilOf(moment->day).year;
+            return year >= 1900 && year <= kLastYear;
+        };
+        if (!offset || !inRange(begin) || !inRange(end) || end->seconds() <= begin->seconds()) {
+            reject(line);
+            return;
+        }
+        raw.period.offset = *offset;
+        raw.begin = *begin;
+        raw.end = *end;
+        raw_.push_back(raw);
+    }
+
+    ZonePtr finish(const ContentLine& tz, const std::vector<ContentLine>& daylight) {
+        std::stable_sort(raw_.begin(), raw_.end(), [](const RawPeriod& a, const RawPeriod& b) {
+            return a.begin.seconds() < b.begin.seconds();
+        });
+        for (RawPeriod& raw : raw_) place(raw);
+        zone_->ownLines_.emplace_back("TZ", std::string(trimmed(tz.value)));
+        for (const ContentLine& line : daylight)
+            zone_->ownLines_.emplace_back("DAYLIGHT", std::string(trimmed(line.value)));
+        nameZone();
+        open();
+        const auto begins = yearlyChange(periods_, &Period::beginLocal);
+        const auto ends = yearlyChange(periods_, &Period::endLocal);
+        const bool uniform =
+            std::all_of(periods_.begin(), periods_.end(), [&](const Period& period) {
+                return period.offset == periods_.front().offset && !period.continues;
+            });
+        if (periods_.size() >= 2 && begins && ends && uniform)
+            addYearly(*begins, *ends);
+        else
+            addPeriods();
+        zone_->vTimezone_.emplace_back("END:VTIMEZONE");
+        return zone_;
+    }
+
+  private:
+    void reject(const ContentLine& line) {
+        sink_(Severity::Error, line.number,
+              "DAYLIGHT " + quoted(line.value) + " makes no sense and does not count");
+    }
+
+    void place(RawPeriod& raw) {
+        Period& period = raw.period;
+        const Period* last = periods_.empty() ? nullptr : &periods_.back();
+        const bool beginIsUtc = raw.begin.clock == Clock::Utc;
+        period.continues = last != nullptr && (beginIsUtc ? last->endUtc == raw.begin.seconds()
+                                                          : last->endLocal == raw.begin.seconds());
+        const int before = period.continues ? last->offset : standard_;
+        period.beginUtc = raw.begin.seconds() - (beginIsUtc ? 0 : before);
+        period.beginLocal = period.beginUtc + before;
+        period.endUtc = raw.end.seconds() - (raw.end.clock == Clock::Utc ? 0 : period.offset);
+        period.endLocal = period.endUtc + period.offset;
+        if (period.endUtc <= period.beginUtc ||
+            (last != nullptr && period.beginUtc < last->endUtc)) {
+            sink_(Severity::Error, raw.line,
+                  "this DAYLIGHT line overlaps another one and does not count");
+            return;
+        }
+        periods_.push_back(period);
+    }
+
+    // The same lines give the same name, in every file.
+    void nameZone() {
+        std::string lines;
+        bool daylight = false;
+        for (const auto& [name, value] : zone_->ownLines_) {
+            lines += name + ":" + value + "\n";
+            daylight = daylight || (name == "DAYLIGHT" && !equalsIgnoreCase(value, "FALSE"));
+        }
+        zone_->id_ = "TZ" + formatUtcOffset(standard_);
+        if (daylight) zone_->id_ += "-" + digestOf(lines).substr(0, 8);
+    }
+
+    void open() {
+        zone_->vTimezone_ = {"BEGIN:VTIMEZONE", "TZID:" + zone_->id_};
+        for (const auto& [name, value] : zone_->ownLines_) {
+            if (value.empty()) continue;
+            std::vector<RuleNote> ignored;
+            ContentLine line;
+            line.value = value;
+            zone_->vTimezone_.push_back("X-VCAL-" + name + ":" +
+                                        escapeICalendar(decodedValue(line, ignored)));
+        }
+        std::string name = periods_.empty() ? "" : periods_.front().standardName;
+        // Before any change, and where there is none.
+        addObservance(false, localText(yearStart()), standard_, standard_, name, "");
+    }
+
+    [[nodiscard]] std::int64_t yearStart() const {
+        int year = kFirstYear;
+        if (!periods_.empty())
+            year = std::min(
+                year, civilOf(static_cast<int>(periods_.front().beginLocal / 86400)).year - 1);
+        return std::int64_t{dayNumber(year, 1, 1)} * 86400;
+    }
+
+    void addObservance(bool daylight, const std::string& start, int from, int to,
+                       const std::string& name, const std::string& recurrence) {
+        const std::string kind = daylight ? "DAYLIGHT" : "STANDARD";
+        std::vector<std::string>& lines = zone_->vTimezone_;
+        lines.push_back("BEGIN:" + kind);
+        lines.push_back("DTSTART:" + start);
+        lines.push_back("TZOFFSETFROM:" + formatUtcOffset(from));
+        lines.push_back("TZOFFSETTO:" + formatUtcOffset(to));
+        if (!name.empty()) {
+            std::vector<RuleNote> ignored;
+            ContentLine line;
+            line.value = name;
+            lines.push_back("TZNAME:" + escapeICalendar(decodedValue(line, ignored)));
+        }
+        if (!recurrence.empty()) lines.push_back(recurrence);
+        lines.push_back("END:" + kind);
+    }
+
+    void addYearly(const YearlyChange& begins, const YearlyChange& ends) {
+        const Period& model = periods_.front();
+        const auto rule = [](const YearlyChange& change) {
+            Rule yearly;
+            yearly.frequency = Frequency::Yearly;
+            yearly.months = {change.month};
+            yearly.days = {{change.week, change.weekday}};
+            return "RRULE:" + iCalendarText(yearly);
+        };
+        addObservance(true, localText(begins.inYear(kFirstYear)), standard_, model.offset,
+                      model.daylightName, rule(begins));
+        addObservance(false, localText(ends.inYear(kFirstYear)), model.offset, standard_,
+                      model.standardName, rule(ends));
+        for (int year = kFirstYear; year <= kLastYear; ++year) {
+            addChange(begins.inYear(year) - standard_, model.offset, true, model.daylightName);
+            addChange(ends.inYear(year) - model.offset, standard_, false, model.standardName);
+        }
+        std::sort(zone_->changes_.begin(), zone_->changes_.end(),
+                  [](const Zone::Change& a, const Zone::Change& b) { return a.utc < b.utc; });
+    }
+
+    // Each onset apart: not every reader takes all dates of an RDATE here, or the start beside it.
+    void addPeriods() {
+        for (std::size_t each = 0; each < periods_.size(); ++each) {
+            const Period& period = periods_[each];
+            const int before = period.continues ? periods_[each - 1].offset : standard_;
+            addObservance(true, localText(period.beginLocal), before, period.offset,
+                          period.daylightName, "");
+            addChange(period.beginUtc, period.offset, true, period.daylightName);
+            if (each + 1 < periods_.size() && periods_[each + 1].continues) continue;
+            addObservance(false, localText(period.endLocal), period.offset, standard_,
+                          period.standardName, "");
+            addChange(period.endUtc, standard_, false, period.standardName);
+        }
+    }
+
+    void addChange(std::int64_t utc, int offset, bool daylight, const std::string& name) {
+        zone_->changes_.push_back({utc, offset, daylight, name});
+    }
+
+    int standard_;
+    const LineSink& sink_;
+    std::shared_ptr<Zone> zone_;
+    std::vector<RawPeriod> raw_;
+    std::vector<Period> periods_;
+};
+
+ZonePtr Zone::fromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
+                            const LineSink& sink) {
+    const auto standard = parseUtcOffset(tz.value);
+    if (!standard) {
+        if (!trimmed(tz.value).empty())
+            sink(Severity::Error, tz.number,
+                 "TZ " + quoted(tz.value) + " is no offset from UTC; local times stay local");
+        return nullptr;
+    }
+    VCalendarZone builder(*standard, sink);
+    for (const ContentLine& line : daylight) builder.take(line);
+    return builder.finish(tz, daylight);
+}
+
+}  // namespace qel::calendar

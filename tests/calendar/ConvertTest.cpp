@@ -1,0 +1,176 @@
+// Golden pairs, and one by one the things that converters of phone files get wrong.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "calendar/Conversions.h"
+#include "support/Tables.h"
+#include "support/TempDir.h"
+
+namespace qel::test {
+namespace {
+
+using namespace qel::calendar;
+namespace fs = std::filesystem;
+
+bool holds(const std::string& text, const std::string& line) {
+    const std::vector<std::string> lines = unfolded(text);
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+// NAME.vcs becomes NAME.ics byte for byte, and that comes back with everything.
+TEST(Convert, GoldenPairs) {
+    std::size_t pairs = 0;
+    for (const auto& each :
+         fs::directory_iterator(fs::path(QEL_TEST_SOURCE_DIR) / "tests/calendar/golden")) {
+        if (each.path().extension() != ".vcs") continue;
+        SCOPED_TRACE(each.path().filename().string());
+        fs::path expected = each.path();
+        expected.replace_extension(".ics");
+        const std::string vcalendar = readFile(each.path().string());
+        const std::string icalendar = readFile(expected.string());
+        EXPECT_EQ(toICalendar(vcalendar).out, icalendar);
+        EXPECT_EQ(faultOf(icalendar), "");
+        const std::string back = toVCalendar(icalendar).out;
+        EXPECT_EQ(entryDifferences(vcalendar, back), "");
+        // From here on nothing changes any more.
+        EXPECT_EQ(toVCalendar(toICalendar(back).out).out, back);
+        ++pairs;
+    }
+    EXPECT_GE(pairs, 12u);
+}
+
+TEST(Convert, TheExampleIsFine) {
+    const std::string example =
+        readFile((fs::path(QEL_TEST_SOURCE_DIR) / "examples/phone.vcs").string());
+    const Conversion there = toICalendar(example);
+    EXPECT_EQ(faultOf(there.out), "");
+    EXPECT_TRUE(there.texts(Severity::Warning).empty());
+    EXPECT_TRUE(there.texts(Severity::Error).empty());
+    EXPECT_EQ(there.counts.entries, 7u);
+    EXPECT_EQ(entryDifferences(example, toVCalendar(there.out).out), "");
+    // However the file is cut into pieces.
+    for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, std::size_t{100000}})
+        EXPECT_EQ(convertText(example, CalendarFormat::ICalendar, piece).out, there.out);
+}
+
+TEST(Convert, CharacterSets) {
+    for (Row& row : list("calendar/character-sets.txt")) {
+        SCOPED_TRACE(row["parameters"] + ":" + row["bytes"]);
+        const Conversion result = toICalendar(vcalendarWith(
+            "UID:1\nDTSTART:20050601\nSUMMARY;" + row["parameters"] + ":" + row["bytes"] + "\n"));
+        EXPECT_TRUE(holds(result.out, "SUMMARY:" + row["text"])) << result.out;
+        EXPECT_EQ(!result.messages.empty(), row["told"] == "yes");
+        EXPECT_EQ(faultOf(result.out), "");
+    }
+    // A stray byte costs one character, not the text.
+    const Conversion broken = toICalendar(
+        vcalendarWith("UID:1\nDTSTART:20050601\nSUMMARY;CHARSET=GB2312:ab\xC4\xE3\xFF\n"));
+    EXPECT_NE(broken.out.find("SUMMARY:ab你"), std::string::npos) << broken.out;
+    // It is told wherever the system tells it from a character.
+    EXPECT_EQ(broken.out.find("\xEF\xBF\xBD") != std::string::npos, !broken.messages.empty());
+}
+
+TEST(Convert, LinesAreFoldedBetweenCharacters) {
+    std::string text;
+    for (int each = 0; each < 200; ++each) text += each % 3 == 0 ? "=C3=A9" : "=E2=82=AC";
+    for (const char* head : {"", "a", "ab", "abc"}) {
+        const Conversion result = toICalendar(vcalendarWith(
+            "UID:1\nDTSTART:20050601\nSUMMARY;ENCODING=QUOTED-PRINTABLE:" + std::string(head) +
+            text + "\n"));
+        EXPECT_EQ(faultOf(result.out), "");
+        const std::string back = toVCalendar(result.out).out;
+        EXPECT_EQ(toICalendar(back).out, result.out);
+        // No line of the phone's file is long either.
+        for (std::size_t at = 0; at < back.size();) {
+            const std::size_t end = back.find("\r\n", at);
+            EXPECT_LE(end - at, 76u);
+            at = end + 2;
+        }
+    }
+}
+
+TEST(Convert, WallClockTimesStayRightAcrossAChange) {
+    const std::string zone = "TZ:+01\nDAYLIGHT:TRUE;+02;20050327T020000;20051030T030000;CET;CEST\n";
+    // Local, and the same in UTC: the series is at nine in summer and in winter.
+    for (const char* start : {"DTSTART:20051024T090000\n", "DTSTART:20051024T070000Z\n"}) {
+        const Conversion result =
+            toICalendar(vcalendarWith(std::string("UID:1\n") + start + "RRULE:W1 MO #3\n", zone));
+        const std::vector<Entry> entries = entriesOf(result.out);
+        ASSERT_EQ(entries.size(), 1u);
+        const Entry& entry = entries[0];
+        ASSERT_TRUE(entry.zone);
+        const std::vector<int> days =
+            expandRule(entry.rules.at(0).rules.at(0), entry.ruleStart(), {});
+        ASSERT_EQ(days.size(), 3u);
+        Moment second = *entry.start;
+        second.day = days[1];
+        EXPECT_EQ(formatMoment(entry.zone->toUtc(*entry.start)), "20051024T070000Z");
+        EXPECT_EQ(formatMoment(entry.zone->toUtc(second)), "20051031T080000Z");
+        EXPECT_TRUE(holds(result.out, "BEGIN:VTIMEZONE"));
+    }
+    // Without a zone nothing is invented.
+    EXPECT_TRUE(holds(toICalendar(vcalendarWith("UID:1\nDTSTART:20051024T090000\n")).out,
+                      "DTSTART:20051024T090000"));
+}
+
+TEST(Convert, ZonesOfICalendarBecomeTzAndDaylight) {
+    const std::string icalendar =
+        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:x\r\n"
+        "BEGIN:VEVENT\r\nUID:1\r\nDTSTAMP:20050101T000000Z\r\nDTSTART;TZID=Here:20050601T090000\r\n"
+        "RRULE:FREQ=DAILY;UNTIL=20050603T070000Z\r\nEND:VEVENT\r\n"
+        "BEGIN:VEVENT\r\nUID:2\r\nDTSTAMP:20050101T000000Z\r\nDTSTART:20050601T090000Z\r\n"
+        "RRULE:FREQ=DAILY;COUNT=2\r\nEND:VEVENT\r\n"
+        "BEGIN:VEVENT\r\nUID:3\r\nDTSTAMP:20050101T000000Z\r\nDTSTART;TZID=Gone:20050601T090000\r\n"
+        "DTEND;TZID=Gone:20050601T100000\r\nEND:VEVENT\r\n"
+        // Behind the entries that use it.
+        "BEGIN:VTIMEZONE\r\nTZID:Here\r\n"
+        "BEGIN:STANDARD\r\nDTSTART:16010101T030000\r\nTZOFFSETFROM:+0200\r\nTZOFFSETTO:+0100\r\n"
+        "RRULE:FREQ=YEARLY;BYMONTH=10;BYDAY=-1SU\r\nEND:STANDARD\r\n"
+        "BEGIN:DAYLIGHT\r\nDTSTART:16010101T020000\r\nTZOFFSETFROM:+0100\r\nTZOFFSETTO:+0200\r\n"
+        "RRULE:FREQ=YEARLY;BYMONTH=3;BYDAY=-1SU\r\nEND:DAYLIGHT\r\nEND:VTIMEZONE\r\n"
+        "END:VCALENDAR\r\n";
+    const Conversion result = toVCalendar(icalendar);
+    EXPECT_TRUE(holds(result.out, "TZ:+01"));
+    EXPECT_TRUE(holds(result.out, "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z;;"));
+    EXPECT_TRUE(holds(result.out, "RRULE:D1 20050603T090000"));
+    EXPECT_TRUE(result.tells("\"Gone\" is not described"));
+    EXPECT_EQ(result.texts(Severity::Warning).size(), 1u);
+    // The series in UTC stands in a calendar without a zone, or it would move to that zone's clock.
+    EXPECT_EQ(entryDifferences(icalendar, result.out), "");
+}
+
+TEST(Convert, RulesThatVCalendarLacks) {
+    const auto convert = [](const std::string& rule) {
+        return toVCalendar(
+            "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:1\r\n"
+            "DTSTART:20050131T090000\r\n" +
+            rule + "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+    };
+    // With an end it is a list of dates.
+    const Conversion listed =
+        convert("RRULE:FREQ=MONTHLY;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=-1;COUNT=3");
+    EXPECT_TRUE(holds(listed.out, "RDATE:20050228T090000;20050331T090000"));
+    // Without one it waits behind its name, and comes back.
+    for (const char* rule :
+         {"FREQ=MONTHLY;INTERVAL=1;BYDAY=MO,TU,WE,TH,FR;BYSETPOS=-1", "FREQ=HOURLY;INTERVAL=4"}) {
+        const Conversion kept = convert(std::string("RRULE:") + rule);
+        EXPECT_FALSE(kept.texts(Severity::Warning).empty()) << rule;
+        EXPECT_TRUE(holds(toICalendar(kept.out).out, std::string("RRULE:") + rule)) << kept.out;
+    }
+}
+
+TEST(Convert, NothingIsLostInSilence) {
+    for (Row& row : cases("calendar/kept.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const Conversion result =
+            toICalendar(vcalendarWith("DTSTART:20050601T090000\n" + row["case"] + "\n"));
+        EXPECT_TRUE(row["kept"].empty() || holds(result.out, row["kept"])) << result.out;
+        EXPECT_TRUE(row["message"].empty() || result.tells(row["message"]));
+        EXPECT_EQ(faultOf(result.out), "");
+    }
+}
+
+}  // namespace
+}  // namespace qel::test

@@ -1,0 +1,125 @@
+// Rule texts as phones write them, the iCalendar texts they become, and the texts they come back
+// as: one table, one driver.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "calendar/base/Days.h"
+#include "calendar/rules/RuleText.h"
+#include "support/Tables.h"
+
+namespace qel::calendar {
+namespace {
+
+using test::cases;
+using test::Row;
+
+// A date with the time of day of the entry, "20050615" or "20050615T0900".
+std::optional<RuleStart> startOf(const std::string& text) {
+    if (text.empty()) return std::nullopt;
+    RuleStart start;
+    start.year = std::stoi(text.substr(0, 4));
+    start.month = std::stoi(text.substr(4, 2));
+    start.day = std::stoi(text.substr(6, 2));
+    start.isDate = text.size() == 8;
+    if (!start.isDate)
+        start.secondOfDay =
+            std::stoi(text.substr(9, 2)) * 3600 + std::stoi(text.substr(11, 2)) * 60;
+    return start;
+}
+
+template <class Each>
+std::string joined(const std::vector<Rule>& rules, Each each) {
+    std::string text;
+    for (const Rule& rule : rules) text += (text.empty() ? "" : " | ") + each(rule);
+    return text;
+}
+
+TEST(RuleText, PhoneRules) {
+    for (Row& row : cases("calendar/phone-rules.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const auto start = startOf(row["start"]);
+        const RuleReading reading = readRules(row["vcalendar"], RuleForm::VCalendar10, start);
+        EXPECT_EQ(joined(reading.rules, iCalendarText), row["icalendar"]);
+        EXPECT_EQ(joined(reading.rules,
+                         [&](const Rule& rule) {
+                             const VCalendarRule back = vCalendarTexts(rule, start);
+                             return back.texts.empty() ? std::string() : back.texts.front();
+                         }),
+                  row[row.count("back") != 0 ? "back" : "vcalendar"]);
+        // Whatever is not understood is said.
+        EXPECT_FALSE(reading.rules.empty() && reading.notes.empty());
+    }
+}
+
+TEST(RuleText, ICalendarRules) {
+    for (Row& row : cases("calendar/icalendar-rules.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const auto start = startOf(row["start"]);
+        const RuleReading reading = readRules(row["icalendar"], RuleForm::ICalendar, start);
+        EXPECT_EQ(joined(reading.rules, iCalendarText), row["again"]);
+        std::string vcalendar;
+        for (const Rule& rule : reading.rules) {
+            const VCalendarRule texts = vCalendarTexts(rule, start);
+            EXPECT_NE(texts.texts.empty(), texts.reason.empty());
+            for (const std::string& text : texts.texts)
+                vcalendar += (vcalendar.empty() ? "" : " | ") + text;
+        }
+        EXPECT_EQ(vcalendar, row["vcalendar"]);
+    }
+}
+
+TEST(RuleText, PositionalFormIsReadAsItIsWritten) {
+    for (const char* text :
+         {"WEEKLY;;10;2;;;;MO,WE;;;;;;;", "MONTHLY;20051231;;1;;;;;15,-1;;;;;MO;",
+          "YEARLY;;;1;;;;FR;;;;3;1,-1;;", "YEARLY;;;1;;;;;;100,-1;;;;;"}) {
+        const RuleReading reading = readRules(text, RuleForm::Positional, std::nullopt);
+        ASSERT_EQ(reading.rules.size(), 1u) << text;
+        EXPECT_EQ(positionalTexts(reading.rules[0]), std::vector<std::string>{text});
+    }
+}
+
+TEST(RuleText, PiecesAreRecordsOfOneMeaningEach) {
+    const auto start = startOf("20050601");
+    const RuleReading reading = readRules("MP2 1+ MO 2- TU #9", RuleForm::VCalendar10, start);
+    ASSERT_EQ(reading.rules.size(), 1u);
+    std::vector<RuleNote> notes;
+    const std::vector<RulePiece> pieces = rulePieces(reading.rules[0], &notes);
+    ASSERT_EQ(pieces.size(), 2u);
+    EXPECT_EQ(pieces[0].record.byDay, RRULE_DAY_MO);
+    EXPECT_EQ(int{pieces[0].record.setPos[0]}, 1);
+    EXPECT_EQ(pieces[1].record.byDay, RRULE_DAY_TU);
+    EXPECT_EQ(int{pieces[1].record.setPos[0]}, -2);
+    EXPECT_TRUE(pieces[1].positionsAreOrdinals);
+    EXPECT_EQ(notes.size(), 1u);
+}
+
+TEST(RuleText, AMillionTokensAreReadAtOnce) {
+    std::string days = "MD1";
+    std::string rules;
+    std::string strays = "W1";
+    std::string list = "FREQ=YEARLY;BYYEARDAY=1";
+    for (int each = 0; each < 1000000; ++each) {
+        days += " " + std::to_string(each % 40);
+        rules += "D1 ";
+        strays += " ??";
+        list += "," + std::to_string(each % 400);
+    }
+    const auto start = startOf("20050601");
+    RuleReading reading = readRules(days, RuleForm::VCalendar10, start);
+    ASSERT_EQ(reading.rules.size(), 1u);
+    EXPECT_EQ(reading.rules[0].monthDays.size(), 31u);
+    EXPECT_LT(reading.notes.size(), 5u);
+    reading = readRules(rules, RuleForm::VCalendar10, start);
+    EXPECT_FALSE(reading.complete);
+    EXPECT_LE(reading.rules.size(), 50u);
+    reading = readRules(strays, RuleForm::VCalendar10, start);
+    EXPECT_LT(reading.notes.size(), 5u);
+    reading = readRules(list, RuleForm::ICalendar, start);
+    ASSERT_EQ(reading.rules.size(), 1u);
+    EXPECT_EQ(reading.rules[0].yearDays.size(), 366u);
+}
+
+}  // namespace
+}  // namespace qel::calendar

@@ -1,0 +1,28 @@
+// What is known of the terminal that the program talks to, if it is one. One thread.
+#ifndef QELUTIL_BASE_TERMINAL_H
+#define QELUTIL_BASE_TERMINAL_H
+
+namespace qel::cli {
+
+// Columns of the terminal on standard output, or 80 where there is none.
+[[nodiscard]] int outputWidth();
+
+// Columns of the terminal on standard error, or 80 where there is none.
+[[nodiscard]] int errorWidth();
+
+enum class Color {
+    Auto,  // on a terminal that understands it, while the environment's NO_COLOR is unset or empty
+    Always,
+    Never
+};
+
+// For this run; Auto before.
+void chooseColor(Color color);
+
+// Whether what is written to standard output, or to standard error, is highlighted.
+[[nodiscard]] bool outputHighlights();
+[[nodiscard]] bool errorHighlights();
+
+}  // namespace qel::cli
+
+#endif
