@@ -43,7 +43,7 @@ std::string vCalendarOf(int events) {
 
 std::string converted(const std::string& text, CalendarFormat to) {
     std::ostringstream out;
-    calendar::Converter converter(out, to, [](const calendar::Diagnostic&) {});
+    calendar::Converter converter(out, to, [](const calendar::Note&) {});
     std::size_t read = 0;
     converter.convert(
         [&](char* buffer, std::size_t room) {

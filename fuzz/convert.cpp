@@ -10,7 +10,7 @@ using namespace qel::fuzz;
 using qel::calendar::ByteSource;
 using qel::calendar::CalendarFormat;
 using qel::calendar::Converter;
-using qel::calendar::Diagnostic;
+using qel::calendar::Note;
 
 namespace {
 
@@ -31,7 +31,7 @@ struct Result {
 Result convertText(const std::string& text, CalendarFormat to) {
     std::ostringstream out;
     Converter converter(out, to,
-                        [](const Diagnostic& message) { FUZZ_CHECK(!message.text.empty()); });
+                        [](const Note& message) { FUZZ_CHECK(!message.text().empty()); });
     converter.collectZones(sourceOf(text));
     converter.convert(sourceOf(text), "input");
     converter.finish();

@@ -9,7 +9,7 @@ QEL_FUZZ_TARGET(rule_command) {
     const std::string text = in.text();
     const RuleReading reading = readRules(text, guessRuleForm(text), std::nullopt);
     for (const Rule& rule : reading.rules) {
-        std::vector<RuleNote> notes;
+        std::vector<Note> notes;
         if (rulePieces(rule, &notes).empty()) continue;
         const std::string written = iCalendarText(rule);
         FUZZ_CHECK(!written.empty());

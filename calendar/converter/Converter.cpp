@@ -77,13 +77,16 @@ class Converter::File {
 
   private:
     void tell(Severity severity, std::size_t line, std::string text) {
-        owner_.sink_({severity, owner_.file_, line, std::move(text)});
+        report(Note(severity, std::move(text), line));
     }
 
-    [[nodiscard]] LineSink lineSink() {
-        return [this](Severity severity, std::size_t line, std::string text) {
-            tell(severity, line, std::move(text));
-        };
+    [[nodiscard]] NoteSink lineSink() {
+        return [this](Note note) { report(std::move(note)); };
+    }
+
+    void report(Note note) {
+        note.file = owner_.file_;
+        owner_.sink_(std::move(note));
     }
 
     void beginCalendar() {
@@ -138,7 +141,7 @@ class Converter::File {
                  std::string(line.name) + " does not belong to a calendar itself; it is left out");
             return;
         }
-        std::vector<RuleNote> notes;
+        std::vector<Note> notes;
         std::string value = decodedValue(line, notes);
         const bool vcalendar = isVCalendar();
         if (!vcalendar) value = unescapeICalendar(value);
@@ -157,7 +160,7 @@ class Converter::File {
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
         header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
-        for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
+        for (const Note& note : notes) tell(note.severity(), line.number, note.text());
     }
 
     [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }
@@ -177,8 +180,9 @@ class Converter::File {
         if (owner_.writer_ == nullptr) {
             // Told by whoever is read when something is written.
             Converter* owner = &owner_;
-            LineSink sink = [owner](Severity severity, std::size_t line, std::string text) {
-                owner->sink_({severity, owner->file_, line, std::move(text)});
+            NoteSink sink = [owner](Note note) {
+                note.file = owner->file_;
+                owner->sink_(std::move(note));
             };
             if (*owner_.to_ == CalendarFormat::ICalendar)
                 owner_.writer_ = std::make_unique<ICalWriter>(*owner_.out_, std::move(sink));
@@ -250,10 +254,10 @@ class Converter::File {
     ZonePtr zone_;
 };
 
-Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, DiagnosticSink sink)
+Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink)
     : out_(&out), to_(to), sink_(std::move(sink)), zones_(std::make_unique<ZoneStore>()) {}
 
-Converter::Converter(std::unique_ptr<EntryWriter> writer, DiagnosticSink sink)
+Converter::Converter(std::unique_ptr<EntryWriter> writer, NoteSink sink)
     : sink_(std::move(sink)), writer_(std::move(writer)), zones_(std::make_unique<ZoneStore>()) {}
 
 Converter::~Converter() = default;
@@ -266,18 +270,17 @@ void Converter::convert(ByteSource source, const std::string& file,
 }
 
 void Converter::collectZones(ByteSource source) {
-    const DiagnosticSink silent = [](const Diagnostic&) {};
-    const LineSink silentLines = [](Severity, std::size_t, const std::string&) {};
+    const NoteSink silent = [](const Note&) {};
     CalendarReader reader(std::move(source), "", silent, CalendarReader::Contents::OfZones);
     using Item = CalendarReader::Item;
     for (Item item = reader.next(); item != Item::End; item = reader.next())
         if (item == Item::Entry && reader.component().name == "VTIMEZONE")
-            zones_->add(Zone::fromVTimezone(reader.component(), silentLines));
+            zones_->add(Zone::fromVTimezone(reader.component(), silent));
 }
 
 void Converter::finish() {
     if (writer_ == nullptr) {
-        LineSink sink = [](Severity, std::size_t, const std::string&) {};
+        NoteSink sink = [](const Note&) {};
         if (to_ == CalendarFormat::VCalendar10)
             writer_ = std::make_unique<VCalWriter>(*out_, sink);
         else

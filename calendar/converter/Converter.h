@@ -10,7 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "calendar/base/Diagnostic.h"
+#include "calendar/base/Notes.h"
 #include "calendar/lines/LineReader.h"
 
 namespace qel::calendar {
@@ -43,9 +43,9 @@ class Converter {
   public:
     // `to` missing: the other format than that of the first file, iCalendar where it does not tell.
     // `out` is kept; the caller sees to its failures.
-    Converter(std::ostream& out, std::optional<CalendarFormat> to, DiagnosticSink sink);
+    Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink);
     // Hands the entries to `writer`, whatever it makes of them.
-    Converter(std::unique_ptr<EntryWriter> writer, DiagnosticSink sink);
+    Converter(std::unique_ptr<EntryWriter> writer, NoteSink sink);
     ~Converter();
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
@@ -74,7 +74,7 @@ class Converter {
 
     std::ostream* out_ = nullptr;  // null when the writer came from outside
     std::optional<CalendarFormat> to_;
-    DiagnosticSink sink_;
+    NoteSink sink_;
     std::string file_;  // that is being read
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;

@@ -142,10 +142,10 @@ void EntryReader::takeUid(const ContentLine& line) {
 
 std::string_view EntryReader::text(const ContentLine& line) {
     if (isPlainText(line)) return line.value;
-    std::vector<RuleNote> notes;
+    std::vector<Note> notes;
     const std::string value = decodedValue(line, notes);
-    for (const RuleNote& note : notes)
-        tell(note.severity, line.number, std::string(line.name) + ": " + note.text);
+    for (const Note& note : notes)
+        tell(note.severity(), line.number, std::string(line.name) + ": " + note.text());
     return texts_.keep(value);
 }
 
@@ -230,9 +230,9 @@ void EntryReader::readRuleLines() {
         }
         RuleReading reading = readRules(line.value, ruleForm(), start);
         count += std::max<std::size_t>(reading.rules.size(), 1);
-        for (const RuleNote& note : reading.notes)
-            tell(note.severity, line.number,
-                 std::string(line.name) + " " + quoted(trimmed(line.value)) + ": " + note.text);
+        for (const Note& note : reading.notes)
+            tell(note.severity(), line.number,
+                 std::string(line.name) + " " + quoted(trimmed(line.value)) + ": " + note.text());
         if (reading.rules.empty()) {
             if (!trimmed(line.value).empty()) carry(line, "", Severity::Note);
             continue;
@@ -258,9 +258,9 @@ void EntryReader::takeDateList(const ContentLine& line) {
         period = period || !rest.empty();
         (excluded ? entry_.excluded : entry_.dates).push_back(*read);
     }
-    std::vector<RuleNote> notes;
+    std::vector<Note> notes;
     strays.report(notes, Severity::Error, name + " holds what is no date, and it is left out:");
-    for (const RuleNote& note : notes) tell(note.severity, line.number, note.text);
+    for (const Note& note : notes) tell(note.severity(), line.number, note.text());
     if (period)
         tell(Severity::Warning, line.number, name + " holds periods; their lengths are left out");
 }

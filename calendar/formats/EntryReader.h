@@ -22,7 +22,7 @@ using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
 // One reader reads the entries of one file: of a zone that is not described it tells once.
 class EntryReader {
   public:
-    EntryReader(const ZoneMap& zones, LineSink sink) : zones_(zones), sink_(std::move(sink)) {}
+    EntryReader(const ZoneMap& zones, NoteSink sink) : zones_(zones), sink_(std::move(sink)) {}
     virtual ~EntryReader() = default;
     EntryReader(const EntryReader&) = delete;
     EntryReader& operator=(const EntryReader&) = delete;
@@ -53,7 +53,7 @@ class EntryReader {
     void addList(const ContentLine& line, std::vector<std::string> items,
                  std::vector<Parameter> parameters);
     void tell(Severity severity, std::size_t line, std::string message) {
-        sink_(severity, line, std::move(message));
+        sink_(Note(severity, std::move(message), line));
     }
 
     // True when the entry has a rule or a list of dates, read or not.
@@ -75,7 +75,7 @@ class EntryReader {
     void readRuleLines();
 
     const ZoneMap& zones_;
-    LineSink sink_;
+    NoteSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
     Arena texts_;                                      // decoded ones, of the entry that is read

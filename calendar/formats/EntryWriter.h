@@ -16,7 +16,7 @@ namespace qel::calendar {
 
 class EntryWriter {
   public:
-    EntryWriter(std::ostream& out, LineSink sink) : out_(out), sink_(std::move(sink)) {}
+    EntryWriter(std::ostream& out, NoteSink sink) : out_(out), sink_(std::move(sink)) {}
     virtual ~EntryWriter() = default;
     EntryWriter(const EntryWriter&) = delete;
     EntryWriter& operator=(const EntryWriter&) = delete;
@@ -33,7 +33,7 @@ class EntryWriter {
 
   protected:
     void tell(Severity severity, std::size_t line, std::string message) {
-        sink_(severity, line, std::move(message));
+        sink_(Note(severity, std::move(message), line));
     }
     // One line with its line end, as it stands.
     void put(std::string_view line);
@@ -43,7 +43,7 @@ class EntryWriter {
 
   private:
     std::ostream& out_;
-    LineSink sink_;
+    NoteSink sink_;
     std::string text_;  // that waits for flush()
 };
 

@@ -35,7 +35,7 @@ std::size_t costOf(const ContentLine& line) {
 
 }  // namespace
 
-CalendarReader::CalendarReader(ByteSource source, std::string file, DiagnosticSink sink,
+CalendarReader::CalendarReader(ByteSource source, std::string file, NoteSink sink,
                                Contents contents)
     : lines_(std::move(source)),
       file_(std::move(file)),
@@ -51,7 +51,9 @@ bool CalendarReader::passesOver(const RawLine& raw) const {
 }
 
 void CalendarReader::report(Severity severity, std::size_t line, std::string text) {
-    sink_({severity, file_, line, std::move(text)});
+    Note note(severity, std::move(text), line);
+    note.file = file_;
+    sink_(std::move(note));
 }
 
 // The next property into line_; lines that are none are told and passed over.

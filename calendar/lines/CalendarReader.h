@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "calendar/base/Diagnostic.h"
+#include "calendar/base/Notes.h"
 #include "calendar/lines/ContentLine.h"
 #include "calendar/lines/LineReader.h"
 
@@ -36,7 +36,7 @@ class CalendarReader {
     enum class Contents { All, OfZones };
 
     // `file` is how messages name the input.
-    CalendarReader(ByteSource source, std::string file, DiagnosticSink sink,
+    CalendarReader(ByteSource source, std::string file, NoteSink sink,
                    Contents contents = Contents::All);
 
     // The next item. Begin and end of calendars come in pairs, also where the file has none or has
@@ -68,7 +68,7 @@ class CalendarReader {
 
     LineReader lines_;
     std::string file_;
-    DiagnosticSink sink_;
+    NoteSink sink_;
     Contents contents_;
     RawLine raw_;
     ContentLine line_;

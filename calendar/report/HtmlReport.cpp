@@ -20,12 +20,12 @@ constexpr std::size_t kMonthsBeside = 2;
 constexpr std::size_t kMostFilesShown = 20;
 constexpr std::size_t kLongestTitle = 200;
 
-std::string messageItem(const Diagnostic& message) {
-    const char* kind = tellsOfLoss(message)                    ? "gone"
-                       : message.severity == Severity::Error   ? "error"
-                       : message.severity == Severity::Warning ? "warning"
-                                                               : "note";
-    std::string text = std::string("<li class=") + kind + ">" + html(message.text);
+std::string messageItem(const Note& message) {
+    const char* kind = (message.fate() == Fate::Lost)            ? "gone"
+                       : message.severity() == Severity::Error   ? "error"
+                       : message.severity() == Severity::Warning ? "warning"
+                                                                 : "note";
+    std::string text = std::string("<li class=") + kind + ">" + html(message.text());
     if (message.line != 0)
         text += " <span class=soft>(line " + std::to_string(message.line) + ")</span>";
     return text;
@@ -34,7 +34,7 @@ std::string messageItem(const Diagnostic& message) {
 std::string messageList(const ReportMessages& messages, const std::vector<std::string>& kept) {
     if (messages.shown.empty() && kept.empty()) return {};
     std::string text = "<ul class=told>";
-    for (const Diagnostic& each : messages.shown) text += messageItem(each);
+    for (const Note& each : messages.shown) text += messageItem(each);
     if (messages.more != 0)
         text += "<li class=note>" + counted(messages.more, "more message", "more messages");
     if (!kept.empty()) {
@@ -71,7 +71,9 @@ enum class State { Fine, Changed, Lost };
 
 State stateOf(const ReportEntry& entry) {
     const auto& shown = entry.messages.shown;
-    if (std::any_of(shown.begin(), shown.end(), tellsOfLoss)) return State::Lost;
+    if (std::any_of(shown.begin(), shown.end(),
+                    [](const Note& each) { return each.fate() == Fate::Lost; }))
+        return State::Lost;
     return shown.empty() ? State::Fine : State::Changed;
 }
 
@@ -118,7 +120,7 @@ std::string fileRow(const FileOutcome& file, std::size_t id) {
 
 }  // namespace
 
-void ReportMessages::add(const Diagnostic& message) {
+void ReportMessages::add(const Note& message) {
     if (shown.size() < kMostMessages)
         shown.push_back(message);
     else

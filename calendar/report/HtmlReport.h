@@ -17,10 +17,10 @@ namespace qel::calendar {
 
 // Messages about one thing, the first ones of them.
 struct ReportMessages {
-    std::vector<Diagnostic> shown;
+    std::vector<Note> shown;
     std::uint64_t more = 0;
 
-    void add(const Diagnostic& message);
+    void add(const Note& message);
 };
 
 struct ReportEntry {

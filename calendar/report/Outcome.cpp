@@ -13,18 +13,6 @@ std::string counted(std::uint64_t number, const std::string& one, const std::str
     return std::to_string(number) + " " + (number == 1 ? one : many);
 }
 
-const char* severityName(Severity severity) {
-    switch (severity) {
-        case Severity::Note:
-            return "note";
-        case Severity::Warning:
-            return "warning";
-        case Severity::Error:
-            return "error";
-    }
-    return "";
-}
-
 cli::Json countsJson(const OutcomeCounts& counts) {
     return {{"entries", counts.entries}, {"converted", counts.converted},
             {"changed", counts.changed}, {"warnings", counts.warnings},
@@ -72,11 +60,11 @@ cli::Json outcomeJson(const FileOutcome& file) {
         {"leftOut", file.reason.empty() ? cli::Json() : cli::Json(cli::jsonText(file.reason))}};
     json.update(countsJson(file.counts));
     json["messages"] = cli::Json::array();
-    for (const Diagnostic& each : file.messages)
-        json["messages"].push_back({{"severity", severityName(each.severity)},
+    for (const Note& each : file.messages)
+        json["messages"].push_back({{"severity", severityName(each.severity())},
                                     {"line", each.line == 0 ? cli::Json() : cli::Json(each.line)},
-                                    {"text", cli::jsonText(each.text)},
-                                    {"notCarriedOver", tellsOfLoss(each)}});
+                                    {"text", cli::jsonText(each.text())},
+                                    {"notCarriedOver", each.fate() == Fate::Lost}});
     return json;
 }
 
@@ -87,10 +75,10 @@ void Tally::beginFile(std::string name) {
     lastLine_ = 0;
 }
 
-void Tally::hear(const Diagnostic& message, bool keep) {
-    if (message.severity == Severity::Warning) ++file_.counts.warnings;
-    if (message.severity == Severity::Error) ++file_.counts.errors;
-    if (tellsOfLoss(message)) ++file_.counts.lost;
+void Tally::hear(const Note& message, bool keep) {
+    if (message.severity() == Severity::Warning) ++file_.counts.warnings;
+    if (message.severity() == Severity::Error) ++file_.counts.errors;
+    if (message.fate() == Fate::Lost) ++file_.counts.lost;
     lastLine_ = std::max(lastLine_, message.line);
     if (keep) file_.messages.push_back(message);
 }

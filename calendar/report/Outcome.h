@@ -30,7 +30,7 @@ struct FileOutcome {
     std::string output;  // the result's file; empty for standard output, or where there is none
     std::string reason;  // why the file has no part in any result; empty when it has
     OutcomeCounts counts;
-    std::vector<Diagnostic> messages;  // as many as were kept
+    std::vector<Note> messages;  // as many as were kept
 };
 
 struct Totals {
@@ -52,7 +52,7 @@ class Tally : public EntryObserver {
   public:
     void beginFile(std::string name);
     // To be told of every message of the converter. Keeps it when `keep` is true.
-    void hear(const Diagnostic& message, bool keep);
+    void hear(const Note& message, bool keep);
     void entryRead(const Entry& entry) override;
     void entryWritten() override;
 

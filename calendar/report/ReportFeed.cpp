@@ -58,14 +58,14 @@ void ReportFeed::beginFile(const std::string& name) {
     report_.beginFile(name);
 }
 
-void ReportFeed::hear(const Diagnostic& message) {
+void ReportFeed::hear(const Note& message) {
     pending_.add(message);
 }
 
 std::string ReportFeed::written(const Entry& entry, CalendarFormat target) {
     if (writer_ == nullptr || writes_ != target) {
         writes_ = target;
-        const LineSink silent = [](Severity, std::size_t, const std::string&) {};
+        const NoteSink silent = [](const Note&) {};
         if (target == CalendarFormat::ICalendar)
             writer_ = std::make_unique<ICalWriter>(text_, silent);
         else
@@ -80,8 +80,7 @@ std::string ReportFeed::written(const Entry& entry, CalendarFormat target) {
 
 void ReportFeed::entryRead(const Entry& entry, CalendarFormat target) {
     ReportMessages all = std::exchange(pending_, {});
-    for (const Diagnostic& each : all.shown)
-        (each.line < entry.line ? ofFile_ : pending_).add(each);
+    for (const Note& each : all.shown) (each.line < entry.line ? ofFile_ : pending_).add(each);
     pending_.more = all.more;
     entry_ = {};
     entry_.facts = entryFacts(entry);
@@ -100,7 +99,7 @@ void ReportFeed::entryWritten() {
 }
 
 void ReportFeed::endFile() {
-    for (const Diagnostic& each : pending_.shown) ofFile_.add(each);
+    for (const Note& each : pending_.shown) ofFile_.add(each);
     ofFile_.more += pending_.more;
     report_.endFile(ofFile_);
 }

@@ -21,7 +21,7 @@ class ReportFeed {
     [[nodiscard]] ByteSource through(ByteSource source) {
         return lines_.through(std::move(source));
     }
-    void hear(const Diagnostic& message);
+    void hear(const Note& message);
     // `target` is what the entry is about to be written as.
     void entryRead(const Entry& entry, CalendarFormat target);
     void entryWritten();

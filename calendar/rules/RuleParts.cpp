@@ -20,7 +20,7 @@ std::string joined(const std::vector<int>& numbers, char separator) {
     return text;
 }
 
-void Strays::report(std::vector<RuleNote>& notes, Severity severity, std::string_view what) const {
+void Strays::report(std::vector<Note>& notes, Severity severity, std::string_view what) const {
     if (count_ == 0) return;
     std::string text = std::string(what) + " " + quoted(first_);
     if (count_ > 1) text += " and " + std::to_string(count_ - 1) + " more";
@@ -53,7 +53,7 @@ std::string adjustedUntil(const std::string& until, const RuleStart& start, bool
 }  // namespace
 
 void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool midnightIsDay,
-              Rule& rule, std::vector<RuleNote>& notes) {
+              Rule& rule, std::vector<Note>& notes) {
     rule.until = end.until;
     if (!rule.until.empty() && start) {
         rule.until = adjustedUntil(rule.until, *start, midnightIsDay);

@@ -34,7 +34,7 @@ class Strays {
         if (count_++ == 0) first_ = std::string(item);
     }
     // "WHAT "39"", "WHAT "39" and 2 more".
-    void report(std::vector<RuleNote>& notes, Severity severity, std::string_view what) const;
+    void report(std::vector<Note>& notes, Severity severity, std::string_view what) const;
     [[nodiscard]] bool any() const { return count_ != 0; }
 
   private:
@@ -55,7 +55,7 @@ struct RuleEnd {
 // date. An end date that is a day only becomes the last second of that day in a series with a time
 // of day; `midnightIsDay` does the same for an end at midnight of a series that is not at midnight.
 void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool midnightIsDay,
-              Rule& rule, std::vector<RuleNote>& notes);
+              Rule& rule, std::vector<Note>& notes);
 
 // The readers of the two forms, for readRules.
 void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& start,

@@ -165,7 +165,7 @@ std::string vCalendarPieceText(const Rule& piece) {
     return text;
 }
 
-void noteLimits(const Rule& rule, std::vector<RuleNote>& notes) {
+void noteLimits(const Rule& rule, std::vector<Note>& notes) {
     if (rule.interval > kMostInRecord || rule.count > kMostInRecord)
         notes.push_back({Severity::Warning, "a record holds no number beyond 32767"});
     if (endsPastCalendar(rule))
@@ -196,7 +196,7 @@ std::vector<std::string> positionalTexts(const Rule& rule) {
     return texts;
 }
 
-std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<RuleNote>* notes) {
+std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<Note>* notes) {
     if (notes != nullptr) noteLimits(rule, *notes);
     std::vector<RulePiece> pieces;
     const bool all = forEachPiece(rule, [&](const Rule& each) {

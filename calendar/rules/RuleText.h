@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "QelUtility/RRule.h"
-#include "calendar/base/Diagnostic.h"
+#include "calendar/base/Notes.h"
 #include "calendar/rules/Rule.h"
 
 namespace qel::calendar {
@@ -22,14 +22,9 @@ enum class RuleForm { VCalendar10, ICalendar, Positional };
 // "FREQ=..." anywhere is iCalendar, a text with ";" positional, anything else vCalendar 1.0.
 [[nodiscard]] RuleForm guessRuleForm(std::string_view text);
 
-struct RuleNote {
-    Severity severity = Severity::Note;
-    std::string text;  // one sentence without a full stop
-};
-
 struct RuleReading {
-    std::vector<Rule> rules;      // in the order of the text; several where it holds several
-    std::vector<RuleNote> notes;  // how the text was understood, and what of it was not
+    std::vector<Rule> rules;  // in the order of the text; several where it holds several
+    std::vector<Note> notes;  // how the text was understood, and what of it was not
     // False when a part of the text says when the series recurs and was not understood: a note of
     // at least a warning names it, and without any rule the text itself is what is left to keep.
     bool complete = true;
@@ -64,7 +59,7 @@ struct RulePiece {
 // The records of `rule`, read by the library from the rule's positional texts. Empty when the
 // library refuses. BYHOUR, BYMINUTE, BYSECOND and an interval or count beyond 32767 do not fit a
 // record; `notes` says so (it may be null).
-[[nodiscard]] std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<RuleNote>* notes);
+[[nodiscard]] std::vector<RulePiece> rulePieces(const Rule& rule, std::vector<Note>* notes);
 
 // The texts that rulePieces hands to the library, one for each piece, e.g.
 // "WEEKLY;;10;2;;;;MO,WE;;;;;;;".

@@ -89,13 +89,13 @@ bool isAsciiSet(std::string_view set) {
 }
 
 // Bytes that mean nothing in their set are bad input, whoever converts them.
-void noteReplaced(const std::string& text, std::string_view set, std::vector<RuleNote>& notes) {
+void noteReplaced(const std::string& text, std::string_view set, std::vector<Note>& notes) {
     if (text.find(kReplacement) != std::string::npos)
         notes.push_back({Severity::Error, "some bytes are no text in the character set " +
                                               quoted(set) + "; U+FFFD stands for each"});
 }
 
-std::string toUtf8(std::string text, std::string_view set, std::vector<RuleNote>& notes) {
+std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& notes) {
     if (isAscii(text) && !startsWithIgnoreCase(set, "ISO-2022") &&
         !startsWithIgnoreCase(set, "UTF-7"))
         return text;
@@ -148,7 +148,7 @@ std::string undoBase64(const std::string& text) {
 }
 
 // Line ends as LF; other controls than tab are no part of a text.
-std::string withoutControls(std::string text, std::vector<RuleNote>& notes) {
+std::string withoutControls(std::string text, std::vector<Note>& notes) {
     const auto isControl = [](char c) { return isBlank(c) && c != ' '; };
     if (std::none_of(text.begin(), text.end(), isControl)) return text;
     std::string result;
@@ -204,7 +204,7 @@ bool isPlainText(const ContentLine& line) {
                });
 }
 
-std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes) {
+std::string decodedValue(const ContentLine& line, std::vector<Note>& notes) {
     std::string bytes;
     const bool quotedPrintable =
         std::any_of(line.parameters.begin(), line.parameters.end(), [](const Parameter& each) {

@@ -22,7 +22,7 @@ namespace qel::calendar {
 // which is taken from the line's parameters; without one, bytes that are UTF-8 are taken as that,
 // others as windows-1252. Characters that no text holds (NUL and other controls, except tab and
 // line ends) are left out. All that is not as it should be is added to `notes`.
-[[nodiscard]] std::string decodedValue(const ContentLine& line, std::vector<RuleNote>& notes);
+[[nodiscard]] std::string decodedValue(const ContentLine& line, std::vector<Note>& notes);
 
 // True when decodedValue would give the value as it stands: printable ASCII, not encoded.
 [[nodiscard]] bool isPlainText(const ContentLine& line);

@@ -21,9 +21,6 @@ namespace qel::calendar {
 class Zone;
 using ZonePtr = std::shared_ptr<const Zone>;
 
-// Tells about a line of the file.
-using LineSink = std::function<void(Severity, std::size_t line, std::string text)>;
-
 class Zone {
   public:
     // From the zone's TZ value and DAYLIGHT values, each with its line. Null without a usable TZ.
@@ -31,10 +28,10 @@ class Zone {
     // one yearly rule stand for that rule in all years; any others for themselves alone.
     // Local times of change are read on the clock as it goes before the change.
     static ZonePtr fromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
-                                 const LineSink& sink);
+                                 const NoteSink& sink);
 
     // From a VTIMEZONE. Null when it has no TZID or no observance with an offset.
-    static ZonePtr fromVTimezone(const Component& component, const LineSink& sink);
+    static ZonePtr fromVTimezone(const Component& component, const NoteSink& sink);
 
     // The TZID.
     [[nodiscard]] const std::string& id() const { return id_; }

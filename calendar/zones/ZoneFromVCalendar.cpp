@@ -92,7 +92,7 @@ std::string localText(std::int64_t seconds) {
 
 class VCalendarZone {
   public:
-    VCalendarZone(int standard, const LineSink& sink)
+    VCalendarZone(int standard, const NoteSink& sink)
         : standard_(standard), sink_(sink), zone_(std::make_shared<Zone>()) {
         zone_->baseOffset_ = standard;
     }
@@ -152,8 +152,9 @@ class VCalendarZone {
 
   private:
     void reject(const ContentLine& line) {
-        sink_(Severity::Error, line.number,
-              "DAYLIGHT " + quoted(line.value) + " makes no sense and does not count");
+        sink_(Note(Severity::Error,
+                   "DAYLIGHT " + quoted(line.value) + " makes no sense and does not count",
+                   line.number));
     }
 
     void place(RawPeriod& raw) {
@@ -169,8 +170,8 @@ class VCalendarZone {
         period.endLocal = period.endUtc + period.offset;
         if (period.endUtc <= period.beginUtc ||
             (last != nullptr && period.beginUtc < last->endUtc)) {
-            sink_(Severity::Error, raw.line,
-                  "this DAYLIGHT line overlaps another one and does not count");
+            sink_(Note(Severity::Error,
+                       "this DAYLIGHT line overlaps another one and does not count", raw.line));
             return;
         }
         periods_.push_back(period);
@@ -192,7 +193,7 @@ class VCalendarZone {
         zone_->vTimezone_ = {"BEGIN:VTIMEZONE", "TZID:" + zone_->id_};
         for (const auto& [name, value] : zone_->ownLines_) {
             if (value.empty()) continue;
-            std::vector<RuleNote> ignored;
+            std::vector<Note> ignored;
             ContentLine line;
             line.value = value;
             zone_->vTimezone_.push_back("X-VCAL-" + name + ":" +
@@ -220,7 +221,7 @@ class VCalendarZone {
         lines.push_back("TZOFFSETFROM:" + formatUtcOffset(from));
         lines.push_back("TZOFFSETTO:" + formatUtcOffset(to));
         if (!name.empty()) {
-            std::vector<RuleNote> ignored;
+            std::vector<Note> ignored;
             ContentLine line;
             line.value = name;
             lines.push_back("TZNAME:" + escapeICalendar(decodedValue(line, ignored)));
@@ -270,19 +271,20 @@ class VCalendarZone {
     }
 
     int standard_;
-    const LineSink& sink_;
+    const NoteSink& sink_;
     std::shared_ptr<Zone> zone_;
     std::vector<RawPeriod> raw_;
     std::vector<Period> periods_;
 };
 
 ZonePtr Zone::fromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
-                            const LineSink& sink) {
+                            const NoteSink& sink) {
     const auto standard = parseUtcOffset(tz.value);
     if (!standard) {
         if (!trimmed(tz.value).empty())
-            sink(Severity::Error, tz.number,
-                 "TZ " + quoted(tz.value) + " is no offset from UTC; local times stay local");
+            sink(Note(Severity::Error,
+                      "TZ " + quoted(tz.value) + " is no offset from UTC; local times stay local",
+                      tz.number));
         return nullptr;
     }
     VCalendarZone builder(*standard, sink);

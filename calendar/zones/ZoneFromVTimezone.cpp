@@ -25,7 +25,7 @@ const ContentLine* find(const Component& component, std::string_view name) {
 }
 
 std::string contentText(const ContentLine& line) {
-    std::vector<RuleNote> ignored;
+    std::vector<Note> ignored;
     ContentLine bytes;
     bytes.value = line.value;
     return iCalendarLine(line.name, line.parameters, decodedValue(bytes, ignored));
@@ -48,20 +48,20 @@ bool standsOnce(std::string_view name) {
 
 class VTimezoneZone {
   public:
-    explicit VTimezoneZone(const LineSink& sink) : sink_(sink), zone_(std::make_shared<Zone>()) {}
+    explicit VTimezoneZone(const NoteSink& sink) : sink_(sink), zone_(std::make_shared<Zone>()) {}
 
     ZonePtr build(const Component& component) {
         const ContentLine* id = find(component, "TZID");
         if (id == nullptr || trimmed(id->value).empty()) {
-            sink_(Severity::Error, component.number, "a VTIMEZONE without TZID is left out");
+            sink_(Note(Severity::Error, "a VTIMEZONE without TZID is left out", component.number));
             return nullptr;
         }
         zone_->id_ = unescapeICalendar(trimmed(id->value));
         for (const Component& child : component.children)
             if (child.name == "STANDARD" || child.name == "DAYLIGHT") takeObservance(child);
         if (observances_ == 0) {
-            sink_(Severity::Error, component.number,
-                  "the zone " + quoted(zone_->id_) + " has no usable offset");
+            sink_(Note(Severity::Error, "the zone " + quoted(zone_->id_) + " has no usable offset",
+                       component.number));
             return nullptr;
         }
         std::stable_sort(
@@ -82,19 +82,22 @@ class VTimezoneZone {
         lines.push_back("BEGIN:" + component.name);
         for (const ContentLine& line : component.properties)
             if (!belongsToZone(line.name))
-                sink_(Severity::Error, line.number,
-                      std::string(line.name) + " is no part of a zone; it is left out");
+                sink_(Note(Severity::Error,
+                           std::string(line.name) + " is no part of a zone; it is left out",
+                           line.number));
             else if (standsOnce(line.name) && find(component, line.name) != &line)
-                sink_(Severity::Error, line.number,
-                      "a second " + std::string(line.name) + " in a zone is left out");
+                sink_(Note(Severity::Error,
+                           "a second " + std::string(line.name) + " in a zone is left out",
+                           line.number));
             else
                 lines.push_back(contentText(line));
         for (const Component& child : component.children) {
             if (child.name == "STANDARD" || child.name == "DAYLIGHT")
                 addLines(child);
             else
-                sink_(Severity::Error, child.number,
-                      quoted(child.name) + " is no part of a zone; it is left out");
+                sink_(Note(Severity::Error,
+                           quoted(child.name) + " is no part of a zone; it is left out",
+                           child.number));
         }
         lines.push_back("END:" + component.name);
     }
@@ -107,16 +110,17 @@ class VTimezoneZone {
         const auto fromOffset = parseUtcOffset(from == nullptr ? "" : from->value);
         const auto toOffset = parseUtcOffset(to == nullptr ? "" : to->value);
         if (!first || !fromOffset || !toOffset) {
-            sink_(Severity::Error, observance.number,
-                  "this part of the zone " + quoted(zone_->id_) +
-                      " lacks DTSTART, TZOFFSETFROM or TZOFFSETTO");
+            sink_(Note(Severity::Error,
+                       "this part of the zone " + quoted(zone_->id_) +
+                           " lacks DTSTART, TZOFFSETFROM or TZOFFSETTO",
+                       observance.number));
             return;
         }
         const int before = *fromOffset;
         const ContentLine* name = find(observance, "TZNAME");
         Zone::Change change{0, *toOffset, observance.name == "DAYLIGHT", ""};
         if (name != nullptr) {
-            std::vector<RuleNote> ignored;
+            std::vector<Note> ignored;
             change.name = unescapeICalendar(decodedValue(*name, ignored));
         }
         ++observances_;
@@ -145,8 +149,9 @@ class VTimezoneZone {
         const Civil civil = civilOf(first.day);
         RuleStart start{civil.year, civil.month, civil.day, first.second, false, before};
         const RuleReading reading = readRules(line.value, RuleForm::ICalendar, start);
-        for (const RuleNote& note : reading.notes)
-            if (note.severity != Severity::Note) sink_(note.severity, line.number, note.text);
+        for (const Note& note : reading.notes)
+            if (note.severity() != Severity::Note)
+                sink_(Note(note.severity(), note.text(), line.number));
         for (const Rule& rule : reading.rules) {
             // The hour of the change is DTSTART's, whatever the rule repeats of it.
             RuleLimits limits;
@@ -180,7 +185,7 @@ class VTimezoneZone {
         zone_->changes_ = std::move(kept);
     }
 
-    const LineSink& sink_;
+    const NoteSink& sink_;
     std::shared_ptr<Zone> zone_;
     int observances_ = 0;
     std::size_t ruleLines_ = 0;
@@ -188,7 +193,7 @@ class VTimezoneZone {
     std::int64_t baseSince_ = 0;
 };
 
-ZonePtr Zone::fromVTimezone(const Component& component, const LineSink& sink) {
+ZonePtr Zone::fromVTimezone(const Component& component, const NoteSink& sink) {
     return VTimezoneZone(sink).build(component);
 }
 

@@ -16,17 +16,17 @@ using namespace qel::calendar;
 
 std::vector<std::string> Conversion::texts(Severity severity) const {
     std::vector<std::string> result;
-    for (const Diagnostic& each : messages)
-        if (each.severity == severity)
-            result.push_back(std::to_string(each.line) + ": " + each.text);
+    for (const Note& each : messages)
+        if (each.severity() == severity)
+            result.push_back(std::to_string(each.line) + ": " + each.text());
     return result;
 }
 
 bool Conversion::tells(const std::string& part) const {
     return std::any_of(
         messages.begin(), messages.end(),
-        [&](const Diagnostic& each) {
-            return (std::to_string(each.line) + ": " + each.text).find(part) != std::string::npos;
+        [&](const Note& each) {
+            return (std::to_string(each.line) + ": " + each.text()).find(part) != std::string::npos;
         });
 }
 
@@ -43,8 +43,7 @@ Conversion convertText(const std::string& text, std::optional<CalendarFormat> to
                        std::size_t piece) {
     Conversion result;
     std::ostringstream out;
-    Converter converter(out, to,
-                        [&](const Diagnostic& message) { result.messages.push_back(message); });
+    Converter converter(out, to, [&](const Note& message) { result.messages.push_back(message); });
     converter.collectZones(sourceOf(text, piece));
     converter.convert(sourceOf(text, piece), "test");
     converter.finish();
@@ -66,7 +65,7 @@ namespace {
 class EntryCatcher final : public EntryWriter {
   public:
     EntryCatcher(std::ostream& out, std::vector<Entry>& entries)
-        : EntryWriter(out, [](Severity, std::size_t, const std::string&) {}), entries_(entries) {}
+        : EntryWriter(out, [](const Note&) {}), entries_(entries) {}
     void calendar(const std::vector<EntryProperty>&) override {}
     void write(Entry& entry) override { entries_.push_back(entry); }
     void finish() override {}
@@ -80,7 +79,7 @@ class EntryCatcher final : public EntryWriter {
 std::vector<Entry> entriesOf(const std::string& text) {
     std::vector<Entry> entries;
     std::ostringstream unused;
-    Converter converter(std::make_unique<EntryCatcher>(unused, entries), [](const Diagnostic&) {});
+    Converter converter(std::make_unique<EntryCatcher>(unused, entries), [](const Note&) {});
     converter.collectZones(sourceOf(text));
     converter.convert(sourceOf(text), "test");
     return entries;

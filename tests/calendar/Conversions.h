@@ -13,7 +13,7 @@ namespace qel::test {
 
 struct Conversion {
     std::string out;
-    std::vector<calendar::Diagnostic> messages;
+    std::vector<calendar::Note> messages;
     calendar::ConvertCounts counts;
 
     // Messages of that severity, "line: text" each.

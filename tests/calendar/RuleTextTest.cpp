@@ -84,7 +84,7 @@ TEST(RuleText, PiecesAreRecordsOfOneMeaningEach) {
     const auto start = startOf("20050601");
     const RuleReading reading = readRules("MP2 1+ MO 2- TU #9", RuleForm::VCalendar10, start);
     ASSERT_EQ(reading.rules.size(), 1u);
-    std::vector<RuleNote> notes;
+    std::vector<Note> notes;
     const std::vector<RulePiece> pieces = rulePieces(reading.rules[0], &notes);
     ASSERT_EQ(pieces.size(), 2u);
     EXPECT_EQ(pieces[0].record.byDay, RRULE_DAY_MO);

@@ -130,7 +130,7 @@ ReadRules readRuleArguments(const RuleArguments& arguments) {
     read.reading = calendar::readRules(text, read.form, read.start);
     if (read.reading.rules.empty()) {
         const std::string why = read.reading.notes.empty() ? std::string("no rule was found in it")
-                                                           : read.reading.notes.front().text;
+                                                           : read.reading.notes.front().text();
         throw InputError("\"" + calendar::printable(arguments.text, 200) + "\": " + why);
     }
     return read;

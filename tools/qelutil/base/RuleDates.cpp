@@ -37,16 +37,16 @@ void writeDateGrids(std::ostream& out, const std::vector<ListedDate>& dates) {
 }
 
 void writeNotes(Context& context, const ReadRules& read) {
-    for (const calendar::RuleNote& note : read.reading.notes) {
-        switch (note.severity) {
+    for (const calendar::Note& note : read.reading.notes) {
+        switch (note.severity()) {
             case calendar::Severity::Note:
-                context.note({}, 0, note.text);
+                context.note({}, 0, note.text());
                 break;
             case calendar::Severity::Warning:
-                context.warning({}, 0, note.text);
+                context.warning({}, 0, note.text());
                 break;
             case calendar::Severity::Error:
-                context.error(note.text);
+                context.error(note.text());
                 break;
         }
     }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/Command.h"
-#include "calendar/base/Diagnostic.h"
+#include "calendar/base/Notes.h"
 
 namespace qel::cli {
 
@@ -15,23 +15,23 @@ class ConvertMessages {
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
     // False when the message is one that is not shown: a note, or one of too many.
-    bool show(const calendar::Diagnostic& message) {
+    bool show(const calendar::Note& message) {
         using calendar::Severity;
-        if (message.severity == Severity::Error) context_.setBadInput();
-        if (message.severity == Severity::Note && !verbose_) return false;
+        if (message.severity() == Severity::Error) context_.setBadInput();
+        if (message.severity() == Severity::Note && !verbose_) return false;
         if (!verbose_ && ++shown_ > kMost) {
             ++hidden_;
             return false;
         }
-        switch (message.severity) {
+        switch (message.severity()) {
             case Severity::Error:
-                context_.error(message.file, message.line, message.text);
+                context_.error(message.file, message.line, message.text());
                 break;
             case Severity::Warning:
-                context_.warning(message.file, message.line, message.text);
+                context_.warning(message.file, message.line, message.text());
                 break;
             case Severity::Note:
-                context_.note(message.file, message.line, message.text);
+                context_.note(message.file, message.line, message.text());
                 break;
         }
         return true;

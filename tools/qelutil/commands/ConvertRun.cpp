@@ -87,8 +87,8 @@ class ConvertRun : private calendar::EntryObserver {
     }
 
   private:
-    [[nodiscard]] calendar::DiagnosticSink sink() {
-        return [this](const calendar::Diagnostic& message) {
+    [[nodiscard]] calendar::NoteSink sink() {
+        return [this](const calendar::Note& message) {
             tally_.hear(message, messages_.show(message));
             if (feed_) feed_->hear(message);
         };

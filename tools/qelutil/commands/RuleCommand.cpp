@@ -83,14 +83,14 @@ Explained explain(const Rule& rule, const calendar::RuleStart& start, std::size_
     explained.ical = calendar::iCalendarText(rule);
     explained.v10 = calendar::vCalendarTexts(rule, start);
     explained.positional = calendar::positionalTexts(rule);
-    std::vector<calendar::RuleNote> notes;
+    std::vector<calendar::Note> notes;
     for (const calendar::RulePiece& piece : calendar::rulePieces(rule, &notes))
         explained.repeats.push_back(repeatOf(piece, start));
     const auto warn = [&](const std::string& text) {
         auto& all = explained.warnings;
         if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
     };
-    for (const calendar::RuleNote& note : notes) warn(note.text);
+    for (const calendar::Note& note : notes) warn(note.text());
     for (const Repeat& repeat : explained.repeats)
         for (const std::string& warning : repeat.warnings) warn(warning);
     calendar::RuleLimits limits;
@@ -208,7 +208,7 @@ void run(Context& context, const Options& options) {
                       {"notes", Json::array()},
                       {"rules", Json::array()}};
         for (const auto& note : read.reading.notes)
-            document["notes"].push_back(jsonText(note.text));
+            document["notes"].push_back(jsonText(note.text()));
         for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
         writeJson(context.out, document);
     } else if (!options.to.empty()) {
