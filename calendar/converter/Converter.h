@@ -11,11 +11,10 @@
 #include <string>
 
 #include "calendar/base/Notes.h"
+#include "calendar/converter/ConversionObserver.h"
 #include "calendar/lines/LineReader.h"
 
 namespace qel::calendar {
-
-enum class CalendarFormat { ICalendar, VCalendar10 };
 
 class EntryWriter;
 
