@@ -21,7 +21,7 @@ TEST_F(CharsetCommandTest, WhatCannotBeConvertedIsNamedByItsLine) {
     EXPECT_TRUE(contains(decoded.err, "in.txt:1: byte 2, \"\\x81\": is not 936"));
     EXPECT_TRUE(contains(decoded.err, "in.txt:2: byte 1, "));
 
-    // Many faults are calendar::counted, not all told.
+    // Many faults are counted, not all told.
     std::string broken;
     for (int i = 0; i < 5000; ++i) broken += "\x81\n";
     const ProcessResult many = runWithInput({"charset", "--from", "936"}, broken);

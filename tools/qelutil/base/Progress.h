@@ -16,7 +16,7 @@ namespace qel::cli {
 
 class Progress {
   public:
-    // `total` in whatever unit the work is calendar::counted; 0 when it is not known, then only
+    // `total` in whatever unit the work is counted; 0 when it is not known, then only
     // what is done is shown.
     Progress(Context& context, std::string_view label, std::uint64_t total);
     // Wipes the bar.

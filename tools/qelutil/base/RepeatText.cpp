@@ -22,7 +22,7 @@ constexpr Warning kWarnings[] = {
     {BXREPEAT_SEVERAL_MONTH_DAYS,
      "the rule names several days of the month; the record keeps one of them"},
     {BXREPEAT_SEVERAL_NEGATIVE_DAYS,
-     "the rule names several days calendar::counted from the month's end; the record keeps none of "
+     "the rule names several days counted from the month's end; the record keeps none of "
      "them"},
     {BXREPEAT_SEVERAL_MONTHS, "the rule names several months; the record keeps the first"},
     {BXREPEAT_POSITION_BEFORE_LAST,
@@ -37,7 +37,7 @@ std::string problemOf(int code) {
     switch (code) {
         case QEL_RULE_INEXPRESSIBLE:
             return "a repeat record cannot hold this rule: it names no weekday where the record "
-                   "needs one, or several days calendar::counted from the month's end alone";
+                   "needs one, or several days counted from the month's end alone";
         case QEL_RULE_UNSUPPORTED:
             return "a repeat record cannot hold week numbers";
         case QEL_REPEAT_ENGINE:

@@ -1,4 +1,4 @@
-// qelutil decode: the way back from Base64, quoted-calendar::printable and the enciphered code.
+// qelutil decode: the way back from Base64, quoted-printable and the enciphered code.
 #include <cstring>
 #include <memory>
 #include <vector>
@@ -105,7 +105,7 @@ void decodeBase64(Context& context, InputFile& input, std::ostream& out) {
     reader.finish();
 }
 
-// Where a quoted-calendar::printable text may be cut: after a line end, or after a character that
+// Where a quoted-printable text may be cut: after a line end, or after a character that
 // belongs to no escape, no soft break and no white space that a line end would make disappear.
 std::size_t quotedCut(std::string_view text) {
     for (std::size_t at = text.size(); at > 2; --at) {
@@ -204,8 +204,8 @@ void run(Context& context, const Options& options) {
 
 void addDecodeCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(
-        "decode", "The way back from Base64, quoted-calendar::printable, enciphered code");
+    CLI::App* command =
+        app.add_subcommand("decode", "The way back from Base64, quoted-printable, enciphered code");
     command->add_option("CODE", options->kind, "base64, qp or cipher")
         ->required()
         ->type_name("")

@@ -1,4 +1,4 @@
-// qelutil encode: a text as Base64, quoted-calendar::printable, digest or enciphered code.
+// qelutil encode: a text as Base64, quoted-printable, digest or enciphered code.
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -200,7 +200,7 @@ void run(Context& context, const Options& options) {
 void addEncodeCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "encode", "A text as Base64, quoted-calendar::printable, MD5 digest or enciphered code");
+        "encode", "A text as Base64, quoted-printable, MD5 digest or enciphered code");
     command->add_option("CODE", options->kind, "base64, qp, md5 or cipher")
         ->required()
         ->type_name("")
@@ -219,7 +219,7 @@ void addEncodeCommand(CLI::App& app, Context& context) {
     command->footer(
         "The digest and the enciphered code are of texts; the code is 16 hexadecimal digits for\n"
         "every 8 bytes. The text of a file is taken with its last line end. "
-        "Quoted-calendar::printable "
+        "Quoted-printable "
         "takes\n"
         "a text body, whose lines end in CR LF afterwards, unless --value is given.\n"
         "Examples:\n"
