@@ -10,11 +10,12 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Comparison.h"
 #include "QelUtility/BxTrace.h"
-#include "trace/TraceState.h"
+#include "trace/TraceSystem.h"
 
 namespace qel::bench {
 
@@ -49,8 +50,8 @@ const Folder& folder() {
     return made;
 }
 
-// The trace with KeepLogFileOpen at `keepOpen`, as a process has it that starts now. The options
-// are settled once in a process, so a change of mode starts the facility anew.
+// Makes the trace one that has just started with KeepLogFileOpen at `keepOpen`, and closes the log
+// of the one before.
 void useMode(int keepOpen) {
     static int current = -1;
     if (current == keepOpen) return;
@@ -62,7 +63,9 @@ void useMode(int keepOpen) {
                            << "\nMaxFileSize=100000000\nTracingOptions=1\n";
     ::setenv("BX_OPTIONS_FILE_PATH", options.c_str(), 1);
     ::setenv("BX_ERR_LOG_FILE_PATH", log.c_str(), 1);
-    trace::resetForTest();
+    // Never destroyed, because it stays installed.
+    static auto& system = *new std::optional<trace::TraceSystem>;
+    trace::installTraceSystem(&system.emplace());
     BxTrace_GetTracingOptions();
 }
 
@@ -75,8 +78,7 @@ bool linesArrive(int keepOpen) {
     useMode(keepOpen);
     if (BxTrace_Tracef("%s", kMessage) != 0) return false;
     const std::string log = BxTrace_GetLogFilePath();
-    trace::resetForTest();  // closes the log
-    useMode(-2);
+    useMode(-2);  // closes the log
     return contentOf(log).find(std::string(": ") + kMessage + "\n") != std::string::npos;
 }
 

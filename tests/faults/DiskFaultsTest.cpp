@@ -15,9 +15,7 @@
 #include "QelUtility/BxTrace.h"
 #include "support/TempDir.h"
 #include "trace/BxFileUtilInternal.h"
-#include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
-#include "trace/TraceState.h"
 
 namespace {
 
@@ -113,7 +111,7 @@ TEST(DiskFaults, AFullDiskLosesWhatItRefusesAndNothingElse) {
         const FreshTrace trace(
             keptOpen ? std::vector<std::string>{"SeparateLogForEachProcess=1", "KeepLogFileOpen=2"}
                      : std::vector<std::string>{});
-        BxTrace_LoadSettings();
+        BxTrace_GetTracingOptions();
         std::vector<bool> accepted;
         {
             const FullDisk disk(20000);
@@ -135,7 +133,7 @@ TEST(DiskFaults, AFullDiskLosesWhatItRefusesAndNothingElse) {
 
 TEST(DiskFaults, AFullDiskLeavesSettingsAsTheyWere) {
     const FreshTrace trace({"VTraceVerbosity=3", "Own=" + std::string(3000, 'x')});
-    BxTrace_LoadSettings();
+    BxTrace_GetTracingOptions();
     const std::string before = trace.text("BxOptions.opt");
     const std::vector<std::string> files = trace.files();
     {
@@ -212,7 +210,7 @@ TEST(DiskFaults, FilesThatVanishAreMadeAnew) {
     FreshTrace::setTicks(100000);
     EXPECT_EQ(traceMessages(1, 1), std::vector<bool>{true});
     expectAccepted(trace, 1, {true});
-    EXPECT_EQ(qel::trace::settings().verbosity, 4);
+    EXPECT_EQ(trace.settings().verbosity, 4);
     EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=4"), std::string::npos);
     // The whole folder, as when a drive is taken out and put back.
     const fs::path folder = fs::path(trace.file("x")).parent_path();
@@ -230,13 +228,13 @@ TEST(DiskFaults, FilesThatVanishAreMadeAnew) {
 TEST(DiskFaults, OptionsThatAreReplacedHoldFromTheNextLoadOn) {
     const FreshTrace trace({"VTraceVerbosity=4"});
     FreshTrace::setTicks(1000);
-    BxTrace_LoadSettings();
+    BxTrace_GetTracingOptions();
     const auto replacedBy = [&trace](const std::string& content, std::uint32_t ticks) {
         writeFile(trace.file("new"), content);
         fs::rename(trace.file("new"), trace.file("BxOptions.opt"));
         FreshTrace::setTicks(ticks);
         EXPECT_EQ(BxTrace_Trace00("text"), 0);
-        return qel::trace::settings().verbosity.load();
+        return trace.settings().verbosity.load();
     };
     EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=5\nOwn=1\n", 2000), 4);
     EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=6\nOwn=2\n", 100000), 6);
@@ -252,7 +250,7 @@ TEST(DiskFaults, OptionsThatAreReplacedHoldFromTheNextLoadOn) {
     fs::create_symlink(trace.file("real.opt"), trace.file("BxOptions.opt"));
     FreshTrace::setTicks(400000);
     EXPECT_EQ(BxTrace_Trace00("text"), 0);
-    EXPECT_EQ(qel::trace::settings().verbosity, 8);
+    EXPECT_EQ(trace.settings().verbosity, 8);
     EXPECT_TRUE(fs::is_symlink(trace.file("BxOptions.opt")));
 }
 

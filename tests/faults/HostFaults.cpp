@@ -16,8 +16,7 @@
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
 #include "trace/BxFileUtilInternal.h"
-#include "trace/BxTraceInternal.h"
-#include "trace/TraceState.h"
+#include "trace/TraceSystem.h"
 
 namespace qel::test {
 
@@ -25,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One folder for all attempts: paths that the trace has known are kept for the process's life.
+// One folder for all attempts.
 TempDir& folder() {
     static TempDir dir;
     return dir;
@@ -41,8 +40,14 @@ constexpr char kFilledIn[] =
     "LogManagerLevel=0\nLogManagerDetail=0\nRetroactiveTracingBufferSize=0\n"
     "SeparateLogForEachProcess=0\nKeepLogFileOpen=0\n";
 
-// The trace as it is when a process starts, its folder empty but for the options; the first option
-// of a name counts.
+std::uint32_t laterBy = 0;  // milliseconds by which the traces' clock is ahead of the system's
+
+std::uint32_t ticks() {
+    return platform::tickCount() + laterBy;
+}
+
+// A trace as it is when a process starts, its folder empty but for the options; the first option
+// of a name counts. It is in use until it is destroyed, which closes its log.
 class StartedTrace {
   public:
     explicit StartedTrace(const std::string& options, const char* more = kFilledIn) {
@@ -50,17 +55,20 @@ class StartedTrace {
         setEnvironment("BX_ERR_LOG_FILE_PATH", folder().file("trace.log"));
         setEnvironment("BX_OPTIONS_FILE_PATH", "");
         writeFile(folder().file("BxOptions.opt"), "[LogSettings]\n" + options + more);
-        trace::resetForTest();
+        trace::installTraceSystem(&system_);
         BxHost_SetProfileDirectorySource(&profileDirectory);
     }
     ~StartedTrace() {
+        trace::installTraceSystem(nullptr);
         BxHost_SetProfileDirectorySource(nullptr);
         setEnvironment("BX_ERR_LOG_FILE_PATH", traceLogPath());
         setEnvironment("BX_OPTIONS_FILE_PATH", (fs::path(traceDirectory()) / "trace.opt").string());
-        trace::resetForTest();
     }
     StartedTrace(const StartedTrace&) = delete;
     StartedTrace& operator=(const StartedTrace&) = delete;
+
+  private:
+    trace::TraceSystem system_{&ticks};
 };
 
 // The lines of a file in the folder, without prefixes, that hold `word`; a line is whole when it
@@ -89,11 +97,6 @@ void expectNoStrangers() {
     }
 }
 
-// How often the main log has a message with the word.
-std::size_t times(const std::string& word) {
-    return linesWith(word, fs::path(BxTrace_GetLogFilePath()).filename().string()).size();
-}
-
 // A started trace. The call logs the word "during", with the result 0 when that was accepted;
 // "before" is logged ahead of it and "after" behind.
 struct Traced {
@@ -104,8 +107,10 @@ struct Traced {
     Outcome left(const Attempt&) {
         BxTrace_Trace00("after!");
         BxTrace_FlushRetroBuffers();
-        BxTrace_FlushLog();
+        const std::string mainLog = fs::path(BxTrace_GetLogFilePath()).filename().string();
+        started.reset();
         expectNoStrangers();
+        const auto times = [&](const std::string& word) { return linesWith(word, mainLog).size(); };
         const std::size_t written =
             logName == nullptr ? times("during") : linesWith("during", logName).size();
         return seen(together(result == 0, written), "before " + std::to_string(times("before")),
@@ -176,10 +181,10 @@ const Operation kTraces[] = {
      [](Attempt& attempt) {
          // The first SyncML message puts the log's saved name back.
          const StartedTrace started("TracingOptions=7\n");
-         attempt.armed([] { BxTrace_LoadSettings(); });
-         BxTrace_LoadSettings();
-         // An option that could not be read is read within a minute.
-         trace::settings().tracingOptions = 7;
+         attempt.armed([] { BxTrace_GetTracingOptions(); });
+         BxTrace_GetTracingOptions();
+         // An option that could not be read is read after a minute.
+         laterBy += 60000;
          BxTrace_OTrace_TS(BXTRACE_SYNCML_INPUT, "document!");
          BxTrace_Trace00("after!");
          return seen(linesWith("document", "SyncML_Input.log").size(), linesWith("after").size());
@@ -193,7 +198,7 @@ const Operation kTraces[] = {
          attempt.armed([&] { BxTrace_Tracef("%s", text.c_str()); });
          BxTrace_Trace00("after!");
          const std::string log = readFile(folder().file("trace.log"));
-         return seen(std::count(log.begin(), log.end(), 'x'), "after", times("after"));
+         return seen(std::count(log.begin(), log.end(), 'x'), "after", linesWith("after").size());
      }},
     {"Errors",
      {},
@@ -216,7 +221,7 @@ const Operation kTraces[] = {
      {"1", "A=12\nB=34\nC=ff\n"},
      [](Attempt& attempt) {
          const StartedTrace started("A=12\nB=34\nC=ff\n");
-         BxTrace_LoadSettings();
+         BxTrace_GetTracingOptions();
          int a = 1;
          int c = 1;
          int added = 5;

@@ -14,9 +14,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "support/TempDir.h"
-#include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
-#include "trace/TraceState.h"
 
 namespace {
 
@@ -72,7 +70,7 @@ Ended runUntil(int stop, const std::function<void(int pipe)>& work, std::string&
     for (ssize_t count = 0; (count = read(ends[0], block, sizeof block)) > 0;)
         told.append(block, static_cast<std::size_t>(count));
     close(ends[0]);
-    if (ended == Ended::kItself) EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(ended != Ended::kItself || (WIFEXITED(status) && WEXITSTATUS(status) == 0));
     return ended;
 }
 
@@ -122,7 +120,7 @@ TEST(Interrupted, ARotationLosesTheOldestBackupAlone) {
                 stop, [](int) { BxTrace_MusicalBackups(nullptr, 3); }, told);
             if (ended == Ended::kUntraceable) return ended;
             for (const char* text : {"live!", "bk0!", "bk1!"}) EXPECT_EQ(linesOf(trace, text), 1);
-            if (ended == Ended::kItself) EXPECT_EQ(linesOf(trace, "bk2!"), 0);
+            EXPECT_LE(linesOf(trace, "bk2!"), ended == Ended::kItself ? 0 : 1);
             // Nobody has to wait for the dead, and what it left half done is no obstacle.
             EXPECT_EQ(BxTrace_Trace00("after!"), 0);
             EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), 0);
@@ -132,23 +130,19 @@ TEST(Interrupted, ARotationLosesTheOldestBackupAlone) {
         });
 }
 
-// Messages of a child that rotates by size on the way; each one that it was told is written it
-// tells on.
-void messagesInterrupted(const Options& options) {
+// Messages of a child that rotates by size on the way; it tells which of them were accepted. The
+// parent writes `before` messages first: an ordinary log's size is examined at the 501st.
+void messagesInterrupted(const Options& options, int before) {
     killEverywhere(
         50,
-        [&options](int stop) {
+        [&options, before](int stop) {
             const FreshTrace trace(filledIn(options));
-            BxTrace_LoadSettings();
+            BxTrace_GetTracingOptions();
+            for (int i = 0; i < before; ++i) BxTrace_Trace00("before!");
             std::string told;
             const Ended ended = runUntil(
                 stop,
                 [](int pipe) {
-                    // The ordinary log's size is looked at every 501 opens.
-                    {
-                        const qel::trace::WriterLock lock;
-                        qel::trace::writer().opensSinceSizeCheck = 499;
-                    }
                     for (int i = 0; i < 4; ++i) {
                         const std::string text =
                             "message " + std::to_string(i) + std::string(60, 'p') + "!";
@@ -172,12 +166,13 @@ void messagesInterrupted(const Options& options) {
 }
 
 TEST(Interrupted, MessagesThatWereAcceptedStayInTheLog) {
-    messagesInterrupted({"MaxFileSize=150", "MaxBackupCount=9"});
+    messagesInterrupted({"MaxFileSize=150", "MaxBackupCount=9"}, 499);
 }
 
 TEST(Interrupted, MessagesOfALogThatIsKeptOpenAndFlushedStayToo) {
-    messagesInterrupted({"MaxFileSize=150", "MaxBackupCount=9", "SeparateLogForEachProcess=1",
-                         "KeepLogFileOpen=2"});
+    messagesInterrupted(
+        {"MaxFileSize=150", "MaxBackupCount=9", "SeparateLogForEachProcess=1", "KeepLogFileOpen=2"},
+        0);
 }
 
 TEST(Interrupted, OptionsAreTheOldOrTheNewOnes) {
@@ -185,7 +180,7 @@ TEST(Interrupted, OptionsAreTheOldOrTheNewOnes) {
         10,
         [](int stop) {
             const FreshTrace trace(filledIn({"VTraceVerbosity=3", "Own=text"}));
-            BxTrace_LoadSettings();
+            BxTrace_GetTracingOptions();
             const std::string before = trace.text("BxOptions.opt");
             std::string after = before;
             after.replace(after.find("VTraceVerbosity=3"), 17, "VTraceVerbosity=9");

@@ -15,12 +15,10 @@
 #include <thread>
 #include <vector>
 
+#include "QelUtility/BxTrace.h"
 #include "platform/Platform.h"
 #include "support/Process.h"
-#include "support/TraceCapture.h"
-#include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
-#include "trace/TraceState.h"
 
 namespace {
 
@@ -134,7 +132,7 @@ TEST(BxTraceProcesses, KeepLogsOfTheirOwnOpen) {
 // Every entry point at once, with the settings read again all the time: no race, no deadlock.
 TEST(BxTraceThreads, UseEverythingAtOnce) {
     const FreshTrace trace({"TracingOptions=7", "MaxFileSize=4000", "VTraceVerbosity=1"});
-    BxTrace_LoadSettings();
+    BxTrace_GetTracingOptions();
     std::atomic<std::uint32_t> now{0};
     std::atomic<int> accepted{0};
     const auto work = [&now, &accepted](int thread) {
@@ -155,14 +153,7 @@ TEST(BxTraceThreads, UseEverythingAtOnce) {
                     BxTrace_BackupLogFile();
                     BxTrace_FlushRetroBuffers();
                     break;
-                case 2: {
-                    BxTrace_SetErrorID(i % 2 == 0 ? "even" : nullptr);
-                    char id[65];
-                    BxTrace_GetErrorID(id, sizeof id);
-                    break;
-                }
                 default:
-                    BxTrace_FlushLog();
                     BxTrace_WriteHex(1, reinterpret_cast<const unsigned char*>("bytes"), 5);
             }
         }
@@ -174,12 +165,12 @@ TEST(BxTraceThreads, UseEverythingAtOnce) {
 }
 
 TEST(BxTraceThreads, AMessageThatCannotGetTheMutexInTimeIsDropped) {
-    const FreshTrace trace;
+    FreshTrace trace;
     BxTrace_Trace00("before");
     std::atomic<bool> held{false};
     std::atomic<bool> done{false};
-    std::thread holder([&held, &done] {
-        const qel::trace::WriterLock lock;
+    std::thread holder([&trace, &held, &done] {
+        const qel::trace::MessageLog::Lock lock(trace.system().log());
         held = true;
         while (!done) qel::platform::sleepMilliseconds(1);
     });
@@ -199,16 +190,15 @@ TEST(BxTraceThreads, AMessageThatCannotGetTheMutexInTimeIsDropped) {
 // Where the system gives a mutex back whose thread has ended, the next message is written in full.
 TEST(BxTraceThreads, AThreadThatEndsInsideItsMessageBlocksNoOther) {
     if (qel::platform::kPathSeparator != '\\') GTEST_SKIP() << "such a mutex stays locked";
-    const FreshTrace trace({"TracingOptions=3"});
+    FreshTrace trace;
     BxTrace_Trace00("before");
-    std::thread([] {
-        static const auto* neverReleased = new qel::trace::WriterLock;
+    qel::trace::MessageLog& log = trace.system().log();
+    std::thread([&log] {
+        static const auto* neverReleased = new qel::trace::MessageLog::Lock(log);
         ASSERT_TRUE(*neverReleased);
-        qel::trace::writer().redirectedTo = qel::trace::path(qel::trace::Path::kSyncInput);
-        qel::trace::writer().flushing = true;
     }).join();
     EXPECT_EQ(BxTrace_Trace00("two\nlines"), 0);
-    EXPECT_FALSE(qel::trace::WriterLock::heldHere());
+    EXPECT_FALSE(log.heldHere());
     EXPECT_EQ(trace.messages(), (std::vector<std::string>{"before", "two", "lines"}));
 }
 
@@ -216,11 +206,9 @@ TEST(BxTraceThreads, AThreadThatEndsInsideItsMessageBlocksNoOther) {
 // that cannot harm the other's line, else the message is dropped.
 TEST(BxTraceThreads, ALockedLogIsNotRotated) {
     const FreshTrace trace({"MaxFileSize=1"});
-    BxTrace_Trace00("before");
-    {
-        const qel::trace::WriterLock lock;
-        qel::trace::writer().opensSinceSizeCheck = 500;
-    }
+    // The size is examined from the 501st message on.
+    std::vector<std::string> expected(500, "before");
+    for (const std::string& text : expected) BxTrace_Trace00(text.c_str());
     std::atomic<bool> held{false};
     std::atomic<bool> done{false};
     std::thread holder([&trace, &held, &done] {
@@ -231,9 +219,8 @@ TEST(BxTraceThreads, ALockedLogIsNotRotated) {
         while (!done) qel::platform::sleepMilliseconds(1);
     });
     while (!held) qel::platform::sleepMilliseconds(1);
-    std::vector<std::string> expected{"before"};
     if (qel::platform::appendsAreAtomic()) expected.emplace_back("appended");
-    EXPECT_EQ(BxTrace_Trace00("appended"), expected.size() == 2 ? 0 : -1);
+    EXPECT_EQ(BxTrace_Trace00("appended"), expected.size() == 501 ? 0 : -1);
     EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 3), -1);
     EXPECT_EQ(trace.messages(), expected);
     done = true;

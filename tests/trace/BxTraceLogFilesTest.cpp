@@ -4,11 +4,10 @@
 #include <filesystem>
 #include <string>
 
+#include "QelUtility/BxTrace.h"
 #include "platform/Platform.h"
 #include "support/Contains.h"
-#include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
-#include "trace/TraceState.h"
 
 namespace {
 
@@ -47,7 +46,7 @@ TEST(BxTraceBackups, MoveUpByOneAndReplaceTheExtension) {
     EXPECT_EQ(BxTrace_MusicalBackups(trace.file("b.log").c_str(), -5), 0) << "nothing to do";
 }
 
-TEST(BxTraceBackups, AreCappedAtSixteen) {
+TEST(BxTraceBackups, AreCappedAtSixteenAndNeedAnExtension) {
     const FreshTrace trace;
     writeFile(trace.file("c.x.log"), "live");
     writeFile(trace.file("c.x.bke"), "e");
@@ -55,10 +54,6 @@ TEST(BxTraceBackups, AreCappedAtSixteen) {
     writeFile(trace.file("c.x.bk10"), "untouched");
     EXPECT_EQ(BxTrace_MusicalBackups(trace.file("c.x.log").c_str(), 20), 0);
     EXPECT_EQ(family(trace, "c."), "c.x.bk0=live c.x.bk10=untouched c.x.bkf=e");
-}
-
-TEST(BxTraceBackups, TouchNothingWithoutAnExtension) {
-    const FreshTrace trace;
     fs::create_directory(trace.file("dotted.dir"));
     const std::string plain = trace.file("dotted.dir") + qel::platform::kPathSeparator + "plain";
     writeFile(plain, "kept");
@@ -88,21 +83,21 @@ TEST(BxTraceBackups, AFailedRenameDeletesTheLiveFileAndNoOtherLog) {
 }
 
 TEST(BxTraceBackups, BackupAndDeleteFollowTheOptions) {
-    const FreshTrace trace({"MaxBackupCount=0", "KeepLogFiles=1"});
-    EXPECT_EQ(BxTrace_BackupLogFile(), 0) << "there is no log yet";
-    writeFile(trace.file("trace.log"), std::string(30, 'x'));
-    EXPECT_EQ(BxTrace_ErrorLogDelete(), 0);
-    EXPECT_TRUE(fs::exists(trace.file("trace.log"))) << "logs are kept";
-    qel::trace::settings().keepLogFiles = 0;
-    EXPECT_EQ(BxTrace_ErrorLogDelete(), 0);
-    EXPECT_EQ(family(trace, "trace."), "") << "deleted outright";
-    // The size limit keeps one backup even so.
-    writeFile(trace.file("trace.log"), std::string(30, 'x'));
-    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("trace.log").c_str()), -1);
-    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("missing.log").c_str()), 0);
-    qel::trace::settings().maxFileSize = 30;
-    EXPECT_EQ(BxTrace_CheckLogSize(trace.file("trace.log").c_str()), 0);
-    EXPECT_EQ(family(trace, "trace."), "trace.bk0=" + std::string(30, 'x'));
+    for (const char* keepLogFiles : {"KeepLogFiles=1", "KeepLogFiles=0"}) {
+        FreshTrace trace({"MaxBackupCount=0", "MaxFileSize=30", keepLogFiles});
+        EXPECT_EQ(BxTrace_BackupLogFile(), 0) << "there is no log yet";
+        writeFile(trace.file("trace.log"), std::string(30, 'x'));
+        EXPECT_EQ(BxTrace_ErrorLogDelete(), 0);
+        EXPECT_EQ(fs::exists(trace.file("trace.log")), trace.settings().keepLogFiles == 1);
+        EXPECT_FALSE(fs::exists(trace.file("trace.bk0"))) << "deleted outright";
+        // The size limit keeps one backup even so.
+        qel::trace::MessageLog& log = trace.system().log();
+        writeFile(trace.file("trace.log"), std::string(29, 'x'));
+        EXPECT_EQ(log.limitSize(trace.file("trace.log").c_str()), -1);
+        writeFile(trace.file("trace.log"), std::string(30, 'x'));
+        EXPECT_EQ(log.limitSize(trace.file("trace.log").c_str()), 0);
+        EXPECT_EQ(family(trace, "trace."), "trace.bk0=" + std::string(30, 'x'));
+    }
 }
 
 TEST(BxTraceLog, SizeIsLookedAtEvery501Opens) {
@@ -116,28 +111,24 @@ TEST(BxTraceLog, SizeIsLookedAtEvery501Opens) {
     EXPECT_EQ(trace.messages().size(), 2U);
 }
 
-TEST(BxTraceLog, BannerStandsAtTheHeadAndOncePerProcess) {
+TEST(BxTraceLog, BannerIsWrittenToNewLogsAndOncePerProcess) {
     const FreshTrace trace({"TracingOptions=1f"});
-    writeFile(trace.file("trace.log"), "from another process, long ago\n");
-    BxTrace_Trace00("one");
-    BxTrace_Trace00("two");
-    const std::string text = trace.text();
-    EXPECT_EQ(text.find("]"), text.find("] ")) << text;
-    const std::size_t banner = text.find(":  -- Halverd Log File, TracingOptions=1f --\n[");
-    ASSERT_NE(banner, std::string::npos);
-    EXPECT_EQ(text.find("Halverd", banner + 20), std::string::npos);
-    // A log of under 20 bytes gets one again.
-    writeFile(trace.file("trace.log"), std::string(18, '-') + "\n");
-    BxTrace_Trace00("three");
-    EXPECT_TRUE(contains(trace.text(), "Halverd"));
-    writeFile(trace.file("trace.log"), std::string(20, '-') + "\n");
-    BxTrace_Trace00("four");
-    EXPECT_FALSE(contains(trace.text(), "Halverd"));
+    const std::string banner = " -- Halverd Log File, TracingOptions=1f --\n[";
+    for (const auto& [before, bannerDue] : {std::pair{std::string("by another process\n"), true},
+                                            {std::string(19, '-') + "\n", false},
+                                            {std::string(18, '-') + "\n", true}}) {
+        writeFile(trace.file("trace.log"), before);
+        BxTrace_Trace00("one");
+        BxTrace_Trace00("two");
+        const std::size_t at = trace.text().find(banner);
+        EXPECT_EQ(at != std::string::npos, bannerDue) << trace.text();
+        EXPECT_TRUE(!bannerDue || trace.text().find("Halverd", at + 10) == std::string::npos);
+    }
 }
 
 TEST(BxTraceLog, FailedOpensAreCountedAndReportedOnce) {
     const FreshTrace trace;
-    BxTrace_LoadSettings();
+    BxTrace_GetTracingOptions();
     fs::create_directory(trace.file("trace.log"));
     for (int i = 0; i < 3; ++i) EXPECT_EQ(BxTrace_Trace00("lost"), -1);
     EXPECT_EQ(BxTrace_Error("S", 1, 2, 3), 3) << "an error's code comes back all the same";
@@ -186,17 +177,15 @@ TEST(BxTraceKeptOpen, WritesItsOwnBannerAndRotatesByItsCount) {
     EXPECT_EQ(trace.messages(log).back(), "message 19 of a log that outgrows its limit");
 }
 
-TEST(BxTraceKeptOpen, BuffersUntilAskedToFlush) {
-    const FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=1"});
+TEST(BxTraceKeptOpen, BuffersUntilItIsClosed) {
+    FreshTrace trace({"SeparateLogForEachProcess=1", "KeepLogFileOpen=1"});
     const std::string log = ownLog();
     EXPECT_EQ(BxTrace_Trace00("in the buffer"), 0);
     EXPECT_EQ(trace.text(log), "");
-    BxTrace_FlushLog();
-    EXPECT_EQ(trace.messages(log), Lines{"in the buffer"});
     // A message longer than the buffer arrives whole.
     EXPECT_EQ(BxTrace_Trace00(std::string(90000, 'y').c_str()), 0);
-    BxTrace_FlushLog();
-    EXPECT_EQ(trace.messages(log).back().size(), 90000U);
+    trace.restart();
+    EXPECT_EQ(trace.messages(log), (Lines{"in the buffer", std::string(90000, 'y')}));
 }
 
 TEST(BxTraceKeptOpen, ALogThatIsTakenAwayIsOpenedAgain) {

@@ -7,7 +7,6 @@
 
 #include "support/Environment.h"
 #include "support/TraceCapture.h"
-#include "trace/TraceState.h"
 
 namespace qel::test {
 
@@ -17,8 +16,8 @@ std::atomic<bool> ticksSet{false};
 std::atomic<std::uint32_t> ticksNow{0};
 std::atomic<std::uint32_t> looks{0};
 
-// The system's clock stands still for some milliseconds, and options are read again while it does;
-// a test that sets an option itself must not be at its mercy.
+// The system's clock stands still for some milliseconds. Here each look is a new tick, so that what
+// happens once in a tick happens at each message.
 std::uint32_t testTicks() {
     return ticksSet ? ticksNow.load() : platform::tickCount() + ++looks;
 }
@@ -34,14 +33,19 @@ FreshTrace::FreshTrace(const std::vector<std::string>& options, const std::strin
         writeFile(file("BxOptions.opt"), content);
     }
     ticksSet = false;
-    trace::resetForTest(&testTicks);
+    restart();
 }
 
 FreshTrace::~FreshTrace() {
+    trace::installTraceSystem(nullptr);
     setEnvironment("BX_ERR_LOG_FILE_PATH", traceLogPath());
     setEnvironment("BX_OPTIONS_FILE_PATH",
                    (std::filesystem::path(traceDirectory()) / "trace.opt").string());
-    trace::resetForTest();
+}
+
+void FreshTrace::restart() {
+    system_.emplace(&testTicks);
+    trace::installTraceSystem(&*system_);
 }
 
 std::string FreshTrace::text(const std::string& name) const {

@@ -1,14 +1,16 @@
-// The trace as it is at the start of a process: a folder of its own, options of the test's
-// choosing, nothing loaded yet. The program's usual log comes back with the destructor. One at a
-// time, with no other thread tracing while it comes and goes.
+// A trace as it is at the start of a process: a folder of its own, options of the test's choosing,
+// nothing loaded yet. It is installed in the place of the program's own until it is destroyed. One
+// at a time, with no other thread tracing while it is made, restarted or destroyed.
 #ifndef QEL_TESTS_TRACE_FRESHTRACE_H
 #define QEL_TESTS_TRACE_FRESHTRACE_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "support/TempDir.h"
+#include "trace/TraceSystem.h"
 
 namespace qel::test {
 
@@ -30,11 +32,18 @@ class FreshTrace {
     // The names of the files in the folder, sorted.
     [[nodiscard]] std::vector<std::string> files() const;
 
-    // From now on the settings load sees this time; the first call also makes it the time source.
+    // Ends the trace, which closes the log, and starts another in the same folder.
+    void restart();
+
+    [[nodiscard]] trace::TraceSystem& system() { return *system_; }
+    [[nodiscard]] const trace::Settings& settings() const { return system_->settings(); }
+
+    // Stops the clock of this and later traces at this time, until another FreshTrace is made.
     static void setTicks(std::uint32_t milliseconds);
 
   private:
     TempDir dir_;
+    std::optional<trace::TraceSystem> system_;
 };
 
 }  // namespace qel::test
