@@ -129,7 +129,6 @@ TEST(BxTraceConfig, OptionsAreReadAgainAfterAMinuteAndWhenTheClockWraps) {
     EXPECT_EQ(verbosityAt(5, 7), 7) << "wrapped";
     EXPECT_EQ(trace.settings().separateLogs, 0);
     EXPECT_EQ(trace.settings().effectiveBackupCount, 3);
-    EXPECT_EQ(trace.settings().maxBackupCount, 9);
 }
 
 TEST(BxTraceConfig, EachProcessCanHaveItsLogWhileTheOthersStayShared) {
