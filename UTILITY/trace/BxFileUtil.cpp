@@ -9,34 +9,32 @@
 #include "QelUtility/BxHost.h"
 #include "QelUtility/BxTrace.h"
 #include "platform/Platform.h"
+#include "trace/BxFileUtilInternal.h"
 
 namespace {
 
 namespace platform = qel::platform;
 
 constexpr char kSourceName[] = "BxFileUtil";
+constexpr int kNullBuffer = 15133;
 constexpr std::size_t kPathRoom = 260;
 constexpr std::size_t kModelRoom = 128;
 constexpr char kSeparatorLine[] =
     "\n- - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - -\n";
 static_assert(sizeof kSeparatorLine == 1 + 40 * 2 - 1 + 1 + 1);
 
-// The name of the user log's folder: the phone model's identifier, or "NVDATA" when the host has
-// none, made safe as a file name.
-VStr userLogFolderName() {
-    char model[kModelRoom];
-    return CleanseFilename(GetCurrentModelID(model, sizeof model) ? model : "NVDATA");
-}
-
 // The folder that the user log is in when the host has no profile directory. The program's own file
-// name stays in it, so the folder would be below a file, and in practice the entry is lost.
+// name stays in it, so the folder lies below a file and in practice the entry is lost.
 std::string fallbackFolder() {
     char program[kPathRoom];
     if (!platform::processPath(program, sizeof program)) program[0] = '\0';
     std::string folder = program;
     if (folder.empty() || !platform::isPathSeparator(folder.back()))
         folder += platform::kPathSeparator;
-    return folder + static_cast<const char*>(userLogFolderName());
+    char model[kModelRoom];
+    unsigned long size = sizeof model;
+    BxUtil_GetUserLogFolderName(model, size);
+    return folder + model;
 }
 
 void appendToUserLog(const char* message) {
@@ -57,15 +55,6 @@ void appendToUserLog(const char* message) {
     if (log == nullptr) return;
     std::fwrite(entry.data(), 1, entry.size(), log);
     std::fclose(log);
-}
-
-// The stream's length, with its position kept; ULONG_MAX, with errno set, when it has none.
-unsigned long lengthOf(std::FILE* stream) {
-    std::fpos_t position;
-    if (std::fgetpos(stream, &position) != 0) return ULONG_MAX;
-    const long length = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : -1;
-    const bool restored = std::fsetpos(stream, &position) == 0;
-    return length >= 0 && restored ? static_cast<unsigned long>(length) : ULONG_MAX;
 }
 
 }  // namespace
@@ -91,7 +80,7 @@ int QELUTILITY_CALL BxFile_LoadFile(const char* path, unsigned char** data, unsi
     if (path == nullptr || data == nullptr || size == nullptr) return QEL_NOT_INITIALIZED;
     std::FILE* stream = platform::openForRead(path);
     if (stream == nullptr) return QEL_CANNOT_OPEN;
-    const unsigned long length = lengthOf(stream);
+    const unsigned long length = BxFile_GetFileSize(stream);
     if (length == ULONG_MAX) {
         const int error = errno;
         std::fclose(stream);
@@ -114,4 +103,62 @@ int QELUTILITY_CALL BxFile_LoadFile(const char* path, unsigned char** data, unsi
     *data = block;
     *size = length;
     return QEL_OK;
+}
+
+int BxUtil_GetUserLogFolderName(char* buffer, unsigned long& size) {
+    if (buffer == nullptr) return kNullBuffer;
+    char model[kModelRoom];
+    const bool known = GetCurrentModelID(model, sizeof model);
+    const VStr name = CleanseFilename(known ? model : "NVDATA");
+    if (size > 0) std::snprintf(buffer, size, "%s", static_cast<const char*>(name));
+    return 0;
+}
+
+int BxFile_SaveFile(const char* path, const void* data, unsigned long size) {
+    errno = EINVAL;
+    std::FILE* stream = path != nullptr ? platform::openForWrite(path) : nullptr;
+    if (stream == nullptr) return BxTrace_Error(kSourceName, __LINE__, errno, QEL_CANNOT_OPEN);
+    errno = 0;
+    // What the stream still buffers counts as written only once the system has taken it.
+    const bool written =
+        size == 0 ||
+        (data != nullptr && std::fwrite(data, 1, size, stream) == size && std::fflush(stream) == 0);
+    if (!written) return BxTrace_Error(kSourceName, __LINE__, errno, QEL_SHORT_WRITE);
+    if (std::fclose(stream) != 0)
+        return BxTrace_Error(kSourceName, __LINE__, errno, QEL_SHORT_WRITE);
+    return QEL_OK;
+}
+
+int BxFile_DeleteFile(const char* path) {
+    errno = EINVAL;
+    if (path != nullptr && platform::removeFile(path) == 0) return QEL_OK;
+    return BxTrace_Error(kSourceName, __LINE__, errno, QEL_CANNOT_DELETE);
+}
+
+int BxFile_CopyFile(const char* from, const char* to, bool keepExisting) {
+    if (from == nullptr || to == nullptr) return QEL_FAILED;
+    const bool exists = platform::fileExists(to);
+    if (exists && keepExisting) return QEL_FAILED;
+    unsigned char* data = nullptr;
+    unsigned long size = 0;
+    if (BxFile_LoadFile(from, &data, &size) != QEL_OK) return QEL_FAILED;
+    const bool copied =
+        (!exists || platform::removeFile(to) == 0) && BxFile_SaveFile(to, data, size) == QEL_OK;
+    std::free(data);
+    return copied ? QEL_OK : QEL_FAILED;
+}
+
+unsigned long BxFile_GetFileSize(std::FILE* stream) {
+    if (stream == nullptr) return ULONG_MAX;
+    std::fpos_t position;
+    if (std::fgetpos(stream, &position) != 0) return ULONG_MAX;
+    const long length = std::fseek(stream, 0, SEEK_END) == 0 ? std::ftell(stream) : -1;
+    const bool restored = std::fsetpos(stream, &position) == 0;
+    return length >= 0 && restored ? static_cast<unsigned long>(length) : ULONG_MAX;
+}
+
+unsigned long BxFile_GetPathSize(const char* path) {
+    const std::int64_t size = path != nullptr ? platform::fileSize(path) : -1;
+    const bool fits = size >= 0 && static_cast<std::uint64_t>(size) < ULONG_MAX;
+    return fits ? static_cast<unsigned long>(size) : ULONG_MAX;
 }

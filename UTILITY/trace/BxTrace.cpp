@@ -9,6 +9,7 @@
 
 #include "QelUtility/BxHost.h"
 #include "platform/Platform.h"
+#include "trace/ErrorLine.h"
 #include "trace/Stamp.h"
 #include "trace/TraceSystem.h"
 
@@ -16,16 +17,12 @@ namespace {
 
 using qel::trace::kShowFailuresBit;
 using qel::trace::Path;
+using qel::trace::reportError;
+using qel::trace::shownText;
 using qel::trace::TraceSystem;
 
 constexpr std::size_t kFormatRoom = 100000;
 constexpr std::size_t kTrace1Room = 4096;
-// Two texts of 350 characters, a file name of 256, the stamp and the numbers.
-constexpr std::size_t kErrorRoom = 1280;
-
-const char* shown(const char* text) {
-    return text != nullptr ? text : "(null)";
-}
 
 void showFailure(const char* text) {
     if ((qel::trace::traceSystem().settings().tracingMask() & kShowFailuresBit) == 0) return;
@@ -39,25 +36,11 @@ int writeMessage(const char* text, long mask) {
     TraceSystem& trace = qel::trace::traceSystem();
     trace.options().load();
     const char* failure = nullptr;
-    const int result = trace.log().write(shown(text), static_cast<std::uint32_t>(mask), failure);
+    const int result = trace.log().write(text != nullptr ? text : "(null)",
+                                         static_cast<std::uint32_t>(mask), failure);
     // Shown without the mutex, so that a box that waits for its user holds up no other thread.
     if (failure != nullptr) showFailure(failure);
     return result;
-}
-
-// --- Errors -------------------------------------------------------------------------------------
-
-// Writes "<stamp>: Error <details>.<code> at <file> line <line>", with the retroactive traces
-// before it, and returns the code. `format` has the conversions of the details, each with a dot
-// after it.
-template <typename... Details>
-int reportError(const char* file, int line, int code, const char* format, Details... details) {
-    char text[kErrorRoom];
-    std::snprintf(text, sizeof text, format, qel::trace::makeStamp().text, details..., code,
-                  shown(file), line);
-    writeMessage(text, 0);
-    BxTrace_FlushRetroBuffers();
-    return code;
 }
 
 // --- Formats ------------------------------------------------------------------------------------
@@ -137,29 +120,29 @@ int BxTrace_Error_L(const char* file, int line, long detail, int code) {
 }
 
 int BxTrace_Error_S(const char* file, int line, const char* text, int code) {
-    return reportError(file, line, code, "%s: Error %.350s.%d at %.256s line %d", shown(text));
+    return reportError(file, line, code, "%s: Error %.350s.%d at %.256s line %d", shownText(text));
 }
 
 int BxTrace_Error_SS(const char* file, int line, const char* text1, const char* text2, int code) {
     return reportError(file, line, code, "%s: Error %.350s.%.350s.%d at %.256s line %d",
-                       shown(text1), shown(text2));
+                       shownText(text1), shownText(text2));
 }
 
 int BxTrace_Error_SL(const char* file, int line, const char* text, long detail, int code) {
-    return reportError(file, line, code, "%s: Error %.350s.%d.%d at %.256s line %d", shown(text),
-                       static_cast<std::int32_t>(detail));
+    return reportError(file, line, code, "%s: Error %.350s.%d.%d at %.256s line %d",
+                       shownText(text), static_cast<std::int32_t>(detail));
 }
 
 int BxTrace_Error_SSL(const char* file, int line, const char* text1, const char* text2, long detail,
                       int code) {
     return reportError(file, line, code, "%s: Error %.350s.%.350s.%d.%d at %.256s line %d",
-                       shown(text1), shown(text2), static_cast<std::int32_t>(detail));
+                       shownText(text1), shownText(text2), static_cast<std::int32_t>(detail));
 }
 
 int BxTrace_Error_SI64L(const char* file, int line, const char* text, __int64 value, long detail,
                         int code) {
     return reportError(file, line, code, "%s: Error %.350s.%llx.%d.%d at %.256s line %d",
-                       shown(text), static_cast<unsigned long long>(value),
+                       shownText(text), static_cast<unsigned long long>(value),
                        static_cast<std::int32_t>(detail));
 }
 
@@ -172,7 +155,8 @@ int BxTrace_Trace00(const char* text) {
 int BxTrace_Trace1(const char* file, int line, const char* text) {
     char message[kTrace1Room];
     std::snprintf(message, sizeof message, "%s: %.190s at %.256s line %d\n",
-                  qel::trace::makeStamp().text, shown(text), shown(file), line);
+                  qel::trace::makeStamp().text, text != nullptr ? text : "(null)",
+                  file != nullptr ? file : "(null)", line);
     return BxTrace_Trace00(message);
 }
 

@@ -11,7 +11,7 @@ namespace qel::trace {
 
 inline constexpr std::size_t kPathRoom = 512;  // a path and its terminator
 
-enum class Path { kLog, kSavedLog, kSyncInput, kSyncOutput, kRunDirectory, kOptions };
+enum class Path { kLog, kSavedLog, kSyncInput, kSyncOutput, kRunDirectory, kOptions, kLogName };
 
 // Callable from any thread: each path is an atomic pointer to a text that never changes once it has
 // been published, and a mutex guards the list of these texts.
@@ -41,7 +41,7 @@ class LogPaths {
     Text empty_{"", nullptr};
     std::mutex mutex_;       // guards known_
     Text* known_ = &empty_;  // every text that was ever a path
-    std::array<std::atomic<char*>, 6> paths_;
+    std::array<std::atomic<char*>, 7> paths_;
 };
 
 }  // namespace qel::trace

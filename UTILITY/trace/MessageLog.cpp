@@ -329,6 +329,11 @@ void MessageLog::flushRetro() noexcept {
     retro_.setFlushing(false);
 }
 
+void MessageLog::flushKept() noexcept {
+    const Lock lock(*this);
+    if (lock) kept_.flush();
+}
+
 // --- Rotation -----------------------------------------------------------------------------------
 
 int MessageLog::limitSize(const char* path) noexcept {

@@ -40,6 +40,9 @@ class MessageLog {
     // Writes what they hold into the log and empties them.
     void flushRetro() noexcept;
 
+    // Writes out what the log that is kept open has buffered.
+    void flushKept() noexcept;
+
     // Rotates `path`, as rotate() does, when its size has reached "MaxFileSize"; otherwise -1 when
     // the file has a size, 0 when it has none.
     int limitSize(const char* path) noexcept;

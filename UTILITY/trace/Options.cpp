@@ -126,6 +126,19 @@ bool Options::chooseOptionsPath() {
     return paths_.publish(Path::kOptions, options.text);
 }
 
+void Options::setLogName(const char* name) {
+    if (name == nullptr || name[0] == '\0' || loadsHere()) return;
+    const std::lock_guard lock(mutex_);
+    PathBuffer log = copyOf(name);
+    if (!endsInLog(log.text)) log.append(".log");
+    // Without memory for one of them it stays as it was.
+    paths_.publish(Path::kLog, log.text);
+    static_cast<void>(deriveSidePaths());
+    PathBuffer part = copyOf(log.text + lengthToLastSeparator(log.text));
+    part.cut(64);
+    paths_.publish(Path::kLogName, part.text);
+}
+
 // --- The file -----------------------------------------------------------------------------------
 
 // A host may ask for an option before anything was traced.

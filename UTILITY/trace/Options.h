@@ -30,6 +30,10 @@ class Options {
     // a message or a load.
     void load();
 
+    // Makes `name` the log, with ".log" appended where it is missing, and derives the SyncML logs
+    // and the run directory from it. The options file stays. Ignores null and an empty name.
+    void setLogName(const char* name);
+
     // Reads an option in decimal (base 10) or hexadecimal (16). One that is missing or empty is
     // written to the file with the value in use.
     void read(const char* section, const char* key, unsigned base, int& value);

@@ -3,6 +3,7 @@
 #define QEL_TRACE_TRACESYSTEM_H
 
 #include "platform/Platform.h"
+#include "trace/ErrorId.h"
 #include "trace/LogPaths.h"
 #include "trace/MessageLog.h"
 #include "trace/Options.h"
@@ -22,11 +23,13 @@ class TraceSystem {
     [[nodiscard]] const Settings& settings() const noexcept { return options_.settings(); }
     [[nodiscard]] LogPaths& paths() noexcept { return paths_; }
     [[nodiscard]] MessageLog& log() noexcept { return log_; }
+    [[nodiscard]] ErrorId& errorId() noexcept { return errorId_; }
 
   private:
     LogPaths paths_;
     Options options_;
     MessageLog log_;
+    ErrorId errorId_;
 };
 
 // The one that the functions of BxTrace.h work on: the process's own, unless another is installed.

@@ -14,6 +14,7 @@
 #include "QelUtility/BxHost.h"
 #include "QelUtility/BxTrace.h"
 #include "support/TempDir.h"
+#include "trace/BxFileUtilInternal.h"
 #include "trace/FreshTrace.h"
 
 namespace {
@@ -156,15 +157,20 @@ bool userDirectorySource(char* buffer, unsigned long size) {
     return std::snprintf(buffer, size, "%s", userDirectory) > 0;
 }
 
-TEST(DiskFaults, TheUserLogOnAFullDisk) {
+TEST(DiskFaults, WholeFilesAndTheUserLogOnAFullDisk) {
     const TempDir dir;
     const std::string directory = dir.path().string();
     userDirectory = directory.c_str();
     BxHost_SetProfileDirectorySource(&userDirectorySource);
+    const std::string data(5000, 'd');
     WriteToUserLog("before");
     {
         const FullDisk disk(1000);
+        for (const std::string& all : {data, std::string(100000, 'x')})
+            EXPECT_EQ(BxFile_SaveFile(dir.file("a").c_str(), all.data(), all.size()), 2008);
         for (int i = 0; i < 30; ++i) WriteToUserLog("during");
+        writeFile(dir.file("source"), "short");
+        EXPECT_EQ(BxFile_CopyFile(dir.file("source").c_str(), dir.file("b").c_str(), false), 0);
     }
     WriteToUserLog("after");
     BxHost_SetProfileDirectorySource(nullptr);

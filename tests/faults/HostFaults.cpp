@@ -15,6 +15,7 @@
 #include "support/Environment.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
+#include "trace/BxFileUtilInternal.h"
 #include "trace/TraceSystem.h"
 
 namespace qel::test {
@@ -275,6 +276,19 @@ const Operation kFiles[] = {
          const std::string is = together(result, size, data == nullptr ? "none" : "data");
          std::free(data);
          return seen(is);
+     }},
+    {"CopyFile",
+     {"not copied"},
+     [](Attempt& attempt) {
+         const StartedTrace started("");
+         const std::string from = folder().file("SyncML.log");
+         const std::string to = folder().file("trace.bk0");
+         writeFile(from, "content");
+         int result = -2;
+         attempt.armed([&] { result = BxFile_CopyFile(from.c_str(), to.c_str(), false); });
+         const bool copied = readFile(to) == "content";
+         EXPECT_EQ(readFile(from), "content");
+         return seen(result != 0 && !copied ? "not copied" : together(result, copied));
      }},
     {"CleanseFilename",
      {kNull},
