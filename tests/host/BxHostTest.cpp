@@ -9,7 +9,7 @@
 
 namespace {
 
-bool fixedDirectory(char* buffer, unsigned long size) {
+bool fixedText(char* buffer, unsigned long size) {
     return static_cast<unsigned long>(std::snprintf(buffer, size, "/profiles/anna")) < size;
 }
 
@@ -23,7 +23,7 @@ bool failing(char* buffer, unsigned long size) {
     return false;
 }
 
-TEST(BxHost, ProfileDirectoryIsMadeByDefaultAndReplacedByTheHost) {
+TEST(BxHost, TheHostGivesTheProfileDirectoryAndTheModel) {
     char buffer[260] = "old";
     ASSERT_TRUE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
     EXPECT_TRUE(std::filesystem::is_directory(buffer));
@@ -33,46 +33,43 @@ TEST(BxHost, ProfileDirectoryIsMadeByDefaultAndReplacedByTheHost) {
     EXPECT_STREQ(tiny, "");
     EXPECT_FALSE(GetProfileDirectoryWithUserName(nullptr, 10));
     EXPECT_FALSE(GetProfileDirectoryWithUserName(buffer, 0));
+    EXPECT_FALSE(GetCurrentModelID(buffer, sizeof buffer)) << "there is no model by default";
+    EXPECT_STREQ(buffer, "");
 
-    BxHost_SetProfileDirectorySource(&fixedDirectory);
-    EXPECT_TRUE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
-    EXPECT_STREQ(buffer, "/profiles/anna");
+    BxHost_SetProfileDirectorySource(&fixedText);
+    BxHost_SetModelIDSource(&fixedText);
+    for (const BxHostTextSource get : {&GetProfileDirectoryWithUserName, &GetCurrentModelID}) {
+        EXPECT_TRUE(get(buffer, sizeof buffer));
+        EXPECT_STREQ(buffer, "/profiles/anna");
+    }
     for (const BxHostTextSource source : {&unterminated, &failing}) {
         BxHost_SetProfileDirectorySource(source);
         EXPECT_FALSE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
         EXPECT_STREQ(buffer, "");
     }
+    BxHost_SetModelIDSource(nullptr);
     BxHost_SetProfileDirectorySource(nullptr);
     EXPECT_TRUE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
 }
 
-TEST(BxHost, ThereIsNoModelUntilTheHostNamesOne) {
-    char buffer[128] = "old";
-    EXPECT_FALSE(GetCurrentModelID(buffer, sizeof buffer));
-    EXPECT_STREQ(buffer, "");
-    BxHost_SetModelIDSource(&fixedDirectory);
-    EXPECT_TRUE(GetCurrentModelID(buffer, sizeof buffer));
-    EXPECT_STREQ(buffer, "/profiles/anna");
-    BxHost_SetModelIDSource(nullptr);
-}
-
 TEST(BxHost, BrandStringsMakeTheRegistryRoot) {
     char buffer[600];
-    EXPECT_TRUE(BxHost_GetRegistryRoot(buffer, sizeof buffer));
-    EXPECT_STREQ(buffer, "Software\\Halverd\\Linkup");
-    const std::string longText(400, 'c');
-    BxHost_SetString(BXHOST_COMPANY, longText.c_str());
-    EXPECT_TRUE(BxHost_GetRegistryRoot(buffer, sizeof buffer));
-    EXPECT_EQ(buffer, "Software\\" + longText.substr(0, 255) + "\\Linkup");
-    EXPECT_FALSE(BxHost_GetString(BXHOST_COMPANY, buffer, 255));
-    EXPECT_STREQ(buffer, "");
-    BxHost_SetString(BXHOST_COMPANY, nullptr);
-    BxHost_SetRegistryRoot("Software\\Other");
-    EXPECT_TRUE(BxHost_GetRegistryRoot(buffer, sizeof buffer));
-    EXPECT_STREQ(buffer, "Software\\Other");
-    BxHost_SetRegistryRoot(nullptr);
+    const auto root = [&buffer] {
+        EXPECT_TRUE(BxHost_GetRegistryRoot(buffer, sizeof buffer));
+        return std::string(buffer);
+    };
+    EXPECT_EQ(root(), "Software\\Halverd\\Linkup");
     EXPECT_FALSE(BxHost_GetRegistryRoot(buffer, 23));
     EXPECT_TRUE(BxHost_GetRegistryRoot(buffer, 24));
+    BxHost_SetString(BXHOST_COMPANY, std::string(400, 'c').c_str());
+    EXPECT_EQ(root(), "Software\\" + std::string(255, 'c') + "\\Linkup");
+    EXPECT_FALSE(BxHost_GetString(BXHOST_COMPANY, buffer, 255));
+    EXPECT_STREQ(buffer, "");
+    BxHost_SetRegistryRoot("Software\\Other");
+    EXPECT_EQ(root(), "Software\\Other");
+    BxHost_SetRegistryRoot(nullptr);
+    BxHost_SetString(BXHOST_COMPANY, nullptr);
+    EXPECT_EQ(root(), "Software\\Halverd\\Linkup");
     EXPECT_FALSE(BxHost_GetString(static_cast<BxHostString>(99), buffer, sizeof buffer));
     BxHost_SetString(static_cast<BxHostString>(-1), "ignored");
 }
