@@ -58,28 +58,12 @@ TEST(Unfold, ListsAroundTheAnchor) {
 }
 
 TEST(Unfold, EstimatesDays) {
-    const struct {
-        const char* sentence;
-        const char* record;
-        int count;
-        std::int64_t days;
-    } rows[] = {
-        {"daily, of two days each", "1 from 20050301 every 3 units 2", 13, 19},
-        {"selected months, at least a year", "7 from 20050301 months 1,6", 1, 366},
-        {"weekdays of selected weeks; the fourth and the last count once",
-         "8 from 20050301 months 1,6 days 1,2 weeks 1,4,5", 100, 4575},
-        {"every fifth month counts as two in a year", "15 from 20050301 every 5 days 1,2 weeks 1",
-         100, 9150},
-        {"selected weekdays", "12 from 20050301 every 2 days 1,2,3", 13, 60},
-        {"the most there is", "5 from 20050301 every 32767", INT_MAX, 25754174378017134},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.sentence);
-        const Record parsed(row.record);
-        ZQTR_REPEAT record = parsed.repeat;
+    for (Row& row : qel::test::list("recurrence/estimates.txt")) {
+        SCOPED_TRACE(row["record"]);
+        const Record parsed(row["record"]);
         std::int64_t days = -1;
-        EXPECT_EQ(Unfold_EstimateDays(&record, row.count, &days), 0);
-        EXPECT_EQ(days, row.days);
+        EXPECT_EQ(Unfold_EstimateDays(&parsed.repeat, number(row, "count"), &days), 0);
+        EXPECT_EQ(std::to_string(days), row["days"]);
     }
 }
 
