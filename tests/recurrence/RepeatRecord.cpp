@@ -1,5 +1,6 @@
 #include "recurrence/RepeatRecord.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 #include <stdexcept>
@@ -32,8 +33,25 @@ std::string setText(const char* name, int size, Flag flag) {
     return text;
 }
 
-std::string fieldText(const char* name, int value, int usual = 0) {
-    return value == usual ? "" : " " + std::string(name) + " " + std::to_string(value);
+const struct {
+    const char* name;
+    short ZQTR_REPEAT::*value;
+    short usual;
+} kNumbers[] = {{"every", &ZQTR_REPEAT::interval, 1},    {"units", &ZQTR_REPEAT::unitCount, 1},
+                {"day", &ZQTR_REPEAT::dayOfMonth, 0},    {"month", &ZQTR_REPEAT::month, 0},
+                {"weekday", &ZQTR_REPEAT::dayOfWeek, 0}, {"week", &ZQTR_REPEAT::weekOfMonth, 0}};
+
+std::string bits(unsigned long long set, int offset = 0) {
+    std::string text;
+    for (int bit = 0; bit < 64; ++bit) {
+        if ((set >> bit & 1) == 0) continue;
+        text += (text.empty() ? "" : ",") + std::to_string(bit + offset);
+    }
+    return text;
+}
+
+void add(std::string& line, const char* name, const std::string& value) {
+    if (!value.empty()) line += std::string(" ") + name + "=" + value;
 }
 
 }  // namespace
@@ -64,30 +82,20 @@ std::vector<int> codes(const std::string& dates) {
 
 Record::Record(const std::string& text) {
     repeat.endDate = -1;
-    repeat.interval = 1;
-    repeat.unitCount = 1;
+    for (const auto& each : kNumbers) repeat.*each.value = each.usual;
     std::istringstream in(text);
     in >> repeat.type;
     std::string name;
     std::string value;
     while (in >> name >> value) {
-        const auto number = static_cast<short>(std::atoi(value.c_str()));
-        if (name == "from")
+        const auto number = std::find_if(std::begin(kNumbers), std::end(kNumbers),
+                                         [&name](const auto& each) { return each.name == name; });
+        if (number != std::end(kNumbers))
+            repeat.*number->value = static_cast<short>(std::stoi(value));
+        else if (name == "from")
             repeat.startDate = code(std::stoi(value));
         else if (name == "to")
             repeat.endDate = code(std::stoi(value));
-        else if (name == "every")
-            repeat.interval = number;
-        else if (name == "units")
-            repeat.unitCount = number;
-        else if (name == "day")
-            repeat.dayOfMonth = number;
-        else if (name == "month")
-            repeat.month = number;
-        else if (name == "weekday")
-            repeat.dayOfWeek = number;
-        else if (name == "week")
-            repeat.weekOfMonth = number;
         else if (name == "days")
             readSet(value, [&](int i, short flag) { repeat.days[i] = flag; });
         else if (name == "months")
@@ -107,15 +115,53 @@ std::string describe(const ZQTR_REPEAT& repeat) {
     std::string text =
         std::to_string(repeat.type) + " from " + std::to_string(date(repeat.startDate));
     if (repeat.endDate != -1) text += " to " + std::to_string(date(repeat.endDate));
-    text += fieldText("every", repeat.interval, 1) + fieldText("units", repeat.unitCount, 1) +
-            fieldText("day", repeat.dayOfMonth) + fieldText("month", repeat.month) +
-            fieldText("weekday", repeat.dayOfWeek) + fieldText("week", repeat.weekOfMonth) +
-            setText("days", 7, [&](int i) { return repeat.days[i]; }) +
+    for (const auto& [name, value, usual] : kNumbers)
+        if (repeat.*value != usual) text += ' ' + (name + (' ' + std::to_string(repeat.*value)));
+    text += setText("days", 7, [&](int i) { return repeat.days[i]; }) +
             setText("months", 12, [&](int i) { return repeat.months[i]; }) +
             setText("weeks", 5, [&](int i) { return repeat.weeks[i]; });
     for (int i = 0; i < repeat.exclusionCount; ++i)
         text += (i == 0 ? " except " : ",") + std::to_string(date(repeat.exclusions[i]));
     return text;
+}
+
+std::string describe(const _rruleRepeat& rule) {
+    std::string line;
+    for (const auto& [bit, name] : {std::pair{RRULE_FREQ_DAILY, "DAILY"},
+                                    {RRULE_FREQ_WEEKLY, "WEEKLY"},
+                                    {RRULE_FREQ_MONTHLY, "MONTHLY"},
+                                    {RRULE_FREQ_YEARLY, "YEARLY"}})
+        if ((rule.freq & bit) != 0) line += name;
+    if (rule.interval != 1) add(line, "interval", std::to_string(rule.interval));
+    if (rule.count != -1) add(line, "count", std::to_string(rule.count));
+    if (rule.until != -1) {
+        const __int64 until = rule.until;
+        add(line, "until", std::to_string(until / 86400) + "+" + std::to_string(until % 86400));
+    }
+    const std::pair<int, const char*> parts[] = {
+        {RRULE_TYPE_BYDAY, "BYDAY"},         {RRULE_TYPE_BYMONTHDAY, "BYMONTHDAY"},
+        {RRULE_TYPE_BYYEARDAY, "BYYEARDAY"}, {RRULE_TYPE_BYWEEKNO, "BYWEEKNO"},
+        {RRULE_TYPE_BYMONTH, "BYMONTH"},     {RRULE_TYPE_BYSETPOS, "BYSETPOS"}};
+    std::string present;
+    for (const auto& [bit, name] : parts)
+        if ((rule.type & bit) != 0) present += (present.empty() ? "" : ",") + std::string(name);
+    add(line, "parts", present);
+    add(line, "days", bits(rule.byDay));
+    add(line, "monthdays", bits(rule.byMonthDay));
+    add(line, "monthdays-", bits(rule.byMonthDayNeg));
+    for (int word = 0; word < 6; ++word) {
+        add(line, "yeardays", bits(rule.byYearDay[word], word * 64));
+        add(line, "yeardays-", bits(rule.byYearDayNeg[word], word * 64));
+    }
+    add(line, "weeks", bits(rule.byWeekNo));
+    add(line, "weeks-", bits(rule.byWeekNoNeg));
+    add(line, "months", bits(rule.byMonth));
+    std::string positions;
+    for (short position : rule.setPos)
+        positions += (positions.empty() ? "" : ",") + std::to_string(position);
+    if (positions != "0,0,0,0") add(line, "positions", positions);
+    if (rule.wkst != RRULE_DAY_SU) add(line, "weekstart", bits(rule.wkst));
+    return line;
 }
 
 std::vector<int> occurrences(const ZQTR_REPEAT& repeat, int previous, std::size_t count) {

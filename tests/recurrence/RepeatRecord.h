@@ -1,11 +1,12 @@
-// Repeat records as one line of text, for tables of tests, with dates as the eight-digit numbers
-// that a person reads.
+// Repeat and rule records as one line of text, for tables of tests, with dates as the eight-digit
+// numbers that a person reads.
 #ifndef QEL_TESTS_REPEATRECORD_H
 #define QEL_TESTS_REPEATRECORD_H
 
 #include <string>
 #include <vector>
 
+#include "QelUtility/RRule.h"
 #include "QelUtility/RptNext.h"
 
 namespace qel::test {
@@ -37,6 +38,9 @@ class Record {
 };
 
 std::string describe(const ZQTR_REPEAT& repeat);
+// A rule record: the frequency, then every field that does not hold its default, sets as the
+// numbers of their bits: "WEEKLY interval=2 count=10 parts=BYDAY days=2,4,6".
+std::string describe(const _rruleRepeat& rule);
 
 // The next `count` occurrences after `previous` (code dates, -1 = from the first), fewer when the
 // engine fails.

@@ -11,7 +11,6 @@
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/VStr.h"
 #include "recurrence/RepeatRecord.h"
-#include "recurrence/RuleRecordText.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
 
@@ -179,22 +178,12 @@ TEST(RuleToRepeat, SurvivesOddRecords) {
 }
 
 TEST(RuleToRepeat, ReadsExclusions) {
-    const struct {
-        const char* text;
-        const char* except;
-        int flags;
-    } rows[] = {
-        {nullptr, "", 0},
-        {"", "", 0},
-        {"20050101,20050108", " except 20050101,20050108", 0},
-        {"20050101T083000Z,20050108", " except 20050101,20050108", 0x200},
-        {",20050230,2005,", " except 19000101,19000101,19000101,19000101", 0},
-        {"200501011", " except 20050101", 0x200},
-    };
-    for (const auto& row : rows) {
-        const FromRule made = fromText("DAILY;", "20050615", row.text);
-        EXPECT_EQ(describe(*made.record), "1 from 20050615" + std::string(row.except));
-        EXPECT_EQ(made.flags, row.flags);
+    for (Row& row : list("recurrence/exclusions.txt")) {
+        SCOPED_TRACE(row["text"]);
+        const FromRule made = fromText("DAILY;", "20050615", row["text"].c_str());
+        EXPECT_EQ(describe(*made.record),
+                  "1 from 20050615" + (row["except"].empty() ? "" : " except " + row["except"]));
+        EXPECT_EQ(made.flags, number(row, "flags"));
     }
     // They stay with the record, whose owner frees them, also when the rule fails afterwards.
     EXPECT_EQ(+fromText("WEEKLY;", "20050615", "20050101").record->exclusionCount, 1);
@@ -209,26 +198,27 @@ TEST(RuleToRepeat, ReadsExclusions) {
 TEST(RepeatDates, ConvertBetweenTheRecords) {
     EXPECT_EQ(ConvertZQTRDateTimeToRRule(-1), -1);
     EXPECT_EQ(ConvertZQTRDateTimeToRRule(38516), 38516LL * 86400);
-    EXPECT_EQ(ZQTRDateTimeToRRule(-1), -1);
-    EXPECT_EQ(ZQTRDateTimeToRRule(25568), 86400);
-    EXPECT_EQ(ZQTRDateTimeToRRule(25566), -86400);
-    EXPECT_EQ(ZQTRDateTimeToRRule(219145), INT_MAX);
-    EXPECT_EQ(RRuleToZQTRDateTime(-1), -1);
-    EXPECT_EQ(RRuleToZQTRDateTime(38516LL * 86400 + 86399), 38516);
-    EXPECT_EQ(RRuleToZQTRDateTime(-86399), 0);
-    EXPECT_EQ(RRuleToZQTRDateTime(LLONG_MIN), INT_MIN);
+    for (const auto& [date, seconds] :
+         {std::pair{-1, -1}, {25568, 86400}, {25566, -86400}, {219145, INT_MAX}})
+        EXPECT_EQ(ZQTRDateTimeToRRule(date), seconds);
+    for (const auto& [seconds, date] : {std::pair{-1LL, -1},
+                                        {38516LL * 86400 + 86399, 38516},
+                                        {-86399LL, 0},
+                                        {LLONG_MIN, INT_MIN}})
+        EXPECT_EQ(RRuleToZQTRDateTime(seconds), date);
     VStr text("stale");
     EXPECT_EQ(ZQTRDateTimeToUTCDate(38516, text), 0);
     EXPECT_STREQ(text, "20050615");
-    for (const char* date : {"20050615", "20050615T083000Z", "200506150"}) {
+    for (const auto& [date, code] : {std::pair{"20050615", 38516},
+                                     {"20050615T083000Z", 38516},
+                                     {"200506150", 38516},
+                                     {"", 0},
+                                     {"2005", 0},
+                                     {"20050230", 0},
+                                     {"x", 0}}) {
         int found = -7;
         EXPECT_EQ(UTCDateToZQTRDateTime(date, &found), 0);
-        EXPECT_EQ(found, 38516);
-    }
-    for (const char* date : {"", "2005", "20050230", "x"}) {
-        int found = -7;
-        EXPECT_EQ(UTCDateToZQTRDateTime(date, &found), 0);
-        EXPECT_EQ(found, 0);
+        EXPECT_EQ(found, code) << date;
     }
 }
 

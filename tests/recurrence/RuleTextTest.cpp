@@ -11,7 +11,7 @@
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
 #include "recurrence/RRuleInternal.h"
-#include "recurrence/RuleRecordText.h"
+#include "recurrence/RepeatRecord.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
 
