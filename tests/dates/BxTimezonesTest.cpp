@@ -217,7 +217,7 @@ TEST(ZoneTable, AgreesWithThePublicRecord) {
     for (auto& row : rows) {
         const std::int64_t utc = ZQ_DateTimeToSeconds(row["utc"].c_str());
         const int after = std::stoi(row["offset_after_s"]);
-        if (row["zone"] == "Asia/Kathmandu") EXPECT_EQ(after / 60, offsetMinutes(66, utc));
+        EXPECT_TRUE(row["zone"] != "Asia/Kathmandu" || after / 60 == offsetMinutes(66, utc)) << utc;
         if (row["zone"] != "Europe/Berlin" || row["kind"] != "transition") continue;
         VStr local;
         ZQ_SecondsToDateTime(utc + std::stoi(row["offset_before_s"]), local, true);
