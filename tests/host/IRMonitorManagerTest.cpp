@@ -136,6 +136,7 @@ TEST(IRMonitor, FlagsAreClearedByTheirOperationsAndByRelease) {
     EXPECT_EQ(manager, IRMonitorManager::getManager());
     manager->setMustStart();
     manager->setMustStop();
+    EXPECT_TRUE(manager->MustStart() && manager->MustStop());
     ScriptedSystem system(row);
     EXPECT_FALSE(manager->startIrMon());
     EXPECT_FALSE(manager->MustStart());
