@@ -7,15 +7,26 @@
 #include <string>
 #include <vector>
 
+#include "QelCalendar/Zones.h"
 #include "QelUtility/ZQDate.h"
 #include "base/Json.h"
 #include "base/Moment.h"
-#include "base/Zones.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
 
 namespace {
+
+using qelcal::Zone;
+
+// Throws UsageError that says which zones there are.
+Zone zoneNamed(const std::string& name) {
+    try {
+        return Zone::find(name);
+    } catch (const qelcal::Error& problem) {
+        throw UsageError(std::string(problem.what()) + "; `qelutil zone list` shows all of them");
+    }
+}
 
 struct Options {
     std::vector<std::string> texts;
@@ -31,10 +42,10 @@ int thisYear() {
         momentText({ZQ_GetCurrentDate() * kDaySeconds, false, false}).substr(0, 4).c_str());
 }
 
-void noteYear(Context& context, Zone& zone, int year) {
+void noteYear(Context& context, const Zone& zone, int year) {
     constexpr int kFirstYear = 1990;
     if (zone.knows(year)) {
-        if (year == kFirstYear && zone.number() != 0 && !zone.changesIn(kFirstYear + 1).empty()) {
+        if (year == kFirstYear && zone.number() != 0 && !zone.changes(kFirstYear + 1).empty()) {
             context.note({}, 0,
                          zone.name() +
                              ": the table begins with this zone's first change of 1990; before it "
@@ -49,10 +60,10 @@ void noteYear(Context& context, Zone& zone, int year) {
 
 void list(Context& context, const Options& options) {
     Json document = Json::array();
-    for (Zone& zone : tableZones()) {
+    for (const Zone& zone : Zone::all()) {
         constexpr std::int64_t kJanuary2005 = 38352 * kDaySeconds;
-        const std::vector<OffsetChange> changes = zone.changesIn(2005);
-        std::int64_t standard = zone.offsetAtUtc(kJanuary2005);
+        const std::vector<qelcal_offset_change> changes = zone.changes(2005);
+        std::int64_t standard = zone.offset(kJanuary2005);
         std::optional<std::int64_t> summer;
         if (!changes.empty()) {
             standard = std::min(changes[0].before, changes[0].after);
@@ -81,12 +92,12 @@ struct Conversion {
     std::int64_t outputOffset;
 };
 
-void noteKind(Context& context, const std::string& text, const UtcTime& time, const Zone& zone) {
-    if (time.kind == UtcTime::Kind::Skipped) {
+void noteKind(Context& context, const std::string& text, qelcal_occurs occurs, const Zone& zone) {
+    if (occurs == QELCAL_SKIPPED) {
         context.note({}, 0,
                      text + ": clocks skip this time in " + zone.name() +
                          "; it is taken as if they had run on");
-    } else if (time.kind == UtcTime::Kind::Repeated) {
+    } else if (occurs == QELCAL_REPEATED) {
         context.note(
             {}, 0,
             text + ": clocks show this time twice in " + zone.name() + "; the first is taken");
@@ -116,16 +127,16 @@ Conversion convertOne(Context& context, const std::string& text, std::optional<Z
                              "\": the Z says that it is UTC; leave the Z or --from out");
         }
     } else {
-        Zone zone = from ? *from : Zone::named("local");
+        const Zone zone = from ? *from : zoneNamed("local");
         noteYear(context, zone, yearOf(result.input));
-        const UtcTime time = zone.toUtc(result.input.seconds);
-        noteKind(context, text, time, zone);
-        result.inputOffset = time.offset;
+        const qelcal::UtcTime time = zone.toUtc(result.input.seconds);
+        noteKind(context, text, time.occurs, zone);
+        result.inputOffset = result.input.seconds - time.utc;
         utc = later(utc, time.utc - result.input.seconds);
     }
-    Zone target = to ? *to : Zone::named(result.input.utc ? "local" : "UTC");
+    const Zone target = to ? *to : zoneNamed(result.input.utc ? "local" : "UTC");
     noteYear(context, target, yearOf(utc));
-    result.outputOffset = target.offsetAtUtc(utc.seconds);
+    result.outputOffset = target.offset(utc.seconds);
     result.output = later(utc, result.outputOffset);
     result.output.utc = target.name() == "UTC";
     return result;
@@ -134,8 +145,8 @@ Conversion convertOne(Context& context, const std::string& text, std::optional<Z
 void convert(Context& context, const Options& options) {
     std::optional<Zone> from;
     std::optional<Zone> to;
-    if (!options.from.empty()) from = Zone::named(options.from);
-    if (!options.to.empty()) to = Zone::named(options.to);
+    if (!options.from.empty()) from = zoneNamed(options.from);
+    if (!options.to.empty()) to = zoneNamed(options.to);
     Json document = Json::array();
     for (const std::string& text : options.texts) {
         try {
@@ -168,16 +179,16 @@ int readYear(const std::string& text) {
 }
 
 void changes(Context& context, const Options& options) {
-    Zone zone = Zone::named(options.zone);
+    const Zone zone = zoneNamed(options.zone);
     const int year = readYear(options.year);
     noteYear(context, zone, year);
-    const std::vector<OffsetChange> found = zone.changesIn(year);
+    const std::vector<qelcal_offset_change> found = zone.changes(year);
     Json document = Json::array();
     if (!options.json) {
         context.out << zone.name() << ", " << year
                     << (found.empty() ? ": no change of offset\n" : ":\n");
     }
-    for (const OffsetChange& change : found) {
+    for (const qelcal_offset_change& change : found) {
         const Moment local{change.local, true, false};
         const std::string utc = momentText(later({change.local, true, true}, -change.before));
         if (options.json) {

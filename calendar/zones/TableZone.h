@@ -1,19 +1,20 @@
-// Time zones as the command line names them: those of the library's table, UTC, and "local", the
-// computer's own. Times are seconds since 1 January 1900. One thread.
+// The zones of QelUtility's table and the computer's own, both ways between local time and UTC.
+// Times are seconds since 1 January 1900 of the years 1900 to 2499. One thread for each object.
 //
-// The library decides on summer time with conventions of its own that are an hour or more off
-// around a change of offset (its UTC column, the class's single look-up). Here both directions
-// follow the clock on the wall: a change takes place at the local time that its rule names.
-#ifndef QELUTIL_BASE_ZONES_H
-#define QELUTIL_BASE_ZONES_H
+// QelUtility decides on summer time with conventions of its own that are an hour or more off around
+// a change of offset (its UTC column, the class's single look-up). Here both directions follow the
+// clock on the wall: a change takes place at the local time that its rule names.
+#ifndef QEL_CALENDAR_ZONES_TABLEZONE_H
+#define QEL_CALENDAR_ZONES_TABLEZONE_H
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "QelUtility/BxTimezones.h"
 
-namespace qel::cli {
+namespace qel::calendar {
 
 // A change of offset: the wall-clock time that ends and the offsets (local time = UTC + offset).
 struct OffsetChange {
@@ -30,14 +31,10 @@ struct UtcTime {
     Kind kind;
 };
 
-class Zone {
+class TableZone {
   public:
-    // By number, by name without regard to case, or by a part of the name that no other zone has:
-    // "11", "Hawaii", "berlin", "utc", "local". Throws UsageError that says what there is.
-    static Zone named(const std::string& name);
-
-    [[nodiscard]] const std::string& name() const { return name_; }
-    [[nodiscard]] int number() const { return number_; }  // 0 for the computer's own
+    // REQUIRES: 0, the computer's own zone, or a number of the table.
+    explicit TableZone(int number);
 
     // Whether the zone's changes in `year` are known: outside 1990 to 2010 the table's zones keep
     // the offset of their first or last change.
@@ -50,20 +47,26 @@ class Zone {
     [[nodiscard]] std::vector<OffsetChange> changesIn(int year);
 
   private:
-    friend std::vector<Zone> tableZones();
-    Zone(int number, std::string name);
     [[nodiscard]] std::int64_t libraryOffset(std::int64_t local);
     [[nodiscard]] std::int64_t wallOffset(std::int64_t local);
 
     int number_;
-    std::string name_;
     CBxTimeZoneUtility computer_;
     std::int64_t daylightOffset_ = 0;  // of the computer's zone; of the table's it plays no part
 };
 
-// All zones of the table, by number.
-[[nodiscard]] std::vector<Zone> tableZones();
+// The names of the table's zones: the first one belongs to number 1. Lasts as long as the process.
+[[nodiscard]] const std::vector<std::string>& tableZoneNames();
 
-}  // namespace qel::cli
+struct FoundZone {
+    int number = -1;     // 0 for the computer's own zone, negative when none was found
+    std::string whyNot;  // then, in one sentence
+};
+
+// By number, by name without regard to case, or by a part of the name that no other zone has: "11",
+// "Hawaii", "berlin", "utc", "local".
+[[nodiscard]] FoundZone findTableZone(std::string_view name);
+
+}  // namespace qel::calendar
 
 #endif

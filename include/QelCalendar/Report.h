@@ -1,0 +1,60 @@
+/// @file
+/// A page (HTML, no script, nothing from outside) about every entry of one or several conversions.
+/// It is written in two streams, because its top is known only at the end: the page is the head
+/// followed by the body. One object belongs to one thread at a time.
+#ifndef QELCALENDAR_REPORT_H
+#define QELCALENDAR_REPORT_H
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "QelCalendar/Error.h"
+
+namespace qelcal {
+
+/// The report of one run.
+class Report {
+  public:
+    using Output = std::function<void(const char* bytes, std::size_t size)>;
+
+    /// `body` receives the body as it comes; what it throws comes out of the converter's call as an
+    /// Error (QELCAL_STOPPED).
+    explicit Report(Output body)
+        : body_(new Output(std::move(body))),
+          report_(detail::made(qelcal_report_new(&write, body_.get()))) {}
+
+    /// Says what became of the file that ended last: the name of its result, and, where it has no
+    /// part in any result, the reason why.
+    void result(const std::string& output, const std::string& reason) {
+        detail::check(qelcal_report_result(report_.get(), output.c_str(), reason.c_str()));
+    }
+    /// Ends the body and hands the head to `head`. `remark` is a sentence about the run, or empty.
+    void finish(const std::string& remark, Output head) {
+        detail::check(qelcal_report_finish(report_.get(), remark.c_str(), &write, &head));
+    }
+    /// For calls of the C interface.
+    qelcal_report* get() const noexcept { return report_.get(); }
+
+  private:
+    static int QELCALENDAR_CALL write(void* context, const char* bytes, std::size_t size) {
+        try {
+            (*static_cast<Output*>(context))(bytes, size);
+            return 0;
+        } catch (...) {
+            return 1;
+        }
+    }
+    struct Free {
+        void operator()(qelcal_report* report) const { qelcal_report_free(report); }
+    };
+
+    std::unique_ptr<Output> body_;
+    std::unique_ptr<qelcal_report, Free> report_;
+};
+
+}  // namespace qelcal
+
+#endif
