@@ -1,6 +1,7 @@
 // The options file: any content reads, and a value that is written reads back.
+#include "platform/Profile.h"
 #include "Fuzz.h"
-#include "platform/Platform.h"
+#include "platform/Process.h"
 
 #include <filesystem>
 #include <fstream>

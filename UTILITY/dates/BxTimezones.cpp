@@ -10,7 +10,8 @@
 #include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
 #include "dates/ZoneRules.h"
-#include "platform/Platform.h"
+#include "platform/LocalClock.h"
+#include "platform/TimeZone.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "dates/CivilDate.h"
 #include "dates/DecimalField.h"
 #include "dates/ZQDateInternal.h"
-#include "platform/Platform.h"
+#include "platform/LocalClock.h"
 
 namespace {
 

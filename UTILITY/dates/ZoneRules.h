@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "platform/Platform.h"
+#include "platform/TimeZone.h"
 
 namespace qel {
 

@@ -9,7 +9,8 @@
 #include <limits>
 
 #include "encodings/BxCharConvInternal.h"
-#include "platform/Platform.h"
+#include "platform/CodePages.h"
+#include "platform/Memory.h"
 #include "strings/AsciiText.h"
 
 namespace qel {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "encodings/BxCharConvInternal.h"
-#include "platform/Platform.h"
+#include "platform/CodePages.h"
 #include "strings/AsciiText.h"
 
 namespace qel {

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <mutex>
 
+#include "platform/Files.h"
 #include "platform/Immortal.h"
-#include "platform/Platform.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <atomic>
 
-#include "platform/Platform.h"
+#include "platform/Process.h"
 
 namespace qel::host {
 

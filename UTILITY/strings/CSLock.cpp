@@ -1,6 +1,6 @@
 #include "QelUtility/CSLock.h"
 
-#include "platform/Platform.h"
+#include "platform/Lock.h"
 
 CSLockable::CSLockable() : m_section{} {
     static_assert(sizeof m_section == qel::platform::kLockSize &&

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/Platform.h"
+#include "platform/Memory.h"
 #include "strings/VStrInternal.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <new>
 
 #include "platform/Immortal.h"
-#include "platform/Platform.h"
+#include "platform/ThreadEnd.h"
 #include "strings/VStrArrayInternal.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "QelUtility/VStr.h"
-#include "platform/Platform.h"
+#include "platform/Format.h"
 #include "strings/VStrInternal.h"
 
 namespace {

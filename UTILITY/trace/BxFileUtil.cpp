@@ -8,7 +8,9 @@
 
 #include "QelUtility/BxHost.h"
 #include "QelUtility/BxTrace.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/LocalClock.h"
+#include "platform/Process.h"
 #include "trace/BxFileUtilInternal.h"
 
 namespace {

@@ -8,7 +8,9 @@
 #include <new>
 
 #include "QelUtility/BxHost.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Format.h"
+#include "platform/Process.h"
 #include "trace/ErrorLine.h"
 #include "trace/Stamp.h"
 #include "trace/TraceSystem.h"

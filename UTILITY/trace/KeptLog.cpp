@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
 
 namespace qel::trace {
 

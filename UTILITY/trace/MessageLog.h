@@ -7,7 +7,9 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "platform/Platform.h"
+#include "platform/LockResult.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
 #include "trace/KeptLog.h"
 #include "trace/LogPaths.h"
 #include "trace/MessageStream.h"

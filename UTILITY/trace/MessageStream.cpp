@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
 
 namespace qel::trace {
 

@@ -6,7 +6,9 @@
 #include <cstring>
 
 #include "QelUtility/BxHost.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Process.h"
+#include "platform/Profile.h"
 
 namespace qel::trace {
 

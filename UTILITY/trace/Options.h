@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "platform/Platform.h"
+#include "platform/Profile.h"
 #include "trace/LogPaths.h"
 #include "trace/MessageLog.h"
 #include "trace/Settings.h"

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
 #include "trace/LogPaths.h"
 
 namespace qel::trace {

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "platform/Platform.h"
+#include "platform/LocalClock.h"
 
 namespace qel::trace {
 

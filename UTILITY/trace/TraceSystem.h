@@ -2,7 +2,7 @@
 #ifndef QEL_TRACE_TRACESYSTEM_H
 #define QEL_TRACE_TRACESYSTEM_H
 
-#include "platform/Platform.h"
+#include "platform/Process.h"
 #include "trace/ErrorId.h"
 #include "trace/LogPaths.h"
 #include "trace/MessageLog.h"

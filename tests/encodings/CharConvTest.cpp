@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "QelUtility/BxCharConv.h"
-#include "platform/Platform.h"
+#include "platform/CodePages.h"
 #include "support/Tables.h"
 #include "support/TempDir.h"
 

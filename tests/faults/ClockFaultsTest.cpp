@@ -9,7 +9,9 @@
 #include <string>
 
 #include "QelUtility/BxTrace.h"
-#include "platform/Platform.h"
+#include "platform/LocalClock.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
 #include "support/TempDir.h"
 #include "trace/FreshTrace.h"
 

@@ -8,7 +8,12 @@
 #include <string>
 #include <thread>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Format.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
+#include "platform/Profile.h"
+#include "platform/TraceMutex.h"
 #include "support/TempDir.h"
 
 namespace {

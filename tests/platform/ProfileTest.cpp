@@ -7,7 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Profile.h"
 #include "support/TempDir.h"
 
 namespace {

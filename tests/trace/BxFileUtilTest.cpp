@@ -8,7 +8,7 @@
 #include <string>
 
 #include "QelUtility/BxHost.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
 #include "trace/BxFileUtilInternal.h"

@@ -16,7 +16,10 @@
 #include <vector>
 
 #include "QelUtility/BxTrace.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/LockResult.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
 #include "support/Process.h"
 #include "trace/FreshTrace.h"
 

@@ -8,7 +8,7 @@
 
 #include "QelUtility/BxHost.h"
 #include "QelUtility/BxTrace.h"
-#include "platform/Platform.h"
+#include "platform/Process.h"
 #include "support/Contains.h"
 #include "support/Environment.h"
 #include "support/TraceCapture.h"

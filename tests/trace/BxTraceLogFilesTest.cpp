@@ -5,7 +5,8 @@
 #include <string>
 
 #include "QelUtility/BxTrace.h"
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Process.h"
 #include "support/Contains.h"
 #include "trace/FreshTrace.h"
 

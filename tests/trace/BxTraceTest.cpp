@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/Platform.h"
 #include "support/Contains.h"
 #include "support/TraceCapture.h"
 #include "trace/FreshTrace.h"

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "platform/Process.h"
 #include "support/Environment.h"
 #include "support/TraceCapture.h"
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <functional>
 
-#include "platform/Platform.h"
+#include "platform/CodePages.h"
 #include "platform/posix/CodePageCharacters.h"
 #include "platform/posix/CodePageTables.h"
 

@@ -1,11 +1,12 @@
 // Code pages through UTF-16: UTF-8 by hand, the others by tables.
+#include "platform/CodePages.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
 #include <vector>
 
-#include "platform/Platform.h"
 #include "platform/posix/CodePageCharacters.h"
 #include "platform/posix/CodePageTables.h"
 

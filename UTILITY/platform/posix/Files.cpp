@@ -1,4 +1,6 @@
 // Paths, streams and directories. Everything made here is readable by its user alone.
+#include "platform/Files.h"
+
 #include <fcntl.h>
 #include <pwd.h>
 #include <sys/stat.h>
@@ -6,10 +8,11 @@
 
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/Platform.h"
+#include "platform/Process.h"
 
 namespace qel::platform {
 

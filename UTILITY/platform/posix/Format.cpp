@@ -1,9 +1,10 @@
 // printf formats in the C library's own spelling of the sizes of integers.
+#include "platform/Format.h"
+
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

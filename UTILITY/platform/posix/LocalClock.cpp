@@ -1,8 +1,8 @@
 // The local wall clock, from the C library's zone data.
+#include "platform/LocalClock.h"
+
 #include <algorithm>
 #include <ctime>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

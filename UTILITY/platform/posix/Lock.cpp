@@ -1,8 +1,8 @@
+#include "platform/Lock.h"
+
 #include <pthread.h>
 
 #include <new>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 namespace {

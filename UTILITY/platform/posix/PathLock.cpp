@@ -1,4 +1,6 @@
 // Locks between processes: a lock on the directory itself, so that no lock file is left in it.
+#include "platform/PathLock.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -9,7 +11,8 @@
 #include <cstring>
 #include <ctime>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Process.h"
 
 namespace qel::platform {
 

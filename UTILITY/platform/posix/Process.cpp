@@ -1,4 +1,6 @@
 // The process, its threads and its environment.
+#include "platform/Process.h"
+
 #include <dlfcn.h>
 #include <pthread.h>
 #include <sys/syscall.h>
@@ -9,8 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

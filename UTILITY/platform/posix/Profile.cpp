@@ -1,5 +1,7 @@
 // Profile files without the system's own calls for them: the same rules of reading, and writing
 // that replaces the file in one step, so that a reader or a crash never meets half of one.
+#include "platform/Profile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Platform.h"
+#include "platform/PathLock.h"
 
 namespace qel::platform {
 

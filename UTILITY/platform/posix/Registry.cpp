@@ -4,7 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/Profile.h"
 
 namespace qel::platform {
 

@@ -1,7 +1,7 @@
 // The end of a thread by a key of the thread library, whose first keys need no memory.
-#include <pthread.h>
+#include "platform/ThreadEnd.h"
 
-#include "platform/Platform.h"
+#include <pthread.h>
 
 namespace qel::platform {
 

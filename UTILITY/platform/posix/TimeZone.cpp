@@ -1,4 +1,6 @@
 // The current time zone from the TZ variable or the system's zone file.
+#include "platform/TimeZone.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,7 +13,7 @@
 #include <ctime>
 #include <string_view>
 
-#include "platform/Platform.h"
+#include "platform/Process.h"
 #include "platform/posix/PosixZoneRule.h"
 
 namespace qel::platform {

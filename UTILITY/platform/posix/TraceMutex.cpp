@@ -1,12 +1,13 @@
 // A recursive mutex with a timed wait, over a plain mutex and a condition: the wait is measured by
 // the monotonic clock, so that setting the wall clock back does not lengthen it.
+#include "platform/TraceMutex.h"
+
 #include <pthread.h>
 
 #include <cstdint>
 #include <ctime>
 
 #include "platform/Immortal.h"
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

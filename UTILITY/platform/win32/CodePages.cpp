@@ -1,10 +1,11 @@
 // Code pages by the system's MultiByteToWideChar and WideCharToMultiByte.
+#include "platform/CodePages.h"
+
 #include <windows.h>
 
 #include <algorithm>
 #include <limits>
 
-#include "platform/Platform.h"
 #include "platform/win32/CodePageLoader.h"
 
 namespace qel::platform {

@@ -1,5 +1,7 @@
 // Paths, streams and directories. Files get the access rights of the directory they are made in,
 // which for the default ones is the user's own profile.
+#include "platform/Files.h"
+
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
@@ -8,8 +10,6 @@
 
 #include <cerrno>
 #include <cstring>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

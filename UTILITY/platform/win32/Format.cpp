@@ -1,5 +1,7 @@
 // printf formats: the C library knows both spellings of the sizes of integers.
-#include "platform/Platform.h"
+#include "platform/Format.h"
+
+#include <cstdio>
 
 namespace qel::platform {
 

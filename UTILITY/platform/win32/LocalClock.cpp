@@ -1,7 +1,7 @@
 // The local wall clock, from the system's time-zone settings.
-#include <windows.h>
+#include "platform/LocalClock.h"
 
-#include "platform/Platform.h"
+#include <windows.h>
 
 namespace qel::platform {
 

@@ -1,6 +1,6 @@
-#include <windows.h>
+#include "platform/Memory.h"
 
-#include "platform/Platform.h"
+#include <windows.h>
 
 namespace qel::platform {
 

@@ -1,7 +1,9 @@
 // Locks between processes: a mutex named after the path. An abandoned one counts as locked.
+#include "platform/PathLock.h"
+
 #include <windows.h>
 
-#include "platform/Platform.h"
+#include <cstdio>
 
 namespace qel::platform {
 

@@ -1,7 +1,7 @@
 // The process, its threads and its environment.
-#include <windows.h>
+#include "platform/Process.h"
 
-#include "platform/Platform.h"
+#include <windows.h>
 
 namespace qel::platform {
 

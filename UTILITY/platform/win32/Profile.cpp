@@ -1,8 +1,10 @@
 // Profile files by the system's own calls. Not every system makes those calls wait for each other
 // between processes, so they are made under the file's lock.
+#include "platform/Profile.h"
+
 #include <windows.h>
 
-#include "platform/Platform.h"
+#include "platform/PathLock.h"
 
 namespace qel::platform {
 

@@ -1,8 +1,8 @@
 // The end of a thread by the compiler's run-time library, which remembers what it can.
+#include "platform/ThreadEnd.h"
+
 #include <array>
 #include <atomic>
-
-#include "platform/Platform.h"
 
 namespace qel::platform {
 

@@ -1,7 +1,7 @@
 // The current time zone from the Win32 settings.
-#include <windows.h>
+#include "platform/TimeZone.h"
 
-#include "platform/Platform.h"
+#include <windows.h>
 
 namespace qel::platform {
 

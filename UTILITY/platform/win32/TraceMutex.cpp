@@ -1,10 +1,11 @@
 // The named mutex of the trace. Its name carries the process id: all copies of the library that one
 // process has loaded share it, and nothing outside the process does.
+#include "platform/TraceMutex.h"
+
 #include <windows.h>
 
 #include <atomic>
-
-#include "platform/Platform.h"
+#include <cstdio>
 
 namespace qel::platform {
 
