@@ -110,7 +110,7 @@ constexpr int kDates = 32;       // that are asked for, day after day, so that a
 
 int firstFrom(const ZQTR_REPEAT& repeat, int date) {
     int found = -1;
-    return rptnext::jump(repeat, date, found) ? found : -1;
+    return recurrence::jump(repeat, date, found) ? found : -1;
 }
 
 // The peer goes on from where it is set.

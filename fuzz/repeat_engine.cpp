@@ -83,7 +83,7 @@ QEL_FUZZ_TARGET(repeat_engine) {
     const auto date =
         static_cast<int>(static_cast<unsigned>(repeat.startDate) + in.take<unsigned short>());
     int found = 0;
-    if (qel::rptnext::jump(repeat, date, found)) {
+    if (qel::recurrence::jump(repeat, date, found)) {
         previous = -1;
         next = -1;
         for (int step = 0; step < 1000 && (step == 0 || next < date); ++step)

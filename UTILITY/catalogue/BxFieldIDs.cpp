@@ -11,7 +11,7 @@
 #include "catalogue/FieldTables.h"
 #include "catalogue/MessageFields.h"
 
-namespace qel {
+namespace qel::catalogue {
 namespace {
 
 constexpr char kSourceName[] = "BxFieldIDs";
@@ -190,19 +190,20 @@ const FieldData* findField(std::uint32_t id) {
 }
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::catalogue
 
 int BxUtil_GetFieldDataByID(unsigned long fieldId, FieldData* out) {
     if (out == nullptr)
-        return BxTrace_Error_S(qel::kSourceName, __LINE__, "No field data", QEL_FAILED);
+        return BxTrace_Error_S(qel::catalogue::kSourceName, __LINE__, "No field data", QEL_FAILED);
     const auto id = static_cast<std::uint32_t>(fieldId & 0xFFFFFFFF);
-    if (const FieldData* field = qel::findField(id); field != nullptr) {
+    if (const FieldData* field = qel::catalogue::findField(id); field != nullptr) {
         *out = *field;
         return QEL_OK;
     }
-    FieldData data = qel::split(id);
+    FieldData data = qel::catalogue::split(id);
     out->accessType = data.accessType;
     out->recordType = data.recordType;
     out->fieldId = data.fieldId;
-    return BxTrace_Error_S(qel::kSourceName, __LINE__, qel::describe(data), QEL_FAILED);
+    return BxTrace_Error_S(qel::catalogue::kSourceName, __LINE__, qel::catalogue::describe(data),
+                           QEL_FAILED);
 }

@@ -7,7 +7,7 @@
 
 #include "strings/AsciiText.h"
 
-namespace qel {
+namespace qel::catalogue {
 namespace {
 
 constexpr auto kStatusNames = std::to_array<const char*>({
@@ -95,12 +95,12 @@ constexpr auto kOperations = std::to_array<Operation>({
 static_assert(kOperations.size() == 12 + 13);
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::catalogue
 
 VStr StatusText(int status) {
     VStr text;
-    if (status >= 0 && static_cast<std::size_t>(status) < qel::kStatusNames.size())
-        text.Format("Status=%s", qel::kStatusNames[static_cast<std::size_t>(status)]);
+    if (status >= 0 && static_cast<std::size_t>(status) < qel::catalogue::kStatusNames.size())
+        text.Format("Status=%s", qel::catalogue::kStatusNames[static_cast<std::size_t>(status)]);
     else
         text.Format("Status=%i", status);
     return text;
@@ -110,17 +110,19 @@ int OperationFromTag(const char* tag, unsigned long& code) {
     std::string_view name(tag == nullptr ? "" : tag);
     if (name.size() < 2 || name.front() != '<' || name.back() != '>') return QEL_MALFORMED;
     name = name.substr(1, name.size() - 2);
-    const auto found = std::find_if(
-        qel::kOperations.begin(), qel::kOperations.end(),
-        [name](const qel::Operation& operation) { return qel::equalNoCase(operation.name, name); });
-    if (found == qel::kOperations.end()) return QEL_MALFORMED;
+    const auto found =
+        std::find_if(qel::catalogue::kOperations.begin(), qel::catalogue::kOperations.end(),
+                     [name](const qel::catalogue::Operation& operation) {
+                         return qel::strings::equalNoCase(operation.name, name);
+                     });
+    if (found == qel::catalogue::kOperations.end()) return QEL_MALFORMED;
     code = found->code;
     return QEL_OK;
 }
 
 const char* OperationName(unsigned long code) {
-    const auto found =
-        std::find_if(qel::kOperations.begin(), qel::kOperations.end(),
-                     [code](const qel::Operation& operation) { return operation.code == code; });
-    return found == qel::kOperations.end() ? nullptr : found->name;
+    const auto found = std::find_if(
+        qel::catalogue::kOperations.begin(), qel::catalogue::kOperations.end(),
+        [code](const qel::catalogue::Operation& operation) { return operation.code == code; });
+    return found == qel::catalogue::kOperations.end() ? nullptr : found->name;
 }

@@ -4,7 +4,7 @@
 
 #include "catalogue/FieldTables.h"
 
-namespace qel {
+namespace qel::catalogue {
 
 constexpr auto kCalendarBasic = std::to_array<PropertyText>({
     {"SUMMARY", FIELD_TYPE_TITLE, kSingle, 4001},
@@ -79,6 +79,6 @@ struct CalendarTables {
     static_assert(kTables.hasSizes(38, 2, 0, 14));
 };
 
-}  // namespace qel
+}  // namespace qel::catalogue
 
 #endif

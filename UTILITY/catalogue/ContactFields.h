@@ -5,7 +5,7 @@
 
 #include "catalogue/FieldTables.h"
 
-namespace qel {
+namespace qel::catalogue {
 
 constexpr auto kContactBasic = std::to_array<PropertyText>({
     {"N", FIELD_TYPE_TITLE, 5, 528},
@@ -155,6 +155,6 @@ struct ContactTables {
     static_assert(kTables.hasSizes(49, 3, 44, 57));
 };
 
-}  // namespace qel
+}  // namespace qel::catalogue
 
 #endif

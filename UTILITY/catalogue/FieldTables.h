@@ -11,7 +11,7 @@
 
 #include "QelUtility/BxFieldIDs.h"
 
-namespace qel {
+namespace qel::catalogue {
 
 // Component counts beside the numbers of parts.
 constexpr int kSingle = 1;
@@ -141,6 +141,6 @@ constexpr auto valueTable(FieldRecordType record, std::span<const PropertyRow> b
     return rows;
 }
 
-}  // namespace qel
+}  // namespace qel::catalogue
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "catalogue/FieldTables.h"
 
-namespace qel {
+namespace qel::catalogue {
 
 constexpr auto kNoteBasic = std::to_array<PropertyText>({
     {"SUMMARY", FIELD_TYPE_TITLE, kSingle, 4001},
@@ -87,6 +87,6 @@ struct EmailTables {
     static_assert(kTables.hasSizes(34, 2, 0, 3));
 };
 
-}  // namespace qel
+}  // namespace qel::catalogue
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "dates/CivilDate.h"
 
-namespace qel {
+namespace qel::dates {
 
 namespace {
 
@@ -227,4 +227,4 @@ std::span<const ZoneChange> zoneChanges(int zone) noexcept {
     return {kChanges.data() + kFirstChange[index], kChanges.data() + kFirstChange[index + 1]};
 }
 
-}  // namespace qel
+}  // namespace qel::dates

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <span>
 
-namespace qel {
+namespace qel::dates {
 
 constexpr int kZoneCount = 77;  // zone numbers are 1 to 77
 
@@ -43,6 +43,6 @@ static_assert(sizeof(ZoneChange) == 16);
 // REQUIRES: isZoneNumber(zone)
 [[nodiscard]] std::span<const ZoneChange> zoneChanges(int zone) noexcept;
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -40,33 +40,35 @@ bool isDateTime(const char* text, std::size_t length) {
 
 // The seconds since 1900 of an ordinary text, all digits and each part in its range; -1 otherwise.
 std::int64_t ordinarySeconds(const char* text) {
-    qel::DateTimeFields fields;
-    if (!qel::takeDateTime(text, fields)) return -1;
-    const qel::CivilDate date{fields.year, fields.month, fields.day};
-    if (!qel::isEncodable(date) || date.day > qel::daysInMonth(date.month, date.year) ||
-        fields.hour > 23 || fields.minute > 59)
+    qel::dates::DateTimeFields fields;
+    if (!qel::dates::takeDateTime(text, fields)) return -1;
+    const qel::dates::CivilDate date{fields.year, fields.month, fields.day};
+    if (!qel::dates::isEncodable(date) ||
+        date.day > qel::dates::daysInMonth(date.month, date.year) || fields.hour > 23 ||
+        fields.minute > 59)
         return -1;
-    return std::int64_t{qel::encodeCivilDate(date)} * qel::kSecondsPerDay + fields.hour * 3600 +
-           fields.minute * 60 + fields.second;
+    return std::int64_t{qel::dates::encodeCivilDate(date)} * qel::dates::kSecondsPerDay +
+           fields.hour * 3600 + fields.minute * 60 + fields.second;
 }
 
 // The file time of a text that isDateTime accepts.
 std::int64_t fileTimeOf(const char* text) {
     if (const std::int64_t seconds = ordinarySeconds(text); seconds >= 0)
-        return seconds * qel::kFileTimePerSecond + qel::kFileTimeOf1900;
+        return seconds * qel::dates::kFileTimePerSecond + qel::dates::kFileTimeOf1900;
     char date[9] = {};
     char hourMinute[5] = {};
     std::memcpy(date, text, 8);
     std::memcpy(hourMinute, text + 9, 4);
-    const std::int64_t seconds = std::int64_t{ZQ_AlphaToCodeDate(date)} * qel::kSecondsPerDay +
-                                 ZQ_AlphaToCodeTime(hourMinute) + qel::decimalField(text + 13, 3);
-    return seconds * qel::kFileTimePerSecond + qel::kFileTimeOf1900;
+    const std::int64_t seconds =
+        std::int64_t{ZQ_AlphaToCodeDate(date)} * qel::dates::kSecondsPerDay +
+        ZQ_AlphaToCodeTime(hourMinute) + qel::dates::decimalField(text + 13, 3);
+    return seconds * qel::dates::kFileTimePerSecond + qel::dates::kFileTimeOf1900;
 }
 
 // The text of a file time. What was converted may lie in this same buffer, so it has been read by
 // now.
 const char* writeDateTime(std::int64_t fileTime, bool utc, char* result) {
-    const qel::FileTimeFields fields = qel::splitFileTime(fileTime);
+    const qel::dates::FileTimeFields fields = qel::dates::splitFileTime(fileTime);
     ZQ_DateToAlpha(fields.month, fields.day, fields.year, result);
     result[kTPosition] = 'T';
     ZQ_TimeToAlpha(fields.hour, fields.minute, fields.second, result + kTPosition + 1);
@@ -93,8 +95,8 @@ int CBxTimeZoneUtility::LoadTimeZone(_EXCH_TZ* zone) {
     rules.standardBias = description.StandardBias;
     rules.daylightBias = description.DaylightBias;
     rules.standardDate = momentOf(description.StandardDate);
-    const qel::ZoneOffsets offsets =
-        qel::zoneOffsets(rules, qel::platform::followsDaylightSaving());
+    const qel::dates::ZoneOffsets offsets =
+        qel::dates::zoneOffsets(rules, qel::platform::followsDaylightSaving());
     m_nStandardOffset = offsets.standard;
     m_nDaylightOffset = offsets.daylight;
     m_bDaylightEnabled = offsets.daylightEnabled ? 1 : 0;
@@ -125,9 +127,9 @@ int CBxTimeZoneUtility::IsDaylightSavingTime(FILETIME time) {
     const auto fileTime =
         static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
     if (fileTime <= 0) return 0;
-    const int year = qel::splitFileTime(fileTime).year;
+    const int year = qel::dates::splitFileTime(fileTime).year;
     const TimeZoneDescription zone = qel::platform::currentTimeZone(year);
-    return qel::isDaylightTime(fileTime, zone, m_nDaylightOffset) ? 1 : 0;
+    return qel::dates::isDaylightTime(fileTime, zone, m_nDaylightOffset) ? 1 : 0;
 }
 
 const char* CBxTimeZoneUtility::LocalToUTC(const char* text) {

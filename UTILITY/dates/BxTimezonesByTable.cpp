@@ -19,9 +19,9 @@
 
 namespace {
 
-using qel::ZoneChange;
-using qel::ZoneColumn;
-using qel::ZoneTime;
+using qel::dates::ZoneChange;
+using qel::dates::ZoneColumn;
+using qel::dates::ZoneTime;
 
 constexpr char kSourceName[] = "BxTimezones";
 constexpr int kLineUnknownName = 120;
@@ -75,11 +75,12 @@ bool equalNoCase(const char* a, const char* b) {
 ZoneTime parseZoneTime(const TimeText& in) {
     ZoneTime time;
     if (in.text == nullptr) return time;
-    time.date = qel::decimalField(in.text, 8);
+    time.date = qel::dates::decimalField(in.text, 8);
     if (in.timed) {
         // A signed field is no time of day; it counts as 0.
-        time.hour = static_cast<std::uint8_t>(std::max(qel::decimalField(in.tail(9), 2), 0));
-        time.minute = static_cast<std::uint8_t>(std::max(qel::decimalField(in.tail(11), 2), 0));
+        time.hour = static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(9), 2), 0));
+        time.minute =
+            static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(11), 2), 0));
     }
     return time;
 }
@@ -90,9 +91,9 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
     unsigned code = 0;
     if (ZQ_DateEncode(date / 100 % 100, date % 100, date / 10000, &code) != 0) return date;
     const int neighbour = static_cast<int>(code) + step;
-    if (!qel::isCodeDate(neighbour)) return date;
+    if (!qel::dates::isCodeDate(neighbour)) return date;
     char text[9];
-    return qel::decimalField(ZQ_CodeDateToAlpha(neighbour, text), 8);
+    return qel::dates::decimalField(ZQ_CodeDateToAlpha(neighbour, text), 8);
 }
 
 // "%8dT%02d%02d"; gives where its terminator would stand.
@@ -110,8 +111,8 @@ char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextR
         date /= 10;
     } while (date != 0);
     text[8] = 'T';
-    qel::putPair(text + 9, static_cast<unsigned>(hour));
-    qel::putPair(text + 11, static_cast<unsigned>(minute));
+    qel::dates::putPair(text + 9, static_cast<unsigned>(hour));
+    qel::dates::putPair(text + 11, static_cast<unsigned>(minute));
     return text + 13;
 }
 
@@ -199,7 +200,7 @@ int clampOffset(int part) {
 
 }  // namespace
 
-namespace qel {
+namespace qel::dates {
 
 int offsetAt(std::span<const ZoneChange> changes, ZoneColumn column, ZoneTime& time) {
     if (changes.empty())
@@ -222,12 +223,12 @@ int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time) {
     return offsetAt(zoneChanges(zone), column, time);
 }
 
-}  // namespace qel
+}  // namespace qel::dates
 
 int BxTZ_GetZoneID(const char* name) {
     const char* const wanted = name == nullptr ? "" : name;
-    for (int zone = 1; zone <= qel::kZoneCount; ++zone)
-        if (equalNoCase(wanted, qel::zoneName(zone))) return zone;
+    for (int zone = 1; zone <= qel::dates::kZoneCount; ++zone)
+        if (equalNoCase(wanted, qel::dates::zoneName(zone))) return zone;
     char text[512];  // the error line shows less
     std::snprintf(text, sizeof text, "Bad Timezone: %.400s", wanted);
     BxTrace_Error_SL(kSourceName, kLineUnknownName, text, QEL_MALFORMED, QEL_MALFORMED);
@@ -235,23 +236,24 @@ int BxTZ_GetZoneID(const char* name) {
 }
 
 int BxTZ_GetZoneName(int zone, VStr& name) {
-    if (!qel::isZoneNumber(zone)) {
+    if (!qel::dates::isZoneNumber(zone)) {
         reportBadZone(kLineNameOfBadZone, zone);
         return 0;
     }
-    name += qel::zoneName(zone);
+    name += qel::dates::zoneName(zone);
     return zone;
 }
 
 void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
-    std::array<int, qel::kZoneCount> zones{};
+    std::array<int, qel::dates::kZoneCount> zones{};
     std::iota(zones.begin(), zones.end(), 1);
-    std::sort(zones.begin(), zones.end(),
-              [](int a, int b) { return std::strcmp(qel::zoneName(a), qel::zoneName(b)) < 0; });
-    names.SetSize(qel::kZoneCount);
+    std::sort(zones.begin(), zones.end(), [](int a, int b) {
+        return std::strcmp(qel::dates::zoneName(a), qel::dates::zoneName(b)) < 0;
+    });
+    names.SetSize(qel::dates::kZoneCount);
     bool whole = true;
-    for (int i = 0; i < qel::kZoneCount; ++i) {
-        names.SetAt(i, qel::zoneName(zones[static_cast<std::size_t>(i)]));
+    for (int i = 0; i < qel::dates::kZoneCount; ++i) {
+        names.SetAt(i, qel::dates::zoneName(zones[static_cast<std::size_t>(i)]));
         whole = whole && !names.ElementAt(i).IsEmpty();
     }
     try {
@@ -266,7 +268,7 @@ void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
 
 int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
     const TimeText in(text);
-    if (in.timed && !qel::isZoneNumber(zone)) {
+    if (in.timed && !qel::dates::isZoneNumber(zone)) {
         reportBadZone(kLineLocalOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;
@@ -286,7 +288,7 @@ int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, const char* text
 
 int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
     const TimeText in(text);
-    if (in.timed && !qel::isZoneNumber(zone)) {
+    if (in.timed && !qel::dates::isZoneNumber(zone)) {
         reportBadZone(kLineUtcOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace qel {
+namespace qel::dates {
 
 constexpr int kFirstYear = 1900;
 constexpr int kLastYear = 2499;
@@ -114,6 +114,6 @@ constexpr std::array<std::uint16_t, 13> kDaysToMonth = {0,   306, 337, 0,   31, 
     return static_cast<int>((static_cast<std::uint32_t>(code) + 1) % 7) + 1;
 }
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -4,7 +4,7 @@
 #ifndef QEL_DATES_DATETIMEFIELDS_H
 #define QEL_DATES_DATETIMEFIELDS_H
 
-namespace qel {
+namespace qel::dates {
 
 struct DateTimeFields {
     int year = 0;
@@ -37,6 +37,6 @@ inline bool takeDateTime(const char* text, DateTimeFields& fields) {
            takePair(text, fields.second);
 }
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstring>
 
-namespace qel {
+namespace qel::dates {
 
 [[nodiscard]] constexpr bool isAsciiBlank(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -43,6 +43,6 @@ inline void putPair(char* buffer, unsigned value) noexcept {
     std::memcpy(buffer, kPairs.data() + std::size_t{2} * value, 2);
 }
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -11,33 +11,36 @@
 
 namespace {
 
-using qel::CivilDate;
+using qel::dates::CivilDate;
 
 // The day numbers that callers and stored records rely on.
-static_assert(qel::encodeCivilDate({1900, 1, 1}) == 0);
-static_assert(qel::encodeCivilDate({1970, 1, 1}) == qel::kUnixEpochCodeDate);
-static_assert(qel::encodeCivilDate({2000, 1, 1}) == 36524);
-static_assert(qel::encodeCivilDate({2499, 12, 31}) == qel::kLastCodeDate);
-static_assert(qel::encodeCivilDate({1900, 2, 29}) == qel::encodeCivilDate({1900, 3, 1}));
-static_assert(qel::encodeCivilDate({2000, 2, 29}) + 1 == qel::encodeCivilDate({2000, 3, 1}));
-static_assert(qel::weekdayOf(0) == 2 && qel::weekdayOf(6) == 1 && qel::weekdayOf(-1) == 1);
+static_assert(qel::dates::encodeCivilDate({1900, 1, 1}) == 0);
+static_assert(qel::dates::encodeCivilDate({1970, 1, 1}) == qel::dates::kUnixEpochCodeDate);
+static_assert(qel::dates::encodeCivilDate({2000, 1, 1}) == 36524);
+static_assert(qel::dates::encodeCivilDate({2499, 12, 31}) == qel::dates::kLastCodeDate);
+static_assert(qel::dates::encodeCivilDate({1900, 2, 29}) ==
+              qel::dates::encodeCivilDate({1900, 3, 1}));
+static_assert(qel::dates::encodeCivilDate({2000, 2, 29}) + 1 ==
+              qel::dates::encodeCivilDate({2000, 3, 1}));
+static_assert(qel::dates::weekdayOf(0) == 2 && qel::dates::weekdayOf(6) == 1 &&
+              qel::dates::weekdayOf(-1) == 1);
 
 // Walks the calendar month by month and compares the closed formulas with plain counting.
 constexpr bool formulasCountEveryMonth() {
     int code = 0;
-    for (int year = qel::kFirstYear; year <= qel::kLastYear; ++year) {
+    for (int year = qel::dates::kFirstYear; year <= qel::dates::kLastYear; ++year) {
         for (int month = 1; month <= 12; ++month) {
-            const int length = qel::daysInMonth(month, year);
+            const int length = qel::dates::daysInMonth(month, year);
             const CivilDate first{year, month, 1};
             const CivilDate last{year, month, length};
-            if (qel::encodeCivilDate(first) != code) return false;
-            if (qel::encodeCivilDate({year, month, 31}) != code + 30) return false;
-            if (qel::decodeCivilDate(code) != first) return false;
+            if (qel::dates::encodeCivilDate(first) != code) return false;
+            if (qel::dates::encodeCivilDate({year, month, 31}) != code + 30) return false;
+            if (qel::dates::decodeCivilDate(code) != first) return false;
             code += length;
-            if (qel::decodeCivilDate(code - 1) != last) return false;
+            if (qel::dates::decodeCivilDate(code - 1) != last) return false;
         }
     }
-    return code == qel::kLastCodeDate + 1;
+    return code == qel::dates::kLastCodeDate + 1;
 }
 static_assert(formulasCountEveryMonth());
 
@@ -49,26 +52,26 @@ void store(T* target, T value) {
 // The decimal field of `width` characters at `*cursor`, which moves past it but never past the
 // terminator.
 int takeField(const char** cursor, std::size_t width) {
-    const int value = qel::decimalField(*cursor, width);
+    const int value = qel::dates::decimalField(*cursor, width);
     for (std::size_t i = 0; i < width && **cursor != '\0'; ++i) ++*cursor;
     return value;
 }
 
 void putTwoDigits(char* buffer, int value) {
-    qel::putPair(buffer, value < 0 || value > 99 ? 99 : static_cast<unsigned>(value));
+    qel::dates::putPair(buffer, value < 0 || value > 99 ? 99 : static_cast<unsigned>(value));
 }
 
 }  // namespace
 
 int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) {
-    if (!qel::isEncodable({year, month, day})) return -1;
-    store(code, static_cast<unsigned>(qel::encodeCivilDate({year, month, day})));
+    if (!qel::dates::isEncodable({year, month, day})) return -1;
+    store(code, static_cast<unsigned>(qel::dates::encodeCivilDate({year, month, day})));
     return 0;
 }
 
 int ZQ_DateDecode(int code, int* month, int* day, int* year) {
-    if (!qel::isCodeDate(code)) return -1;
-    const CivilDate date = qel::decodeCivilDate(code);
+    if (!qel::dates::isCodeDate(code)) return -1;
+    const CivilDate date = qel::dates::decodeCivilDate(code);
     *month = date.month;
     *day = date.day;
     *year = date.year;
@@ -94,8 +97,8 @@ bool ZQ_IsValidAlphaDate(const char* text) {
     if (text == nullptr) return false;
     CivilDate date{};
     ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
-    if (date.year < qel::kFirstYear || date.month < 1 || date.month > 12) return false;
-    return date.day >= 1 && date.day <= qel::daysInMonth(date.month, date.year);
+    if (date.year < qel::dates::kFirstYear || date.month < 1 || date.month > 12) return false;
+    return date.day >= 1 && date.day <= qel::dates::daysInMonth(date.month, date.year);
 }
 
 bool ZQ_IsValidAlphaTime(const char* text) {
@@ -176,7 +179,7 @@ char* QELUTILITY_CALL ZQ_CodeTimeToAlpha(int code, char* buffer) {
 }
 
 int ZQ_DayOfWeek(int code) {
-    return qel::weekdayOf(code);
+    return qel::dates::weekdayOf(code);
 }
 
 int QELUTILITY_CALL ZQ_GetCurrentDate() {

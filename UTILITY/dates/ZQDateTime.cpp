@@ -9,10 +9,10 @@
 
 namespace {
 
-using qel::DateTimeFields;
-using qel::isAsciiBlank;
-using qel::isAsciiDigit;
-using qel::takeDateTime;
+using qel::dates::DateTimeFields;
+using qel::dates::isAsciiBlank;
+using qel::dates::isAsciiDigit;
+using qel::dates::takeDateTime;
 
 // Reads one number as scanf's "%<width>d" does: blanks, which do not count against the width, then
 // at most `width` characters of an optional sign and digits. False, with `value` untouched, when no
@@ -51,21 +51,22 @@ DateTimeFields scanDateTime(const char* text) {
 // Eight digits, the letter T, six digits, the letter Z on request and a terminator; returns the
 // length.
 std::size_t writeDateTime(std::int64_t codeDate, std::int64_t codeTime, char* text, bool noUtc) {
-    if (qel::isCodeDate(codeDate) && codeTime >= 0) {
-        const qel::CivilDate date = qel::decodeCivilDate(static_cast<int>(codeDate));
+    if (qel::dates::isCodeDate(codeDate) && codeTime >= 0) {
+        const qel::dates::CivilDate date = qel::dates::decodeCivilDate(static_cast<int>(codeDate));
         const auto year = static_cast<unsigned>(date.year);
         const auto time = static_cast<unsigned>(codeTime);  // [0, 86399]
-        qel::putPair(text, year / 100);
-        qel::putPair(text + 2, year % 100);
-        qel::putPair(text + 4, static_cast<unsigned>(date.month));
-        qel::putPair(text + 6, static_cast<unsigned>(date.day));
-        qel::putPair(text + 9, time / 3600);
-        qel::putPair(text + 11, time / 60 % 60);
-        qel::putPair(text + 13, time % 60);
+        qel::dates::putPair(text, year / 100);
+        qel::dates::putPair(text + 2, year % 100);
+        qel::dates::putPair(text + 4, static_cast<unsigned>(date.month));
+        qel::dates::putPair(text + 6, static_cast<unsigned>(date.day));
+        qel::dates::putPair(text + 9, time / 3600);
+        qel::dates::putPair(text + 11, time / 60 % 60);
+        qel::dates::putPair(text + 13, time % 60);
     } else {
         // A day number outside the calendar, however large, is written as the day that does not
         // decode.
-        ZQ_CodeDateToAlpha(qel::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1, text);
+        ZQ_CodeDateToAlpha(qel::dates::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1,
+                           text);
         ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
     }
     text[8] = 'T';
@@ -88,13 +89,13 @@ std::int64_t ZQ_DateTimeToSeconds(const char* text) {
     unsigned code = 0;
     // A date that is refused counts as day 0; the time still counts.
     ZQ_DateEncode(fields.month, fields.day, fields.year, &code);
-    return std::int64_t{code} * qel::kSecondsPerDay + std::int64_t{fields.hour} * 3600 +
+    return std::int64_t{code} * qel::dates::kSecondsPerDay + std::int64_t{fields.hour} * 3600 +
            std::int64_t{fields.minute} * 60 + fields.second;
 }
 
 std::size_t ZQ_SecondsToAlpha(std::int64_t seconds, char* buffer, bool noUtc) {
-    return writeDateTime(seconds / qel::kSecondsPerDay, seconds % qel::kSecondsPerDay, buffer,
-                         noUtc);
+    return writeDateTime(seconds / qel::dates::kSecondsPerDay, seconds % qel::dates::kSecondsPerDay,
+                         buffer, noUtc);
 }
 
 void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc) {
@@ -105,15 +106,16 @@ void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc) {
 
 int ZQ_DateTimeToUnixTime(VStr text) {
     const std::int64_t seconds =
-        ZQ_DateTimeToSeconds(text) - std::int64_t{qel::kUnixEpochCodeDate} * qel::kSecondsPerDay;
+        ZQ_DateTimeToSeconds(text) -
+        std::int64_t{qel::dates::kUnixEpochCodeDate} * qel::dates::kSecondsPerDay;
     if (seconds < 1) return 0;
     return seconds > INT_MAX ? INT_MAX : static_cast<int>(seconds);
 }
 
 const char* ZQ_UnixTimeToDateTime(int seconds, VStr& out, bool noUtc) {
     char text[kDateTimeRoom];
-    writeDateTime(seconds / qel::kSecondsPerDay + qel::kUnixEpochCodeDate,
-                  seconds % qel::kSecondsPerDay, text, noUtc);
+    writeDateTime(seconds / qel::dates::kSecondsPerDay + qel::dates::kUnixEpochCodeDate,
+                  seconds % qel::dates::kSecondsPerDay, text, noUtc);
     out += text;
     return out;
 }

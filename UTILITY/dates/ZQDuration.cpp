@@ -85,7 +85,7 @@ int ZQ_DurationToSeconds(VStr duration, int* seconds) {
         // What follows the last unit is ignored, and a unit right after a unit ends the reading.
         if (span == 0 || *unit == '\0') break;
         const char* digits = unit;
-        while (digits != cursor && qel::isAsciiDigit(digits[-1])) --digits;
+        while (digits != cursor && qel::dates::isAsciiDigit(digits[-1])) --digits;
         const std::int64_t number = boundedNumber(digits, unit);
         total = std::min(total + number * secondsPerUnit(*unit), kCeiling);
         cursor = unit + 1;

@@ -7,7 +7,7 @@
 
 #include "dates/BxTimezoneTable.h"
 
-namespace qel {
+namespace qel::dates {
 
 // Which half of the changes a time is compared with.
 enum class ZoneColumn { Local, Utc };
@@ -20,6 +20,6 @@ enum class ZoneColumn { Local, Utc };
 // The same for a zone of the table; 2016, and an error in the log, for an unknown zone number.
 [[nodiscard]] int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time);
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -6,7 +6,7 @@
 #include "dates/CivilDate.h"
 #include "dates/reldaymo.h"
 
-namespace qel {
+namespace qel::dates {
 
 namespace {
 
@@ -98,4 +98,4 @@ bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& 
     return southern ? beforeStandard || fromDaylight : beforeStandard && fromDaylight;
 }
 
-}  // namespace qel
+}  // namespace qel::dates

@@ -7,7 +7,7 @@
 
 #include "platform/TimeZone.h"
 
-namespace qel {
+namespace qel::dates {
 
 constexpr std::int64_t kFileTimePerSecond = 10'000'000;
 constexpr std::int64_t kFileTimePerMinute = 60 * kFileTimePerSecond;
@@ -44,6 +44,6 @@ struct ZoneOffsets {
 [[nodiscard]] bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
                                   std::int64_t daylightOffset);
 
-}  // namespace qel
+}  // namespace qel::dates
 
 #endif

@@ -4,7 +4,7 @@
 #include "dates/CivilDate.h"
 #include "dates/ZQDateInternal.h"
 
-namespace qel {
+namespace qel::dates {
 
 namespace {
 
@@ -35,4 +35,4 @@ int relativeDayOfMonth(int year, int month, int week, int weekday) {
     return static_cast<int>(first) + day - 1;
 }
 
-}  // namespace qel
+}  // namespace qel::dates

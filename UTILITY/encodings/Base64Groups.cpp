@@ -11,7 +11,7 @@
 #include <tmmintrin.h>
 #endif
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -154,4 +154,4 @@ std::size_t decodeGroups(const char* src, std::size_t groups, unsigned char* dst
     return done + decodeByTable(src + 4 * done, groups - done, dst + 3 * done);
 }
 
-}  // namespace qel
+}  // namespace qel::encodings

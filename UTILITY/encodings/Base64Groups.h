@@ -5,7 +5,7 @@
 
 #include <cstddef>
 
-namespace qel {
+namespace qel::encodings {
 
 // Encodes `groups` whole groups: 3 * groups bytes to 4 * groups digits.
 void encodeGroups(const unsigned char* src, std::size_t groups, char* dst);
@@ -14,6 +14,6 @@ void encodeGroups(const unsigned char* src, std::size_t groups, char* dst);
 // 4 * groups characters to 3 * groups bytes, exactly. The number of groups that were decoded.
 [[nodiscard]] std::size_t decodeGroups(const char* src, std::size_t groups, unsigned char* dst);
 
-}  // namespace qel
+}  // namespace qel::encodings
 
 #endif

@@ -10,7 +10,7 @@
 #include "encodings/Base64Groups.h"
 #include "strings/AsciiText.h"
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -32,7 +32,7 @@ char digit(unsigned int sixBits) {
 }
 
 void skipSpace(const char*& text) {
-    while (isAsciiSpace(*text)) ++text;
+    while (strings::isAsciiSpace(*text)) ++text;
 }
 
 // Puts one digit's bits where its place in the group of four has them; false when `dst` is full.
@@ -51,14 +51,14 @@ bool storeDigit(unsigned int value, unsigned int state, unsigned char* dst, unsi
 }
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::encodings
 
 int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcLength, char* dst,
                                      unsigned int dstSize) {
     if (dst == nullptr || (src == nullptr && srcLength != 0)) return -1;
-    const std::uint64_t room = std::min<std::uint64_t>(dstSize, qel::kMaxResult);
+    const std::uint64_t room = std::min<std::uint64_t>(dstSize, qel::encodings::kMaxResult);
     const auto groups = static_cast<std::size_t>(std::min<std::uint64_t>(srcLength / 3, room / 4));
-    qel::encodeGroups(src, groups, dst);
+    qel::encodings::encodeGroups(src, groups, dst);
     if (groups < srcLength / 3) return -1;
     std::uint64_t position = std::uint64_t{groups} * 4;
     if (const unsigned int left = srcLength % 3; left != 0) {
@@ -66,10 +66,11 @@ int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src, unsigned int srcL
         const unsigned int first = src[groups * 3];
         const unsigned int second = left > 1 ? src[groups * 3 + 1] : 0U;
         char* group = dst + position;
-        group[0] = qel::digit(first >> 2);
-        group[1] = qel::digit((first & 0x03) << 4 | second >> 4);
-        group[2] = left > 1 ? qel::digit((second & 0x0F) << 2) : qel::kPadding;
-        group[3] = qel::kPadding;
+        group[0] = qel::encodings::digit(first >> 2);
+        group[1] = qel::encodings::digit((first & 0x03) << 4 | second >> 4);
+        group[2] =
+            left > 1 ? qel::encodings::digit((second & 0x0F) << 2) : qel::encodings::kPadding;
+        group[3] = qel::encodings::kPadding;
         position += 4;
     }
     if (position >= dstSize) return -1;
@@ -86,33 +87,34 @@ int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsign
     for (;; ++text) {
         if (state == 0 && dst != nullptr && index < dstSize) {
             // Whole groups at once, as far as there is room and nothing else stands between them.
-            const auto groups =
-                qel::decodeGroups(text,
-                                  std::min(static_cast<std::size_t>(end - text) / 4,
-                                           static_cast<std::size_t>(dstSize - index) / 3),
-                                  dst + index);
+            const auto groups = qel::encodings::decodeGroups(
+                text,
+                std::min(static_cast<std::size_t>(end - text) / 4,
+                         static_cast<std::size_t>(dstSize - index) / 3),
+                dst + index);
             text += 4 * groups;
             index += 3 * std::uint64_t{groups};
         }
-        if (*text == '\0' || *text == qel::kPadding) break;
-        if (qel::isAsciiSpace(*text)) continue;
-        const unsigned int value = qel::kValues[static_cast<unsigned char>(*text)];
-        if (value == qel::kNoDigit) return -1;
-        if (dst != nullptr && !qel::storeDigit(value, state, dst, dstSize, index)) return -1;
+        if (*text == '\0' || *text == qel::encodings::kPadding) break;
+        if (qel::strings::isAsciiSpace(*text)) continue;
+        const unsigned int value = qel::encodings::kValues[static_cast<unsigned char>(*text)];
+        if (value == qel::encodings::kNoDigit) return -1;
+        if (dst != nullptr && !qel::encodings::storeDigit(value, state, dst, dstSize, index))
+            return -1;
         if (state != 0) ++index;
         state = (state + 1) % 4;
     }
-    if (index > qel::kMaxResult) return -1;
+    if (index > qel::encodings::kMaxResult) return -1;
     if (*text == '\0') return state == 0 ? static_cast<int>(index) : -1;
 
     if (state < 2) return -1;
     ++text;
     if (state == 2) {
-        qel::skipSpace(text);
-        if (*text != qel::kPadding) return -1;
+        qel::encodings::skipSpace(text);
+        if (*text != qel::encodings::kPadding) return -1;
         ++text;
     }
-    qel::skipSpace(text);
+    qel::encodings::skipSpace(text);
     if (*text != '\0') return -1;
     if (dst != nullptr && dst[index] != 0) return -1;
     return static_cast<int>(index);

@@ -13,7 +13,7 @@
 #include "platform/Memory.h"
 #include "strings/AsciiText.h"
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr std::array<const char*, 18> kCharSetNames{
@@ -24,8 +24,9 @@ static_assert(kCharSetNames.size() == 18);
 // The table's own entry, or null for a null, empty or unknown name.
 const char* findCharSet(const char* name) {
     if (name == nullptr || *name == '\0') return nullptr;
-    const auto found = std::find_if(kCharSetNames.begin(), kCharSetNames.end(),
-                                    [name](const char* entry) { return equalNoCase(entry, name); });
+    const auto found =
+        std::find_if(kCharSetNames.begin(), kCharSetNames.end(),
+                     [name](const char* entry) { return strings::equalNoCase(entry, name); });
     return found == kCharSetNames.end() ? nullptr : *found;
 }
 
@@ -41,9 +42,9 @@ void giveUp(_iconv_info*& handle, bool& initialized, char*& toName, char*& fromN
 }
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::encodings
 
-using qel::duplicate;
+using qel::encodings::duplicate;
 
 CBxCharConvSvcs::CBxCharConvSvcs()
     : m_handle(nullptr),
@@ -57,14 +58,14 @@ CBxCharConvSvcs::CBxCharConvSvcs(const CBxCharConvSvcs& o) : CBxCharConvSvcs() {
 }
 
 CBxCharConvSvcs::~CBxCharConvSvcs() {
-    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
+    qel::encodings::giveUp(m_handle, m_initialized, m_toName, m_fromName);
 }
 
 CBxCharConvSvcs& CBxCharConvSvcs::operator=(CBxCharConvSvcs& o) {
     if (&o == this) return *this;
-    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
+    qel::encodings::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     _iconv_info* opened = iconv_open(o.m_toName, o.m_fromName);
-    if (opened != qel::failedOpen()) {
+    if (opened != qel::encodings::failedOpen()) {
         m_handle = opened;
         m_initialized = o.m_initialized;
     }
@@ -72,21 +73,21 @@ CBxCharConvSvcs& CBxCharConvSvcs::operator=(CBxCharConvSvcs& o) {
     m_fromName = duplicate(o.m_fromName);
     // A conversion has both its names.
     if (m_initialized && (m_toName == nullptr || m_fromName == nullptr))
-        qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
+        qel::encodings::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     return *this;
 }
 
 int CBxCharConvSvcs::Initialize(const char* to, const char* from) {
-    const char* toEntry = qel::findCharSet(to);
-    const char* fromEntry = qel::findCharSet(from);
+    const char* toEntry = qel::encodings::findCharSet(to);
+    const char* fromEntry = qel::encodings::findCharSet(from);
     if (toEntry == nullptr || fromEntry == nullptr || toEntry == fromEntry)
         return QEL_NOT_INITIALIZED;
-    qel::giveUp(m_handle, m_initialized, m_toName, m_fromName);
+    qel::encodings::giveUp(m_handle, m_initialized, m_toName, m_fromName);
     m_toName = duplicate(toEntry);
     m_fromName = duplicate(fromEntry);
     if (m_toName == nullptr || m_fromName == nullptr) return QEL_OUT_OF_MEMORY;
     _iconv_info* opened = iconv_open(m_toName, m_fromName);
-    if (opened == qel::failedOpen()) return QEL_NOT_INITIALIZED;
+    if (opened == qel::encodings::failedOpen()) return QEL_NOT_INITIALIZED;
     m_handle = opened;
     m_initialized = true;
     return QEL_OK;
@@ -102,22 +103,24 @@ int CBxCharConvSvcs::InitializeTo(const char* set) {
 
 const char** CBxCharConvSvcs::GetCharSetNames() {
     // A copy of the table: a caller who writes into it changes no look-up.
-    static std::array<const char*, qel::kCharSetNames.size()> names = qel::kCharSetNames;
+    static std::array<const char*, qel::encodings::kCharSetNames.size()> names =
+        qel::encodings::kCharSetNames;
     return names.data();
 }
 
 int CBxCharConvSvcs::BxConvChar_guts(const char*& in, unsigned int& inLeft, char*& out,
                                      unsigned int& outLeft) {
     if (!m_initialized) return QEL_NOT_INITIALIZED;
-    if (iconv(m_handle, &in, &inLeft, &out, &outLeft) != qel::kIconvFailed) return QEL_OK;
+    if (iconv(m_handle, &in, &inLeft, &out, &outLeft) != qel::encodings::kIconvFailed)
+        return QEL_OK;
     switch (m_lastError) {
-        case qel::kErrorTooBig:
+        case qel::encodings::kErrorTooBig:
             return QEL_OUTPUT_TOO_SMALL;
-        case qel::kErrorBadDescriptor:
+        case qel::encodings::kErrorBadDescriptor:
             return BX_CONV_REFUSED;
-        case qel::kErrorInvalidSequence:
+        case qel::encodings::kErrorInvalidSequence:
             return BX_CONV_INVALID_SEQUENCE;
-        case qel::kErrorInvalidArgument:
+        case qel::encodings::kErrorInvalidArgument:
             return BX_CONV_INCOMPLETE_INPUT;
         default:
             return BX_CONV_OTHER;

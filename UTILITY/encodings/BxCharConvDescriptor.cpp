@@ -8,7 +8,7 @@
 #include "platform/CodePages.h"
 #include "strings/AsciiText.h"
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr std::uint32_t kUtf8CodePage = 65001;
@@ -22,8 +22,8 @@ constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
 // Only these two names are looked at as names. So "8859-2" is page 8859, which no system has, and
 // "SJIS" is the default page: the connector's own meaning of its list, not an oversight.
 std::uint32_t codePageOf(const char* name) {
-    if (equalNoCase(name, "UTF-8")) return kUtf8CodePage;
-    if (equalNoCase(name, "8859-1")) return kDefaultCodePage;
+    if (strings::equalNoCase(name, "UTF-8")) return kUtf8CodePage;
+    if (strings::equalNoCase(name, "8859-1")) return kDefaultCodePage;
     std::uint64_t value = 0;
     for (; *name >= '0' && *name <= '9'; ++name) {
         value = value * 10 + static_cast<std::uint64_t>(*name - '0');
@@ -115,45 +115,45 @@ void releaseDescriptor(_iconv_info* cd) {
     std::free(cd);
 }
 
-}  // namespace qel
+}  // namespace qel::encodings
 
 _iconv_info* CBxCharConvSvcs::iconv_open(const char* to, const char* from) {
     if (to == nullptr || *to == '\0' || from == nullptr || *from == '\0') {
-        m_lastError = qel::kErrorInvalidArgument;
-        return qel::failedOpen();
+        m_lastError = qel::encodings::kErrorInvalidArgument;
+        return qel::encodings::failedOpen();
     }
     auto* cd = static_cast<_iconv_info*>(std::calloc(1, sizeof(_iconv_info)));
     if (cd != nullptr) {
-        cd->toName = qel::duplicate(to);
-        cd->fromName = qel::duplicate(from);
+        cd->toName = qel::encodings::duplicate(to);
+        cd->fromName = qel::encodings::duplicate(from);
     }
     if (cd == nullptr || cd->toName == nullptr || cd->fromName == nullptr) {
-        if (cd != nullptr) qel::releaseDescriptor(cd);
-        m_lastError = qel::kErrorNoMemory;
-        return qel::failedOpen();
+        if (cd != nullptr) qel::encodings::releaseDescriptor(cd);
+        m_lastError = qel::encodings::kErrorNoMemory;
+        return qel::encodings::failedOpen();
     }
-    cd->toCodePage = qel::codePageOf(to);
-    cd->fromCodePage = qel::codePageOf(from);
+    cd->toCodePage = qel::encodings::codePageOf(to);
+    cd->fromCodePage = qel::encodings::codePageOf(from);
     cd->useCodePages = 1;
     return cd;
 }
 
 int CBxCharConvSvcs::iconv_close(_iconv_info* cd) {
-    if (cd == nullptr || cd == qel::failedOpen()) {
-        m_lastError = qel::kErrorBadDescriptor;
+    if (cd == nullptr || cd == qel::encodings::failedOpen()) {
+        m_lastError = qel::encodings::kErrorBadDescriptor;
         return -1;
     }
-    qel::releaseDescriptor(cd);
+    qel::encodings::releaseDescriptor(cd);
     return 0;
 }
 
 unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned int* inLeft,
                                     char** out, unsigned int* outLeft) {
-    if (cd == qel::failedOpen()) cd = nullptr;
+    if (cd == qel::encodings::failedOpen()) cd = nullptr;
     if (cd != nullptr && (in == nullptr || *in == nullptr)) return 0;
     const bool available = qel::platform::codePagesAvailable();
     if (cd != nullptr && !available) cd->useCodePages = 0;
-    int error = qel::kErrorBadDescriptor;
+    int error = qel::encodings::kErrorBadDescriptor;
     unsigned int result = 1;
     if (cd != nullptr && inLeft != nullptr && out != nullptr && *out != nullptr &&
         outLeft != nullptr) {
@@ -162,15 +162,15 @@ unsigned int CBxCharConvSvcs::iconv(_iconv_info* cd, const char** in, unsigned i
                 cd->fromCodePage, cd->toCodePage, *in, *inLeft, *out, *outLeft);
             error = 0;
             if (written != 0)
-                qel::advance(*in, *inLeft, *out, *outLeft, written);
+                qel::encodings::advance(*in, *inLeft, *out, *outLeft, written);
             else
-                error = qel::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
+                error = qel::encodings::convertThroughUtf16(*cd, *in, *inLeft, *out, *outLeft);
         } else {
             result = *inLeft;
-            error = qel::copyBytes(*in, *inLeft, *out, *outLeft);
+            error = qel::encodings::copyBytes(*in, *inLeft, *out, *outLeft);
         }
     }
     if (error == 0) return result;
     m_lastError = error;
-    return qel::kIconvFailed;
+    return qel::encodings::kIconvFailed;
 }

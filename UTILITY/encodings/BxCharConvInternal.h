@@ -7,7 +7,7 @@
 
 #include "QelUtility/BxCharConv.h"
 
-namespace qel {
+namespace qel::encodings {
 
 // The values of one C runtime's errno, and these values on every platform.
 constexpr int kErrorTooBig = 7;
@@ -28,6 +28,6 @@ inline _iconv_info* failedOpen() {
 // Frees a descriptor with all that belongs to it.
 void releaseDescriptor(_iconv_info* cd);
 
-}  // namespace qel
+}  // namespace qel::encodings
 
 #endif

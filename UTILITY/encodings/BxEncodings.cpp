@@ -12,7 +12,7 @@
 
 #include "encodings/BxTea.h"
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 // Shared by every module that exchanges these codes: a change makes the codes of earlier builds
@@ -101,7 +101,7 @@ int decipherFromHex(const char* hex, void* out, unsigned int outSize, const TeaK
     return 0;
 }
 
-}  // namespace qel
+}  // namespace qel::encodings
 
 const char* QELUTILITY_CALL MD5String(const char* text, char* out) {
     if (out == nullptr) return nullptr;
@@ -112,8 +112,8 @@ const char* QELUTILITY_CALL MD5String(const char* text, char* out) {
     if (MD5_Init(&context) == 1 && MD5_Update(&context, text, std::strlen(text)) == 1 &&
         MD5_Final(digest, &context) == 1) {
         for (const unsigned char byte : digest) {
-            *end++ = qel::kHexDigits[byte >> 4];
-            *end++ = qel::kHexDigits[byte & 0x0F];
+            *end++ = qel::encodings::kHexDigits[byte >> 4];
+            *end++ = qel::encodings::kHexDigits[byte & 0x0F];
         }
     }
     *end = '\0';
@@ -121,9 +121,9 @@ const char* QELUTILITY_CALL MD5String(const char* text, char* out) {
 }
 
 int QELUTILITY_CALL ZQUT_EncodeToString(const char* text, char* out, int outSize) {
-    return qel::encipherToHex(text, out, outSize, qel::kCipherKey);
+    return qel::encodings::encipherToHex(text, out, outSize, qel::encodings::kCipherKey);
 }
 
 int QELUTILITY_CALL ZQUT_DecodeFromString(const char* hex, void* out, unsigned int outSize) {
-    return qel::decipherFromHex(hex, out, outSize, qel::kCipherKey);
+    return qel::encodings::decipherFromHex(hex, out, outSize, qel::encodings::kCipherKey);
 }

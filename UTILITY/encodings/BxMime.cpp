@@ -7,7 +7,7 @@
 
 #include "strings/AsciiText.h"
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr std::string_view kTypeName = "MULTIPART";
@@ -15,7 +15,7 @@ constexpr std::string_view kParameterName = "BOUNDARY";
 
 template <typename Char>
 Char* pastSpace(Char* text) {
-    while (isAsciiSpace(*text)) ++text;
+    while (strings::isAsciiSpace(*text)) ++text;
     return text;
 }
 
@@ -36,7 +36,7 @@ const char* findBoundary(const char* separator, const char* lineEnd) {
         if (equals == nullptr) return nullptr;
         const std::string_view name(at, static_cast<std::size_t>(equals - at));
         if (name.size() != kParameterName.size()) return nullptr;
-        if (equalNoCase(name, kParameterName)) return equals + 1;
+        if (strings::equalNoCase(name, kParameterName)) return equals + 1;
         at = equals;
     }
     return nullptr;
@@ -53,7 +53,7 @@ std::string_view boundaryAt(const char* start, const char* lineEnd) {
 }
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::encodings
 
 char* QELUTILITY_CALL GetFoldedLineEnd(char* text, char** next) {
     char* ignored = nullptr;
@@ -67,7 +67,7 @@ char* QELUTILITY_CALL GetFoldedLineEnd(char* text, char** next) {
     if (at == nullptr) return following = text + std::strlen(text);
     for (;;) {
         char* const end = at;
-        at = qel::pastOneLineBreak(end);
+        at = qel::encodings::pastOneLineBreak(end);
         if (*at != ' ' && *at != '\t') {
             following = at;
             return end;
@@ -89,18 +89,19 @@ char* QELUTILITY_CALL GetFoldedLineEnd(char* text, char** next) {
 
 const char* QELUTILITY_CALL GetMIMEDelimiter(char* value, VStr& out) {
     if (value == nullptr) return nullptr;
-    char* const type = qel::pastSpace(value);
+    char* const type = qel::encodings::pastSpace(value);
     char* const slash = std::strchr(type, '/');
     if (slash == nullptr ||
-        !qel::equalNoCase({type, static_cast<std::size_t>(slash - type)}, qel::kTypeName))
+        !qel::strings::equalNoCase({type, static_cast<std::size_t>(slash - type)},
+                                   qel::encodings::kTypeName))
         return nullptr;
     char* const separator = std::strchr(slash, ';');
     if (separator == nullptr) return nullptr;
     const char* const lineEnd = GetFoldedLineEnd(separator, nullptr);
-    const char* const start = qel::findBoundary(separator, lineEnd);
+    const char* const start = qel::encodings::findBoundary(separator, lineEnd);
     if (start == nullptr) return nullptr;
 
-    const std::string_view boundary = qel::boundaryAt(start, lineEnd);
+    const std::string_view boundary = qel::encodings::boundaryAt(start, lineEnd);
     if (boundary.size() >= static_cast<std::size_t>(std::numeric_limits<int>::max()))
         return nullptr;
     // By way of a string of its own, since `value` may be out's text.

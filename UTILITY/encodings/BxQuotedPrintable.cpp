@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-namespace qel {
+namespace qel::encodings {
 namespace {
 
 constexpr std::size_t kMaxLine = 76;  // RFC 2045 §6.7 rule 5, line break not counted
@@ -265,29 +265,33 @@ std::uint64_t longestCode(std::size_t length) {
 }
 
 }  // namespace
-}  // namespace qel
+}  // namespace qel::encodings
 
 int QELUTILITY_CALL encodeQP(const char* text, size_t length, size_t startColumn, char* out,
                              size_t outSize, size_t* resultLength) {
-    return qel::produce(
-        text, length, qel::longestCode(length), out, outSize, resultLength,
+    return qel::encodings::produce(
+        text, length, qel::encodings::longestCode(length), out, outSize, resultLength,
         [&](char* buffer) {
-            return qel::Encoder(text, length, startColumn, qel::LineBreaks::kData, buffer).run();
+            return qel::encodings::Encoder(text, length, startColumn,
+                                           qel::encodings::LineBreaks::kData, buffer)
+                .run();
         });
 }
 
 int QELUTILITY_CALL encodeQuotedPrintable(const char* text, size_t length, char* out,
                                           size_t outSize, size_t* resultLength) {
-    return qel::produce(
-        text, length, qel::longestCode(length), out, outSize, resultLength,
+    return qel::encodings::produce(
+        text, length, qel::encodings::longestCode(length), out, outSize, resultLength,
         [&](char* buffer) {
-            return qel::Encoder(text, length, 0, qel::LineBreaks::kLineBreaks, buffer).run();
+            return qel::encodings::Encoder(text, length, 0, qel::encodings::LineBreaks::kLineBreaks,
+                                           buffer)
+                .run();
         });
 }
 
 int QELUTILITY_CALL decodeQP(const char* text, size_t length, char* out, size_t outSize,
                              size_t* resultLength) {
-    return qel::produce(
+    return qel::encodings::produce(
         text, length, length, out, outSize, resultLength,
-        [&](char* buffer) { return qel::decodeTo(text, length, buffer); });
+        [&](char* buffer) { return qel::encodings::decodeTo(text, length, buffer); });
 }

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace qel {
+namespace qel::encodings {
 
 using TeaKey = std::array<std::uint32_t, 4>;
 using TeaBlock = std::array<std::uint32_t, 2>;
@@ -49,6 +49,6 @@ static_assert(teaDecipher({0x41EA3A0A, 0x94BAA940}, {0, 0, 0, 0}) == TeaBlock{0,
 [[nodiscard]] int decipherFromHex(const char* hex, void* out, unsigned int outSize,
                                   const TeaKey& key);
 
-}  // namespace qel
+}  // namespace qel::encodings
 
 #endif

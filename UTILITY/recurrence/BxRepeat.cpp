@@ -19,16 +19,17 @@ int saturate(std::int64_t value) {
 }  // namespace
 
 __int64 QELUTILITY_CALL ConvertZQTRDateTimeToRRule(int codeDate) {
-    return codeDate == -1 ? -1 : std::int64_t{codeDate} * qel::kSecondsPerDay;
+    return codeDate == -1 ? -1 : std::int64_t{codeDate} * qel::dates::kSecondsPerDay;
 }
 
 int QELUTILITY_CALL ZQTRDateTimeToRRule(int codeDate) {
     if (codeDate == -1) return -1;
-    return saturate((std::int64_t{codeDate} - qel::kUnixEpochCodeDate) * qel::kSecondsPerDay);
+    return saturate((std::int64_t{codeDate} - qel::dates::kUnixEpochCodeDate) *
+                    qel::dates::kSecondsPerDay);
 }
 
 int QELUTILITY_CALL RRuleToZQTRDateTime(__int64 seconds) {
-    return seconds == -1 ? -1 : saturate(seconds / qel::kSecondsPerDay);
+    return seconds == -1 ? -1 : saturate(seconds / qel::dates::kSecondsPerDay);
 }
 
 int QELUTILITY_CALL ZQTRDateTimeToUTCDate(int codeDate, VStr& out) {

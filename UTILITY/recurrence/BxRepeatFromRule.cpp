@@ -8,7 +8,7 @@
 #include "QelUtility/ZQDate.h"
 #include "recurrence/BxRepeatInternal.h"
 
-namespace qel::bxrepeat {
+namespace qel::recurrence {
 
 namespace {
 
@@ -45,8 +45,8 @@ int readMonthDays(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* flags) {
     if (std::popcount(negativeDays) < 2) return QEL_OK;
     warn(flags, BXREPEAT_SEVERAL_NEGATIVE_DAYS);
     if (days != 0) return QEL_OK;
-    return BxTrace_Error(kSourceName, kLineNegativeDaysOnly, static_cast<int>(rule.byMonthDayNeg),
-                         QEL_RULE_INEXPRESSIBLE);
+    return BxTrace_Error(kConversionSourceName, kLineNegativeDaysOnly,
+                         static_cast<int>(rule.byMonthDayNeg), QEL_RULE_INEXPRESSIBLE);
 }
 
 int readWeekdays(const _rruleRepeat& rule, ZQTR_REPEAT& repeat) {
@@ -97,7 +97,8 @@ int readExclusions(const char* text, ZQTR_REPEAT& repeat, int* flags) {
         static_cast<std::size_t>(1 + std::count(text, text + std::strlen(text), ','));
     const std::size_t kept = std::min<std::size_t>(items, kMaxExclusions);
     if (kept < items)
-        BxTrace_Error_S(kSourceName, __LINE__, "Too many exclusions", QEL_RULE_INEXPRESSIBLE);
+        BxTrace_Error_S(kConversionSourceName, __LINE__, "Too many exclusions",
+                        QEL_RULE_INEXPRESSIBLE);
     int* const dates = static_cast<int*>(std::malloc(kept * sizeof(int)));
     if (dates == nullptr) return fail(__LINE__, "No memory for exclusions", QEL_OUT_OF_MEMORY);
     const char* item = text;
@@ -164,7 +165,7 @@ int deriveEnd(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* endFromRule, i
     for (int i = 0; i < rule.count; ++i) {
         const int before = next;
         if (const int result = ZQRepeatNextDate(&repeat, &next, &previous); result != QEL_OK)
-            return BxTrace_Error(kSourceName, kLineCountFailed, 0, result);
+            return BxTrace_Error(kConversionSourceName, kLineCountFailed, 0, result);
         if (next <= before) break;
     }
     repeat.endDate = next;
@@ -186,12 +187,12 @@ int readParts(const _rruleRepeat& rule, ZQTR_REPEAT& repeat, int* flags) {
 
 }  // namespace
 
-}  // namespace qel::bxrepeat
+}  // namespace qel::recurrence
 
 int QELUTILITY_CALL BxUtil_RRuleToBxRepeat(_rruleRepeat* rule, const char* exclusions,
                                            const char* startText, int* endFromRule,
                                            ZQTR_REPEAT* repeat, int* flags) {
-    using namespace qel::bxrepeat;
+    using namespace qel::recurrence;
     if (startText == nullptr) return fail(kLineNoStartText, "Invalid Start Date ptr", QEL_FAILED);
     if (rule == nullptr || repeat == nullptr) return fail(__LINE__, "Null record", QEL_FAILED);
     if (flags != nullptr) *flags = 0;

@@ -5,12 +5,12 @@
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/BxTrace.h"
 
-namespace qel::bxrepeat {
+namespace qel::recurrence {
 
-inline constexpr char kSourceName[] = "BxRepeat";
+inline constexpr char kConversionSourceName[] = "BxRepeat";
 
 // The lines that the conversions' failures are reported with.
-enum Line {
+enum ConversionLine {
     kLineExclusionDate = 249,
     kLineNoStartText = 326,
     kLineUnknownFrequency = 377,
@@ -27,13 +27,13 @@ enum Line {
 };
 
 inline int fail(int line, const char* text, int code) {
-    return BxTrace_Error_S(kSourceName, line, text, code);
+    return BxTrace_Error_S(kConversionSourceName, line, text, code);
 }
 
 inline void warn(int* flags, int warning) {
     if (flags != nullptr) *flags |= warning;
 }
 
-}  // namespace qel::bxrepeat
+}  // namespace qel::recurrence
 
 #endif

@@ -4,7 +4,7 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/BxRepeatInternal.h"
 
-namespace qel::bxrepeat {
+namespace qel::recurrence {
 
 namespace {
 
@@ -217,12 +217,12 @@ void deriveCount(ZQTR_REPEAT& repeat, _rruleRepeat& rule, int* flags) {
 
 }  // namespace
 
-}  // namespace qel::bxrepeat
+}  // namespace qel::recurrence
 
 int QELUTILITY_CALL BxUtil_BxRepeatToRRule(ZQTR_REPEAT* repeat, _rruleRepeat* rule,
                                            VStr& exclusions, VStr& startText, int noCount,
                                            int* flags) {
-    using namespace qel::bxrepeat;
+    using namespace qel::recurrence;
     if (flags != nullptr) *flags = 0;
     if (repeat == nullptr || rule == nullptr) return fail(__LINE__, "Null record", QEL_FAILED);
     BxUtil_InitializeRRULE(rule);

@@ -11,7 +11,7 @@
 #include "QelUtility/VStr.h"
 #include "recurrence/RRuleOutput.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 inline constexpr int kPositionSlots = 4;  // of _rruleRepeat::setPos
 inline constexpr int kYearDayWords = 6;   // of _rruleRepeat::byYearDay and byYearDayNeg
@@ -123,6 +123,6 @@ __int64 RRule_ReadUntil(std::string_view text, int* flags);
 // Reports an unknown frequency and returns the readers' result for it, -1.
 int RRule_BadFrequency(std::string_view text);
 
-}  // namespace qel
+}  // namespace qel::recurrence
 
 #endif

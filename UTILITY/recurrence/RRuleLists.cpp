@@ -3,7 +3,7 @@
 
 #include "recurrence/RRuleInternal.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace {
 
@@ -84,4 +84,4 @@ void RRule_AppendSetPositions(const _rruleRepeat& rule, RRuleOutput& out) {
     }
 }
 
-}  // namespace qel
+}  // namespace qel::recurrence

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <string_view>
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace detail {
 
@@ -59,6 +59,6 @@ class RRuleOutput {
     std::size_t length_ = 0;
 };
 
-}  // namespace qel
+}  // namespace qel::recurrence
 
 #endif

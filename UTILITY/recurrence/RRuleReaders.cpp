@@ -7,7 +7,7 @@
 #include "QelUtility/RRule.h"
 #include "recurrence/RRuleInternal.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace {
 
@@ -222,18 +222,20 @@ Fields positionalFields(std::string_view text) {
 
 }  // namespace
 
-}  // namespace qel
+}  // namespace qel::recurrence
 
-using namespace qel;
+namespace recurrence = qel::recurrence;
 
 int BxUtil_PositionaltoRRULE(const char* text, _rruleRepeat* rule, int* flags) {
-    RRule_Start(rule, flags);
+    recurrence::RRule_Start(rule, flags);
     if (rule == nullptr) return QEL_FAILED;
-    return readFields(positionalFields(text != nullptr ? text : ""), *rule, flags);
+    return recurrence::readFields(recurrence::positionalFields(text != nullptr ? text : ""), *rule,
+                                  flags);
 }
 
 int BxUtil_PositionalV20toRRULE(const char* text, _rruleRepeat* rule, int* flags) {
-    RRule_Start(rule, flags);
+    recurrence::RRule_Start(rule, flags);
     if (rule == nullptr) return QEL_FAILED;
-    return readFields(namedFields(text != nullptr ? text : ""), *rule, flags);
+    return recurrence::readFields(recurrence::namedFields(text != nullptr ? text : ""), *rule,
+                                  flags);
 }

@@ -7,7 +7,7 @@
 #include "dates/ZQDateInternal.h"
 #include "recurrence/RRuleInternal.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace {
 
@@ -101,4 +101,4 @@ int RRule_BadFrequency(std::string_view text) {
     return BxTrace_Error_SL(kSourceName, __LINE__, message, 0, QEL_FAILED);
 }
 
-}  // namespace qel
+}  // namespace qel::recurrence

@@ -4,7 +4,7 @@
 #include "QelUtility/RRule.h"
 #include "recurrence/RRuleInternal.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace {
 
@@ -117,20 +117,21 @@ void readModifier(std::string_view token, _rruleRepeat& rule) {
 
 }  // namespace
 
-}  // namespace qel
+}  // namespace qel::recurrence
 
-using namespace qel;
+namespace recurrence = qel::recurrence;
 
 int BxUtil_PositionalV10toRRULE(const char* text, _rruleRepeat* rule, int* flags) {
-    RRule_Start(rule, flags);
+    recurrence::RRule_Start(rule, flags);
     if (rule == nullptr) return QEL_FAILED;
-    RRuleItems tokens(text != nullptr ? text : "", ' ', RRuleItems::Empty::kKeep);
+    recurrence::RRuleItems tokens(text != nullptr ? text : "", ' ',
+                                  recurrence::RRuleItems::Empty::kKeep);
     std::string_view token;
     tokens.next(token);
-    if (!readFrequency(token, *rule)) return RRule_BadFrequency(token);
+    if (!recurrence::readFrequency(token, *rule)) return recurrence::RRule_BadFrequency(token);
     while (tokens.next(token)) {
-        if (tokens.atEnd() && readEnd(token, *rule, flags)) break;
-        readModifier(token, *rule);
+        if (tokens.atEnd() && recurrence::readEnd(token, *rule, flags)) break;
+        recurrence::readModifier(token, *rule);
     }
     return QEL_OK;
 }

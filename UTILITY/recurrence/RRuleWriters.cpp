@@ -4,7 +4,7 @@
 #include "dates/ZQDateInternal.h"
 #include "recurrence/RRuleInternal.h"
 
-namespace qel {
+namespace qel::recurrence {
 
 namespace {
 
@@ -181,16 +181,18 @@ const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTim
         out, [&](RRuleOutput& text) { return writePositional(rule, text, withTime); });
 }
 
-}  // namespace qel
+}  // namespace qel::recurrence
 
-using namespace qel;
+namespace recurrence = qel::recurrence;
 
 const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    return deliver(
-        out, [&](RRuleOutput& text) { return writeIETF(rule, text, withTime); });
+    return recurrence::deliver(
+        out,
+        [&](recurrence::RRuleOutput& text) { return recurrence::writeIETF(rule, text, withTime); });
 }
 
 const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime) {
-    return deliver(
-        out, [&](RRuleOutput& text) { return writeV10(rule, text, withTime); });
+    return recurrence::deliver(
+        out,
+        [&](recurrence::RRuleOutput& text) { return recurrence::writeV10(rule, text, withTime); });
 }

@@ -3,7 +3,7 @@
 
 #include "recurrence/RptNextSteps.h"
 
-namespace rptnext = qel::rptnext;
+namespace recurrence = qel::recurrence;
 
 int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat) {
     if (repeat == nullptr) return QEL_OK;
@@ -28,10 +28,11 @@ int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat) {
     return QEL_OK;
 }
 
+namespace qel::recurrence {
+
 namespace {
 
 int nextOfType(const ZQTR_REPEAT& repeat, int previous, int& date) {
-    using namespace qel::rptnext;
     switch (repeat.type) {
         case REPEAT_DAILY:
             return nextDaily(repeat, previous, date);
@@ -65,23 +66,28 @@ int nextOfType(const ZQTR_REPEAT& repeat, int previous, int& date) {
 
 }  // namespace
 
+}  // namespace qel::recurrence
+
 int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous) {
     if (repeat == nullptr || next == nullptr || previous == nullptr)
-        return BxTrace_Error_S(rptnext::kSourceName, __LINE__, "Null argument", QEL_REPEAT_ENGINE);
+        return BxTrace_Error_S(recurrence::kEngineSourceName, __LINE__, "Null argument",
+                               QEL_REPEAT_ENGINE);
     if (repeat->type == REPEAT_NONE) {
         *previous = *next;
         return QEL_OK;
     }
-    if (!rptnext::isValid(*repeat)) return rptnext::fail(rptnext::kLineBadRecord, repeat->type);
+    if (!recurrence::isValid(*repeat))
+        return recurrence::fail(recurrence::kLineBadRecord, repeat->type);
     const int before = *previous;
     int date = 0;
-    if (const int result = nextOfType(*repeat, before, date); result != QEL_OK) return result;
+    if (const int result = recurrence::nextOfType(*repeat, before, date); result != QEL_OK)
+        return result;
     *next = date;
     *previous = date;
     // A day of the quarter below 1 falls before its quarter and would be found again and again.
     if (repeat->type == REPEAT_QUARTERLY_DAY && date <= before) {
-        return BxTrace_Error_S(rptnext::kSourceName, rptnext::kLineQuarterDay, "Quarterly",
-                               QEL_REPEAT_ENGINE);
+        return BxTrace_Error_S(recurrence::kEngineSourceName, recurrence::kLineQuarterDay,
+                               "Quarterly", QEL_REPEAT_ENGINE);
     }
     return QEL_OK;
 }

@@ -9,14 +9,14 @@
 
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
 // The last day on which the types 8 and 15 search; after it they give every day.
-constexpr int kLastSearchedDay = encodeCivilDate({kLastSearchedYear, 12, 31});
+constexpr int kLastSearchedDay = dates::encodeCivilDate({kLastSearchedYear, 12, 31});
 // The last weekday of the start's quarter is tried three years on, which must be in the range.
-constexpr int kLatestQuarterStart = encodeCivilDate({kLastYear - 4, 12, 31});
+constexpr int kLatestQuarterStart = dates::encodeCivilDate({dates::kLastYear - 4, 12, 31});
 // A day of the quarter up to this one stays in its quarter's year.
 constexpr int kDaysOfYear = 365;
 
@@ -79,10 +79,10 @@ int periodOf(const ZQTR_REPEAT& repeat, const Periods& periods, const CivilDate&
 
 // REQUIRES: each period's occurrence lies in it
 bool jumpPeriods(const ZQTR_REPEAT& repeat, const Periods& periods, int date, int& found) {
-    int period = periodOf(repeat, periods, decodeCivilDate(date));
+    int period = periodOf(repeat, periods, dates::decodeCivilDate(date));
     if (periods.step != periods.length) {
         // The series has not every period: count them from the first occurrence's.
-        int first = periodOf(repeat, periods, decodeCivilDate(repeat.startDate));
+        int first = periodOf(repeat, periods, dates::decodeCivilDate(repeat.startDate));
         if (!periods.occurrenceIn(repeat, monthOf(first), found)) return false;
         if (found < repeat.startDate) first += periods.length;
         period = first + roundUp(std::max(period - first, 0), periods.step);
@@ -118,12 +118,12 @@ bool jumpWeeksMonthly(const ZQTR_REPEAT& repeat, int date, int& found) {
     }
     const int searched = std::min(date, kLastSearchedDay);
     const int before = std::max(searched - 1, +repeat.startDate);
-    const CivilDate start = decodeCivilDate(repeat.startDate);
-    const CivilDate until = decodeCivilDate(before);
+    const CivilDate start = dates::decodeCivilDate(repeat.startDate);
+    const CivilDate until = dates::decodeCivilDate(before);
     const CivilDate month = monthOf(lastMonthUntil(
         start.year * 12 + start.month - 1, repeat.interval, until.year * 12 + until.month - 1));
-    const int monthEnd =
-        encodeCivilDate({month.year, month.month, daysInMonth(month.month, month.year)});
+    const int monthEnd = dates::encodeCivilDate(
+        {month.year, month.month, dates::daysInMonth(month.month, month.year)});
     if (nextInWeeks(repeat, std::min(before, monthEnd), found) != QEL_OK) return false;
     if (date == searched) return true;
     if (found <= kLastSearchedDay && nextInWeeks(repeat, found, found) != QEL_OK) return false;
@@ -134,7 +134,7 @@ bool jumpWeeksMonthly(const ZQTR_REPEAT& repeat, int date, int& found) {
 }  // namespace
 
 bool jump(const ZQTR_REPEAT& repeat, int date, int& found) {
-    if (!isValid(repeat) || date <= repeat.startDate || date > kLastCodeDate) return false;
+    if (!isValid(repeat) || date <= repeat.startDate || date > dates::kLastCodeDate) return false;
     const int interval = repeat.interval;
     const bool hasMonth = isBetween(1, repeat.month, 12);
     const bool hasWeekday = isBetween(1, repeat.dayOfWeek, 7);
@@ -156,7 +156,7 @@ bool jump(const ZQTR_REPEAT& repeat, int date, int& found) {
                    jumpPeriods(repeat, {12, 12 * interval, dayOfMonthIn}, date, found);
         case REPEAT_DAY_OF_MONTHS:
             return repeat.dayOfMonth >= 1 &&
-                   dayOfMonthsFrom(repeat, decodeCivilDate(date), date, found);
+                   dayOfMonthsFrom(repeat, dates::decodeCivilDate(date), date, found);
         case REPEAT_MONTHLY_WEEKDAY:
             return hasWeekday && repeat.weekOfMonth >= 1 &&
                    jumpPeriods(repeat, {1, interval, weekdayOfMonthIn}, date, found);
@@ -187,4 +187,4 @@ bool jump(const ZQTR_REPEAT& repeat, int date, int& found) {
     }
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

@@ -5,7 +5,7 @@
 
 #include "QelUtility/RptNext.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 // The first occurrence at or after `date` that ZQRepeatNextDate comes to when it steps from the
 // series' first one, into `found`; every step up to it succeeds and advances. The time does not
@@ -16,6 +16,6 @@ namespace qel::rptnext {
 // an occurrence out of its month or quarter, and past the last occurrence.
 [[nodiscard]] bool jump(const ZQTR_REPEAT& repeat, int date, int& found);
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence
 
 #endif

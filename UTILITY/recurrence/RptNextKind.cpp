@@ -2,7 +2,7 @@
 // (monthly) and 11 (yearly).
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -60,7 +60,7 @@ bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     const int day = isLast ? clampDay(31, month.month, month.year) : 1;
     int edge = 0;
     if (!encode({month.year, month.month, day}, edge)) return false;
-    const int weekday = weekdayOfCode(edge);
+    const int weekday = dates::weekdayOfCode(edge);
     date = isLast ? edge - daysBeforeLast(repeat.dayOfWeek, weekday)
                   : edge + daysFromFirst(repeat.dayOfMonth, repeat.dayOfWeek, weekday);
     return true;
@@ -85,4 +85,4 @@ int nextKindOfDay(const ZQTR_REPEAT& repeat, int previous, int& date) {
     return QEL_OK;
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

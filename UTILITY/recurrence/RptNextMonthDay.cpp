@@ -2,7 +2,7 @@
 // selected months).
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -65,4 +65,4 @@ int nextDayOfMonths(const ZQTR_REPEAT& repeat, int previous, int& date) {
                                                                 : failDate(kLineMonthsEncode);
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

@@ -2,7 +2,7 @@
 // weekday).
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -15,18 +15,18 @@ void toQuarter(CivilDate& date, int quarters) {
 }
 
 int failQuarterDay() {
-    return BxTrace_Error_S(kSourceName, kLineQuarterDay, "Quarterly", QEL_REPEAT_ENGINE);
+    return BxTrace_Error_S(kEngineSourceName, kLineQuarterDay, "Quarterly", QEL_REPEAT_ENGINE);
 }
 
 // The first of the record's weekday on or after `first`, then whole weeks on.
 int weekdayFrom(const ZQTR_REPEAT& repeat, int first) {
-    const int forward = repeat.dayOfWeek - weekdayOfCode(first);
+    const int forward = repeat.dayOfWeek - dates::weekdayOfCode(first);
     return first + (forward >= 0 ? forward : forward + 7) + (repeat.weekOfMonth - 1) * 7;
 }
 
 // The last of the record's weekday before `end`.
 int weekdayBefore(const ZQTR_REPEAT& repeat, int end) {
-    const int back = weekdayOfCode(end - 1) - repeat.dayOfWeek;
+    const int back = dates::weekdayOfCode(end - 1) - repeat.dayOfWeek;
     return end - 1 - (back >= 0 ? back : back + 7);
 }
 
@@ -43,7 +43,7 @@ bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date
     const int lastMonth = first.month + kMonths - 1;
     if (day.month >= first.month && day.month <= lastMonth) return true;
     const int year = day.month > lastMonth ? day.year : day.year - 1;
-    return encode({year, lastMonth, daysInMonth(lastMonth, year)}, date);
+    return encode({year, lastMonth, dates::daysInMonth(lastMonth, year)}, date);
 }
 
 bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {
@@ -95,4 +95,4 @@ int nextWeekdayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date) {
     return failDate(isLast ? kLineQuarterLastEncode : kLineQuarterEncode);
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

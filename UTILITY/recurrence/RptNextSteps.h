@@ -11,12 +11,14 @@
 #include "QelUtility/RptNext.h"
 #include "dates/CivilDate.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
-inline constexpr char kSourceName[] = "RptNext";
+using dates::CivilDate;
+
+inline constexpr char kEngineSourceName[] = "RptNext";
 
 // The lines that the engine's failures are reported with, whichever file they now come from.
-enum Line {
+enum EngineLine {
     kLineBadRecord = 100,
     kLineUnknownType = 131,
     kLineNoWeekday = 219,
@@ -56,7 +58,7 @@ inline constexpr int kLastWeekOfQuarter = 14;
 
 // Reports a failure with its detail; the result is 4008.
 inline int fail(int line, int detail) {
-    return BxTrace_Error(kSourceName, line, detail, QEL_REPEAT_ENGINE);
+    return BxTrace_Error(kEngineSourceName, line, detail, QEL_REPEAT_ENGINE);
 }
 
 // Reports that a date could not be encoded or decoded; the detail is the date functions' -1.
@@ -67,14 +69,14 @@ inline int failDate(int line) {
 // The code date of `date`, which may lie outside every range: false then. A day past its month's
 // end counts on into the next month.
 [[nodiscard]] constexpr bool encode(const CivilDate& date, int& code) noexcept {
-    if (!isEncodable(date)) return false;
-    code = encodeCivilDate(date);
+    if (!dates::isEncodable(date)) return false;
+    code = dates::encodeCivilDate(date);
     return true;
 }
 
 [[nodiscard]] constexpr bool decode(int code, CivilDate& date) noexcept {
-    if (!isCodeDate(code)) return false;
-    date = decodeCivilDate(code);
+    if (!dates::isCodeDate(code)) return false;
+    date = dates::decodeCivilDate(code);
     return true;
 }
 
@@ -89,7 +91,7 @@ constexpr void carryMonth(CivilDate& date) noexcept {
 // has no last day; encoding it fails.
 [[nodiscard]] constexpr int clampDay(int dayOfMonth, int month, int year) noexcept {
     if (month < 1 || month > 12) return dayOfMonth;
-    return std::min(dayOfMonth, daysInMonth(month, year));
+    return std::min(dayOfMonth, dates::daysInMonth(month, year));
 }
 
 // The date that the types 3, 4, 6, 7, 10 and 11 compute from.
@@ -100,7 +102,7 @@ constexpr void carryMonth(CivilDate& date) noexcept {
 // A date that was computed beyond 32 bits is a failure, never a wrapped date.
 inline int narrow(std::int64_t value, int& date) {
     if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max())
-        return BxTrace_Error_S(kSourceName, __LINE__, "Date out of range", QEL_REPEAT_ENGINE);
+        return BxTrace_Error_S(kEngineSourceName, __LINE__, "Date out of range", QEL_REPEAT_ENGINE);
     date = static_cast<int>(value);
     return QEL_OK;
 }
@@ -149,6 +151,6 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date);           /
 int nextDayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date);      // type 13
 int nextWeekdayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date);  // type 14
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence
 
 #endif

@@ -2,7 +2,7 @@
 #include "recurrence/RptNextSteps.h"
 #include "recurrence/unfold.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -10,7 +10,7 @@ namespace {
 // out of the month.
 int oddWeekdayOfMonth(const ZQTR_REPEAT& repeat, int first, int length) {
     const int last = first + length - 1;
-    int back = weekdayOfCode(last) - repeat.dayOfWeek;
+    int back = dates::weekdayOfCode(last) - repeat.dayOfWeek;
     if (back < 0) back += 7;
     const int date = last - back;
     const int week = WeekOfMonth(date);
@@ -24,12 +24,13 @@ int oddWeekdayOfMonth(const ZQTR_REPEAT& repeat, int first, int length) {
 bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     int first = 0;
     if (!encode({month.year, month.month, 1}, first)) return false;
-    const int length = daysInMonth(month.month, month.year);
+    const int length = dates::daysInMonth(month.month, month.year);
     if (repeat.dayOfWeek < 1 || repeat.dayOfWeek > 7) {
         date = oddWeekdayOfMonth(repeat, first, length);
         return true;
     }
-    int forward = repeat.dayOfWeek - weekdayOfCode(first);  // [0, 6], days to the first of them
+    int forward =
+        repeat.dayOfWeek - dates::weekdayOfCode(first);  // [0, 6], days to the first of them
     if (forward < 0) forward += 7;
     const int weeks = forward + 28 < length ? 5 : 4;
     date = first + forward + 7 * (std::min<int>(repeat.weekOfMonth, weeks) - 1);
@@ -51,4 +52,4 @@ int nextWeekdayOfMonth(const ZQTR_REPEAT& repeat, int previous, int& date) {
     }
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

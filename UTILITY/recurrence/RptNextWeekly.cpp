@@ -3,7 +3,7 @@
 
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -42,4 +42,4 @@ int nextWeeklyDays(const ZQTR_REPEAT& repeat, int previous, int& date) {
     return fail(kLineNoWeekday, QEL_REPEAT_ENGINE);
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

@@ -5,7 +5,7 @@
 
 #include "recurrence/RptNextSteps.h"
 
-namespace qel::rptnext {
+namespace qel::recurrence {
 
 namespace {
 
@@ -28,8 +28,9 @@ class Selection {
     // Bit n - 1 is set when day n of the month is selected.
     // REQUIRES: a month that encodes
     [[nodiscard]] std::uint32_t daysOf(int year, int month) const {
-        const int length = daysInMonth(month, year);
-        const int firstWeekday = weekdayOfCode(encodeCivilDate({year, month, 1})) - 1;  // [0, 6]
+        const int length = dates::daysInMonth(month, year);
+        const int firstWeekday =
+            dates::weekdayOfCode(dates::encodeCivilDate({year, month, 1})) - 1;  // [0, 6]
         const std::uint64_t fromFirst = ((weekdays_ | weekdays_ << 7) >> firstWeekday) & kWeek;
         std::uint64_t weeks = weekDays_;
         if (fourthMayBeLast_)
@@ -63,7 +64,7 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
 
     const bool byInterval = repeat.type == REPEAT_WEEKS_MONTHLY;
     const Selection selection(repeat);
-    int anchor = isFirst ? day.month : decodeCivilDate(previous).month;
+    int anchor = isFirst ? day.month : dates::decodeCivilDate(previous).month;
     for (;;) {
         bool hasJumped = false;
         if (byInterval && day.month != anchor) {
@@ -78,29 +79,29 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
             }
         }
         if (byInterval || repeat.months[day.month - 1] != 0) {
-            if (day.year > kLastYear) {
-                date = kLastCodeDate + 1;
+            if (day.year > dates::kLastYear) {
+                date = dates::kLastCodeDate + 1;
                 return QEL_OK;
             }
             const std::uint32_t days = selection.daysOf(day.year, day.month) >> (day.day - 1);
             if (hasJumped && day.year > kLastSearchedYear) {
                 // The first day after a jump is still looked at; the one after it is past the end.
-                date = encodeCivilDate(day) + ((days & 1) != 0 ? 0 : 1);
+                date = dates::encodeCivilDate(day) + ((days & 1) != 0 ? 0 : 1);
                 return QEL_OK;
             }
             if (days != 0) {
                 day.day += std::countr_zero(days);
-                date = encodeCivilDate(day);
+                date = dates::encodeCivilDate(day);
                 return QEL_OK;
             }
         }
         day = {day.year, day.month + 1, 1};
         carryMonth(day);
         if (day.year > kLastSearchedYear) {
-            date = encodeCivilDate(day);
+            date = dates::encodeCivilDate(day);
             return QEL_OK;
         }
     }
 }
 
-}  // namespace qel::rptnext
+}  // namespace qel::recurrence

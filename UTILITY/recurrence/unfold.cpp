@@ -48,15 +48,15 @@ bool listOccurrence(const ZQTR_REPEAT& repeat, int start, int from, int to, List
 bool jumpToRange(const ZQTR_REPEAT& repeat, int from, int& date) {
     const std::int64_t first = std::int64_t{from} - repeat.unitCount + 1;
     if (first <= repeat.startDate) return false;
-    return qel::rptnext::jump(
-        repeat, static_cast<int>(std::min<std::int64_t>(first, qel::kLastCodeDate)), date);
+    return qel::recurrence::jump(
+        repeat, static_cast<int>(std::min<std::int64_t>(first, qel::dates::kLastCodeDate)), date);
 }
 
 }  // namespace
 
 int WeekOfMonth(int codeDate) {
-    if (!qel::isCodeDate(codeDate)) return 1;
-    return (qel::decodeCivilDate(codeDate).day - 1) / 7 + 1;
+    if (!qel::dates::isCodeDate(codeDate)) return 1;
+    return (qel::dates::decodeCivilDate(codeDate).day - 1) / 7 + 1;
 }
 
 int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock* list, int* valid,
@@ -85,7 +85,7 @@ int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock
             if (!isFirst && current <= before) return fail(__LINE__, current, QEL_REPEAT_ENGINE);
         }
         // Past the last code date there is nothing to list, wherever the range ends.
-        if (current > qel::kLastCodeDate) break;
+        if (current > qel::dates::kLastCodeDate) break;
         if (listOccurrence(*repeat, current, from, to, listing)) break;
         if (repeat->type == REPEAT_NONE) break;
     }

@@ -9,8 +9,8 @@
 
 namespace {
 
-constexpr int kDefaultFrom = qel::encodeCivilDate({1950, 1, 1});
-constexpr int kDefaultTo = qel::encodeCivilDate({2049, 12, 31});
+constexpr int kDefaultFrom = qel::dates::encodeCivilDate({1950, 1, 1});
+constexpr int kDefaultTo = qel::dates::encodeCivilDate({2049, 12, 31});
 
 // Occurrences beyond the wanted ones that the estimate leaves room for.
 constexpr int kReserve = 10;

@@ -49,7 +49,7 @@ CBxBuffer::~CBxBuffer() {
 void CBxBuffer::GrowBuf(int needed) {
     needed = std::max(needed, 0);
     if (m_external != 0)
-        qel::failWithSize(__LINE__, static_cast<unsigned>(needed), QEL_STORAGE_NOT_OWNED);
+        qel::streams::failWithSize(__LINE__, static_cast<unsigned>(needed), QEL_STORAGE_NOT_OWNED);
     // Without storage the numbers are those of storage that is gone.
     if (m_storage == nullptr) m_length = m_capacity = 0;
 
@@ -57,10 +57,10 @@ void CBxBuffer::GrowBuf(int needed) {
     const std::uint64_t required = offset + static_cast<unsigned>(needed);
     if (required < m_capacity) return;
     const std::uint64_t capacity = grownCapacity(m_capacity, required);
-    if (capacity < required) qel::failWithSize(__LINE__, required, QEL_OUT_OF_MEMORY);
+    if (capacity < required) qel::streams::failWithSize(__LINE__, required, QEL_OUT_OF_MEMORY);
     // Zero-filled: whatever is read of it before it is written must not be what others left there.
     auto* grown = static_cast<unsigned char*>(std::calloc(static_cast<std::size_t>(capacity), 1));
-    if (grown == nullptr) qel::failWithSize(__LINE__, capacity, QEL_OUT_OF_MEMORY);
+    if (grown == nullptr) qel::streams::failWithSize(__LINE__, capacity, QEL_OUT_OF_MEMORY);
     if (offset > 0) std::memcpy(grown, m_storage, static_cast<std::size_t>(offset));
     Dispose();
     m_storage = grown;
@@ -77,7 +77,7 @@ void CBxBuffer::Dispose() {
 
 void CBxBuffer::SetExtBuf(void* data, int length, int capacity) {
     // Its own storage given back to it stays alive: it is the caller's from now on.
-    if (!qel::pointsInto(data, m_storage, m_capacity)) Dispose();
+    if (!qel::streams::pointsInto(data, m_storage, m_capacity)) Dispose();
     m_storage = static_cast<unsigned char*>(data);
     m_position = m_storage;
     m_length = data == nullptr ? 0 : static_cast<unsigned int>(std::max(length, 0));

@@ -15,9 +15,9 @@
 
 namespace {
 
-using qel::failWithSize;
-using qel::kSeparator;
-using qel::pointsInto;
+using qel::streams::failWithSize;
+using qel::streams::kSeparator;
+using qel::streams::pointsInto;
 
 // Bytes to be written into storage that they may themselves lie in: then a copy of them.
 class Source {
@@ -59,9 +59,9 @@ int CBxDataStream::Initialize(unsigned char* data, unsigned long size, bool forR
     auto* storage =
         sane ? static_cast<unsigned char*>(std::malloc(std::max<std::size_t>(size, 1))) : nullptr;
     if (storage == nullptr) {
-        const qel::Excerpt excerpt(data, size);
+        const qel::streams::Excerpt excerpt(data, size);
         Empty();
-        return BxTrace_Error_SL(qel::kStreamSourceName, __LINE__, excerpt.text,
+        return BxTrace_Error_SL(qel::streams::kStreamSourceName, __LINE__, excerpt.text,
                                 static_cast<long>(std::min<unsigned long>(size, INT_MAX)),
                                 QEL_OUT_OF_MEMORY);
     }
@@ -137,7 +137,7 @@ int CBxDataStream::CBxstrlen(unsigned char* p) {
     if (p == nullptr) return 0;
     std::size_t room = m_capacity;
     if (pointsInto(p, m_storage, m_capacity)) room -= static_cast<std::size_t>(p - m_storage);
-    const unsigned char* end = std::find_if(p, p + room, qel::endsValue);
+    const unsigned char* end = std::find_if(p, p + room, qel::streams::endsValue);
     const auto length = static_cast<std::size_t>(end - p);
     return length == room || length > INT_MAX ? 0 : static_cast<int>(length);
 }

@@ -12,7 +12,7 @@
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/QelTypes.h"
 
-namespace qel {
+namespace qel::streams {
 
 constexpr char kStreamSourceName[] = "BxDataStream";
 constexpr char kSeparator = '\x1F';
@@ -64,6 +64,6 @@ constexpr auto kHexValues = [] {
 
 constexpr char kHexDigits[] = "0123456789abcdef";
 
-}  // namespace qel
+}  // namespace qel::streams
 
 #endif

@@ -9,8 +9,8 @@
 
 namespace {
 
-using qel::Excerpt;
-using qel::kStreamSourceName;
+using qel::streams::Excerpt;
+using qel::streams::kStreamSourceName;
 
 constexpr int kDecodeNoMemory = 7004;
 constexpr int kDecodeMalformed = 7011;
@@ -29,8 +29,8 @@ unsigned char* decodedBytes(const unsigned char* text, int length, long& size, i
         if (byte == 0xFF) {
             byte = 0;
         } else if (byte == 0xFE) {
-            const int high = i + 2 < length ? qel::hexDigit(text[i + 1]) : -1;
-            const int low = i + 2 < length ? qel::hexDigit(text[i + 2]) : -1;
+            const int high = i + 2 < length ? qel::streams::hexDigit(text[i + 1]) : -1;
+            const int low = i + 2 < length ? qel::streams::hexDigit(text[i + 2]) : -1;
             if (high < 0 || low < 0) {
                 std::free(block);
                 code = kDecodeMalformed;
@@ -52,7 +52,7 @@ unsigned char* decodedBytes(const unsigned char* text, int length, long& size, i
 unsigned long long CBxDataStream::ReadNumber() {
     const unsigned char* end = ContentEnd();
     if (m_position < end && *m_position == '-' &&
-        (m_position + 1 == end || qel::endsValue(m_position[1]))) {
+        (m_position + 1 == end || qel::streams::endsValue(m_position[1]))) {
         ValueLength(__LINE__);  // throws where the content ends with the "-"
         // Past what follows too, be it the terminator: what comes after "-" at the end is the end.
         m_position += 2;
@@ -61,15 +61,15 @@ unsigned long long CBxDataStream::ReadNumber() {
     unsigned long long value = 0;
     unsigned char* p = m_position;
     for (; p < end; ++p) {
-        const int digit = qel::kHexValues[*p];
+        const int digit = qel::streams::kHexValues[*p];
         if (digit < 0) {
-            if (qel::endsValue(*p)) break;
+            if (qel::streams::endsValue(*p)) break;
             throw static_cast<int>(QEL_MALFORMED);
         }
         value = value << 4 | static_cast<unsigned>(digit);
     }
     if (p >= end || p - m_position > INT_MAX) ValueLength(__LINE__);  // throws
-    m_position = *p == static_cast<unsigned char>(qel::kSeparator) ? p + 1 : p;
+    m_position = *p == static_cast<unsigned char>(qel::streams::kSeparator) ? p + 1 : p;
     return value;
 }
 
@@ -77,9 +77,9 @@ unsigned long long CBxDataStream::ReadNumber() {
 // 2023.
 int CBxDataStream::ValueLength(int line) {
     const unsigned char* end = ContentEnd();
-    const unsigned char* valueEnd =
-        m_position < end ? std::find_if<const unsigned char*>(m_position, end, qel::endsValue)
-                         : end;
+    const unsigned char* valueEnd = m_position < end ? std::find_if<const unsigned char*>(
+                                                           m_position, end, qel::streams::endsValue)
+                                                     : end;
     if (valueEnd < end && valueEnd - m_position <= INT_MAX)
         return static_cast<int>(valueEnd - m_position);
     const auto length = m_position < end ? end - m_position : 0;
@@ -91,7 +91,8 @@ int CBxDataStream::ValueLength(int line) {
 // Moves past a value of that length and past its separator; the terminator stays.
 void CBxDataStream::PassValue(int length) {
     m_position += length;
-    if (m_position < ContentEnd() && *m_position == static_cast<unsigned char>(qel::kSeparator))
+    if (m_position < ContentEnd() &&
+        *m_position == static_cast<unsigned char>(qel::streams::kSeparator))
         ++m_position;
 }
 
@@ -178,7 +179,7 @@ CBxDataStream& CBxDataStream::operator>>(VStr& text) {
     const int length = ValueLength(__LINE__);
     text.Copy(reinterpret_cast<const char*>(m_position), length);
     if (text.GetLength() != length)
-        qel::failWithSize(__LINE__, static_cast<unsigned>(length), QEL_OUT_OF_MEMORY);
+        qel::streams::failWithSize(__LINE__, static_cast<unsigned>(length), QEL_OUT_OF_MEMORY);
     PassValue(length);
     return *this;
 }
@@ -188,13 +189,13 @@ CBxDataStream& CBxDataStream::operator>>(VStrArray& list) {
     // One change of size for all elements: each one copies the whole array.
     const int old = list.GetSize();
     if (count > INT_MAX - old)
-        qel::failWithSize(__LINE__, static_cast<unsigned>(count), QEL_OUT_OF_MEMORY);
+        qel::streams::failWithSize(__LINE__, static_cast<unsigned>(count), QEL_OUT_OF_MEMORY);
     int read = 0;
     if (count > 0) list.SetSize(old + count);
     try {
         // An array without memory has a size but no elements: all of them are the same.
         if (count > 0 && &list.ElementAt(old) == &list.ElementAt(-1))
-            qel::failWithSize(__LINE__, static_cast<unsigned>(count), QEL_OUT_OF_MEMORY);
+            qel::streams::failWithSize(__LINE__, static_cast<unsigned>(count), QEL_OUT_OF_MEMORY);
         for (; read < count; ++read) *this >> list.ElementAt(old + read);
     } catch (int) {
         list.SetSize(old + read);
@@ -211,7 +212,7 @@ CBxDataStream& CBxDataStream::operator>>(CBxIntList& list) {
         *this >> value;
         if (list.Add(value) < 0) {
             m_position = start;
-            qel::failWithSize(__LINE__, sizeof value, QEL_OUT_OF_MEMORY);
+            qel::streams::failWithSize(__LINE__, sizeof value, QEL_OUT_OF_MEMORY);
         }
     }
     return *this;
@@ -231,7 +232,7 @@ CBxDataStream& CBxDataStream::operator>>(CBxDataStream& nested) {
     auto* block = static_cast<unsigned char*>(std::malloc(size + 1));
     if (block == nullptr) {
         m_position = start;
-        qel::failWithSize(__LINE__, size + 1, QEL_OUT_OF_MEMORY);
+        qel::streams::failWithSize(__LINE__, size + 1, QEL_OUT_OF_MEMORY);
     }
     std::memcpy(block, m_position, size);
     block[size] = 0;

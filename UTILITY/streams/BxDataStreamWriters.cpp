@@ -12,7 +12,7 @@
 
 namespace {
 
-using qel::kSeparator;
+using qel::streams::kSeparator;
 
 // Bytes as text without a separator or a zero byte.
 std::string encodedBytes(const unsigned char* data, long size) {
@@ -26,8 +26,8 @@ std::string encodedBytes(const unsigned char* data, long size) {
             text += '\xFF';
         } else {
             text += '\xFE';
-            text += qel::kHexDigits[byte >> 4];
-            text += qel::kHexDigits[byte & 0xF];
+            text += qel::streams::kHexDigits[byte >> 4];
+            text += qel::streams::kHexDigits[byte & 0xF];
         }
     }
     return text;
@@ -47,7 +47,7 @@ void CBxDataStream::AddNumber(unsigned long long bits, int digits) {
     unsigned char* const end = text + size;
     if (minusOne) *text = '-';
     for (unsigned char* p = end; !minusOne && p != text; bits >>= 4)
-        *--p = static_cast<unsigned char>(qel::kHexDigits[bits & 0xF]);
+        *--p = static_cast<unsigned char>(qel::streams::kHexDigits[bits & 0xF]);
     *end = 0;
     m_position = end;
     m_length += 1U + static_cast<unsigned int>(size);
@@ -118,7 +118,7 @@ CBxDataStream& CBxDataStream::operator<<(const char* text) {
     // own to the reader.
     if (separator != nullptr) *separator = '~';
     const std::size_t length = std::strlen(own);
-    if (length > INT_MAX) qel::failWithSize(__LINE__, length, QEL_OUT_OF_MEMORY);
+    if (length > INT_MAX) qel::streams::failWithSize(__LINE__, length, QEL_OUT_OF_MEMORY);
     AddToBuf(own, static_cast<int>(length));
     return *this;
 }
@@ -150,15 +150,15 @@ CBxDataStream& CBxDataStream::operator<<(CBxIntList& list) {
 CBxDataStream& CBxDataStream::operator<<(const CBxDataStream& nested) {
     const unsigned int content = nested.ContentSize();
     const unsigned int count = content > 0 ? content - 1 : 0;
-    if (count > INT_MAX) qel::failWithSize(__LINE__, count, QEL_OUT_OF_MEMORY);
+    if (count > INT_MAX) qel::streams::failWithSize(__LINE__, count, QEL_OUT_OF_MEMORY);
     std::string copy;
     char* bytes = reinterpret_cast<char*>(nested.m_storage);
     // Writing the count changes or moves the content where the two share it.
-    if (qel::pointsInto(bytes, m_storage, m_capacity) && count > 0) {
+    if (qel::streams::pointsInto(bytes, m_storage, m_capacity) && count > 0) {
         try {
             copy.assign(bytes, count);
         } catch (const std::bad_alloc&) {
-            qel::failWithSize(__LINE__, count, QEL_OUT_OF_MEMORY);
+            qel::streams::failWithSize(__LINE__, count, QEL_OUT_OF_MEMORY);
         }
         bytes = copy.data();
     }
@@ -178,9 +178,9 @@ int CBxDataStream::Write(unsigned char* data, long size) {
         text = encodedBytes(data, size);
     } catch (const std::exception&) {
         const int detail = static_cast<int>(std::min<long>(size, INT_MAX));
-        return BxTrace_Error(qel::kStreamSourceName, __LINE__, detail, QEL_OUT_OF_MEMORY);
+        return BxTrace_Error(qel::streams::kStreamSourceName, __LINE__, detail, QEL_OUT_OF_MEMORY);
     }
-    if (text.size() > INT_MAX) qel::failWithSize(__LINE__, text.size(), QEL_OUT_OF_MEMORY);
+    if (text.size() > INT_MAX) qel::streams::failWithSize(__LINE__, text.size(), QEL_OUT_OF_MEMORY);
     *this << size;
     if (size > 0) AddToBuf(text.data(), static_cast<int>(text.size()));
     return QEL_OK;

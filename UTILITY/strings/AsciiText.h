@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace qel {
+namespace qel::strings {
 
 [[nodiscard]] constexpr char asciiToLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -26,6 +26,6 @@ namespace qel {
 
 static_assert(equalNoCase("Utf-8", "uTF-8") && !equalNoCase("a", "ab") && !equalNoCase("[", "{"));
 
-}  // namespace qel
+}  // namespace qel::strings
 
 #endif

@@ -91,7 +91,7 @@ bool CBxArray<VStr>::GrowForOne(bool moving) {
             if (moving)
                 block[i] <<= m_data[i];
             else
-                qel::takeText(block[i], m_data[i]);
+                qel::strings::takeText(block[i], m_data[i]);
         if (m_data != nullptr) freeBlock(m_data, m_size);
         m_data = block;
     }

@@ -12,12 +12,12 @@
 
 namespace {
 
-using qel::kMaxLength;
-using qel::textLength;
 using qel::platform::stringAlloc;
 using qel::platform::stringBlockSize;
 using qel::platform::stringFree;
 using qel::platform::stringRealloc;
+using qel::strings::kMaxLength;
+using qel::strings::textLength;
 
 // What a null string shows as its text.
 char emptyText[1] = {'\0'};
@@ -43,7 +43,7 @@ constexpr std::uint32_t asUnsigned(int n) {
 bool liesIn(const char* text, const char* block) {
     const std::uintptr_t distance =
         reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(block);
-    return block != nullptr && distance <= grainSize(qel::kMaxLength) &&
+    return block != nullptr && distance <= grainSize(qel::strings::kMaxLength) &&
            distance < stringBlockSize(block);
 }
 

@@ -50,7 +50,7 @@ void VStrArray::SetSize(int n) {
     if (n < 0) return;
     VStr* block = n == 0 ? nullptr : VStrArrNew(n);
     const int kept = block != nullptr && m_data != nullptr ? std::min(m_size, n) : 0;
-    for (int i = 0; i < kept; ++i) qel::takeText(block[i], m_data[i]);
+    for (int i = 0; i < kept; ++i) qel::strings::takeText(block[i], m_data[i]);
     VStrArrDel(m_data, m_size);
     m_data = block;
     m_size = n;

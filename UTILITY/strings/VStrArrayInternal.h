@@ -4,7 +4,7 @@
 
 #include "QelUtility/VStr.h"
 
-namespace qel {
+namespace qel::strings {
 
 // Gives a null `to` what assigning `from` would: the text up to its first NUL. The block changes
 // hands, so that an array that moves its elements loses none where memory is exhausted.
@@ -13,6 +13,6 @@ inline void takeText(VStr& to, VStr& from) {
     if (to.Compare(nullptr) != 0) to.ReleaseBuffer();
 }
 
-}  // namespace qel
+}  // namespace qel::strings
 
 #endif

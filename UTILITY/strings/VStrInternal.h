@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstring>
 
-namespace qel {
+namespace qel::strings {
 
 // The longest text whose size with the terminator is still an `int`.
 constexpr int kMaxLength = INT_MAX - 1;
@@ -19,6 +19,6 @@ inline int textLength(const char* text, std::size_t room) {
     return static_cast<int>(static_cast<const char*>(end) - text);
 }
 
-}  // namespace qel
+}  // namespace qel::strings
 
 #endif

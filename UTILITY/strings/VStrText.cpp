@@ -11,8 +11,8 @@
 
 namespace {
 
-using qel::kMaxLength;
-using qel::textLength;
+using qel::strings::kMaxLength;
+using qel::strings::textLength;
 
 constexpr std::size_t kFormatSize = 4096;
 

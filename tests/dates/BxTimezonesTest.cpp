@@ -57,10 +57,10 @@ TEST(ZoneTable, ChangesWhereEachFamilyOfRulesSays) {
 }
 
 TEST(ZoneTable, IsInOrderAndTurnsBackOnItself) {
-    for (int zone = 1; zone <= qel::kZoneCount; ++zone) {
-        const auto changes = qel::zoneChanges(zone);
+    for (int zone = 1; zone <= qel::dates::kZoneCount; ++zone) {
+        const auto changes = qel::dates::zoneChanges(zone);
         ASSERT_TRUE(changes.size() == 1 || changes.size() == 42) << zone;
-        const auto key = [](const qel::ZoneTime& t) {
+        const auto key = [](const qel::dates::ZoneTime& t) {
             return std::tuple(t.date, t.hour, t.minute);
         };
         for (std::size_t i = 0; i + 1 < changes.size(); ++i) {
@@ -74,7 +74,7 @@ TEST(ZoneTable, IsInOrderAndTurnsBackOnItself) {
             }
         }
     }
-    const auto single = qel::zoneChanges(66)[0];
+    const auto single = qel::dates::zoneChanges(66)[0];
     EXPECT_TRUE(single.local.date == 19900107 && single.local.hour == 0);
     EXPECT_TRUE(single.utc.date == 19900106 && single.utc.hour == 18 && single.utc.minute == 15);
 }
@@ -173,7 +173,7 @@ TEST(ZoneTable, KnowsItsNames) {
 TEST(ZoneTable, ReportsWhatIsWrongWhereItIsWrong) {
     const TraceCapture trace;
     VStr out;
-    qel::ZoneTime time{20050615, 8, 30};
+    qel::dates::ZoneTime time{20050615, 8, 30};
     EXPECT_EQ(BxTZ_GetZoneID("Atlantis"), -1);
     EXPECT_EQ(BxTZ_GetZoneName(0, out), 0);
     EXPECT_EQ(BxTZ_LocalToUTCByOffset(5, 0, "20050615T083000Z", out), 0);
@@ -182,8 +182,8 @@ TEST(ZoneTable, ReportsWhatIsWrongWhereItIsWrong) {
     EXPECT_EQ(BxTZ_UTCToLocal(-1, "20050615T083000", out), 2016);
     EXPECT_EQ(BxTZ_LocalToUTCByOffset(-2, 30, "20050615T083000", out), 0);
     EXPECT_EQ(BxTZ_LocalToUTCByOffset(2, -30, "20050615T083000", out), 0);
-    EXPECT_EQ(qel::zoneOffsetAt(78, qel::ZoneColumn::Utc, time), 2016);
-    EXPECT_EQ(qel::offsetAt({}, qel::ZoneColumn::Local, time), -1);
+    EXPECT_EQ(qel::dates::zoneOffsetAt(78, qel::dates::ZoneColumn::Utc, time), 2016);
+    EXPECT_EQ(qel::dates::offsetAt({}, qel::dates::ZoneColumn::Local, time), -1);
     const std::vector<std::string> expected = {
         "Error Bad Timezone: Atlantis.2015.2015 at BxTimezones line 120",
         "Error invalid timezoneID.0.2016 at BxTimezones line 139",
@@ -221,7 +221,7 @@ TEST(ZoneTable, AgreesWithThePublicRecord) {
         if (row["zone"] != "Europe/Berlin" || row["kind"] != "transition") continue;
         VStr local;
         ZQ_SecondsToDateTime(utc + std::stoi(row["offset_before_s"]), local, true);
-        const qel::ZoneChange& change = qel::zoneChanges(23)[next++];
+        const qel::dates::ZoneChange& change = qel::dates::zoneChanges(23)[next++];
         EXPECT_EQ(change.local.offsetHours, after / 3600);
         const std::string known(local);
         char table[32];

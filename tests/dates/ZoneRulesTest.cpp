@@ -20,10 +20,11 @@ using qel::platform::ZoneChangeMoment;
 using qel::test::list;
 using qel::test::Row;
 
-constexpr std::int64_t kHour = 3600 * qel::kFileTimePerSecond;
+constexpr std::int64_t kHour = 3600 * qel::dates::kFileTimePerSecond;
 
 std::int64_t fileTime(const char* text) {
-    return ZQ_DateTimeToSeconds(text) * qel::kFileTimePerSecond + qel::kFileTimeOf1900;
+    return ZQ_DateTimeToSeconds(text) * qel::dates::kFileTimePerSecond +
+           qel::dates::kFileTimeOf1900;
 }
 
 ZoneChangeMoment rule(int month, int week, int weekday, int hour) {
@@ -43,7 +44,7 @@ TEST(RelativeDay, FindsTheWeekdayOfTheMonth) {
         {1900, 1, 1, 1, "19000101"},  {2499, 12, 5, 4, "24991231"}, {2005, 9, 4, 2, "20050927"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(qel::relativeDayOfMonth(row.year, row.month, row.week, row.weekday),
+        EXPECT_EQ(qel::dates::relativeDayOfMonth(row.year, row.month, row.week, row.weekday),
                   ZQ_AlphaToCodeDate(row.date))
             << row.date;
     }
@@ -51,7 +52,7 @@ TEST(RelativeDay, FindsTheWeekdayOfTheMonth) {
                           {2005, 1, 0, 0},  {2005, 1, 6, 0}, {2005, 1, 1, 7},
                           {2005, 1, 1, -1}, {2500, 1, 1, 0}, {1899, 1, 1, 0}};
     const qel::test::TraceCapture trace;
-    for (const auto& b : bad) EXPECT_EQ(qel::relativeDayOfMonth(b[0], b[1], b[2], b[3]), -1);
+    for (const auto& b : bad) EXPECT_EQ(qel::dates::relativeDayOfMonth(b[0], b[1], b[2], b[3]), -1);
     EXPECT_EQ(trace.errors().size(), std::size(bad));
     EXPECT_TRUE(trace.hasError("-1.-1", "reldaymo", 25));
     EXPECT_TRUE(trace.hasError("13.-1", "reldaymo", 28));
@@ -64,18 +65,19 @@ TEST(ZoneRules, SplitTheYearAtItsChanges) {
     for (Row& row : list("dates/halves.txt")) {
         SCOPED_TRACE(row["moment"]);
         const std::int64_t time = fileTime(row["moment"].c_str());
-        EXPECT_EQ(qel::isDaylightTime(time, kBerlin, 2 * kHour), row["berlin"] == "summer");
-        EXPECT_EQ(qel::isDaylightTime(time, kSydney, 11 * kHour), row["sydney"] == "summer");
+        EXPECT_EQ(qel::dates::isDaylightTime(time, kBerlin, 2 * kHour), row["berlin"] == "summer");
+        EXPECT_EQ(qel::dates::isDaylightTime(time, kSydney, 11 * kHour), row["sydney"] == "summer");
     }
     // A year in StandardDate makes dates of both, in the year of the time.
     TimeZoneDescription dated = kBerlin;
     dated.standardDate = {1999, 10, 0, 31, 23, 59, 59, 999};
     dated.daylightDate = {0, 2, 0, 29, 0, 0, 0, 0};
-    EXPECT_FALSE(qel::isDaylightTime(fileTime("20040228T235959"), dated, 0));
-    EXPECT_TRUE(qel::isDaylightTime(fileTime("20040229T000000"), dated, 0));
-    EXPECT_TRUE(qel::isDaylightTime(fileTime("20041031T235959"), dated, 0));
-    EXPECT_FALSE(qel::isDaylightTime(fileTime("20041101T000000"), dated, 0));
-    EXPECT_FALSE(qel::isDaylightTime(fileTime("20050601T000000"), dated, 0));  // no 29 February
+    EXPECT_FALSE(qel::dates::isDaylightTime(fileTime("20040228T235959"), dated, 0));
+    EXPECT_TRUE(qel::dates::isDaylightTime(fileTime("20040229T000000"), dated, 0));
+    EXPECT_TRUE(qel::dates::isDaylightTime(fileTime("20041031T235959"), dated, 0));
+    EXPECT_FALSE(qel::dates::isDaylightTime(fileTime("20041101T000000"), dated, 0));
+    EXPECT_FALSE(
+        qel::dates::isDaylightTime(fileTime("20050601T000000"), dated, 0));  // no 29 February
 }
 
 TEST(ZoneRules, SurviveWhatNamesNoDate) {
@@ -86,29 +88,29 @@ TEST(ZoneRules, SurviveWhatNamesNoDate) {
           ZoneChangeMoment{0, 3, 0, 1, 0, 0, 0, 1000}}) {
         TimeZoneDescription zone = kBerlin;
         zone.daylightDate = bad;
-        EXPECT_FALSE(qel::isDaylightTime(june, zone, 0));
+        EXPECT_FALSE(qel::dates::isDaylightTime(june, zone, 0));
         zone = kBerlin;
         zone.standardDate = bad;
-        EXPECT_FALSE(qel::isDaylightTime(june, zone, 0));
+        EXPECT_FALSE(qel::dates::isDaylightTime(june, zone, 0));
     }
     for (const std::int64_t time : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{INT64_MIN},
                                     std::int64_t{1}, std::int64_t{INT64_MAX}})
-        EXPECT_FALSE(qel::isDaylightTime(time, kBerlin, 2 * kHour));
-    EXPECT_EQ(qel::splitFileTime(INT64_MAX).year, 30828);
+        EXPECT_FALSE(qel::dates::isDaylightTime(time, kBerlin, 2 * kHour));
+    EXPECT_EQ(qel::dates::splitFileTime(INT64_MAX).year, 30828);
 }
 
 TEST(ZoneRules, GiveTheOffsetsOfADescription) {
-    EXPECT_EQ(qel::zoneOffsets(kBerlin, true).standard, kHour);
-    EXPECT_EQ(qel::zoneOffsets(kBerlin, true).daylight, 2 * kHour);
-    EXPECT_EQ(qel::zoneOffsets(kBerlin, false).daylight, kHour);
-    EXPECT_FALSE(qel::zoneOffsets(kBerlin, false).daylightEnabled);
+    EXPECT_EQ(qel::dates::zoneOffsets(kBerlin, true).standard, kHour);
+    EXPECT_EQ(qel::dates::zoneOffsets(kBerlin, true).daylight, 2 * kHour);
+    EXPECT_EQ(qel::dates::zoneOffsets(kBerlin, false).daylight, kHour);
+    EXPECT_FALSE(qel::dates::zoneOffsets(kBerlin, false).daylightEnabled);
     TimeZoneDescription odd{300, 15, -60, {}, {}};
-    EXPECT_FALSE(qel::zoneOffsets(odd, true).daylightEnabled);
-    EXPECT_EQ(qel::zoneOffsets(odd, true).daylight, -315 * kHour / 60);
+    EXPECT_FALSE(qel::dates::zoneOffsets(odd, true).daylightEnabled);
+    EXPECT_EQ(qel::dates::zoneOffsets(odd, true).daylight, -315 * kHour / 60);
     odd.standardDate = rule(10, 5, 0, 2);
-    EXPECT_EQ(qel::zoneOffsets(odd, true).daylight, -255 * kHour / 60);
+    EXPECT_EQ(qel::dates::zoneOffsets(odd, true).daylight, -255 * kHour / 60);
     const TimeZoneDescription extreme{INT_MIN, INT_MIN, INT_MIN, rule(10, 5, 0, 3), {}};
-    EXPECT_EQ(qel::zoneOffsets(extreme, true).standard, 0);  // -2^32 minutes kept to 16 bits
+    EXPECT_EQ(qel::dates::zoneOffsets(extreme, true).standard, 0);  // -2^32 minutes kept to 16 bits
 }
 
 TEST(TimeZoneUtility, LeavesOtherTextsAlone) {

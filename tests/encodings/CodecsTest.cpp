@@ -169,17 +169,18 @@ TEST(EncipheredCode, ComesBackPaddedWithZeros) {
 
 // The packing of cipher blocks stops at their first zero byte.
 TEST(EncipheredCode, AZeroByteInACipherBlockHidesTheRestOfIt) {
-    const qel::TeaKey zeroKey{};
+    const qel::encodings::TeaKey zeroKey{};
     unsigned char out[8];
-    ASSERT_EQ(qel::decipherFromHex("41EA3A0A94baa940", out, 8, zeroKey), 0);
+    ASSERT_EQ(qel::encodings::decipherFromHex("41EA3A0A94baa940", out, 8, zeroKey), 0);
     EXPECT_EQ(std::string(reinterpret_cast<char*>(out), 8), std::string(8, '\0'));
     unsigned char cut[8];
-    ASSERT_EQ(qel::decipherFromHex("41ea003a94baa940", out, 8, zeroKey), 0);
-    ASSERT_EQ(qel::decipherFromHex("41ea000000000000", cut, 8, zeroKey), 0);
+    ASSERT_EQ(qel::encodings::decipherFromHex("41ea003a94baa940", out, 8, zeroKey), 0);
+    ASSERT_EQ(qel::encodings::decipherFromHex("41ea000000000000", cut, 8, zeroKey), 0);
     EXPECT_EQ(std::memcmp(out, cut, 8), 0);
     char hex[17];
-    ASSERT_EQ(qel::encipherToHex("ABCDEFGH", hex, 17, {1, 2, 3, 4}), 0);
-    const qel::TeaBlock block = qel::teaEncipher({0x41424344, 0x45464748}, {1, 2, 3, 4});
+    ASSERT_EQ(qel::encodings::encipherToHex("ABCDEFGH", hex, 17, {1, 2, 3, 4}), 0);
+    const qel::encodings::TeaBlock block =
+        qel::encodings::teaEncipher({0x41424344, 0x45464748}, {1, 2, 3, 4});
     char expected[17];
     std::snprintf(expected, sizeof expected, "%08lx%08lx", static_cast<unsigned long>(block[0]),
                   static_cast<unsigned long>(block[1]));

@@ -143,7 +143,7 @@ const Operation kCalendar[] = {
              }),
     on<Rule>("WritePositional", {"1 (null) (null) 0 0"},
              [](auto& made) {
-                 made.result = RRule_ToPositional(made.rule, made.text, true) == nullptr;
+                 made.result = recurrence::RRule_ToPositional(made.rule, made.text, true) == nullptr;
              }),
     on<Repeat>("RuleToRepeat", {"2001 (null) (null) 0 0", "0"},
                [](auto& made) {

@@ -15,7 +15,9 @@ class Random {
     short between(int low, int high) {
         return static_cast<short>(std::uniform_int_distribution<int>(low, high)(generator_));
     }
-    int date() { return std::uniform_int_distribution<int>(0, qel::kLastCodeDate)(generator_); }
+    int date() {
+        return std::uniform_int_distribution<int>(0, qel::dates::kLastCodeDate)(generator_);
+    }
     bool oneIn(int n) { return between(1, n) == 1; }
 
   private:
@@ -70,11 +72,11 @@ TEST(RepeatJump, ComesToWhereStepsCome) {
                                                     random.between(-3, random.oneIn(2) ? 99 : 9999);
             const int expected = stepTo(repeat, date);
             int found = -2;
-            if (qel::rptnext::jump(repeat, date, found)) {
+            if (qel::recurrence::jump(repeat, date, found)) {
                 ++jumps[repeat.type];
                 ASSERT_EQ(found, expected) << qel::test::describe(repeat) << " to " << date;
             } else if (i % 4 != 0 && expected >= 0 && date > repeat.startDate &&
-                       date <= qel::kLastCodeDate) {
+                       date <= qel::dates::kLastCodeDate) {
                 ++declined[repeat.type];
             }
         }
