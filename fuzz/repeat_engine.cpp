@@ -2,7 +2,7 @@
 #include "Fuzz.h"
 #include "QelUtility/RptNext.h"
 #include "recurrence/RptNextJump.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 using namespace qel::fuzz;
 

@@ -1,6 +1,6 @@
 // Types of the repeat engine that name the n-th weekday of a month: 4 (monthly) and 6 (yearly).
 #include "recurrence/RptNextSteps.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 namespace qel::recurrence {
 

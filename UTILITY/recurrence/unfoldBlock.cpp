@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 int DateBlock_Init(DateBlock* block, std::int64_t initialSize, std::int64_t step,
                    std::int64_t maximum) {

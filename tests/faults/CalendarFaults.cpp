@@ -9,7 +9,7 @@
 #include "QelUtility/RptNext.h"
 #include "faults/Exhaustion.h"
 #include "recurrence/RRuleInternal.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 namespace qel::test {
 

@@ -14,7 +14,7 @@
 #include "QelUtility/RRule.h"
 #include "dates/ZQDateInternal.h"
 #include "recurrence/RepeatRecord.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "dates/CivilDate.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 namespace {
 

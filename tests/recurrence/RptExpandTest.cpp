@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "recurrence/RepeatRecord.h"
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
 

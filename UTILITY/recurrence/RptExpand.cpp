@@ -1,5 +1,5 @@
 // The listing itself: range, list, trim. The range arithmetic is in unfoldRange.cpp.
-#include "recurrence/unfold.h"
+#include "recurrence/RptExpandRange.h"
 
 #include <algorithm>
 #include <cstdlib>
