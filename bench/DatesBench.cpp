@@ -9,8 +9,9 @@
 #include "Comparison.h"
 #include "QelUtility/VStr.h"
 #include "QelUtility/ZQDate.h"
+#include "QelUtility/ZQDateTime.h"
+#include "QelUtility/ZQDuration.h"
 #include "dates/CivilDate.h"
-#include "dates/ZQDateInternal.h"
 
 namespace qel::bench {
 

@@ -11,7 +11,6 @@
 #include "QelUtility/RRule.h"
 #include "QelUtility/RptNext.h"
 #include "QelUtility/ZQDate.h"
-#include "recurrence/RptNextJump.h"
 
 namespace qel::bench {
 
@@ -110,7 +109,7 @@ constexpr int kDates = 32;       // that are asked for, day after day, so that a
 
 int firstFrom(const ZQTR_REPEAT& repeat, int date) {
     int found = -1;
-    return recurrence::jump(repeat, date, found) ? found : -1;
+    return ZQRepeatJump(&repeat, date, &found) == 0 ? found : -1;
 }
 
 // The peer goes on from where it is set.

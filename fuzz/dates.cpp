@@ -1,5 +1,8 @@
 // Date texts, date-time texts and durations, from arbitrary text and from arbitrary numbers.
 #include "Fuzz.h"
+#include "QelUtility/ZQDate.h"
+#include "QelUtility/ZQDateTime.h"
+#include "QelUtility/ZQDuration.h"
 #include "dates/ZQDateInternal.h"
 
 using namespace qel::fuzz;
@@ -24,7 +27,7 @@ QEL_FUZZ_TARGET(dates) {
     ZQ_AlphaToDate(first.c_str(), &month, &day, &year);
     FUZZ_CHECK(ZQ_AlphaToCodeDate(first.c_str()) >= 0);
     FUZZ_CHECK(ZQ_AlphaToCodeTime(first.c_str()) >= 0);
-    if (ZQ_IsValidAlphaDate(first.c_str()) && year <= 2499)
+    if (qel::dates::ZQ_IsValidAlphaDate(first.c_str()) && year <= 2499)
         FUZZ_CHECK(ZQ_AlphaToCodeDate(first.c_str()) > 0 ||
                    (year == 1900 && month == 1 && day == 1));
 

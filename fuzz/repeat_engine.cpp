@@ -1,8 +1,7 @@
 // The engine and the listing over a record of arbitrary bytes.
 #include "Fuzz.h"
+#include "QelUtility/RptExpand.h"
 #include "QelUtility/RptNext.h"
-#include "recurrence/RptNextJump.h"
-#include "recurrence/RptExpandRange.h"
 
 using namespace qel::fuzz;
 
@@ -62,7 +61,7 @@ QEL_FUZZ_TARGET(repeat_engine) {
     }
 
     DateBlock list{};
-    FUZZ_CHECK(DateBlock_Init(&list, 0, kDateBlockStep, kDateBlockMaximum) == 0);
+    FUZZ_CHECK(DateBlock_Init(&list, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM) == 0);
     int valid = -1;
     int total = -1;
     const int wanted = in.take<short>();
@@ -71,7 +70,7 @@ QEL_FUZZ_TARGET(repeat_engine) {
     const int to = in.take<int>();
     const int result = Unfold_Repeat(&repeat, wanted, anchor, from, to, &list, &valid, &total);
     if (result == 0) {
-        FUZZ_CHECK(0 <= valid && valid <= total && total * 4L <= kDateBlockMaximum);
+        FUZZ_CHECK(0 <= valid && valid <= total && total * 4L <= DATEBLOCK_MAXIMUM);
         // Occurrences of several days may overlap.
         for (int i = 1; i < total && repeat.unitCount == 1; ++i)
             FUZZ_CHECK(std::abs(list.data[i - 1]) <= std::abs(list.data[i]));
@@ -83,7 +82,7 @@ QEL_FUZZ_TARGET(repeat_engine) {
     const auto date =
         static_cast<int>(static_cast<unsigned>(repeat.startDate) + in.take<unsigned short>());
     int found = 0;
-    if (qel::recurrence::jump(repeat, date, found)) {
+    if (ZQRepeatJump(&repeat, date, &found) == 0) {
         previous = -1;
         next = -1;
         for (int step = 0; step < 1000 && (step == 0 || next < date); ++step)

@@ -69,9 +69,9 @@ std::int64_t fileTimeOf(const char* text) {
 // now.
 const char* writeDateTime(std::int64_t fileTime, bool utc, char* result) {
     const qel::dates::FileTimeFields fields = qel::dates::splitFileTime(fileTime);
-    ZQ_DateToAlpha(fields.month, fields.day, fields.year, result);
+    qel::dates::ZQ_DateToAlpha(fields.month, fields.day, fields.year, result);
     result[kTPosition] = 'T';
-    ZQ_TimeToAlpha(fields.hour, fields.minute, fields.second, result + kTPosition + 1);
+    qel::dates::ZQ_TimeToAlpha(fields.hour, fields.minute, fields.second, result + kTPosition + 1);
     if (utc) std::memcpy(result + kLocalLength, "Z", 2);
     return result;
 }

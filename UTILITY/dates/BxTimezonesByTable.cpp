@@ -11,10 +11,10 @@
 
 #include "QelUtility/BxTimezones.h"
 #include "QelUtility/BxTrace.h"
+#include "QelUtility/ZQDate.h"
 #include "dates/BxTimezoneTable.h"
 #include "dates/CivilDate.h"
 #include "dates/DecimalField.h"
-#include "dates/ZQDateInternal.h"
 #include "dates/ZoneLookup.h"
 
 namespace {

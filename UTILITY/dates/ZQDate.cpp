@@ -63,26 +63,19 @@ void putTwoDigits(char* buffer, int value) {
 
 }  // namespace
 
-int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) {
-    if (!qel::dates::isEncodable({year, month, day})) return -1;
-    store(code, static_cast<unsigned>(qel::dates::encodeCivilDate({year, month, day})));
+namespace qel::dates {
+
+int ZQ_TimeEncode(int hour, int minute, int second, int* code) {
+    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return -1;
+    store(code, hour * 3600 + minute * 60 + second);
     return 0;
 }
 
-int ZQ_DateDecode(int code, int* month, int* day, int* year) {
-    if (!qel::dates::isCodeDate(code)) return -1;
-    const CivilDate date = qel::dates::decodeCivilDate(code);
-    *month = date.month;
-    *day = date.day;
-    *year = date.year;
+int ZQ_TimeDecode(int code, int* hour, int* minute, int* second) {
+    store(hour, code / 3600);
+    store(minute, code % 3600 / 60);
+    store(second, code % 60);
     return 0;
-}
-
-void QELUTILITY_CALL ZQ_AlphaToDate(const char* text, int* month, int* day, int* year) {
-    const char* cursor = text == nullptr ? "" : text;
-    store(year, takeField(&cursor, 4));
-    store(month, takeField(&cursor, 2));
-    store(day, takeField(&cursor, 2));
 }
 
 void ZQ_AlphaToTime(const char* text, int* hour, int* minute, int* second) {
@@ -97,8 +90,8 @@ bool ZQ_IsValidAlphaDate(const char* text) {
     if (text == nullptr) return false;
     CivilDate date{};
     ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
-    if (date.year < qel::dates::kFirstYear || date.month < 1 || date.month > 12) return false;
-    return date.day >= 1 && date.day <= qel::dates::daysInMonth(date.month, date.year);
+    if (date.year < kFirstYear || date.month < 1 || date.month > 12) return false;
+    return date.day >= 1 && date.day <= daysInMonth(date.month, date.year);
 }
 
 bool ZQ_IsValidAlphaTime(const char* text) {
@@ -109,38 +102,6 @@ bool ZQ_IsValidAlphaTime(const char* text) {
     int code = 0;
     ZQ_AlphaToTime(text, &hour, &minute, &second);
     return ZQ_TimeEncode(hour, minute, second, &code) == 0;
-}
-
-int QELUTILITY_CALL ZQ_AlphaToCodeDate(const char* text) {
-    if (!ZQ_IsValidAlphaDate(text)) return 0;
-    CivilDate date{};
-    ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
-    unsigned code = 0;
-    // A year after 2499 is valid in a text but has no code date; it reads as 0.
-    return ZQ_DateEncode(date.month, date.day, date.year, &code) == 0 ? static_cast<int>(code) : 0;
-}
-
-int QELUTILITY_CALL ZQ_AlphaToCodeTime(const char* text) {
-    if (!ZQ_IsValidAlphaTime(text)) return 0;
-    int hour = 0;
-    int minute = 0;
-    int second = 0;
-    int code = 0;
-    ZQ_AlphaToTime(text, &hour, &minute, &second);
-    return ZQ_TimeEncode(hour, minute, second, &code) == 0 ? code : 0;
-}
-
-int ZQ_TimeEncode(int hour, int minute, int second, int* code) {
-    if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return -1;
-    store(code, hour * 3600 + minute * 60 + second);
-    return 0;
-}
-
-int ZQ_TimeDecode(int code, int* hour, int* minute, int* second) {
-    store(hour, code / 3600);
-    store(minute, code % 3600 / 60);
-    store(second, code % 60);
-    return 0;
 }
 
 char* ZQ_DateToAlpha(int month, int day, int year, char* buffer) {
@@ -163,22 +124,65 @@ char* ZQ_TimeToAlpha(int hour, int minute, int second, char* buffer) {
     return buffer;
 }
 
+}  // namespace qel::dates
+
+int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code) {
+    if (!qel::dates::isEncodable({year, month, day})) return -1;
+    store(code, static_cast<unsigned>(qel::dates::encodeCivilDate({year, month, day})));
+    return 0;
+}
+
+int QELUTILITY_CALL ZQ_DateDecode(int code, int* month, int* day, int* year) {
+    if (!qel::dates::isCodeDate(code)) return -1;
+    const CivilDate date = qel::dates::decodeCivilDate(code);
+    store(month, date.month);
+    store(day, date.day);
+    store(year, date.year);
+    return 0;
+}
+
+void QELUTILITY_CALL ZQ_AlphaToDate(const char* text, int* month, int* day, int* year) {
+    const char* cursor = text == nullptr ? "" : text;
+    store(year, takeField(&cursor, 4));
+    store(month, takeField(&cursor, 2));
+    store(day, takeField(&cursor, 2));
+}
+
+int QELUTILITY_CALL ZQ_AlphaToCodeDate(const char* text) {
+    if (!qel::dates::ZQ_IsValidAlphaDate(text)) return 0;
+    CivilDate date{};
+    ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
+    unsigned code = 0;
+    // A year after 2499 is valid in a text but has no code date; it reads as 0.
+    return ZQ_DateEncode(date.month, date.day, date.year, &code) == 0 ? static_cast<int>(code) : 0;
+}
+
+int QELUTILITY_CALL ZQ_AlphaToCodeTime(const char* text) {
+    if (!qel::dates::ZQ_IsValidAlphaTime(text)) return 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int code = 0;
+    qel::dates::ZQ_AlphaToTime(text, &hour, &minute, &second);
+    return qel::dates::ZQ_TimeEncode(hour, minute, second, &code) == 0 ? code : 0;
+}
+
 char* QELUTILITY_CALL ZQ_CodeDateToAlpha(int code, char* buffer) {
     CivilDate date{};
     // A code that does not decode leaves the zeros.
     ZQ_DateDecode(code, &date.month, &date.day, &date.year);
-    return ZQ_DateToAlpha(date.month, date.day, date.year, buffer);
+    return qel::dates::ZQ_DateToAlpha(date.month, date.day, date.year, buffer);
 }
 
 char* QELUTILITY_CALL ZQ_CodeTimeToAlpha(int code, char* buffer) {
     int hour = 0;
     int minute = 0;
     int second = 0;
-    ZQ_TimeDecode(code, &hour, &minute, &second);
-    return ZQ_TimeToAlpha(hour, minute, second, buffer);
+    qel::dates::ZQ_TimeDecode(code, &hour, &minute, &second);
+    return qel::dates::ZQ_TimeToAlpha(hour, minute, second, buffer);
 }
 
-int ZQ_DayOfWeek(int code) {
+int QELUTILITY_CALL ZQ_DayOfWeek(int code) {
     return qel::dates::weekdayOf(code);
 }
 
@@ -188,7 +192,7 @@ int QELUTILITY_CALL ZQ_GetCurrentDate() {
     return ZQ_DateEncode(now.month, now.day, now.year, &code) == 0 ? static_cast<int>(code) : 0;
 }
 
-int ZQ_GetCurrentTime() {
+int QELUTILITY_CALL ZQ_GetCurrentTime() {
     const qel::platform::LocalClock now = qel::platform::localClock();
     return now.hour * 3600 + now.minute * 60 + now.second;
 }

@@ -1,11 +1,15 @@
 // Date-time texts: reading, writing and moving them.
+#include "QelUtility/ZQDateTime.h"
+
 #include <climits>
 #include <cstdint>
+#include <cstring>
 
+#include "QelUtility/ZQDate.h"
 #include "dates/CivilDate.h"
 #include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
-#include "dates/ZQDateInternal.h"
+#include "dates/ZQDateTimeInternal.h"
 
 namespace {
 
@@ -77,15 +81,12 @@ std::size_t writeDateTime(std::int64_t codeDate, std::int64_t codeTime, char* te
 
 }  // namespace
 
-// Texts come by value, as the interface passes them.
-// NOLINTBEGIN(performance-unnecessary-value-param)
-
-std::int64_t ZQ_DateTimeToSeconds(VStr text) {
-    return ZQ_DateTimeToSeconds(static_cast<const char*>(text));
+std::size_t qel::dates::secondsToAlpha(std::int64_t seconds, char* buffer, bool noUtc) {
+    return writeDateTime(seconds / kSecondsPerDay, seconds % kSecondsPerDay, buffer, noUtc);
 }
 
-std::int64_t ZQ_DateTimeToSeconds(const char* text) {
-    const DateTimeFields fields = scanDateTime(text);
+__int64 QELUTILITY_CALL ZQ_DateTimeToSeconds(const char* text) {
+    const DateTimeFields fields = scanDateTime(text == nullptr ? "" : text);
     unsigned code = 0;
     // A date that is refused counts as day 0; the time still counts.
     ZQ_DateEncode(fields.month, fields.day, fields.year, &code);
@@ -93,18 +94,13 @@ std::int64_t ZQ_DateTimeToSeconds(const char* text) {
            std::int64_t{fields.minute} * 60 + fields.second;
 }
 
-std::size_t ZQ_SecondsToAlpha(std::int64_t seconds, char* buffer, bool noUtc) {
-    return writeDateTime(seconds / qel::dates::kSecondsPerDay, seconds % qel::dates::kSecondsPerDay,
-                         buffer, noUtc);
-}
-
-void ZQ_SecondsToDateTime(std::int64_t seconds, VStr& out, bool noUtc) {
-    char text[kDateTimeRoom];
-    ZQ_SecondsToAlpha(seconds, text, noUtc);
+void QELUTILITY_CALL ZQ_SecondsToDateTime(__int64 seconds, VStr& out, int noUtc) {
+    char text[qel::dates::kDateTimeRoom];
+    qel::dates::secondsToAlpha(seconds, text, noUtc != 0);
     out += text;
 }
 
-int ZQ_DateTimeToUnixTime(VStr text) {
+int QELUTILITY_CALL ZQ_DateTimeToUnixTime(const char* text) {
     const std::int64_t seconds =
         ZQ_DateTimeToSeconds(text) -
         std::int64_t{qel::dates::kUnixEpochCodeDate} * qel::dates::kSecondsPerDay;
@@ -112,24 +108,22 @@ int ZQ_DateTimeToUnixTime(VStr text) {
     return seconds > INT_MAX ? INT_MAX : static_cast<int>(seconds);
 }
 
-const char* ZQ_UnixTimeToDateTime(int seconds, VStr& out, bool noUtc) {
-    char text[kDateTimeRoom];
+const char* QELUTILITY_CALL ZQ_UnixTimeToDateTime(int seconds, VStr& out, int noUtc) {
+    char text[qel::dates::kDateTimeRoom];
     writeDateTime(seconds / qel::dates::kSecondsPerDay + qel::dates::kUnixEpochCodeDate,
-                  seconds % qel::dates::kSecondsPerDay, text, noUtc);
+                  seconds % qel::dates::kSecondsPerDay, text, noUtc != 0);
     out += text;
     return out;
 }
 
-int ZQ_DateTimeDifference(VStr start, VStr end, int* seconds) {
+int QELUTILITY_CALL ZQ_DateTimeDifference(const char* start, const char* end, int* seconds) {
     const std::int64_t difference = ZQ_DateTimeToSeconds(end) - ZQ_DateTimeToSeconds(start);
     if (seconds != nullptr) *seconds = static_cast<int>(difference);
     return 0;
 }
 
-int ZQ_AddSeconds(VStr text, int seconds, VStr& out) {
-    const bool noUtc = text.Find('Z') < 0;
-    ZQ_SecondsToDateTime(ZQ_DateTimeToSeconds(text) + seconds, out, noUtc);
+int QELUTILITY_CALL ZQ_AddSeconds(const char* text, int seconds, VStr& out) {
+    const bool isUtc = text != nullptr && std::strchr(text, 'Z') != nullptr;
+    ZQ_SecondsToDateTime(ZQ_DateTimeToSeconds(text) + seconds, out, isUtc ? 0 : 1);
     return 0;
 }
-
-// NOLINTEND(performance-unnecessary-value-param)

@@ -1,12 +1,14 @@
 // RFC 2445 durations, "+P1DT2H", as signed seconds and back.
+#include "QelUtility/ZQDuration.h"
+
 #include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cstdint>
 #include <cstring>
 
+#include "QelUtility/ZQDateTime.h"
 #include "dates/DecimalField.h"
-#include "dates/ZQDateInternal.h"
 
 namespace {
 
@@ -43,10 +45,7 @@ std::int64_t boundedNumber(const char* begin, const char* end) {
 
 }  // namespace
 
-// Texts come by value, as the interface passes them.
-// NOLINTBEGIN(performance-unnecessary-value-param)
-
-int ZQ_SecondsToDuration(int seconds, VStr& out) {
+int QELUTILITY_CALL ZQ_SecondsToDuration(int seconds, VStr& out) {
     if (seconds == 0) return -1;
     char text[kDurationRoom] = {};
     char* end = text;
@@ -71,8 +70,8 @@ int ZQ_SecondsToDuration(int seconds, VStr& out) {
     return 0;
 }
 
-int ZQ_DurationToSeconds(VStr duration, int* seconds) {
-    const char* cursor = duration;
+int QELUTILITY_CALL ZQ_DurationToSeconds(const char* duration, int* seconds) {
+    const char* cursor = duration == nullptr ? "" : duration;
     const bool negative = *cursor == '-';
     if (*cursor == '-' || *cursor == '+') ++cursor;
     if (*cursor != 'P') return -1;
@@ -95,22 +94,20 @@ int ZQ_DurationToSeconds(VStr duration, int* seconds) {
     return 0;
 }
 
-int ZQ_DurationBetween(VStr start, VStr end, VStr& out) {
+int QELUTILITY_CALL ZQ_DurationBetween(const char* start, const char* end, VStr& out) {
     int seconds = 0;
     ZQ_DateTimeDifference(start, end, &seconds);
     return ZQ_SecondsToDuration(seconds, out);
 }
 
-int ZQ_NormalizeDuration(VStr duration, VStr& out) {
+int QELUTILITY_CALL ZQ_NormalizeDuration(const char* duration, VStr& out) {
     int seconds = 0;
     if (ZQ_DurationToSeconds(duration, &seconds) != 0) return -1;
     return ZQ_SecondsToDuration(seconds, out);
 }
 
-int ZQ_AddDuration(VStr text, VStr duration, VStr& out) {
+int QELUTILITY_CALL ZQ_AddDuration(const char* text, const char* duration, VStr& out) {
     int seconds = 0;
     if (ZQ_DurationToSeconds(duration, &seconds) != 0) return -1;
     return ZQ_AddSeconds(text, seconds, out);
 }
-
-// NOLINTEND(performance-unnecessary-value-param)

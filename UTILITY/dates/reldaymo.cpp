@@ -1,8 +1,8 @@
 #include "dates/reldaymo.h"
 
 #include "QelUtility/BxTrace.h"
+#include "QelUtility/ZQDate.h"
 #include "dates/CivilDate.h"
-#include "dates/ZQDateInternal.h"
 
 namespace qel::dates {
 

@@ -1,5 +1,4 @@
-// What the rule readers and writers share inside the library, and the positional writer, which is
-// not exported. Stateless; any thread may call.
+// What the rule readers and writers share inside the library. Stateless; any thread may call.
 #ifndef QELUTILITY_RRULEINTERNAL_H
 #define QELUTILITY_RRULEINTERNAL_H
 
@@ -49,13 +48,6 @@ void RRule_AppendSetPositions(const _rruleRepeat& rule, RRuleOutput& out);
 
 // Appends `until` as a date-time in UTC ("20051231T000000Z"), or its eight-digit date alone.
 void RRule_AppendUntil(__int64 until, RRuleOutput& out, bool withTime);
-
-// Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
-// returns out's text, or null when no frequency bit is set or memory is exhausted. With `withTime`,
-// what a reader yields for values in range is read back to the same record: INTERVAL is always
-// written, COUNT whenever there is no UNTIL and it is not the default, WKST as the first weekday of
-// `wkst` that is not the default Sunday. Without it UNTIL keeps its date alone.
-const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime);
 
 // Where `c` first stands from `at` on, or `end`. Rules are short: a call of memchr costs more than
 // it saves.

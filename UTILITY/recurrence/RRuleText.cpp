@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "QelUtility/BxTrace.h"
-#include "dates/ZQDateInternal.h"
+#include "QelUtility/ZQDateTime.h"
 #include "recurrence/RRuleInternal.h"
 
 namespace qel::recurrence {

@@ -1,7 +1,7 @@
 // The rule writers: iCalendar, vCalendar 1.0 and the positional form.
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
-#include "dates/ZQDateInternal.h"
+#include "dates/ZQDateTimeInternal.h"
 #include "recurrence/RRuleInternal.h"
 
 namespace qel::recurrence {
@@ -83,8 +83,8 @@ void appendV10Modifiers(const _rruleRepeat& rule, RRuleOutput& out) {
 }  // namespace
 
 void RRule_AppendUntil(__int64 until, RRuleOutput& out, bool withTime) {
-    char text[kDateTimeRoom];
-    const std::size_t length = ZQ_SecondsToAlpha(until, text, false);
+    char text[dates::kDateTimeRoom];
+    const std::size_t length = dates::secondsToAlpha(until, text, false);
     out.add({text, length - (withTime ? 0 : kTimeLength)});
 }
 
@@ -102,23 +102,24 @@ const char* deliver(VStr& out, Write write) {
     return isRule && !out.IsEmpty() ? static_cast<const char*>(out) : nullptr;
 }
 
-bool writePositional(const _rruleRepeat& rule, RRuleOutput& out, bool withTime) {
-    const std::string_view frequency = frequencyName(rule);
+bool writePositional(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) {
+    if (rule == nullptr) return false;
+    const std::string_view frequency = frequencyName(*rule);
     if (frequency.empty()) return false;
     out.add(frequency);
     out.add(';');
-    if (rule.until >= 0) RRule_AppendUntil(rule.until, out, withTime);
+    if (rule->until >= 0) RRule_AppendUntil(rule->until, out, withTime);
     out.add(';');
-    if (rule.until < 0 && rule.count != kNoCount) out.add(rule.count);
+    if (rule->until < 0 && rule->count != kNoCount) out.add(rule->count);
     out.add(';');
-    out.add(rule.interval);
+    out.add(rule->interval);
     out.add(';');
     out.add(";;;");  // BYSECOND, BYMINUTE and BYHOUR have no representation
     for (const Part& part : kParts) {
-        if (has(rule, part.bit)) part.append(rule, out);
+        if (has(*rule, part.bit)) part.append(*rule, out);
         out.add(';');
     }
-    out.add(weekStart(rule));
+    out.add(weekStart(*rule));
     out.add(';');
     return true;
 }
@@ -176,11 +177,6 @@ bool writeV10(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) {
 
 }  // namespace
 
-const char* RRule_ToPositional(const _rruleRepeat& rule, VStr& out, bool withTime) {
-    return deliver(
-        out, [&](RRuleOutput& text) { return writePositional(rule, text, withTime); });
-}
-
 }  // namespace qel::recurrence
 
 namespace recurrence = qel::recurrence;
@@ -195,4 +191,12 @@ const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime) 
     return recurrence::deliver(
         out,
         [&](recurrence::RRuleOutput& text) { return recurrence::writeV10(rule, text, withTime); });
+}
+
+const char* BxUtil_RRULEtoPositional(_rruleRepeat* rule, VStr& out, bool withTime) {
+    return recurrence::deliver(
+        out,
+        [&](recurrence::RRuleOutput& text) {
+            return recurrence::writePositional(rule, text, withTime);
+        });
 }

@@ -1,17 +1,19 @@
-// The listing itself: range, list, trim. The range arithmetic is in unfoldRange.cpp.
-#include "recurrence/RptExpandRange.h"
+// The list of dates and the block that it is written to.
+#include "QelUtility/RptExpand.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 
 #include "QelUtility/BxTrace.h"
 #include "dates/CivilDate.h"
+#include "recurrence/RptExpandRange.h"
 #include "recurrence/RptNextJump.h"
 
 namespace {
 
 int fail(int line, int detail, int code) {
-    return BxTrace_Error(kUnfoldSourceName, line, detail, code);
+    return BxTrace_Error(qel::recurrence::kExpandSourceName, line, detail, code);
 }
 
 bool isExcluded(const ZQTR_REPEAT& repeat, int date) {
@@ -54,13 +56,48 @@ bool jumpToRange(const ZQTR_REPEAT& repeat, int from, int& date) {
 
 }  // namespace
 
-int WeekOfMonth(int codeDate) {
+int QELUTILITY_CALL DateBlock_Init(DateBlock* block, __int64 initialSize, __int64 step,
+                                   __int64 maximum) {
+    if (block == nullptr) return QEL_NOT_INITIALIZED;
+    *block = {nullptr, 0, maximum, step};
+    if (step > maximum) return DATEBLOCK_BAD_STEP;
+    return initialSize > 0 ? DateBlock_Reserve(block, initialSize) : QEL_OK;
+}
+
+int QELUTILITY_CALL DateBlock_Reserve(DateBlock* block, __int64 bytes) {
+    if (block == nullptr) return QEL_NOT_INITIALIZED;
+    if (bytes <= block->capacity) return QEL_OK;
+    // The capacity is at most the maximum, so the sum stays in range.
+    const __int64 grown =
+        block->data == nullptr
+            ? block->step
+            : block->capacity + std::min(block->step, block->maximum - block->capacity);
+    const __int64 size = std::min(std::max(bytes, grown), block->maximum);
+    if (size > block->capacity) {
+        if (size > PTRDIFF_MAX) return DATEBLOCK_NO_MEMORY;
+        void* const data = std::realloc(block->data, static_cast<std::size_t>(size));
+        if (data == nullptr) return DATEBLOCK_NO_MEMORY;
+        block->data = static_cast<int*>(data);
+        block->capacity = size;
+    }
+    if (bytes > block->maximum) return DATEBLOCK_FULL;
+    return QEL_OK;
+}
+
+void QELUTILITY_CALL DateBlock_Free(DateBlock* block) {
+    if (block == nullptr) return;
+    std::free(block->data);
+    block->data = nullptr;
+    block->capacity = 0;
+}
+
+int QELUTILITY_CALL WeekOfMonth(int codeDate) {
     if (!qel::dates::isCodeDate(codeDate)) return 1;
     return (qel::dates::decodeCivilDate(codeDate).day - 1) / 7 + 1;
 }
 
-int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock* list, int* valid,
-                     int* total) {
+int QELUTILITY_CALL Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to,
+                                     DateBlock* list, int* valid, int* total) {
     if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr)
         return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
     *valid = 0;
@@ -94,55 +131,25 @@ int Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, int to, DateBlock
     return QEL_OK;
 }
 
-int Unfold_TrimToCount(int wanted, int anchor, DateBlock* list, int* valid, int* total) {
-    int* const entries = list->data;
-    const int excess = *valid - wanted;
-    int before = 0;  // occurrences before the anchor that can go
-    int kept = 0;    // index of the first entry behind them
-    for (int i = 0; i < *total && entries[i] < anchor && before < excess; ++i) {
-        if (entries[i] <= 0) continue;
-        ++before;
-        kept = i + 1;
-    }
-    if (before == 0) {
-        int index = *total;
-        for (int found = 0; found < excess;) {
-            if (--index < 0) return fail(__LINE__, index, QEL_STORAGE_NOT_OWNED);
-            if (entries[index] > 0) ++found;
-        }
-        *total = index;
-    } else {
-        int moved = 0;
-        for (int found = 0; found < wanted; ++kept) {
-            if (kept >= *total) return fail(__LINE__, kept, QEL_STORAGE_NOT_OWNED);
-            if (entries[kept] > 0) ++found;
-            entries[moved++] = entries[kept];
-        }
-        *total = moved;
-    }
-    *valid = wanted;
-    return QEL_OK;
-}
-
-int Unfold_Repeat(ZQTR_REPEAT* repeat, int wanted, int anchor, int from, int to, DateBlock* list,
-                  int* valid, int* total) {
+int QELUTILITY_CALL Unfold_Repeat(ZQTR_REPEAT* repeat, int wanted, int anchor, int from, int to,
+                                  DateBlock* list, int* valid, int* total) {
     if (repeat == nullptr || list == nullptr || valid == nullptr || total == nullptr)
         return fail(__LINE__, 0, QEL_NOT_INITIALIZED);
     *valid = 0;
     *total = 0;
     if (wanted < 1) return fail(__LINE__, wanted, QEL_NOT_INITIALIZED);
-    int result = Unfold_ClampRange(repeat, wanted, anchor, &from, &to);
+    int result = qel::recurrence::Unfold_ClampRange(repeat, wanted, anchor, &from, &to);
     if (result == QEL_OK) result = Unfold_ListDates(repeat, wanted, from, to, list, valid, total);
     if (result == QEL_OK && *valid > wanted)
-        result = Unfold_TrimToCount(wanted, anchor, list, valid, total);
+        result = qel::recurrence::Unfold_TrimToCount(wanted, anchor, list, valid, total);
     return result;
 }
 
-int Unfold_HasOccurrence(int from, int to, int anchor, ZQTR_REPEAT* repeat) {
+int QELUTILITY_CALL Unfold_HasOccurrence(int from, int to, int anchor, ZQTR_REPEAT* repeat) {
     DateBlock list{};
     int valid = 0;
     int total = 0;
-    int result = DateBlock_Init(&list, 0, kDateBlockStep, kDateBlockMaximum);
+    int result = DateBlock_Init(&list, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM);
     if (result == QEL_OK)
         result = Unfold_Repeat(repeat, 1, anchor, from, to, &list, &valid, &total);
     DateBlock_Free(&list);

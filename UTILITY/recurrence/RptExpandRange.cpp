@@ -1,16 +1,19 @@
-// How far a listing looks: the estimate of the days that so many occurrences take, and the range
-// cut down to it. All of it in 64 bits.
+// The estimate of the days that so many occurrences take, and the range cut down to it. All of it
+// in 64 bits.
+#include "recurrence/RptExpandRange.h"
+
 #include <algorithm>
 #include <limits>
 
 #include "QelUtility/BxTrace.h"
 #include "dates/CivilDate.h"
-#include "recurrence/RptExpandRange.h"
+
+namespace qel::recurrence {
 
 namespace {
 
-constexpr int kDefaultFrom = qel::dates::encodeCivilDate({1950, 1, 1});
-constexpr int kDefaultTo = qel::dates::encodeCivilDate({2049, 12, 31});
+constexpr int kDefaultFrom = dates::encodeCivilDate({1950, 1, 1});
+constexpr int kDefaultTo = dates::encodeCivilDate({2049, 12, 31});
 
 // Occurrences beyond the wanted ones that the estimate leaves room for.
 constexpr int kReserve = 10;
@@ -92,15 +95,19 @@ int saturate(std::int64_t value) {
                                                      std::numeric_limits<int>::max()));
 }
 
+int failTrim(int line, int index) {
+    return BxTrace_Error(kExpandSourceName, line, index, QEL_STORAGE_NOT_OWNED);
+}
+
 }  // namespace
 
 int Unfold_EstimateDays(const ZQTR_REPEAT* repeat, std::int64_t count, std::int64_t* days) {
     Density density{};
     if (!densityOf(*repeat, density))
-        return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_STORAGE_NOT_OWNED);
+        return BxTrace_Error(kExpandSourceName, __LINE__, repeat->type, QEL_STORAGE_NOT_OWNED);
     const std::int64_t divisor = density.per * density.perYear;
     if (divisor == 0)
-        return BxTrace_Error(kUnfoldSourceName, __LINE__, repeat->type, QEL_REPEAT_ENGINE);
+        return BxTrace_Error(kExpandSourceName, __LINE__, repeat->type, QEL_REPEAT_ENGINE);
     *days = std::max(count * density.factor * density.unit / divisor, density.minimum);
     return QEL_OK;
 }
@@ -134,3 +141,35 @@ int Unfold_ClampRange(const ZQTR_REPEAT* repeat, int wanted, int anchor, int* fr
     *to = saturate(*from + span - 1);
     return QEL_OK;
 }
+
+int Unfold_TrimToCount(int wanted, int anchor, DateBlock* list, int* valid, int* total) {
+    int* const entries = list->data;
+    const int excess = *valid - wanted;
+    int before = 0;  // occurrences before the anchor that can go
+    int kept = 0;    // index of the first entry after them
+    for (int i = 0; i < *total && entries[i] < anchor && before < excess; ++i) {
+        if (entries[i] <= 0) continue;
+        ++before;
+        kept = i + 1;
+    }
+    if (before == 0) {
+        int index = *total;
+        for (int found = 0; found < excess;) {
+            if (--index < 0) return failTrim(__LINE__, index);
+            if (entries[index] > 0) ++found;
+        }
+        *total = index;
+    } else {
+        int moved = 0;
+        for (int found = 0; found < wanted; ++kept) {
+            if (kept >= *total) return failTrim(__LINE__, kept);
+            if (entries[kept] > 0) ++found;
+            entries[moved++] = entries[kept];
+        }
+        *total = moved;
+    }
+    *valid = wanted;
+    return QEL_OK;
+}
+
+}  // namespace qel::recurrence

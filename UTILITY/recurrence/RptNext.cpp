@@ -1,6 +1,7 @@
 // The repeat record and the engine's entry: validity, and the choice of the type's search.
 #include "QelUtility/RptNext.h"
 
+#include "recurrence/RptNextJump.h"
 #include "recurrence/RptNextSteps.h"
 
 namespace recurrence = qel::recurrence;
@@ -89,5 +90,13 @@ int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previo
         return BxTrace_Error_S(recurrence::kEngineSourceName, recurrence::kLineQuarterDay,
                                "Quarterly", QEL_REPEAT_ENGINE);
     }
+    return QEL_OK;
+}
+
+int QELUTILITY_CALL ZQRepeatJump(const ZQTR_REPEAT* repeat, int date, int* found) {
+    int occurrence = 0;
+    if (repeat == nullptr || found == nullptr) return QEL_FAILED;
+    if (!recurrence::jump(*repeat, date, occurrence)) return QEL_FAILED;
+    *found = occurrence;
     return QEL_OK;
 }

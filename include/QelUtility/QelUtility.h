@@ -13,9 +13,12 @@
 #include "QelUtility/QelTypes.h"
 #include "QelUtility/QelVersion.h"
 #include "QelUtility/RRule.h"
+#include "QelUtility/RptExpand.h"
 #include "QelUtility/RptNext.h"
 #include "QelUtility/VStr.h"
 #include "QelUtility/ZQDate.h"
+#include "QelUtility/ZQDateTime.h"
+#include "QelUtility/ZQDuration.h"
 
 #ifdef __cplusplus
 #include "QelUtility/BxCharConv.h"

@@ -116,6 +116,13 @@ QELUTILITY_API const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, boo
 /// Every 2 weeks on MO, WE and FR, 10 times: "W2 MO WE FR #10".
 QELUTILITY_API const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime);
 
+/// Writes `rule` in the form that BxUtil_PositionaltoRRULE reads into `out` (emptied first) and
+/// returns out's text, or null when no frequency bit is set or `rule` is null. With `withTime`,
+/// what a reader yields for values in range is read back to the same record: INTERVAL is always
+/// written, COUNT whenever there is no UNTIL and it is not the default, WKST as the first weekday
+/// of `wkst` that is not the default Sunday. Without it UNTIL keeps its date alone.
+QELUTILITY_API const char* BxUtil_RRULEtoPositional(_rruleRepeat* rule, VStr& out, bool withTime);
+
 /// @}
 
 /// @name Readers

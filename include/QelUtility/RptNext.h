@@ -110,6 +110,18 @@ QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 /// there.
 QELUTILITY_API int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous);
 
+/// Finds the first occurrence at or after the code date `date` without the occurrences before it:
+/// the one that ZQRepeatNextDate comes to when it steps from the series' first one, where every
+/// step up to it succeeds and advances. The time does not grow with the distance. Returns 0 with
+/// the occurrence in `*found`; as `*previous` of ZQRepeatNextDate it leads on to the next one.
+/// endDate and exclusions are not looked at.
+///
+/// Returns -1, with `*found` unchanged and nothing reported, where the caller has to step: for a
+/// date not after the start or past 31 December 2499, a record that the engine refuses or of type
+/// 0, fields that may take an occurrence out of its month or quarter, a `date` past the last
+/// occurrence, and a null argument.
+QELUTILITY_API int QELUTILITY_CALL ZQRepeatJump(const ZQTR_REPEAT* repeat, int date, int* found);
+
 #ifdef __cplusplus
 }
 #endif

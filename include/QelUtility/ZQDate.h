@@ -19,6 +19,14 @@ extern "C" {
 /// is not compared with the month's length: 31 February 2005 is 3 March 2005, code 38412.
 QELUTILITY_API int QELUTILITY_CALL ZQ_DateEncode(int month, int day, int year, unsigned* code);
 
+/// The inverse of ZQ_DateEncode: writes the calendar date of a code date and returns 0. Returns -1,
+/// with the results untouched, for a code outside 0..219145. A null result is left out.
+QELUTILITY_API int QELUTILITY_CALL ZQ_DateDecode(int code, int* month, int* day, int* year);
+
+/// The weekday of a day number, 1 = Sunday to 7 = Saturday; one before 1900 or after 2499 has its
+/// weekday too. 0 is a Monday, 2.
+QELUTILITY_API int QELUTILITY_CALL ZQ_DayOfWeek(int code);
+
 /// Splits an eight-digit date (RFC 2445 section 4.3.4): the year from characters 1-4, the month
 /// from 5-6, the day from 7-8. Each field reads leading blanks, a sign and digits, and stops at the
 /// first other character; what lies past the end of a short text is 0. A null or empty text gives
@@ -46,6 +54,9 @@ QELUTILITY_API char* QELUTILITY_CALL ZQ_CodeTimeToAlpha(int code, char* buffer);
 
 /// Today's code date in local time; 0 when the system's clock stands outside 1900..2499.
 QELUTILITY_API int QELUTILITY_CALL ZQ_GetCurrentDate(void);
+
+/// The code time of the local wall clock; 0 when the system cannot tell.
+QELUTILITY_API int QELUTILITY_CALL ZQ_GetCurrentTime(void);
 
 #ifdef __cplusplus
 }

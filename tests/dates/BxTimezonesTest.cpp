@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "QelUtility/BxTimezones.h"
+#include "QelUtility/ZQDateTime.h"
 #include "dates/BxTimezoneTable.h"
-#include "dates/ZQDateInternal.h"
 #include "dates/ZoneLookup.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"

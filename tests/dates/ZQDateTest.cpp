@@ -80,8 +80,8 @@ TEST(AlphaDate, ReadsItsFieldsAndKnowsTheCalendar) {
         EXPECT_EQ(day, number(row, "day"));
         EXPECT_EQ(ZQ_AlphaToCodeDate(exact.c_str()), number(row, "code"));
     }
-    EXPECT_TRUE(ZQ_IsValidAlphaDate("25000101"));
-    EXPECT_FALSE(ZQ_IsValidAlphaDate("18991231"));
+    EXPECT_TRUE(qel::dates::ZQ_IsValidAlphaDate("25000101"));
+    EXPECT_FALSE(qel::dates::ZQ_IsValidAlphaDate("18991231"));
     int month = -1;
     int day = -1;
     int year = -1;
@@ -102,9 +102,9 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
     int hour = -1;
     int minute = -1;
     int second = 42;
-    ZQ_AlphaToTime("", &hour, &minute, &second);
+    qel::dates::ZQ_AlphaToTime("", &hour, &minute, &second);
     EXPECT_TRUE(hour == 0 && minute == 0 && second == 42);
-    ZQ_AlphaToTime("123456", &hour, &minute, &second);
+    qel::dates::ZQ_AlphaToTime("123456", &hour, &minute, &second);
     EXPECT_TRUE(hour == 12 && minute == 34 && second == 56);
 
     char text[7];
@@ -113,8 +113,8 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
     EXPECT_STREQ(ZQ_CodeTimeToAlpha(INT_MAX, text), "991407");
     EXPECT_STREQ(ZQ_CodeTimeToAlpha(INT_MIN, text), "999999");
     char date[9];
-    EXPECT_STREQ(ZQ_DateToAlpha(-1, 100, 10000, date), "99999999");
-    EXPECT_STREQ(ZQ_DateToAlpha(1, 2, 3, date), "00030102");
+    EXPECT_STREQ(qel::dates::ZQ_DateToAlpha(-1, 100, 10000, date), "99999999");
+    EXPECT_STREQ(qel::dates::ZQ_DateToAlpha(1, 2, 3, date), "00030102");
 }
 
 TEST(Clock, ReadsAPresentDay) {

@@ -6,7 +6,9 @@
 #include <cstdio>
 #include <string>
 
-#include "dates/ZQDateInternal.h"
+#include "QelUtility/ZQDate.h"
+#include "QelUtility/ZQDateTime.h"
+#include "QelUtility/ZQDuration.h"
 #include "support/Tables.h"
 
 namespace {

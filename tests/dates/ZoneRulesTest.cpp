@@ -7,7 +7,8 @@
 #include <string>
 
 #include "QelUtility/BxTimezones.h"
-#include "dates/ZQDateInternal.h"
+#include "QelUtility/ZQDate.h"
+#include "QelUtility/ZQDateTime.h"
 #include "dates/ZoneRules.h"
 #include "dates/reldaymo.h"
 #include "support/Tables.h"

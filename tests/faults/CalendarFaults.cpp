@@ -6,10 +6,9 @@
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/BxTimezones.h"
 #include "QelUtility/RRule.h"
+#include "QelUtility/RptExpand.h"
 #include "QelUtility/RptNext.h"
 #include "faults/Exhaustion.h"
-#include "recurrence/RRuleInternal.h"
-#include "recurrence/RptExpandRange.h"
 
 namespace qel::test {
 
@@ -69,7 +68,7 @@ struct Repeat : Converted {
         repeat.exclusions = dates;
         repeat.exclusionCount = 10;
         BxUtil_PositionalV20toRRULE("FREQ=WEEKLY;COUNT=10;BYDAY=MO", &rule, nullptr);
-        DateBlock_Init(&days, 0, kDateBlockStep, kDateBlockMaximum);
+        DateBlock_Init(&days, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM);
     }
     Outcome left(const Attempt&) {
         const int exclusions = result == 0 ? madeRepeat.exclusionCount : 0;
@@ -143,7 +142,7 @@ const Operation kCalendar[] = {
              }),
     on<Rule>("WritePositional", {"1 (null) (null) 0 0"},
              [](auto& made) {
-                 made.result = recurrence::RRule_ToPositional(made.rule, made.text, true) == nullptr;
+                 made.result = BxUtil_RRULEtoPositional(&made.rule, made.text, true) == nullptr;
              }),
     on<Repeat>("RuleToRepeat", {"2001 (null) (null) 0 0", "0"},
                [](auto& made) {

@@ -35,6 +35,8 @@ TEST(InterfaceCalendar, RulesFromAndToTheirTexts) {
     EXPECT_STREQ(BxUtil_RRULEtoV10IETF(&rule, out, false), "W2 MO WE FR #10");
     ASSERT_EQ(BxUtil_PositionaltoRRULE("WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;", &rule, &flags), 0);
     EXPECT_EQ(rule.byDay, RRULE_DAY_MO | RRULE_DAY_WE | RRULE_DAY_FR);
+    EXPECT_STREQ(BxUtil_RRULEtoPositional(&rule, out, false), "WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;");
+    EXPECT_EQ(BxUtil_RRULEtoPositional(nullptr, out, false), nullptr);
 }
 
 TEST(InterfaceCalendar, Zones) {

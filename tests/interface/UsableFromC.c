@@ -52,6 +52,69 @@ static void datesAndRepeats(void) {
     VStr_Destroy(NULL);
 }
 
+static void expansion(void) {
+    ZQTR_REPEAT repeat;
+    ClearZQTR(&repeat);
+    repeat.type = REPEAT_WEEKLY_DAYS;
+    repeat.startDate = ZQ_AlphaToCodeDate("20050301");
+    repeat.endDate = -1;
+    repeat.interval = repeat.unitCount = 1;
+    repeat.days[2] = 1;
+    const int start = repeat.startDate;
+
+    DateBlock dates;
+    int valid = 0;
+    int total = 0;
+    CHECK(DateBlock_Init(&dates, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM) == 0);
+    CHECK(Unfold_Repeat(&repeat, 3, start + 9, start, start + 30, &dates, &valid, &total) == 0);
+    CHECK(valid == 3 && total == 3 && dates.data[0] == start + 14 && dates.data[2] == start + 28);
+    CHECK(Unfold_ListDates(&repeat, 5, start, start + 7, &dates, &valid, &total) == 0 &&
+          total == 2);
+    CHECK(DateBlock_Reserve(&dates, DATEBLOCK_MAXIMUM + 1) == DATEBLOCK_FULL);
+    DateBlock_Free(&dates);
+    CHECK(DateBlock_Init(NULL, 0, 1, 1) == QEL_NOT_INITIALIZED);
+    CHECK(DateBlock_Reserve(NULL, 1) == QEL_NOT_INITIALIZED);
+    DateBlock_Free(NULL);
+    CHECK(Unfold_HasOccurrence(start + 1, start + 6, start, &repeat) == 0);
+    CHECK(WeekOfMonth(start + 7) == 2);
+
+    int found = -7;
+    CHECK(ZQRepeatJump(&repeat, start, &found) == -1 && ZQRepeatJump(NULL, start, &found) == -1);
+    CHECK(found == -7);
+    CHECK(ZQRepeatJump(&repeat, start + 36500, &found) == 0 && found == start + 36505);
+}
+
+static void dateTimesAndDurations(void) {
+    int month = 0;
+    int year = 0;
+    CHECK(ZQ_DateDecode(38516, &month, NULL, &year) == 0 && month == 6 && year == 2005);
+    CHECK(ZQ_DayOfWeek(38516) == 4);
+    CHECK(ZQ_GetCurrentTime() >= 0 && ZQ_GetCurrentTime() < 86400);
+
+    const __int64 value = ZQ_DateTimeToSeconds("20050615T083000Z");
+    VStr* text = VStr_Create(NULL);
+    int seconds = 0;
+    CHECK(value == (__int64)38516 * 86400 + 30600 && ZQ_DateTimeToSeconds(NULL) == 0);
+    ZQ_SecondsToDateTime(value, text, 1);
+    CHECK(strcmp(VStr_Text(text), "20050615T083000") == 0);
+    CHECK(ZQ_DateTimeToUnixTime(VStr_Text(text)) == 1118824200);
+    CHECK(ZQ_SecondsToDuration(93600, text) == 0 && strcmp(VStr_Text(text), "+P1DT2H") == 0);
+    CHECK(ZQ_DurationToSeconds("-PT15M", &seconds) == 0 && seconds == -900);
+    CHECK(ZQ_DurationToSeconds(NULL, &seconds) == -1);
+    CHECK(ZQ_NormalizeDuration("PT26H", text) == 0 && strcmp(VStr_Text(text), "+P1DT2H") == 0);
+    CHECK(ZQ_DurationBetween("20050615T083000", "20050615T093000", text) == 0);
+    CHECK(strcmp(VStr_Text(text), "+PT1H") == 0);
+    CHECK(ZQ_DateTimeDifference("20050615T083000", NULL, NULL) == 0);
+    VStr_Destroy(text);
+
+    text = VStr_Create(NULL);
+    CHECK(ZQ_AddDuration("20051231T233000Z", "PT45M", text) == 0);
+    CHECK(ZQ_AddSeconds(NULL, 60, text) == 0);
+    CHECK(strcmp(ZQ_UnixTimeToDateTime(0, text, 0),
+                 "20060101T001500Z19000101T00010019700101T000000Z") == 0);
+    VStr_Destroy(text);
+}
+
 static void codecs(void) {
     char text[40];
     unsigned char bytes[8];
@@ -88,6 +151,8 @@ static void filesAndTrace(const char* self) {
 int main(int count, char** arguments) {
     (void)count;
     datesAndRepeats();
+    expansion();
+    dateTimesAndDurations();
     codecs();
     filesAndTrace(arguments[0]);
     if (failures == 0) puts("the interface is usable from C");

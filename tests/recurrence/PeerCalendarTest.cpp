@@ -12,9 +12,9 @@
 
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/RRule.h"
-#include "dates/ZQDateInternal.h"
+#include "QelUtility/RptExpand.h"
+#include "QelUtility/ZQDate.h"
 #include "recurrence/RepeatRecord.h"
-#include "recurrence/RptExpandRange.h"
 
 namespace {
 
@@ -150,7 +150,7 @@ TEST(PeerCalendar, RandomRecordsHaveTheSameDays) {
         // The listing of the same days.
         ZQTR_REPEAT listed = repeat;
         DateBlock block{};
-        ASSERT_EQ(DateBlock_Init(&block, 0, kDateBlockStep, kDateBlockMaximum), 0);
+        ASSERT_EQ(DateBlock_Init(&block, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM), 0);
         int valid = 0;
         int total = 0;
         ASSERT_EQ(Unfold_ListDates(&listed, 2000, own.front(), own.back(), &block, &valid, &total),

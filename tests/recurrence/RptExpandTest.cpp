@@ -25,7 +25,7 @@ struct List {
     int valid = -7;
     int total = -7;
 
-    List() { DateBlock_Init(&block, 0, kDateBlockStep, kDateBlockMaximum); }
+    List() { DateBlock_Init(&block, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM); }
     List(const List&) = delete;
     List& operator=(const List&) = delete;
     ~List() { DateBlock_Free(&block); }
@@ -62,7 +62,7 @@ TEST(Unfold, EstimatesDays) {
         SCOPED_TRACE(row["record"]);
         const Record parsed(row["record"]);
         std::int64_t days = -1;
-        EXPECT_EQ(Unfold_EstimateDays(&parsed.repeat, number(row, "count"), &days), 0);
+        EXPECT_EQ(qel::recurrence::Unfold_EstimateDays(&parsed.repeat, number(row, "count"), &days), 0);
         EXPECT_EQ(std::to_string(days), row["days"]);
     }
 }
@@ -147,10 +147,10 @@ TEST(Unfold, TrimRunsOutOfEntries) {
     const TraceCapture trace;
     int valid = 4;  // more than there are
     int total = 3;
-    EXPECT_EQ(Unfold_TrimToCount(1, 0, &block, &valid, &total), 2013);
+    EXPECT_EQ(qel::recurrence::Unfold_TrimToCount(1, 0, &block, &valid, &total), 2013);
     EXPECT_TRUE(trace.hasError("-1.2013", "unfold"));
     valid = 4;
-    EXPECT_EQ(Unfold_TrimToCount(2, 100, &block, &valid, &total), 2013);
+    EXPECT_EQ(qel::recurrence::Unfold_TrimToCount(2, 100, &block, &valid, &total), 2013);
     EXPECT_TRUE(trace.hasError("3.2013", "unfold"));
 }
 

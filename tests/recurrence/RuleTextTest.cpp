@@ -39,7 +39,7 @@ TEST(RuleText, IsReadIntoTheRecordAndWrittenInEveryForm) {
         VStr out("what was there");
         EXPECT_EQ(BxUtil_RRULEtoIETF(&rule, out, true), row["to icalendar"]);
         EXPECT_EQ(BxUtil_RRULEtoV10IETF(&rule, out, true), row["to v10"]);
-        const char* positional = qel::RRule_ToPositional(rule, out, true);
+        const char* positional = BxUtil_RRULEtoPositional(&rule, out, true);
         ASSERT_NE(positional, nullptr);
         const std::string text = positional;
         EXPECT_EQ(text.substr(0, text.find_last_not_of(';') + 1), row["to positional"]);
@@ -56,7 +56,7 @@ TEST(RuleText, WritersTakeAnyRecord) {
     EXPECT_STREQ(out, "FREQ=");
     EXPECT_EQ(BxUtil_RRULEtoV10IETF(&rule, out, true), nullptr);
     EXPECT_STREQ(out, "");
-    EXPECT_EQ(qel::RRule_ToPositional(rule, out, true), nullptr);
+    EXPECT_EQ(BxUtil_RRULEtoPositional(&rule, out, true), nullptr);
 
     rule.freq = RRULE_FREQ_DAILY | RRULE_FREQ_MONTHLY;
     rule.interval = -3;
