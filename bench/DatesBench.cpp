@@ -21,14 +21,14 @@ constexpr int kDays = 219146;  // 1 January 1900 to 31 December 2499
 constexpr int kStride = 7919;  // a prime, so that the days come in no order
 
 std::chrono::year_month_day chronoDate(int code) {
-    return std::chrono::sys_days{std::chrono::days{code - kUnixEpochCodeDate}};
+    return std::chrono::sys_days{std::chrono::days{code - dates::kUnixEpochCodeDate}};
 }
 
 int chronoCode(int year, int month, int day) {
     const std::chrono::sys_days days = std::chrono::year_month_day{
         std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
         std::chrono::day{static_cast<unsigned>(day)}};
-    return static_cast<int>(days.time_since_epoch().count()) + kUnixEpochCodeDate;
+    return static_cast<int>(days.time_since_epoch().count()) + dates::kUnixEpochCodeDate;
 }
 
 bool sameDays() {
@@ -85,8 +85,8 @@ constexpr char kText[] = "20050615T083000Z";
 constexpr std::int64_t kSeconds = std::int64_t{38516} * 86400 + 30600;  // from 1900
 
 std::int64_t secondsOf(int year, int month, int day, int hour, int minute, int second) {
-    return std::int64_t{encodeCivilDate({year, month, day})} * kSecondsPerDay + hour * 3600 +
-           minute * 60 + second;
+    return std::int64_t{dates::encodeCivilDate({year, month, day})} * dates::kSecondsPerDay +
+           hour * 3600 + minute * 60 + second;
 }
 
 std::int64_t bySscanf(const char* text) {
@@ -102,12 +102,13 @@ std::int64_t byHand(const char* text) {
 
 std::int64_t byLibical(const char* text) {
     return icaltime_as_timet(icaltime_from_string(text)) +
-           std::int64_t{kUnixEpochCodeDate} * kSecondsPerDay;
+           std::int64_t{dates::kUnixEpochCodeDate} * dates::kSecondsPerDay;
 }
 
 void bySnprintf(std::int64_t seconds, char* out) {
-    const CivilDate date = decodeCivilDate(static_cast<int>(seconds / kSecondsPerDay));
-    const int time = static_cast<int>(seconds % kSecondsPerDay);
+    const dates::CivilDate date =
+        dates::decodeCivilDate(static_cast<int>(seconds / dates::kSecondsPerDay));
+    const int time = static_cast<int>(seconds % dates::kSecondsPerDay);
     std::snprintf(out, 32, "%04d%02d%02dT%02d%02d%02dZ", date.year, date.month, date.day,
                   time / 3600, time / 60 % 60, time % 60);
 }
