@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "strings/AsciiText.h"
+#include "platform/AsciiText.h"
 
 namespace qel::catalogue {
 namespace {
@@ -113,7 +113,7 @@ int OperationFromTag(const char* tag, unsigned long& code) {
     const auto found =
         std::find_if(qel::catalogue::kOperations.begin(), qel::catalogue::kOperations.end(),
                      [name](const qel::catalogue::Operation& operation) {
-                         return qel::strings::equalNoCase(operation.name, name);
+                         return qel::platform::equalNoCase(operation.name, name);
                      });
     if (found == qel::catalogue::kOperations.end()) return QEL_MALFORMED;
     code = found->code;

@@ -16,6 +16,7 @@
 #include "dates/CivilDate.h"
 #include "dates/DecimalField.h"
 #include "dates/ZoneLookup.h"
+#include "platform/AsciiText.h"
 
 namespace {
 
@@ -62,15 +63,6 @@ struct TimeText {
         return position < length ? text + position : "";
     }
 };
-
-constexpr char foldCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-
-bool equalNoCase(const char* a, const char* b) {
-    while (*a != '\0' && foldCase(*a) == foldCase(*b)) ++a, ++b;
-    return *a == *b;
-}
 
 ZoneTime parseZoneTime(const TimeText& in) {
     ZoneTime time;
@@ -228,7 +220,7 @@ int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time) {
 int BxTZ_GetZoneID(const char* name) {
     const char* const wanted = name == nullptr ? "" : name;
     for (int zone = 1; zone <= qel::dates::kZoneCount; ++zone)
-        if (equalNoCase(wanted, qel::dates::zoneName(zone))) return zone;
+        if (qel::platform::equalNoCase(wanted, qel::dates::zoneName(zone))) return zone;
     char text[512];  // the error line shows less
     std::snprintf(text, sizeof text, "Bad Timezone: %.400s", wanted);
     BxTrace_Error_SL(kSourceName, kLineUnknownName, text, QEL_MALFORMED, QEL_MALFORMED);

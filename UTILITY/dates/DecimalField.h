@@ -7,26 +7,20 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/AsciiText.h"
+
 namespace qel::dates {
-
-[[nodiscard]] constexpr bool isAsciiBlank(char c) noexcept {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-[[nodiscard]] constexpr bool isAsciiDigit(char c) noexcept {
-    return c >= '0' && c <= '9';
-}
 
 // The decimal number at the head of the first `width` characters: blanks, a sign, digits. Anything
 // else, the terminator too, ends it; nothing readable is 0.
 // REQUIRES: width <= 9
 [[nodiscard]] constexpr int decimalField(const char* text, std::size_t width) noexcept {
     std::size_t i = 0;
-    while (i < width && isAsciiBlank(text[i])) ++i;
+    while (i < width && platform::isAsciiSpace(text[i])) ++i;
     bool negative = false;
     if (i < width && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
-    int value = 0;
-    for (; i < width && isAsciiDigit(text[i]); ++i) value = value * 10 + (text[i] - '0');
+    text += i;
+    const auto value = platform::takeDecimal<int>(text, width - i);
     return negative ? -value : value;
 }
 

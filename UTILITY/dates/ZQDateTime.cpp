@@ -10,28 +10,25 @@
 #include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
 #include "dates/ZQDateTimeInternal.h"
+#include "platform/AsciiText.h"
 
 namespace {
 
 using qel::dates::DateTimeFields;
-using qel::dates::isAsciiBlank;
-using qel::dates::isAsciiDigit;
 using qel::dates::takeDateTime;
 
 // Reads one number as scanf's "%<width>d" does: blanks, which do not count against the width, then
 // at most `width` characters of an optional sign and digits. False, with `value` untouched, when no
 // digit is found; `cursor` is then of no further use.
-bool scanNumber(const char*& cursor, int width, int& value) {
-    while (isAsciiBlank(*cursor)) ++cursor;
+bool scanNumber(const char*& cursor, std::size_t width, int& value) {
+    while (qel::platform::isAsciiSpace(*cursor)) ++cursor;
     const bool negative = *cursor == '-';
     if (*cursor == '-' || *cursor == '+') {
         ++cursor;
         --width;
     }
-    if (!isAsciiDigit(*cursor)) return false;
-    int number = 0;
-    for (; width > 0 && isAsciiDigit(*cursor); --width, ++cursor)
-        number = number * 10 + (*cursor - '0');
+    if (!qel::platform::isAsciiDigit(*cursor)) return false;
+    const auto number = qel::platform::takeDecimal<int>(cursor, width);
     value = negative ? -number : number;
     return true;
 }

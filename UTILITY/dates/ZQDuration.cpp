@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "QelUtility/ZQDateTime.h"
-#include "dates/DecimalField.h"
+#include "platform/AsciiText.h"
 
 namespace {
 
@@ -35,13 +35,8 @@ std::int64_t secondsPerUnit(char unit) {
     }
 }
 
-// The digits in [begin, end) as a number, held at INT_MAX + 1 so that no later sum overflows.
-std::int64_t boundedNumber(const char* begin, const char* end) {
-    constexpr std::int64_t kCeiling = std::int64_t{INT_MAX} + 1;
-    std::int64_t number = 0;
-    for (; begin != end; ++begin) number = std::min(number * 10 + (*begin - '0'), kCeiling);
-    return number;
-}
+// Where numbers and their sum are held, so that no later sum overflows.
+constexpr std::int64_t kCeiling = std::int64_t{INT_MAX} + 1;
 
 }  // namespace
 
@@ -76,7 +71,6 @@ int QELUTILITY_CALL ZQ_DurationToSeconds(const char* duration, int* seconds) {
     if (*cursor == '-' || *cursor == '+') ++cursor;
     if (*cursor != 'P') return -1;
     ++cursor;
-    constexpr std::int64_t kCeiling = std::int64_t{INT_MAX} + 1;
     std::int64_t total = 0;
     for (;;) {
         const std::size_t span = std::strcspn(cursor, "WDHMS");
@@ -84,8 +78,9 @@ int QELUTILITY_CALL ZQ_DurationToSeconds(const char* duration, int* seconds) {
         // What follows the last unit is ignored, and a unit right after a unit ends the reading.
         if (span == 0 || *unit == '\0') break;
         const char* digits = unit;
-        while (digits != cursor && qel::dates::isAsciiDigit(digits[-1])) --digits;
-        const std::int64_t number = boundedNumber(digits, unit);
+        while (digits != cursor && qel::platform::isAsciiDigit(digits[-1])) --digits;
+        const auto number = qel::platform::takeDecimal<std::int64_t, kCeiling>(
+            digits, static_cast<std::size_t>(unit - digits));
         total = std::min(total + number * secondsPerUnit(*unit), kCeiling);
         cursor = unit + 1;
     }

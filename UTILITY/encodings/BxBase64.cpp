@@ -8,7 +8,7 @@
 
 #include "QelUtility/BxEncodings.h"
 #include "encodings/Base64Groups.h"
-#include "strings/AsciiText.h"
+#include "platform/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -32,7 +32,7 @@ char digit(unsigned int sixBits) {
 }
 
 void skipSpace(const char*& text) {
-    while (strings::isAsciiSpace(*text)) ++text;
+    while (platform::isAsciiSpace(*text)) ++text;
 }
 
 // Puts one digit's bits where its place in the group of four has them; false when `dst` is full.
@@ -96,7 +96,7 @@ int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsign
             index += 3 * std::uint64_t{groups};
         }
         if (*text == '\0' || *text == qel::encodings::kPadding) break;
-        if (qel::strings::isAsciiSpace(*text)) continue;
+        if (qel::platform::isAsciiSpace(*text)) continue;
         const unsigned int value = qel::encodings::kValues[static_cast<unsigned char>(*text)];
         if (value == qel::encodings::kNoDigit) return -1;
         if (dst != nullptr && !qel::encodings::storeDigit(value, state, dst, dstSize, index))

@@ -9,9 +9,9 @@
 #include <limits>
 
 #include "encodings/BxCharConvInternal.h"
+#include "platform/AsciiText.h"
 #include "platform/CodePages.h"
 #include "platform/Memory.h"
-#include "strings/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -26,7 +26,7 @@ const char* findCharSet(const char* name) {
     if (name == nullptr || *name == '\0') return nullptr;
     const auto found =
         std::find_if(kCharSetNames.begin(), kCharSetNames.end(),
-                     [name](const char* entry) { return strings::equalNoCase(entry, name); });
+                     [name](const char* entry) { return platform::equalNoCase(entry, name); });
     return found == kCharSetNames.end() ? nullptr : *found;
 }
 

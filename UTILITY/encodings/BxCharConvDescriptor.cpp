@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "encodings/BxCharConvInternal.h"
+#include "platform/AsciiText.h"
 #include "platform/CodePages.h"
-#include "strings/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -22,14 +22,11 @@ constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
 // Only these two names are looked at as names. So "8859-2" is page 8859, which no system has, and
 // "SJIS" is the default page: the connector's own meaning of its list, not an oversight.
 std::uint32_t codePageOf(const char* name) {
-    if (strings::equalNoCase(name, "UTF-8")) return kUtf8CodePage;
-    if (strings::equalNoCase(name, "8859-1")) return kDefaultCodePage;
-    std::uint64_t value = 0;
-    for (; *name >= '0' && *name <= '9'; ++name) {
-        value = value * 10 + static_cast<std::uint64_t>(*name - '0');
-        value = std::min<std::uint64_t>(value, std::numeric_limits<std::uint32_t>::max());
-    }
-    return static_cast<std::uint32_t>(value);
+    if (platform::equalNoCase(name, "UTF-8")) return kUtf8CodePage;
+    if (platform::equalNoCase(name, "8859-1")) return kDefaultCodePage;
+    constexpr std::uint64_t kMost = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(
+        platform::takeDecimal<std::uint64_t, kMost>(name, std::numeric_limits<std::size_t>::max()));
 }
 
 int errorOf(platform::CodePageFailure failure) {

@@ -11,6 +11,7 @@
 #include <cstring>
 
 #include "encodings/BxTea.h"
+#include "platform/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -21,14 +22,6 @@ constexpr TeaKey kCipherKey{0x5D1C9A37, 0xE40B62F8, 0x27A3D50E, 0x913F7CB4};
 
 constexpr char kHexDigits[] = "0123456789abcdef";
 constexpr std::size_t kHexBlockSize = 2 * kTeaBlockSize;
-
-// 0..15, or -1.
-int hexValue(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
 
 // Big-endian words of the first `count` bytes; the others count as zero.
 TeaBlock packed(const unsigned char* bytes, std::size_t count) {
@@ -71,7 +64,7 @@ int decipherFromHex(const char* hex, void* out, unsigned int outSize, const TeaK
     const std::size_t length = hex == nullptr ? 1 : std::strlen(hex);
     if (length % 8 != 0) return ZQUT_MALFORMED;
     int result = 0;
-    if (std::any_of(hex, hex + length, [](char c) { return hexValue(c) < 0; }) ||
+    if (std::any_of(hex, hex + length, [](char c) { return platform::hexValue(c) < 0; }) ||
         length % kHexBlockSize != 0)
         result = ZQUT_MALFORMED;
     else if (outSize < length / 2 || (out == nullptr && outSize != 0))
@@ -88,7 +81,8 @@ int decipherFromHex(const char* hex, void* out, unsigned int outSize, const TeaK
         unsigned char cipher[kTeaBlockSize];
         for (std::size_t i = 0; i < kTeaBlockSize; ++i) {
             const char* pair = hex + done + 2 * i;
-            cipher[i] = static_cast<unsigned char>(hexValue(pair[0]) * 16 + hexValue(pair[1]));
+            cipher[i] = static_cast<unsigned char>(platform::hexValue(pair[0]) * 16 +
+                                                   platform::hexValue(pair[1]));
         }
         // The cipher block is measured as a C string: from its first zero byte on it counts as
         // zero, and so does not decode to its text. That is the format that hosts exchange.

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-#include "strings/AsciiText.h"
+#include "platform/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -15,7 +15,7 @@ constexpr std::string_view kParameterName = "BOUNDARY";
 
 template <typename Char>
 Char* pastSpace(Char* text) {
-    while (strings::isAsciiSpace(*text)) ++text;
+    while (platform::isAsciiSpace(*text)) ++text;
     return text;
 }
 
@@ -36,7 +36,7 @@ const char* findBoundary(const char* separator, const char* lineEnd) {
         if (equals == nullptr) return nullptr;
         const std::string_view name(at, static_cast<std::size_t>(equals - at));
         if (name.size() != kParameterName.size()) return nullptr;
-        if (strings::equalNoCase(name, kParameterName)) return equals + 1;
+        if (platform::equalNoCase(name, kParameterName)) return equals + 1;
         at = equals;
     }
     return nullptr;
@@ -92,8 +92,8 @@ const char* QELUTILITY_CALL GetMIMEDelimiter(char* value, VStr& out) {
     char* const type = qel::encodings::pastSpace(value);
     char* const slash = std::strchr(type, '/');
     if (slash == nullptr ||
-        !qel::strings::equalNoCase({type, static_cast<std::size_t>(slash - type)},
-                                   qel::encodings::kTypeName))
+        !qel::platform::equalNoCase({type, static_cast<std::size_t>(slash - type)},
+                                    qel::encodings::kTypeName))
         return nullptr;
     char* const separator = std::strchr(slash, ';');
     if (separator == nullptr) return nullptr;

@@ -1,4 +1,5 @@
 #include "QelUtility/BxQuotedPrintable.h"
+#include "platform/AsciiText.h"
 
 #include <algorithm>
 #include <array>
@@ -48,14 +49,6 @@ constexpr auto kPlain = [] {
     plain['\t'] = true;
     return plain;
 }();
-
-// 0..15, or -1 for what is no hexadecimal digit.
-int hexValue(unsigned char digit) {
-    if (digit >= '0' && digit <= '9') return digit - '0';
-    if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-    if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-    return -1;
-}
 
 enum class LineBreaks { kData, kLineBreaks };
 
@@ -202,8 +195,8 @@ std::size_t runEnd(const unsigned char* text, std::size_t length, std::size_t at
 std::size_t decodeEscape(const unsigned char* text, std::size_t length, std::size_t at,
                          Sink& sink) {
     if (length - at > 2) {
-        const int high = hexValue(text[at + 1]);
-        const int low = hexValue(text[at + 2]);
+        const int high = platform::hexValue(text[at + 1]);
+        const int low = platform::hexValue(text[at + 2]);
         if (high >= 0 && low >= 0) {
             sink.put(static_cast<unsigned char>(high * 16 + low));
             return at + 3;

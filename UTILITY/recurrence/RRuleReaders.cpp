@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "QelUtility/RRule.h"
+#include "platform/AsciiText.h"
 #include "recurrence/RRuleInternal.h"
 
 namespace qel::recurrence {
@@ -35,10 +36,6 @@ constexpr std::size_t kUnread = 3;
 // A field that is missing has an empty text; both set nothing.
 using Fields = std::array<std::string_view, kFields>;
 
-bool isLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 // Calls `use` with each item of a list; a list with any item is present, whatever it holds.
 template <typename Use>
 void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use) {
@@ -55,13 +52,15 @@ void readList(std::string_view list, _rruleRepeat& rule, RRulePart part, Use use
 int readByDay(std::string_view list, _rruleRepeat& rule) {
     int positions = 0;
     readList(list, rule, RRULE_TYPE_BYDAY, [&](std::string_view item) {
-        if (!isLetter(item.front())) {
+        if (!platform::isAsciiLetter(item.front())) {
             if (const int ordinal = RRule_Number(item); ordinal != 0) {
                 rule.type |= RRULE_TYPE_BYSETPOS;
                 if (positions < kPositionSlots)
                     rule.setPos[positions++] = static_cast<short>(ordinal);
             }
-            for (int i = 0; i < kLongestOrdinal && !item.empty() && !isLetter(item.front()); ++i)
+            for (int i = 0;
+                 i < kLongestOrdinal && !item.empty() && !platform::isAsciiLetter(item.front());
+                 ++i)
                 item.remove_prefix(1);
         }
         if (const int day = RRule_DayOfCodeNoCase(item); day != 0)

@@ -5,6 +5,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/ZQDateTime.h"
+#include "platform/AsciiText.h"
 #include "recurrence/RRuleInternal.h"
 
 namespace qel::recurrence {
@@ -14,15 +15,6 @@ namespace {
 constexpr char kSourceName[] = "RRule";
 constexpr std::size_t kDateLength = 8;    // "YYYYMMDD"
 constexpr std::size_t kReportRoom = 512;  // the error line shows less of a text than this
-
-bool isSpace(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-// The letter in capitals, where `c` is one. No other character becomes a capital by it.
-constexpr char capital(char c) {
-    return static_cast<char>(c & 0xDF);
-}
 
 // Both letters of a day code in one number.
 constexpr unsigned pairOf(char first, char second) {
@@ -58,20 +50,19 @@ int dayOfPair(unsigned pair) {
 int RRule_Number(std::string_view item) {
     const char* at = item.data();
     const char* const end = at + item.size();
-    while (at != end && isSpace(*at)) ++at;
+    while (at != end && platform::isAsciiSpace(*at)) ++at;
     bool negative = false;
     if (at != end && (*at == '+' || *at == '-')) negative = *at++ == '-';
-    long long value = 0;  // [0, -INT_MIN]
     constexpr long long kLimit = -static_cast<long long>(INT_MIN);
-    for (; at != end && *at >= '0' && *at <= '9'; ++at)
-        value = std::min(value * 10 + (*at - '0'), kLimit);
+    const auto value =
+        platform::takeDecimal<long long, kLimit>(at, static_cast<std::size_t>(end - at));
     return static_cast<int>(negative ? -value : std::min<long long>(value, INT_MAX));
 }
 
 bool RRule_IsName(std::string_view text, std::string_view name) {
     return std::equal(
         text.begin(), text.end(), name.begin(), name.end(),
-        [](char c, char letter) { return capital(c) == letter; });
+        [](char c, char letter) { return platform::asciiCapital(c) == letter; });
 }
 
 int RRule_DayOfCode(std::string_view text) {
@@ -79,7 +70,9 @@ int RRule_DayOfCode(std::string_view text) {
 }
 
 int RRule_DayOfCodeNoCase(std::string_view text) {
-    return text.size() == 2 ? dayOfPair(pairOf(capital(text[0]), capital(text[1]))) : 0;
+    return text.size() == 2
+               ? dayOfPair(pairOf(platform::asciiCapital(text[0]), platform::asciiCapital(text[1])))
+               : 0;
 }
 
 void RRule_Start(_rruleRepeat* rule, int* flags) {

@@ -11,6 +11,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/QelTypes.h"
+#include "platform/AsciiText.h"
 
 namespace qel::streams {
 
@@ -47,18 +48,10 @@ inline bool pointsInto(const void* p, const void* block, std::size_t size) {
     throw BxTrace_Error(kStreamSourceName, line, detail, code);
 }
 
-// -1 for what is no hexadecimal digit.
-constexpr int hexDigit(unsigned char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-}
-
 constexpr auto kHexValues = [] {
     std::array<short, 256> values{};
     for (std::size_t c = 0; c < values.size(); ++c)
-        values[c] = static_cast<short>(hexDigit(static_cast<unsigned char>(c)));
+        values[c] = static_cast<short>(platform::hexValue(static_cast<char>(c)));
     return values;
 }();
 

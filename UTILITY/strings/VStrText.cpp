@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "QelUtility/VStr.h"
+#include "platform/AsciiText.h"
 #include "platform/Format.h"
 #include "strings/VStrInternal.h"
 
@@ -25,8 +26,7 @@ constexpr bool isBlank(char c) {
 }
 
 constexpr int folded(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte >= 'A' && byte <= 'Z' ? byte + ('a' - 'A') : byte;
+    return static_cast<unsigned char>(qel::platform::asciiToLower(c));
 }
 
 // -1 for no match, which is what a null `found` stands for.

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "platform/AsciiText.h"
+
 namespace qel::platform {
 
 namespace {
@@ -13,13 +15,6 @@ namespace chr = std::chrono;
 
 constexpr int kSecondsPerDay = 86400;
 constexpr int kMaxHours = 167;  // a week less an hour, RFC 8536 3.3.1
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
 
 // When in a year a change happens: a weekday of a month, or a day of the year.
 struct YearlyRule {
@@ -54,20 +49,18 @@ class Reader {
             return true;
         }
         std::size_t length = 0;
-        while (length < rest_.size() && isLetter(rest_[length])) ++length;
+        while (length < rest_.size() && isAsciiLetter(rest_[length])) ++length;
         rest_.remove_prefix(length);
         return length >= 3;
     }
 
     bool takeNumber(int low, int high, int& number) {
-        if (rest_.empty() || !isDigit(rest_.front())) return false;
-        number = 0;
-        while (!rest_.empty() && isDigit(rest_.front())) {
-            number = number * 10 + (rest_.front() - '0');
-            if (number > high) return false;
-            rest_.remove_prefix(1);
-        }
-        return number >= low;
+        const char* end = rest_.data();
+        constexpr int kTooHigh = 1000;  // no field of a rule goes that far
+        number = takeDecimal<int, kTooHigh>(end, rest_.size());
+        const auto digits = static_cast<std::size_t>(end - rest_.data());
+        rest_.remove_prefix(digits);
+        return digits > 0 && number >= low && number <= high;
     }
 
     // [+|-]hh[:mm[:ss]] in seconds.

@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/AsciiText.h"
 #include "platform/PathLock.h"
 
 namespace qel::platform {
@@ -21,17 +22,6 @@ namespace {
 // No sensible settings file is larger; one that is counts as unreadable and is left alone.
 constexpr std::size_t kMostBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::uint32_t kLockMilliseconds = 200;
-
-char lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalNoCase(std::string_view a, std::string_view b) noexcept {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (lower(a[i]) != lower(b[i])) return false;
-    return true;
-}
 
 std::string_view trim(std::string_view text) noexcept {
     constexpr std::string_view kBlanks = " \t\r\n\v\f";

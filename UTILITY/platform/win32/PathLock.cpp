@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include "platform/AsciiText.h"
+
 namespace qel::platform {
 
 namespace {
@@ -15,10 +17,8 @@ unsigned long long pathHash(const char* path) noexcept {
     const DWORD length = GetFullPathNameA(path, sizeof full, full, nullptr);
     const bool known = length > 0 && length < sizeof full;
     unsigned long long hash = 14695981039346656037ULL;
-    for (const char* p = known ? full : path; *p != '\0'; ++p) {
-        const char c = *p >= 'A' && *p <= 'Z' ? static_cast<char>(*p - 'A' + 'a') : *p;
-        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
-    }
+    for (const char* p = known ? full : path; *p != '\0'; ++p)
+        hash = (hash ^ static_cast<unsigned char>(asciiToLower(*p))) * 1099511628211ULL;
     return hash;
 }
 
