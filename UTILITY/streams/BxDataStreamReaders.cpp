@@ -29,8 +29,10 @@ unsigned char* decodedBytes(const unsigned char* text, int length, long& size, i
         if (byte == 0xFF) {
             byte = 0;
         } else if (byte == 0xFE) {
-            const int high = i + 2 < length ? qel::platform::hexValue(text[i + 1]) : -1;
-            const int low = i + 2 < length ? qel::platform::hexValue(text[i + 2]) : -1;
+            const int high =
+                i + 2 < length ? qel::platform::hexValue(static_cast<char>(text[i + 1])) : -1;
+            const int low =
+                i + 2 < length ? qel::platform::hexValue(static_cast<char>(text[i + 2])) : -1;
             if (high < 0 || low < 0) {
                 std::free(block);
                 code = kDecodeMalformed;
