@@ -7,7 +7,6 @@
 #include <new>
 #include <numeric>
 #include <string_view>
-#include <tuple>
 
 #include "QelUtility/BxTimezones.h"
 #include "QelUtility/BxTrace.h"
@@ -33,8 +32,6 @@ constexpr int kLineUtcToUtc = 334;
 constexpr int kLineUtcOfBadZone = 380;
 constexpr int kLinePositiveMinutes = 475;
 constexpr int kLineNegativeMinutes = 510;
-constexpr int kLineOffsetOfBadZone = 563;
-constexpr int kLineNoOffsets = 582;
 
 constexpr int kBadZoneNumber = 2016;
 constexpr int kNotUtc = 2098;
@@ -192,31 +189,6 @@ int clampOffset(int part) {
 
 }  // namespace
 
-namespace qel::dates {
-
-int offsetAt(std::span<const ZoneChange> changes, ZoneColumn column, ZoneTime& time) {
-    if (changes.empty())
-        return BxTrace_Error_S(kSourceName, kLineNoOffsets, "no offsets array", QEL_FAILED);
-    const auto key = [](const ZoneTime& t) { return std::tuple(t.date, t.hour, t.minute); };
-    const auto half = [column](const ZoneChange& change) -> const ZoneTime& {
-        return column == ZoneColumn::Local ? change.local : change.utc;
-    };
-    auto next = std::upper_bound(
-        changes.begin(), changes.end(), key(time),
-        [&](const auto& wanted, const ZoneChange& change) { return wanted < key(half(change)); });
-    if (next != changes.begin()) --next;
-    time.offsetHours = half(*next).offsetHours;
-    time.offsetMinutes = half(*next).offsetMinutes;
-    return 0;
-}
-
-int zoneOffsetAt(int zone, ZoneColumn column, ZoneTime& time) {
-    if (!isZoneNumber(zone)) return reportBadZone(kLineOffsetOfBadZone, zone);
-    return offsetAt(zoneChanges(zone), column, time);
-}
-
-}  // namespace qel::dates
-
 int BxTZ_GetZoneID(const char* name) {
     const char* const wanted = name == nullptr ? "" : name;
     for (int zone = 1; zone <= qel::dates::kZoneCount; ++zone)
@@ -267,7 +239,8 @@ int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
     }
     if (needsNoUtc(in, kLineUtcToUtc)) return setText(text, out);
     ZoneTime time = parseZoneTime(in);
-    if (const int code = zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0) return code;
+    if (const int code = qel::dates::zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0)
+        return code;
     return convert(in, time, time.offsetHours, time.offsetMinutes, "Z", out);
 }
 
@@ -290,7 +263,8 @@ int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
         return result == QEL_OK && in.timed ? kNotUtc : result;
     }
     ZoneTime time = parseZoneTime(in);
-    if (const int code = zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0) return code;
+    if (const int code = qel::dates::zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0)
+        return code;
     return convert(in, time, -time.offsetHours, -time.offsetMinutes, "", out);
 }
 

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "encodings/BxCharConvInternal.h"
+#include "encodings/BxCharConvDescriptor.h"
 #include "platform/AsciiText.h"
 #include "platform/CodePages.h"
 #include "platform/Memory.h"

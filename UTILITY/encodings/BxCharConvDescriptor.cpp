@@ -4,7 +4,7 @@
 #include <cstring>
 #include <limits>
 
-#include "encodings/BxCharConvInternal.h"
+#include "encodings/BxCharConvDescriptor.h"
 #include "platform/AsciiText.h"
 #include "platform/CodePages.h"
 

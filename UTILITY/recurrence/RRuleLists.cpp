@@ -1,7 +1,8 @@
-// The list writers that the rule writers share.
+#include "recurrence/RRuleLists.h"
+
 #include <bit>
 
-#include "recurrence/RRuleInternal.h"
+#include "recurrence/RRuleText.h"
 
 namespace qel::recurrence {
 

@@ -6,7 +6,7 @@
 
 #include "QelUtility/RRule.h"
 #include "platform/AsciiText.h"
-#include "recurrence/RRuleInternal.h"
+#include "recurrence/RRuleText.h"
 
 namespace qel::recurrence {
 

@@ -1,4 +1,6 @@
 // What the rule readers share: items, numbers, day codes, the end date, the failure report.
+#include "recurrence/RRuleText.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstdio>
@@ -6,7 +8,6 @@
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/ZQDateTime.h"
 #include "platform/AsciiText.h"
-#include "recurrence/RRuleInternal.h"
 
 namespace qel::recurrence {
 

@@ -2,7 +2,7 @@
 #include <string_view>
 
 #include "QelUtility/RRule.h"
-#include "recurrence/RRuleInternal.h"
+#include "recurrence/RRuleText.h"
 
 namespace qel::recurrence {
 

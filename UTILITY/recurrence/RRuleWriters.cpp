@@ -2,7 +2,8 @@
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
 #include "dates/ZQDateTimeInternal.h"
-#include "recurrence/RRuleInternal.h"
+#include "recurrence/RRuleLists.h"
+#include "recurrence/RRuleText.h"
 
 namespace qel::recurrence {
 
@@ -80,15 +81,12 @@ void appendV10Modifiers(const _rruleRepeat& rule, RRuleOutput& out) {
     if (has(rule, RRULE_TYPE_BYMONTH)) RRule_AppendMonths(rule, out, ' ');
 }
 
-}  // namespace
-
-void RRule_AppendUntil(__int64 until, RRuleOutput& out, bool withTime) {
+// "20051231T000000Z", or its eight-digit date alone.
+void appendUntil(__int64 until, RRuleOutput& out, bool withTime) {
     char text[dates::kDateTimeRoom];
     const std::size_t length = dates::secondsToAlpha(until, text, false);
     out.add({text, length - (withTime ? 0 : kTimeLength)});
 }
-
-namespace {
 
 // Gives `out` what `write` makes, and returns its text when `write` calls it a rule. Where memory
 // is exhausted `out` is null.
@@ -108,7 +106,7 @@ bool writePositional(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) 
     if (frequency.empty()) return false;
     out.add(frequency);
     out.add(';');
-    if (rule->until >= 0) RRule_AppendUntil(rule->until, out, withTime);
+    if (rule->until >= 0) appendUntil(rule->until, out, withTime);
     out.add(';');
     if (rule->until < 0 && rule->count != kNoCount) out.add(rule->count);
     out.add(';');
@@ -133,7 +131,7 @@ bool writeIETF(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) {
     out.add(';');
     if (rule->until >= 0) {
         out.add("UNTIL=");
-        RRule_AppendUntil(rule->until, out, withTime);
+        appendUntil(rule->until, out, withTime);
         out.add(';');
     } else if (rule->count > 0) {
         out.add("COUNT=");
@@ -166,7 +164,7 @@ bool writeV10(const _rruleRepeat* rule, RRuleOutput& out, bool withTime) {
     appendV10Modifiers(*rule, out);
     if (!out.endsWith(' ')) out.add(' ');
     if (rule->until >= 0) {
-        RRule_AppendUntil(rule->until, out, withTime);
+        appendUntil(rule->until, out, withTime);
     } else {
         // "#0" is vCalendar's form of a rule without end.
         out.add('#');

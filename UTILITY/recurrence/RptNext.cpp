@@ -2,7 +2,13 @@
 #include "QelUtility/RptNext.h"
 
 #include "recurrence/RptNextJump.h"
+#include "recurrence/RptNextKind.h"
+#include "recurrence/RptNextMonthDay.h"
+#include "recurrence/RptNextQuarter.h"
 #include "recurrence/RptNextSteps.h"
+#include "recurrence/RptNextWeekday.h"
+#include "recurrence/RptNextWeekly.h"
+#include "recurrence/RptNextWeeks.h"
 
 namespace recurrence = qel::recurrence;
 

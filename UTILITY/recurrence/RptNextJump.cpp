@@ -7,7 +7,13 @@
 #include <bit>
 #include <numeric>
 
+#include "recurrence/RptNextKind.h"
+#include "recurrence/RptNextMonthDay.h"
+#include "recurrence/RptNextQuarter.h"
 #include "recurrence/RptNextSteps.h"
+#include "recurrence/RptNextWeekday.h"
+#include "recurrence/RptNextWeekly.h"
+#include "recurrence/RptNextWeeks.h"
 
 namespace qel::recurrence {
 

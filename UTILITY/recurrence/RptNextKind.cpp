@@ -1,5 +1,7 @@
 // Types of the repeat engine that name the n-th day, workday or weekend day of a month: 10
 // (monthly) and 11 (yearly).
+#include "recurrence/RptNextKind.h"
+
 #include "recurrence/RptNextSteps.h"
 
 namespace qel::recurrence {

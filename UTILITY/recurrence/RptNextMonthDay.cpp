@@ -1,5 +1,7 @@
 // Types of the repeat engine that name a day of the month: 3 (monthly), 5 (yearly) and 7 (in the
 // selected months).
+#include "recurrence/RptNextMonthDay.h"
+
 #include "recurrence/RptNextSteps.h"
 
 namespace qel::recurrence {

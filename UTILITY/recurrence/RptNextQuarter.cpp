@@ -1,5 +1,7 @@
 // Types of the repeat engine that count inside a quarter: 13 (a day) and 14 (the n-th or last
 // weekday).
+#include "recurrence/RptNextQuarter.h"
+
 #include "recurrence/RptNextSteps.h"
 
 namespace qel::recurrence {

@@ -1,5 +1,5 @@
-// What the repeat engine's files share: the error lines, the calendar steps and the search of each
-// group of types. For the library's own use, from any thread; nothing here keeps state.
+// What the repeat engine's files share: the error lines and the calendar steps. For the library's
+// own use, from any thread; nothing here keeps state.
 #ifndef QEL_RECURRENCE_RPTNEXTSTEPS_H
 #define QEL_RECURRENCE_RPTNEXTSTEPS_H
 
@@ -119,37 +119,11 @@ inline int narrow(std::int64_t value, int& date) {
            repeat.dayOfWeek >= REPEAT_ANY_DAY && repeat.dayOfWeek <= REPEAT_WEEKEND_DAY;
 }
 
-// The occurrence of a series in one month, or in the quarter that begins with it; false when a date
-// leaves the range.
-// REQUIRES: isKindOfDay for kindOfDayIn
-bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);    // 4, 6
-bool kindOfDayIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date);         // 10, 11
-bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);      // 13
-bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date);  // 14
-
 // Types 3 and 5, whose steps have little else to do.
 inline bool dayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     return encode({month.year, month.month, clampDay(repeat.dayOfMonth, month.month, month.year)},
                   date);
 }
-
-// The first occurrence of type 7 at or after `from`, in `month` or later; false past the range.
-bool dayOfMonthsFrom(const ZQTR_REPEAT& repeat, CivilDate month, int from, int& date);
-
-// The search of each group of types: the occurrence after `previous` (kNoPrevious: the first one)
-// into `date`; 0, or 4008 after one reported error.
-// REQUIRES: a start date of 0 or later, an interval of at least 1
-int nextDaily(const ZQTR_REPEAT& repeat, int previous, int& date);             // type 1
-int nextWeekly(const ZQTR_REPEAT& repeat, int previous, int& date);            // type 2
-int nextWeeklyDays(const ZQTR_REPEAT& repeat, int previous, int& date);        // type 12
-int nextMonthDay(const ZQTR_REPEAT& repeat, int previous, int& date);          // type 3
-int nextYearDate(const ZQTR_REPEAT& repeat, int previous, int& date);          // type 5
-int nextDayOfMonths(const ZQTR_REPEAT& repeat, int previous, int& date);       // type 7
-int nextWeekdayOfMonth(const ZQTR_REPEAT& repeat, int previous, int& date);    // types 4 and 6
-int nextKindOfDay(const ZQTR_REPEAT& repeat, int previous, int& date);         // types 10 and 11
-int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date);           // types 8 and 15
-int nextDayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date);      // type 13
-int nextWeekdayOfQuarter(const ZQTR_REPEAT& repeat, int previous, int& date);  // type 14
 
 }  // namespace qel::recurrence
 

@@ -1,6 +1,8 @@
 // Types of the repeat engine that name the n-th weekday of a month: 4 (monthly) and 6 (yearly).
+#include "recurrence/RptNextWeekday.h"
+
+#include "QelUtility/RptExpand.h"
 #include "recurrence/RptNextSteps.h"
-#include "recurrence/RptExpandRange.h"
 
 namespace qel::recurrence {
 

@@ -1,4 +1,6 @@
 // Daily and weekly types of the repeat engine: 1, 2 and 12. They need no calendar, only weekdays.
+#include "recurrence/RptNextWeekly.h"
+
 #include <algorithm>
 
 #include "recurrence/RptNextSteps.h"

@@ -1,6 +1,8 @@
 // Types of the repeat engine that select weekdays in selected weeks of the month: 8 (in the
 // selected months) and 15 (every n months). A month's selected days are computed at once, as bits,
 // so that neither type walks from day to day.
+#include "recurrence/RptNextWeeks.h"
+
 #include <bit>
 
 #include "recurrence/RptNextSteps.h"

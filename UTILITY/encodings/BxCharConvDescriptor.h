@@ -1,7 +1,7 @@
 // What the two halves of the converter share: the descriptor level's error codes and failure
 // values. No state.
-#ifndef QEL_ENCODINGS_BXCHARCONVINTERNAL_H
-#define QEL_ENCODINGS_BXCHARCONVINTERNAL_H
+#ifndef QEL_ENCODINGS_BXCHARCONVDESCRIPTOR_H
+#define QEL_ENCODINGS_BXCHARCONVDESCRIPTOR_H
 
 #include <cstdint>
 

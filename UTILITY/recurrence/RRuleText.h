@@ -1,14 +1,13 @@
-// What the rule readers and writers share inside the library. Stateless; any thread may call.
-#ifndef QELUTILITY_RRULEINTERNAL_H
-#define QELUTILITY_RRULEINTERNAL_H
+// What the readers and writers of rule texts share: names, items, numbers, the end date. Stateless;
+// any thread may call.
+#ifndef QEL_RECURRENCE_RRULETEXT_H
+#define QEL_RECURRENCE_RRULETEXT_H
 
 #include <array>
 #include <cstddef>
 #include <string_view>
 
 #include "QelUtility/RRule.h"
-#include "QelUtility/VStr.h"
-#include "recurrence/RRuleOutput.h"
 
 namespace qel::recurrence {
 
@@ -29,25 +28,6 @@ inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
      {RRULE_FREQ_MONTHLY, "MONTHLY"},
      {RRULE_FREQ_WEEKLY, "WEEKLY"},
      {RRULE_FREQ_DAILY, "DAILY"}}};
-
-// The list writers. Each appends one set of `rule` to `out`, its items parted by `separator`.
-
-// "SU" .. "SA" for each bit of byDay.
-void RRule_AppendDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
-// The positive days ascending, then the negative ones by ascending magnitude: "-1", but "1-" when
-// the items are parted by spaces (vCalendar's form of the last day).
-void RRule_AppendMonthDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
-// 1 .. 366, then -1 .. -366.
-void RRule_AppendYearDays(const _rruleRepeat& rule, RRuleOutput& out, char separator);
-// 1 .. 53, then -1 .. -53, parted by commas.
-void RRule_AppendWeekNumbers(const _rruleRepeat& rule, RRuleOutput& out);
-// "1" .. "12" for each bit of byMonth.
-void RRule_AppendMonths(const _rruleRepeat& rule, RRuleOutput& out, char separator);
-// Every slot of setPos that is not free, in slot order, parted by commas.
-void RRule_AppendSetPositions(const _rruleRepeat& rule, RRuleOutput& out);
-
-// Appends `until` as a date-time in UTC ("20051231T000000Z"), or its eight-digit date alone.
-void RRule_AppendUntil(__int64 until, RRuleOutput& out, bool withTime);
 
 // Where `c` first stands from `at` on, or `end`. Rules are short: a call of memchr costs more than
 // it saves.
