@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "encodings/BxTea.h"
+#include "platform/AsciiText.h"
 
 namespace qel::encodings {
 namespace {
@@ -17,7 +18,6 @@ namespace {
 // unreadable.
 constexpr TeaKey kCipherKey{0x5D1C9A37, 0xE40B62F8, 0x27A3D50E, 0x913F7CB4};
 
-constexpr char kHexDigits[] = "0123456789abcdef";
 }  // namespace
 
 }  // namespace qel::encodings
@@ -31,8 +31,8 @@ const char* QELUTILITY_CALL MD5String(const char* text, char* out) {
     if (MD5_Init(&context) == 1 && MD5_Update(&context, text, std::strlen(text)) == 1 &&
         MD5_Final(digest, &context) == 1) {
         for (const unsigned char byte : digest) {
-            *end++ = qel::encodings::kHexDigits[byte >> 4];
-            *end++ = qel::encodings::kHexDigits[byte & 0x0F];
+            *end++ = qel::platform::kHexDigits[byte >> 4];
+            *end++ = qel::platform::kHexDigits[byte & 0x0F];
         }
     }
     *end = '\0';

@@ -10,7 +10,6 @@
 namespace qel::encodings {
 namespace {
 
-constexpr char kHexDigits[] = "0123456789abcdef";
 constexpr std::size_t kHexBlockSize = 2 * kTeaBlockSize;
 
 // Big-endian words of the first `count` bytes; the others count as zero.
@@ -43,8 +42,8 @@ int encipherToHex(const char* text, char* out, int outSize, const TeaKey& key) {
         const TeaBlock block =
             teaEncipher(packed(bytes, std::min(kTeaBlockSize, length - done)), key);
         for (std::size_t i = 0; i < kTeaBlockSize; ++i) {
-            *out++ = kHexDigits[byteOf(block, i) >> 4];
-            *out++ = kHexDigits[byteOf(block, i) & 0x0F];
+            *out++ = platform::kHexDigits[byteOf(block, i) >> 4];
+            *out++ = platform::kHexDigits[byteOf(block, i) & 0x0F];
         }
     }
     return 0;

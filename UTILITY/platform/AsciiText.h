@@ -54,6 +54,8 @@ template <typename Number, Number kMost = std::numeric_limits<Number>::max()>
     return number;
 }
 
+inline constexpr char kHexDigits[] = "0123456789abcdef";
+
 // 0 to 15; -1 when `c` is not a hexadecimal digit.
 [[nodiscard]] constexpr int hexValue(char c) {
     if (isAsciiDigit(c)) return c - '0';

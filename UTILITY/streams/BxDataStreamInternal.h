@@ -55,8 +55,6 @@ constexpr auto kHexValues = [] {
     return values;
 }();
 
-constexpr char kHexDigits[] = "0123456789abcdef";
-
 }  // namespace qel::streams
 
 #endif

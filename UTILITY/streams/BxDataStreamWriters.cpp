@@ -26,8 +26,8 @@ std::string encodedBytes(const unsigned char* data, long size) {
             text += '\xFF';
         } else {
             text += '\xFE';
-            text += qel::streams::kHexDigits[byte >> 4];
-            text += qel::streams::kHexDigits[byte & 0xF];
+            text += qel::platform::kHexDigits[byte >> 4];
+            text += qel::platform::kHexDigits[byte & 0xF];
         }
     }
     return text;
@@ -47,7 +47,7 @@ void CBxDataStream::AddNumber(unsigned long long bits, int digits) {
     unsigned char* const end = text + size;
     if (minusOne) *text = '-';
     for (unsigned char* p = end; !minusOne && p != text; bits >>= 4)
-        *--p = static_cast<unsigned char>(qel::streams::kHexDigits[bits & 0xF]);
+        *--p = static_cast<unsigned char>(qel::platform::kHexDigits[bits & 0xF]);
     *end = 0;
     m_position = end;
     m_length += 1U + static_cast<unsigned int>(size);
