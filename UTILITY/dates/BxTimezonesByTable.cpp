@@ -66,7 +66,7 @@ ZoneTime parseZoneTime(const TimeText& in) {
     if (in.text == nullptr) return time;
     time.date = qel::dates::decimalField(in.text, 8);
     if (in.timed) {
-        // A signed field is no time of day; it counts as 0.
+        // A signed field is not a time of day; it counts as 0.
         time.hour = static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(9), 2), 0));
         time.minute =
             static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(11), 2), 0));
@@ -85,7 +85,7 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
     return qel::dates::decimalField(ZQ_CodeDateToAlpha(neighbour, text), 8);
 }
 
-// "%8dT%02d%02d"; gives where its terminator would stand.
+// "%8dT%02d%02d"; returns the position for its terminator.
 char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextRoom]) {
     const bool ordinary =
         date >= 0 && date <= 99999999 && hour >= 0 && hour <= 99 && minute >= 0 && minute <= 99;
@@ -148,7 +148,7 @@ char* writeLessOffset(const ZoneTime& time, int offsetHours, int offsetMinutes,
     return writeZoneTime(date, hour, minute, text);
 }
 
-// The two second digits of a text, as many as there are; a Z in their place is none.
+// The two second digits of a text, as many as there are; a Z in their place does not count.
 std::string_view secondDigits(const TimeText& in) {
     const char* const seconds = in.tail(13);
     std::size_t count = 0;
@@ -164,7 +164,7 @@ int setText(const char* text, VStr& out) {
     return lost ? QEL_OUT_OF_MEMORY : QEL_OK;
 }
 
-// Sets `out` to a zone time less an offset, its seconds those of `in`, with `mark` behind it.
+// Sets `out` to a zone time less an offset, its seconds those of `in`, followed by `mark`.
 int convert(const TimeText& in, const ZoneTime& time, int hours, int minutes, const char* mark,
             VStr& out) {
     char whole[kTextRoom];

@@ -1,4 +1,4 @@
-// Validity, fields and texts of dates and times that the exported functions are made of. Without
+// The parts of the exported date functions: validity, fields and texts of dates and times. Without
 // state; callable from any thread.
 #ifndef QEL_DATES_ZQDATEINTERNAL_H
 #define QEL_DATES_ZQDATEINTERNAL_H

@@ -34,7 +34,7 @@ bool scanNumber(const char*& cursor, std::size_t width, int& value) {
 }
 
 // The fields that scanf's "%4d%2d%2dT%2d%2d%2d" fills; those from the first mismatch on stay 0. The
-// T must follow the day at once, blanks may stand before any number.
+// T must follow the day at once, blanks may precede any number.
 DateTimeFields scanDateTime(const char* text) {
     DateTimeFields fields;
     if (takeDateTime(text, fields)) return fields;

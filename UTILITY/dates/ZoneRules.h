@@ -39,7 +39,7 @@ struct ZoneOffsets {
                                       bool followsDaylight);
 
 // Whether a time lies in the daylight saving of a zone's rules. Both changes are taken
-// `daylightOffset` before their local time, so that the time is looked at as if it were UTC. False
+// `daylightOffset` before their local time, so that the time is treated as if it were UTC. False
 // for times up to 0, and for rules that name no date.
 [[nodiscard]] bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
                                   std::int64_t daylightOffset);

@@ -28,7 +28,7 @@ constexpr auto kPairs = [] {
 
 constexpr std::uint32_t kNoDigit = 1U << 31;
 
-// The bits of each digit at its place in the group; kNoDigit for what is no digit.
+// The bits of each digit at its place in the group; kNoDigit for any other character.
 constexpr auto kPlaced = [] {
     std::array<std::array<std::uint32_t, 256>, 4> tables{};
     for (std::size_t place = 0; place < 4; ++place) {
@@ -126,7 +126,7 @@ __attribute__((target("ssse3"))) std::size_t decodeWide(const char* src, std::si
         const __m128i twelve = _mm_maddubs_epi16(values, _mm_set1_epi32(0x01400140));
         const __m128i group = _mm_madd_epi16(twelve, _mm_set1_epi32(0x00011000));
         const __m128i bytes = _mm_shuffle_epi8(group, gather);
-        // Twelve bytes exactly: what lies behind the result is not this function's.
+        // Twelve bytes exactly: what follows the result does not belong to this function.
         const int last = _mm_cvtsi128_si32(_mm_srli_si128(bytes, 8));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(dst), bytes);
         std::memcpy(dst + 8, &last, 4);

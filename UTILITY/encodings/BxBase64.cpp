@@ -86,7 +86,7 @@ int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsign
     unsigned int state = 0;  // digits of the current group so far
     for (;; ++text) {
         if (state == 0 && dst != nullptr && index < dstSize) {
-            // Whole groups at once, as far as there is room and nothing else stands between them.
+            // Whole groups at once, as far as there is room and nothing comes between them.
             const auto groups = qel::encodings::decodeGroups(
                 text,
                 std::min(static_cast<std::size_t>(end - text) / 4,

@@ -19,7 +19,7 @@ constexpr std::uint64_t kMaxUnits =
 constexpr char16_t kByteOrderMark = 0xFEFF;
 constexpr char16_t kSwappedByteOrderMark = 0xFFFE;
 
-// Only these two names are looked at as names. So "8859-2" is page 8859, which no system has, and
+// Only these two names count as names. So "8859-2" is page 8859, which no system has, and
 // "SJIS" is the default page: the connector's own meaning of its list, not an oversight.
 std::uint32_t codePageOf(const char* name) {
     if (platform::equalNoCase(name, "UTF-8")) return kUtf8CodePage;

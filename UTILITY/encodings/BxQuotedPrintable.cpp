@@ -42,7 +42,7 @@ bool isLiteral(unsigned char byte) {
     return byte >= 0x21 && byte <= 0x7E && byte != '=';
 }
 
-// What is written as it stands wherever it does not begin or end a line: literals and blanks.
+// What is written unchanged wherever it does not begin or end a line: literals and blanks.
 constexpr auto kPlain = [] {
     std::array<bool, 256> plain{};
     for (std::size_t byte = 0x20; byte <= 0x7E; ++byte) plain[byte] = byte != '=';
@@ -89,7 +89,7 @@ class Encoder {
 
     bool lineEndsAt(std::size_t at) const { return at >= length_ || hardBreakAt(at) != 0; }
 
-    // The number of bytes from here that are written as they stand without a look at each: plain
+    // The number of bytes from here that are written unchanged without a test of each: plain
     // ones that fit before the soft break's column, without blanks at either end of a line.
     std::size_t plainRun() const {
         if (column_ >= kMaxLine - 1 || (afterSoftBreak_ && isBlank(text_[position_]))) return 0;
@@ -191,7 +191,7 @@ std::size_t runEnd(const unsigned char* text, std::size_t length, std::size_t at
     return at;
 }
 
-// Where the text after the "=" at `at` goes on, and what the "=" stands for into `sink`.
+// Where the text after the "=" at `at` goes on, and what the "=" means into `sink`.
 std::size_t decodeEscape(const unsigned char* text, std::size_t length, std::size_t at,
                          Sink& sink) {
     if (length - at > 2) {

@@ -16,7 +16,7 @@ class IRMonitorBackEnd {
     virtual bool is9xFamily() = 0;
     virtual void pause(std::uint32_t milliseconds) = 0;
 
-    // Handles are 0 when they cannot be had; closeHandle ends either kind. The other calls return 0
+    // Handles are 0 on failure; closeHandle ends either kind. The other calls return 0
     // or the system's error number.
     virtual platform::ServiceHandle openManager(std::uint32_t access) = 0;
     virtual platform::ServiceHandle openService(platform::ServiceHandle manager, const char* name,

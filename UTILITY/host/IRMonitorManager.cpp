@@ -27,7 +27,7 @@ bool stopMonitorProcess(IRMonitorBackEnd& system) {
         std::uint32_t id = 0;
         const ProcessSearch found = system.findProcess(kProcessName, id);
         if (found == ProcessSearch::kFailed) continue;
-        // One that cannot be opened is left alone, as if there were none.
+        // One that cannot be opened is ignored.
         if (found == ProcessSearch::kNotFound || !system.endProcess(id, kEndMilliseconds))
             return true;
     }

@@ -37,7 +37,7 @@ enum class NameWhileOpen { kFree, kHeld };
 // The size in bytes; -1 when the file cannot be examined.
 [[nodiscard]] std::int64_t fileSize(const char* path) noexcept;
 
-// Which file a name stands for just now; two that are equal are the same file.
+// Which file a name refers to just now; two that are equal are the same file.
 struct FileIdentity {
     std::uint64_t volume = 0;
     std::uint64_t index = 0;

@@ -15,7 +15,7 @@ struct LocalClock {
     int millisecond;  // [0, 999]
 };
 
-// The local wall clock now; all zero when the system cannot tell.
+// The local wall clock now; all zero when the system does not know.
 [[nodiscard]] LocalClock localClock() noexcept;
 
 }  // namespace qel::platform

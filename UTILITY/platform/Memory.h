@@ -10,10 +10,10 @@ namespace qel::platform {
 [[nodiscard]] char* stringAlloc(std::size_t size) noexcept;
 
 // The block grown or shrunk to `size` bytes, content kept and new bytes zero; it may move. Null
-// when memory is exhausted, and then `block` stands as it was. A null `block` allocates.
+// when memory is exhausted, and then `block` is unchanged. A null `block` allocates.
 [[nodiscard]] char* stringRealloc(char* block, std::size_t size) noexcept;
 
-// Frees a block of the two functions above; null is nothing.
+// Frees a block of the two functions above; null is ignored.
 void stringFree(char* block) noexcept;
 
 // The number of bytes that may be used in `block`, at least what was asked for; 0 for null.

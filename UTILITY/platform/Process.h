@@ -22,7 +22,8 @@ void sleepMilliseconds(std::uint32_t milliseconds) noexcept;
 // The value of an environment variable, cut at room - 1 bytes. False when it is not set or empty.
 [[nodiscard]] bool environment(const char* name, char* out, std::size_t room) noexcept;
 
-// Tells the user: a task-modal message box, a line on standard error where there are none.
+// Shows the user a message: a task-modal message box, or a line on standard error where there are
+// no message boxes.
 void messageBox(const char* title, const char* text) noexcept;
 
 }  // namespace qel::platform

@@ -17,7 +17,7 @@ class RegistryKey {
     RegistryKey(const RegistryKey&) = delete;
     RegistryKey& operator=(const RegistryKey&) = delete;
 
-    // `profileDirectory` is where the file is that stands in for the registry; "" for none.
+    // `profileDirectory` holds the file that replaces the registry; "" for no file.
     [[nodiscard]] bool open(const char* profileDirectory, const char* key, Open how) noexcept;
     void close() noexcept;
 

@@ -29,8 +29,8 @@ struct TimeZoneDescription {
 };
 
 // The computer's current zone with the rules that hold now. Where a rule cannot be put as a weekday
-// of a month, both changes come as the dates of `year`. UTC when the system cannot tell. May read a
-// file; callable from any thread that no other thread changes the environment under.
+// of a month, both changes come as the dates of `year`. UTC when the system does not know. May read
+// a file; callable from any thread that no other thread changes the environment under.
 [[nodiscard]] TimeZoneDescription currentTimeZone(int year) noexcept;
 
 // Whether the computer follows daylight saving: true unless its settings say otherwise.

@@ -39,7 +39,7 @@ int QELUTILITY_CALL ZQTRDateTimeToUTCDate(int codeDate, VStr& out) {
 }
 
 int QELUTILITY_CALL UTCDateToZQTRDateTime(const char* text, int* codeDate) {
-    // Only the first eight characters are looked at, so a "T" and a time behind them need no cut.
+    // Only the first eight characters are read, so a "T" and a time after them need not be cut off.
     if (codeDate != nullptr) *codeDate = ZQ_AlphaToCodeDate(text);
     return QEL_OK;
 }

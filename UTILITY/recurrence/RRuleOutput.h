@@ -1,4 +1,4 @@
-// A rule's text under construction, on the writer's stack: no block is asked for before the text is
+// A rule's text under construction, on the writer's stack: no block is allocated before the text is
 // whole. For the rule writers alone.
 #ifndef QELUTILITY_RRULEOUTPUT_H
 #define QELUTILITY_RRULEOUTPUT_H

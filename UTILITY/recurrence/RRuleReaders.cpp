@@ -114,7 +114,7 @@ void readByMonth(std::string_view list, _rruleRepeat& rule) {
         });
 }
 
-// The slots that BYDAY's ordinals took are passed over together with as many items of this list:
+// The slots that BYDAY's ordinals took are skipped, together with as many items of this list:
 // after one ordinal, item 1 goes to slot 1 and item 0 nowhere.
 void readBySetPos(std::string_view list, _rruleRepeat& rule, int slotsTaken) {
     int index = 0;
@@ -167,7 +167,7 @@ constexpr FieldName kNames[] = {{"FREQ", kFreq},         {"UNTIL", kUntil},
 
 constexpr std::ptrdiff_t kShortestName = 4;
 
-// A name's length and last letter tell it from all others: its place among 16.
+// A name's length and last letter distinguish it from all others: its place among 16.
 constexpr std::size_t placeOf(std::string_view name) {
     return (name.size() + static_cast<unsigned char>(name.back())) % 16;
 }

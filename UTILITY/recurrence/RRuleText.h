@@ -29,7 +29,7 @@ inline constexpr std::array<RRuleFrequencyName, 4> kFrequencyNames = {
      {RRULE_FREQ_WEEKLY, "WEEKLY"},
      {RRULE_FREQ_DAILY, "DAILY"}}};
 
-// Where `c` first stands from `at` on, or `end`. Rules are short: a call of memchr costs more than
+// The first `c` from `at` on, or `end`. Rules are short: a call of memchr costs more than
 // it saves.
 inline const char* RRule_Find(const char* at, const char* end, char c) {
     while (at != end && *at != c) ++at;

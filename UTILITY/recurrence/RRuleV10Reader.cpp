@@ -42,7 +42,7 @@ bool readFrequency(std::string_view token, _rruleRepeat& rule) {
     return true;
 }
 
-// Takes the last token as the end of the rule; false when it is none.
+// Reads the last token as the end of the rule; false when it is not an end.
 bool readEnd(std::string_view token, _rruleRepeat& rule, int* flags) {
     if (!token.empty() && token[0] == '#') {
         rule.count = static_cast<short>(RRule_Number(token.substr(1)));
@@ -111,7 +111,7 @@ void readModifier(std::string_view token, _rruleRepeat& rule) {
                 rule.byMonth |= static_cast<unsigned short>(1U << n);
             break;
         default:
-            break;  // a daily rule has no modifiers: they are passed over
+            break;  // a daily rule has no modifiers: they are ignored
     }
 }
 

@@ -49,7 +49,7 @@ std::string_view weekStart(const _rruleRepeat& rule) {
     return "";
 }
 
-// The frequency code and what it says of the rule's kind; empty without a frequency.
+// The frequency code with the letter for the rule's kind; empty without a frequency.
 std::string_view v10Code(const _rruleRepeat& rule) {
     if ((rule.freq & RRULE_FREQ_YEARLY) != 0) return has(rule, RRULE_TYPE_BYMONTH) ? "YM" : "YD";
     if ((rule.freq & RRULE_FREQ_MONTHLY) != 0) return has(rule, RRULE_TYPE_BYDAY) ? "MP" : "MD";
@@ -58,8 +58,8 @@ std::string_view v10Code(const _rruleRepeat& rule) {
     return {};
 }
 
-// The modifiers of a vCalendar 1.0 rule. The lists stand back to back: only the position carries a
-// space of its own.
+// The modifiers of a vCalendar 1.0 rule. The lists follow each other directly: only the position
+// carries a space of its own.
 void appendV10Modifiers(const _rruleRepeat& rule, RRuleOutput& out) {
     if (has(rule, RRULE_TYPE_BYSETPOS)) {
         const int position = rule.setPos[0];
@@ -74,7 +74,7 @@ void appendV10Modifiers(const _rruleRepeat& rule, RRuleOutput& out) {
     if (has(rule, RRULE_TYPE_BYDAY)) RRule_AppendDays(rule, out, ' ');
     if (has(rule, RRULE_TYPE_BYMONTHDAY)) RRule_AppendMonthDays(rule, out, ' ');
     if (has(rule, RRULE_TYPE_BYYEARDAY)) {
-        // The iCalendar keyword stands in vCalendar text too.
+        // The iCalendar keyword is written in vCalendar text too.
         out.add("BYYEARDAY=");
         RRule_AppendYearDays(rule, out, ' ');
     }

@@ -111,7 +111,7 @@ int QELUTILITY_CALL Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from, i
     Listing listing{list->data, capacity};
     int current = repeat->startDate;  // the single occurrence of a record of type 0
     int previous = -1;
-    // Occurrences that end before the range are passed over.
+    // Occurrences that end before the range are skipped.
     bool isFound = jumpToRange(*repeat, from, current);
     if (isFound) previous = current;
     for (bool isFirst = true;; isFirst = false, isFound = false) {

@@ -76,7 +76,7 @@ constexpr CivilDate monthOf(int count) {
     return {count / 12, count % 12 + 1, 1};
 }
 
-// The month that stands for the period of a date.
+// The month that identifies the period of a date.
 int periodOf(const ZQTR_REPEAT& repeat, const Periods& periods, const CivilDate& date) {
     const int year = date.year * 12;
     if (periods.length == 12) return year + repeat.month - 1;
@@ -87,7 +87,7 @@ int periodOf(const ZQTR_REPEAT& repeat, const Periods& periods, const CivilDate&
 bool jumpPeriods(const ZQTR_REPEAT& repeat, const Periods& periods, int date, int& found) {
     int period = periodOf(repeat, periods, dates::decodeCivilDate(date));
     if (periods.step != periods.length) {
-        // The series has not every period: count them from the first occurrence's.
+        // The series skips periods: count them from the first occurrence's.
         int first = periodOf(repeat, periods, dates::decodeCivilDate(repeat.startDate));
         if (!periods.occurrenceIn(repeat, monthOf(first), found)) return false;
         if (found < repeat.startDate) first += periods.length;
@@ -105,7 +105,7 @@ constexpr int monthAfter(int month, int interval) {
 }
 
 // The last month up to `until` that type 15 looks at, from `month` on. The months of the year come
-// again after at most twelve, so that whole rounds are passed over by a division.
+// again after at most twelve, so that whole rounds are skipped by a division.
 int lastMonthUntil(int month, int interval, int until) {
     const int divisor = std::gcd(interval, 12);
     const bool meetsDecember = (11 - month % 12) % divisor == 0;
@@ -115,8 +115,8 @@ int lastMonthUntil(int month, int interval, int until) {
     return month;
 }
 
-// A step from the day before `date`, or from the end of the last month looked at before it: a step
-// goes by the month that it starts in.
+// A step from the day before `date`, or from the end of the last month examined before it: a step
+// depends on the month that it starts in.
 bool jumpWeeksMonthly(const ZQTR_REPEAT& repeat, int date, int& found) {
     if (repeat.startDate > kLastSearchedDay) {
         found = date;

@@ -7,7 +7,7 @@
 
 namespace qel::recurrence {
 
-// The first occurrence at or after `date` that ZQRepeatNextDate comes to when it steps from the
+// The first occurrence at or after `date` that ZQRepeatNextDate reaches when it steps from the
 // series' first one, into `found`; every step up to it succeeds and advances. The time does not
 // grow with the distance.
 //

@@ -35,7 +35,7 @@ int weekdayBefore(const ZQTR_REPEAT& repeat, int end) {
 }  // namespace
 
 // The record's day of the quarter that begins on `first`. A day outside the quarter's months is
-// taken back to the last day inside them; only the month's number is looked at. False when a date
+// taken back to the last day inside them; only the month's number counts. False when a date
 // leaves the range.
 bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {
     CivilDate day{};

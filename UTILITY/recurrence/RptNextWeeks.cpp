@@ -59,7 +59,7 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
             narrow(isFirst ? repeat.startDate : std::int64_t{previous} + 1, candidate);
         result != QEL_OK)
         return result;
-    // What lies past kLastSearchedYear, or has no date at all, is answered as it stands.
+    // What lies past kLastSearchedYear, or has no date at all, is returned unchanged.
     date = candidate;
     CivilDate day{};
     if (!decode(candidate, day) || day.year > kLastSearchedYear) return QEL_OK;
@@ -87,7 +87,7 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
             }
             const std::uint32_t days = selection.daysOf(day.year, day.month) >> (day.day - 1);
             if (hasJumped && day.year > kLastSearchedYear) {
-                // The first day after a jump is still looked at; the one after it is past the end.
+                // The first day after a jump is still examined; the one after it is past the end.
                 date = dates::encodeCivilDate(day) + ((days & 1) != 0 ? 0 : 1);
                 return QEL_OK;
             }

@@ -65,7 +65,7 @@ char* VStr::ModGrow(int n) {
         if (m_buffer != nullptr) m_capacity = capacity;
         return m_buffer;
     }
-    // The test goes by the block that a string of this length would have been given. A block that
+    // The test uses the block that a string of this length would have been given. A block that
     // is filled to its last byte is smaller than that, so the block itself is asked as well.
     const std::uint32_t current = grainSize(asUnsigned(m_length) + 1U);
     if (size > current || stringBlockSize(m_buffer) < asUnsigned(n)) {

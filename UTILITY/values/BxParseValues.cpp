@@ -227,7 +227,7 @@ void CBxParsePairValues::AddPair(const VStr& name, const char* value) {
         if (added.second && (std::strcmp(ownName, name) != 0 || std::strcmp(ownValue, value) != 0))
             m_pairs.erase(added.first);
     } catch (const std::bad_alloc&) {
-        // The item stands; there was no memory for its pair.
+        // The item stays; there was no memory for its pair.
     }
 }
 

@@ -5,7 +5,7 @@
 ///
 /// Which sets convert: "UTF-8", "8859-1" (the system's default ANSI set; windows-1252 on Western
 /// systems and wherever there are no Windows code pages), "936" and "950". "eucJP", "KOI8-R", "PCK"
-/// and "SJIS" stand for the default ANSI set too. "8859-2" to "8859-10" open, but no system has a
+/// and "SJIS" mean the default ANSI set too. "8859-2" to "8859-10" open, but no system has a
 /// code page 8859, so every conversion with them fails.
 #ifndef QELUTILITY_BXCHARCONV_H
 #define QELUTILITY_BXCHARCONV_H

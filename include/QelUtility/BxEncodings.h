@@ -25,10 +25,10 @@ QELUTILITY_API int QELUTILITY_CALL Bx_Base64_Encode(const unsigned char* src,
                                                     unsigned int dstSize);
 
 /// The bytes of a Base64 text: their number, or -1 for malformed text or a `dst` that is too small
-/// (`dst` then keeps what was written). White space may stand anywhere. Padding must be complete
+/// (`dst` then keeps what was written). White space is allowed anywhere. Padding must be complete
 /// and the bits that it leaves over zero. While decoding, the byte after the last one is touched
 /// too: "TQ==" is 1 byte and needs room for 2, "TWE=" is 2 and needs 3. With a null `dst` the
-/// length alone is computed, and left-over bits are not looked at.
+/// length alone is computed, and left-over bits are ignored.
 QELUTILITY_API int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst,
                                                     unsigned int dstSize);
 

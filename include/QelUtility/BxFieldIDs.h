@@ -1,6 +1,6 @@
 /// @file
 /// The catalogue of field identifiers: what each numeric identifier of an event's, to-do's,
-/// contact's, note's or e-mail's field stands for. Constant tables; any thread may look up.
+/// contact's, note's or e-mail's field means. Constant tables; any thread may look up.
 ///
 /// A field identifier is 32 bits: record type in bits 28-31, access type in bits 24-27, and in bits
 /// 0-23 the index of the field among those of its record and access type. 0x11000000 is an event's

@@ -22,7 +22,7 @@ QELUTILITY_API void QELUTILITY_CALL WriteToUserLog(const char* message);
 
 /// Reads a whole file. On success `*data` is a block of `*size` + 1 bytes, the last of them zero,
 /// that the caller frees by free(). On failure `*data` is null and `*size` 0:
-/// - 2005: the file cannot be opened, or is no file of bytes (not logged)
+/// - 2005: the file cannot be opened, or is not a file of bytes (not logged)
 /// - 2001: no memory for it (logged with the size)
 /// - 2007: fewer bytes could be read than it has (logged with errno)
 /// - 2024: an argument is null

@@ -41,7 +41,7 @@ enum BxHostString : int {
 };
 
 /// Copies one of the brand strings into `buffer`. False, and an empty text where there is room for
-/// one, when `which` is none of them or the text does not fit.
+/// one, when `which` is not one of them or the text does not fit.
 QELUTILITY_API bool BxHost_GetString(BxHostString which, char* buffer, unsigned long size);
 
 /// Replaces a brand string by a copy of `text` (at most 255 characters are kept); null brings the

@@ -112,7 +112,8 @@ class QELUTILITY_API CBxParsePairValues : public CBxSymbolParser {
     ///@}
 
     /// The text after the first "=" of the item whose text before it is exactly `name`; a null
-    /// string when there is none. A value may be null too: use the items to tell "A=" from nothing.
+    /// string when there is none. A value may be null too: use the items to distinguish "A=" from
+    /// nothing.
     VStr GetValueOf(const char* name);
 
   private:

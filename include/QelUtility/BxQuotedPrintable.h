@@ -23,10 +23,10 @@ extern "C" {
 #endif
 
 /// Encodes a property value. Line breaks are data here: CR and LF become =0D and =0A, so that the
-/// whole result is one logical line. `startColumn` is the number of characters that already stand
+/// whole result is one logical line. `startColumn` is the number of characters that are already
 /// on the line, the property's name and parameters: every line, the first included, ends within 76
-/// characters, if need be by a soft line break ("=" CR LF) at once; where 76 or more stand already,
-/// that break's "=" is the only character added.
+/// characters, if need be by a soft line break ("=" CR LF) at once; where there are 76 or more
+/// already, that break's "=" is the only character added.
 ///
 /// Literal are the printable ASCII characters except "=", and blanks and tabs that end no line and
 /// begin none after a soft break (a reader that unfolds lines first would swallow them there).
@@ -44,7 +44,7 @@ QELUTILITY_API int QELUTILITY_CALL encodeQuotedPrintable(const char* text, size_
 
 /// Decodes either form. No input is an error: "=" with two hexadecimal digits of either case is a
 /// byte; "=" with any blanks and tabs before a line break (CR LF, LF or CR) is a soft break and
-/// disappears; any other "=", one that the end of the text cuts off included, is kept as it stands,
+/// disappears; any other "=", one that the end of the text cuts off included, is kept unchanged,
 /// and so is every other byte. Blanks and tabs before a hard line break are transport padding and
 /// disappear; at the end of the text they stay. The result is never longer than the text, and `out`
 /// may be `text` itself.

@@ -2,8 +2,8 @@
 /// Conversion between the two shapes of a recurrence, the packed repeat record that the engine
 /// steps (RptNext.h) and the rule record that the rule texts are read into and written from
 /// (RRule.h), with its exclusion dates as an EXDATE list (RFC 2445 section 4.8.5.1). What the other
-/// shape cannot hold exactly is told in a bit set of warnings instead of failing. No state is kept:
-/// any thread may call, on records of its own.
+/// shape cannot hold exactly is reported in a bit set of warnings; the conversion does not fail. No
+/// state is kept: any thread may call, on records of its own.
 #ifndef QELUTILITY_BXREPEAT_H
 #define QELUTILITY_BXREPEAT_H
 
@@ -89,7 +89,7 @@ QELUTILITY_API int QELUTILITY_CALL RRuleToZQTRDateTime(__int64 seconds);
 /// Returns 0.
 QELUTILITY_API int QELUTILITY_CALL ZQTRDateTimeToUTCDate(int codeDate, QELUTILITY_REF(VStr) out);
 
-/// The code date of an eight-digit date, a time behind it ignored ("20050615T083000Z" is 38516); 0
+/// The code date of an eight-digit date, a time after it ignored ("20050615T083000Z" is 38516); 0
 /// for a text that names no date, or null. Returns 0.
 QELUTILITY_API int QELUTILITY_CALL UTCDateToZQTRDateTime(const char* text, int* codeDate);
 

@@ -101,7 +101,7 @@ QELUTILITY_API int BxTZ_GetZoneName(int zone, VStr& name);
 QELUTILITY_API void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers);
 
 /// Sets `out` to the UTC text of a zone's local text and returns 0. A text that has no T, or is
-/// already UTC, is copied as it stands. An unknown zone number is logged, empties `out` and returns
+/// already UTC, is copied unchanged. An unknown zone number is logged, empties `out` and returns
 /// 2016. `out` may be the string that holds `text`.
 ///
 /// With zone 11, 20050615T083000 becomes 20050615T123000Z. Before its first change a zone has that
@@ -110,7 +110,7 @@ QELUTILITY_API void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers
 QELUTILITY_API int BxTZ_LocalToUTC(int zone, const char* text, VStr& out);
 
 /// The way back: sets `out` to the zone's local text of a UTC text and returns 0. A text that has
-/// no T is copied as it stands; one without a Z is copied too, but the result is 2098. An unknown
+/// no T is copied unchanged; one without a Z is copied too, but the result is 2098. An unknown
 /// zone number is logged, empties `out` and returns 2016.
 QELUTILITY_API int BxTZ_UTCToLocal(int zone, const char* text, VStr& out);
 

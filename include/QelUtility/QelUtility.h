@@ -1,5 +1,5 @@
 /// @file
-/// The whole interface of the library in one include. Each header says for itself what it offers
+/// The whole interface of the library in one include. Each header describes what it offers
 /// and which threads may use it. C gets what has C linkage, and the records that it works on.
 #ifndef QELUTILITY_QELUTILITY_H
 #define QELUTILITY_QELUTILITY_H

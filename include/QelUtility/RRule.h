@@ -91,7 +91,7 @@ static_assert(offsetof(_rruleRepeat, freq) == 1 && offsetof(_rruleRepeat, byDay)
 #ifdef __cplusplus
 
 /// Gives `rule` its defaults: everything 0, no UNTIL and no COUNT (-1), INTERVAL 1, weeks that
-/// start on Sunday. Returns 0; a null rule is left alone.
+/// start on Sunday. Returns 0; a null rule is ignored.
 QELUTILITY_API int BxUtil_InitializeRRULE(_rruleRepeat* rule);
 
 /// @name Writers
@@ -110,8 +110,8 @@ QELUTILITY_API const char* BxUtil_RRULEtoIETF(_rruleRepeat* rule, VStr& out, boo
 
 /// Writes `rule` as a vCalendar 1.0 RRULE value into `out` (emptied first) and returns out's text,
 /// or null when no frequency bit is set or `rule` is null. Only the first position is written, week
-/// numbers never; a rule without end ends in "#0". The lists of one rule stand back to back: month
-/// day 15 and month 6 of a yearly rule give "YM1 156 #0". `withTime` as above.
+/// numbers never; a rule without end ends in "#0". The lists of one rule follow each other
+/// directly: month day 15 and month 6 of a yearly rule give "YM1 156 #0". `withTime` as above.
 ///
 /// Every 2 weeks on MO, WE and FR, 10 times: "W2 MO WE FR #10".
 QELUTILITY_API const char* BxUtil_RRULEtoV10IETF(_rruleRepeat* rule, VStr& out, bool withTime);
@@ -153,7 +153,7 @@ QELUTILITY_API int BxUtil_PositionalV20toRRULE(const char* text, _rruleRepeat* r
 /// interval (D, W, MP, MD, YM, YD), modifiers, and "#count" or an end date of at least 8 characters
 /// as the last token; tokens are separated by single spaces, letters matched with regard to case.
 /// Of several positions the last one is kept; "1-" in an MD rule reads as day 1; the modifiers of a
-/// daily rule are passed over.
+/// daily rule are ignored.
 QELUTILITY_API int BxUtil_PositionalV10toRRULE(const char* text, _rruleRepeat* rule, int* flags);
 /// @}
 

@@ -43,7 +43,7 @@ QELUTILITY_API int QELUTILITY_CALL DateBlock_Init(DateBlock* block, __int64 init
 /// DATEBLOCK_NO_MEMORY, DATEBLOCK_FULL, or 2024 for a null block.
 QELUTILITY_API int QELUTILITY_CALL DateBlock_Reserve(DateBlock* block, __int64 bytes);
 
-/// Frees the data and leaves an empty block, which may be used again. A null block is left alone.
+/// Frees the data and leaves an empty block, which may be used again. A null block is ignored.
 QELUTILITY_API void QELUTILITY_CALL DateBlock_Free(DateBlock* block);
 
 /// Lists the occurrences of `repeat` from `from` to `to` (0 = 1 January 1950 and 31 December 2049)
@@ -68,8 +68,8 @@ QELUTILITY_API int QELUTILITY_CALL Unfold_HasOccurrence(int from, int to, int an
 
 /// Lists every day that an occurrence covers from `from` to `to`; each occurrence covers unitCount
 /// days. At most limit + the number of exclusions + 200 entries; with a limit of -1 the exclusions'
-/// number + 1. `*valid` and `*total` are those of Unfold_Repeat, and 0 on failure. endDate is not
-/// looked at. Returns 0, or one reported error: 2024 (a null argument), 4008, 2001 as above.
+/// number + 1. `*valid` and `*total` are those of Unfold_Repeat, and 0 on failure. endDate is
+/// ignored. Returns 0, or one reported error: 2024 (a null argument), 4008, 2001 as above.
 QELUTILITY_API int QELUTILITY_CALL Unfold_ListDates(ZQTR_REPEAT* repeat, int limit, int from,
                                                     int to, DateBlock* list, int* valid,
                                                     int* total);

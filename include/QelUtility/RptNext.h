@@ -86,20 +86,20 @@ extern "C" {
 
 /// Empties `repeat`: all fields 0, null or empty texts (of text1 and text2 only the first character
 /// is written). The exclusion array is dropped, not freed: a record that owns one must free it
-/// first. Returns 0; a null record is left alone.
+/// first. Returns 0; a null record is ignored.
 QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 
 /// Computes one occurrence of `repeat`. On entry `*previous` is the occurrence of the last call, or
-/// -1 to ask for the first one; on success the new occurrence stands in `*next` and in `*previous`,
-/// so that the caller simply calls again, and the result is 0. endDate and exclusions are not
-/// looked at.
+/// -1 to ask for the first one; on success the new occurrence is in `*next` and in `*previous`,
+/// so that the caller simply calls again, and the result is 0. endDate and exclusions are
+/// ignored.
 ///
 /// Fails with 4008 (QEL_REPEAT_ENGINE) after one reported error: a start below 0, an end below -1,
 /// an interval or unit count below 1, an unknown type, fields that yield no date, or an occurrence
 /// past 31 December 2499; the types 1, 2 and 12 only add days, and fail past 32 bits alone. A
 /// failing call may already have changed `*next` and `*previous`. A record of type 0 only copies
 /// `*next` into `*previous`. The types 8 and 15 never fail: past 2080 they return the day they have
-/// come to.
+/// reached.
 ///
 /// The types 3, 4, 6, 7, 10 and 11 read a `*previous` of -2 as "one step after the start's period".
 /// Weeks of type 12 run from Sunday to Saturday. A day that a month lacks is its last day: day 31
@@ -111,10 +111,10 @@ QELUTILITY_API int QELUTILITY_CALL ClearZQTR(ZQTR_REPEAT* repeat);
 QELUTILITY_API int QELUTILITY_CALL ZQRepeatNextDate(ZQTR_REPEAT* repeat, int* next, int* previous);
 
 /// Finds the first occurrence at or after the code date `date` without the occurrences before it:
-/// the one that ZQRepeatNextDate comes to when it steps from the series' first one, where every
+/// the one that ZQRepeatNextDate reaches when it steps from the series' first one, where every
 /// step up to it succeeds and advances. The time does not grow with the distance. Returns 0 with
 /// the occurrence in `*found`; as `*previous` of ZQRepeatNextDate it leads on to the next one.
-/// endDate and exclusions are not looked at.
+/// endDate and exclusions are ignored.
 ///
 /// Returns -1, with `*found` unchanged and nothing reported, where the caller has to step: for a
 /// date not after the start or past 31 December 2499, a record that the engine refuses or of type

@@ -9,7 +9,7 @@
 ///   ReleaseBuffer(0), TrimRight() of an all-blank text.
 /// - text: a block, length above 0.
 ///
-/// Only Compare and CompareNoCase tell the first two apart. When memory is exhausted the string
+/// Only Compare and CompareNoCase distinguish the first two. When memory is exhausted the string
 /// that was being built is null; nothing is reported.
 ///
 /// Indexes and counts are `int`. A negative count or position counts as 0 unless stated otherwise.
@@ -215,7 +215,7 @@ class QELUTILITY_API VStr {
 
     char* m_buffer;
     int m_length;
-    /// The size of the block last obtained for this string: a record, no operation goes by it.
+    /// The size of the block last obtained for this string: a record that no operation depends on.
     unsigned int m_capacity;
 };
 
@@ -234,7 +234,7 @@ QELUTILITY_API VStr* QELUTILITY_CALL VStr_Create(const char* text);
 /// The text, never null; valid until the string is changed or destroyed.
 QELUTILITY_API const char* QELUTILITY_CALL VStr_Text(const VStr* string);
 
-/// Frees a string of VStr_Create; null is left alone.
+/// Frees a string of VStr_Create; null is ignored.
 QELUTILITY_API void QELUTILITY_CALL VStr_Destroy(VStr* string);
 
 #ifdef __cplusplus

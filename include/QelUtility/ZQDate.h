@@ -52,10 +52,10 @@ QELUTILITY_API char* QELUTILITY_CALL ZQ_CodeDateToAlpha(int code, char* buffer);
 /// as 99.
 QELUTILITY_API char* QELUTILITY_CALL ZQ_CodeTimeToAlpha(int code, char* buffer);
 
-/// Today's code date in local time; 0 when the system's clock stands outside 1900..2499.
+/// Today's code date in local time; 0 when the system's clock is outside 1900..2499.
 QELUTILITY_API int QELUTILITY_CALL ZQ_GetCurrentDate(void);
 
-/// The code time of the local wall clock; 0 when the system cannot tell.
+/// The code time of the local wall clock; 0 when the system does not know the time.
 QELUTILITY_API int QELUTILITY_CALL ZQ_GetCurrentTime(void);
 
 #ifdef __cplusplus

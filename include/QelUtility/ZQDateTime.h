@@ -1,5 +1,5 @@
 /// @file
-/// Date-time texts and the seconds that they stand for. Plain C functions without state; callable
+/// Date-time texts and their values in seconds. Plain C functions without state; callable
 /// from any thread.
 ///
 /// A date-time text is an eight-digit date, the letter T, a six-digit time and, for UTC, the letter
@@ -16,7 +16,7 @@ extern "C" {
 #endif
 
 /// The value of a date-time text. The fields are read as scanf reads "%4d%2d%2dT%2d%2d%2d": blanks
-/// may stand before a field, and from the first field that cannot be read on all are 0. A date that
+/// may precede a field, and from the first field that cannot be read on all are 0. A date that
 /// ZQ_DateEncode refuses counts as day 0; hour, minute and second are taken as they come. A
 /// trailing Z makes no difference. "20050615T083000Z" is 38516 * 86400 + 30600.
 QELUTILITY_API __int64 QELUTILITY_CALL ZQ_DateTimeToSeconds(const char* text);

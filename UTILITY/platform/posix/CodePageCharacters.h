@@ -11,8 +11,8 @@ namespace qel::platform {
 
 inline constexpr std::uint32_t kUtf8 = 65001;  // the page's number
 
-// The size of the character at `in` and its code point; 0 for what is none (RFC 3629: overlong
-// forms, surrogates and what lies past U+10FFFF are none).
+// The size of the character at `in` and its code point; 0 for an invalid
+// sequence (RFC 3629: overlong forms, surrogates and what lies past U+10FFFF are invalid).
 inline std::uint32_t utf8Character(const unsigned char* in, std::size_t length,
                                    std::uint32_t& point) {
     const std::uint32_t first = in[0];
@@ -37,7 +37,7 @@ inline std::uint32_t utf8Character(const unsigned char* in, std::size_t length,
     return 0;
 }
 
-// The size of the character at `in` and its unit; 0 for what is none.
+// The size of the character at `in` and its unit; 0 for an invalid sequence.
 inline std::uint32_t pageCharacter(Page& page, const Rows<char16_t>::Row& singles,
                                    const unsigned char* in, std::size_t length, char16_t& unit) {
     unit = singles[in[0]];

@@ -41,7 +41,7 @@ class Rows {
     std::array<Row, 256> rows_{};
 };
 
-// A page whose characters have one byte or two, and one UTF-16 unit each. 0 stands for nothing,
+// A page whose characters have one byte or two, and one UTF-16 unit each. 0 means nothing,
 // except in the places of U+0000.
 class Page {
   public:

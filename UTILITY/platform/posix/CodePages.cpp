@@ -215,7 +215,7 @@ std::uint32_t undecodablePrefix(std::uint32_t codePage, const char* in,
                                : pageCharacter(*page, *singles, bytes + at, length - at, unit);
     };
     // A decoding that reaches a position where an earlier one came past fails as that one did, so
-    // no position is looked at twice.
+    // no position is examined twice.
     std::vector<bool> passed;
     try {
         passed.resize(length);

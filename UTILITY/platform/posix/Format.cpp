@@ -11,7 +11,7 @@ namespace qel::platform {
 namespace {
 
 // Writes `format` to `out` (of the same size) with "I64" as "ll" and "I32" as nothing wherever they
-// stand as the size of an integer; the C library would read the "I" as a flag of its own.
+// are the size of an integer; the C library would read the "I" as a flag of its own.
 void respell(const char* format, char* out) noexcept {
     bool inside = false;  // between a "%" and its conversion
     for (const char* p = format; *p != '\0';) {

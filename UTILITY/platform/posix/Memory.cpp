@@ -10,7 +10,7 @@ namespace qel::platform {
 
 namespace {
 
-// Up to this size malloc's ready blocks are cleared here: calloc has none of its own and searches.
+// Up to this size malloc's ready blocks are cleared here: calloc does not use those and searches.
 // A larger block may come from the system, which has cleared it already; calloc knows.
 constexpr std::size_t kReadyBlock = 1024;
 

@@ -27,7 +27,7 @@ LockResult PathLock::acquire(const char* path, std::uint32_t timeoutMilliseconds
     }
     const int handle = open(directory, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (handle < 0) return LockResult::kUnavailable;
-    // There is no lock with a timeout, so this asks again and again, ever less often.
+    // There is no lock with a timeout, so this tries again and again, less and less often.
     const std::uint32_t start = tickCount();
     long pause = 20000;  // nanoseconds
     while (flock(handle, LOCK_EX | LOCK_NB) != 0) {

@@ -106,8 +106,8 @@ bool isExpressible(const YearlyRule& rule) {
 }
 
 void setTimeOfDay(int seconds, ZoneChangeMoment& moment) {
-    // Midnight at the end of the day has no name of its own; the last millisecond before it stands
-    // for it, as nothing here counts finer than seconds.
+    // Midnight at the end of the day has no notation of its own; the last millisecond before it
+    // stands for it, as nothing here counts finer than seconds.
     const bool endOfDay = seconds >= kSecondsPerDay;
     const int shown = endOfDay ? kSecondsPerDay - 1 : seconds;
     moment.hour = shown / 3600;

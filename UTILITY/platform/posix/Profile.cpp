@@ -19,7 +19,7 @@ namespace qel::platform {
 
 namespace {
 
-// No sensible settings file is larger; one that is counts as unreadable and is left alone.
+// No sensible settings file is larger; a larger one counts as unreadable and is not changed.
 constexpr std::size_t kMostBytes = std::size_t{4} * 1024 * 1024;
 constexpr std::uint32_t kLockMilliseconds = 200;
 

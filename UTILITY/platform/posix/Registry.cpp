@@ -1,4 +1,4 @@
-// The registry's stand-in: a profile file. Values are quoted, so that blanks at their ends stay.
+// A profile file in place of the registry. Values are quoted, so that blanks at their ends survive.
 #include "platform/Registry.h"
 
 #include <cstdio>

@@ -64,7 +64,7 @@ RuleText currentRuleText() {
     if (*value == '\0') return {"UTC0"};
     const char* const folder = std::getenv("TZDIR");
     char path[PATH_MAX];
-    // An absolute name stands for itself.
+    // An absolute name is used as it is.
     const int length = *value == '/'
                            ? std::snprintf(path, sizeof path, "%s", value)
                            : std::snprintf(path, sizeof path, "%s/%s",

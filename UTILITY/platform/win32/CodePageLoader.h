@@ -1,5 +1,5 @@
 // Where the conversion functions come from: the system's own on the NT family, "unicows.dll" on the
-// 9x family, whose own ones know no Unicode. What is asked of the system stands behind an
+// 9x family, whose own ones know no Unicode. What is asked of the system goes through an
 // interface, so that tests can play a system of the other family. Not guarded: two first uses may
 // race, and then both find the same functions.
 #ifndef QEL_PLATFORM_WIN32_CODEPAGELOADER_H

@@ -17,7 +17,7 @@ HKEY asKey(std::uintptr_t handle) noexcept {
 
 bool RegistryKey::open(const char* /*profileDirectory*/, const char* key, Open how) noexcept {
     close();
-    if (key[0] == '\0') return false;  // the user's whole registry is no key of ours
+    if (key[0] == '\0') return false;  // that would be the user's whole registry
     HKEY opened = nullptr;
     const LSTATUS result =
         how == Open::kCreate
