@@ -4,6 +4,11 @@
 #include <cassert>
 #include <cstring>
 
+#include "platform/Files.h"
+#include "platform/LockResult.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
+#include "platform/TraceMutex.h"
 #include "trace/Stamp.h"
 
 namespace qel::trace {

@@ -14,6 +14,7 @@
 #include "platform/Process.h"
 #include "support/TempDir.h"
 #include "trace/FreshTrace.h"
+#include "platform/LockResult.h"
 
 namespace {
 

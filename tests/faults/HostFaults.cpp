@@ -17,6 +17,7 @@
 #include "support/TraceCapture.h"
 #include "trace/BxFileUtilInternal.h"
 #include "trace/TraceSystem.h"
+#include "platform/Process.h"
 
 namespace qel::test {
 
