@@ -195,8 +195,8 @@ std::size_t runEnd(const unsigned char* text, std::size_t length, std::size_t at
 std::size_t decodeEscape(const unsigned char* text, std::size_t length, std::size_t at,
                          Sink& sink) {
     if (length - at > 2) {
-        const int high = platform::hexValue(text[at + 1]);
-        const int low = platform::hexValue(text[at + 2]);
+        const int high = platform::hexValue(static_cast<char>(text[at + 1]));
+        const int low = platform::hexValue(static_cast<char>(text[at + 2]));
         if (high >= 0 && low >= 0) {
             sink.put(static_cast<unsigned char>(high * 16 + low));
             return at + 3;
