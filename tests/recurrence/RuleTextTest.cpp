@@ -10,7 +10,7 @@
 #include "QelUtility/BxParseValues.h"
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
-#include "recurrence/RRuleInternal.h"
+#include "recurrence/RRuleLists.h"
 #include "recurrence/RepeatRecord.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
@@ -86,8 +86,8 @@ TEST(RuleText, TakesARecordAtAnOddAddressAndLeavesOutATime) {
     EXPECT_STREQ(BxUtil_RRULEtoIETF(rule, out, false),
                  "FREQ=YEARLY;UNTIL=20051231;INTERVAL=2;BYDAY=MO;BYMONTHDAY=1,-1;"
                  "BYYEARDAY=1,-1;BYWEEKNO=1,-1;BYMONTH=6;BYSETPOS=2,-1");
-    EXPECT_STREQ(qel::RRule_ToPositional(*rule, out, true), text);
-    EXPECT_STREQ(qel::RRule_ToPositional(*rule, out, false),
+    EXPECT_STREQ(BxUtil_RRULEtoPositional(rule, out, true), text);
+    EXPECT_STREQ(BxUtil_RRULEtoPositional(rule, out, false),
                  "YEARLY;20051231;;2;;;;MO;1,-1;1,-1;1,-1;6;2,-1;MO;");
     ASSERT_EQ(BxUtil_PositionalV10toRRULE("YD1 1 -1 20051231T120000Z", rule, nullptr), 0);
     EXPECT_STREQ(BxUtil_RRULEtoV10IETF(rule, out, false), "YD1 BYYEARDAY=1 20051231");
@@ -104,8 +104,9 @@ TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
         parser.SetSeparators(",");
         parser.SetAddEmptyItems(keep);
         parser.BuildSymbolArray(text.c_str());
-        qel::RRuleItems items(text, ',',
-                              keep ? qel::RRuleItems::Empty::kKeep : qel::RRuleItems::Empty::kDrop);
+        qel::recurrence::RRuleItems items(text, ',',
+                                          keep ? qel::recurrence::RRuleItems::Empty::kKeep
+                                               : qel::recurrence::RRuleItems::Empty::kDrop);
         std::string_view item;
         int count = 0;
         for (; items.next(item); ++count) {
