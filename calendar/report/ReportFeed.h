@@ -8,7 +8,7 @@
 
 #include "calendar/formats/EntryWriter.h"
 #include "calendar/report/HtmlReport.h"
-#include "calendar/report/SourceLines.h"
+#include "calendar/converter/SourceLines.h"
 
 namespace qel::calendar {
 

@@ -1,7 +1,7 @@
 // The lines of an entry as they stand in its file, kept while a converter reads the file. One
 // thread.
-#ifndef QEL_CALENDAR_REPORT_SOURCELINES_H
-#define QEL_CALENDAR_REPORT_SOURCELINES_H
+#ifndef QEL_CALENDAR_CONVERTER_SOURCELINES_H
+#define QEL_CALENDAR_CONVERTER_SOURCELINES_H
 
 #include <cstddef>
 #include <string>

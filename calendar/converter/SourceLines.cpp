@@ -1,4 +1,4 @@
-#include "calendar/report/SourceLines.h"
+#include "calendar/converter/SourceLines.h"
 
 #include <utility>
 
