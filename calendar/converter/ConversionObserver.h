@@ -3,6 +3,8 @@
 #ifndef QEL_CALENDAR_CONVERTER_CONVERSIONOBSERVER_H
 #define QEL_CALENDAR_CONVERTER_CONVERSIONOBSERVER_H
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -15,9 +17,12 @@ enum class CalendarFormat { ICalendar, VCalendar10 };
 
 // One entry after its conversion. Everything lasts until the call returns.
 struct ConvertedEntry {
+    static constexpr std::size_t kMostNotes = 1000;
+
     const Entry& entry;           // as it was read
     CalendarFormat target;        // what it was written as
-    std::span<const Note> notes;  // about this entry, in the order in which they were reported
+    std::span<const Note> notes;  // about this entry, as they were reported; kMostNotes at most
+    std::uint64_t moreNotes = 0;  // beyond them
     std::string_view source;      // its bytes in the file, whole lines; empty when not kept
     bool sourceCut = false;       // source ends before the entry does
     std::string_view written;     // its lines in the result, calendar and zones not included

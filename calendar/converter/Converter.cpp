@@ -1,8 +1,11 @@
 #include "calendar/converter/Converter.h"
 
+#include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/converter/SourceLines.h"
 #include "calendar/formats/EntryReader.h"
 #include "calendar/formats/EntryWriter.h"
 #include "calendar/lines/CalendarReader.h"
@@ -17,6 +20,8 @@ namespace {
 constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
 // Properties of a calendar itself that are kept.
 constexpr std::size_t kMostHeader = 200;
+// Bytes of an entry's source that an observer is given.
+constexpr std::size_t kMostSource = std::size_t{64} << 10;
 
 }  // namespace
 
@@ -48,7 +53,10 @@ class Converter::File {
   public:
     File(Converter& owner, ByteSource source)
         : owner_(owner),
-          reader_(std::move(source), owner.file_, owner.sink_),
+          observer_(owner.observer_),
+          wantsLines_(observer_ != nullptr && observer_->wantsLines()),
+          reader_(wantsLines_ ? kept(std::move(source)) : std::move(source), owner.file_,
+                  [this](Note note) { take(std::move(note)); }),
           vCalReader_(owner.zones_->zones, lineSink()),
           iCalReader_(owner.zones_->zones, lineSink()) {}
 
@@ -86,7 +94,29 @@ class Converter::File {
 
     void report(Note note) {
         note.file = owner_.file_;
+        take(std::move(note));
+    }
+
+    // Hands a note on, and keeps it until the entry that it may be about is written.
+    void take(Note note) {
+        if (observer_ != nullptr) {
+            // Lines outside entries may have any number of them.
+            if (notes_.size() == ConvertedEntry::kMostNotes && !inEntry_ && !reader_.inEntry())
+                notes_.clear();
+            if (notes_.size() < ConvertedEntry::kMostNotes)
+                notes_.push_back(note);
+            else
+                ++moreNotes_;
+        }
         owner_.sink_(std::move(note));
+    }
+
+    [[nodiscard]] ByteSource kept(ByteSource source) {
+        return [this, source = std::move(source)](char* bytes, std::size_t room) {
+            const std::size_t got = source(bytes, room);
+            source_.add({bytes, got});
+            return got;
+        };
     }
 
     void beginCalendar() {
@@ -181,8 +211,7 @@ class Converter::File {
             // Told by whoever is read when something is written.
             Converter* owner = &owner_;
             NoteSink sink = [owner](Note note) {
-                note.file = owner->file_;
-                owner->sink_(std::move(note));
+                if (owner->current_ != nullptr) owner->current_->report(std::move(note));
             };
             if (*owner_.to_ == CalendarFormat::ICalendar)
                 owner_.writer_ = std::make_unique<ICalWriter>(*owner_.out_, std::move(sink));
@@ -193,6 +222,14 @@ class Converter::File {
     }
 
     void takeComponent() {
+        inEntry_ = true;
+        convertComponent();
+        inEntry_ = false;
+        notes_.clear();
+        moreNotes_ = 0;
+    }
+
+    void convertComponent() {
         const Component& component = reader_.component();
         if (component.name == "VTIMEZONE") {
             owner_.zones_->add(Zone::fromVTimezone(component, lineSink()));
@@ -206,9 +243,27 @@ class Converter::File {
         if (entry == nullptr) return;
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
-        if (owner_.observer_ != nullptr) owner_.observer_->entryRead(*entry);
+        if (observer_ == nullptr) {
+            writer().write(*entry);
+            return;
+        }
+        // Notes about lines before the entry are about the calendar, or about what was left out.
+        std::erase_if(notes_, [&](const Note& note) { return note.line < entry->line; });
+        // The writer changes the entry.
+        std::optional<Entry> asRead;
+        if (wantsLines_) asRead = *entry;
+        writer().keepEntryLines(wantsLines_);
         writer().write(*entry);
-        if (owner_.observer_ != nullptr) owner_.observer_->entryWritten();
+        ConvertedEntry converted{
+            asRead ? *asRead : *entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
+        if (wantsLines_) {
+            const SourceLines::Lines lines =
+                source_.entry(entry->line, entry->component, kMostSource);
+            converted.source = lines.text;
+            converted.sourceCut = lines.cut;
+            converted.written = writer().entryLines();
+        }
+        observer_->entryConverted(converted);
     }
 
     // The zone of an entry: its own TZ line, where it has one.
@@ -243,6 +298,9 @@ class Converter::File {
     }
 
     Converter& owner_;
+    ConversionObserver* const observer_;
+    const bool wantsLines_;
+    SourceLines source_;
     CalendarReader reader_;
     VCalReader vCalReader_;
     ICalReader iCalReader_;
@@ -252,6 +310,10 @@ class Converter::File {
     std::vector<EntryProperty> header_;
     bool settled_ = false;
     ZonePtr zone_;
+    // For the observer, since the last entry.
+    std::vector<Note> notes_;
+    std::uint64_t moreNotes_ = 0;
+    bool inEntry_ = false;  // one has been read and is converted
 };
 
 Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink)
@@ -262,10 +324,18 @@ Converter::Converter(std::unique_ptr<EntryWriter> writer, NoteSink sink)
 
 Converter::~Converter() = default;
 
-void Converter::convert(ByteSource source, const std::string& file,
+void Converter::convert(ByteSource source, const std::string& name,
                         const std::function<void(std::uint64_t)>& progress) {
-    file_ = file;
-    File(*this, std::move(source)).run(progress);
+    file_ = name;
+    File file(*this, std::move(source));
+    current_ = &file;
+    try {
+        file.run(progress);
+    } catch (...) {
+        current_ = nullptr;
+        throw;
+    }
+    current_ = nullptr;
     zones_->clear();
 }
 

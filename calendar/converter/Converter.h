@@ -18,19 +18,6 @@ namespace qel::calendar {
 
 class EntryWriter;
 
-struct Entry;
-
-// Hears of each entry on its way through a converter; what the converter tells between two calls
-// belongs to the entry when its line is in it.
-class EntryObserver {
-  public:
-    virtual ~EntryObserver() = default;
-    // As it was read, before it is written.
-    virtual void entryRead(const Entry& entry) = 0;
-    // The entry read last has been written.
-    virtual void entryWritten() = 0;
-};
-
 struct ConvertCounts {
     std::uint64_t calendars = 0;  // that have begun; an entry outside any has one of its own
     std::uint64_t entries = 0;
@@ -49,17 +36,18 @@ class Converter {
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    // One file, named `file` in messages. `progress`, which may be empty, hears the bytes read so
+    // One file, called `name` in messages. `progress`, which may be empty, hears the bytes read so
     // far. Zones that are described behind the entries that use them are found when the caller
     // hands them over before, by collectZones from the same bytes.
-    void convert(ByteSource source, const std::string& file,
+    void convert(ByteSource source, const std::string& name,
                  const std::function<void(std::uint64_t)>& progress = {});
 
     // Reads a file for its VTIMEZONEs alone, for the next convert().
     void collectZones(ByteSource source);
 
-    // From now on `observer`, which may be null and is kept, hears of every entry.
-    void observe(EntryObserver* observer) { observer_ = observer; }
+    // `observer` is called for each entry of the files that follow. It may be null; it must outlive
+    // the converter or the next call of this.
+    void observe(ConversionObserver* observer) { observer_ = observer; }
 
     // Closes the output.
     void finish();
@@ -75,10 +63,11 @@ class Converter {
     std::optional<CalendarFormat> to_;
     NoteSink sink_;
     std::string file_;  // that is being read
+    File* current_ = nullptr;
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;
-    EntryObserver* observer_ = nullptr;
+    ConversionObserver* observer_ = nullptr;
 };
 
 }  // namespace qel::calendar

@@ -1,7 +1,5 @@
 #include "calendar/converter/SourceLines.h"
 
-#include <utility>
-
 #include "calendar/base/Ascii.h"
 
 namespace qel::calendar {
@@ -14,19 +12,7 @@ constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
 }  // namespace
 
-ByteSource SourceLines::through(ByteSource source) {
-    held_.clear();
-    at_ = 0;
-    number_ = 1;
-    unusable_ = false;
-    return [this, source = std::move(source)](char* bytes, std::size_t room) {
-        const std::size_t got = source(bytes, room);
-        hear({bytes, got});
-        return got;
-    };
-}
-
-void SourceLines::hear(std::string_view bytes) {
+void SourceLines::add(std::string_view bytes) {
     if (unusable_) return;
     unusable_ = bytes.find('\0') != std::string_view::npos;
     if (held_.size() - at_ > kMostHeld) {
@@ -41,41 +27,46 @@ void SourceLines::hear(std::string_view bytes) {
             return;
         }
     }
-    forget();
+    if (at_ >= kForgetFrom) {
+        held_.erase(0, at_);
+        at_ = 0;
+    }
     held_ += bytes;
 }
 
-void SourceLines::forget() {
-    if (at_ < kForgetFrom) return;
-    held_.erase(0, at_);
-    at_ = 0;
+// Line ends as LineReader counts them: LF, CR LF, CR, CR CR LF. One may be divided between pieces.
+void SourceLines::skipRestOfLineEnd() {
+    while (afterCarriageReturn_ && at_ < held_.size()) {
+        afterCarriageReturn_ = held_[at_] == '\r';
+        if (held_[at_] == '\r' || held_[at_] == '\n') ++at_;
+    }
 }
 
-// Line ends as the converter's reader counts them: LF, CR LF, CR, CR CR LF.
+// The next line without its end; at_ is after that then. False when there is none.
 bool SourceLines::next(std::string_view& line) {
-    if (at_ >= held_.size()) return false;
+    skipRestOfLineEnd();
     const std::size_t end = held_.find_first_of("\r\n", at_);
     if (end == std::string::npos) return false;
     line = std::string_view(held_).substr(at_, end - at_);
-    at_ = end;
-    while (at_ < held_.size() && held_[at_] == '\r') ++at_;
-    if (at_ < held_.size() && held_[at_] == '\n') ++at_;
+    at_ = end + 1;
+    afterCarriageReturn_ = held_[end] == '\r';
+    skipRestOfLineEnd();
     ++number_;
     return true;
 }
 
-std::string SourceLines::entry(std::size_t number, std::string_view component, std::size_t most) {
-    std::string text;
-    if (unusable_ || number < number_) return text;
+SourceLines::Lines SourceLines::entry(std::size_t number, std::string_view component,
+                                      std::size_t most) {
+    if (unusable_ || number < number_) return {};
     std::string_view line;
     while (number_ < number && next(line)) {
     }
+    skipRestOfLineEnd();
     const std::string last = "END:" + std::string(component);
-    while (text.size() < most && next(line)) {
-        text.append(line).append("\n");
-        if (equalsIgnoreCase(trimmed(line), last)) break;
-    }
-    return text;
+    const std::size_t begin = at_;
+    bool cut = true;
+    while (cut && at_ - begin < most && next(line)) cut = !equalsIgnoreCase(trimmed(line), last);
+    return {std::string_view(held_).substr(begin, at_ - begin), cut};
 }
 
 }  // namespace qel::calendar

@@ -131,12 +131,18 @@ void EntryWriter::put(std::string_view line) {
 
 void EntryWriter::endLine() {
     text_ += "\r\n";
+    if (text_.size() >= kWaiting && !keepsEntryLines_) flush();
+}
+
+void EntryWriter::beginEntry() {
     if (text_.size() >= kWaiting) flush();
+    entryBegin_ = text_.size();
 }
 
 void EntryWriter::flush() {
     out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
     text_.clear();
+    entryBegin_ = 0;
 }
 
 void ICalWriter::fold(std::string_view line) {

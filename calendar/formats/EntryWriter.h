@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_FORMATS_ENTRYWRITER_H
 #define QEL_CALENDAR_FORMATS_ENTRYWRITER_H
 
+#include <cstddef>
 #include <iosfwd>
 #include <memory>
 #include <set>
@@ -28,6 +29,13 @@ class EntryWriter {
     virtual void write(Entry& entry) = 0;
     // Hands on what has been written so far; without it that waits until it is worth the while.
     void flush();
+    // From now on entryLines() has the lines of the entry that was written last.
+    void keepEntryLines(bool keep) { keepsEntryLines_ = keep; }
+    // From its BEGIN to its END, without the calendar and the zones before it. Valid until the next
+    // call.
+    [[nodiscard]] std::string_view entryLines() const {
+        return std::string_view(text_).substr(entryBegin_);
+    }
     // Closes what is open, and flushes. A file without any entry still is a calendar.
     virtual void finish() = 0;
 
@@ -39,12 +47,16 @@ class EntryWriter {
     void put(std::string_view line);
     // The same in two steps: the line is added to text(), then ended.
     [[nodiscard]] std::string& text() { return text_; }
+    // Marks the place of an entry's BEGIN.
+    void beginEntry();
     void endLine();
 
   private:
     std::ostream& out_;
     NoteSink sink_;
-    std::string text_;  // that waits for flush()
+    std::string text_;            // that waits for flush()
+    std::size_t entryBegin_ = 0;  // in text_
+    bool keepsEntryLines_ = false;
 };
 
 // The value of PRODID.

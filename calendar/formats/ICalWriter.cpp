@@ -30,6 +30,7 @@ void ICalEntry::write() {
     const char* name = entry_.kind == EntryKind::Event  ? "VEVENT"
                        : entry_.kind == EntryKind::Todo ? "VTODO"
                                                         : "VJOURNAL";
+    writer_.beginEntry();
     writer_.text() += "BEGIN:";
     writer_.put(name);
     addICalendarLine(writer_.text(), "UID", {}, uid(), Value::Escaped);

@@ -25,6 +25,7 @@ void VCalEntry::write() {
     const EntryProperty* component = entry_.find("X-VCAL-COMPONENT");
     std::string name = entry_.kind == EntryKind::Event ? "VEVENT" : "VTODO";
     if (component != nullptr && equalsIgnoreCase(component->value(), "VEVENT")) name = "VEVENT";
+    writer_.beginEntry();
     writer_.text() += "BEGIN:";
     writer_.put(name);
     if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
@@ -106,6 +107,7 @@ int VCalEntry::lastYear(const Rule& rule, const RuleLimits& limits) const {
 void VCalEntry::writeNote() {
     writer_.close();
     writer_.any_ = true;
+    writer_.beginEntry();
     writer_.put("BEGIN:VNOTE");
     writer_.put("VERSION:1.1");
     if (!entry_.uid.empty()) line("UID", {}, entry_.uid);

@@ -49,6 +49,8 @@ class CalendarReader {
     [[nodiscard]] Component& component() { return component_; }
     // "1.0", "2.0", ... as the current calendar says; "" before it has said so.
     [[nodiscard]] const std::string& version() const { return version_; }
+    // True while an entry is read, for whoever hears of a note then.
+    [[nodiscard]] bool inEntry() const { return inEntry_; }
     // Of the input so far.
     [[nodiscard]] std::uint64_t bytesRead() const { return lines_.bytesRead(); }
 

@@ -1,9 +1,6 @@
 #include "calendar/report/Outcome.h"
 
-#include <algorithm>
-
 #include "base/Json.h"
-#include "calendar/entries/Entry.h"
 
 namespace qel::calendar {
 
@@ -71,28 +68,19 @@ cli::Json outcomeJson(const FileOutcome& file) {
 void Tally::beginFile(std::string name) {
     file_ = {};
     file_.file = std::move(name);
-    entryLine_ = 0;
-    lastLine_ = 0;
 }
 
 void Tally::hear(const Note& message, bool keep) {
     if (message.severity() == Severity::Warning) ++file_.counts.warnings;
     if (message.severity() == Severity::Error) ++file_.counts.errors;
     if (message.fate() == Fate::Lost) ++file_.counts.lost;
-    lastLine_ = std::max(lastLine_, message.line);
     if (keep) file_.messages.push_back(message);
 }
 
-void Tally::entryRead(const Entry& entry) {
+void Tally::entryConverted(const ConvertedEntry& converted) {
     ++file_.counts.entries;
-    entryLine_ = entry.line;
-}
-
-void Tally::entryWritten() {
     ++file_.counts.converted;
-    // Lines before the entry's first are the calendar's own, or of an entry that was left out.
-    if (lastLine_ >= entryLine_ && lastLine_ != 0) ++file_.counts.changed;
-    lastLine_ = 0;
+    if (!converted.notes.empty()) ++file_.counts.changed;
 }
 
 }  // namespace qel::calendar

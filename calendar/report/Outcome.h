@@ -48,20 +48,17 @@ struct Totals {
 [[nodiscard]] nlohmann::ordered_json outcomeJson(const FileOutcome& file);
 
 // Counts what a converter tells and reads, file by file.
-class Tally : public EntryObserver {
+class Tally : public ConversionObserver {
   public:
     void beginFile(std::string name);
     // To be told of every message of the converter. Keeps it when `keep` is true.
     void hear(const Note& message, bool keep);
-    void entryRead(const Entry& entry) override;
-    void entryWritten() override;
+    void entryConverted(const ConvertedEntry& converted) override;
 
     [[nodiscard]] FileOutcome& file() { return file_; }
 
   private:
     FileOutcome file_;
-    std::size_t entryLine_ = 0;  // of the entry that is being written
-    std::size_t lastLine_ = 0;   // the latest that a message told of since the last entry
 };
 
 }  // namespace qel::calendar

@@ -12,19 +12,17 @@ namespace {
 constexpr std::size_t kMostText = 4000;
 constexpr std::size_t kMostNames = 50;
 
-bool beginsLine(std::string_view text, std::size_t at) {
-    return at == 0 || text[at - 1] == '\n';
-}
-
-// The entry alone, without the calendar and the zone in front of it.
-std::string_view entryIn(std::string_view text) {
-    std::size_t first = std::string_view::npos;
-    for (const char* begin : {"BEGIN:VEVENT", "BEGIN:VTODO", "BEGIN:VJOURNAL", "BEGIN:VNOTE"}) {
-        std::size_t at = text.find(begin);
-        while (at != std::string_view::npos && !beginsLine(text, at)) at = text.find(begin, at + 1);
-        first = std::min(first, at);
+// The first lines of an entry's bytes, each ended by "\n" alone.
+std::string plainLines(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty() && text.size() <= kMostText) {
+        std::size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
+        text.append(bytes.substr(0, end)).append("\n");
+        while (end < bytes.size() && bytes[end] == '\r') ++end;
+        if (end < bytes.size() && bytes[end] == '\n') ++end;
+        bytes.remove_prefix(end);
     }
-    return first == std::string_view::npos ? std::string_view() : text.substr(first);
+    return text;
 }
 
 // The first lines of a text.
@@ -62,40 +60,19 @@ void ReportFeed::hear(const Note& message) {
     pending_.add(message);
 }
 
-std::string ReportFeed::written(const Entry& entry, CalendarFormat target) {
-    if (writer_ == nullptr || writes_ != target) {
-        writes_ = target;
-        const NoteSink silent = [](const Note&) {};
-        if (target == CalendarFormat::ICalendar)
-            writer_ = std::make_unique<ICalWriter>(text_, silent);
-        else
-            writer_ = std::make_unique<VCalWriter>(text_, silent);
-    }
-    text_.str({});
-    Entry copy = entry;
-    writer_->write(copy);
-    writer_->flush();
-    return text_.str();
-}
-
-void ReportFeed::entryRead(const Entry& entry, CalendarFormat target) {
-    ReportMessages all = std::exchange(pending_, {});
-    for (const Note& each : all.shown) (each.line < entry.line ? ofFile_ : pending_).add(each);
-    pending_.more = all.more;
-    entry_ = {};
-    entry_.facts = entryFacts(entry);
-    entry_.line = entry.line;
-    const std::string before = lines_.entry(entry.line, entry.component, kMostText + 1);
-    const std::string text = written(entry, target);
-    const std::string_view after = entryIn(text);
-    entry_.kept = keptNames(after, before);
-    entry_.before = head(before, entry_.cut);
-    entry_.after = head(after, entry_.cut);
-}
-
-void ReportFeed::entryWritten() {
-    entry_.messages = std::exchange(pending_, {});
-    report_.entry(entry_);
+void ReportFeed::entryConverted(const ConvertedEntry& converted) {
+    const std::size_t line = converted.entry.line;
+    ReportEntry entry;
+    const ReportMessages all = std::exchange(pending_, {});
+    for (const Note& each : all.shown) (each.line < line ? ofFile_ : entry.messages).add(each);
+    entry.messages.more = all.more;
+    entry.facts = entryFacts(converted.entry);
+    entry.line = line;
+    const std::string before = plainLines(converted.source);
+    entry.kept = keptNames(converted.written, before);
+    entry.before = head(before, entry.cut);
+    entry.after = head(converted.written, entry.cut);
+    report_.entry(entry);
 }
 
 void ReportFeed::endFile() {

@@ -59,7 +59,7 @@ std::string withoutCase(std::string name) {
     return name;
 }
 
-class ConvertRun : private calendar::EntryObserver {
+class ConvertRun : private calendar::ConversionObserver {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
         : context_(context), options_(options), messages_(context, options.verbose) {
@@ -94,14 +94,11 @@ class ConvertRun : private calendar::EntryObserver {
         };
     }
 
-    void entryRead(const calendar::Entry& entry) override {
-        tally_.entryRead(entry);
-        if (feed_) feed_->entryRead(entry, converter_->target().value());
-    }
+    [[nodiscard]] bool wantsLines() const override { return feed_.has_value(); }
 
-    void entryWritten() override {
-        tally_.entryWritten();
-        if (feed_) feed_->entryWritten();
+    void entryConverted(const calendar::ConvertedEntry& converted) override {
+        tally_.entryConverted(converted);
+        if (feed_) feed_->entryConverted(converted);
     }
 
     void beginFile(const CalendarFile& file) {
@@ -119,13 +116,8 @@ class ConvertRun : private calendar::EntryObserver {
         if (feed_) feed_->endFile();
     }
 
-    [[nodiscard]] calendar::ByteSource heard(calendar::ByteSource source) {
-        return feed_ ? feed_->through(std::move(source)) : source;
-    }
-
     // Converts one file; the reason why it could not be read to its end, or nothing.
     std::string convertFile(calendar::Converter& converter, const CalendarFile& file) {
-        converter_ = &converter;
         converter.observe(this);
         const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
         try {
@@ -147,7 +139,7 @@ class ConvertRun : private calendar::EntryObserver {
         if (input.size() != 0) {
             InputFile first(context_, name);
             converter.collectZones(sourceOf(first));
-            converter.convert(heard(sourceOf(input)), input.name(), update);
+            converter.convert(sourceOf(input), input.name(), update);
             return;
         }
         Spool spool(input);
@@ -156,7 +148,7 @@ class ConvertRun : private calendar::EntryObserver {
             converter.collectZones(sourceOf(spool));
             spool.rewind();
         }
-        converter.convert(heard(sourceOf(spool)), input.name(), update);
+        converter.convert(sourceOf(spool), input.name(), update);
     }
 
     // All files into one result.
@@ -352,7 +344,6 @@ class ConvertRun : private calendar::EntryObserver {
     calendar::Tally tally_;
     std::optional<calendar::HtmlReport> report_;
     std::optional<calendar::ReportFeed> feed_;
-    calendar::Converter* converter_ = nullptr;
     std::vector<CalendarFile> files_;
     std::vector<calendar::FileOutcome> outcomes_;
     calendar::Totals totals_;
