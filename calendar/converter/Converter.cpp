@@ -1,6 +1,7 @@
 #include "calendar/converter/Converter.h"
 
 #include <algorithm>
+#include <cassert>
 #include <ostream>
 #include <utility>
 
@@ -22,6 +23,22 @@ constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
 constexpr std::size_t kMostHeader = 200;
 // Bytes of an entry's source that an observer is given.
 constexpr std::size_t kMostSource = std::size_t{64} << 10;
+// Bytes that are fetched or read at once.
+constexpr std::size_t kPiece = std::size_t{64} << 10;
+
+// Calls `write` for the bytes in pieces of at most kPiece.
+template <class Write>
+void inPieces(std::string_view bytes, const Write& write) {
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kPiece)))
+        write(bytes.substr(0, kPiece));
+}
+
+// Calls `write` for all bytes of `source`.
+template <class Write>
+void fetch(const ByteSource& source, const Write& write) {
+    const auto buffer = std::make_unique_for_overwrite<char[]>(kPiece);
+    while (const std::size_t got = source(buffer.get(), kPiece)) write({buffer.get(), got});
+}
 
 }  // namespace
 
@@ -51,54 +68,30 @@ class ZoneStore {
 // One file on its way through.
 class Converter::File {
   public:
-    File(Converter& owner, ByteSource source)
+    File(Converter& owner, std::string name)
         : owner_(owner),
+          name_(std::move(name)),
           observer_(owner.observer_),
           wantsLines_(observer_ != nullptr && observer_->wantsLines()),
-          reader_(wantsLines_ ? kept(std::move(source)) : std::move(source), owner.file_,
-                  [this](Note note) { take(std::move(note)); }),
-          vCalReader_(owner.zones_->zones, lineSink()),
-          iCalReader_(owner.zones_->zones, lineSink()) {}
+          reader_(noteSink()),
+          vCalReader_(owner.zones_->zones, noteSink()),
+          iCalReader_(owner.zones_->zones, noteSink()) {}
 
-    void run(const std::function<void(std::uint64_t)>& progress) {
-        using Item = CalendarReader::Item;
-        for (Item item = reader_.next(); item != Item::End; item = reader_.next()) {
-            switch (item) {
-                case Item::CalendarBegin:
-                    beginCalendar();
-                    break;
-                case Item::CalendarProperty:
-                    takeProperty();
-                    break;
-                case Item::Entry:
-                    takeComponent();
-                    break;
-                case Item::CalendarEnd:
-                    endCalendar();
-                    break;
-                case Item::End:
-                    break;
-            }
-            if (progress) progress(reader_.bytesRead());
-        }
+    // REQUIRES: at most kPiece bytes, so that what is kept of them stays small.
+    void write(std::string_view piece) {
+        if (wantsLines_) source_.add(piece);
+        reader_.write(piece);
+        takeItems();
     }
 
-  private:
-    void tell(Severity severity, std::size_t line, std::string text) {
-        report(Note(severity, std::move(text), line));
-    }
-
-    [[nodiscard]] NoteSink lineSink() {
-        return [this](Note note) { report(std::move(note)); };
-    }
-
-    void report(Note note) {
-        note.file = owner_.file_;
-        take(std::move(note));
+    void end() {
+        reader_.end();
+        takeItems();
     }
 
     // Hands a note on, and keeps it until the entry that it may be about is written.
-    void take(Note note) {
+    void report(Note note) {
+        note.file = name_;
         if (observer_ != nullptr) {
             // Lines outside entries may have any number of them.
             if (notes_.size() == ConvertedEntry::kMostNotes && !inEntry_ && !reader_.inEntry())
@@ -111,12 +104,36 @@ class Converter::File {
         owner_.sink_(std::move(note));
     }
 
-    [[nodiscard]] ByteSource kept(ByteSource source) {
-        return [this, source = std::move(source)](char* bytes, std::size_t room) {
-            const std::size_t got = source(bytes, room);
-            source_.add({bytes, got});
-            return got;
-        };
+  private:
+    void tell(Severity severity, std::size_t line, std::string text) {
+        report(Note(severity, std::move(text), line));
+    }
+
+    [[nodiscard]] NoteSink noteSink() {
+        return [this](Note note) { report(std::move(note)); };
+    }
+
+    void takeItems() {
+        using Item = CalendarReader::Item;
+        for (;;) {
+            switch (reader_.next()) {
+                case Item::CalendarBegin:
+                    beginCalendar();
+                    break;
+                case Item::CalendarProperty:
+                    takeProperty();
+                    break;
+                case Item::Entry:
+                    takeComponent();
+                    break;
+                case Item::CalendarEnd:
+                    endCalendar();
+                    break;
+                case Item::NeedMore:
+                case Item::End:
+                    return;
+            }
+        }
     }
 
     void beginCalendar() {
@@ -200,25 +217,10 @@ class Converter::File {
         if (settled_) return;
         settled_ = true;
         zone_ = nullptr;
-        if (tz_) zone_ = Zone::fromVCalendar(*tz_, daylight_, lineSink());
+        if (tz_) zone_ = Zone::fromVCalendar(*tz_, daylight_, noteSink());
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
-        writer().calendar(header_);
-    }
-
-    EntryWriter& writer() {
-        if (owner_.writer_ == nullptr) {
-            // Told by whoever is read when something is written.
-            Converter* owner = &owner_;
-            NoteSink sink = [owner](Note note) {
-                if (owner->current_ != nullptr) owner->current_->report(std::move(note));
-            };
-            if (*owner_.to_ == CalendarFormat::ICalendar)
-                owner_.writer_ = std::make_unique<ICalWriter>(*owner_.out_, std::move(sink));
-            else
-                owner_.writer_ = std::make_unique<VCalWriter>(*owner_.out_, std::move(sink));
-        }
-        return *owner_.writer_;
+        owner_.writer().calendar(header_);
     }
 
     void takeComponent() {
@@ -232,7 +234,7 @@ class Converter::File {
     void convertComponent() {
         const Component& component = reader_.component();
         if (component.name == "VTIMEZONE") {
-            owner_.zones_->add(Zone::fromVTimezone(component, lineSink()));
+            owner_.zones_->add(Zone::fromVTimezone(component, noteSink()));
             return;
         }
         settle();
@@ -244,7 +246,7 @@ class Converter::File {
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
         if (observer_ == nullptr) {
-            writer().write(*entry);
+            owner_.writer().write(*entry);
             return;
         }
         // Notes about lines before the entry are about the calendar, or about what was left out.
@@ -252,8 +254,8 @@ class Converter::File {
         // The writer changes the entry.
         std::optional<Entry> asRead;
         if (wantsLines_) asRead = *entry;
-        writer().keepEntryLines(wantsLines_);
-        writer().write(*entry);
+        owner_.writer().keepEntryLines(wantsLines_);
+        owner_.writer().write(*entry);
         ConvertedEntry converted{
             asRead ? *asRead : *entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
         if (wantsLines_) {
@@ -261,7 +263,7 @@ class Converter::File {
                 source_.entry(entry->line, entry->component, kMostSource);
             converted.source = lines.text;
             converted.sourceCut = lines.cut;
-            converted.written = writer().entryLines();
+            converted.written = owner_.writer().entryLines();
         }
         observer_->entryConverted(converted);
     }
@@ -279,7 +281,7 @@ class Converter::File {
         if (tz == nullptr && tz_) tz = &*tz_;
         return tz == nullptr
                    ? zone_
-                   : Zone::fromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, lineSink());
+                   : Zone::fromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
     }
 
     void endCalendar() {
@@ -298,6 +300,7 @@ class Converter::File {
     }
 
     Converter& owner_;
+    const std::string name_;
     ConversionObserver* const observer_;
     const bool wantsLines_;
     SourceLines source_;
@@ -316,6 +319,37 @@ class Converter::File {
     bool inEntry_ = false;  // one has been read and is converted
 };
 
+// A file on its way past for its zones.
+class Converter::Scan {
+  public:
+    explicit Scan(ZoneStore& zones) : zones_(zones) {}
+
+    void write(std::string_view piece) {
+        reader_.write(piece);
+        takeZones();
+    }
+
+    void end() {
+        reader_.end();
+        takeZones();
+    }
+
+  private:
+    void takeZones() {
+        using Item = CalendarReader::Item;
+        for (;;) {
+            const Item item = reader_.next();
+            if (item == Item::NeedMore || item == Item::End) return;
+            if (item == Item::Entry && reader_.component().name == "VTIMEZONE")
+                zones_.add(Zone::fromVTimezone(reader_.component(), silent_));
+        }
+    }
+
+    ZoneStore& zones_;
+    const NoteSink silent_ = [](const Note&) {};
+    CalendarReader reader_{silent_, CalendarReader::Contents::OfZones};
+};
+
 Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink)
     : out_(&out), to_(to), sink_(std::move(sink)), zones_(std::make_unique<ZoneStore>()) {}
 
@@ -324,39 +358,90 @@ Converter::Converter(std::unique_ptr<EntryWriter> writer, NoteSink sink)
 
 Converter::~Converter() = default;
 
-void Converter::convert(ByteSource source, const std::string& name,
-                        const std::function<void(std::uint64_t)>& progress) {
-    file_ = name;
-    File file(*this, std::move(source));
-    current_ = &file;
-    try {
-        file.run(progress);
-    } catch (...) {
-        current_ = nullptr;
-        throw;
-    }
-    current_ = nullptr;
+void Converter::beginFile(const std::string& name) {
+    file_ = std::make_unique<File>(*this, name);
+}
+
+void Converter::write(std::string_view bytes) {
+    assert(file_ != nullptr);
+    inPieces(bytes, [this](std::string_view piece) { file_->write(piece); });
+}
+
+void Converter::endFile() {
+    assert(file_ != nullptr);
+    file_->end();
+    file_.reset();
     zones_->clear();
 }
 
-void Converter::collectZones(ByteSource source) {
-    const NoteSink silent = [](const Note&) {};
-    CalendarReader reader(std::move(source), "", silent, CalendarReader::Contents::OfZones);
-    using Item = CalendarReader::Item;
-    for (Item item = reader.next(); item != Item::End; item = reader.next())
-        if (item == Item::Entry && reader.component().name == "VTIMEZONE")
-            zones_->add(Zone::fromVTimezone(reader.component(), silent));
+void Converter::beginScan() {
+    scan_ = std::make_unique<Scan>(*zones_);
+}
+
+void Converter::scan(std::string_view bytes) {
+    assert(scan_ != nullptr);
+    inPieces(bytes, [this](std::string_view piece) { scan_->write(piece); });
+}
+
+void Converter::endScan() {
+    assert(scan_ != nullptr);
+    scan_->end();
+    scan_.reset();
+}
+
+void Converter::convert(const ByteSource& source, const std::string& name,
+                        const std::function<void(std::uint64_t)>& progress) {
+    beginFile(name);
+    std::uint64_t done = 0;
+    try {
+        fetch(
+            source,
+            [&](std::string_view bytes) {
+                write(bytes);
+                done += bytes.size();
+                if (progress) progress(done);
+            });
+    } catch (...) {
+        file_.reset();
+        zones_->clear();
+        throw;
+    }
+    endFile();
+}
+
+void Converter::collectZones(const ByteSource& source) {
+    beginScan();
+    try {
+        fetch(
+            source, [this](std::string_view bytes) { scan(bytes); });
+    } catch (...) {
+        scan_.reset();
+        zones_->clear();
+        throw;
+    }
+    endScan();
+}
+
+void Converter::report(Note note) {
+    if (file_ != nullptr)
+        file_->report(std::move(note));
+    else
+        sink_(std::move(note));
+}
+
+EntryWriter& Converter::writer() {
+    if (writer_ == nullptr) {
+        NoteSink sink = [this](Note note) { report(std::move(note)); };
+        if (to_ == CalendarFormat::VCalendar10)
+            writer_ = std::make_unique<VCalWriter>(*out_, std::move(sink));
+        else
+            writer_ = std::make_unique<ICalWriter>(*out_, std::move(sink));
+    }
+    return *writer_;
 }
 
 void Converter::finish() {
-    if (writer_ == nullptr) {
-        NoteSink sink = [](const Note&) {};
-        if (to_ == CalendarFormat::VCalendar10)
-            writer_ = std::make_unique<VCalWriter>(*out_, sink);
-        else
-            writer_ = std::make_unique<ICalWriter>(*out_, sink);
-    }
-    writer_->finish();
+    writer().finish();
 }
 
 }  // namespace qel::calendar

@@ -3,20 +3,24 @@
 #ifndef QEL_CALENDAR_CONVERTER_CONVERTER_H
 #define QEL_CALENDAR_CONVERTER_CONVERTER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "calendar/base/Notes.h"
 #include "calendar/converter/ConversionObserver.h"
-#include "calendar/lines/LineReader.h"
 
 namespace qel::calendar {
 
 class EntryWriter;
+
+// Gives the next at most `room` bytes, 0 at the end.
+using ByteSource = std::function<std::size_t(char* bytes, std::size_t room)>;
 
 struct ConvertCounts {
     std::uint64_t calendars = 0;  // that have begun; an entry outside any has one of its own
@@ -36,14 +40,23 @@ class Converter {
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    // One file, called `name` in messages. `progress`, which may be empty, hears the bytes read so
-    // far. Zones that are described behind the entries that use them are found when the caller
-    // hands them over before, by collectZones from the same bytes.
-    void convert(ByteSource source, const std::string& name,
-                 const std::function<void(std::uint64_t)>& progress = {});
+    // One file, called `name` in messages: its bytes in any number of pieces, then its end. An
+    // entry is converted as soon as its last line is there. REQUIRES: files do not overlap.
+    void beginFile(const std::string& name);
+    void write(std::string_view bytes);
+    void endFile();
 
-    // Reads a file for its VTIMEZONEs alone, for the next convert().
-    void collectZones(ByteSource source);
+    // Zones may be described after the entries that use them. They are known in time when the whole
+    // file is passed here before its beginFile(); nothing else of it is looked at.
+    void beginScan();
+    void scan(std::string_view bytes);
+    void endScan();
+
+    // The same for bytes that are fetched. `progress`, which may be empty, is given the number of
+    // bytes read so far. When `source` throws, the file ends without the rest.
+    void convert(const ByteSource& source, const std::string& name,
+                 const std::function<void(std::uint64_t)>& progress = {});
+    void collectZones(const ByteSource& source);
 
     // `observer` is called for each entry of the files that follow. It may be null; it must outlive
     // the converter or the next call of this.
@@ -58,16 +71,20 @@ class Converter {
 
   private:
     class File;
+    class Scan;
+
+    void report(Note note);
+    EntryWriter& writer();
 
     std::ostream* out_ = nullptr;  // null when the writer came from outside
     std::optional<CalendarFormat> to_;
     NoteSink sink_;
-    std::string file_;  // that is being read
-    File* current_ = nullptr;
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;
     ConversionObserver* observer_ = nullptr;
+    std::unique_ptr<File> file_;
+    std::unique_ptr<Scan> scan_;
 };
 
 }  // namespace qel::calendar

@@ -35,59 +35,53 @@ std::size_t costOf(const ContentLine& line) {
 
 }  // namespace
 
-CalendarReader::CalendarReader(ByteSource source, std::string file, NoteSink sink,
-                               Contents contents)
-    : lines_(std::move(source)),
-      file_(std::move(file)),
-      sink_(std::move(sink)),
-      contents_(contents) {}
-
-// True for a line that no one asks for: a property of an entry that is no zone. BEGIN and END are
-// looked at in every entry.
+// True for a line that nobody asks for: a property of an entry that is not a zone. BEGIN and END
+// are looked at in every entry.
 bool CalendarReader::passesOver(const RawLine& raw) const {
-    if (contents_ == Contents::All || !inEntry_ || component_.name == "VTIMEZONE") return false;
+    if (contents_ == Contents::All || !inEntry() || component_.name == "VTIMEZONE") return false;
     const char first = toUpper(trimmed(raw.text).front());
     return first != 'B' && first != 'E';
 }
 
 void CalendarReader::report(Severity severity, std::size_t line, std::string text) {
-    Note note(severity, std::move(text), line);
-    note.file = file_;
-    sink_(std::move(note));
+    sink_(Note(severity, std::move(text), line));
 }
 
-// The next property into line_; lines that are none are told and passed over.
-bool CalendarReader::readLine() {
-    if (std::exchange(pending_, false)) return true;
-    while (lines_.next(raw_)) {
-        if (passesOver(raw_)) continue;
-        const FoldStyle style =
-            inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
-        const std::size_t number = raw_.number;
-        const bool good = parseContentLine(raw_, style, line_);
-        if (!inCalendar_ && !good) {
-            if (outsideLines_++ == 0) firstOutside_ = number;
-            continue;
-        }
-        if (!good) {
-            report(Severity::Error, number, quoted(raw_.text) + " is no property; it is left out");
-            continue;
-        }
-        if (line_.cut)
-            report(Severity::Error, number,
-                   std::string(line_.name) + " is longer than " +
-                       std::to_string(kLongestLine >> 20) +
-                       " megabytes; the rest of it is left out");
-        if (line_.openEnd)
-            report(Severity::Error, number,
-                   "the quoted-printable text of " + std::string(line_.name) + " breaks off");
-        return true;
+// The next property into line_. Lines that are not one are reported and skipped.
+LineReader::Result CalendarReader::readLine() {
+    using Result = LineReader::Result;
+    if (std::exchange(pending_, false)) return Result::Line;
+    for (;;) {
+        const Result result = lines_.next();
+        if (result != Result::Line) return result;
+        if (!passesOver(lines_.line()) && parseLine()) return Result::Line;
     }
-    return false;
 }
 
-// Tells once of all lines that stood outside.
-void CalendarReader::outside() {
+bool CalendarReader::parseLine() {
+    RawLine& raw = lines_.line();
+    const FoldStyle style =
+        inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
+    if (!parseContentLine(raw, style, line_)) {
+        if (inCalendar_)
+            report(Severity::Error, raw.number,
+                   quoted(raw.text) + " is no property; it is left out");
+        else if (outsideLines_++ == 0)
+            firstOutside_ = raw.number;
+        return false;
+    }
+    if (line_.cut)
+        report(Severity::Error, raw.number,
+               std::string(line_.name) + " is longer than " + std::to_string(kLongestLine >> 20) +
+                   " megabytes; the rest of it is left out");
+    if (line_.openEnd)
+        report(Severity::Error, raw.number,
+               "the quoted-printable text of " + std::string(line_.name) + " breaks off");
+    return true;
+}
+
+// Once for all lines outside calendars since the last one.
+void CalendarReader::reportOutside() {
     if (outsideLines_ == 0) return;
     report(anyCalendar_ ? Severity::Warning : Severity::Error, firstOutside_,
            outsideLines_ == 1 ? std::string("a line outside any calendar is left out")
@@ -96,8 +90,56 @@ void CalendarReader::outside() {
     outsideLines_ = 0;
 }
 
+CalendarReader::Item CalendarReader::next() {
+    using Result = LineReader::Result;
+    for (;;) {
+        if (ended_) return Item::End;
+        const Result result = readLine();
+        if (result == Result::NeedMore) return Item::NeedMore;
+        const std::optional<Item> item = result == Result::End ? endFile() : takeLine();
+        if (item) return *item;
+    }
+}
+
+std::optional<CalendarReader::Item> CalendarReader::takeLine() {
+    if (inEntry()) return takeInEntry();
+    return inCalendar_ ? takeInCalendar() : takeOutside();
+}
+
+// What the end of the file ends, from inside out, an item a call.
+CalendarReader::Item CalendarReader::endFile() {
+    if (inEntry()) {
+        reportUnclosed("the file ends");
+        return endEntry();
+    }
+    ended_ = true;
+    if (inCalendar_) {
+        if (!implicit_) report(Severity::Error, 0, "the file ends within a calendar");
+        return endCalendar();
+    }
+    reportOutside();
+    if (!anyCalendar_)
+        report(Severity::Error, 0,
+               "there is no calendar in this file; one begins with BEGIN:VCALENDAR");
+    return Item::End;
+}
+
+std::optional<CalendarReader::Item> CalendarReader::takeOutside() {
+    if (line_.id == PropertyName::Begin) {
+        const std::string name = componentName(line_);
+        if (name == "VCALENDAR") return beginCalendar(false);
+        if (isTopEntry(name)) {
+            if (name != "VNOTE")
+                report(Severity::Warning, line_.number, name + " stands outside any calendar");
+            return beginCalendar(true);
+        }
+    }
+    if (outsideLines_++ == 0) firstOutside_ = line_.number;
+    return std::nullopt;
+}
+
 CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
-    outside();
+    reportOutside();
     pending_ = keepLine;
     implicit_ = keepLine;
     inCalendar_ = true;
@@ -106,64 +148,108 @@ CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
     return Item::CalendarBegin;
 }
 
-CalendarReader::Item CalendarReader::atTopLevel() {
-    while (readLine()) {
-        if (line_.id == PropertyName::Begin) {
-            const std::string name = componentName(line_);
-            if (name == "VCALENDAR") return beginCalendar(false);
-            if (isTopEntry(name)) {
-                if (name != "VNOTE")
-                    report(Severity::Warning, line_.number, name + " stands outside any calendar");
-                return beginCalendar(true);
-            }
-        }
-        if (outsideLines_++ == 0) firstOutside_ = line_.number;
-    }
-    outside();
-    if (!anyCalendar_)
-        report(Severity::Error, 0,
-               "there is no calendar in this file; one begins with BEGIN:VCALENDAR");
-    return Item::End;
+CalendarReader::Item CalendarReader::endCalendar() {
+    inCalendar_ = false;
+    return Item::CalendarEnd;
 }
 
-CalendarReader::Item CalendarReader::next() {
-    for (;;) {
-        if (ended_) return Item::End;
-        if (!inCalendar_) {
-            const Item item = atTopLevel();
-            ended_ = item == Item::End;
-            return item;
-        }
-        if (!readLine()) {
-            if (!implicit_) report(Severity::Error, 0, "the file ends within a calendar");
-            inCalendar_ = false;
-            ended_ = true;
-            return Item::CalendarEnd;
-        }
-        if (line_.id == PropertyName::End) {
-            const std::string name = componentName(line_);
-            if (name == "VCALENDAR" || name.empty()) {
-                inCalendar_ = false;
-                return Item::CalendarEnd;
-            }
-            report(Severity::Error, line_.number, "END:" + name + " closes nothing");
-            continue;
-        }
-        if (line_.id == PropertyName::Begin) {
-            if (componentName(line_) == "VCALENDAR") {
-                if (!implicit_)
-                    report(Severity::Error, line_.number,
-                           "a calendar begins before the last one has ended");
-                pending_ = true;
-                inCalendar_ = false;
-                return Item::CalendarEnd;
-            }
-            if (readEntry()) return Item::Entry;
-            continue;
-        }
-        if (line_.id == PropertyName::Version) version_ = std::string(trimmed(line_.value));
-        return Item::CalendarProperty;
+std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
+    if (line_.id == PropertyName::End) {
+        const std::string name = componentName(line_);
+        if (name == "VCALENDAR" || name.empty()) return endCalendar();
+        report(Severity::Error, line_.number, "END:" + name + " closes nothing");
+        return std::nullopt;
     }
+    if (line_.id == PropertyName::Begin) {
+        if (componentName(line_) != "VCALENDAR") {
+            beginEntry();
+            return std::nullopt;
+        }
+        if (!implicit_)
+            report(Severity::Error, line_.number,
+                   "a calendar begins before the last one has ended");
+        pending_ = true;
+        return endCalendar();
+    }
+    if (line_.id == PropertyName::Version) version_ = std::string(trimmed(line_.value));
+    return Item::CalendarProperty;
+}
+
+// The component whose BEGIN is in line_.
+void CalendarReader::beginEntry() {
+    texts_.clear();
+    std::vector<ContentLine> lines = std::move(component_.properties);
+    lines.clear();
+    if (lines.capacity() > kUsualLines) lines = {};
+    lines.reserve(kUsualLines);
+    component_ = {componentName(line_), line_.number, std::move(lines), {}};
+    entrySize_ = 0;
+    entryFull_ = false;
+    skippedDepth_ = 0;
+    open_.push_back(&component_);
+}
+
+CalendarReader::Item CalendarReader::endEntry() {
+    open_.clear();
+    return Item::Entry;
+}
+
+std::optional<CalendarReader::Item> CalendarReader::takeInEntry() {
+    if (line_.id != PropertyName::Begin && line_.id != PropertyName::End) {
+        if (skippedDepth_ == 0) addProperty(*open_.back());
+        return std::nullopt;
+    }
+    const std::string name = componentName(line_);
+    if (line_.id == PropertyName::End) return takeEnd(name);
+    if (name == "VCALENDAR" || isTopEntry(name)) {
+        reportUnclosed(name + " begins");
+        pending_ = true;
+        return endEntry();
+    }
+    beginChild(name);
+    return std::nullopt;
+}
+
+void CalendarReader::beginChild(const std::string& name) {
+    if (open_.size() >= kDeepest || skippedDepth_ > 0 || entryFull_) {
+        if (skippedDepth_++ == 0)
+            report(Severity::Error, line_.number, name + " is left out: it lies too deep");
+        return;
+    }
+    entrySize_ += sizeof(Component);
+    std::vector<Component>& children = open_.back()->children;
+    Component& child = children.emplace_back();
+    child.name = name;
+    child.number = line_.number;
+    if (children.size() <= kUsualParts) child.properties.reserve(kUsualPartLines);
+    open_.push_back(&child);
+}
+
+std::optional<CalendarReader::Item> CalendarReader::takeEnd(const std::string& name) {
+    if (skippedDepth_ > 0 && name != "VCALENDAR") {
+        --skippedDepth_;
+        return std::nullopt;
+    }
+    const auto match = std::find_if(open_.rbegin(), open_.rend(),
+                                    [&](const Component* each) { return each->name == name; });
+    if (match != open_.rend()) {
+        if (match != open_.rbegin())
+            report(Severity::Error, open_.back()->number, open_.back()->name + " is not closed");
+        open_.erase(match.base() - 1, open_.end());
+        if (open_.empty()) return Item::Entry;
+        return std::nullopt;
+    }
+    if (name == "VCALENDAR") {
+        reportUnclosed("the calendar ends");
+        pending_ = true;
+        return endEntry();
+    }
+    report(Severity::Error, line_.number, "END:" + name + " closes nothing");
+    return std::nullopt;
+}
+
+void CalendarReader::reportUnclosed(const std::string& why) {
+    report(Severity::Error, open_.back()->number, open_.back()->name + " is not closed: " + why);
 }
 
 void CalendarReader::addProperty(Component& owner) {
@@ -176,86 +262,6 @@ void CalendarReader::addProperty(Component& owner) {
                "the entry is larger than " + std::to_string(kLargestEntry >> 20) +
                    " megabytes; the rest of it is left out");
     }
-}
-
-void CalendarReader::closeAll(std::vector<Component*>& open, const std::string& why) {
-    report(Severity::Error, open.back()->number, open.back()->name + " is not closed: " + why);
-    open.clear();
-}
-
-// Reads the component whose BEGIN is in line_ into component_. False when it is no entry.
-bool CalendarReader::readEntry() {
-    texts_.clear();
-    std::vector<ContentLine> lines = std::move(component_.properties);
-    lines.clear();
-    if (lines.capacity() > kUsualLines) lines = {};
-    lines.reserve(kUsualLines);
-    component_ = {componentName(line_), line_.number, std::move(lines), {}};
-    entrySize_ = 0;
-    entryFull_ = false;
-    skippedDepth_ = 0;
-    // The names of the components that are open, from component_ inward. Children are not added to
-    // while one of them is open, so the pointers hold.
-    std::vector<Component*> open{&component_};
-    inEntry_ = true;
-    while (!open.empty()) {
-        if (!readLine()) {
-            closeAll(open, "the file ends");
-            break;
-        }
-        if (!takeEntryLine(open)) break;
-    }
-    inEntry_ = false;
-    return true;
-}
-
-// False when the line belongs to what comes after the entry.
-bool CalendarReader::takeEntryLine(std::vector<Component*>& open) {
-    if (line_.id == PropertyName::Begin) {
-        const std::string name = componentName(line_);
-        if (name == "VCALENDAR" || isTopEntry(name)) {
-            closeAll(open, name + " begins");
-            pending_ = true;
-            return false;
-        }
-        if (open.size() >= kDeepest || skippedDepth_ > 0 || entryFull_) {
-            if (skippedDepth_++ == 0)
-                report(Severity::Error, line_.number, name + " is left out: it lies too deep");
-            return true;
-        }
-        entrySize_ += sizeof(Component);
-        open.back()->children.emplace_back();
-        Component& child = open.back()->children.back();
-        child.name = name;
-        child.number = line_.number;
-        if (open.back()->children.size() <= kUsualParts) child.properties.reserve(kUsualPartLines);
-        open.push_back(&child);
-        return true;
-    }
-    if (line_.id != PropertyName::End) {
-        if (skippedDepth_ == 0) addProperty(*open.back());
-        return true;
-    }
-    const std::string name = componentName(line_);
-    if (skippedDepth_ > 0 && name != "VCALENDAR") {
-        --skippedDepth_;
-        return true;
-    }
-    const auto match = std::find_if(open.rbegin(), open.rend(),
-                                    [&](const Component* each) { return each->name == name; });
-    if (match != open.rend()) {
-        if (match != open.rbegin())
-            report(Severity::Error, open.back()->number, open.back()->name + " is not closed");
-        open.erase(match.base() - 1, open.end());
-        return true;
-    }
-    if (name == "VCALENDAR") {
-        closeAll(open, "the calendar ends");
-        pending_ = true;
-        return false;
-    }
-    report(Severity::Error, line_.number, "END:" + name + " closes nothing");
-    return true;
 }
 
 }  // namespace qel::calendar

@@ -1,11 +1,15 @@
 // The components of a calendar file, one after the other, whatever the file's size: calendars begin
-// and end, each with its properties, and entries stand whole in between. Faults in the nesting are
-// mended and told. One thread.
+// and end, each with its properties, and whole entries in between. Faults in the nesting are
+// repaired and reported. One thread.
 #ifndef QEL_CALENDAR_LINES_CALENDARREADER_H
 #define QEL_CALENDAR_LINES_CALENDARREADER_H
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "calendar/base/Notes.h"
@@ -14,7 +18,7 @@
 
 namespace qel::calendar {
 
-// The texts of its lines last until the reader is asked for the next item.
+// The texts of its lines are valid until the reader is asked for the next item.
 struct Component {
     std::string name;        // in capitals: "VEVENT"
     std::size_t number = 0;  // of its first line
@@ -29,58 +33,69 @@ class CalendarReader {
         CalendarProperty,  // property() is one of the calendar itself
         Entry,             // component() is whole
         CalendarEnd,
+        NeedMore,  // all that was written is read
         End
     };
 
-    // Entries without their properties, except zones: nearly free, for whoever looks for zones.
+    // OfZones: entries other than zones come without their properties, which is much quicker.
     enum class Contents { All, OfZones };
 
-    // `file` is how messages name the input.
-    CalendarReader(ByteSource source, std::string file, NoteSink sink,
-                   Contents contents = Contents::All);
+    explicit CalendarReader(NoteSink sink, Contents contents = Contents::All)
+        : sink_(std::move(sink)), contents_(contents) {}
 
-    // The next item. Begin and end of calendars come in pairs, also where the file has none or has
-    // forgotten one. An entry is whole when it comes; of one that takes more than kLargestEntry
-    // bytes the rest is left out, as an error says.
-    Item next();
+    // The next bytes of the file, any number of them. They are not copied: they must stay until
+    // next() asks for more. REQUIRES: next() has asked for more, or nothing has been written yet.
+    void write(std::string_view bytes) { lines_.write(bytes); }
+    // The file ends after what was written.
+    void end() { lines_.end(); }
+
+    // The next item. Begin and end of calendars come in pairs, also where the file has none or
+    // lacks one. An entry that takes more than kLargestEntry bytes is cut there, with an error.
+    [[nodiscard]] Item next();
 
     // Until the next item is asked for.
     [[nodiscard]] ContentLine& property() { return line_; }
     [[nodiscard]] Component& component() { return component_; }
     // "1.0", "2.0", ... as the current calendar says; "" before it has said so.
     [[nodiscard]] const std::string& version() const { return version_; }
-    // True while an entry is read, for whoever hears of a note then.
-    [[nodiscard]] bool inEntry() const { return inEntry_; }
-    // Of the input so far.
-    [[nodiscard]] std::uint64_t bytesRead() const { return lines_.bytesRead(); }
+    // True while an entry is read, for whoever gets a note then.
+    [[nodiscard]] bool inEntry() const { return !open_.empty(); }
 
     static constexpr std::size_t kLargestEntry = std::size_t{64} << 20;
 
   private:
-    bool readLine();
+    LineReader::Result readLine();
+    bool parseLine();
     [[nodiscard]] bool passesOver(const RawLine& raw) const;
+    std::optional<Item> takeLine();
+    std::optional<Item> takeOutside();
+    std::optional<Item> takeInCalendar();
+    std::optional<Item> takeInEntry();
     Item beginCalendar(bool keepLine);
-    Item atTopLevel();
-    bool readEntry();
-    bool takeEntryLine(std::vector<Component*>& open);
-    void closeAll(std::vector<Component*>& open, const std::string& why);
+    Item endCalendar();
+    void beginEntry();
+    void beginChild(const std::string& name);
+    Item endEntry();
+    std::optional<Item> takeEnd(const std::string& name);
+    Item endFile();
+    void reportUnclosed(const std::string& why);
     void addProperty(Component& owner);
-    void outside();
+    void reportOutside();
     void report(Severity severity, std::size_t line, std::string text);
 
     LineReader lines_;
-    std::string file_;
     NoteSink sink_;
     Contents contents_;
-    RawLine raw_;
     ContentLine line_;
     Component component_;
     Arena texts_;  // of component_
+    // The components that are open, from component_ inward; empty outside entries. None gets
+    // another child while one of its children is open, so the pointers stay valid.
+    std::vector<Component*> open_;
     std::string version_;
     bool inCalendar_ = false;
     bool implicit_ = false;  // entries without a calendar around them
-    bool inEntry_ = false;
-    bool pending_ = false;  // line_ is still to be looked at
+    bool pending_ = false;   // line_ is to be looked at once more
     bool ended_ = false;
     bool anyCalendar_ = false;
     std::size_t entrySize_ = 0;

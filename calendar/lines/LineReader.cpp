@@ -11,9 +11,8 @@ namespace qel::calendar {
 
 namespace {
 
-constexpr std::size_t kChunk = 65536;
-constexpr std::size_t kFirstChunk = 4096;  // many files are no longer than this
 constexpr std::size_t kLongestHead = 8192;
+constexpr std::size_t kLongestMark = 3;
 
 void appendUtf8(std::string& text, unsigned code) {
     if (code < 0x80) {
@@ -53,10 +52,21 @@ std::size_t softBreak(std::string_view text) {
     return end > 0 && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
 }
 
-enum class LineEncoding { Plain, QuotedPrintable, Base64 };
+}  // namespace
+
+std::size_t findColon(std::string_view text) {
+    static_assert('"' < ':');
+    bool inQuotes = false;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] > ':') continue;  // letters, nearly always
+        if (text[at] == ':' && !inQuotes) return at;
+        if (text[at] == '"') inQuotes = !inQuotes;
+    }
+    return text.find(':');
+}
 
 // What the part of a line before its value says of the value's encoding. Folds may still be in it.
-LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
+LineReader::LineEncoding LineReader::encodingBefore(std::size_t colon, std::string_view text) {
     const std::size_t parameters = text.find(';');
     if (colon == std::string_view::npos || parameters >= colon) return LineEncoding::Plain;
     std::string_view head = text.substr(parameters + 1, colon - parameters - 1);
@@ -75,70 +85,61 @@ LineEncoding encodingBefore(std::size_t colon, std::string_view text) {
     return LineEncoding::Plain;
 }
 
-}  // namespace
-
-std::size_t findColon(std::string_view text) {
-    static_assert('"' < ':');
-    bool inQuotes = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] > ':') continue;  // letters, nearly always
-        if (text[at] == ':' && !inQuotes) return at;
-        if (text[at] == '"') inQuotes = !inQuotes;
+void LineReader::write(std::string_view bytes) {
+    bytesWritten_ += bytes.size();
+    if (started_) {
+        take(bytes);
+    } else if (own_.empty() && bytes.size() >= kLongestMark) {
+        start(bytes);
+    } else {
+        // A mark may come in pieces.
+        own_ += bytes;
+        if (own_.size() >= kLongestMark) start(own_);
     }
-    return text.find(':');
 }
 
-LineReader::LineReader(ByteSource source) : source_(std::move(source)) {}
+void LineReader::end() {
+    if (!started_) start(own_);
+    ended_ = true;
+}
 
-bool LineReader::fill() {
-    // Called only when the chunk is used up.
+void LineReader::take(std::string_view bytes) {
+    chunk_ = bytes;
     at_ = 0;
-    const std::size_t room = started_ ? kChunk : kFirstChunk;
-    chunk_.resize(room);
-    const std::size_t got = source_(chunk_.data(), room);
-    chunk_.resize(got);
-    bytesRead_ += got;
-    if (got == 0) return false;
-    if (!started_) {
-        // A mark of three bytes may come in pieces.
-        while (chunk_.size() < 3) {
-            char byte = 0;
-            if (source_(&byte, 1) == 0) break;
-            ++bytesRead_;
-            chunk_ += byte;
-        }
-        started_ = true;
-        detectEncoding();
-    }
-    if (encoding_ != Encoding::Bytes) decodeUtf16();
+    if (fileEncoding_ != FileEncoding::Bytes) decodeUtf16();
     lineFeed_ = find('\n');
     carriageReturn_ = find('\r');
-    return true;
 }
 
-void LineReader::detectEncoding() {
-    if (chunk_.starts_with("\xEF\xBB\xBF")) {
-        at_ = 3;
-    } else if (chunk_.starts_with("\xFF\xFE")) {
-        encoding_ = Encoding::Utf16LittleEndian;
-        chunk_.erase(0, 2);
-    } else if (chunk_.starts_with("\xFE\xFF")) {
-        encoding_ = Encoding::Utf16BigEndian;
-        chunk_.erase(0, 2);
-    } else if (chunk_.starts_with(std::string_view("B\0", 2))) {
+void LineReader::start(std::string_view bytes) {
+    started_ = true;
+    std::size_t mark = 0;
+    if (bytes.starts_with("\xEF\xBB\xBF")) {
+        mark = 3;
+    } else if (bytes.starts_with("\xFF\xFE")) {
+        fileEncoding_ = FileEncoding::Utf16LittleEndian;
+        mark = 2;
+    } else if (bytes.starts_with("\xFE\xFF")) {
+        fileEncoding_ = FileEncoding::Utf16BigEndian;
+        mark = 2;
+    } else if (bytes.starts_with(std::string_view("B\0", 2))) {
         // A calendar without a mark still begins with "BEGIN".
-        encoding_ = Encoding::Utf16LittleEndian;
-    } else if (chunk_.starts_with(std::string_view("\0B", 2))) {
-        encoding_ = Encoding::Utf16BigEndian;
+        fileEncoding_ = FileEncoding::Utf16LittleEndian;
+    } else if (bytes.starts_with(std::string_view("\0B", 2))) {
+        fileEncoding_ = FileEncoding::Utf16BigEndian;
     }
+    take(bytes.substr(mark));
 }
 
 void LineReader::decodeUtf16() {
-    const std::string bytes = std::exchange(halfUnit_, {}) + std::exchange(chunk_, {});
+    const std::string bytes = std::exchange(halfUnit_, {}).append(chunk_.substr(at_));
+    own_.clear();
+    at_ = 0;
     const auto unitAt = [&](std::size_t at) {
         const unsigned one = static_cast<unsigned char>(bytes[at]);
         const unsigned two = static_cast<unsigned char>(bytes[at + 1]);
-        return encoding_ == Encoding::Utf16LittleEndian ? one | (two << 8) : (one << 8) | two;
+        return fileEncoding_ == FileEncoding::Utf16LittleEndian ? one | (two << 8)
+                                                                : (one << 8) | two;
     };
     std::size_t at = 0;
     while (at + 2 <= bytes.size()) {
@@ -147,15 +148,16 @@ void LineReader::decodeUtf16() {
             if (at + 4 > bytes.size()) break;
             const unsigned low = unitAt(at + 2);
             if (low >= 0xDC00 && low < 0xE000) {
-                appendUtf8(chunk_, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+                appendUtf8(own_, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
                 at += 4;
                 continue;
             }
         }
-        appendUtf8(chunk_, unit >= 0xD800 && unit < 0xE000 ? 0xFFFD : unit);
+        appendUtf8(own_, unit >= 0xD800 && unit < 0xE000 ? 0xFFFD : unit);
         at += 2;
     }
     halfUnit_ = bytes.substr(at);
+    chunk_ = own_;
 }
 
 std::size_t LineReader::find(char c) const {
@@ -171,112 +173,139 @@ std::size_t LineReader::lineEnd() {
     return std::min(lineFeed_, carriageReturn_);
 }
 
-bool LineReader::nextPhysical() {
-    pieces_.clear();
-    ahead_ = {};
-    aheadCut_ = false;
-    hasAhead_ = false;
+// Takes a character off that belongs to the last line end; false when there is none.
+bool LineReader::skipsRestOfLineEnd() {
+    afterCarriageReturn_ = chunk_[at_] == '\r';
+    if (chunk_[at_] != '\n' && chunk_[at_] != '\r') return false;
+    ++at_;
+    return true;
+}
+
+// Adds to the physical line what the chunk has of it. True when that is its end.
+bool LineReader::takePiece() {
+    const std::size_t end = lineEnd();
+    const std::string_view piece = chunk_.substr(at_, end - at_);
+    at_ = end;
+    const bool whole = end < chunk_.size();
+    if (whole && pieces_.empty()) {
+        ahead_ = piece;
+    } else {
+        const std::size_t room = kLongestLine - pieces_.size();
+        aheadCut_ = aheadCut_ || piece.size() > room;
+        pieces_ += piece.substr(0, room);
+        ahead_ = pieces_;
+    }
+    if (!whole) return false;
+    afterCarriageReturn_ = chunk_[end] == '\r';
+    ++at_;
+    return true;
+}
+
+LineReader::Result LineReader::nextPhysical() {
+    if (!inPhysical_) {
+        pieces_.clear();
+        ahead_ = {};
+        aheadCut_ = false;
+        hasAhead_ = false;
+        anyPhysical_ = false;
+        inPhysical_ = true;
+    }
     for (;;) {
         if (at_ == chunk_.size()) {
-            if (fill()) continue;
+            if (!ended_) return Result::NeedMore;
             break;
         }
-        if (afterCarriageReturn_) {
-            afterCarriageReturn_ = false;
-            if (chunk_[at_] == '\n' || chunk_[at_] == '\r') {
-                afterCarriageReturn_ = chunk_[at_] == '\r';
-                ++at_;
-                continue;
-            }
-        }
-        hasAhead_ = true;
-        const std::size_t end = lineEnd();
-        const std::string_view piece = std::string_view(chunk_).substr(at_, end - at_);
-        at_ = end;
-        const bool whole = end < chunk_.size();
-        if (whole && pieces_.empty()) {
-            ahead_ = piece;
-        } else {
-            const std::size_t room = kLongestLine - pieces_.size();
-            aheadCut_ = aheadCut_ || piece.size() > room;
-            pieces_ += piece.substr(0, room);
-            ahead_ = pieces_;
-        }
-        if (!whole) continue;
-        afterCarriageReturn_ = chunk_[end] == '\r';
-        ++at_;
-        break;
+        if (afterCarriageReturn_ && skipsRestOfLineEnd()) continue;
+        anyPhysical_ = true;
+        if (takePiece()) break;
     }
-    if (hasAhead_) ++aheadNumber_;
-    return hasAhead_;
+    inPhysical_ = false;
+    hasAhead_ = anyPhysical_;
+    if (!hasAhead_) return Result::End;
+    ++aheadNumber_;
+    return Result::Line;
 }
 
-void LineReader::append(RawLine& line, bool folded) {
-    // A fold costs memory too, however little stands between two of them.
+void LineReader::append(bool folded) {
+    // A fold costs memory too, however little there is between two of them.
     constexpr std::size_t kFoldCost = 4 * sizeof(std::size_t);
-    const std::size_t used = line.text.size() + line.folds.size() * kFoldCost;
+    const std::size_t used = line_.text.size() + line_.folds.size() * kFoldCost;
     const std::size_t room = kLongestLine - std::min(used, kLongestLine);
-    line.cut = line.cut || aheadCut_ || ahead_.size() > room;
-    if (folded && room > 0) line.folds.push_back(line.text.size());
-    line.text += ahead_.substr(0, room);
+    line_.cut = line_.cut || aheadCut_ || ahead_.size() > room;
+    if (folded && room > 0) line_.folds.push_back(line_.text.size());
+    line_.text += ahead_.substr(0, room);
 }
 
-bool LineReader::next(RawLine& line) {
-    line.text.clear();
-    line.folds.clear();
-    line.narrowest = 0;
-    line.widest = 0;
-    line.cut = false;
-    line.openEnd = false;
-    if (!hasAhead_ && !nextPhysical()) return false;
-    while (trimmed(ahead_).empty())
-        if (!nextPhysical()) return false;
-    line.number = aheadNumber_;
-    line.text = ahead_;
-    line.cut = aheadCut_;
-    std::size_t width = line.text.size();
-    line.colon = findColon(line.text);
-    LineEncoding encoding = encodingBefore(line.colon, line.text);
-    bool joined = false;
-    while (nextPhysical()) {
-        const std::size_t soft =
-            encoding == LineEncoding::QuotedPrintable ? softBreak(line.text) : std::string::npos;
-        const bool folded = !ahead_.empty() && (ahead_.front() == ' ' || ahead_.front() == '\t');
-        if (soft != std::string::npos) {
-            line.text.erase(soft);
-            if (isComponentMark(ahead_)) {
-                line.openEnd = true;
-                break;
-            }
-            append(line, false);
-        } else if (encoding == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
-            ahead_ = trimmed(ahead_);
-            append(line, false);
-        } else if (folded) {
-            line.narrowest = line.folds.empty() ? width : std::min(line.narrowest, width);
-            line.widest = std::max(line.widest, width);
-            append(line, true);
-        } else {
-            break;
+LineReader::Result LineReader::next() {
+    if (!inLine_) {
+        while (!hasAhead_ || trimmed(ahead_).empty()) {
+            const Result result = nextPhysical();
+            if (result != Result::Line) return result;
         }
-        width = ahead_.size();
-        joined = true;
-        // A property's name and parameters are not that long; looking on would take time.
-        if (line.colon == std::string::npos && line.text.size() < kLongestHead) {
-            line.colon = findColon(line.text);
-            encoding = encodingBefore(line.colon, line.text);
-        }
+        beginLine();
     }
-    // Quotes that do not close before the end of the first line may close behind it.
-    if (joined) line.colon = findColon(line.text);
-    if (!hasAhead_ && encoding == LineEncoding::QuotedPrintable) {
-        const std::size_t soft = softBreak(line.text);
-        if (soft != std::string::npos) {
-            line.text.erase(soft);
-            line.openEnd = true;
-        }
+    for (;;) {
+        const Result result = nextPhysical();
+        if (result == Result::NeedMore) return result;
+        if (result == Result::End || !join()) break;
+    }
+    finishLine();
+    return Result::Line;
+}
+
+void LineReader::beginLine() {
+    line_.folds.clear();
+    line_.narrowest = 0;
+    line_.widest = 0;
+    line_.openEnd = false;
+    line_.number = aheadNumber_;
+    line_.text = ahead_;
+    line_.cut = aheadCut_;
+    line_.colon = findColon(line_.text);
+    width_ = line_.text.size();
+    encoding_ = encodingBefore(line_.colon, line_.text);
+    inLine_ = true;
+    joined_ = false;
+}
+
+// Adds the physical line to the joined one; false when another one begins with it.
+bool LineReader::join() {
+    const std::size_t soft =
+        encoding_ == LineEncoding::QuotedPrintable ? softBreak(line_.text) : std::string::npos;
+    if (soft != std::string::npos) {
+        line_.text.erase(soft);
+        line_.openEnd = isComponentMark(ahead_);
+        if (line_.openEnd) return false;
+        append(false);
+    } else if (encoding_ == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
+        ahead_ = trimmed(ahead_);
+        append(false);
+    } else if (!ahead_.empty() && (ahead_.front() == ' ' || ahead_.front() == '\t')) {
+        line_.narrowest = line_.folds.empty() ? width_ : std::min(line_.narrowest, width_);
+        line_.widest = std::max(line_.widest, width_);
+        append(true);
+    } else {
+        return false;
+    }
+    width_ = ahead_.size();
+    joined_ = true;
+    // A property's name and parameters are not that long; looking on would take time.
+    if (line_.colon == std::string::npos && line_.text.size() < kLongestHead) {
+        line_.colon = findColon(line_.text);
+        encoding_ = encodingBefore(line_.colon, line_.text);
     }
     return true;
+}
+
+void LineReader::finishLine() {
+    inLine_ = false;
+    // Quotes that do not close before the end of the first line may close after it.
+    if (joined_) line_.colon = findColon(line_.text);
+    if (hasAhead_ || encoding_ != LineEncoding::QuotedPrintable) return;
+    const std::size_t soft = softBreak(line_.text);
+    if (soft == std::string::npos) return;
+    line_.text.erase(soft);
+    line_.openEnd = true;
 }
 
 }  // namespace qel::calendar

@@ -1,22 +1,18 @@
-// The lines of a calendar file as a stream, joined where they are folded. Memory is bounded by the
-// longest line, and that by kLongestLine. One thread.
+// The lines of a calendar file, joined where they are folded. Bytes come in pieces of any size, and
+// how they are divided changes nothing. Memory is bounded by kLongestLine. One thread.
 #ifndef QEL_CALENDAR_LINES_LINEREADER_H
 #define QEL_CALENDAR_LINES_LINEREADER_H
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qel::calendar {
 
-// Gives the next at most `room` bytes, 0 at the end.
-using ByteSource = std::function<std::size_t(char* bytes, std::size_t room)>;
-
-// The bytes of one physical line that are kept, and of one joined line. What is beyond is passed
-// over, and the line says that it was cut.
+// The most bytes of a line, before and after it is joined. The rest of a longer one is skipped, and
+// the line is marked as cut.
 inline constexpr std::size_t kLongestLine = std::size_t{32} << 20;
 
 // One joined line. Folds are not undone yet, because the two formats undo them differently.
@@ -24,57 +20,82 @@ struct RawLine {
     std::size_t number = 0;          // of its first physical line, from 1
     std::string text;                // each fold's first blank is still there
     std::vector<std::size_t> folds;  // where in text those blanks are
-    std::size_t colon = 0;           // where the value's is, npos without one
+    std::size_t colon = 0;           // the one before the value; npos without one
     std::size_t narrowest = 0;       // octets of the shortest physical line before a fold
     std::size_t widest = 0;          // and of the longest
     bool cut = false;                // longer than kLongestLine; the rest is gone
-    bool openEnd = false;            // a soft line break of quoted-printable with nothing behind it
+    bool openEnd = false;            // a soft line break of quoted-printable with nothing after it
 };
 
 class LineReader {
   public:
-    explicit LineReader(ByteSource source);
+    enum class Result { Line, NeedMore, End };
 
-    // The next line that is not empty. False at the end. Line ends are LF, CR LF, CR, and CR CR LF;
-    // a UTF-8 byte-order mark is passed over, UTF-16 with one, or that begins with "B", is read as
-    // UTF-8. A quoted-printable value goes on behind a "=" at a line's end, a Base64 value over all
-    // lines of its alphabet.
-    bool next(RawLine& line);
+    // The next bytes of the file. They are not copied: they must stay until next() asks for more.
+    // REQUIRES: next() has asked for more, or nothing has been written yet.
+    void write(std::string_view bytes);
+    // The file ends after what was written.
+    void end();
 
-    // Bytes taken from the source so far.
-    [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
+    // Reads the next line that is not blank into line(). Line ends are LF, CR LF, CR and CR CR LF.
+    // A UTF-8 byte-order mark is skipped; UTF-16 with a mark, or that begins with "B", is read as
+    // UTF-8. A quoted-printable value continues after a "=" at a line's end, a Base64 value over
+    // all lines of its alphabet.
+    [[nodiscard]] Result next();
+
+    // Until next() is called again; the caller may change it.
+    [[nodiscard]] RawLine& line() { return line_; }
+    [[nodiscard]] const RawLine& line() const { return line_; }
+
+    [[nodiscard]] std::uint64_t bytesWritten() const { return bytesWritten_; }
 
   private:
-    enum class Encoding { Bytes, Utf16LittleEndian, Utf16BigEndian };
+    enum class FileEncoding { Bytes, Utf16LittleEndian, Utf16BigEndian };
+    enum class LineEncoding { Plain, QuotedPrintable, Base64 };
 
-    bool fill();
-    void detectEncoding();
+    void take(std::string_view bytes);
+    void start(std::string_view bytes);
     void decodeUtf16();
     [[nodiscard]] std::size_t find(char c) const;
     [[nodiscard]] std::size_t lineEnd();
-    bool nextPhysical();
-    void append(RawLine& line, bool folded);
+    [[nodiscard]] bool skipsRestOfLineEnd();
+    [[nodiscard]] bool takePiece();
+    [[nodiscard]] Result nextPhysical();
+    [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
+    void beginLine();
+    [[nodiscard]] bool join();
+    void append(bool folded);
+    void finishLine();
 
-    ByteSource source_;
-    std::string chunk_;
-    std::size_t at_ = 0;
+    std::string_view chunk_;  // in the caller's bytes or in own_
+    std::string own_;         // the first bytes of a file, or what UTF-16 was read as
+    std::size_t at_ = 0;      // in chunk_
     // The next one of each from at_ on, or the chunk's end: looked for once, however many lines end
     // in the other one before it comes.
     std::size_t lineFeed_ = 0;
     std::size_t carriageReturn_ = 0;
-    std::uint64_t bytesRead_ = 0;
-    Encoding encoding_ = Encoding::Bytes;
-    bool started_ = false;
+    std::uint64_t bytesWritten_ = 0;
+    FileEncoding fileEncoding_ = FileEncoding::Bytes;
+    bool started_ = false;  // the encoding is known
+    bool ended_ = false;
     bool afterCarriageReturn_ = false;
     std::string halfUnit_;  // bytes of UTF-16 that wait for the rest of their character
 
-    // One physical line is always looked at ahead: in the chunk, or in pieces_ when it stands in
+    // One physical line is always looked at ahead: in the chunk, or in pieces_ when it came in
     // several of them.
     std::string_view ahead_;
     std::string pieces_;
     std::size_t aheadNumber_ = 0;
     bool aheadCut_ = false;
     bool hasAhead_ = false;
+    bool inPhysical_ = false;   // its end has not come yet
+    bool anyPhysical_ = false;  // its beginning has
+
+    RawLine line_;
+    LineEncoding encoding_ = LineEncoding::Plain;
+    std::size_t width_ = 0;  // of the last physical line in it
+    bool inLine_ = false;    // more may be joined to it
+    bool joined_ = false;
 };
 
 // Where the value's colon is: the first one outside quotes, or the first one where the quotes do

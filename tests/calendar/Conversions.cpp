@@ -43,13 +43,36 @@ Conversion convertText(const std::string& text, std::optional<CalendarFormat> to
                        std::size_t piece) {
     Conversion result;
     std::ostringstream out;
-    Converter converter(out, to, [&](const Note& message) { result.messages.push_back(message); });
-    converter.collectZones(sourceOf(text, piece));
-    converter.convert(sourceOf(text, piece), "test");
+    Converter converter(
+        out, to, [&](const Note& message) { result.messages.push_back(message); });
+    const auto inPieces = [&](auto&& write) {
+        for (std::size_t at = 0; at < text.size(); at += piece)
+            write(std::string_view(text).substr(at, piece));
+    };
+    converter.beginScan();
+    inPieces([&](std::string_view bytes) { converter.scan(bytes); });
+    converter.endScan();
+    converter.beginFile("test");
+    inPieces([&](std::string_view bytes) { converter.write(bytes); });
+    converter.endFile();
     converter.finish();
     result.out = out.str();
     result.counts = converter.counts();
     return result;
+}
+
+std::string differenceInPieces(const std::string& text) {
+    for (const CalendarFormat to : {CalendarFormat::ICalendar, CalendarFormat::VCalendar10}) {
+        const Conversion whole = convertText(text, to, text.size());
+        for (const std::size_t piece : {1u, 2u, 7u, 4096u}) {
+            const Conversion parts = convertText(text, to, piece);
+            bool same = parts.out == whole.out;
+            for (const Severity each : {Severity::Note, Severity::Warning, Severity::Error})
+                same = same && parts.texts(each) == whole.texts(each);
+            if (!same) return "pieces of " + std::to_string(piece) + " bytes";
+        }
+    }
+    return {};
 }
 
 Conversion toICalendar(const std::string& text) {

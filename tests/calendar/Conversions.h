@@ -28,6 +28,8 @@ struct Conversion {
 [[nodiscard]] Conversion convertText(const std::string& text,
                                      std::optional<calendar::CalendarFormat> to,
                                      std::size_t piece = 4096);
+// "" when the file gives the same result and the same notes in pieces of any size.
+[[nodiscard]] std::string differenceInPieces(const std::string& text);
 [[nodiscard]] Conversion toICalendar(const std::string& text);
 [[nodiscard]] Conversion toVCalendar(const std::string& text);
 

@@ -22,11 +22,18 @@ std::string calendar(const std::string& inside) {
 }
 
 std::vector<std::string> linesOf(const std::string& text, std::size_t piece) {
-    LineReader reader(sourceOf(text, piece));
+    LineReader reader;
     std::vector<std::string> lines;
-    for (RawLine line; reader.next(line);)
-        lines.push_back(std::to_string(line.number) + " " + line.text);
-    return lines;
+    for (std::size_t at = 0;; at += piece) {
+        if (at < text.size())
+            reader.write(std::string_view(text).substr(at, piece));
+        else
+            reader.end();
+        LineReader::Result result = reader.next();
+        for (; result == LineReader::Result::Line; result = reader.next())
+            lines.push_back(std::to_string(reader.line().number) + " " + reader.line().text);
+        if (result == LineReader::Result::End) return lines;
+    }
 }
 
 TEST(HostileInput, LineEndsMarksAndFolds) {
@@ -65,6 +72,7 @@ TEST(HostileInput, WrongNestingIsMendedAndTold) {
         EXPECT_EQ(static_cast<int>(result.counts.entries), number(row, "entries"));
         EXPECT_TRUE(result.tells(row["message"]));
         EXPECT_EQ(faultOf(result.out), "");
+        EXPECT_EQ(differenceInPieces(row["text"]), "");
     }
 }
 
