@@ -148,6 +148,7 @@ class Converter::File {
 
     void takeProperty() {
         ContentLine& line = reader_.property();
+        decodeParameters(line);
         if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
             if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
                 tell(Severity::Error, line.number,
@@ -232,7 +233,8 @@ class Converter::File {
     }
 
     void convertComponent() {
-        const Component& component = reader_.component();
+        Component& component = reader_.component();
+        decodeParameters(component);
         if (component.name == "VTIMEZONE") {
             owner_.zones_->add(Zone::fromVTimezone(component, noteSink()));
             return;
@@ -340,8 +342,9 @@ class Converter::Scan {
         for (;;) {
             const Item item = reader_.next();
             if (item == Item::NeedMore || item == Item::End) return;
-            if (item == Item::Entry && reader_.component().name == "VTIMEZONE")
-                zones_.add(Zone::fromVTimezone(reader_.component(), silent_));
+            if (item != Item::Entry || reader_.component().name != "VTIMEZONE") continue;
+            decodeParameters(reader_.component());
+            zones_.add(Zone::fromVTimezone(reader_.component(), silent_));
         }
     }
 

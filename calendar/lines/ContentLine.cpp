@@ -4,7 +4,6 @@
 #include <array>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {
 
@@ -110,12 +109,10 @@ std::string_view nextParameter(std::string_view& head) {
     return parameter;
 }
 
-// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^. CHARSET speaks of the property's value
-// alone.
+// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^.
 std::string parameterValue(std::string_view text) {
     const auto isSpecial = [](char c) { return c == '"' || c == '^'; };
-    if (isPrintableAscii(text) && std::none_of(text.begin(), text.end(), isSpecial))
-        return std::string(text);
+    if (std::none_of(text.begin(), text.end(), isSpecial)) return std::string(text);
     std::string value;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') continue;
@@ -129,7 +126,7 @@ std::string parameterValue(std::string_view text) {
         }
         value += text[at];
     }
-    return utf8OrWindows1252(std::move(value));
+    return value;
 }
 
 }  // namespace

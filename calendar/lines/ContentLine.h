@@ -1,6 +1,6 @@
 // A property as a calendar file writes it: NAME;PARAMETER=VALUE:VALUE, unfolded and taken apart,
-// the value still in the file's own encoding. Its name and value stand in the text that it was read
-// from, or in the arena that they were moved to, and last as long as that. Plain data; any thread.
+// its values still in the file's own character set and encoding. Name and value are views of the
+// text that it was read from, or of the arena that they were moved to. Plain data; any thread.
 #ifndef QEL_CALENDAR_LINES_CONTENTLINE_H
 #define QEL_CALENDAR_LINES_CONTENTLINE_H
 
@@ -34,7 +34,7 @@ struct ContentLine {
     [[nodiscard]] std::string_view parameter(std::string_view parameterName) const;
     [[nodiscard]] bool hasParameter(std::string_view parameterName) const;
 
-    // Lets the line last as long as `texts`.
+    // Copies name and value to `texts`; the line is valid as long as that then.
     void moveTo(Arena& texts);
 };
 
@@ -43,8 +43,8 @@ struct ContentLine {
 // and their lines give themselves away: all of one width, or a value without any other blank.
 enum class FoldStyle { ICalendar, VCalendar10 };
 
-// False when the line is no property: there is no colon, or the name is none. The line stands in
-// the text of `raw`, which is unfolded for it, its name in capitals.
+// False when `raw` is not a property: it has no colon or no valid name. `line` refers to the text
+// of `raw`, which is unfolded in place, its name in capitals.
 [[nodiscard]] bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line);
 
 }  // namespace qel::calendar

@@ -177,6 +177,16 @@ std::string utf8OrWindows1252(std::string text) {
     return isUtf8(text) ? std::move(text) : byLibrary(text, "8859-1");
 }
 
+void decodeParameters(ContentLine& line) {
+    for (Parameter& each : line.parameters)
+        if (!isAscii(each.value)) each.value = utf8OrWindows1252(std::move(each.value));
+}
+
+void decodeParameters(Component& component) {
+    for (ContentLine& each : component.properties) decodeParameters(each);
+    for (Component& each : component.children) decodeParameters(each);
+}
+
 bool isBase64(const ContentLine& line) {
     return std::any_of(
         line.parameters.begin(), line.parameters.end(),

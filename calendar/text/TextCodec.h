@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/lines/CalendarReader.h"
 #include "calendar/lines/ContentLine.h"
 #include "calendar/rules/RuleText.h"
 
@@ -29,6 +30,11 @@ namespace qel::calendar {
 
 // A text that names no character set: as it stands when it is UTF-8, else read as windows-1252.
 [[nodiscard]] std::string utf8OrWindows1252(std::string text);
+
+// Does the same to the parameters of a line as it was read, or of all lines of a component. CHARSET
+// is about the property's value alone.
+void decodeParameters(ContentLine& line);
+void decodeParameters(Component& component);
 
 // True for the ENCODING values of Base64, as a parameter or by itself.
 [[nodiscard]] bool isBase64(const ContentLine& line);
