@@ -19,6 +19,8 @@ namespace {
 // Memory for zones, far more than all zones of the world take; beyond it a zone counts as not
 // described.
 constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
+// Bytes of a name or a value that a note mentions.
+constexpr std::size_t kLongestName = 200;
 // Properties of a calendar itself that are kept.
 constexpr std::size_t kMostHeader = 200;
 // Bytes of an entry's source that an observer is given.
@@ -92,25 +94,32 @@ class Converter::File {
     // Hands a note on, and keeps it until the entry that it may be about is written.
     void report(Note note) {
         note.file = name_;
-        if (observer_ != nullptr) {
-            // Lines outside entries may have any number of them.
-            if (notes_.size() == ConvertedEntry::kMostNotes && !inEntry_ && !reader_.inEntry())
-                notes_.clear();
-            if (notes_.size() < ConvertedEntry::kMostNotes)
-                notes_.push_back(note);
-            else
-                ++moreNotes_;
-        }
+        if (observer_ != nullptr) keep(note);
         owner_.sink_(std::move(note));
     }
 
   private:
-    void tell(Severity severity, std::size_t line, std::string text) {
-        report(Note(severity, std::move(text), line));
-    }
-
     [[nodiscard]] NoteSink noteSink() {
         return [this](Note note) { report(std::move(note)); };
+    }
+
+    void keep(const Note& note) {
+        if (notes_.size() == ConvertedEntry::kMostNotes) {
+            // What is outside entries may have given any number of notes.
+            if (!inEntry_ && !reader_.inEntry())
+                notes_.clear();
+            else if (notes_.front().line < reader_.component().number)
+                dropNotesBefore(reader_.component().number);
+        }
+        if (notes_.size() < ConvertedEntry::kMostNotes)
+            notes_.push_back(note);
+        else
+            ++moreNotes_;
+    }
+
+    void dropNotesBefore(std::size_t line) {
+        std::erase_if(
+            notes_, [line](const Note& note) { return note.line < line; });
     }
 
     void takeItems() {
@@ -151,18 +160,14 @@ class Converter::File {
         decodeParameters(line);
         if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
             if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
-                tell(Severity::Error, line.number,
-                     "the calendar " + quoted(line.value) +
-                         " is not known; its dates are read as "
-                         "Gregorian");
+                report(Note(NoteCode::CalendarScaleUnknown, line.number,
+                            {line.value.substr(0, kLongestName)}));
             return;
         }
         const bool isTz = line.id == PropertyName::Tz;
         const bool isDaylight = line.id == PropertyName::Daylight;
         if (settled_ && (isTz || isDaylight))
-            tell(
-                Severity::Warning, line.number,
-                std::string(line.name) + " stands behind entries; it counts for those that follow");
+            report(Note(NoteCode::ZoneLineLate, line.number, {line.name}));
         if (isTz) {
             line.moveTo(texts_);
             tz_ = std::move(line);
@@ -185,8 +190,8 @@ class Converter::File {
         const bool stray = std::find(std::begin(kEntryNames), std::end(kEntryNames), line.name) !=
                            std::end(kEntryNames);
         if (stray || header_.size() >= kMostHeader) {
-            tell(Severity::Warning, line.number,
-                 std::string(line.name) + " does not belong to a calendar itself; it is left out");
+            report(Note(NoteCode::NotCalendarProperty, line.number,
+                        {line.name.substr(0, kLongestName)}));
             return;
         }
         std::vector<Note> notes;
@@ -208,7 +213,10 @@ class Converter::File {
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
         header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
-        for (const Note& note : notes) tell(note.severity(), line.number, note.text());
+        for (Note& note : notes) {
+            note.line = line.number;
+            report(std::move(note));
+        }
     }
 
     [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }
@@ -252,7 +260,7 @@ class Converter::File {
             return;
         }
         // Notes about lines before the entry are about the calendar, or about what was left out.
-        std::erase_if(notes_, [&](const Note& note) { return note.line < entry->line; });
+        dropNotesBefore(entry->line);
         // The writer changes the entry.
         std::optional<Entry> asRead;
         if (wantsLines_) asRead = *entry;
@@ -289,13 +297,12 @@ class Converter::File {
     void endCalendar() {
         if (!settled_) {
             settle();
-            tell(Severity::Warning, 0, "a calendar without entries");
+            report(Note(NoteCode::CalendarEmpty));
         }
         if (!tz_ && !daylight_.empty()) {
             for (const ContentLine& line : daylight_)
                 if (startsWithIgnoreCase(trimmed(line.value), "TRUE")) {
-                    tell(Severity::Warning, line.number,
-                         "DAYLIGHT without TZ says nothing; local times stay local");
+                    report(Note(NoteCode::DaylightWithoutZone, line.number));
                     break;
                 }
         }

@@ -31,17 +31,17 @@ struct ConvertCounts {
 // Converts any number of files into one. The same input gives the same output, always.
 class Converter {
   public:
-    // `to` missing: the other format than that of the first file, iCalendar where it does not tell.
-    // `out` is kept; the caller sees to its failures.
+    // Without `to` the result is in the format that the first file is not in; iCalendar when that
+    // file names none. `out` must outlive the converter; the caller checks it for failures.
     Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink);
-    // Hands the entries to `writer`, whatever it makes of them.
+    // Passes the entries to `writer` instead of writing them.
     Converter(std::unique_ptr<EntryWriter> writer, NoteSink sink);
     ~Converter();
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
 
-    // One file, called `name` in messages: its bytes in any number of pieces, then its end. An
-    // entry is converted as soon as its last line is there. REQUIRES: files do not overlap.
+    // One file, called `name` in messages: its bytes in pieces of any size, then its end. An entry
+    // is converted when the line after its END has been read. REQUIRES: one file at a time.
     void beginFile(const std::string& name);
     void write(std::string_view bytes);
     void endFile();
@@ -62,11 +62,11 @@ class Converter {
     // the converter or the next call of this.
     void observe(ConversionObserver* observer) { observer_ = observer; }
 
-    // Closes the output.
+    // Ends the result, after the last file.
     void finish();
 
     [[nodiscard]] const ConvertCounts& counts() const { return counts_; }
-    // What the output is; nothing before the first file has told.
+    // What the result is written as; nothing before the first file is known.
     [[nodiscard]] std::optional<CalendarFormat> target() const { return to_; }
 
   private:

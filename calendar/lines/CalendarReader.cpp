@@ -26,6 +26,12 @@ std::string componentName(const ContentLine& line) {
     return upper(trimmed(line.value));
 }
 
+// What a note mentions of a text: notes are kept, and lines may be very long.
+std::string_view head(std::string_view text) {
+    constexpr std::size_t kLongest = 200;
+    return text.substr(0, kLongest);
+}
+
 std::size_t costOf(const ContentLine& line) {
     std::size_t cost = sizeof(ContentLine) + line.name.size() + line.value.size();
     for (const Parameter& each : line.parameters)
@@ -43,8 +49,9 @@ bool CalendarReader::passesOver(const RawLine& raw) const {
     return first != 'B' && first != 'E';
 }
 
-void CalendarReader::report(Severity severity, std::size_t line, std::string text) {
-    sink_(Note(severity, std::move(text), line));
+void CalendarReader::report(NoteCode code, std::size_t line,
+                            std::initializer_list<std::string_view> values) {
+    sink_(Note(code, line, values));
 }
 
 // The next property into line_. Lines that are not one are reported and skipped.
@@ -64,29 +71,23 @@ bool CalendarReader::parseLine() {
         inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
     if (!parseContentLine(raw, style, line_)) {
         if (inCalendar_)
-            report(Severity::Error, raw.number,
-                   quoted(raw.text) + " is no property; it is left out");
+            report(NoteCode::LineNotProperty, raw.number, {head(raw.text)});
         else if (outsideLines_++ == 0)
             firstOutside_ = raw.number;
         return false;
     }
     if (line_.cut)
-        report(Severity::Error, raw.number,
-               std::string(line_.name) + " is longer than " + std::to_string(kLongestLine >> 20) +
-                   " megabytes; the rest of it is left out");
-    if (line_.openEnd)
-        report(Severity::Error, raw.number,
-               "the quoted-printable text of " + std::string(line_.name) + " breaks off");
+        report(NoteCode::LineTooLong, raw.number,
+               {head(line_.name), std::to_string(kLongestLine >> 20)});
+    if (line_.openEnd) report(NoteCode::QuotedPrintableBreaksOff, raw.number, {head(line_.name)});
     return true;
 }
 
 // Once for all lines outside calendars since the last one.
 void CalendarReader::reportOutside() {
     if (outsideLines_ == 0) return;
-    report(anyCalendar_ ? Severity::Warning : Severity::Error, firstOutside_,
-           outsideLines_ == 1 ? std::string("a line outside any calendar is left out")
-                              : std::to_string(outsideLines_) +
-                                    " lines outside any calendar are left out, from here on");
+    report(anyCalendar_ ? NoteCode::TextAfterCalendar : NoteCode::TextBeforeCalendar, firstOutside_,
+           {std::to_string(outsideLines_)});
     outsideLines_ = 0;
 }
 
@@ -109,18 +110,16 @@ std::optional<CalendarReader::Item> CalendarReader::takeLine() {
 // What the end of the file ends, from inside out, an item a call.
 CalendarReader::Item CalendarReader::endFile() {
     if (inEntry()) {
-        reportUnclosed("the file ends");
+        reportUnclosed(NoteCode::ComponentNotClosedInFile);
         return endEntry();
     }
     ended_ = true;
     if (inCalendar_) {
-        if (!implicit_) report(Severity::Error, 0, "the file ends within a calendar");
+        if (!implicit_) report(NoteCode::CalendarNotClosed, 0);
         return endCalendar();
     }
     reportOutside();
-    if (!anyCalendar_)
-        report(Severity::Error, 0,
-               "there is no calendar in this file; one begins with BEGIN:VCALENDAR");
+    if (!anyCalendar_) report(NoteCode::NoCalendar, 0);
     return Item::End;
 }
 
@@ -129,8 +128,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeOutside() {
         const std::string name = componentName(line_);
         if (name == "VCALENDAR") return beginCalendar(false);
         if (isTopEntry(name)) {
-            if (name != "VNOTE")
-                report(Severity::Warning, line_.number, name + " stands outside any calendar");
+            if (name != "VNOTE") report(NoteCode::EntryOutsideCalendar, line_.number, {name});
             return beginCalendar(true);
         }
     }
@@ -157,7 +155,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
     if (line_.id == PropertyName::End) {
         const std::string name = componentName(line_);
         if (name == "VCALENDAR" || name.empty()) return endCalendar();
-        report(Severity::Error, line_.number, "END:" + name + " closes nothing");
+        report(NoteCode::EndWithoutBegin, line_.number, {head(name)});
         return std::nullopt;
     }
     if (line_.id == PropertyName::Begin) {
@@ -165,9 +163,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
             beginEntry();
             return std::nullopt;
         }
-        if (!implicit_)
-            report(Severity::Error, line_.number,
-                   "a calendar begins before the last one has ended");
+        if (!implicit_) report(NoteCode::CalendarInCalendar, line_.number);
         pending_ = true;
         return endCalendar();
     }
@@ -202,7 +198,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeInEntry() {
     const std::string name = componentName(line_);
     if (line_.id == PropertyName::End) return takeEnd(name);
     if (name == "VCALENDAR" || isTopEntry(name)) {
-        reportUnclosed(name + " begins");
+        reportUnclosed(NoteCode::ComponentNotClosedBeforeNext, name);
         pending_ = true;
         return endEntry();
     }
@@ -212,8 +208,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeInEntry() {
 
 void CalendarReader::beginChild(const std::string& name) {
     if (open_.size() >= kDeepest || skippedDepth_ > 0 || entryFull_) {
-        if (skippedDepth_++ == 0)
-            report(Severity::Error, line_.number, name + " is left out: it lies too deep");
+        if (skippedDepth_++ == 0) report(NoteCode::ComponentTooDeep, line_.number, {head(name)});
         return;
     }
     entrySize_ += sizeof(Component);
@@ -234,22 +229,22 @@ std::optional<CalendarReader::Item> CalendarReader::takeEnd(const std::string& n
                                     [&](const Component* each) { return each->name == name; });
     if (match != open_.rend()) {
         if (match != open_.rbegin())
-            report(Severity::Error, open_.back()->number, open_.back()->name + " is not closed");
+            report(NoteCode::ComponentNotClosed, open_.back()->number, {head(open_.back()->name)});
         open_.erase(match.base() - 1, open_.end());
         if (open_.empty()) return Item::Entry;
         return std::nullopt;
     }
     if (name == "VCALENDAR") {
-        reportUnclosed("the calendar ends");
+        reportUnclosed(NoteCode::ComponentNotClosedInCalendar);
         pending_ = true;
         return endEntry();
     }
-    report(Severity::Error, line_.number, "END:" + name + " closes nothing");
+    report(NoteCode::EndWithoutBegin, line_.number, {head(name)});
     return std::nullopt;
 }
 
-void CalendarReader::reportUnclosed(const std::string& why) {
-    report(Severity::Error, open_.back()->number, open_.back()->name + " is not closed: " + why);
+void CalendarReader::reportUnclosed(NoteCode code, std::string_view next) {
+    report(code, open_.back()->number, {head(open_.back()->name), head(next)});
 }
 
 void CalendarReader::addProperty(Component& owner) {
@@ -258,9 +253,7 @@ void CalendarReader::addProperty(Component& owner) {
         line_.moveTo(texts_);
         owner.properties.push_back(std::move(line_));
     } else if (!std::exchange(entryFull_, true)) {
-        report(Severity::Error, line_.number,
-               "the entry is larger than " + std::to_string(kLargestEntry >> 20) +
-                   " megabytes; the rest of it is left out");
+        report(NoteCode::EntryTooLarge, line_.number, {std::to_string(kLargestEntry >> 20)});
     }
 }
 

@@ -6,7 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -78,10 +78,11 @@ class CalendarReader {
     Item endEntry();
     std::optional<Item> takeEnd(const std::string& name);
     Item endFile();
-    void reportUnclosed(const std::string& why);
+    void reportUnclosed(NoteCode code, std::string_view next = {});
     void addProperty(Component& owner);
     void reportOutside();
-    void report(Severity severity, std::size_t line, std::string text);
+    void report(NoteCode code, std::size_t line,
+                std::initializer_list<std::string_view> values = {});
 
     LineReader lines_;
     NoteSink sink_;
