@@ -113,30 +113,6 @@ class VCalWriter final : public EntryWriter {
     int lastYear_ = 0;
 };
 
-// Adds a content line of iCalendar to `out`, folded and ended. `Escaped`: the value is a text that
-// is escaped for it.
-enum class Value { AsItIs, Escaped };
-void addICalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value,
-                      Value how = Value::AsItIs);
-// What was added so, with the folds undone and each line ended by "\n".
-[[nodiscard]] std::string unfolded(std::string_view lines);
-// The line by itself, neither folded nor ended.
-[[nodiscard]] std::string iCalendarLine(std::string_view name,
-                                        const std::vector<Parameter>& parameters,
-                                        std::string_view value);
-// Adds the line, or the lines with their soft breaks, of a vCalendar 1.0 property with a text
-// value; the last one is not ended.
-void addVCalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value);
-[[nodiscard]] std::string vCalendarLine(std::string_view name,
-                                        const std::vector<Parameter>& parameters,
-                                        std::string_view value);
-// An inline Base64 value: lines of its own and an empty one behind.
-[[nodiscard]] std::string vCalendarBase64(std::string_view name,
-                                          const std::vector<Parameter>& parameters,
-                                          std::string_view value);
-
 }  // namespace qel::calendar
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/rules/RuleText.h"
+#include "calendar/text/ContentText.h"
 
 namespace qel::calendar {
 

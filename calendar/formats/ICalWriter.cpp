@@ -1,6 +1,7 @@
 // Calendars of iCalendar 2.0, and the entry that stands in them.
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/ICalEntry.h"
+#include "calendar/text/ContentText.h"
 #include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {

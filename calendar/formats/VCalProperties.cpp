@@ -4,6 +4,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/VCalEntry.h"
 #include "calendar/formats/Vocabulary.h"
+#include "calendar/text/ContentText.h"
 #include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {

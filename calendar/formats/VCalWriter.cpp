@@ -6,6 +6,7 @@
 #include "calendar/base/Days.h"
 #include "calendar/formats/VCalEntry.h"
 #include "calendar/rules/RuleText.h"
+#include "calendar/text/ContentText.h"
 
 namespace qel::calendar {
 

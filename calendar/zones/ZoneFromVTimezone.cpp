@@ -5,7 +5,7 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
-#include "calendar/formats/EntryWriter.h"
+#include "calendar/text/ContentText.h"
 #include "calendar/text/TextCodec.h"
 #include "calendar/zones/Zone.h"
 

@@ -1,11 +1,11 @@
-// Lines of both formats.
+#include "calendar/text/ContentText.h"
+
 #include <algorithm>
 #include <array>
-#include <ostream>
+#include <iterator>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Text.h"
-#include "calendar/formats/EntryWriter.h"
 #include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {
@@ -14,10 +14,8 @@ namespace {
 
 constexpr std::size_t kWidth = 75;
 constexpr std::size_t kLongestPlain = 990;
-// Written text that waits to be handed on at once.
-constexpr std::size_t kWaiting = 65536;
 
-// Each character as it may stand in a name: a capital, a digit or "-".
+// Each character in the form that a name allows: a capital, a digit or "-".
 constexpr auto kNameCharacters = [] {
     std::array<char, 256> table{};
     for (std::size_t each = 0; each < table.size(); ++each) {
@@ -39,7 +37,7 @@ bool needsQuotes(std::string_view value) {
     return value.find_first_of(":;,") != std::string_view::npos;
 }
 
-// RFC 6868: what a parameter value cannot hold.
+// RFC 6868 escapes the characters that a parameter value cannot contain.
 std::string parameterText(std::string_view value, bool alwaysQuoted) {
     std::string text;
     for (const char c : value)
@@ -74,7 +72,7 @@ void addParameter(std::string& out, const Parameter& parameter) {
     out += parameterListText(parameter);
 }
 
-// What a character of a text asks for. Those that say nothing may stand in a value as they are.
+// The characters of a text that need work before they can stand in a value.
 enum : unsigned char { kEscape = 1, kOther = 2 };
 constexpr auto kTextCharacters = [] {
     std::array<unsigned char, 256> table{};
@@ -95,15 +93,16 @@ void addUnfolded(std::string& out, std::string_view name, const std::vector<Para
         out += value;
         return;
     }
-    // Words of the format that were taken over as they stood may hold anything. A line end within a
-    // value would begin another property; no other control may stand in one.
+    // A value that was copied from the input can contain anything. A line end within it would begin
+    // another property, and other control characters are invalid.
     std::string text = how == Value::Escaped ? escapeICalendar(value) : std::string(value);
     if (!isUtf8(text)) text = utf8OrWindows1252(std::move(text));
     std::copy_if(text.begin(), text.end(), std::back_inserter(out),
                  [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
 }
 
-// Lines of at most 75 octets, divided between characters; the last one is not ended.
+}  // namespace
+
 void addFolded(std::string& out, std::string_view line) {
     std::size_t room = kWidth;
     while (line.size() > room) {
@@ -120,34 +119,6 @@ void addFolded(std::string& out, std::string_view line) {
         room = kWidth - 1;
     }
     out += line;
-}
-
-}  // namespace
-
-void EntryWriter::put(std::string_view line) {
-    text_ += line;
-    endLine();
-}
-
-void EntryWriter::endLine() {
-    text_ += "\r\n";
-    if (text_.size() >= kWaiting && !keepsEntryLines_) flush();
-}
-
-void EntryWriter::beginEntry() {
-    if (text_.size() >= kWaiting) flush();
-    entryBegin_ = text_.size();
-}
-
-void EntryWriter::flush() {
-    out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
-    text_.clear();
-    entryBegin_ = 0;
-}
-
-void ICalWriter::fold(std::string_view line) {
-    addFolded(text(), line);
-    endLine();
 }
 
 void addICalendarLine(std::string& out, std::string_view name,
@@ -189,7 +160,7 @@ void addVCalendarLine(std::string& out, std::string_view name,
     addName(out, name);
     for (const Parameter& each : parameters)
         if (!each.name.empty()) addParameter(out, each);
-    // Words without a name stand last.
+    // Bare words come last.
     for (const Parameter& each : parameters) {
         if (!each.name.empty()) continue;
         for (std::string_view rest = each.value; !rest.empty();) {
@@ -197,7 +168,7 @@ void addVCalendarLine(std::string& out, std::string_view name,
             out += nextField(rest, ',');
         }
     }
-    // Names of things are compared as they stand, also by phones that decode nothing there.
+    // Programs compare these byte by byte, and some phones never decode them.
     const std::size_t room = name == "UID" || name == "URL" ? kLongestPlain : kWidth;
     if (printable && out.size() - begin + 1 + value.size() <= room && trimmed(value) == value) {
         out += ':';
