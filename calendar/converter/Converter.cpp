@@ -10,7 +10,8 @@
 #include "calendar/formats/EntryReader.h"
 #include "calendar/formats/EntryWriter.h"
 #include "calendar/lines/CalendarReader.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
 
@@ -213,10 +214,7 @@ class Converter::File {
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
         header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
-        for (Note& note : notes) {
-            note.line = line.number;
-            report(std::move(note));
-        }
+        for (Note& note : notes) report(std::move(note));
     }
 
     [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }

@@ -5,7 +5,8 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/EntryReader.h"
 #include "calendar/formats/Vocabulary.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
 

@@ -6,7 +6,8 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/RuleParts.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
 
@@ -144,8 +145,7 @@ std::string_view EntryReader::text(const ContentLine& line) {
     if (isPlainText(line)) return line.value;
     std::vector<Note> notes;
     const std::string value = decodedValue(line, notes);
-    for (const Note& note : notes)
-        tell(note.severity(), line.number, std::string(line.name) + ": " + note.text());
+    for (Note& note : notes) sink_(std::move(note));
     return texts_.keep(value);
 }
 

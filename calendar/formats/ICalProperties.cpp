@@ -5,7 +5,8 @@
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/Escapes.h"
+#include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {
 

@@ -2,7 +2,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/Digest.h"
 
 namespace qel::calendar {
 

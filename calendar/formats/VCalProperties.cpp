@@ -5,7 +5,7 @@
 #include "calendar/formats/VCalEntry.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
 

@@ -6,7 +6,9 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/EntryReader.h"
 #include "calendar/formats/Vocabulary.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
+#include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {
 

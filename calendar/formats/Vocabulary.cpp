@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
 

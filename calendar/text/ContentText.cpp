@@ -5,8 +5,10 @@
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/text/LibrarySets.h"
 #include "calendar/base/Text.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/Escapes.h"
+#include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {
 

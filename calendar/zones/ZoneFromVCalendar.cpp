@@ -4,7 +4,9 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Digest.h"
+#include "calendar/text/Escapes.h"
 #include "calendar/zones/Zone.h"
 
 namespace qel::calendar {

@@ -6,7 +6,8 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/TextCodec.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
 #include "calendar/zones/Zone.h"
 
 namespace qel::calendar {

@@ -8,9 +8,9 @@
 #include "base/Json.h"
 #include "base/Progress.h"
 #include "base/Source.h"
+#include "calendar/text/LibrarySets.h"
 #include "calendar/base/Text.h"
 #include "calendar/platform/CharacterSets.h"
-#include "calendar/text/TextCodec.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

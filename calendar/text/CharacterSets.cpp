@@ -1,0 +1,51 @@
+#include "calendar/text/CharacterSets.h"
+
+#include "calendar/base/Ascii.h"
+#include "calendar/text/LibrarySets.h"
+#include "calendar/base/Text.h"
+#include "calendar/platform/CharacterSets.h"
+
+namespace qel::calendar {
+
+namespace {
+
+bool isAsciiSet(std::string_view set) {
+    return set.empty() || equalsIgnoreCase(set, "US-ASCII") || equalsIgnoreCase(set, "ASCII");
+}
+
+void noteReplaced(const std::string& text, std::string_view set, std::vector<Note>& notes) {
+    if (text.find(kReplacement) != std::string::npos)
+        notes.emplace_back(NoteCode::TextBytesInvalid, 0, std::initializer_list{set});
+}
+
+std::string fromNamedSet(std::string text, std::string_view set, std::vector<Note>& notes) {
+    if (const char* library = libraryCharacterSet(set); *library != '\0') {
+        std::string converted = fromLibrarySet(text, library);
+        noteReplaced(converted, set, notes);
+        return converted;
+    }
+    if (auto converted = platform::toUtf8(text, set)) {
+        notes.emplace_back(NoteCode::CharacterSetBySystem, 0, std::initializer_list{set});
+        noteReplaced(*converted, set, notes);
+        return *std::move(converted);
+    }
+    const std::string_view guess = isUtf8(text) ? "UTF-8" : "windows-1252";
+    notes.emplace_back(NoteCode::CharacterSetUnknown, 0, std::initializer_list{set, guess});
+    return utf8OrWindows1252(std::move(text));
+}
+
+}  // namespace
+
+std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& notes) {
+    // Only these use ASCII bytes for other characters.
+    if (isAscii(text) && !startsWithIgnoreCase(set, "ISO-2022") &&
+        !startsWithIgnoreCase(set, "UTF-7"))
+        return text;
+    const bool saysUtf8 = equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
+    if (!isAsciiSet(set) && !saysUtf8) return fromNamedSet(std::move(text), set, notes);
+    if (isUtf8(text)) return text;
+    notes.emplace_back(saysUtf8 ? NoteCode::TextNotUtf8 : NoteCode::CharacterSetMissing);
+    return fromWindows1252(text);
+}
+
+}  // namespace qel::calendar
