@@ -1,6 +1,9 @@
 // The program's own reading of untidy rule texts: what it understands, it can write.
 #include "Fuzz.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/RuleReader.h"
+#include "calendar/rules/RuleRecords.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 
 using namespace qel::fuzz;
 using namespace qel::calendar;

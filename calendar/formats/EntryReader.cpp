@@ -4,8 +4,9 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Strays.h"
 #include "calendar/formats/Vocabulary.h"
-#include "calendar/rules/RuleParts.h"
+#include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
 

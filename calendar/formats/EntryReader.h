@@ -13,6 +13,7 @@
 
 #include "calendar/entries/Entry.h"
 #include "calendar/lines/CalendarReader.h"
+#include "calendar/rules/RuleReader.h"
 
 namespace qel::calendar {
 

@@ -3,7 +3,8 @@
 #include <set>
 
 #include "calendar/formats/ICalEntry.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/text/ContentText.h"
 
 namespace qel::calendar {

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "calendar/formats/EntryWriter.h"
+#include "calendar/rules/Occurrences.h"
 
 namespace qel::calendar {
 

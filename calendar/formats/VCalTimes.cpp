@@ -1,7 +1,9 @@
 // Dates and recurrence of an entry in vCalendar 1.0.
 #include "calendar/base/Days.h"
 #include "calendar/formats/VCalEntry.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 
 namespace qel::calendar {
 

@@ -5,7 +5,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/formats/VCalEntry.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/text/ContentText.h"
 
 namespace qel::calendar {

@@ -7,8 +7,10 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleSentence.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 
 namespace qel::calendar {
 

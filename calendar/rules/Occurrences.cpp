@@ -1,10 +1,11 @@
+#include "calendar/rules/Occurrences.h"
+
 #include <algorithm>
 #include <bitset>
 #include <cstdint>
 
 #include "calendar/base/Days.h"
 #include "calendar/base/Moment.h"
-#include "calendar/rules/Rule.h"
 
 namespace qel::calendar {
 

@@ -3,7 +3,6 @@
 #ifndef QEL_CALENDAR_RULES_RULE_H
 #define QEL_CALENDAR_RULES_RULE_H
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -50,24 +49,6 @@ struct RuleStart {
     bool isDate = false;  // an all-day entry: only the date counts
     int utcOffset = 0;    // seconds east of UTC at the start; moves an UNTIL with Z into this clock
 };
-
-// What expandRule stops at.
-struct RuleLimits {
-    std::size_t most = 100;  // occurrences
-    int lastYear = 2499;     // no occurrence later than this year; at most 2499
-};
-
-// The code dates (days since 1 January 1900) of the occurrences of `rule` for a series that starts
-// on `start`, ascending. An UNTIL with a time of day is compared with the start's time of day, in
-// the start's clock. As in RFC 5545 the start is always the first occurrence and counts as one. Of
-// the parts BYHOUR, BYMINUTE and BYSECOND only the day's existence is looked at. Time is bounded by
-// the years between the start and the end, whatever the rule says.
-[[nodiscard]] std::vector<int> expandRule(const Rule& rule, const RuleStart& start,
-                                          const RuleLimits& limits);
-
-// False when the rule by itself has no occurrence on the start: MO for a start of Wednesday, 15
-// June 2005, or an end before it.
-[[nodiscard]] bool yieldsStart(const Rule& rule, const RuleStart& start);
 
 }  // namespace qel::calendar
 

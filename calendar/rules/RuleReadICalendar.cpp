@@ -1,16 +1,17 @@
-// iCalendar rules (RFC 5545 section 3.3.10) and the positional form, which has the same parts.
+#include "calendar/rules/RuleReadICalendar.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Strays.h"
+#include "calendar/rules/RuleEnd.h"
 #include "calendar/rules/RuleParts.h"
 
 namespace qel::calendar {
 
 namespace {
-
-constexpr std::size_t kMostRules = 50;
 
 class PartReader {
   public:
@@ -217,10 +218,10 @@ void readICalendarRules(std::string_view text, const std::optional<RuleStart>& s
                                            ? std::string_view()
                                            : trimmed(item.substr(equals + 1));
         if (equalsIgnoreCase(name, "FREQ") && part->hasFrequency()) {
-            if (++rules > kMostRules) {
+            if (++rules > kMostRulesInText) {
                 reading.notes.push_back(
                     {Severity::Error,
-                     "the text holds more than " + std::to_string(kMostRules) + " rules"});
+                     "the text holds more than " + std::to_string(kMostRulesInText) + " rules"});
                 reading.complete = false;
                 break;
             }

@@ -1,17 +1,18 @@
-// vCalendar 1.0 rules of the basic grammar, and what phones make of it.
+#include "calendar/rules/RuleReadVCalendar.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/base/Strays.h"
+#include "calendar/rules/RuleEnd.h"
 #include "calendar/rules/RuleParts.h"
 
 namespace qel::calendar {
 
 namespace {
-
-constexpr std::size_t kMostRules = 50;
 
 std::vector<std::string_view> tokensOf(std::string_view text) {
     std::vector<std::string_view> tokens;
@@ -312,9 +313,10 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
     }
     std::size_t rules = 0;
     for (std::size_t at = 0; at < tokens.size();) {
-        if (++rules > kMostRules) {
-            reading.notes.push_back({Severity::Error, "the text holds more than " +
-                                                          std::to_string(kMostRules) + " rules"});
+        if (++rules > kMostRulesInText) {
+            reading.notes.push_back(
+                {Severity::Error,
+                 "the text holds more than " + std::to_string(kMostRulesInText) + " rules"});
             reading.complete = false;
             return;
         }

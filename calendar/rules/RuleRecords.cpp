@@ -1,4 +1,5 @@
-// From rules to the library's records: texts in good order, read by the library.
+#include "calendar/rules/RuleRecords.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <limits>

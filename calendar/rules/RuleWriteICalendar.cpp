@@ -1,9 +1,11 @@
-// iCalendar rules from rules: the library writes each record, its texts are mended and joined.
+#include "calendar/rules/RuleWriteICalendar.h"
+
 #include <algorithm>
 
 #include "QelUtility/VStr.h"
 #include "calendar/base/Ascii.h"
 #include "calendar/rules/RuleParts.h"
+#include "calendar/rules/RuleRecords.h"
 
 namespace qel::calendar {
 

@@ -1,10 +1,14 @@
-// vCalendar 1.0 rules from rules: reshaped to what the format has, written by the library, mended.
+#include "calendar/rules/RuleWriteVCalendar.h"
+
 #include <algorithm>
 #include <cstdlib>
 
 #include "QelUtility/VStr.h"
 #include "calendar/base/Ascii.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleParts.h"
+#include "calendar/rules/RuleReader.h"
+#include "calendar/rules/RuleRecords.h"
 
 namespace qel::calendar {
 

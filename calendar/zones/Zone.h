@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "calendar/base/Moment.h"
+#include "calendar/base/Notes.h"
 #include "calendar/lines/CalendarReader.h"
-#include "calendar/rules/RuleText.h"
 
 namespace qel::calendar {
 

@@ -4,6 +4,8 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/rules/Rule.h"
+#include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Digest.h"
 #include "calendar/text/Escapes.h"

@@ -5,6 +5,8 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentText.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"

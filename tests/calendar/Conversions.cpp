@@ -8,7 +8,7 @@
 #include "calendar/base/Text.h"
 #include "calendar/formats/EntryWriter.h"
 #include "calendar/formats/Vocabulary.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/Occurrences.h"
 
 namespace qel::test {
 

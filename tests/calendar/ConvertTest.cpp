@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "calendar/Conversions.h"
+#include "calendar/rules/Occurrences.h"
 #include "support/Tables.h"
 #include "support/TempDir.h"
 

@@ -6,7 +6,10 @@
 #include <algorithm>
 
 #include "calendar/base/Days.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleReader.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 #include "support/Tables.h"
 
 namespace qel::test {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "QelUtility/RptNext.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/RuleRecords.h"
 
 namespace qel::cli {
 

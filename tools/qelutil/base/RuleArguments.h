@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/Command.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/RuleReader.h"
 
 namespace qel::cli {
 

@@ -11,7 +11,7 @@
 #include "base/RuleDates.h"
 #include "calendar/base/Days.h"
 #include "calendar/base/Text.h"
-#include "calendar/rules/RuleSentence.h"
+#include "calendar/rules/Occurrences.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

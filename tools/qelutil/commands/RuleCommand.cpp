@@ -8,7 +8,10 @@
 #include "base/RuleArguments.h"
 #include "base/RuleDates.h"
 #include "calendar/base/Text.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleSentence.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
