@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleSentence.h"
@@ -22,12 +23,9 @@ constexpr std::size_t kMostDays = 500;
 constexpr int kLongestSpan = 31;
 
 std::string dateWords(int day) {
-    static constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
-                                              "May",       "June",     "July",     "August",
-                                              "September", "October",  "November", "December"};
     const Civil civil = civilOf(day);
-    return weekdayName(day) + ", " + std::to_string(civil.day) + " " + kMonths[civil.month - 1] +
-           " " + std::to_string(civil.year);
+    return std::string(weekdayName(weekdayOf(day))) + ", " + std::to_string(civil.day) + " " +
+           std::string(monthName(civil.month)) + " " + std::to_string(civil.year);
 }
 
 std::string timeWords(int second) {

@@ -1,18 +1,14 @@
 #include "calendar/report/MonthTables.h"
 
 #include <algorithm>
-#include <array>
 
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 #include "calendar/report/Html.h"
 
 namespace qel::calendar {
 
 namespace {
-
-constexpr std::array kMonths = {"January",   "February", "March",    "April",
-                                "May",       "June",     "July",     "August",
-                                "September", "October",  "November", "December"};
 
 bool sameMonth(const Civil& one, const Civil& other) {
     return one.year == other.year && one.month == other.month;
@@ -42,8 +38,7 @@ std::string monthTable(const std::vector<cli::ListedDate>& days) {
     const Civil month = civilOf(days.front().day);
     const int first = dayNumber(month.year, month.month, 1);
     const int length = daysInMonth(month.year, month.month);
-    std::string text = "<table class=m><caption>" +
-                       std::string(kMonths.at(static_cast<std::size_t>(month.month - 1))) + " " +
+    std::string text = "<table class=m><caption>" + std::string(monthName(month.month)) + " " +
                        std::to_string(month.year) + spoken(days) +
                        "</caption><tr><th>Mo<th>Tu<th>We<th>Th<th>Fr<th>Sa<th>Su<tr>";
     if (columnOf(first) > 0) text += "<td colspan=" + std::to_string(columnOf(first)) + ">";
@@ -88,8 +83,7 @@ MonthTables monthTables(const std::vector<cli::ListedDate>& days, bool more, std
     } else {
         const Civil last = civilOf(days.back().day);
         text += "and " + counted(left, "more day", "more days") + ", the last in " +
-                kMonths.at(static_cast<std::size_t>(last.month - 1)) + " " +
-                std::to_string(last.year);
+                std::string(monthName(last.month)) + " " + std::to_string(last.year);
     }
     return {text + "</p>\n", months};
 }

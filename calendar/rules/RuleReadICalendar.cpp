@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Strays.h"
 #include "calendar/rules/RuleEnd.h"
 #include "calendar/rules/RuleParts.h"
@@ -20,28 +21,34 @@ class PartReader {
     [[nodiscard]] bool hasFrequency() const { return hasFrequency_; }
 
     void take(std::string_view name, std::string_view value) {
+        for (const RulePart& part : kRuleParts)
+            if (equalsIgnoreCase(name, part.name)) return take(part, value);
         any_ = true;
-        if (equalsIgnoreCase(name, "FREQ")) {
-            takeFrequency(value);
-        } else if (equalsIgnoreCase(name, "UNTIL")) {
-            if (!value.empty() && !readUntil(value, end_)) {
-                reading_.notes.push_back(
-                    {Severity::Error, "the rule's end " + quoted(value) + " is no date"});
-                usable_ = false;
+        strays_.add(name);
+    }
+
+    void take(const RulePart& part, std::string_view value) {
+        any_ = true;
+        switch (part.kind) {
+            case RulePart::Kind::Frequency:
+                return takeFrequency(value);
+            case RulePart::Kind::Until:
+                return takeUntil(value);
+            case RulePart::Kind::Count:
+                return takePositive(value, part.name, end_.count);
+            case RulePart::Kind::Interval: {
+                std::optional<int> interval;
+                takePositive(value, part.name, interval);
+                if (interval) rule_.interval = *interval;
+                return;
             }
-        } else if (equalsIgnoreCase(name, "COUNT")) {
-            takeNumber(value, "COUNT", end_.count);
-        } else if (equalsIgnoreCase(name, "INTERVAL")) {
-            std::optional<int> interval;
-            takeNumber(value, "INTERVAL", interval);
-            if (interval) rule_.interval = *interval;
-        } else if (equalsIgnoreCase(name, "BYDAY")) {
-            takeDays(value);
-        } else if (equalsIgnoreCase(name, "WKST")) {
-            rule_.weekStart = weekdayOfCode(value);
-            if (rule_.weekStart == 0) outside_.add(value);
-        } else if (!takeList(name, value)) {
-            strays_.add(name);
+            case RulePart::Kind::Days:
+                return takeDays(value);
+            case RulePart::Kind::Numbers:
+                return takeNumbers(value, part);
+            case RulePart::Kind::WeekStart:
+                rule_.weekStart = weekdayOfCode(value);
+                if (rule_.weekStart == 0) outside_.add(value);
         }
     }
 
@@ -69,28 +76,32 @@ class PartReader {
   private:
     void takeFrequency(std::string_view value) {
         hasFrequency_ = true;
-        if (equalsIgnoreCase(value, "DAILY")) {
-            rule_.frequency = Frequency::Daily;
-        } else if (equalsIgnoreCase(value, "WEEKLY")) {
-            rule_.frequency = Frequency::Weekly;
-        } else if (equalsIgnoreCase(value, "MONTHLY")) {
-            rule_.frequency = Frequency::Monthly;
-        } else if (equalsIgnoreCase(value, "YEARLY")) {
-            rule_.frequency = Frequency::Yearly;
-        } else {
-            usable_ = false;
-            const bool known = equalsIgnoreCase(value, "HOURLY") ||
-                               equalsIgnoreCase(value, "MINUTELY") ||
-                               equalsIgnoreCase(value, "SECONDLY");
-            reading_.notes.push_back(
-                {known ? Severity::Warning : Severity::Error,
-                 known ? "a rule that recurs within the day (" + upper(value) + ") has no record"
-                       : quoted(value) + " is no frequency"});
+        const auto* const found =
+            std::find_if(kFrequencyNames.begin(), kFrequencyNames.end(),
+                         [&](std::string_view name) { return equalsIgnoreCase(name, value); });
+        if (found != kFrequencyNames.end()) {
+            rule_.frequency = static_cast<Frequency>(found - kFrequencyNames.begin());
+            return;
         }
+        usable_ = false;
+        const bool known = equalsIgnoreCase(value, "HOURLY") ||
+                           equalsIgnoreCase(value, "MINUTELY") ||
+                           equalsIgnoreCase(value, "SECONDLY");
+        reading_.notes.push_back(
+            {known ? Severity::Warning : Severity::Error,
+             known ? "a rule that recurs within the day (" + upper(value) + ") has no record"
+                   : quoted(value) + " is no frequency"});
+    }
+
+    void takeUntil(std::string_view value) {
+        if (value.empty() || readUntil(value, end_)) return;
+        reading_.notes.push_back(
+            {Severity::Error, "the rule's end " + quoted(value) + " is no date"});
+        usable_ = false;
     }
 
     // A number of at least 1; anything else is passed over.
-    void takeNumber(std::string_view value, std::string_view name, std::optional<int>& number) {
+    void takePositive(std::string_view value, std::string_view name, std::optional<int>& number) {
         if (value.empty()) return;
         number = parseInt(trimmed(value));
         if (number && *number >= 1) return;
@@ -114,37 +125,17 @@ class PartReader {
         }
     }
 
-    bool takeList(std::string_view name, std::string_view value) {
-        struct Part {
-            std::string_view name;
-            std::vector<int> Rule::*list;
-            int least;
-            int most;
-            bool negative;
-        };
-        static constexpr Part kParts[] = {{"BYMONTHDAY", &Rule::monthDays, 1, 31, true},
-                                          {"BYYEARDAY", &Rule::yearDays, 1, 366, true},
-                                          {"BYWEEKNO", &Rule::weekNumbers, 1, 53, true},
-                                          {"BYMONTH", &Rule::months, 1, 12, false},
-                                          {"BYSETPOS", &Rule::setPositions, 1, 366, true},
-                                          {"BYHOUR", &Rule::hours, 0, 23, false},
-                                          {"BYMINUTE", &Rule::minutes, 0, 59, false},
-                                          {"BYSECOND", &Rule::seconds, 0, 59, false}};
-        for (const Part& part : kParts) {
-            if (!equalsIgnoreCase(name, part.name)) continue;
-            for (std::string_view rest = value; !rest.empty();) {
-                const std::string_view item = trimmed(nextField(rest, ','));
-                if (item.empty()) continue;
-                const auto number = parseInt(item);
-                const int size = number ? (part.negative ? std::abs(*number) : *number) : -1;
-                if (size < part.least || size > part.most)
-                    outside_.add(item);
-                else
-                    addOnce(rule_.*part.list, *number);
-            }
-            return true;
+    void takeNumbers(std::string_view value, const RulePart& part) {
+        for (std::string_view rest = value; !rest.empty();) {
+            const std::string_view item = trimmed(nextField(rest, ','));
+            if (item.empty()) continue;
+            const auto number = parseInt(item);
+            const int size = number ? (part.fromEnd ? std::abs(*number) : *number) : -1;
+            if (size < part.least || size > part.most)
+                outside_.add(item);
+            else
+                addOnce(rule_.*part.numbers, *number);
         }
-        return false;
     }
 
     // A position has a meaning within a month or a year only.
@@ -168,8 +159,7 @@ class PartReader {
     void weeksToOrdinals() {
         const bool inMonth = rule_.frequency == Frequency::Monthly ||
                              (rule_.frequency == Frequency::Yearly && !rule_.months.empty());
-        const bool plain = std::none_of(rule_.days.begin(), rule_.days.end(),
-                                        [](const RuleDay& day) { return day.position != 0; });
+        const bool plain = !anyPosition(rule_.days);
         const bool alone = rule_.setPositions.empty() && rule_.yearDays.empty() &&
                            rule_.weekNumbers.empty() && !rule_.days.empty();
         const int position = weekOf(rule_.monthDays);
@@ -235,20 +225,18 @@ void readICalendarRules(std::string_view text, const std::optional<RuleStart>& s
 
 void readPositionalRule(std::string_view text, const std::optional<RuleStart>& start,
                         RuleReading& reading) {
-    static constexpr std::string_view kFields[] = {
-        "FREQ",  "UNTIL",      "COUNT",     "INTERVAL", "BYSECOND", "BYMINUTE", "BYHOUR",
-        "BYDAY", "BYMONTHDAY", "BYYEARDAY", "BYWEEKNO", "BYMONTH",  "BYSETPOS", "WKST"};
-    PartReader part(reading);
+    PartReader reader(reading);
     bool hasUntil = false;
-    for (const std::string_view field : kFields) {
+    for (std::size_t field = 0; field < kRuleParts.size(); ++field) {
+        const RulePart& part = partOfField(field);
         const std::string_view value = trimmed(nextField(text, ';'));
         if (value.empty()) continue;
-        hasUntil = hasUntil || field == "UNTIL";
-        // The form says so: a count beside an end date is not read.
-        if (field == "COUNT" && hasUntil) continue;
-        part.take(field, value);
+        hasUntil = hasUntil || part.kind == RulePart::Kind::Until;
+        // The form defines that a count next to an end date is not read.
+        if (part.kind == RulePart::Kind::Count && hasUntil) continue;
+        reader.take(part, value);
     }
-    part.finish(start);
+    reader.finish(start);
 }
 
 }  // namespace qel::calendar

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 #include "calendar/base/Strays.h"
 #include "calendar/rules/RuleEnd.h"
@@ -75,10 +76,8 @@ std::optional<int> readSigned(std::string_view token) {
 // "MO", and days written out: "MON", "Monday".
 int readWeekday(std::string_view token) {
     if (token.size() < 2 || !std::all_of(token.begin(), token.end(), isAlpha)) return 0;
-    static constexpr std::string_view kNames[] = {"",          "SUNDAY",   "MONDAY", "TUESDAY",
-                                                  "WEDNESDAY", "THURSDAY", "FRIDAY", "SATURDAY"};
     for (int weekday = 1; weekday <= 7; ++weekday)
-        if (startsWithIgnoreCase(kNames[weekday], token)) return weekday;
+        if (startsWithIgnoreCase(weekdayName(weekday), token)) return weekday;
     return 0;
 }
 

@@ -6,7 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
+#include "calendar/base/Moment.h"
+#include "calendar/rules/RuleParts.h"
 
 namespace qel::calendar {
 
@@ -14,18 +17,12 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-constexpr std::array kWeekdays = {"",          "Sunday",   "Monday", "Tuesday",
-                                  "Wednesday", "Thursday", "Friday", "Saturday"};
-constexpr std::array kMonths = {"",        "January",  "February", "March",  "April",
-                                "May",     "June",     "July",     "August", "September",
-                                "October", "November", "December"};
-
 std::string weekday(int number) {
-    return kWeekdays.at(static_cast<std::size_t>(number));
+    return std::string(weekdayName(number));
 }
 
 std::string month(int number) {
-    return kMonths.at(static_cast<std::size_t>(number));
+    return std::string(monthName(number));
 }
 
 // "a", "a and b", "a, b and c".
@@ -81,11 +78,6 @@ std::string weekdays(const std::vector<RuleDay>& days) {
     if (weekdayBits(days) == kWorkdays) return "Monday to Friday";
     if (weekdayBits(days) == kEveryDay) return "every day of the week";
     return listOf(days, [](const RuleDay& day) { return weekday(day.weekday); });
-}
-
-bool anyPosition(const std::vector<RuleDay>& days) {
-    return std::any_of(
-        days.begin(), days.end(), [](const RuleDay& day) { return day.position != 0; });
 }
 
 // From the period's start on, then those that are counted from its end.
@@ -283,19 +275,15 @@ std::string times(const Rule& rule, const RuleStart& start) {
 
 // "31 December 2005", with the time of day where there is one.
 std::string untilDate(const std::string& until) {
-    int fields[6] = {};
-    std::sscanf(until.c_str(), "%4d%2d%2dT%2d%2d%2d", &fields[0], &fields[1], &fields[2],
-                &fields[3], &fields[4], &fields[5]);
-    if (fields[1] < 1 || fields[1] > 12) return until;
+    const auto moment = parseMoment(until);
+    if (!moment) return until;
+    const Civil date = civilOf(moment->day);
     std::string text =
-        std::to_string(fields[2]) + " " + month(fields[1]) + " " + std::to_string(fields[0]);
-    if (until.size() > 8) {
-        char time[48];
-        std::snprintf(time, sizeof time, ", %02d:%02d:%02d", fields[3], fields[4], fields[5]);
-        text += time;
-        if (until.back() == 'Z') text += " UTC";
-    }
-    return text;
+        std::to_string(date.day) + " " + month(date.month) + " " + std::to_string(date.year);
+    if (moment->isDate) return text;
+    text +=
+        ", " + clock(moment->second / 3600, moment->second / 60 % 60, moment->second % 60, true);
+    return text + (moment->clock == Clock::Utc ? " UTC" : "");
 }
 
 std::string end(const Rule& rule) {
@@ -337,10 +325,6 @@ std::string ruleSentence(const Rule& rule, const RuleStart& start) {
             break;
     }
     return text + times(rule, start) + weekStart(rule) + end(rule);
-}
-
-std::string weekdayName(int codeDate) {
-    return weekday(weekdayOf(codeDate));
 }
 
 }  // namespace qel::calendar

@@ -9,12 +9,9 @@
 namespace qel::calendar {
 
 // "every 2 weeks on Monday, Wednesday and Friday, 10 times", "every month on the last workday,
-// until 31 December 2005", "every year on 15 June, without end". What the rule leaves to its
-// series' start is taken from `start`. No full stop, no capital at the start.
+// until 31 December 2005", "every year on 15 June, without end". `start`
+// supplies what the rule takes from its series' start. No full stop, no capital at the start.
 [[nodiscard]] std::string ruleSentence(const Rule& rule, const RuleStart& start);
-
-// "Wednesday" for a code date (days since 1 January 1900) that is one.
-[[nodiscard]] std::string weekdayName(int codeDate);
 
 }  // namespace qel::calendar
 

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "QelUtility/VStr.h"
-#include "calendar/base/Ascii.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleParts.h"
 #include "calendar/rules/RuleReader.h"
-#include "calendar/rules/RuleRecords.h"
 
 namespace qel::calendar {
 
@@ -26,11 +24,6 @@ std::vector<RuleDay> atEveryPosition(const std::vector<RuleDay>& days) {
     for (const RuleDay& day : days)
         if (day.position != 0) addOnce(result, day);
     return result;
-}
-
-bool anyPosition(const std::vector<RuleDay>& days) {
-    return std::any_of(
-        days.begin(), days.end(), [](const RuleDay& day) { return day.position != 0; });
 }
 
 // A rule in the shapes that vCalendar 1.0 has: D, W + days, MP, MD, YM, YD.
@@ -200,72 +193,52 @@ class Reshaper {
     std::string reason_;
 };
 
-// The head ("MP2") and the modifiers ("1+ MO TU") of what the library writes for one record.
-struct VCalendarPart {
-    std::string head;
-    std::string modifiers;
-};
-
-std::optional<VCalendarPart> writePart(const Rule& rule) {
-    std::vector<RulePiece> pieces = rulePieces(rule, nullptr);
-    if (pieces.empty()) return std::nullopt;
-    // Pieces of one position differ in their weekday alone: the record takes them together.
-    _rruleRepeat record = pieces.front().record;
-    for (const RulePiece& piece : pieces)
-        record.byDay = static_cast<unsigned char>(record.byDay | piece.record.byDay);
-    VStr written;
-    const char* text = BxUtil_RRULEtoV10IETF(&record, written, true);
-    if (text == nullptr) return std::nullopt;
-    std::string line = text;
-    // The writer names its year days as iCalendar does; no phone knows that.
-    constexpr std::string_view kKeyword = "BYYEARDAY=";
-    if (const std::size_t at = line.find(kKeyword); at != std::string::npos)
-        line.erase(at, kKeyword.size());
-    const std::size_t first = line.find(' ');
-    const std::size_t last = line.rfind(' ');
-    if (first == std::string::npos) return std::nullopt;
-    VCalendarPart part{line.substr(0, first), ""};
-    if (last > first) part.modifiers = line.substr(first + 1, last - first - 1);
-    if (rule.interval > 32767) {
-        part.head.erase(part.head.find_first_of("0123456789"));
-        part.head += std::to_string(rule.interval);
+std::string_view codeOf(const Rule& shape) {
+    switch (shape.frequency) {
+        case Frequency::Daily:
+            return "D";
+        case Frequency::Weekly:
+            return "W";
+        case Frequency::Monthly:
+            return shape.days.empty() ? "MD" : "MP";
+        case Frequency::Yearly:
+            return shape.months.empty() ? "YD" : "YM";
     }
-    return part;
+    return "";
 }
 
-// "-3" of a year day in the vCalendar manner, "3-".
-std::string signsBehind(std::string_view modifiers) {
-    std::string result;
-    while (!modifiers.empty()) {
-        const std::string_view item = nextField(modifiers, ' ');
-        if (!result.empty()) result += ' ';
-        if (item.size() > 1 && item.front() == '-') {
-            result += item.substr(1);
-            result += '-';
-        } else {
-            result += item;
+// " 3", " 1+", " 1-": with the sign after the number, a plus only where `plus` asks for it.
+void addNumber(std::string& text, int number, bool plus = false) {
+    text += ' ';
+    text += std::to_string(std::abs(number));
+    if (number < 0)
+        text += '-';
+    else if (plus)
+        text += '+';
+}
+
+// " 1+ MO TU 2- SU": each position once, with its weekdays from Sunday to Saturday.
+void addDays(std::string& text, const std::vector<RuleDay>& days) {
+    std::vector<int> positions;
+    for (const RuleDay& day : days) addOnce(positions, day.position);
+    for (const int position : positions) {
+        if (position != 0) addNumber(text, position, true);
+        for (int weekday = 1; weekday <= 7; ++weekday) {
+            if (std::find(days.begin(), days.end(), RuleDay{position, weekday}) == days.end())
+                continue;
+            text += ' ';
+            text += weekdayCode(weekday);
         }
     }
-    return result;
 }
 
+// A rule that has one of the format's shapes: at most one of its lists has items.
 std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start) {
-    std::vector<int> positions;
-    for (const RuleDay& day : shape.days) addOnce(positions, day.position);
-    if (positions.empty()) positions.push_back(0);
-    std::string text;
-    for (const int position : positions) {
-        Rule group = shape;
-        group.days.clear();
-        for (const RuleDay& day : shape.days)
-            if (day.position == position) group.days.push_back(day);
-        const auto part = writePart(group);
-        if (!part) return "";
-        if (text.empty()) text = part->head;
-        if (!part->modifiers.empty())
-            text += " " + (shape.frequency == Frequency::Yearly ? signsBehind(part->modifiers)
-                                                                : part->modifiers);
-    }
+    std::string text(codeOf(shape));
+    text += std::to_string(shape.interval);
+    addDays(text, shape.days);
+    for (const auto list : {&Rule::monthDays, &Rule::yearDays, &Rule::months})
+        for (const int number : inCalendarOrder(shape.*list)) addNumber(text, number);
     if (shape.until.empty()) return text + " #" + std::to_string(shape.count);
     // Phones expect a date-time even where the series has no time of day.
     const bool isDate = shape.until.size() == 8 || (start && start->isDate);
@@ -293,10 +266,6 @@ VCalendarRule vCalendarTexts(const Rule& rule, const std::optional<RuleStart>& s
         return result;
     }
     const std::string text = writeShape(*shape, start);
-    if (text.empty()) {
-        result.reason = "this rule";
-        return result;
-    }
     if (start) {
         const RuleReading again = readRules(text, RuleForm::VCalendar10, start);
         if (again.rules.size() != 1 || !sameDates(rule, again.rules.front(), *start)) {

@@ -5,8 +5,8 @@
 #include "base/MonthGrid.h"
 #include "base/RepeatText.h"
 #include "base/Terminal.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
-#include "calendar/rules/RuleSentence.h"
 
 namespace qel::cli {
 
@@ -19,7 +19,8 @@ std::vector<ListedDate> listed(const std::vector<int>& days) {
 
 void writeDateList(std::ostream& out, const std::vector<ListedDate>& dates) {
     for (const ListedDate& date : dates) {
-        const std::string text = isoDate(date.day) + "  " + calendar::weekdayName(date.day);
+        const std::string text = isoDate(date.day) + "  " +
+                                 std::string(calendar::weekdayName(calendar::weekdayOf(date.day)));
         out << (date.excluded ? " (" + text + ")" : "  " + text) << "\n";
     }
 }
