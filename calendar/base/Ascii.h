@@ -1,4 +1,4 @@
-// ASCII text work that never asks the locale. Bytes above 127 belong to no class. Any thread.
+// ASCII text functions that ignore the locale. Bytes above 127 belong to no class. Any thread.
 #ifndef QEL_CALENDAR_BASE_ASCII_H
 #define QEL_CALENDAR_BASE_ASCII_H
 
@@ -67,6 +67,15 @@ namespace qel::calendar {
     const auto [end, problem] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (problem == std::errc::result_out_of_range) value = std::numeric_limits<int>::max();
     return negative ? -value : value;
+}
+
+// Takes exactly `count` digits off the front of `text` and gives their number. Nothing, and `text`
+// as it was, when it does not begin with so many. REQUIRES: count <= 9
+[[nodiscard]] inline std::optional<int> takeDigits(std::string_view& text, std::size_t count) {
+    const std::string_view digits = text.substr(0, count);
+    if (digits.size() != count || !allDigits(digits)) return std::nullopt;
+    text.remove_prefix(count);
+    return parseInt(digits);
 }
 
 // Eight bytes of a text at once, for questions about all of its bytes. REQUIRES: eight bytes there.

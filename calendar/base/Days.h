@@ -14,6 +14,8 @@ struct Civil {
     bool operator==(const Civil&) const = default;
 };
 
+inline constexpr int kDaySeconds = 86400;
+
 inline constexpr std::chrono::sys_days kDayZero =
     std::chrono::year{1900} / std::chrono::January / 1;
 

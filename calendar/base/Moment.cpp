@@ -5,61 +5,96 @@
 #include <cstdlib>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 
 namespace qel::calendar {
 
 namespace {
 
-constexpr int kDaySeconds = 86400;
 const std::int64_t kFirstSecond = std::int64_t{dayNumber(1, 1, 1)} * kDaySeconds;
 const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeconds - 1;
 
-// Takes `Count` digits off the front of `text`; -1 where they are not there.
-template <std::size_t Count>
-int takeDigits(std::string_view& text) {
-    if (text.size() < Count) return -1;
-    int number = 0;
-    for (std::size_t at = 0; at < Count; ++at) {
-        if (!isDigit(text[at])) return -1;
-        number = number * 10 + (text[at] - '0');
+std::string inQuotes(std::string_view text) {
+    return "\"" + std::string(text) + "\"";
+}
+
+// Says what is wrong, if anybody asks, and is what a failed reader returns.
+template <class... Parts>
+std::nullopt_t failed(std::string* problem, const Parts&... parts) {
+    if (problem != nullptr) {
+        problem->clear();
+        (problem->append(parts), ...);
     }
-    text.remove_prefix(Count);
-    return number;
+    return std::nullopt;
+}
+
+std::nullopt_t missingDigits(std::string* problem, std::string_view what, std::size_t count) {
+    return failed(problem, "the ", what, " must have ", std::to_string(count),
+                  " digits; write 20050615 or 20050615T083000Z");
+}
+
+std::nullopt_t noSuch(std::string* problem, std::string_view what, int number) {
+    return failed(problem, "there is no ", what, " ", std::to_string(number));
 }
 
 void skip(std::string_view& text, char separator) {
     if (!text.empty() && text.front() == separator) text.remove_prefix(1);
 }
 
-std::optional<int> takeDate(std::string_view& text) {
-    const int year = takeDigits<4>(text);
-    if (year < 1) return std::nullopt;
+std::optional<int> takeDate(std::string_view& text, std::string* problem) {
+    const auto year = takeDigits(text, 4);
+    if (!year) return missingDigits(problem, "year", 4);
+    if (*year < 1) return noSuch(problem, "year", *year);
     skip(text, '-');
-    const int month = takeDigits<2>(text);
-    if (month < 1 || month > 12) return std::nullopt;
+    const auto month = takeDigits(text, 2);
+    if (!month) return missingDigits(problem, "month", 2);
+    if (*month < 1 || *month > 12) return noSuch(problem, "month", *month);
     skip(text, '-');
-    const int day = takeDigits<2>(text);
-    if (day < 1 || (day > 28 && day > daysInMonth(year, month))) return std::nullopt;
-    return dayNumber(year, month, day);
+    const auto day = takeDigits(text, 2);
+    if (!day) return missingDigits(problem, "day", 2);
+    if (*day < 1 || (*day > 28 && *day > daysInMonth(*year, *month)))
+        return failed(problem, monthName(*month), " ", std::to_string(*year), " has no day ",
+                      std::to_string(*day));
+    return dayNumber(*year, *month, *day);
 }
 
-std::optional<int> takeTime(std::string_view& text) {
-    const int hour = takeDigits<2>(text);
-    if (hour < 0) return std::nullopt;
+std::optional<int> takeTime(std::string_view& text, std::string* problem) {
+    const auto hour = takeDigits(text, 2);
+    if (!hour) return missingDigits(problem, "hour", 2);
     skip(text, ':');
-    const int minute = takeDigits<2>(text);
-    if (minute < 0) return std::nullopt;
+    const auto minute = takeDigits(text, 2);
+    if (!minute) return missingDigits(problem, "minute", 2);
     skip(text, ':');
     int second = 0;
     if (!text.empty() && isDigit(text.front())) {
-        second = takeDigits<2>(text);
-        if (second < 0) return std::nullopt;
-        if (second == 60) second = 59;
+        const auto seconds = takeDigits(text, 2);
+        if (!seconds) return missingDigits(problem, "second", 2);
+        second = *seconds == 60 ? 59 : *seconds;
     }
-    const bool endOfDay = hour == 24 && minute == 0 && second == 0;
-    if ((hour > 23 && !endOfDay) || minute > 59 || second > 59) return std::nullopt;
-    return hour * 3600 + minute * 60 + second;
+    const bool endOfDay = *hour == 24 && *minute == 0 && second == 0;
+    if (*hour > 23 && !endOfDay) return noSuch(problem, "hour", *hour);
+    if (*minute > 59) return noSuch(problem, "minute", *minute);
+    if (second > 59) return noSuch(problem, "second", second);
+    return *hour * 3600 + *minute * 60 + second;
+}
+
+// The unit's share of a day or a second, negative for days; 0 for a letter that may not come there.
+int unitOf(char letter, bool inTime) {
+    switch (toUpper(letter)) {
+        case 'W':
+            return inTime ? 0 : -7;
+        case 'D':
+            return inTime ? 0 : -1;
+        case 'H':
+            return inTime ? 3600 : 0;
+        case 'M':
+            return inTime ? 60 : 0;
+        case 'S':
+            return inTime ? 1 : 0;
+        default:
+            return 0;
+    }
 }
 
 // REQUIRES: 0..99.
@@ -81,19 +116,20 @@ Moment momentAt(const Moment& moment, std::int64_t seconds) {
     return result;
 }
 
-std::optional<Moment> parseMoment(std::string_view text) {
+std::optional<Moment> parseMoment(std::string_view text, std::string* problem) {
     text = trimmed(text);
     Moment moment;
-    const auto day = takeDate(text);
+    const auto day = takeDate(text, problem);
     if (!day) return std::nullopt;
     moment.day = *day;
     if (text.empty()) {
         moment.isDate = true;
         return moment;
     }
-    if (toUpper(text.front()) != 'T' && text.front() != ' ') return std::nullopt;
+    if (toUpper(text.front()) != 'T' && text.front() != ' ')
+        return failed(problem, "a \"T\" must come between the date and the time");
     text.remove_prefix(1);
-    const auto time = takeTime(text);
+    const auto time = takeTime(text, problem);
     if (!time) return std::nullopt;
     std::int64_t seconds = moment.seconds() + *time;
     if (text.size() == 1 && toUpper(text.front()) == 'Z') {
@@ -101,12 +137,19 @@ std::optional<Moment> parseMoment(std::string_view text) {
     } else if (!text.empty()) {
         const auto offset =
             text.front() == '+' || text.front() == '-' ? parseUtcOffset(text) : std::nullopt;
-        if (!offset) return std::nullopt;
+        if (!offset)
+            return failed(problem, "only a \"Z\" or an offset such as +0200 may follow the time");
         moment.clock = Clock::Utc;
         seconds -= *offset;
     }
-    if (seconds < kFirstSecond || seconds > kLastSecond) return std::nullopt;
+    if (seconds < kFirstSecond || seconds > kLastSecond)
+        return failed(problem, "it is outside the years 1 to 9999");
     return momentAt(moment, seconds);
+}
+
+std::optional<int> parseTimeOfDay(std::string_view text) {
+    const auto time = takeTime(text, nullptr);
+    return text.empty() ? time : std::nullopt;
 }
 
 MomentText::MomentText(const Moment& moment) {
@@ -131,12 +174,14 @@ std::string formatMoment(const Moment& moment) {
     return std::string(MomentText(moment));
 }
 
-std::optional<Duration> parseDuration(std::string_view text) {
+std::optional<Duration> parseDuration(std::string_view text, std::string* problem) {
     text = trimmed(text);
     const bool negative = !text.empty() && text.front() == '-';
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-    if (text.size() < 2 || toUpper(text.front()) != 'P') return std::nullopt;
+    if (text.empty() || toUpper(text.front()) != 'P')
+        return failed(problem, "a duration begins with \"P\", as in P1DT2H");
     text.remove_prefix(1);
+    if (text.empty()) return failed(problem, "a number with a unit is missing after \"P\"");
     Duration result;
     bool inTime = false;
     while (!text.empty()) {
@@ -146,24 +191,24 @@ std::optional<Duration> parseDuration(std::string_view text) {
             continue;
         }
         const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
-        if (digits == 0 || digits == text.size()) return std::nullopt;
+        if (digits == 0) return failed(problem, "a number is missing before ", inQuotes(text));
+        if (digits == text.size())
+            return failed(problem, "a unit is missing after ", inQuotes(text));
         const std::int64_t number = *parseInt(text.substr(0, digits));
-        const char unit = toUpper(text[digits]);
+        const int unit = unitOf(text[digits], inTime);
+        if (unit == 0)
+            return failed(problem, inQuotes(text.substr(digits, 1)),
+                          inTime ? " is not a unit of time; they are H, M and S"
+                                 : " is not a unit of days; they are W and D, and \"T\" must come "
+                                   "before H, M and S");
         text.remove_prefix(digits + 1);
-        if (unit == 'W' && !inTime)
-            result.days += number * 7;
-        else if (unit == 'D' && !inTime)
-            result.days += number;
-        else if (unit == 'H' && inTime)
-            result.seconds += number * 3600;
-        else if (unit == 'M' && inTime)
-            result.seconds += number * 60;
-        else if (unit == 'S' && inTime)
-            result.seconds += number;
+        if (unit < 0)
+            result.days += number * -unit;
         else
-            return std::nullopt;
+            result.seconds += number * unit;
         // Far beyond any calendar, and far from overflow.
-        if (result.total() > 400LL * 366 * kDaySeconds) return std::nullopt;
+        if (result.total() > 400LL * 366 * kDaySeconds)
+            return failed(problem, "it is longer than 400 years");
     }
     if (negative) {
         result.days = -result.days;
@@ -202,22 +247,19 @@ std::optional<int> parseUtcOffset(std::string_view text) {
     text = trimmed(text);
     const int sign = !text.empty() && text.front() == '-' ? -1 : 1;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-    const int hours = takeDigits<2>(text);
-    if (hours < 0) return std::nullopt;
+    const auto hours = takeDigits(text, 2);
+    if (!hours) return std::nullopt;
     skip(text, ':');
-    int minutes = 0;
-    int seconds = 0;
+    std::optional<int> minutes = 0;
+    std::optional<int> seconds = 0;
     if (!text.empty()) {
-        minutes = takeDigits<2>(text);
-        if (minutes < 0) return std::nullopt;
+        minutes = takeDigits(text, 2);
         skip(text, ':');
     }
-    if (!text.empty()) {
-        seconds = takeDigits<2>(text);
-        if (seconds < 0 || !text.empty()) return std::nullopt;
-    }
-    if (minutes > 59 || seconds > 59) return std::nullopt;
-    const int total = hours * 3600 + minutes * 60 + seconds;
+    if (!text.empty()) seconds = takeDigits(text, 2);
+    if (!minutes || !seconds || !text.empty()) return std::nullopt;
+    if (*minutes > 59 || *seconds > 59) return std::nullopt;
+    const int total = *hours * 3600 + *minutes * 60 + *seconds;
     if (total > 15 * 3600) return std::nullopt;
     return sign * total;
 }

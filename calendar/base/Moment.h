@@ -34,12 +34,18 @@ struct Moment {
 
 // Reads YYYYMMDD, YYYYMMDDTHHMM and YYYYMMDDTHHMMSS, also with "-" and ":" as separators, with "Z"
 // or an offset (+HH, +HHMM, +HH:MM; gives UTC) at the end, in either case, with blanks around it.
-// 24:00:00 is midnight of the next day and second 60 is 59. Nothing when it names no moment of the
-// years 1 to 9999.
-[[nodiscard]] std::optional<Moment> parseMoment(std::string_view text);
+// 24:00:00 is midnight of the next day and second 60 is 59. Nothing when it is not a moment of the
+// years 1 to 9999; `*problem`, which may be null, then says why for a person: "there is no month
+// 13", "June 2005 has no day 31".
+[[nodiscard]] std::optional<Moment> parseMoment(std::string_view text,
+                                                std::string* problem = nullptr);
 
-// YYYYMMDD, YYYYMMDDTHHMMSS or, in UTC, YYYYMMDDTHHMMSSZ. Years outside 1..9999 are held at the
-// edge.
+// Reads HHMM, HHMMSS and the same with ":" into seconds since midnight, 86400 for 24:00:00. Second
+// 60 is 59.
+[[nodiscard]] std::optional<int> parseTimeOfDay(std::string_view text);
+
+// YYYYMMDD, YYYYMMDDTHHMMSS or, in UTC, YYYYMMDDTHHMMSSZ. Years outside 1..9999 become the
+// first or the last moment of that range.
 class MomentText {
   public:
     explicit MomentText(const Moment& moment);
@@ -51,14 +57,18 @@ class MomentText {
 };
 [[nodiscard]] std::string formatMoment(const Moment& moment);
 
-// Reads an RFC 5545 duration ("-P1DT2H", "PT15M", "P2W") into seconds, of which the days are
-// counted apart because a day is not always 86400 seconds long.
+// A length of time. Its days are counted separately because a day is not always 86400 seconds long.
 struct Duration {
     std::int64_t days = 0;  // with the sign of the whole
     std::int64_t seconds = 0;
     [[nodiscard]] std::int64_t total() const { return days * 86400 + seconds; }
 };
-[[nodiscard]] std::optional<Duration> parseDuration(std::string_view text);
+
+// Reads an RFC 5545 duration: "-P1DT2H", "PT15M", "P2W". Units may come in any order and repeat.
+// Nothing when it is not a duration or longer than 400 years; `*problem` as in parseMoment: "a unit
+// is missing after \"15\"".
+[[nodiscard]] std::optional<Duration> parseDuration(std::string_view text,
+                                                    std::string* problem = nullptr);
 
 // "-PT15M", "P1DT2H", "P2W" only for whole weeks, "PT0S".
 [[nodiscard]] std::string formatDuration(std::int64_t seconds);

@@ -11,8 +11,6 @@ namespace qel::calendar {
 
 namespace {
 
-constexpr std::int64_t kDaySeconds = 86400;
-
 // A list of a rule part: whether it names a number is known at once, however long it is.
 class Members {
   public:

@@ -1,5 +1,6 @@
 #include "calendar/rules/RuleEnd.h"
 
+#include "calendar/base/Days.h"
 #include "calendar/base/Moment.h"
 #include "calendar/rules/Occurrences.h"
 
@@ -23,7 +24,8 @@ std::string adjustedUntil(const std::string& until, const RuleStart& start, bool
     if (start.isDate) return until;
     if (until.size() == 8) return endOfDay(until);
     const int offset = until.back() == 'Z' ? start.utcOffset : 0;
-    const int startSecond = ((start.secondOfDay - offset) % 86400 + 86400) % 86400;
+    const int startSecond =
+        ((start.secondOfDay - offset) % kDaySeconds + kDaySeconds) % kDaySeconds;
     if (midnightIsDay && startSecond != 0 && until.substr(9, 6) == "000000") return endOfDay(until);
     return until;
 }

@@ -7,6 +7,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
+#include "calendar/base/Moment.h"
 #include "calendar/base/Strays.h"
 #include "calendar/rules/RuleEnd.h"
 #include "calendar/rules/RuleParts.h"
@@ -84,10 +85,8 @@ int readWeekday(std::string_view token) {
 // "0600" and "0600$": seconds since midnight.
 std::optional<int> readTime(std::string_view token) {
     if (!token.empty() && token.back() == '$') token.remove_suffix(1);
-    if (token.size() != 4 || !allDigits(token)) return std::nullopt;
-    const int number = *parseInt(token);
-    if (number / 100 > 23 || number % 100 > 59) return std::nullopt;
-    return number / 100 * 3600 + number % 100 * 60;
+    const auto time = token.size() == 4 ? parseTimeOfDay(token) : std::nullopt;
+    return time == kDaySeconds ? std::nullopt : time;
 }
 
 // Reads one rule, token by token.
