@@ -21,13 +21,15 @@ static_assert(std::is_sorted(std::begin(kKinds), std::end(kKinds),
                              [](const NoteKind& a, const NoteKind& b) { return a.code <= b.code; }),
               "numbers ascend, and each stands once");
 
-// The value that `hole`, the inside of "{0}" or "{q0}", asks for.
+// The value that `hole`, the inside of "{0}", "{q0}" or "{+0}", asks for.
 std::string valueFor(std::string_view hole, const std::vector<std::string>& values) {
     const bool inQuotes = hole.starts_with('q');
-    const auto number = parseInt(inQuotes ? hole.substr(1) : hole);
+    const bool isMore = hole.starts_with('+');
+    const auto number = parseInt(inQuotes || isMore ? hole.substr(1) : hole);
     assert(number && *number >= 0 && static_cast<std::size_t>(*number) < values.size());
     if (!number || static_cast<std::size_t>(*number) >= values.size()) return {};
     const std::string& value = values[static_cast<std::size_t>(*number)];
+    if (isMore) return value == "0" ? std::string() : " and " + value + " more";
     return inQuotes ? quoted(value) : value;
 }
 

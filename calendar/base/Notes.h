@@ -54,6 +54,9 @@ struct NoteKind {
 // "unchanged", "kept", "lost".
 [[nodiscard]] std::string_view fateName(Fate fate);
 
+// Input is cut at this length before it goes into a note: more than is shown.
+inline constexpr std::size_t kLongestExcerpt = 200;
+
 struct Note {
     NoteCode code{};
     std::size_t line = 0;  // of the input, 1 for the first; 0 when no line is meant

@@ -15,11 +15,17 @@ namespace qel::calendar {
 class Strays {
   public:
     void add(std::string_view item) {
-        if (count_++ == 0) first_ = std::string(item);
+        if (count_++ == 0) first_ = std::string(item.substr(0, kLongestExcerpt));
     }
     [[nodiscard]] bool any() const { return count_ != 0; }
 
-    // "WHAT "39"", "WHAT "39" and 2 more"; nothing without any.
+    // Adds a note with the first item and the number of the others as its values; nothing without
+    // any.
+    void report(std::vector<Note>& notes, NoteCode code) const {
+        if (count_ != 0) notes.push_back(Note(code, 0, {first_, std::to_string(count_ - 1)}));
+    }
+
+    // The same for a sentence without a code: "WHAT "39" and 2 more".
     void report(std::vector<Note>& notes, Severity severity, std::string_view what) const {
         if (count_ == 0) return;
         std::string text = std::string(what) + " " + quoted(first_);

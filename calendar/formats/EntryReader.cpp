@@ -231,9 +231,12 @@ void EntryReader::readRuleLines() {
         }
         RuleReading reading = readRules(line.value, ruleForm(), start);
         count += std::max<std::size_t>(reading.rules.size(), 1);
-        for (const Note& note : reading.notes)
-            tell(note.severity(), line.number,
-                 std::string(line.name) + " " + quoted(trimmed(line.value)) + ": " + note.text());
+        for (Note& note : reading.notes) {
+            note.line = line.number;
+            note.property = line.name;
+            note.excerpt = trimmed(line.value).substr(0, kLongestExcerpt);
+            sink_(std::move(note));
+        }
         if (reading.rules.empty()) {
             if (!trimmed(line.value).empty()) carry(line, "", Severity::Note);
             continue;

@@ -38,8 +38,7 @@ void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool mi
     if (!rule.until.empty() && start) {
         rule.until = adjustedUntil(rule.until, *start, midnightIsDay);
         if (rule.until.size() > 8 && end.until.size() > 8 && rule.until != end.until)
-            notes.push_back({Severity::Note, "the end at midnight of " + end.until.substr(0, 8) +
-                                                 " is read as the whole of that day"});
+            notes.push_back(Note(NoteCode::RuleEndWholeDay, 0, {end.until.substr(0, 8)}));
     }
     if (!end.count || *end.count == 0) return;
     if (rule.until.empty()) {
@@ -47,9 +46,7 @@ void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool mi
         return;
     }
     if (!start) {
-        notes.push_back({Severity::Warning,
-                         "both a count and an end date are given, and no start to tell which comes "
-                         "first; the end date is kept"});
+        notes.emplace_back(NoteCode::RuleCountIgnored);
         return;
     }
     RuleLimits limits;
@@ -57,9 +54,9 @@ void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool mi
     if (expandRule(rule, *start, limits).size() == limits.most) {
         rule.count = *end.count;
         rule.until.clear();
-        notes.push_back({Severity::Note, "the count comes before the end date and is kept"});
+        notes.emplace_back(NoteCode::RuleCountFirst);
     } else {
-        notes.push_back({Severity::Note, "the end date comes before the count and is kept"});
+        notes.emplace_back(NoteCode::RuleEndFirst);
     }
 }
 

@@ -54,13 +54,11 @@ class PartReader {
 
     void finish(const std::optional<RuleStart>& start) {
         if (!any_) return;
-        outside_.report(reading_.notes, Severity::Warning,
-                        "the rule names what no calendar has, and it is left out:");
-        strays_.report(reading_.notes, Severity::Warning,
-                       "the rule has a part that is not known, and it is left out:");
+        outside_.report(reading_.notes, NoteCode::RuleValueOutside);
+        strays_.report(reading_.notes, NoteCode::RulePartUnknown);
         if (strays_.any()) reading_.complete = false;
         if (!hasFrequency_ && usable_) {
-            reading_.notes.push_back({Severity::Error, "the rule has no frequency"});
+            reading_.notes.emplace_back(NoteCode::RuleFrequencyMissing);
             usable_ = false;
         }
         if (!usable_) {
@@ -84,19 +82,19 @@ class PartReader {
             return;
         }
         usable_ = false;
-        const bool known = equalsIgnoreCase(value, "HOURLY") ||
-                           equalsIgnoreCase(value, "MINUTELY") ||
-                           equalsIgnoreCase(value, "SECONDLY");
+        for (const std::string_view each : {"HOURLY", "MINUTELY", "SECONDLY"}) {
+            if (!equalsIgnoreCase(value, each)) continue;
+            reading_.notes.push_back(Note(NoteCode::RuleWithinDay, 0, {each}));
+            return;
+        }
         reading_.notes.push_back(
-            {known ? Severity::Warning : Severity::Error,
-             known ? "a rule that recurs within the day (" + upper(value) + ") has no record"
-                   : quoted(value) + " is no frequency"});
+            Note(NoteCode::RuleFrequencyUnknown, 0, {value.substr(0, kLongestExcerpt)}));
     }
 
     void takeUntil(std::string_view value) {
         if (value.empty() || readUntil(value, end_)) return;
         reading_.notes.push_back(
-            {Severity::Error, "the rule's end " + quoted(value) + " is no date"});
+            Note(NoteCode::RuleEndInvalid, 0, {value.substr(0, kLongestExcerpt)}));
         usable_ = false;
     }
 
@@ -148,10 +146,7 @@ class PartReader {
             addOnce(days, {0, day.weekday});
         }
         rule_.days = days;
-        if (dropped)
-            reading_.notes.push_back({Severity::Warning,
-                                      "positions of weekdays mean nothing in a daily or weekly "
-                                      "rule; they are left out"});
+        if (dropped) reading_.notes.emplace_back(NoteCode::RulePositionsIgnored);
     }
 
     // The weekday that falls on the days 8 to 14 of a month is its second: that a record holds, and
@@ -166,9 +161,7 @@ class PartReader {
         if (!inMonth || !plain || !alone || position == 0) return;
         rule_.monthDays.clear();
         for (RuleDay& day : rule_.days) day.position = position;
-        reading_.notes.push_back({Severity::Note,
-                                  "the weekday among seven days of the month is read as its "
-                                  "position in the month"});
+        reading_.notes.emplace_back(NoteCode::RuleWeekAsPosition);
     }
 
     // 2 for the days 8 to 14 in any order, -1 for -7 to -1, 0 for days that are no such week.
@@ -210,8 +203,7 @@ void readICalendarRules(std::string_view text, const std::optional<RuleStart>& s
         if (equalsIgnoreCase(name, "FREQ") && part->hasFrequency()) {
             if (++rules > kMostRulesInText) {
                 reading.notes.push_back(
-                    {Severity::Error,
-                     "the text holds more than " + std::to_string(kMostRulesInText) + " rules"});
+                    Note(NoteCode::RuleTooMany, 0, {std::to_string(kMostRulesInText)}));
                 reading.complete = false;
                 break;
             }

@@ -124,7 +124,7 @@ class RuleParser {
             return true;
         }
         if (token.size() < 8 || !allDigits(token.substr(0, 8))) return false;
-        if (!readUntil(token, end_)) badEnd_ = std::string(token);
+        if (!readUntil(token, end_)) badEnd_ = token.substr(0, kLongestExcerpt);
         return true;
     }
 
@@ -148,30 +148,24 @@ class RuleParser {
     }
 
     void finish() {
-        strays_.report(reading_.notes, Severity::Warning,
-                       "the rule holds what is no part of it, and it is left out:");
-        outside_.report(reading_.notes, Severity::Warning,
-                        "the rule names what no calendar has, and it is left out:");
+        strays_.report(reading_.notes, NoteCode::RuleItemUnknown);
+        outside_.report(reading_.notes, NoteCode::RuleValueOutside);
         if (!badEnd_.empty()) {
-            reading_.notes.push_back(
-                {Severity::Error, "the rule's end " + quoted(badEnd_) + " is no date"});
+            reading_.notes.push_back(Note(NoteCode::RuleEndInvalid, 0, {badEnd_}));
             reading_.complete = false;
             return;
         }
         if (outside_.any() && nothingLeft()) {
-            reading_.notes.push_back(
-                {Severity::Error, "nothing that can recur is left of the rule"});
+            reading_.notes.emplace_back(NoteCode::RuleNothingLeft);
             reading_.complete = false;
             return;
         }
-        if (head_.bareMonth)
-            reading_.notes.push_back({Severity::Note, "the rule is read as monthly by date"});
+        if (head_.bareMonth) reading_.notes.emplace_back(NoteCode::RuleMonthlyByDate);
         applyTimes();
         fillFromStart();
         if (!end_.count && end_.until.empty()) {
             end_.count = 2;
-            reading_.notes.push_back(
-                {Severity::Note, "the rule has no end mark: as in vCalendar 1.0 that means twice"});
+            reading_.notes.emplace_back(NoteCode::RuleWithoutEnd);
         }
         // The engines of the library and of phones begin a week on Sunday; iCalendar on Monday.
         const bool sunday = std::any_of(rule_.days.begin(), rule_.days.end(),
@@ -253,8 +247,7 @@ class RuleParser {
         const bool oneMinute = std::all_of(times_.begin(), times_.end(),
                                            [&](int time) { return time / 60 % 60 == minute; });
         if (!oneMinute) {
-            reading_.notes.push_back(
-                {Severity::Warning, "the rule's times of day cannot be joined in one rule"});
+            reading_.notes.emplace_back(NoteCode::RuleTimesIgnored);
             reading_.complete = false;
             return;
         }
@@ -265,9 +258,7 @@ class RuleParser {
     void fillFromStart() {
         if (head_.kind == Kind::ByPosition && rule_.days.empty()) {
             if (!start_) {
-                reading_.notes.push_back(
-                    {Severity::Warning,
-                     "the rule leaves its weekday to a start that is not known"});
+                reading_.notes.emplace_back(NoteCode::RuleWeekdayUnknown);
                 return;
             }
             const int weekday = weekdayOf(dayNumber(start_->year, start_->month, start_->day));
@@ -305,7 +296,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
     if (tokens.empty()) return;
     std::optional<Head> head = readHead(tokens.front());
     if (!head) {
-        reading.notes.push_back({Severity::Error, "it is no recurrence rule"});
+        reading.notes.emplace_back(NoteCode::RuleNotRecognised);
         reading.complete = false;
         return;
     }
@@ -313,8 +304,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
     for (std::size_t at = 0; at < tokens.size();) {
         if (++rules > kMostRulesInText) {
             reading.notes.push_back(
-                {Severity::Error,
-                 "the text holds more than " + std::to_string(kMostRulesInText) + " rules"});
+                Note(NoteCode::RuleTooMany, 0, {std::to_string(kMostRulesInText)}));
             reading.complete = false;
             return;
         }
@@ -326,11 +316,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
         }
         parser.finish();
     }
-    if (rules > 1)
-        reading.notes.push_back(
-            {Severity::Warning,
-             "the text holds " + std::to_string(rules) +
-                 " rules; each is taken on its own, and nested rules would mean something else"});
+    if (rules > 1) reading.notes.push_back(Note(NoteCode::RuleSeveral, 0, {std::to_string(rules)}));
 }
 
 }  // namespace qel::calendar

@@ -6,6 +6,29 @@
 
 namespace qel::calendar {
 
+namespace {
+
+// A rule that cannot be read is kept as text with its entry only when it is alone.
+void markLostRules(std::vector<Note>& notes) {
+    for (Note& note : notes) {
+        switch (note.code) {
+            case NoteCode::RuleWithinDay:
+                note = Note(NoteCode::RuleOfSeveralWithinDay, 0, {note.text()});
+                break;
+            case NoteCode::RuleEndInvalid:
+            case NoteCode::RuleFrequencyUnknown:
+            case NoteCode::RuleFrequencyMissing:
+            case NoteCode::RuleNothingLeft:
+                note = Note(NoteCode::RuleOfSeveralInvalid, 0, {note.text()});
+                break;
+            default:
+                break;
+        }
+    }
+}
+
+}  // namespace
+
 RuleForm guessRuleForm(std::string_view text) {
     const std::string capitals = upper(text.substr(0, 4096));
     if (capitals.find("FREQ=") != std::string::npos) return RuleForm::ICalendar;
@@ -16,16 +39,16 @@ RuleReading readRules(std::string_view text, RuleForm form, const std::optional<
     RuleReading reading;
     text = trimmed(text);
     if (text.empty()) {
-        reading.notes.push_back({Severity::Note, "the rule is empty"});
+        reading.notes.emplace_back(NoteCode::RuleEmpty);
         return reading;
     }
     // Files of one format carry rules of the other.
     if (form == RuleForm::VCalendar10 && guessRuleForm(text) == RuleForm::ICalendar) {
         form = RuleForm::ICalendar;
-        reading.notes.push_back({Severity::Note, "the rule is an iCalendar rule"});
+        reading.notes.emplace_back(NoteCode::RuleIsICalendar);
     } else if (form == RuleForm::ICalendar && guessRuleForm(text) == RuleForm::VCalendar10) {
         form = RuleForm::VCalendar10;
-        reading.notes.push_back({Severity::Note, "the rule is read as a vCalendar 1.0 rule"});
+        reading.notes.emplace_back(NoteCode::RuleIsVCalendar);
     }
     switch (form) {
         case RuleForm::VCalendar10:
@@ -38,6 +61,7 @@ RuleReading readRules(std::string_view text, RuleForm form, const std::optional<
             readPositionalRule(text, start, reading);
             break;
     }
+    if (!reading.rules.empty()) markLostRules(reading.notes);
     return reading;
 }
 

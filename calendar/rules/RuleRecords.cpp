@@ -61,20 +61,15 @@ std::string positionalText(const Rule& piece) {
 
 void noteLimits(const Rule& rule, std::vector<Note>& notes) {
     if (rule.interval > kMostInRecord || rule.count > kMostInRecord)
-        notes.push_back({Severity::Warning, "a record holds no number beyond 32767"});
-    if (endsPastCalendar(rule))
-        notes.push_back({Severity::Note, "a record holds no end past 31 December 2499"});
+        notes.emplace_back(NoteCode::RecordNumberLimit);
+    if (endsPastCalendar(rule)) notes.emplace_back(NoteCode::RecordEndLimit);
     if (!rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty())
-        notes.push_back({Severity::Warning, "a record holds no times of day"});
+        notes.emplace_back(NoteCode::RecordTimesIgnored);
     if (rule.setPositions.size() > kMostPositions)
-        notes.push_back({Severity::Warning, "a record holds no more than four positions"});
+        notes.emplace_back(NoteCode::RecordPositionLimit);
     if (anyPosition(rule.days) && !rule.setPositions.empty())
-        notes.push_back({Severity::Warning,
-                         "a record does not hold positions of weekdays and BYSETPOS together"});
-    if (rule.count > 0 && piecesOf(rule).size() > 1)
-        notes.push_back({Severity::Note,
-                         "the rule takes several records; its count is the count "
-                         "of all their dates together"});
+        notes.emplace_back(NoteCode::RecordPositionsTogether);
+    if (rule.count > 0 && piecesOf(rule).size() > 1) notes.emplace_back(NoteCode::RecordSeveral);
 }
 
 }  // namespace

@@ -151,10 +151,14 @@ class VTimezoneZone {
         if (++ruleLines_ > kMostRuleLines) return;
         const Civil civil = civilOf(first.day);
         RuleStart start{civil.year, civil.month, civil.day, first.second, false, before};
-        const RuleReading reading = readRules(line.value, RuleForm::ICalendar, start);
-        for (const Note& note : reading.notes)
-            if (note.severity() != Severity::Note)
-                sink_(Note(note.severity(), note.text(), line.number));
+        RuleReading reading = readRules(line.value, RuleForm::ICalendar, start);
+        for (Note& note : reading.notes) {
+            if (note.severity() == Severity::Note) continue;
+            note.line = line.number;
+            note.property = line.name;
+            note.excerpt = trimmed(line.value).substr(0, kLongestExcerpt);
+            sink_(std::move(note));
+        }
         for (const Rule& rule : reading.rules) {
             // The hour of the change is DTSTART's, whatever the rule repeats of it.
             RuleLimits limits;
