@@ -15,10 +15,6 @@ namespace {
 const std::int64_t kFirstSecond = std::int64_t{dayNumber(1, 1, 1)} * kDaySeconds;
 const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeconds - 1;
 
-std::string inQuotes(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
 // Says what is wrong, if anybody asks, and is what a failed reader returns.
 template <class... Parts>
 std::nullopt_t failed(std::string* problem, const Parts&... parts) {
@@ -79,22 +75,39 @@ std::optional<int> takeTime(std::string_view& text, std::string* problem) {
     return *hour * 3600 + *minute * 60 + second;
 }
 
-// The unit's share of a day or a second, negative for days; 0 for a letter that may not come there.
-int unitOf(char letter, bool inTime) {
+// One of a unit; nothing for a letter that may not come there.
+std::optional<Duration> unitOf(char letter, bool inTime) {
     switch (toUpper(letter)) {
         case 'W':
-            return inTime ? 0 : -7;
+            return inTime ? std::nullopt : std::optional(Duration{7, 0});
         case 'D':
-            return inTime ? 0 : -1;
+            return inTime ? std::nullopt : std::optional(Duration{1, 0});
         case 'H':
-            return inTime ? 3600 : 0;
+            return inTime ? std::optional(Duration{0, 3600}) : std::nullopt;
         case 'M':
-            return inTime ? 60 : 0;
+            return inTime ? std::optional(Duration{0, 60}) : std::nullopt;
         case 'S':
-            return inTime ? 1 : 0;
+            return inTime ? std::optional(Duration{0, 1}) : std::nullopt;
         default:
-            return 0;
+            return std::nullopt;
     }
+}
+
+// Takes a number with its unit off the front of `text`. REQUIRES: !text.empty()
+std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
+                                         std::string* problem) {
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    if (digits == 0) return failed(problem, "a number is missing before ", quoted(text));
+    if (digits == text.size()) return failed(problem, "a unit is missing after ", quoted(text));
+    const std::int64_t number = *parseInt(text.substr(0, digits));
+    const auto unit = unitOf(text[digits], inTime);
+    if (!unit)
+        return failed(problem, quoted(text.substr(digits, 1)),
+                      inTime ? " is not a unit of time; they are H, M and S"
+                             : " is not a unit of days; they are W and D, and \"T\" must come "
+                               "before H, M and S");
+    text.remove_prefix(digits + 1);
+    return Duration{number * unit->days, number * unit->seconds};
 }
 
 // REQUIRES: 0..99.
@@ -190,22 +203,10 @@ std::optional<Duration> parseDuration(std::string_view text, std::string* proble
             text.remove_prefix(1);
             continue;
         }
-        const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
-        if (digits == 0) return failed(problem, "a number is missing before ", inQuotes(text));
-        if (digits == text.size())
-            return failed(problem, "a unit is missing after ", inQuotes(text));
-        const std::int64_t number = *parseInt(text.substr(0, digits));
-        const int unit = unitOf(text[digits], inTime);
-        if (unit == 0)
-            return failed(problem, inQuotes(text.substr(digits, 1)),
-                          inTime ? " is not a unit of time; they are H, M and S"
-                                 : " is not a unit of days; they are W and D, and \"T\" must come "
-                                   "before H, M and S");
-        text.remove_prefix(digits + 1);
-        if (unit < 0)
-            result.days += number * -unit;
-        else
-            result.seconds += number * unit;
+        const auto part = takeDurationPart(text, inTime, problem);
+        if (!part) return std::nullopt;
+        result.days += part->days;
+        result.seconds += part->seconds;
         // Far beyond any calendar, and far from overflow.
         if (result.total() > 400LL * 366 * kDaySeconds)
             return failed(problem, "it is longer than 400 years");

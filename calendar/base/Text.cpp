@@ -4,28 +4,47 @@
 
 namespace qel::calendar {
 
+namespace {
+
+// By its first byte; 0 when no character begins with it.
+std::size_t lengthOfLead(unsigned lead) {
+    if (lead < 0x80U) return 1;
+    if (lead < 0xC2U || lead > 0xF4U) return 0;
+    if (lead < 0xE0U) return 2;
+    return lead < 0xF0U ? 3 : 4;
+}
+
+bool isContinuation(unsigned byte) {
+    return (byte & 0xC0U) == 0x80U;
+}
+
+bool maySecondFollow(unsigned lead, unsigned second) {
+    if (!isContinuation(second)) return false;
+    switch (lead) {
+        case 0xE0U:
+            return second >= 0xA0U;  // else overlong
+        case 0xEDU:
+            return second <= 0x9FU;  // else a surrogate
+        case 0xF0U:
+            return second >= 0x90U;  // else overlong
+        case 0xF4U:
+            return second <= 0x8FU;  // else beyond U+10FFFF
+        default:
+            return true;
+    }
+}
+
+}  // namespace
+
 std::size_t utf8CharacterLength(std::string_view text) {
     assert(!text.empty());
-    const auto at = [text](std::size_t i) -> unsigned {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-    };
-    const auto continues = [&at](std::size_t i) { return (at(i) & 0xC0U) == 0x80U; };
-    const unsigned lead = at(0);
-    if (lead < 0x80U) return 1;
-    if (lead >= 0xC2U && lead <= 0xDFU) return continues(1) ? 2 : 0;
-    if (lead >= 0xE0U && lead <= 0xEFU) {
-        if (!continues(1) || !continues(2)) return 0;
-        if (lead == 0xE0U && at(1) < 0xA0U) return 0;  // overlong
-        if (lead == 0xEDU && at(1) > 0x9FU) return 0;  // a surrogate
-        return 3;
-    }
-    if (lead >= 0xF0U && lead <= 0xF4U) {
-        if (!continues(1) || !continues(2) || !continues(3)) return 0;
-        if (lead == 0xF0U && at(1) < 0x90U) return 0;  // overlong
-        if (lead == 0xF4U && at(1) > 0x8FU) return 0;  // beyond U+10FFFF
-        return 4;
-    }
-    return 0;
+    const auto at = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const std::size_t length = lengthOfLead(at(0));
+    if (length <= 1) return length;
+    if (text.size() < length || !maySecondFollow(at(0), at(1))) return 0;
+    for (std::size_t each = 2; each < length; ++each)
+        if (!isContinuation(at(each))) return 0;
+    return length;
 }
 
 bool isUtf8(std::string_view text) {
