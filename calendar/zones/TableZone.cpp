@@ -19,7 +19,6 @@ constexpr int kLastTableYear = 2010;
 constexpr int kUtcZone = 22;
 constexpr int kFirstYear = 1900;  // of all times that QelUtility knows
 constexpr int kLastYear = 2499;
-constexpr std::int64_t kDaySeconds = 86400;
 constexpr std::int64_t kEndOfTime = dayNumber(kLastYear + 1, 1, 1) * kDaySeconds;
 
 std::int64_t midnight(int year, int month, int day) {
