@@ -8,7 +8,8 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/EntryReader.h"
-#include "calendar/formats/EntryWriter.h"
+#include "calendar/formats/ICalWriter.h"
+#include "calendar/formats/VCalWriter.h"
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
@@ -259,13 +260,9 @@ class Converter::File {
         }
         // Notes about lines before the entry are about the calendar, or about what was left out.
         dropNotesBefore(entry->line);
-        // The writer changes the entry.
-        std::optional<Entry> asRead;
-        if (wantsLines_) asRead = *entry;
         owner_.writer().keepEntryLines(wantsLines_);
         owner_.writer().write(*entry);
-        ConvertedEntry converted{
-            asRead ? *asRead : *entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
+        ConvertedEntry converted{*entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
         if (wantsLines_) {
             const SourceLines::Lines lines =
                 source_.entry(entry->line, entry->component, kMostSource);

@@ -38,6 +38,14 @@ std::optional<Moment> Entry::toUtc(const Moment& moment) const {
     return zone->toUtc(moment);
 }
 
+Moment Entry::later(const Moment& moment, std::int64_t seconds) const {
+    if (moment.clock == Clock::Zoned && zone != nullptr && !moment.isDate) {
+        const Moment utc = zone->toUtc(moment);
+        return zone->toLocal(momentAt(utc, utc.seconds() + seconds));
+    }
+    return momentAt(moment, moment.seconds() + seconds);
+}
+
 Moment Entry::inClockOf(const Moment& like, const Moment& moment) const {
     Moment result = moment;
     if (moment.isDate) {

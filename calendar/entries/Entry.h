@@ -111,6 +111,8 @@ struct Entry {
     // is a date, that day at the time of `like`. Floating moments have no zone to move by: they
     // keep their wall clock.
     [[nodiscard]] Moment inClockOf(const Moment& like, const Moment& moment) const;
+    // `moment` after `seconds` of elapsed time, on its own clock.
+    [[nodiscard]] Moment later(const Moment& moment, std::int64_t seconds) const;
     // UTC where that can be known.
     [[nodiscard]] std::optional<Moment> toUtc(const Moment& moment) const;
 };

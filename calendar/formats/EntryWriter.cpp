@@ -2,8 +2,6 @@
 
 #include <ostream>
 
-#include "calendar/text/ContentText.h"
-
 namespace qel::calendar {
 
 namespace {
@@ -32,11 +30,6 @@ void EntryWriter::flush() {
     out_.write(text_.data(), static_cast<std::streamsize>(text_.size()));
     text_.clear();
     entryBegin_ = 0;
-}
-
-void ICalWriter::fold(std::string_view line) {
-    addFolded(text(), line);
-    endLine();
 }
 
 }  // namespace qel::calendar

@@ -1,8 +1,10 @@
-// Calendars of iCalendar 2.0, and the entry that stands in them.
-#include "calendar/base/Ascii.h"
+#include "calendar/formats/ICalWriter.h"
+
+#include <utility>
+
 #include "calendar/formats/ICalEntry.h"
+#include "calendar/formats/ICalSettle.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/Digest.h"
 
 namespace qel::calendar {
 
@@ -12,43 +14,6 @@ namespace {
 constexpr std::size_t kMostZones = 1000;
 
 }  // namespace
-
-void ICalEntry::write() {
-    settleStart();
-    settleEnd();
-    settleDue();
-    if (entry_.kind == EntryKind::Journal) entry_.duration.reset();
-    addDates();
-    addRecurrence();
-    for (const EntryProperty& property : entry_.properties) addProperty(property);
-    const EntryProperty* summary = entry_.find("SUMMARY");
-    if (summary != nullptr && !trimmed(summary->value()).empty()) summary_ = summary->value();
-    for (const Alarm& alarm : entry_.alarms) addAlarm(alarm);
-    if (writer_.zones_.size() >= kMostZones) writer_.close();
-    writer_.open();
-    if (usesZone_ && writer_.zones_.insert(entry_.zone->id()).second)
-        for (const std::string& each : entry_.zone->vTimezone()) writer_.fold(each);
-    const char* name = entry_.kind == EntryKind::Event  ? "VEVENT"
-                       : entry_.kind == EntryKind::Todo ? "VTODO"
-                                                        : "VJOURNAL";
-    writer_.beginEntry();
-    writer_.text() += "BEGIN:";
-    writer_.put(name);
-    addICalendarLine(writer_.text(), "UID", {}, uid(), Value::Escaped);
-    writer_.text() += lines_;
-    writer_.text() += alarmLines_;
-    writer_.text() += "END:";
-    writer_.put(name);
-}
-
-std::string ICalEntry::uid() const {
-    if (!entry_.uid.empty()) return entry_.uid;
-    return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
-}
-
-void ICalEntry::tell(Severity severity, const std::string& message, std::size_t at) {
-    writer_.tell(severity, at == 0 ? entry_.line : at, message);
-}
 
 void ICalWriter::calendar(const std::vector<EntryProperty>& properties) {
     header_.clear();
@@ -74,10 +39,38 @@ void ICalWriter::close() {
     open_ = false;
 }
 
-void ICalWriter::write(Entry& entry) {
+void ICalWriter::write(const Entry& read) {
+    SettledEntry settled = settledForICalendar(read);
+    report(std::move(settled.notes));
+    const Entry& entry = settled.entry();
     lines_.clear();
     alarmLines_.clear();
-    ICalEntry(*this, entry, lines_, alarmLines_).write();
+    ICalEntry formatted(settled, lines_, alarmLines_);
+    formatted.addLines();
+    if (zones_.size() >= kMostZones) close();
+    open();
+    if (formatted.usesZone()) writeZone(*entry.zone);
+    const char* name = entry.kind == EntryKind::Event  ? "VEVENT"
+                       : entry.kind == EntryKind::Todo ? "VTODO"
+                                                       : "VJOURNAL";
+    beginEntry();
+    text() += "BEGIN:";
+    put(name);
+    addICalendarLine(text(), "UID", {}, formatted.uid(), Value::Escaped);
+    text() += lines_;
+    text() += alarmLines_;
+    text() += "END:";
+    put(name);
+}
+
+void ICalWriter::writeZone(const Zone& zone) {
+    if (!zones_.insert(zone.id()).second) return;
+    for (const std::string& each : zone.vTimezone()) fold(each);
+}
+
+void ICalWriter::fold(std::string_view line) {
+    addFolded(text(), line);
+    endLine();
 }
 
 void ICalWriter::finish() {

@@ -1,10 +1,12 @@
-// Calendars of vCalendar 1.0, and the entry that stands in them.
+#include "calendar/formats/VCalWriter.h"
+
 #include <algorithm>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/formats/VCalEntry.h"
+#include "calendar/formats/VCalSettle.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/text/ContentText.h"
 
@@ -15,84 +17,43 @@ namespace {
 // DAYLIGHT lines for an endless series reach this far.
 constexpr int kYearsAhead = 10;
 
-}  // namespace
-
-void VCalEntry::write() {
-    if (entry_.kind == EntryKind::Journal) {
-        writeNote();
-        return;
-    }
-    openCalendar();
-    const EntryProperty* component = entry_.find("X-VCAL-COMPONENT");
-    std::string name = entry_.kind == EntryKind::Event ? "VEVENT" : "VTODO";
-    if (component != nullptr && equalsIgnoreCase(component->value(), "VEVENT")) name = "VEVENT";
-    writer_.beginEntry();
-    writer_.text() += "BEGIN:";
-    writer_.put(name);
-    if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
-    addDates();
-    addRecurrence();
-    for (const EntryProperty& property : entry_.properties) addProperty(property);
-    for (const Alarm& alarm : entry_.alarms) addAlarm(alarm);
-    writer_.text() += "END:";
-    writer_.put(name);
-}
-
-void VCalEntry::tell(Severity severity, const std::string& message, std::size_t at) {
-    writer_.tell(severity, at == 0 ? entry_.line : at, message);
-}
-
-void VCalEntry::line(std::string_view name, const std::vector<Parameter>& parameters,
-                     std::string_view value) {
-    addVCalendarLine(writer_.text(), name, parameters, value);
-    writer_.endLine();
-}
-
-bool VCalEntry::uses(Clock clock) const {
+bool uses(const Entry& entry, Clock clock) {
     const auto is = [&](const Moment& moment) { return !moment.isDate && moment.clock == clock; };
-    for (const auto* each : {&entry_.start, &entry_.end, &entry_.due, &entry_.completed,
-                             &entry_.created, &entry_.modified, &entry_.recurrenceId})
+    for (const auto* each : {&entry.start, &entry.end, &entry.due, &entry.completed, &entry.created,
+                             &entry.modified, &entry.recurrenceId})
         if (*each && is(**each)) return true;
     const auto isAlarm = [&](const Alarm& alarm) { return alarm.at && is(*alarm.at); };
-    return std::any_of(entry_.dates.begin(), entry_.dates.end(), is) ||
-           std::any_of(entry_.excluded.begin(), entry_.excluded.end(), is) ||
-           std::any_of(entry_.alarms.begin(), entry_.alarms.end(), isAlarm);
+    return std::any_of(entry.dates.begin(), entry.dates.end(), is) ||
+           std::any_of(entry.excluded.begin(), entry.excluded.end(), is) ||
+           std::any_of(entry.alarms.begin(), entry.alarms.end(), isAlarm);
 }
 
-void VCalEntry::openCalendar() {
-    if (entry_.zone != nullptr && uses(Clock::Zoned)) {
-        const auto [first, last] = years();
-        writer_.open(entry_.zone, first, last);
-        return;
-    }
-    const bool dayWithAlarm = entry_.start && entry_.start->isDate && !entry_.alarms.empty();
-    const bool utcSeries = entry_.start && entry_.start->clock == Clock::Utc &&
-                           (entry_.recurs() || !entry_.excluded.empty());
-    if (!writer_.open_ || writer_.headerChanged_ ||
-        (writer_.zone_ != nullptr && (uses(Clock::Floating) || dayWithAlarm || utcSeries)))
-        writer_.open(nullptr, 0, 0);
+int lastYear(const Entry& entry, const Rule& rule, const RuleLimits& limits) {
+    const std::vector<int> days = expandRule(rule, entry.ruleStart(), limits);
+    return days.empty() ? 0 : civilOf(days.back()).year;
 }
 
-std::pair<int, int> VCalEntry::years() const {
+// The years in which the zone's changes matter to this entry.
+std::pair<int, int> yearsOf(const Entry& entry) {
     int first = 9999;
     int last = 0;
-    for (const auto* each : {&entry_.start, &entry_.end, &entry_.due, &entry_.completed,
-                             &entry_.created, &entry_.modified, &entry_.recurrenceId}) {
+    for (const auto* each : {&entry.start, &entry.end, &entry.due, &entry.completed, &entry.created,
+                             &entry.modified, &entry.recurrenceId}) {
         if (!*each) continue;
         first = std::min(first, civilOf((*each)->day).year);
         last = std::max(last, civilOf((*each)->day).year);
     }
-    for (const auto* list : {&entry_.dates, &entry_.excluded})
+    for (const auto* list : {&entry.dates, &entry.excluded})
         for (const Moment& each : *list) last = std::max(last, civilOf(each.day).year);
     if (first > last) first = last = 2000;
-    if (entry_.start) {
-        for (const EntryRule& each : entry_.rules) {
+    if (entry.start) {
+        for (const EntryRule& each : entry.rules) {
             for (const Rule& rule : each.rules) {
                 RuleLimits limits;
                 limits.most = 10000;
-                limits.lastYear = std::min(civilOf(entry_.start->day).year + 30, 2499);
-                const int end = rule.endless() ? civilOf(entry_.start->day).year + kYearsAhead
-                                               : lastYear(rule, limits);
+                limits.lastYear = std::min(civilOf(entry.start->day).year + 30, 2499);
+                const int end = rule.endless() ? civilOf(entry.start->day).year + kYearsAhead
+                                               : lastYear(entry, rule, limits);
                 last = std::max(last, end);
             }
         }
@@ -100,28 +61,30 @@ std::pair<int, int> VCalEntry::years() const {
     return {first, std::min(last, first + 50)};
 }
 
-int VCalEntry::lastYear(const Rule& rule, const RuleLimits& limits) const {
-    const std::vector<int> days = expandRule(rule, entry_.ruleStart(), limits);
-    return days.empty() ? 0 : civilOf(days.back()).year;
+}  // namespace
+
+void VCalWriter::openFor(const Entry& entry) {
+    if (entry.zone != nullptr && uses(entry, Clock::Zoned)) {
+        const auto [first, last] = yearsOf(entry);
+        open(entry.zone, first, last);
+        return;
+    }
+    const bool dayWithAlarm = entry.start && entry.start->isDate && !entry.alarms.empty();
+    const bool utcSeries = entry.start && entry.start->clock == Clock::Utc &&
+                           (entry.recurs() || !entry.excluded.empty());
+    if (!open_ || headerChanged_ ||
+        (zone_ != nullptr && (uses(entry, Clock::Floating) || dayWithAlarm || utcSeries)))
+        open(nullptr, 0, 0);
 }
 
-void VCalEntry::writeNote() {
-    writer_.close();
-    writer_.any_ = true;
-    writer_.beginEntry();
-    writer_.put("BEGIN:VNOTE");
-    writer_.put("VERSION:1.1");
-    if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
-    std::string body;
-    for (const EntryProperty& each : entry_.properties)
-        if (each.name == "DESCRIPTION") body += (body.empty() ? "" : "\n\n") + each.value();
-    line("BODY", {}, body);
-    addDates();
-    addRecurrence();
-    for (const EntryProperty& property : entry_.properties)
-        if (property.name != "DESCRIPTION") addProperty(property);
-    for (const Alarm& alarm : entry_.alarms) addAlarm(alarm);
-    writer_.put("END:VNOTE");
+void VCalWriter::writeNote(const SettledEntry& settled) {
+    close();
+    any_ = true;
+    beginEntry();
+    put("BEGIN:VNOTE");
+    put("VERSION:1.1");
+    VCalEntry(settled, text()).addNoteLines();
+    put("END:VNOTE");
 }
 
 void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {
@@ -147,7 +110,7 @@ void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     put("BEGIN:VCALENDAR");
     put("VERSION:1.0");
     put("PRODID:" + std::string(kProduct));
-    // Some years more, so that the entries that follow find room.
+    // Some years more, so that the entries that follow need no calendar of their own.
     firstYear_ = firstYear;
     lastYear_ = std::max(lastYear, firstYear + kYearsAhead);
     if (zone != nullptr)
@@ -172,8 +135,22 @@ void VCalWriter::close() {
     open_ = false;
 }
 
-void VCalWriter::write(Entry& entry) {
-    VCalEntry(*this, entry).write();
+void VCalWriter::write(const Entry& read) {
+    SettledEntry settled = settledForVCalendar(read);
+    report(std::move(settled.notes));
+    const Entry& entry = settled.entry();
+    if (entry.kind == EntryKind::Journal) return writeNote(settled);
+    openFor(read);
+    const EntryProperty* component = entry.find("X-VCAL-COMPONENT");
+    const bool isEvent = entry.kind == EntryKind::Event ||
+                         (component != nullptr && equalsIgnoreCase(component->value(), "VEVENT"));
+    const char* name = isEvent ? "VEVENT" : "VTODO";
+    beginEntry();
+    text() += "BEGIN:";
+    put(name);
+    VCalEntry(settled, text()).addLines();
+    text() += "END:";
+    put(name);
 }
 
 void VCalWriter::finish() {

@@ -90,7 +90,7 @@ class EntryCatcher final : public EntryWriter {
     EntryCatcher(std::ostream& out, std::vector<Entry>& entries)
         : EntryWriter(out, [](const Note&) {}), entries_(entries) {}
     void calendar(const std::vector<EntryProperty>&) override {}
-    void write(Entry& entry) override { entries_.push_back(entry); }
+    void write(const Entry& entry) override { entries_.push_back(entry); }
     void finish() override {}
 
   private:

@@ -1,8 +1,8 @@
-// Properties and alarms of an entry in vCalendar 1.0.
-#include <algorithm>
+#include "calendar/formats/VCalEntry.h"
 
 #include "calendar/base/Ascii.h"
-#include "calendar/formats/VCalEntry.h"
+#include "calendar/formats/AlarmText.h"
+#include "calendar/formats/EntryWriter.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/text/ContentText.h"
 #include "calendar/text/Escapes.h"
@@ -10,6 +10,9 @@
 namespace qel::calendar {
 
 namespace {
+
+// Dates on one RDATE or EXDATE line; phones have short line buffers.
+constexpr std::size_t kDatesOnLine = 4;
 
 bool isVCalendarName(PropertyName name) {
     switch (name) {
@@ -56,10 +59,108 @@ std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& param
     return result;
 }
 
+void VCalEntry::addLines() {
+    addUid();
+    addDates();
+    addRecurrence();
+    for (const EntryProperty& property : entry_.properties) addProperty(property);
+    addAlarms();
+}
+
+void VCalEntry::addNoteLines() {
+    addUid();
+    std::string body;
+    for (const EntryProperty& each : entry_.properties)
+        if (each.name == "DESCRIPTION") body += (body.empty() ? "" : "\n\n") + each.value();
+    line("BODY", {}, body);
+    addDates();
+    addRecurrence();
+    for (const EntryProperty& property : entry_.properties)
+        if (property.name != "DESCRIPTION") addProperty(property);
+    addAlarms();
+}
+
+void VCalEntry::line(std::string_view name, const std::vector<Parameter>& parameters,
+                     std::string_view value) {
+    addVCalendarLine(lines_, name, parameters, value);
+    lines_ += "\r\n";
+}
+
+void VCalEntry::addUid() {
+    if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
+}
+
+std::string VCalEntry::dateText(const Moment& moment) const {
+    std::string text = formatMoment(moment);
+    if (moment.isDate && entry_.start && entry_.start->isDate && allDay_) text += "T000000";
+    return text;
+}
+
+void VCalEntry::addDates() {
+    if (entry_.duration) line("X-ICAL-DURATION", {}, formatDuration(*entry_.duration));
+    if (entry_.start) line("DTSTART", {}, dateText(*entry_.start));
+    if (entry_.end) line("DTEND", {}, dateText(*entry_.end));
+    if (entry_.due) line("DUE", {}, dateText(*entry_.due));
+    if (entry_.completed) line("COMPLETED", {}, formatMoment(*entry_.completed));
+    if (entry_.created) line("DCREATED", {}, formatMoment(*entry_.created));
+    if (entry_.modified) line("LAST-MODIFIED", {}, formatMoment(*entry_.modified));
+    if (entry_.recurrenceId) {
+        std::vector<Parameter> parameters;
+        if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
+        line("X-RECURRENCE-ID", parameters, dateText(*entry_.recurrenceId));
+    }
+    addStamp();
+}
+
+void VCalEntry::addStamp() {
+    const bool fallback = entry_.stamp && entry_.stamp->seconds() == kNoStamp.seconds();
+    if (!entry_.stamp || fallback) return;
+    for (const auto* each : {&entry_.modified, &entry_.created, &entry_.start, &entry_.due}) {
+        if (!*each) continue;
+        Moment derived = entry_.toUtc(**each).value_or(**each);
+        derived.isDate = false;
+        if (derived.seconds() == entry_.stamp->seconds()) return;
+        break;
+    }
+    line("X-ICAL-DTSTAMP", {}, formatMoment(*entry_.stamp));
+}
+
+void VCalEntry::addRecurrence() {
+    if (!entry_.start) return;
+    for (const SettledRule& rule : settled_.rules)
+        if (rule.name.starts_with(kICalendarPrefix))
+            line(rule.name, {}, rule.text);
+        else
+            plainLine(rule.name, rule.text);
+    addDateList("RDATE", entry_.dates);
+    addDateList("EXDATE", entry_.excluded);
+}
+
+void VCalEntry::plainLine(std::string_view name, std::string_view value) {
+    lines_ += name;
+    lines_ += ':';
+    lines_ += value;
+    lines_ += "\r\n";
+}
+
+void VCalEntry::addDateList(std::string_view name, const std::vector<Moment>& dates) {
+    std::string value;
+    std::size_t count = 0;
+    for (const Moment& date : dates) {
+        const Moment moment = entry_.inClockOf(*entry_.start, date);
+        value += (value.empty() ? "" : ";") + dateText(moment);
+        if (++count % kDatesOnLine == 0) {
+            plainLine(name, value);
+            value.clear();
+        }
+    }
+    if (!value.empty()) plainLine(name, value);
+}
+
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
     const PropertyName id = propertyName(name);
-    // Where there is no value, parsers of the time take the next line for it.
+    // Without a value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
     if (name.starts_with(kVCalendarPrefix)) {
         const std::string own = name.substr(kVCalendarPrefix.size());
@@ -96,7 +197,7 @@ void VCalEntry::addList(const EntryProperty& property) {
     for (const std::string& item : property.items) {
         if (!value.empty()) value += ';';
         value += escapeVCalendar(item, ";,");
-        // A backslash at an item's end would swallow the semicolon behind it.
+        // A backslash at an item's end would swallow the semicolon after it.
         if (item.ends_with('\\')) {
             line(property.name, parameters, value);
             value.clear();
@@ -108,15 +209,10 @@ void VCalEntry::addList(const EntryProperty& property) {
 void VCalEntry::addStatus(const EntryProperty& property) {
     const std::string_view own = statusToVCalendar(property.value(), entry_.kind);
     const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
-    if (!own.empty()) {
+    if (own.empty())
+        line("X-ICAL-STATUS", parameters, property.value());
+    else
         line("STATUS", parameters, own);
-        return;
-    }
-    line("X-ICAL-STATUS", parameters, property.value());
-    if (equalsIgnoreCase(property.value(), "CANCELLED"))
-        tell(Severity::Warning,
-             "vCalendar 1.0 cannot say that an entry is cancelled; it is kept as X-ICAL-STATUS",
-             property.line);
 }
 
 void VCalEntry::addPosition(const EntryProperty& property) {
@@ -173,7 +269,8 @@ void VCalEntry::addAttachment(const EntryProperty& property) {
     if (property.type == EntryProperty::Type::Base64) {
         parameters.push_back({"VALUE", "INLINE"});
         parameters.push_back({"ENCODING", "BASE64"});
-        writer_.put(vCalendarBase64("ATTACH", parameters, property.value()));
+        lines_ += vCalendarBase64("ATTACH", parameters, property.value());
+        lines_ += "\r\n";
         return;
     }
     const std::string& value = property.value();
@@ -187,51 +284,10 @@ void VCalEntry::addAttachment(const EntryProperty& property) {
     }
 }
 
-std::optional<Moment> VCalEntry::alarmMoment(const Alarm& alarm) const {
-    if (alarm.at) return alarm.at;
-    std::optional<Moment> anchor = entry_.start;
-    if (alarm.fromEnd || !anchor) {
-        const std::optional<Moment>& end = entry_.kind == EntryKind::Todo ? entry_.due : entry_.end;
-        if (end) anchor = end;
-    }
-    if (!anchor) return std::nullopt;
-    Moment moment = later(*anchor, alarm.offset);
-    moment.isDate = false;
-    return moment;
-}
-
-void VCalEntry::addAlarm(const Alarm& alarm) {
-    const auto when = alarmMoment(alarm);
-    if (alarm.action == Alarm::Action::Other || !when) {
-        tell(Severity::Warning,
-             alarm.action == Alarm::Action::Other
-                 ? "vCalendar 1.0 has no alarm " + quoted(alarm.actionName) + "; it is left out"
-                 : "the alarm has nothing that it could be relative to; it is left out",
-             alarm.line);
-        return;
-    }
-    std::string lost;
-    for (const EntryProperty& other : alarm.others) lost += (lost.empty() ? "" : ", ") + other.name;
-    if (!lost.empty())
-        tell(Severity::Warning, "an alarm of vCalendar 1.0 has no room for " + lost + "; left out",
-             alarm.line);
-    std::string value = formatMoment(*when);
-    const std::string fields = alarm.fromVCalendar ? alarm.fields : writeAlarmFields(alarm);
-    if (!fields.empty()) value += ";" + fields;
-    const std::string name(alarmName(alarm.action));
-    std::vector<Parameter> parameters = alarm.parameters;
-    const bool takesUri =
-        alarm.action == Alarm::Action::Audio || alarm.action == Alarm::Action::Procedure;
-    if (takesUri && isUri(alarm.text) && parameterOf(parameters, "VALUE").empty())
-        parameters.push_back({"VALUE", "URL"});
-    const bool binary =
-        std::any_of(alarm.parameters.begin(), alarm.parameters.end(),
-                    [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
-    if (binary) {
-        // The fields before the sound stand on the first line.
-        writer_.put(vCalendarBase64(name, parameters, value));
-    } else {
-        line(name, parameters, value);
+void VCalEntry::addAlarms() {
+    for (const Alarm& alarm : entry_.alarms) {
+        addVCalendarAlarm(lines_, entry_, alarm);
+        lines_ += "\r\n";
     }
 }
 

@@ -1,0 +1,201 @@
+#include "calendar/formats/AlarmText.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/ICalEntry.h"
+#include "calendar/formats/Vocabulary.h"
+#include "calendar/text/ContentText.h"
+#include "calendar/text/Escapes.h"
+#include "calendar/text/TransferEncodings.h"
+
+namespace qel::calendar {
+
+namespace {
+
+using Action = Alarm::Action;
+
+std::string keptName(const Alarm& alarm) {
+    return std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action));
+}
+
+std::vector<Parameter> carriedParameters(const std::vector<Parameter>& parameters) {
+    std::vector<Parameter> carried;
+    for (const Parameter& each : parameters) {
+        const std::string name = each.name.empty() ? "PARAMETER" : each.name;
+        carried.push_back(
+            {name.starts_with("X-") ? name : std::string(kVCalendarPrefix) + name, each.value});
+    }
+    return carried;
+}
+
+bool isBinary(const Alarm& alarm) {
+    return std::any_of(
+        alarm.parameters.begin(), alarm.parameters.end(),
+        [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
+}
+
+std::string triggerLine(const AlarmTrigger& trigger) {
+    if (trigger.at)
+        return iCalendarLine("TRIGGER", {{"VALUE", "DATE-TIME"}}, formatMoment(*trigger.at));
+    std::vector<Parameter> parameters;
+    if (trigger.fromEnd) parameters.push_back({"RELATED", "END"});
+    return iCalendarLine("TRIGGER", parameters, formatDuration(trigger.offset));
+}
+
+// The lines of a VALARM for what an alarm does.
+class ActionLines {
+  public:
+    ActionLines(std::string& out, const Alarm& alarm, std::string_view summary)
+        : out_(out), alarm_(alarm), summary_(summary) {
+        written_.action = alarm.action;
+    }
+
+    void addRepetition() {
+        if (!alarm_.snooze || *alarm_.snooze <= 0 || !alarm_.repeat || *alarm_.repeat <= 0) return;
+        addICalendarLine(out_, "DURATION", {}, formatDuration(*alarm_.snooze));
+        addICalendarLine(out_, "REPEAT", {}, std::to_string(*alarm_.repeat));
+        written_.snooze = alarm_.snooze;
+        written_.repeat = alarm_.repeat;
+    }
+
+    void addAction() {
+        switch (alarm_.action) {
+            case Action::Audio:
+                out_ += "ACTION:AUDIO\r\n";
+                return addSound();
+            case Action::Procedure:
+                out_ += "ACTION:PROCEDURE\r\n";
+                return addSound();
+            case Action::Email:
+                if (addressFromVCalendar(alarm_.address).uri.starts_with("mailto:"))
+                    return addEmail();
+                // There is nobody to write to: the person is reminded here.
+                [[fallthrough]];
+            case Action::Display:
+                out_ += "ACTION:DISPLAY\r\n";
+                return addDescription();
+            case Action::Other:
+                addICalendarLine(out_, "ACTION", {}, alarm_.actionName);
+                if (alarm_.hasText) addDescription();
+                return;
+        }
+    }
+
+    // What a reader of these lines gets, as far as vCalendar 1.0 could hold it.
+    [[nodiscard]] const Alarm& written() const { return written_; }
+
+  private:
+    void addDescription() {
+        written_.text = alarm_.hasText ? std::string_view(alarm_.text) : summary_;
+        addICalendarLine(out_, "DESCRIPTION", {}, written_.text, Value::Escaped);
+    }
+
+    void addEmail() {
+        out_ += "ACTION:EMAIL\r\n";
+        addICalendarLine(out_, "ATTENDEE", {}, "mailto:" + alarm_.address);
+        addICalendarLine(out_, "SUMMARY", {},
+                         alarm_.summary.empty() ? summary_ : std::string_view(alarm_.summary),
+                         Value::Escaped);
+        written_.address = alarm_.address;
+        addDescription();
+    }
+
+    void addSound() {
+        if (isBinary(alarm_)) {
+            if (const auto clean = cleanBase64(alarm_.text); clean && !clean->empty())
+                addICalendarLine(out_, "ATTACH", {{"ENCODING", "BASE64"}, {"VALUE", "BINARY"}},
+                                 *clean);
+        } else if (isUri(alarm_.text)) {
+            addICalendarLine(out_, "ATTACH", {}, alarm_.text);
+            written_.text = alarm_.text;
+        }
+    }
+
+    std::string& out_;
+    const Alarm& alarm_;
+    std::string_view summary_;
+    Alarm written_;
+};
+
+}  // namespace
+
+std::optional<AlarmTrigger> iCalendarTrigger(const Entry& entry, const Alarm& alarm) {
+    if (!alarm.at) return AlarmTrigger{std::nullopt, alarm.offset, alarm.fromEnd};
+    const std::optional<Moment>& anchor = entry.start ? entry.start : entry.due;
+    const auto utc = entry.toUtc(*alarm.at);
+    if (anchor && alarm.fromVCalendar) {
+        const auto anchorUtc = entry.toUtc(*anchor);
+        if (utc && anchorUtc)
+            return AlarmTrigger{std::nullopt, utc->seconds() - anchorUtc->seconds(), !entry.start};
+        Moment local = *alarm.at;
+        if (local.clock == Clock::Utc && entry.zone != nullptr) local = entry.zone->toLocal(local);
+        if (anchor->clock == Clock::Floating && local.clock != Clock::Utc)
+            return AlarmTrigger{std::nullopt, local.seconds() - anchor->seconds(), !entry.start};
+    }
+    if (!utc) return std::nullopt;
+    return AlarmTrigger{utc, 0, false};
+}
+
+void addICalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm,
+                       std::string_view summary) {
+    out += "BEGIN:VALARM\r\n";
+    out += triggerLine(iCalendarTrigger(entry, alarm).value());
+    out += "\r\n";
+    ActionLines action(out, alarm, summary);
+    action.addRepetition();
+    action.addAction();
+    for (const EntryProperty& other : alarm.others)
+        addICalendarLine(out, other.name, other.parameters, valueText(other));
+    // What these lines cannot say goes beside them.
+    if (alarm.fromVCalendar &&
+        (writeAlarmFields(action.written()) != alarm.fields || !alarm.parameters.empty()))
+        addICalendarLine(out, keptName(alarm), carriedParameters(alarm.parameters),
+                         escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields));
+    out += "END:VALARM\r\n";
+}
+
+EntryProperty keptAlarm(const Alarm& alarm) {
+    std::string value = alarm.at ? formatMoment(*alarm.at) : "";
+    if (!alarm.fields.empty()) value += ";" + alarm.fields;
+    return {keptName(alarm),
+            carriedParameters(alarm.parameters),
+            EntryProperty::Type::Raw,
+            escapeICalendar(value),
+            {},
+            alarm.line};
+}
+
+std::optional<Moment> vCalendarAlarmTime(const Entry& entry, const Alarm& alarm) {
+    if (alarm.at) return alarm.at;
+    std::optional<Moment> anchor = entry.start;
+    if (alarm.fromEnd || !anchor) {
+        const std::optional<Moment>& end = entry.kind == EntryKind::Todo ? entry.due : entry.end;
+        if (end) anchor = end;
+    }
+    if (!anchor) return std::nullopt;
+    Moment moment = entry.later(*anchor, alarm.offset);
+    moment.isDate = false;
+    return moment;
+}
+
+void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm) {
+    std::string value = formatMoment(vCalendarAlarmTime(entry, alarm).value());
+    const std::string fields = alarm.fromVCalendar ? alarm.fields : writeAlarmFields(alarm);
+    if (!fields.empty()) value += ";" + fields;
+    const std::string_view name = alarmName(alarm.action);
+    std::vector<Parameter> parameters = alarm.parameters;
+    const bool takesUri = alarm.action == Action::Audio || alarm.action == Action::Procedure;
+    const auto kind = std::find_if(parameters.begin(), parameters.end(),
+                                   [](const Parameter& each) { return each.name == "VALUE"; });
+    if (takesUri && isUri(alarm.text) && (kind == parameters.end() || kind->value.empty()))
+        parameters.push_back({"VALUE", "URL"});
+    // In binary the fields before the sound stand on the first line.
+    if (isBinary(alarm))
+        out += vCalendarBase64(name, parameters, value);
+    else
+        addVCalendarLine(out, name, parameters, value);
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,170 @@
+#include "calendar/formats/ICalEntry.h"
+
+#include <set>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/AlarmText.h"
+#include "calendar/formats/EntryWriter.h"
+#include "calendar/text/ContentText.h"
+#include "calendar/text/Digest.h"
+#include "calendar/text/Escapes.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// What an alarm shows that has no text, in an entry without a summary.
+constexpr std::string_view kReminder = "Reminder";
+
+}  // namespace
+
+std::string valueText(const EntryProperty& property) {
+    switch (property.type) {
+        case EntryProperty::Type::Text:
+            return escapeICalendar(property.value());
+        case EntryProperty::Type::TextList: {
+            std::string text;
+            for (const std::string& item : property.items)
+                text += (text.empty() ? "" : ",") + escapeICalendar(item);
+            return text;
+        }
+        case EntryProperty::Type::Raw:
+        case EntryProperty::Type::Base64:
+            break;
+    }
+    return property.value();
+}
+
+void ICalEntry::addLines() {
+    addDates();
+    addRecurrence();
+    for (const EntryProperty& property : entry_.properties) addProperty(property);
+    const EntryProperty* summary = entry_.find("SUMMARY");
+    const bool hasSummary = summary != nullptr && !trimmed(summary->value()).empty();
+    for (const Alarm& alarm : entry_.alarms)
+        addICalendarAlarm(alarmLines_, entry_, alarm,
+                          hasSummary ? std::string_view(summary->value()) : kReminder);
+}
+
+std::string ICalEntry::uid() const {
+    if (!entry_.uid.empty()) return entry_.uid;
+    return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
+}
+
+void ICalEntry::addMoment(std::string_view name, const Moment& moment,
+                          std::vector<Parameter> parameters) {
+    if (moment.isDate) {
+        parameters.insert(parameters.begin(), {"VALUE", "DATE"});
+    } else if (moment.clock == Clock::Zoned && entry_.zone != nullptr) {
+        parameters.insert(parameters.begin(), {"TZID", entry_.zone->id()});
+        usesZone_ = true;
+    }
+    addICalendarLine(lines_, name, parameters, MomentText(moment));
+}
+
+void ICalEntry::addUtc(std::string_view name, const std::optional<Moment>& moment) {
+    if (!moment) return;
+    Moment utc = entry_.toUtc(*moment).value_or(*moment);
+    std::vector<Parameter> parameters;
+    if (utc.clock != Clock::Utc)
+        parameters.push_back({"X-VCAL-FLOATING", utc.isDate ? "DATE" : "TRUE"});
+    utc.isDate = false;
+    utc.clock = Clock::Utc;
+    addICalendarLine(lines_, name, parameters, MomentText(utc));
+}
+
+void ICalEntry::addDates() {
+    std::optional<Moment> stamp;
+    for (const auto* each :
+         {&entry_.stamp, &entry_.modified, &entry_.created, &entry_.start, &entry_.due})
+        if (!stamp && *each) stamp = *each;
+    Moment utc = stamp ? entry_.toUtc(*stamp).value_or(*stamp) : kNoStamp;
+    utc.isDate = false;
+    utc.clock = Clock::Utc;
+    addICalendarLine(lines_, "DTSTAMP", {}, MomentText(utc));
+    if (entry_.start) addMoment("DTSTART", *entry_.start);
+    if (entry_.end) addMoment("DTEND", *entry_.end);
+    if (entry_.due) addMoment("DUE", *entry_.due);
+    addDuration();
+    addUtc("CREATED", entry_.created);
+    addUtc("LAST-MODIFIED", entry_.modified);
+    if (entry_.kind == EntryKind::Todo) addUtc("COMPLETED", entry_.completed);
+    if (entry_.recurrenceId) {
+        std::vector<Parameter> parameters;
+        if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
+        addMoment("RECURRENCE-ID", *entry_.recurrenceId, parameters);
+    }
+}
+
+void ICalEntry::addDuration() {
+    if (!entry_.duration) return;
+    const bool allowed = !entry_.end && !entry_.due && entry_.start && entry_.duration->total() > 0;
+    addICalendarLine(lines_, allowed ? "DURATION" : "X-VCAL-DURATION", {},
+                     formatDuration(*entry_.duration));
+}
+
+void ICalEntry::addRecurrence() {
+    if (!entry_.start) return;
+    for (const SettledRule& rule : settled_.rules)
+        addICalendarLine(lines_, rule.name, {}, rule.text);
+    addDateList("RDATE", entry_.dates);
+    addDateList("EXDATE", entry_.excluded);
+}
+
+void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& dates) {
+    struct Form {
+        bool isDate;
+        Clock clock;
+    };
+    static constexpr Form kForms[] = {{true, Clock::Floating},
+                                      {false, Clock::Floating},
+                                      {false, Clock::Utc},
+                                      {false, Clock::Zoned}};
+    for (const Form& form : kForms) {
+        std::vector<std::string> items;
+        std::set<std::string> seen;
+        for (const Moment& date : dates) {
+            Moment moment = entry_.inClockOf(*entry_.start, date);
+            // Some readers ignore the TZID of an RDATE.
+            if (name == "RDATE") moment = entry_.toUtc(moment).value_or(moment);
+            if (moment.isDate != form.isDate) continue;
+            if (!form.isDate && moment.clock != form.clock) continue;
+            const std::string item = formatMoment(moment);
+            if (seen.insert(item).second) items.push_back(item);
+        }
+        if (items.empty()) continue;
+        std::vector<Parameter> parameters;
+        if (form.isDate) parameters.push_back({"VALUE", "DATE"});
+        if (!form.isDate && form.clock == Clock::Zoned && entry_.zone != nullptr) {
+            parameters.push_back({"TZID", entry_.zone->id()});
+            usesZone_ = true;
+        }
+        std::string value;
+        for (const std::string& item : items) value += (value.empty() ? "" : ",") + item;
+        addICalendarLine(lines_, name, parameters, value);
+    }
+}
+
+void ICalEntry::addProperty(const EntryProperty& property) {
+    switch (property.type) {
+        case EntryProperty::Type::Text:
+            // Empty texts say nothing, and some readers take them for a fault.
+            if (!trimmed(property.text).empty())
+                addICalendarLine(lines_, property.name, property.parameters, property.text,
+                                 Value::Escaped);
+            break;
+        case EntryProperty::Type::TextList:
+        case EntryProperty::Type::Raw:
+            addICalendarLine(lines_, property.name, property.parameters, valueText(property));
+            break;
+        case EntryProperty::Type::Base64: {
+            std::vector<Parameter> parameters = property.parameters;
+            parameters.push_back({"ENCODING", "BASE64"});
+            parameters.push_back({"VALUE", "BINARY"});
+            addICalendarLine(lines_, property.name, parameters, property.text);
+            break;
+        }
+    }
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,298 @@
+#include "calendar/formats/ICalSettle.h"
+
+#include <algorithm>
+#include <bitset>
+#include <cstddef>
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/AlarmText.h"
+#include "calendar/formats/Vocabulary.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/text/Escapes.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// A count that goes on for longer stays a count.
+constexpr int kYearsCounted = 100;
+
+std::string keptName(std::string_view name) {
+    return std::string(kVCalendarPrefix) + std::string(name);
+}
+
+// A rule that recurs within the day: a Rule cannot hold it, but iCalendar can.
+bool isFineRule(const EntryProperty& property) {
+    return (property.name == "X-ICAL-RRULE" || property.name == "X-ICAL-EXRULE") &&
+           (startsWithIgnoreCase(property.value(), "FREQ=HOURLY") ||
+            startsWithIgnoreCase(property.value(), "FREQ=MINUTELY") ||
+            startsWithIgnoreCase(property.value(), "FREQ=SECONDLY"));
+}
+
+bool hasTimes(const Rule& rule) {
+    return !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
+}
+
+class ICalSettling {
+  public:
+    explicit ICalSettling(const Entry& entry) : settled_(entry) {}
+
+    SettledEntry settle() {
+        settleStart();
+        settleEnd();
+        settleDue();
+        if (entry().kind == EntryKind::Journal && entry().duration)
+            settled_.change().duration.reset();
+        if (entry().kind != EntryKind::Todo && entry().completed)
+            keep("COMPLETED", *entry().completed);
+        settleRules();
+        settleProperties();
+        settleAlarms();
+        return std::move(settled_);
+    }
+
+  private:
+    [[nodiscard]] const Entry& entry() const { return settled_.entry(); }
+
+    void tell(NoteCode code, std::initializer_list<std::string_view> values = {},
+              std::size_t line = 0) {
+        settled_.notes.emplace_back(code, line == 0 ? entry().line : line, values);
+    }
+
+    // Keeps a date that iCalendar does not allow in such an entry.
+    void keep(std::string_view name, Moment moment) {
+        settled_.change().properties.push_back({keptName(name),
+                                                {},
+                                                EntryProperty::Type::Text,
+                                                formatMoment(moment),
+                                                {},
+                                                entry().line});
+    }
+
+    void settleStart();
+    // `moment` with the value type and clock of the start, which iCalendar demands.
+    [[nodiscard]] Moment likeStart(const Moment& moment) const;
+    // Seconds from the start to `moment`, which is on the start's clock.
+    [[nodiscard]] std::int64_t afterStart(const Moment& moment) const;
+    void settleEnd();
+    void settleDue();
+    // UNTIL is of the start's value type: a date, a local time, or UTC (RFC 5545 section 3.3.10).
+    [[nodiscard]] std::string untilText(const std::string& until) const;
+    // Readers disagree about a start that its rule does not yield, and about its place in a count:
+    // it becomes a date of its own, and the count an end date, so that all find the same series.
+    void settleOddStart(std::vector<EntryRule>& rules);
+    // Gives a counted rule that does not yield the start its last date in place of the count.
+    void countToEnd(Rule& rule, const RuleStart& start) const;
+    void settleRules();
+    void settleProperties();
+    [[nodiscard]] bool allowed(const EntryProperty& property);
+    void settleAlarms();
+
+    SettledEntry settled_;
+    std::bitset<static_cast<std::size_t>(kLastPropertyName) + 1> seen_;  // that may stand once
+};
+
+void ICalSettling::settleStart() {
+    if (entry().kind != EntryKind::Event || entry().start) return;
+    Entry& changed = settled_.change();
+    if (changed.end) {
+        changed.start = std::exchange(changed.end, std::nullopt);
+        tell(NoteCode::EventStartsAtItsEnd);
+        return;
+    }
+    tell(NoteCode::EventBecomesTodo);
+    changed.kind = EntryKind::Todo;
+    changed.properties.push_back(
+        {keptName("COMPONENT"), {}, EntryProperty::Type::Text, "VEVENT", {}, changed.line});
+}
+
+Moment ICalSettling::likeStart(const Moment& moment) const {
+    const Moment& start = *entry().start;
+    if (moment.isDate && !start.isDate) return {moment.day, 0, false, start.clock};
+    if (!moment.isDate && start.isDate) {
+        Moment day = entry().inClockOf(start, moment);
+        if (moment.second != 0) ++day.day;
+        return day;
+    }
+    return entry().inClockOf(start, moment);
+}
+
+std::int64_t ICalSettling::afterStart(const Moment& moment) const {
+    const auto utc = entry().toUtc(moment);
+    const auto startUtc = entry().toUtc(*entry().start);
+    if (utc && startUtc) return utc->seconds() - startUtc->seconds();
+    return moment.seconds() - entry().start->seconds();
+}
+
+void ICalSettling::settleEnd() {
+    if (!entry().end) return;
+    if (entry().kind == EntryKind::Event) {
+        const Moment end = likeStart(*entry().end);
+        const std::int64_t length = afterStart(end);
+        if (length > 0) {
+            if (end.clock != entry().start->clock && !end.isDate)
+                tell(NoteCode::StartAndEndOnTwoClocks);
+            if (end != *entry().end) settled_.change().end = end;
+            return;
+        }
+        if (length < 0) tell(NoteCode::EndBeforeStart, {keptName("DTEND")});
+    }
+    keep("DTEND", *entry().end);
+    settled_.change().end.reset();
+}
+
+void ICalSettling::settleDue() {
+    if (!entry().due) return;
+    if (entry().kind != EntryKind::Todo) {
+        keep("DUE", *entry().due);
+        settled_.change().due.reset();
+        return;
+    }
+    if (!entry().start) return;
+    const Moment due = likeStart(*entry().due);
+    const std::int64_t length = afterStart(due);
+    if (length > 0) {
+        if (due != *entry().due) settled_.change().due = due;
+        return;
+    }
+    // iCalendar demands that it is due later; a series needs its start, and a person the due date.
+    const bool keepsDue = entry().recurs() || !entry().excluded.empty();
+    const std::string_view name = keepsDue ? "DUE" : "DTSTART";
+    if (length < 0) tell(NoteCode::DueBeforeStart, {keptName(name)});
+    std::optional<Moment>& dropped = keepsDue ? settled_.change().due : settled_.change().start;
+    keep(name, *dropped);
+    dropped.reset();
+}
+
+std::string ICalSettling::untilText(const std::string& until) const {
+    const auto read = parseMoment(until);
+    if (!read) return until;
+    Moment moment = *read;
+    const Moment& start = *entry().start;
+    if (moment.clock == Clock::Floating && start.clock != Clock::Floating && !moment.isDate)
+        moment.clock = entry().zone != nullptr ? Clock::Zoned : Clock::Utc;
+    if (start.isDate) return formatMoment(entry().inClockOf(start, moment));
+    if (start.clock == Clock::Floating)
+        moment.clock = Clock::Floating;
+    else if (const auto utc = entry().toUtc(moment))
+        moment = *utc;
+    return formatMoment(moment);
+}
+
+void ICalSettling::settleOddStart(std::vector<EntryRule>& rules) {
+    const RuleStart start = entry().ruleStart();
+    bool odd = false;
+    bool yielded = false;
+    for (EntryRule& each : rules) {
+        if (each.exclude) continue;
+        for (Rule& rule : each.rules) {
+            if (hasTimes(rule) || yieldsStart(rule, start)) {
+                yielded = true;
+            } else {
+                odd = true;
+                countToEnd(rule, start);
+            }
+        }
+    }
+    if (!odd || yielded) return;
+    const auto isStart = [this](const Moment& date) {
+        return entry().inClockOf(*entry().start, date) == *entry().start;
+    };
+    if (std::any_of(entry().excluded.begin(), entry().excluded.end(), isStart)) return;
+    std::vector<Moment>& dates = settled_.change().dates;
+    dates.insert(dates.begin(), *entry().start);
+}
+
+void ICalSettling::countToEnd(Rule& rule, const RuleStart& start) const {
+    if (rule.count == 0) return;
+    RuleLimits limits;
+    limits.most = static_cast<std::size_t>(rule.count);
+    limits.lastYear = start.year + kYearsCounted;
+    const std::vector<int> days = expandRule(rule, start, limits);
+    if (days.size() != limits.most) return;
+    Moment last = *entry().start;
+    last.day = days.back();
+    rule.until = formatMoment(last);
+    rule.count = 0;
+}
+
+void ICalSettling::settleRules() {
+    if (!entry().start) return;
+    std::vector<EntryRule> rules = entry().rules;
+    settleOddStart(rules);
+    for (EntryRule& each : rules) {
+        for (Rule& rule : each.rules) {
+            if (!rule.until.empty()) rule.until = untilText(rule.until);
+            std::string text = iCalendarText(rule);
+            if (text.empty())
+                tell(NoteCode::EntryRuleNotWritable, {}, each.line);
+            else
+                settled_.rules.push_back({each.exclude ? "EXRULE" : "RRULE", std::move(text)});
+        }
+    }
+}
+
+void ICalSettling::settleProperties() {
+    for (std::size_t at = 0; at < entry().properties.size(); ++at) {
+        const EntryProperty& property = entry().properties[at];
+        if (isFineRule(property) && entry().start) {
+            EntryProperty& rule = settled_.change().properties[at];
+            rule.name.erase(0, kICalendarPrefix.size());
+            rule.parameters.clear();
+            rule.type = EntryProperty::Type::Raw;
+        } else if (!allowed(property)) {
+            EntryProperty& kept = settled_.change().properties[at];
+            kept.name.insert(0, kVCalendarPrefix);
+            // Its name no longer says that the value is not a text.
+            if (kept.type == EntryProperty::Type::Raw) kept.text = escapeICalendar(kept.text);
+        }
+    }
+}
+
+bool ICalSettling::allowed(const EntryProperty& property) {
+    // Empty texts are not written.
+    if (property.type == EntryProperty::Type::Text && trimmed(property.value()).empty())
+        return true;
+    const PropertyName id = propertyName(property.name);
+    const PropertyKind* kind = propertyKind(id);
+    bool result = true;
+    if (kind != nullptr) {
+        result = entry().kind == EntryKind::Event  ? kind->inEvent
+                 : entry().kind == EntryKind::Todo ? kind->inTodo
+                                                   : kind->inJournal;
+        if (kind->once && seen_.test(static_cast<std::size_t>(id))) {
+            result = false;
+            tell(NoteCode::EntryPropertyTwice, {property.name, keptName(property.name)},
+                 property.line);
+        } else if (kind->once) {
+            seen_.set(static_cast<std::size_t>(id));
+        }
+    }
+    const bool isLink = (id == PropertyName::Attach || id == PropertyName::Url) &&
+                        property.type == EntryProperty::Type::Raw;
+    return result && !(isLink && !isUri(property.value()));
+}
+
+void ICalSettling::settleAlarms() {
+    const auto rings = [this](const Alarm& alarm) {
+        return entry().kind != EntryKind::Journal && iCalendarTrigger(entry(), alarm);
+    };
+    if (std::all_of(entry().alarms.begin(), entry().alarms.end(), rings)) return;
+    Entry& changed = settled_.change();
+    for (const Alarm& alarm : changed.alarms) {
+        if (rings(alarm)) continue;
+        changed.properties.push_back(keptAlarm(alarm));
+        tell(NoteCode::AlarmTimeUnknown, {changed.properties.back().name}, alarm.line);
+    }
+    std::erase_if(changed.alarms, [&](const Alarm& alarm) { return !rings(alarm); });
+}
+
+}  // namespace
+
+SettledEntry settledForICalendar(const Entry& entry) {
+    return ICalSettling(entry).settle();
+}
+
+}  // namespace qel::calendar

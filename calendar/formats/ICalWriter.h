@@ -1,0 +1,42 @@
+// Calendars of iCalendar 2.0 (RFC 5545): lines of at most 75 octets, folded between characters. One
+// thread.
+#ifndef QEL_CALENDAR_FORMATS_ICALWRITER_H
+#define QEL_CALENDAR_FORMATS_ICALWRITER_H
+
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "calendar/formats/EntryWriter.h"
+
+namespace qel::calendar {
+
+class ICalWriter final : public EntryWriter {
+  public:
+    using EntryWriter::EntryWriter;
+    void calendar(const std::vector<EntryProperty>& properties) override;
+    void write(const Entry& entry) override;
+    void finish() override;
+
+  private:
+    void open();
+    void close();
+    void writeZone(const Zone& zone);
+    void fold(std::string_view line);
+
+    std::vector<std::string> header_;  // of the next calendar
+    std::vector<std::string> written_;
+    bool open_ = false;
+    bool any_ = false;
+    std::set<std::string, std::less<>> zones_;  // described in the open calendar
+    // The folded lines of the entry that is being written, and those of its alarms. Members, so
+    // that the next entry uses the same memory.
+    std::string lines_;
+    std::string alarmLines_;
+};
+
+}  // namespace qel::calendar
+
+#endif

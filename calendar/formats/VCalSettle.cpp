@@ -1,0 +1,152 @@
+#include "calendar/formats/VCalSettle.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/AlarmText.h"
+#include "calendar/formats/Vocabulary.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// A rule that vCalendar 1.0 lacks becomes a list of dates up to this many.
+constexpr std::size_t kMostDates = 500;
+
+class VCalSettling {
+  public:
+    explicit VCalSettling(const Entry& entry) : settled_(entry) {}
+
+    SettledEntry settle() {
+        settleDuration();
+        settleRules();
+        reportStatus();
+        settleAlarms();
+        return std::move(settled_);
+    }
+
+  private:
+    [[nodiscard]] const Entry& entry() const { return settled_.entry(); }
+
+    void tell(NoteCode code, std::size_t line, std::initializer_list<std::string_view> values) {
+        settled_.notes.emplace_back(code, line == 0 ? entry().line : line, values);
+    }
+
+    void settleDuration();
+    // The rule's end on the start's clock.
+    [[nodiscard]] std::string untilText(const std::string& until) const;
+    void settleRules();
+    void settleInexpressible(const EntryRule& owner, const Rule& rule, const RuleStart& start,
+                             const std::string& reason);
+    void reportStatus();
+    [[nodiscard]] bool rings(const Alarm& alarm) const {
+        return alarm.action != Alarm::Action::Other && vCalendarAlarmTime(entry(), alarm);
+    }
+    void settleAlarms();
+
+    SettledEntry settled_;
+};
+
+// The days of a duration are of the wall clock, the rest is elapsed time.
+void VCalSettling::settleDuration() {
+    if (!entry().duration || !entry().start || entry().end || entry().due) return;
+    const Moment& start = *entry().start;
+    const Duration& duration = *entry().duration;
+    const Moment day = momentAt(start, start.seconds() + duration.days * 86400);
+    Entry& changed = settled_.change();
+    (changed.kind == EntryKind::Todo ? changed.due : changed.end) =
+        changed.later(day, duration.seconds);
+    changed.duration.reset();
+}
+
+std::string VCalSettling::untilText(const std::string& until) const {
+    const auto read = parseMoment(until);
+    if (!read) return until;
+    Moment moment = *read;
+    const Moment& start = *entry().start;
+    if (moment.clock == Clock::Floating && start.clock == Clock::Zoned && !moment.isDate)
+        moment.clock = Clock::Zoned;
+    moment = entry().inClockOf(start, moment);
+    if (!moment.isDate && start.clock == Clock::Utc) moment.clock = Clock::Utc;
+    if (start.clock == Clock::Floating) moment.clock = Clock::Floating;
+    return formatMoment(moment);
+}
+
+void VCalSettling::settleRules() {
+    if (!entry().start) return;
+    RuleStart start = entry().ruleStart();
+    start.utcOffset = 0;
+    for (const EntryRule& each : settled_.read().rules) {
+        for (Rule rule : each.rules) {
+            if (!rule.until.empty()) rule.until = untilText(rule.until);
+            VCalendarRule texts = vCalendarTexts(rule, start);
+            for (std::string& text : texts.texts)
+                settled_.rules.push_back({each.exclude ? "EXRULE" : "RRULE", std::move(text)});
+            if (texts.texts.empty()) settleInexpressible(each, rule, start, texts.reason);
+        }
+    }
+}
+
+// A list of dates where the rule has an end, or the rule as it stands for whoever reads it back.
+void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
+                                       const RuleStart& start, const std::string& reason) {
+    std::string text = iCalendarText(rule);
+    const bool times = !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
+    RuleLimits limits;
+    limits.most = kMostDates + 1;
+    const std::vector<int> days =
+        rule.endless() || times ? std::vector<int>() : expandRule(rule, start, limits);
+    if (!days.empty() && days.size() <= kMostDates) {
+        Entry& changed = settled_.change();
+        std::vector<Moment>& list = owner.exclude ? changed.excluded : changed.dates;
+        Moment moment = *changed.start;
+        for (const int day : days) {
+            moment.day = day;
+            if (moment != *changed.start || owner.exclude) list.push_back(moment);
+        }
+        tell(NoteCode::RuleAsDates, owner.line, {reason, text, std::to_string(days.size())});
+        return;
+    }
+    const std::string_view name = owner.exclude ? "X-ICAL-EXRULE" : "X-ICAL-RRULE";
+    tell(NoteCode::RuleKeptForICalendar, owner.line, {reason, text, name});
+    settled_.rules.push_back({name, std::move(text)});
+}
+
+void VCalSettling::reportStatus() {
+    for (const EntryProperty& each : entry().properties)
+        if (each.name == "STATUS" && equalsIgnoreCase(each.value(), "CANCELLED"))
+            tell(NoteCode::CancellationKept, each.line, {"X-ICAL-STATUS"});
+}
+
+void VCalSettling::settleAlarms() {
+    bool allRing = true;
+    for (const Alarm& alarm : entry().alarms) {
+        if (!rings(alarm)) {
+            allRing = false;
+            if (alarm.action == Alarm::Action::Other)
+                tell(NoteCode::AlarmActionUnknown, alarm.line, {alarm.actionName});
+            else
+                tell(NoteCode::AlarmWithoutAnchor, alarm.line, {});
+            continue;
+        }
+        std::string lost;
+        for (const EntryProperty& other : alarm.others)
+            lost += (lost.empty() ? "" : ", ") + other.name;
+        if (!lost.empty()) tell(NoteCode::AlarmPartsLost, alarm.line, {lost});
+    }
+    if (!allRing)
+        std::erase_if(settled_.change().alarms,
+                      [this](const Alarm& alarm) { return !rings(alarm); });
+}
+
+}  // namespace
+
+SettledEntry settledForVCalendar(const Entry& entry) {
+    return VCalSettling(entry).settle();
+}
+
+}  // namespace qel::calendar

@@ -1,0 +1,38 @@
+// Calendars of vCalendar 1.0: one for each zone, because the format has no other place for a zone.
+// Notes stand outside calendars. One thread.
+#ifndef QEL_CALENDAR_FORMATS_VCALWRITER_H
+#define QEL_CALENDAR_FORMATS_VCALWRITER_H
+
+#include <vector>
+
+#include "calendar/formats/EntryWriter.h"
+#include "calendar/formats/SettledEntry.h"
+
+namespace qel::calendar {
+
+class VCalWriter final : public EntryWriter {
+  public:
+    using EntryWriter::EntryWriter;
+    void calendar(const std::vector<EntryProperty>& properties) override;
+    void write(const Entry& entry) override;
+    void finish() override;
+
+  private:
+    // Local times need a calendar of their zone; floating ones, and series in UTC, one without any.
+    void openFor(const Entry& entry);
+    void open(const ZonePtr& zone, int firstYear, int lastYear);
+    void close();
+    void writeNote(const SettledEntry& settled);
+
+    std::vector<EntryProperty> header_;
+    bool headerChanged_ = false;
+    bool open_ = false;
+    bool any_ = false;
+    ZonePtr zone_;
+    int firstYear_ = 0;
+    int lastYear_ = 0;
+};
+
+}  // namespace qel::calendar
+
+#endif
