@@ -186,11 +186,8 @@ class Converter::File {
     }
 
     void takeHeader(const ContentLine& line) {
-        static constexpr std::string_view kEntryNames[] = {"DTSTART",  "DTEND",  "RRULE",  "AALARM",
-                                                           "DALARM",   "MALARM", "PALARM", "DUE",
-                                                           "DCREATED", "DTSTAMP"};
-        const bool stray = std::find(std::begin(kEntryNames), std::end(kEntryNames), line.name) !=
-                           std::end(kEntryNames);
+        const Property& property = propertyOf(line.id);
+        const bool stray = property.standsIn(Property::kNotInCalendar);
         if (stray || header_.size() >= kMostHeader) {
             report(Note(NoteCode::NotCalendarProperty, line.number,
                         {line.name.substr(0, kLongestName)}));
@@ -201,12 +198,8 @@ class Converter::File {
         const bool vcalendar = isVCalendar();
         if (!vcalendar) value = unescapeICalendar(value);
         std::string name(line.name);
-        static constexpr std::string_view kICalendarNames[] = {
-            "METHOD",        "NAME",  "DESCRIPTION", "UID",
-            "LAST-MODIFIED", "URL",   "CATEGORIES",  "REFRESH-INTERVAL",
-            "SOURCE",        "COLOR", "IMAGE"};
-        const bool known = std::find(std::begin(kICalendarNames), std::end(kICalendarNames),
-                                     name) != std::end(kICalendarNames);
+        const bool known =
+            property.standsIn(Property::kCalendar) && property.isOf(Property::kICalendar);
         if (name.starts_with(kICalendarPrefix))
             name.erase(0, kICalendarPrefix.size());
         else if (!known && !name.starts_with("X-"))

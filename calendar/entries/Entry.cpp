@@ -70,43 +70,4 @@ Moment Entry::inClockOf(const Moment& like, const Moment& moment) const {
     return result;
 }
 
-const PropertyKind* propertyKind(PropertyName name) {
-    using Type = EntryProperty::Type;
-    using Name = PropertyName;
-    static constexpr PropertyKind kKinds[] = {
-        {Name::Attach, Type::Raw, true, true, true, false},
-        {Name::Attendee, Type::Raw, true, true, true, false},
-        {Name::Categories, Type::TextList, true, true, true, false},
-        {Name::Class, Type::Text, true, true, true, true},
-        {Name::Color, Type::Text, true, true, true, true},
-        {Name::Comment, Type::Text, true, true, true, false},
-        {Name::Conference, Type::Raw, true, true, false, false},
-        {Name::Contact, Type::Text, true, true, true, false},
-        {Name::Description, Type::Text, true, true, true, true},
-        {Name::Geo, Type::Raw, true, true, false, true},
-        {Name::Image, Type::Raw, true, true, true, false},
-        {Name::Location, Type::Text, true, true, false, true},
-        {Name::Organizer, Type::Raw, true, true, true, true},
-        {Name::PercentComplete, Type::Raw, false, true, false, true},
-        {Name::Priority, Type::Raw, true, true, false, true},
-        {Name::RelatedTo, Type::Text, true, true, true, false},
-        {Name::RequestStatus, Type::Raw, true, true, true, false},
-        {Name::Resources, Type::TextList, true, true, false, false},
-        {Name::Sequence, Type::Raw, true, true, true, true},
-        {Name::Status, Type::Text, true, true, true, true},
-        {Name::Summary, Type::Text, true, true, true, true},
-        {Name::Transp, Type::Text, true, false, false, true},
-        {Name::Url, Type::Raw, true, true, true, true}};
-    // They stand together at the end of PropertyName, in the same order.
-    static_assert([] {
-        auto next = static_cast<std::size_t>(Name::Attach);
-        for (const PropertyKind& kind : kKinds)
-            if (static_cast<std::size_t>(kind.name) != next++) return false;
-        return next == static_cast<std::size_t>(kLastPropertyName) + 1;
-    }());
-    return name < Name::Attach
-               ? nullptr
-               : &kKinds[static_cast<std::size_t>(name) - static_cast<std::size_t>(Name::Attach)];
-}
-
 }  // namespace qel::calendar

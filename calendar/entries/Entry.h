@@ -11,6 +11,7 @@
 
 #include "calendar/base/Moment.h"
 #include "calendar/lines/ContentLine.h"
+#include "calendar/lines/Property.h"
 #include "calendar/rules/Rule.h"
 #include "calendar/zones/Zone.h"
 
@@ -26,12 +27,7 @@ inline constexpr std::string_view kICalendarPrefix = "X-ICAL-";
 
 // A property that is neither a date, a rule nor an alarm.
 struct EntryProperty {
-    enum class Type {
-        Text,
-        TextList,  // CATEGORIES, RESOURCES
-        Raw,       // written as it stands: addresses of things, numbers
-        Base64
-    };
+    using Type = ValueType;
     std::string name;
     std::vector<Parameter> parameters;  // encoding and character set are undone
     Type type = Type::Text;
@@ -116,19 +112,6 @@ struct Entry {
     // UTC where that can be known.
     [[nodiscard]] std::optional<Moment> toUtc(const Moment& moment) const;
 };
-
-// What iCalendar knows of a property.
-struct PropertyKind {
-    PropertyName name;
-    EntryProperty::Type type;
-    bool inEvent;
-    bool inTodo;
-    bool inJournal;
-    bool once;
-};
-
-// Null for a name that iCalendar has not, or that an Entry holds otherwise (dates, rules).
-[[nodiscard]] const PropertyKind* propertyKind(PropertyName name);
 
 }  // namespace qel::calendar
 

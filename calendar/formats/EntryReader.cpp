@@ -183,12 +183,6 @@ void EntryReader::tellUnknownZone(const ContentLine& line, std::string_view id) 
              " is not described in the file; its times stay local");
 }
 
-bool isEntryDate(PropertyName name) {
-    return (name >= PropertyName::DtStart && name <= PropertyName::XRecurrenceId) ||
-           name == PropertyName::Duration || name == PropertyName::RDate ||
-           name == PropertyName::ExDate;
-}
-
 void EntryReader::takeDuration(const ContentLine& line) {
     entry_.duration = parseDuration(line.value);
     if (!entry_.duration) carry(line, "is no duration", Severity::Error);

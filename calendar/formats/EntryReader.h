@@ -122,9 +122,6 @@ class ICalReader final : public EntryReader {
 // True for the words that name an encoding, where a value stands without its parameter's name.
 [[nodiscard]] bool isEncodingWord(std::string_view value);
 
-// True for the names that an Entry holds as moments, lists of them, or a duration.
-[[nodiscard]] bool isEntryDate(PropertyName name);
-
 // The parameters of a vCalendar 1.0 line in iCalendar's words: encodings gone, what iCalendar does
 // not know behind X-VCAL-.
 [[nodiscard]] std::vector<Parameter> parametersFromVCalendar(const ContentLine& line);

@@ -45,15 +45,16 @@ void ICalReader::takeProperty(const ContentLine& line) {
         return;
     }
     const std::string_view value = text(line);
-    const PropertyKind* kind = propertyKind(line.id);
-    if (kind != nullptr && kind->type == EntryProperty::Type::TextList) {
+    const Property& property = propertyOf(line.id);
+    const bool known = property.held == HeldAs::Property;
+    if (known && property.type == ValueType::TextList) {
         std::vector<std::string> items;
         for (const std::string& item : splitICalendarList(value))
             if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
         addList(line, std::move(items), std::move(parameters));
-    } else if (kind != nullptr && kind->type == EntryProperty::Type::Raw) {
-        add(line, line.name, kind->type, trimmed(value), std::move(parameters));
-    } else if (kind != nullptr || line.name.starts_with("X-")) {
+    } else if (known && property.type == ValueType::Raw) {
+        add(line, line.name, property.type, trimmed(value), std::move(parameters));
+    } else if (known || line.name.starts_with("X-")) {
         add(line, line.name, EntryProperty::Type::Text, unescapeICalendar(value),
             std::move(parameters));
     } else {

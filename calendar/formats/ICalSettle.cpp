@@ -256,17 +256,17 @@ bool ICalSettling::allowed(const EntryProperty& property) {
     if (property.type == EntryProperty::Type::Text && trimmed(property.value()).empty())
         return true;
     const PropertyName id = propertyName(property.name);
-    const PropertyKind* kind = propertyKind(id);
+    const Property& known = propertyOf(id);
     bool result = true;
-    if (kind != nullptr) {
-        result = entry().kind == EntryKind::Event  ? kind->inEvent
-                 : entry().kind == EntryKind::Todo ? kind->inTodo
-                                                   : kind->inJournal;
-        if (kind->once && seen_.test(static_cast<std::size_t>(id))) {
+    if (known.held == HeldAs::Property) {
+        result = known.standsIn(entry().kind == EntryKind::Event  ? Property::kEvent
+                                : entry().kind == EntryKind::Todo ? Property::kTodo
+                                                                  : Property::kJournal);
+        if (known.once && seen_.test(static_cast<std::size_t>(id))) {
             result = false;
             tell(NoteCode::EntryPropertyTwice, {property.name, keptName(property.name)},
                  property.line);
-        } else if (kind->once) {
+        } else if (known.once) {
             seen_.set(static_cast<std::size_t>(id));
         }
     }

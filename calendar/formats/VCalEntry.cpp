@@ -14,29 +14,6 @@ namespace {
 // Dates on one RDATE or EXDATE line; phones have short line buffers.
 constexpr std::size_t kDatesOnLine = 4;
 
-bool isVCalendarName(PropertyName name) {
-    switch (name) {
-        case PropertyName::Attach:
-        case PropertyName::Attendee:
-        case PropertyName::Categories:
-        case PropertyName::Class:
-        case PropertyName::Description:
-        case PropertyName::Geo:
-        case PropertyName::Location:
-        case PropertyName::Priority:
-        case PropertyName::RelatedTo:
-        case PropertyName::Resources:
-        case PropertyName::Sequence:
-        case PropertyName::Status:
-        case PropertyName::Summary:
-        case PropertyName::Transp:
-        case PropertyName::Url:
-            return true;
-        default:
-            return false;
-    }
-}
-
 std::string_view parameterOf(const std::vector<Parameter>& parameters, std::string_view name) {
     for (const Parameter& each : parameters)
         if (each.name == name) return each.value;
@@ -160,6 +137,8 @@ void VCalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
     const PropertyName id = propertyName(name);
+    const Property& known = propertyOf(id);
+    const bool isOwn = known.held == HeldAs::Property && known.isOf(Property::kVCalendar);
     // Without a value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
     if (name.starts_with(kVCalendarPrefix)) {
@@ -180,10 +159,10 @@ void VCalEntry::addProperty(const EntryProperty& property) {
         addAttachment(property);
     } else if (property.type == EntryProperty::Type::TextList) {
         addList(property);
-    } else if (property.type == EntryProperty::Type::Text && isVCalendarName(id)) {
+    } else if (property.type == EntryProperty::Type::Text && isOwn) {
         line(name, parametersToVCalendar(property.parameters),
              escapeVCalendar(property.value(), ""));
-    } else if (isVCalendarName(id) || name.starts_with("X-")) {
+    } else if (isOwn || name.starts_with("X-")) {
         line(name, parametersToVCalendar(property.parameters), property.value());
     } else {
         line(std::string(kICalendarPrefix) + name, parametersToVCalendar(property.parameters),

@@ -104,15 +104,16 @@ void VCalReader::takeText(const ContentLine& line) {
     } else if (name.starts_with(kICalendarPrefix)) {
         // A property of iCalendar that has been carried here.
         const std::string_view own = name.substr(kICalendarPrefix.size());
-        const PropertyName id = propertyName(own);
-        const PropertyKind* kind = propertyKind(id);
-        const bool raw = kind == nullptr || kind->type == Type::Raw;
-        add(line, isEntryDate(id) ? name : own, raw && !isEntryDate(id) ? Type::Raw : Type::Text,
-            text(line), parametersFromVCalendar(line));
-    } else if (const PropertyKind* kind = propertyKind(line.id)) {
+        const Property& property = propertyOf(propertyName(own));
+        const bool isDate = property.held == HeldAs::Date;
+        const bool isText = property.held == HeldAs::Property && property.type != Type::Raw;
+        add(line, isDate ? name : own, isDate || isText ? Type::Text : Type::Raw, text(line),
+            parametersFromVCalendar(line));
+    } else if (const Property& property = propertyOf(line.id); property.held == HeldAs::Property) {
         const std::string_view value = text(line);
-        const bool escaped = kind->type == Type::Text && value.find('\\') != std::string_view::npos;
-        add(line, name, kind->type, escaped ? std::string_view(unescapeVCalendar(value)) : value,
+        const bool escaped =
+            property.type == Type::Text && value.find('\\') != std::string_view::npos;
+        add(line, name, property.type, escaped ? std::string_view(unescapeVCalendar(value)) : value,
             parametersFromVCalendar(line));
     } else if (name.starts_with("X-")) {
         add(line, name, Type::Text, text(line), parametersFromVCalendar(line));

@@ -11,7 +11,7 @@
 
 #include "calendar/base/Arena.h"
 #include "calendar/lines/LineReader.h"
-#include "calendar/lines/PropertyName.h"
+#include "calendar/lines/Property.h"
 
 namespace qel::calendar {
 

@@ -1,0 +1,154 @@
+#include "calendar/lines/Property.h"
+
+#include <array>
+#include <cstddef>
+#include <iterator>
+
+namespace qel::calendar {
+
+namespace {
+
+using Name = PropertyName;
+using Type = ValueType;
+using Held = HeldAs;
+using P = Property;
+
+constexpr std::uint8_t kEntries = P::kEvent | P::kTodo | P::kJournal;
+constexpr std::uint8_t kBoth = P::kICalendar | P::kVCalendar;
+
+constexpr Property kProperties[] = {
+    {Name::Unknown, "", Type::Text, Held::Other, 0, 0, false},
+    {Name::Begin, "BEGIN", Type::Text, Held::Other, 0, kBoth, false},
+    {Name::End, "END", Type::Text, Held::Other, 0, kBoth, false},
+    {Name::Version, "VERSION", Type::Text, Held::Other, P::kCalendar, kBoth, true},
+    {Name::ProdId, "PRODID", Type::Text, Held::Other, P::kCalendar, kBoth, true},
+    {Name::CalScale, "CALSCALE", Type::Text, Held::Other, P::kCalendar, P::kICalendar, true},
+    {Name::Method, "METHOD", Type::Raw, Held::Other, P::kCalendar, P::kICalendar, true},
+    {Name::Name, "NAME", Type::Text, Held::Other, P::kCalendar, P::kICalendar, false},
+    {Name::RefreshInterval, "REFRESH-INTERVAL", Type::Text, Held::Other, P::kCalendar,
+     P::kICalendar, true},
+    {Name::Source, "SOURCE", Type::Raw, Held::Other, P::kCalendar, P::kICalendar, true},
+    {Name::Tz, "TZ", Type::Text, Held::Other, P::kCalendar, P::kVCalendar, true},
+    {Name::Daylight, "DAYLIGHT", Type::Text, Held::Other, P::kCalendar, P::kVCalendar, false},
+    {Name::TzId, "TZID", Type::Text, Held::Other, P::kZone, P::kICalendar, true},
+    {Name::TzUrl, "TZURL", Type::Raw, Held::Other, P::kZone, P::kICalendar, true},
+    {Name::TzOffsetFrom, "TZOFFSETFROM", Type::Raw, Held::Other, P::kZone, P::kICalendar, true},
+    {Name::TzOffsetTo, "TZOFFSETTO", Type::Raw, Held::Other, P::kZone, P::kICalendar, true},
+    {Name::TzName, "TZNAME", Type::Text, Held::Other, P::kZone, P::kICalendar, false},
+    {Name::DtStart, "DTSTART", Type::Raw, Held::Date, kEntries | P::kZone | P::kNotInCalendar,
+     kBoth, true},
+    {Name::DtEnd, "DTEND", Type::Raw, Held::Date, P::kEvent | P::kNotInCalendar, kBoth, true},
+    {Name::Due, "DUE", Type::Raw, Held::Date, P::kTodo | P::kNotInCalendar, kBoth, true},
+    {Name::Completed, "COMPLETED", Type::Raw, Held::Date, P::kTodo, kBoth, true},
+    {Name::Created, "CREATED", Type::Raw, Held::Date, kEntries, P::kICalendar, true},
+    {Name::DCreated, "DCREATED", Type::Raw, Held::Date, kEntries | P::kNotInCalendar, P::kVCalendar,
+     true},
+    {Name::LastModified, "LAST-MODIFIED", Type::Raw, Held::Date, kEntries | P::kZone | P::kCalendar,
+     kBoth, true},
+    {Name::DtStamp, "DTSTAMP", Type::Raw, Held::Date, kEntries | P::kNotInCalendar, P::kICalendar,
+     true},
+    {Name::XICalDtStamp, "X-ICAL-DTSTAMP", Type::Raw, Held::Date, kEntries, P::kVCalendar, true},
+    {Name::RecurrenceId, "RECURRENCE-ID", Type::Raw, Held::Date, kEntries, P::kICalendar, true},
+    {Name::XRecurrenceId, "X-RECURRENCE-ID", Type::Raw, Held::Date, kEntries, P::kVCalendar, true},
+    {Name::Duration, "DURATION", Type::Raw, Held::Date, P::kEvent | P::kTodo | P::kAlarm,
+     P::kICalendar, true},
+    {Name::RDate, "RDATE", Type::Raw, Held::Date, kEntries | P::kZone, kBoth, false},
+    {Name::ExDate, "EXDATE", Type::Raw, Held::Date, kEntries | P::kZone, kBoth, false},
+    {Name::RRule, "RRULE", Type::Raw, Held::Other, kEntries | P::kZone | P::kNotInCalendar, kBoth,
+     false},
+    {Name::ExRule, "EXRULE", Type::Raw, Held::Other, kEntries | P::kZone, kBoth, false},
+    {Name::XICalRRule, "X-ICAL-RRULE", Type::Raw, Held::Other, kEntries, P::kVCalendar, false},
+    {Name::XICalExRule, "X-ICAL-EXRULE", Type::Raw, Held::Other, kEntries, P::kVCalendar, false},
+    {Name::AAlarm, "AALARM", Type::Text, Held::Other, kEntries | P::kNotInCalendar, P::kVCalendar,
+     false},
+    {Name::DAlarm, "DALARM", Type::Text, Held::Other, kEntries | P::kNotInCalendar, P::kVCalendar,
+     false},
+    {Name::MAlarm, "MALARM", Type::Text, Held::Other, kEntries | P::kNotInCalendar, P::kVCalendar,
+     false},
+    {Name::PAlarm, "PALARM", Type::Text, Held::Other, kEntries | P::kNotInCalendar, P::kVCalendar,
+     false},
+    {Name::Action, "ACTION", Type::Text, Held::Other, P::kAlarm, P::kICalendar, true},
+    {Name::Trigger, "TRIGGER", Type::Raw, Held::Other, P::kAlarm, P::kICalendar, true},
+    {Name::Repeat, "REPEAT", Type::Raw, Held::Other, P::kAlarm, P::kICalendar, true},
+    {Name::Uid, "UID", Type::Text, Held::Other, kEntries | P::kCalendar, kBoth, true},
+    {Name::Body, "BODY", Type::Text, Held::Other, P::kJournal, P::kVCalendar, true},
+    {Name::RNum, "RNUM", Type::Raw, Held::Other, kEntries, P::kVCalendar, true},
+    {Name::Agent, "AGENT", Type::Raw, Held::Other, kEntries, P::kVCalendar, true},
+    {Name::Attach, "ATTACH", Type::Raw, Held::Property, kEntries | P::kAlarm, kBoth, false},
+    {Name::Attendee, "ATTENDEE", Type::Raw, Held::Property, kEntries | P::kAlarm, kBoth, false},
+    {Name::Categories, "CATEGORIES", Type::TextList, Held::Property, kEntries | P::kCalendar, kBoth,
+     false},
+    {Name::Class, "CLASS", Type::Text, Held::Property, kEntries, kBoth, true},
+    {Name::Color, "COLOR", Type::Text, Held::Property, kEntries | P::kCalendar, P::kICalendar,
+     true},
+    {Name::Comment, "COMMENT", Type::Text, Held::Property, kEntries | P::kZone, P::kICalendar,
+     false},
+    {Name::Conference, "CONFERENCE", Type::Raw, Held::Property, P::kEvent | P::kTodo, P::kICalendar,
+     false},
+    {Name::Contact, "CONTACT", Type::Text, Held::Property, kEntries, P::kICalendar, false},
+    {Name::Description, "DESCRIPTION", Type::Text, Held::Property,
+     kEntries | P::kAlarm | P::kCalendar, kBoth, true},
+    {Name::Geo, "GEO", Type::Raw, Held::Property, P::kEvent | P::kTodo, kBoth, true},
+    {Name::Image, "IMAGE", Type::Raw, Held::Property, kEntries | P::kCalendar, P::kICalendar,
+     false},
+    {Name::Location, "LOCATION", Type::Text, Held::Property, P::kEvent | P::kTodo, kBoth, true},
+    {Name::Organizer, "ORGANIZER", Type::Raw, Held::Property, kEntries, P::kICalendar, true},
+    {Name::PercentComplete, "PERCENT-COMPLETE", Type::Raw, Held::Property, P::kTodo, P::kICalendar,
+     true},
+    {Name::Priority, "PRIORITY", Type::Raw, Held::Property, P::kEvent | P::kTodo, kBoth, true},
+    {Name::RelatedTo, "RELATED-TO", Type::Text, Held::Property, kEntries, kBoth, false},
+    {Name::RequestStatus, "REQUEST-STATUS", Type::Raw, Held::Property, kEntries, P::kICalendar,
+     false},
+    {Name::Resources, "RESOURCES", Type::TextList, Held::Property, P::kEvent | P::kTodo, kBoth,
+     false},
+    {Name::Sequence, "SEQUENCE", Type::Raw, Held::Property, kEntries, kBoth, true},
+    {Name::Status, "STATUS", Type::Text, Held::Property, kEntries, kBoth, true},
+    {Name::Summary, "SUMMARY", Type::Text, Held::Property, kEntries | P::kAlarm, kBoth, true},
+    {Name::Transp, "TRANSP", Type::Text, Held::Property, P::kEvent, kBoth, true},
+    {Name::Url, "URL", Type::Raw, Held::Property, kEntries | P::kCalendar, kBoth, true},
+};
+static_assert(
+    [] {
+        std::size_t next = 0;
+        for (const Property& each : kProperties)
+            if (static_cast<std::size_t>(each.id) != next++) return false;
+        return next == static_cast<std::size_t>(kLastPropertyName) + 1;
+    }(),
+    "a row for each name, in the order of the names");
+
+constexpr std::size_t kSlots = 256;
+
+// REQUIRES: a name that is not empty.
+constexpr std::size_t slotOf(std::string_view name) {
+    const auto at = [name](std::size_t i) {
+        return std::size_t{static_cast<unsigned char>(name[i])};
+    };
+    return (at(0) * 5 + at(name.size() / 2) * 23 + at(name.size() - 1) * 3 + name.size() * 7) %
+           kSlots;
+}
+
+// Each name's number at its slot, or at the next one that was free; 0 ends the search.
+constexpr auto kTable = [] {
+    std::array<std::uint8_t, kSlots> table{};
+    for (std::size_t name = 1; name < std::size(kProperties); ++name) {
+        std::size_t slot = slotOf(kProperties[name].name);
+        while (table[slot] != 0) slot = (slot + 1) % kSlots;
+        table[slot] = static_cast<std::uint8_t>(name);
+    }
+    return table;
+}();
+
+}  // namespace
+
+const Property& propertyOf(PropertyName name) {
+    return kProperties[static_cast<std::size_t>(name)];
+}
+
+PropertyName propertyName(std::string_view name) {
+    if (name.empty()) return PropertyName::Unknown;
+    for (std::size_t slot = slotOf(name); kTable[slot] != 0; slot = (slot + 1) % kSlots)
+        if (kProperties[kTable[slot]].name == name) return kProperties[kTable[slot]].id;
+    return PropertyName::Unknown;
+}
+
+}  // namespace qel::calendar
