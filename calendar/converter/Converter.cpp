@@ -7,8 +7,9 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/converter/SourceLines.h"
-#include "calendar/formats/EntryReader.h"
+#include "calendar/formats/ICalReader.h"
 #include "calendar/formats/ICalWriter.h"
+#include "calendar/formats/VCalReader.h"
 #include "calendar/formats/VCalWriter.h"
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/text/ContentValue.h"

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/base/Strays.h"
-#include "calendar/formats/Vocabulary.h"
+#include "calendar/base/Text.h"
+#include "calendar/formats/AlarmReader.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
@@ -14,12 +14,12 @@ namespace qel::calendar {
 
 namespace {
 
-// Rules that one entry may have; each one is worked out. A text that passes it is read to its end.
+// Rules that one entry may have; each one is expanded. A text that passes it is read to its end.
 constexpr std::size_t kMostRules = 100;
-// Names of zones that are remembered as told.
+// Names of zones that are remembered as reported.
 constexpr std::size_t kMostUnknownZones = 1000;
 constexpr std::size_t kLongestZone = 1000;
-// Properties that an entry usually has at most: their room is kept for the next one.
+// Properties that an entry usually has at most: their memory is kept for the next one.
 constexpr std::size_t kUsualProperties = 32;
 
 }  // namespace
@@ -32,6 +32,20 @@ bool isEncodingWord(std::string_view value) {
 }
 
 Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
+    if (!beginEntry(component, zone)) return nullptr;
+    for (const ContentLine& line : component.properties) takeLine(line);
+    settleTimes();
+    startSeriesAtDue();
+    takeRecurrence();
+    for (const Component& child : component.children)
+        if (child.name == "VALARM")
+            AlarmReader(*this).takeComponent(child);
+        else
+            report(Note(NoteCode::EntryPartUnknown, child.number, {child.name}));
+    return &entry_;
+}
+
+bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
     std::vector<EntryProperty> properties = std::move(entry_.properties);
     properties.clear();
     if (properties.capacity() > kUsualProperties) properties = {};
@@ -51,45 +65,38 @@ Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     } else if (component.name == "VJOURNAL" || component.name == "VNOTE") {
         entry_.kind = EntryKind::Journal;
     } else {
-        tell(Severity::Warning, component.number,
-             component.name + " is no event, to-do or note; it is left out");
-        return nullptr;
+        report(Note(NoteCode::EntryComponentUnknown, component.number, {component.name}));
+        return false;
     }
-    for (const ContentLine& line : component.properties) takeLine(line);
-    settleTimes();
-    // A series counts from its start; a to-do may have a due date alone.
-    if (entry_.kind == EntryKind::Todo && hasRecurrence() && !entry_.start && entry_.due) {
-        entry_.properties.push_back({std::string(kVCalendarPrefix) + "DUE",
-                                     {},
-                                     EntryProperty::Type::Text,
-                                     formatMoment(*entry_.due),
-                                     {},
-                                     entry_.line});
-        entry_.start = std::exchange(entry_.due, std::nullopt);
-    }
-    if (entry_.start) {
-        readRuleLines();
-        for (const ContentLine& line : dateLines_) takeDateList(line);
-        // A series has its start anyway.
-        if (!entry_.rules.empty())
-            std::erase_if(entry_.dates, [this](const Moment& date) {
-                return entry_.inClockOf(*entry_.start, date) == *entry_.start;
-            });
-    } else {
+    return true;
+}
+
+// A series counts from its start; a to-do may have a due date alone.
+void EntryReader::startSeriesAtDue() {
+    if (entry_.kind != EntryKind::Todo || !hasRecurrence() || entry_.start || !entry_.due) return;
+    entry_.properties.push_back({std::string(kVCalendarPrefix) + "DUE",
+                                 {},
+                                 EntryProperty::Type::Text,
+                                 formatMoment(*entry_.due),
+                                 {},
+                                 entry_.line});
+    entry_.start = std::exchange(entry_.due, std::nullopt);
+}
+
+void EntryReader::takeRecurrence() {
+    if (!entry_.start) {
         for (const auto* lines : {&ruleLines_, &dateLines_})
             for (const ContentLine& line : *lines)
-                if (!trimmed(line.value).empty())
-                    carry(line, "stands in an entry without a start", Severity::Warning);
+                if (!trimmed(line.value).empty()) carry(line, NoteCode::EntryRuleWithoutStart);
+        return;
     }
-    for (const Component& child : component.children) {
-        if (child.name == "VALARM") {
-            takeAlarmComponent(child);
-        } else {
-            tell(Severity::Warning, child.number,
-                 child.name + " within an entry is not known; it is left out");
-        }
-    }
-    return &entry_;
+    readRuleLines();
+    for (const ContentLine& line : dateLines_) takeDateList(line);
+    // A series has its start anyway.
+    if (!entry_.rules.empty())
+        std::erase_if(entry_.dates, [this](const Moment& date) {
+            return entry_.inClockOf(*entry_.start, date) == *entry_.start;
+        });
 }
 
 void EntryReader::takeLine(const ContentLine& line) {
@@ -130,7 +137,7 @@ void EntryReader::takeLine(const ContentLine& line) {
         case Name::DAlarm:
         case Name::MAlarm:
         case Name::PAlarm:
-            return takeAlarmLine(line);
+            return AlarmReader(*this).takeLine(line);
         default:
             return takeProperty(line);
     }
@@ -146,7 +153,7 @@ std::string_view EntryReader::text(const ContentLine& line) {
     if (isPlainText(line)) return line.value;
     std::vector<Note> notes;
     const std::string value = decodedValue(line, notes);
-    for (Note& note : notes) sink_(std::move(note));
+    for (Note& note : notes) report(std::move(note));
     return texts_.keep(value);
 }
 
@@ -158,7 +165,7 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     if (!id.empty()) {
         const auto found = zones_.find(id);
         if (found == zones_.end()) {
-            tellUnknownZone(line, id);
+            reportUnknownZone(line, id);
             return result;
         }
         zone = found->second;
@@ -174,33 +181,31 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     return result;
 }
 
-void EntryReader::tellUnknownZone(const ContentLine& line, std::string_view id) {
+void EntryReader::reportUnknownZone(const ContentLine& line, std::string_view id) {
     if (unknownZones_.contains(id)) return;
-    // Beyond some number of them the file is no calendar but an attempt at this memory.
+    // A file with more of them is not a calendar but an attack on this memory.
     if (unknownZones_.size() < kMostUnknownZones) unknownZones_.emplace(id.substr(0, kLongestZone));
-    tell(Severity::Warning, line.number,
-         std::string(line.name) + ": the zone " + quoted(id) +
-             " is not described in the file; its times stay local");
+    report(
+        Note(NoteCode::EntryZoneUnknown, line.number, {line.name, id.substr(0, kLongestExcerpt)}));
 }
 
 void EntryReader::takeDuration(const ContentLine& line) {
     entry_.duration = parseDuration(line.value);
-    if (!entry_.duration) carry(line, "is no duration", Severity::Error);
+    if (!entry_.duration) carry(line, NoteCode::EntryDurationInvalid, line.value);
 }
 
 void EntryReader::takeDate(const ContentLine& line, std::optional<Moment>& slot) {
     const std::string_view value = text(line);
     auto read = moment(line, value);
-    // Written in UTC because iCalendar has it in nothing else.
+    // Written in UTC because iCalendar allows nothing else there.
     if (const std::string_view mark = line.parameter("X-VCAL-FLOATING"); read && !mark.empty()) {
         read->clock = Clock::Floating;
         read->isDate = mark == "DATE";
     }
     if (!read) {
-        if (!trimmed(value).empty())
-            carry(line, "holds " + quoted(value) + ", which is no date", Severity::Error);
+        if (!trimmed(value).empty()) carry(line, NoteCode::EntryDateInvalid, value);
     } else if (slot) {
-        carry(line, "stands twice in this entry; the first one counts", Severity::Warning);
+        carry(line, NoteCode::EntryDateTwice);
     } else {
         slot = read;
         if (&slot == &entry_.recurrenceId)
@@ -216,11 +221,13 @@ void EntryReader::keepDecoded(const ContentLine& line, std::vector<ContentLine>&
 void EntryReader::readRuleLines() {
     const std::optional<RuleStart> start = entry_.ruleStart();
     std::size_t count = 0;
-    bool told = false;
+    bool reported = false;
     for (const ContentLine& line : ruleLines_) {
         if (count >= kMostRules) {
-            carry(line, std::exchange(told, true) ? "" : "is one rule too many for an entry",
-                  Severity::Error);
+            if (std::exchange(reported, true))
+                carry(line);
+            else
+                carry(line, NoteCode::EntryRulesTooMany);
             continue;
         }
         RuleReading reading = readRules(line.value, ruleForm(), start);
@@ -229,10 +236,10 @@ void EntryReader::readRuleLines() {
             note.line = line.number;
             note.property = line.name;
             note.excerpt = trimmed(line.value).substr(0, kLongestExcerpt);
-            sink_(std::move(note));
+            report(std::move(note));
         }
         if (reading.rules.empty()) {
-            if (!trimmed(line.value).empty()) carry(line, "", Severity::Note);
+            if (!trimmed(line.value).empty()) carry(line);
             continue;
         }
         entry_.rules.push_back(
@@ -242,33 +249,42 @@ void EntryReader::readRuleLines() {
 
 void EntryReader::takeDateList(const ContentLine& line) {
     const bool excluded = line.id == PropertyName::ExDate;
-    const std::string name(line.name);
     bool period = false;
-    Strays strays;
+    std::size_t invalid = 0;
+    std::string firstInvalid;
     for (const std::string& item : listItems(line.value)) {
         if (trimmed(item).empty()) continue;
         std::string_view rest = item;
         const auto read = moment(line, nextField(rest, '/'));
         if (!read) {
-            strays.add(item);
+            if (invalid++ == 0) firstInvalid = item.substr(0, kLongestExcerpt);
             continue;
         }
         period = period || !rest.empty();
         (excluded ? entry_.excluded : entry_.dates).push_back(*read);
     }
-    std::vector<Note> notes;
-    strays.report(notes, Severity::Error, name + " holds what is no date, and it is left out:");
-    for (const Note& note : notes) tell(note.severity(), line.number, note.text());
-    if (period)
-        tell(Severity::Warning, line.number, name + " holds periods; their lengths are left out");
+    if (invalid != 0)
+        report(Note(NoteCode::EntryDatesInvalid, line.number,
+                    {line.name, firstInvalid, std::to_string(invalid)}));
+    if (period) report(Note(NoteCode::EntryPeriodLengths, line.number, {line.name}));
 }
 
-void EntryReader::carry(const ContentLine& line, std::string_view why, Severity severity) {
-    // What has been carried once keeps its name.
+// What has been carried once keeps its name.
+std::string EntryReader::carriedName(const ContentLine& line) const {
     const bool carried =
         line.name.starts_with(kVCalendarPrefix) || line.name.starts_with(kICalendarPrefix);
     std::string name(carried ? std::string_view() : carryPrefix());
     name += line.name;
+    return name;
+}
+
+void EntryReader::carry(const ContentLine& line, NoteCode why, std::string_view value) {
+    report(
+        Note(why, line.number, {line.name, carriedName(line), value.substr(0, kLongestExcerpt)}));
+    carry(line);
+}
+
+void EntryReader::carry(const ContentLine& line) {
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
         if (each.name == "ENCODING" || each.name == "CHARSET") continue;
@@ -279,10 +295,7 @@ void EntryReader::carry(const ContentLine& line, std::string_view why, Severity 
         parameters.push_back(
             {own.starts_with("X-") ? own : std::string(carryPrefix()) + own, each.value});
     }
-    if (!why.empty())
-        tell(severity, line.number,
-             std::string(line.name) + " " + std::string(why) + "; it is kept as " + name);
-    add(line, name, EntryProperty::Type::Text, text(line), std::move(parameters));
+    add(line, carriedName(line), EntryProperty::Type::Text, text(line), std::move(parameters));
 }
 
 void EntryReader::add(const ContentLine& line, std::string_view name, EntryProperty::Type type,

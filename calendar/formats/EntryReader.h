@@ -1,6 +1,6 @@
-// From components of a file to entries: what both formats share, and the two readers. They are
-// lenient, as files are: an iCalendar property in a vCalendar 1.0 file is read, and the other way
-// round. One thread.
+// From components of a file to entries: what the readers of both formats share. They are lenient,
+// as files are: an iCalendar property in a vCalendar 1.0 file is read, and the other way round. One
+// thread.
 #ifndef QEL_CALENDAR_FORMATS_ENTRYREADER_H
 #define QEL_CALENDAR_FORMATS_ENTRYREADER_H
 
@@ -20,7 +20,7 @@ namespace qel::calendar {
 // By TZID.
 using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
 
-// One reader reads the entries of one file: of a zone that is not described it tells once.
+// Reads the entries of one file. A zone that is not described is reported once.
 class EntryReader {
   public:
     EntryReader(const ZoneMap& zones, NoteSink sink) : zones_(zones), sink_(std::move(sink)) {}
@@ -29,7 +29,8 @@ class EntryReader {
     EntryReader& operator=(const EntryReader&) = delete;
 
     // The entry of a VEVENT, VTODO, VJOURNAL or VNOTE, which lasts until the next one is read; null
-    // for other components, which is told. `zone` is the one of the calendar's TZ line, or null.
+    // for other components, which are reported. `zone` is the one of the calendar's TZ line, or
+    // null.
     [[nodiscard]] Entry* read(const Component& component, const ZonePtr& zone);
 
   protected:
@@ -42,20 +43,22 @@ class EntryReader {
     // After all properties, before the rules are read.
     virtual void settleTimes() {}
 
-    // UTF-8, without the file's encoding; what is wrong with it is told. It lasts as the line does.
+    // UTF-8, without the file's encoding; faults in it are reported. It lasts as long as the line.
     std::string_view text(const ContentLine& line);
-    // The moment of a value, by TZID, VALUE and the file's zone. Tells what is none.
+    // The moment of a value, by TZID, VALUE and the file's zone; nothing when it is not a date. An
+    // unknown zone is reported.
     std::optional<Moment> moment(const ContentLine& line, std::string_view value);
-    // Keeps a line under the other format's prefix, and says why unless `why` is empty.
-    void carry(const ContentLine& line, std::string_view why, Severity severity);
+    // Keeps a line under the other format's prefix.
+    void carry(const ContentLine& line);
+    // The same, with a note whose values are the line's name, the name that it is kept under, and
+    // `value`.
+    void carry(const ContentLine& line, NoteCode why, std::string_view value = {});
     // A property under `name`, which is the line's own or another.
     void add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
              std::string_view value, std::vector<Parameter> parameters);
     void addList(const ContentLine& line, std::vector<std::string> items,
                  std::vector<Parameter> parameters);
-    void tell(Severity severity, std::size_t line, std::string message) {
-        sink_(Note(severity, std::move(message), line));
-    }
+    void report(Note note) { sink_(std::move(note)); }
 
     // True when the entry has a rule or a list of dates, read or not.
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
@@ -63,16 +66,19 @@ class EntryReader {
     Entry entry_;
 
   private:
+    friend class AlarmReader;
+
     void takeLine(const ContentLine& line);
     void takeDate(const ContentLine& line, std::optional<Moment>& slot);
     void takeDuration(const ContentLine& line);
     void takeUid(const ContentLine& line);
     void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
     void takeDateList(const ContentLine& line);
-    void tellUnknownZone(const ContentLine& line, std::string_view id);
-    void takeAlarmLine(const ContentLine& line);
-    void takeAlarmComponent(const Component& component);
-    static void settleAlarm(Alarm& alarm);
+    void reportUnknownZone(const ContentLine& line, std::string_view id);
+    [[nodiscard]] std::string carriedName(const ContentLine& line) const;
+    [[nodiscard]] bool beginEntry(const Component& component, const ZonePtr& zone);
+    void startSeriesAtDue();
+    void takeRecurrence();
     void readRuleLines();
 
     const ZoneMap& zones_;
@@ -80,51 +86,11 @@ class EntryReader {
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
     Arena texts_;                                      // decoded ones, of the entry that is read
-    std::set<std::string, std::less<>> unknownZones_;  // that have been told
-};
-
-// vCalendar 1.0.
-class VCalReader final : public EntryReader {
-  public:
-    using EntryReader::EntryReader;
-
-  private:
-    [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::VCalendar10; }
-    [[nodiscard]] std::string_view carryPrefix() const override { return kVCalendarPrefix; }
-    void takeProperty(const ContentLine& line) override;
-    [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
-    void settleTimes() override;
-
-    void takeList(const ContentLine& line);
-    void takeClass(const ContentLine& line);
-    void takeText(const ContentLine& line);
-    void takeAttendee(const ContentLine& line);
-    void takeAttachment(const ContentLine& line);
-    void takeStatus(const ContentLine& line);
-    void takeTransparency(const ContentLine& line);
-    void takePosition(const ContentLine& line);
-    void takeNumber(const ContentLine& line, int most);
-    void makeAllDay();
-};
-
-// iCalendar 2.0.
-class ICalReader final : public EntryReader {
-  public:
-    using EntryReader::EntryReader;
-
-  private:
-    [[nodiscard]] RuleForm ruleForm() const override { return RuleForm::ICalendar; }
-    [[nodiscard]] std::string_view carryPrefix() const override { return kICalendarPrefix; }
-    void takeProperty(const ContentLine& line) override;
-    [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
+    std::set<std::string, std::less<>> unknownZones_;  // reported
 };
 
 // True for the words that name an encoding, where a value stands without its parameter's name.
 [[nodiscard]] bool isEncodingWord(std::string_view value);
-
-// The parameters of a vCalendar 1.0 line in iCalendar's words: encodings gone, what iCalendar does
-// not know behind X-VCAL-.
-[[nodiscard]] std::vector<Parameter> parametersFromVCalendar(const ContentLine& line);
 
 }  // namespace qel::calendar
 

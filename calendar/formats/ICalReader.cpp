@@ -1,8 +1,8 @@
-// Entries of iCalendar 2.0.
+#include "calendar/formats/ICalReader.h"
+
 #include <utility>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/formats/EntryReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
 #include "calendar/text/TransferEncodings.h"
@@ -40,7 +40,7 @@ void ICalReader::takeProperty(const ContentLine& line) {
             if (!clean->empty())
                 add(line, line.name, EntryProperty::Type::Base64, *clean, std::move(parameters));
         } else {
-            carry(line, "is not Base64 as it says", Severity::Error);
+            carry(line, NoteCode::AttachmentInvalid);
         }
         return;
     }

@@ -1,10 +1,10 @@
-// Entries of vCalendar 1.0.
+#include "calendar/formats/VCalReader.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <set>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/formats/EntryReader.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
@@ -73,7 +73,7 @@ void VCalReader::takeProperty(const ContentLine& line) {
         case Name::Tz:
         case Name::Daylight:
         case Name::Version:
-            // Looked at before the entry; a note has a version of its own.
+            // Read before the entry; a note has a version of its own.
             return;
         default:
             return takeText(line);
@@ -92,10 +92,9 @@ void VCalReader::takeClass(const ContentLine& line) {
     if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL")
         add(line, line.name, EntryProperty::Type::Text, value, parametersFromVCalendar(line));
     else if (!value.empty())
-        carry(line, "is no class that iCalendar knows", Severity::Warning);
+        carry(line, NoteCode::EntryClassUnknown, value);
 }
 
-// Whatever is a text, or an unknown thing that is taken for one.
 void VCalReader::takeText(const ContentLine& line) {
     using Type = EntryProperty::Type;
     const std::string_view name = line.name;
@@ -117,9 +116,11 @@ void VCalReader::takeText(const ContentLine& line) {
             parametersFromVCalendar(line));
     } else if (name.starts_with("X-")) {
         add(line, name, Type::Text, text(line), parametersFromVCalendar(line));
+    } else if (propertyOf(line.id).isOf(Property::kVCalendar)) {
+        // The format's own, which iCalendar lacks.
+        carry(line);
     } else {
-        // Properties of vCalendar 1.0 that iCalendar lacks are carried without a word.
-        carry(line, name == "RNUM" || name == "AGENT" ? "" : "is not known", Severity::Warning);
+        carry(line, NoteCode::EntryPropertyUnknown);
     }
 }
 
@@ -129,7 +130,7 @@ void VCalReader::takeNumber(const ContentLine& line, int most) {
         add(line, line.name, EntryProperty::Type::Raw, std::to_string(*number),
             parametersFromVCalendar(line));
     } else if (!trimmed(line.value).empty()) {
-        carry(line, "", Severity::Note);
+        carry(line);
     }
 }
 
@@ -137,7 +138,7 @@ void VCalReader::takeStatus(const ContentLine& line) {
     const std::string_view value = text(line);
     const std::string_view own = statusFromVCalendar(trimmed(value), entry_.kind);
     if (own.empty()) {
-        if (!trimmed(value).empty()) carry(line, "", Severity::Note);
+        if (!trimmed(value).empty()) carry(line);
         return;
     }
     add(line, line.name, EntryProperty::Type::Text, own, parametersFromVCalendar(line));
@@ -146,7 +147,7 @@ void VCalReader::takeStatus(const ContentLine& line) {
 void VCalReader::takeTransparency(const ContentLine& line) {
     const std::string_view value = trimmed(text(line));
     const auto number = parseInt(value);
-    if (entry_.kind != EntryKind::Event || (number && *number > 1)) carry(line, "", Severity::Note);
+    if (entry_.kind != EntryKind::Event || (number && *number > 1)) carry(line);
     if (entry_.kind != EntryKind::Event) return;
     if (number && *number >= 0) {
         add(line, line.name, EntryProperty::Type::Text, *number == 0 ? "OPAQUE" : "TRANSPARENT",
@@ -155,11 +156,10 @@ void VCalReader::takeTransparency(const ContentLine& line) {
         add(line, line.name, EntryProperty::Type::Text, upper(value),
             parametersFromVCalendar(line));
     } else if (!value.empty()) {
-        carry(line, "is no number", Severity::Error);
+        carry(line, NoteCode::EntryTransparencyInvalid, value);
     }
 }
 
-// vCalendar 1.0 gives the longitude first, iCalendar the latitude.
 void VCalReader::takePosition(const ContentLine& line) {
     const std::string_view rest = text(line);
     const std::size_t comma = rest.find_first_of(",;");
@@ -177,7 +177,7 @@ void VCalReader::takePosition(const ContentLine& line) {
         add(line, line.name, EntryProperty::Type::Raw, second + ";" + first,
             parametersFromVCalendar(line));
     } else {
-        carry(line, "is no position on Earth", Severity::Error);
+        carry(line, NoteCode::EntryPositionInvalid, rest);
     }
 }
 
@@ -193,7 +193,7 @@ void VCalReader::takeAttachment(const ContentLine& line) {
     if (isBase64(line)) {
         const auto clean = cleanBase64(line.value);
         if (!clean)
-            carry(line, "is not Base64 as it says", Severity::Error);
+            carry(line, NoteCode::AttachmentInvalid);
         else if (!clean->empty())
             add(line, line.name, EntryProperty::Type::Base64, *clean, parameters);
         return;
@@ -233,7 +233,6 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     add(line, line.name, EntryProperty::Type::Raw, address.uri, once);
 }
 
-// The start is a date; the end becomes the day after the last.
 void VCalReader::makeAllDay() {
     entry_.start = entry_.inClockOf(Moment{0, 0, true, Clock::Floating}, *entry_.start);
     for (std::optional<Moment>* each : {&entry_.end, &entry_.due}) {
@@ -250,7 +249,8 @@ void VCalReader::makeAllDay() {
 
 void VCalReader::settleTimes() {
     if (!entry_.start) return;
-    // Rules speak of the wall clock: a series given in UTC moves to the clock of the file's zone.
+    // Rules are meant in wall-clock time: a series given in UTC moves to the clock of the file's
+    // zone.
     const ZonePtr& zone = entry_.zone;
     Moment local = *entry_.start;
     if (zone != nullptr && local.clock == Clock::Utc) local = zone->toLocal(local);

@@ -136,7 +136,7 @@ TEST(Convert, ZonesOfICalendarBecomeTzAndDaylight) {
     EXPECT_TRUE(holds(result.out, "TZ:+01"));
     EXPECT_TRUE(holds(result.out, "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z;;"));
     EXPECT_TRUE(holds(result.out, "RRULE:D1 20050603T090000"));
-    EXPECT_TRUE(result.tells("\"Gone\" is not described"));
+    EXPECT_TRUE(result.tells("describe the zone \"Gone\""));
     EXPECT_EQ(result.texts(Severity::Warning).size(), 1u);
     // The series in UTC stands in a calendar without a zone, or it would move to that zone's clock.
     EXPECT_EQ(entryDifferences(icalendar, result.out), "");

@@ -1,0 +1,187 @@
+#include "calendar/formats/AlarmReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/formats/EntryReader.h"
+#include "calendar/formats/Vocabulary.h"
+#include "calendar/text/ContentValue.h"
+#include "calendar/text/Escapes.h"
+
+namespace qel::calendar {
+
+using Action = Alarm::Action;
+
+void AlarmReader::takeComponent(const Component& component) {
+    alarm_ = {};
+    alarm_.line = component.number;
+    alarm_.hasText = false;
+    hasTrigger_ = false;
+    usable_ = true;
+    for (const ContentLine& line : component.properties) takeProperty(line);
+    if (!hasTrigger_) {
+        reader_.report(Note(NoteCode::AlarmWithoutTrigger, component.number));
+        usable_ = false;
+    }
+    if (!usable_) return;
+    takeAttachment();
+    restore();
+    reader_.entry_.alarms.push_back(std::move(alarm_));
+}
+
+void AlarmReader::takeProperty(const ContentLine& line) {
+    using Name = PropertyName;
+    switch (line.id) {
+        case Name::Action:
+            return takeAction(line);
+        case Name::Trigger:
+            return takeTrigger(line);
+        case Name::Duration:
+            if (const auto duration = parseDuration(line.value)) alarm_.snooze = duration->total();
+            return;
+        case Name::Repeat:
+            alarm_.repeat = parseInt(trimmed(line.value));
+            return;
+        case Name::Description:
+            alarm_.text = unescapeICalendar(reader_.text(line));
+            alarm_.hasText = true;
+            return;
+        case Name::Summary:
+            alarm_.summary = unescapeICalendar(reader_.text(line));
+            return;
+        case Name::Attendee:
+            return takeAddress(line);
+        case Name::Attach:
+            return takeOther(line, EntryProperty::Type::Raw);
+        default:
+            return takeOther(line, EntryProperty::Type::Text);
+    }
+}
+
+void AlarmReader::takeAction(const ContentLine& line) {
+    alarm_.actionName = upper(trimmed(line.value));
+    alarm_.action = alarm_.actionName == "AUDIO"       ? Action::Audio
+                    : alarm_.actionName == "DISPLAY"   ? Action::Display
+                    : alarm_.actionName == "EMAIL"     ? Action::Email
+                    : alarm_.actionName == "PROCEDURE" ? Action::Procedure
+                                                       : Action::Other;
+}
+
+void AlarmReader::takeTrigger(const ContentLine& line) {
+    if (std::exchange(hasTrigger_, true)) return takeOther(line, EntryProperty::Type::Text);
+    if (const auto duration = parseDuration(line.value)) {
+        alarm_.offset = duration->total();
+        alarm_.fromEnd = equalsIgnoreCase(line.parameter("RELATED"), "END");
+    } else if (const auto at = reader_.moment(line, line.value)) {
+        alarm_.at = *at;
+    } else {
+        reader_.report(Note(NoteCode::AlarmTriggerInvalid, line.number,
+                            {line.value.substr(0, kLongestExcerpt)}));
+        usable_ = false;
+    }
+}
+
+void AlarmReader::takeAddress(const ContentLine& line) {
+    if (!alarm_.address.empty()) return takeOther(line, EntryProperty::Type::Raw);
+    alarm_.address = std::string(trimmed(reader_.text(line)));
+    if (startsWithIgnoreCase(alarm_.address, "mailto:")) alarm_.address.erase(0, 7);
+}
+
+void AlarmReader::takeOther(const ContentLine& line, EntryProperty::Type type) {
+    const std::string_view text = reader_.text(line);
+    alarm_.others.push_back(
+        {std::string(line.name),
+         line.parameters,
+         type,
+         type == EntryProperty::Type::Raw ? std::string(text) : unescapeICalendar(text),
+         {},
+         line.number});
+}
+
+void AlarmReader::takeAttachment() {
+    if (alarm_.action != Action::Audio && alarm_.action != Action::Procedure) return;
+    const auto attachment =
+        std::find_if(alarm_.others.begin(), alarm_.others.end(),
+                     [](const EntryProperty& each) { return each.name == "ATTACH"; });
+    if (attachment == alarm_.others.end()) return;
+    const bool binary = std::any_of(
+        attachment->parameters.begin(), attachment->parameters.end(), [](const Parameter& each) {
+            return each.name == "ENCODING" && equalsIgnoreCase(each.value, "BASE64");
+        });
+    alarm_.text = attachment->value();
+    if (binary) alarm_.parameters = {{"VALUE", "INLINE"}, {"ENCODING", "BASE64"}};
+    alarm_.others.erase(attachment);
+}
+
+void AlarmReader::restore() {
+    for (const Action action : {Action::Audio, Action::Display, Action::Email, Action::Procedure})
+        if (restoreAs(action)) return;
+}
+
+bool AlarmReader::restoreAs(Action action) {
+    const std::string name = std::string(kVCalendarPrefix) + std::string(alarmName(action));
+    const auto own = std::find_if(alarm_.others.begin(), alarm_.others.end(),
+                                  [&](const EntryProperty& each) { return each.name == name; });
+    if (own == alarm_.others.end()) return false;
+    Alarm restored;
+    restored.action = action;
+    restored.at = alarm_.at;
+    restored.offset = alarm_.offset;
+    restored.fromEnd = alarm_.fromEnd;
+    restored.line = alarm_.line;
+    restored.fields = own->value();
+    for (const Parameter& each : own->parameters) {
+        const bool carried = each.name.starts_with(kVCalendarPrefix);
+        std::string bare = carried ? each.name.substr(kVCalendarPrefix.size()) : each.name;
+        if (bare == "PARAMETER") bare.clear();
+        restored.parameters.push_back({bare, each.value});
+    }
+    readAlarmFields(restored);
+    alarm_ = std::move(restored);
+    return true;
+}
+
+void AlarmReader::takeLine(const ContentLine& line) {
+    alarm_ = {};
+    alarm_.line = line.number;
+    alarm_.action = line.id == PropertyName::AAlarm   ? Action::Audio
+                    : line.id == PropertyName::DAlarm ? Action::Display
+                    : line.id == PropertyName::MAlarm ? Action::Email
+                                                      : Action::Procedure;
+    const bool binary = isBase64(line);
+    std::string_view rest = binary ? line.value : reader_.text(line);
+    const std::string_view when = trimmed(nextField(rest, ';'));
+    const auto at = reader_.moment(line, when);
+    if (!at) return reportTimeless(line, when, rest);
+    alarm_.at = *at;
+    if (at->isDate) {
+        alarm_.at->isDate = false;
+        if (reader_.entry_.zone != nullptr) alarm_.at->clock = Clock::Zoned;
+    }
+    alarm_.fields = std::string(rest);
+    for (const Parameter& each : line.parameters)
+        if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
+            !(each.name.empty() && isEncodingWord(each.value) && !binary))
+            alarm_.parameters.push_back(each);
+    readAlarmFields(alarm_);
+    // A URI shows by itself that it is one.
+    if (isUri(alarm_.text))
+        std::erase_if(alarm_.parameters, [](const Parameter& each) {
+            return each.name == "VALUE" &&
+                   (equalsIgnoreCase(each.value, "URL") || equalsIgnoreCase(each.value, "URI"));
+        });
+    reader_.entry_.alarms.push_back(std::move(alarm_));
+}
+
+void AlarmReader::reportTimeless(const ContentLine& line, std::string_view when,
+                                 std::string_view rest) {
+    if (!when.empty())
+        reader_.carry(line, NoteCode::AlarmTimeInvalid);
+    else if (!trimmed(rest).empty() && rest.find_first_not_of("; ") != std::string_view::npos)
+        reader_.carry(line, NoteCode::AlarmWithoutTime);
+    else
+        reader_.report(Note(NoteCode::AlarmEmpty, line.number, {line.name}));
+}
+
+}  // namespace qel::calendar
