@@ -8,7 +8,12 @@
 #include "calendar/api/RulesHandle.h"
 #include "calendar/api/TimeValue.h"
 #include "calendar/base/Ascii.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/RuleReader.h"
+#include "calendar/rules/RuleRecords.h"
 #include "calendar/rules/RuleSentence.h"
+#include "calendar/rules/RuleWriteICalendar.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 
 using namespace qel::calendar::api;
 namespace calendar = qel::calendar;

@@ -11,6 +11,7 @@
 #include "QelCalendar/qelcalendar.h"
 #include "calendar/api/NoteHandle.h"
 #include "calendar/base/Moment.h"
+#include "calendar/rules/RuleRecords.h"
 #include "calendar/rules/RuleText.h"
 
 namespace qel::calendar::api {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "calendar/formats/EntryReader.h"
+#include "calendar/rules/RuleReader.h"
 
 namespace qel::calendar {
 

@@ -19,10 +19,11 @@ constexpr int kLastTableYear = 2010;
 constexpr int kUtcZone = 22;
 constexpr int kFirstYear = 1900;  // of all times that QelUtility knows
 constexpr int kLastYear = 2499;
-constexpr std::int64_t kEndOfTime = dayNumber(kLastYear + 1, 1, 1) * kDaySeconds;
+constexpr std::int64_t kEndOfTime = std::int64_t{dayNumber(kLastYear + 1, 1, 1)} * kDaySeconds;
 
 std::int64_t midnight(int year, int month, int day) {
-    return dayNumber(std::clamp(year, kFirstYear, kLastYear), month, day) * kDaySeconds;
+    return std::int64_t{dayNumber(std::clamp(year, kFirstYear, kLastYear), month, day)} *
+           kDaySeconds;
 }
 
 int yearOf(std::int64_t seconds) {
@@ -64,7 +65,8 @@ bool TableZone::knows(int year) const {
 // By what QelUtility moves a local time to make it UTC. At the ends of the calendar, where UTC may
 // lie outside it, the days beside them speak for the last ones.
 std::int64_t TableZone::libraryOffset(std::int64_t local) {
-    const std::int64_t held = std::clamp(local, 2 * kDaySeconds, kEndOfTime - 2 * kDaySeconds);
+    const std::int64_t held =
+        std::clamp<std::int64_t>(local, 2 * kDaySeconds, kEndOfTime - 2 * kDaySeconds);
     const std::string text = formatMoment(momentAt(Moment{}, held));
     if (number_ == 0) return held - secondsOf(computer_.LocalToUTC(text.c_str()));
     VStr utc;

@@ -15,6 +15,7 @@
 #include "calendar/base/Moment.h"
 #include "calendar/base/Notes.h"
 #include "calendar/lines/CalendarReader.h"
+#include "calendar/text/ContentText.h"
 
 namespace qel::calendar {
 
