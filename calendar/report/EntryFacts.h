@@ -1,4 +1,4 @@
-// What a person wants to know of an entry: what it is, when it is, how it recurs, in words and as
+// An entry as a person reads it: what it is, when it takes place and how it recurs, in words and as
 // days. Plain data; any thread.
 #ifndef QEL_CALENDAR_REPORT_ENTRYFACTS_H
 #define QEL_CALENDAR_REPORT_ENTRYFACTS_H
@@ -7,16 +7,16 @@
 #include <string>
 #include <vector>
 
-#include "base/RuleDates.h"
 #include "calendar/entries/Entry.h"
+#include "calendar/entries/EntryDates.h"
 
 namespace qel::calendar {
 
 struct RuleFacts {
     bool exclude = false;
     std::string sentence;                // "every 2 weeks on Monday, 10 times"
-    std::vector<std::string> vCalendar;  // the texts, none where the format has none
-    std::string whyNot;                  // then: what it lacks
+    std::vector<std::string> vCalendar;  // empty where the format cannot hold the rule
+    std::string whyNot;                  // then: the reason
     std::string iCalendar;
 };
 
@@ -28,10 +28,7 @@ struct EntryFacts {
     std::size_t furtherDates = 0;  // RDATE
     std::size_t exclusions = 0;    // EXDATE
     std::size_t alarms = 0;
-    // The days of its occurrences, ascending, each once, excluded ones marked; the first ones of a
-    // long series.
-    std::vector<cli::ListedDate> days;
-    bool more = false;  // the series goes on after `days`
+    EntryDays days;
 };
 
 [[nodiscard]] EntryFacts entryFacts(const Entry& entry);

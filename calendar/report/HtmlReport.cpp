@@ -165,7 +165,7 @@ void HtmlReport::entry(const ReportEntry& entry) {
     if (!facts.when.empty()) text += "<p>" + html(facts.when) + "</p>";
     if (facts.alarms != 0)
         text += "<p class=soft>" + counted(facts.alarms, "alarm", "alarms") + "</p>";
-    const MonthTables months = monthTables(facts.days, facts.more, kMostMonths);
+    const MonthTables months = monthTables(facts.days.days, facts.days.more, kMostMonths);
     text += ruleList(facts) + messageList(entry.messages, entry.kept) +
             (months.count > kMonthsBeside ? "</div><div class='grids wide'>"
                                           : "</div><div class=grids>") +

@@ -3,22 +3,21 @@
 #define QEL_CALENDAR_REPORT_MONTHTABLES_H
 
 #include <cstddef>
+#include <span>
 #include <string>
-#include <vector>
 
-#include "base/RuleDates.h"
+#include "calendar/base/MarkedDays.h"
 
 namespace qel::calendar {
 
 struct MonthTables {
     std::string html;
-    std::size_t count = 0;  // of the tables
+    std::size_t count = 0;  // tables
 };
 
-// The months that hold a day of `days`, at most `most` of them, each a <table>, and what comes
-// after them in words. REQUIRES: days ascend. `more`: there are further ones behind them.
-[[nodiscard]] MonthTables monthTables(const std::vector<cli::ListedDate>& days, bool more,
-                                      std::size_t most);
+// The months that hold a day of `days`, at most `most` of them, each a <table>, and in words what
+// comes after them. `more`: the series goes on after `days`. REQUIRES: days ascend.
+[[nodiscard]] MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most);
 
 }  // namespace qel::calendar
 

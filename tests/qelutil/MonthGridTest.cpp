@@ -4,17 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <vector>
+
+#include "calendar/base/Days.h"
 
 namespace {
 
 using namespace qel::cli;
-using namespace std::chrono_literals;
-using std::chrono::year_month_day;
+using qel::calendar::dayNumber;
+using qel::calendar::MarkedDay;
 
-std::string grid(const std::vector<std::chrono::year_month>& months, const MarkedDays& marks,
-                 const MonthGridLayout& layout) {
+std::string grid(const std::vector<MarkedDay>& days, const MonthGridLayout& layout) {
     std::ostringstream out;
-    writeMonths(out, months, marks, layout);
+    writeMonths(out, days, layout);
     return out.str();
 }
 
@@ -22,10 +24,9 @@ TEST(MonthGrid, ShowsMarkedDaysUnderTheirWeekday) {
     MonthGridLayout monday;
     monday.firstDayOfWeek = std::chrono::Monday;
     // A month that starts on the week's last day needs six weeks.
-    EXPECT_EQ(grid({2023y / 10},
-                   {{2023y / 10 / 16, DayMark::Excluded},
-                    {2023y / 10 / 17, DayMark::Occurrence},
-                    {2023y / 10 / 31, DayMark::Occurrence}},
+    EXPECT_EQ(grid({{dayNumber(2023, 10, 16), true},
+                    {dayNumber(2023, 10, 17), false},
+                    {dayNumber(2023, 10, 31), false}},
                    monday),
               "        October 2023\n"
               " Mo  Tu  We  Th  Fr  Sa  Su\n"
@@ -38,15 +39,13 @@ TEST(MonthGrid, ShowsMarkedDaysUnderTheirWeekday) {
 }
 
 TEST(MonthGrid, PutsMonthsSideBySideAsThePageTakesThem) {
-    const MarkedDays marks = {{2024y / 2 / 29, DayMark::Occurrence},
-                              {2024y / 3 / 31, DayMark::Occurrence},
-                              {2024y / 3 / 1, DayMark::Occurrence},
-                              {2025y / 2 / 28, DayMark::Occurrence}};
-    const auto months = monthsWith(marks);
-    ASSERT_EQ(months.size(), 3U);
+    const std::vector<MarkedDay> days = {{dayNumber(2024, 2, 29), false},
+                                         {dayNumber(2024, 3, 1), false},
+                                         {dayNumber(2024, 3, 31), false},
+                                         {dayNumber(2025, 2, 28), false}};
     MonthGridLayout page;
     page.width = 58;
-    EXPECT_EQ(grid(months, marks, page),
+    EXPECT_EQ(grid(days, page),
               "       February 2024                   March 2024\n"
               " Su  Mo  Tu  We  Th  Fr  Sa    Su  Mo  Tu  We  Th  Fr  Sa\n"
               "                  1   2   3                       [ 1]  2\n"
@@ -63,11 +62,10 @@ TEST(MonthGrid, PutsMonthsSideBySideAsThePageTakesThem) {
               "  9  10  11  12  13  14  15\n"
               " 16  17  18  19  20  21  22\n"
               " 23  24  25  26  27 [28]\n");
-    // A page narrower than a month, a month that is none, and highlighting, whose escape sequences
-    // take no columns.
+    // A page narrower than a month, and highlighting, whose escape sequences take no columns.
     page.width = -5;
     page.highlight = true;
-    const std::string shown = grid({2024y / 13, 2024y / 3}, marks, page);
+    const std::string shown = grid({{dayNumber(2024, 3, 1), false}}, page);
     EXPECT_EQ(shown.find("         March 2024\n"), 0U) << shown;
     EXPECT_NE(shown.find(" \x1b[7m 1\x1b[0m   2\n"), std::string::npos) << shown;
     EXPECT_EQ(shown.find('['), shown.find("\x1b[") + 1);

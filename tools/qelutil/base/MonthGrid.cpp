@@ -4,26 +4,22 @@
 #include <array>
 #include <ostream>
 #include <string>
+#include <vector>
+
+#include "calendar/base/CalendarNames.h"
+#include "calendar/base/Days.h"
 
 namespace qel::cli {
 
 namespace {
 
-using std::chrono::day;
-using std::chrono::sys_days;
-using std::chrono::weekday;
-using std::chrono::year_month;
-
-constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
-                                                 "May",       "June",     "July",     "August",
-                                                 "September", "October",  "November", "December"};
 constexpr std::array<const char*, 7> kDays = {"Su", "Mo", "Tu", "We", "Th", "Fr", "Sa"};
 constexpr std::size_t kCellWidth = 4;  // "[12]"
 constexpr std::size_t kMonthWidth = 7 * kCellWidth;
 constexpr std::size_t kGap = 2;
 constexpr int kWeeks = 6;
 
-// A line of one month: what is written, and how many columns it takes (escape sequences none).
+// A line of one month, and how many columns it takes: escape sequences take none.
 struct Line {
     std::string text;
     std::size_t columns = 0;
@@ -34,35 +30,33 @@ struct Line {
     }
 };
 
-std::string cell(unsigned number, const DayMark* mark, bool highlight) {
+std::string cell(int number, const calendar::MarkedDay* mark, bool highlight) {
     const std::string digits = (number < 10 ? " " : "") + std::to_string(number);
     if (mark == nullptr) return " " + digits + " ";
-    if (*mark == DayMark::Occurrence)
-        return highlight ? " \x1b[7m" + digits + "\x1b[0m " : "[" + digits + "]";
-    return highlight ? " \x1b[2;9m" + digits + "\x1b[0m " : "(" + digits + ")";
+    if (mark->excluded) return highlight ? " \x1b[2;9m" + digits + "\x1b[0m " : "(" + digits + ")";
+    return highlight ? " \x1b[7m" + digits + "\x1b[0m " : "[" + digits + "]";
 }
 
-std::vector<Line> monthLines(year_month month, const MarkedDays& marks,
-                             const MonthGridLayout& layout) {
+std::vector<Line> monthLines(const calendar::MarkedMonth& month, const MonthGridLayout& layout) {
     std::vector<Line> lines(2 + kWeeks);
-    const std::string title = std::string(kMonths[static_cast<unsigned>(month.month()) - 1]) + " " +
-                              std::to_string(static_cast<int>(month.year()));
+    const std::string title =
+        std::string(calendar::monthName(month.month)) + " " + std::to_string(month.year);
     const std::size_t margin = (kMonthWidth - title.size()) / 2;
     lines[0].add(std::string(margin, ' ') + title, margin + title.size());
-    for (unsigned column = 0; column < 7; ++column) {
-        const weekday name = layout.firstDayOfWeek + std::chrono::days(column);
+    for (int column = 0; column < 7; ++column) {
+        const std::chrono::weekday name = layout.firstDayOfWeek + std::chrono::days(column);
         lines[1].add(std::string(" ") + kDays[name.c_encoding()] + " ", kCellWidth);
     }
-    const weekday first(sys_days(month / day(1)));
-    const auto offset = static_cast<unsigned>((first - layout.firstDayOfWeek).count());
-    const auto last = static_cast<unsigned>((month / std::chrono::last).day());
-    for (unsigned number = 1; number <= last; ++number) {
-        const unsigned position = offset + number - 1;
-        Line& line = lines[2 + position / 7];
-        if (number == 1) line.add(std::string(offset * kCellWidth, ' '), offset * kCellWidth);
-        const auto found = marks.find(month / day(number));
-        const DayMark* mark = found == marks.end() ? nullptr : &found->second;
-        line.add(cell(number, mark, layout.highlight), kCellWidth);
+    const int first = calendar::dayNumber(month.year, month.month, 1);
+    const std::chrono::weekday firstWeekday(calendar::kDayZero + std::chrono::days(first));
+    const auto offset = static_cast<std::size_t>((firstWeekday - layout.firstDayOfWeek).count());
+    lines[2].add(std::string(offset * kCellWidth, ' '), offset * kCellWidth);
+    auto mark = month.days.begin();
+    for (int number = 1; number <= calendar::daysInMonth(month.year, month.month); ++number) {
+        const bool marked = mark != month.days.end() && mark->day == first + number - 1;
+        Line& line = lines[2 + (offset + static_cast<std::size_t>(number) - 1) / 7];
+        line.add(cell(number, marked ? &*mark : nullptr, layout.highlight), kCellWidth);
+        if (marked) ++mark;
     }
     return lines;
 }
@@ -77,7 +71,7 @@ void writeRow(std::ostream& out, const std::vector<std::vector<Line>>& row) {
             whole.add(row[i][number].text, row[i][number].columns);
         }
         while (!whole.text.empty() && whole.text.back() == ' ') whole.text.pop_back();
-        // The sixth week, when no month of the row has one, is not written at all.
+        // A sixth week that no month of the row has is left out.
         if (number >= 2 && whole.text.empty()) continue;
         out << whole.text << '\n';
     }
@@ -85,16 +79,7 @@ void writeRow(std::ostream& out, const std::vector<std::vector<Line>>& row) {
 
 }  // namespace
 
-std::vector<year_month> monthsWith(const MarkedDays& marks) {
-    std::vector<year_month> months;
-    for (const auto& [date, mark] : marks) {
-        const year_month month = date.year() / date.month();
-        if (months.empty() || months.back() != month) months.push_back(month);
-    }
-    return months;
-}
-
-void writeMonths(std::ostream& out, const std::vector<year_month>& months, const MarkedDays& marks,
+void writeMonths(std::ostream& out, std::span<const calendar::MarkedDay> days,
                  const MonthGridLayout& layout) {
     const auto width = static_cast<std::size_t>(std::max(layout.width, 0));
     const std::size_t perRow = std::max<std::size_t>(1, (width + kGap) / (kMonthWidth + kGap));
@@ -107,9 +92,8 @@ void writeMonths(std::ostream& out, const std::vector<year_month>& months, const
         writeRow(out, row);
         row.clear();
     };
-    for (const year_month month : months) {
-        if (!month.ok()) continue;
-        row.push_back(monthLines(month, marks, layout));
+    for (const calendar::MarkedMonth& month : calendar::monthsOf(days)) {
+        row.push_back(monthLines(month, layout));
         if (row.size() == perRow) finishRow();
     }
     finishRow();

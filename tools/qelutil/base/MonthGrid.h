@@ -1,20 +1,14 @@
-// Month grids in the manner of `cal`, several side by side, with days marked. Any thread.
+// Month grids like those of `cal`, several side by side, with days marked. Any thread.
 #ifndef QELUTIL_BASE_MONTHGRID_H
 #define QELUTIL_BASE_MONTHGRID_H
 
 #include <chrono>
 #include <iosfwd>
-#include <map>
-#include <vector>
+#include <span>
+
+#include "calendar/base/MarkedDays.h"
 
 namespace qel::cli {
-
-enum class DayMark {
-    Occurrence,  // [12], or highlighted
-    Excluded     // (12), or dimmed and struck through
-};
-
-using MarkedDays = std::map<std::chrono::year_month_day, DayMark>;
 
 struct MonthGridLayout {
     std::chrono::weekday firstDayOfWeek = std::chrono::Sunday;
@@ -22,14 +16,11 @@ struct MonthGridLayout {
     bool highlight = false;  // escape sequences instead of brackets
 };
 
-// The months that hold a marked day, in order, each once.
-[[nodiscard]] std::vector<std::chrono::year_month> monthsWith(const MarkedDays& marks);
-
-// Writes the months in the order given, as many side by side as the page's width takes, with a
-// blank line between rows. No line ends in a blank. Months that are not valid dates are passed
-// over.
-void writeMonths(std::ostream& out, const std::vector<std::chrono::year_month>& months,
-                 const MarkedDays& marks, const MonthGridLayout& layout);
+// Writes the months that hold a day of `days`, as many side by side as the page's width takes, with
+// a blank line between rows: [12] for a day of the series, (12) for an excluded one, or highlighted
+// and struck through. No line ends in a blank. REQUIRES: days ascend.
+void writeMonths(std::ostream& out, std::span<const calendar::MarkedDay> days,
+                 const MonthGridLayout& layout);
 
 }  // namespace qel::cli
 

@@ -10,31 +10,26 @@
 
 namespace qel::cli {
 
-std::vector<ListedDate> listed(const std::vector<int>& days) {
-    std::vector<ListedDate> dates;
+std::vector<calendar::MarkedDay> listed(const std::vector<int>& days) {
+    std::vector<calendar::MarkedDay> dates;
     dates.reserve(days.size());
     for (const int day : days) dates.push_back({day, false});
     return dates;
 }
 
-void writeDateList(std::ostream& out, const std::vector<ListedDate>& dates) {
-    for (const ListedDate& date : dates) {
+void writeDateList(std::ostream& out, const std::vector<calendar::MarkedDay>& dates) {
+    for (const calendar::MarkedDay& date : dates) {
         const std::string text = isoDate(date.day) + "  " +
                                  std::string(calendar::weekdayName(calendar::weekdayOf(date.day)));
         out << (date.excluded ? " (" + text + ")" : "  " + text) << "\n";
     }
 }
 
-void writeDateGrids(std::ostream& out, const std::vector<ListedDate>& dates) {
-    MarkedDays marks;
-    for (const ListedDate& date : dates) {
-        marks[std::chrono::year_month_day(calendar::kDayZero + std::chrono::days(date.day))] =
-            date.excluded ? DayMark::Excluded : DayMark::Occurrence;
-    }
+void writeDateGrids(std::ostream& out, const std::vector<calendar::MarkedDay>& dates) {
     MonthGridLayout layout;
     layout.width = outputWidth();
     layout.highlight = outputHighlights();
-    writeMonths(out, monthsWith(marks), marks, layout);
+    writeMonths(out, dates, layout);
 }
 
 void writeNotes(Context& context, const ReadRules& read) {

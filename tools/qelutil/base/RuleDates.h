@@ -6,22 +6,18 @@
 #include <vector>
 
 #include "base/RuleArguments.h"
+#include "calendar/base/MarkedDays.h"
 
 namespace qel::cli {
 
-struct ListedDate {
-    int day = 0;  // a code date
-    bool excluded = false;
-};
-
 // The dates, none excluded.
-[[nodiscard]] std::vector<ListedDate> listed(const std::vector<int>& days);
+[[nodiscard]] std::vector<calendar::MarkedDay> listed(const std::vector<int>& days);
 
 // One date a line, "  2005-06-15  Wednesday"; an excluded one in parentheses.
-void writeDateList(std::ostream& out, const std::vector<ListedDate>& dates);
+void writeDateList(std::ostream& out, const std::vector<calendar::MarkedDay>& dates);
 
-// The months that hold a date, side by side.
-void writeDateGrids(std::ostream& out, const std::vector<ListedDate>& dates);
+// The months that hold a date, side by side. REQUIRES: dates ascend, each once.
+void writeDateGrids(std::ostream& out, const std::vector<calendar::MarkedDay>& dates);
 
 // How the rule's text was understood, on standard error.
 void writeNotes(Context& context, const ReadRules& read);

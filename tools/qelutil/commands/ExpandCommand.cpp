@@ -90,9 +90,9 @@ std::vector<int> datesOf(Context& context, const calendar::Rule& rule, const Opt
 
 // The dates inside the range; what was excluded is marked and does not count towards `most` (0 for
 // all). REQUIRES: dates ascend, each once.
-std::vector<ListedDate> select(const std::vector<int>& dates, const Range& range,
-                               const std::set<int>& excluded, std::size_t most) {
-    std::vector<ListedDate> chosen;
+std::vector<calendar::MarkedDay> select(const std::vector<int>& dates, const Range& range,
+                                        const std::set<int>& excluded, std::size_t most) {
+    std::vector<calendar::MarkedDay> chosen;
     std::size_t kept = 0;
     for (const int date : dates) {
         if (date < range.first || date > range.last) continue;
@@ -113,14 +113,14 @@ void noteStrayExclusions(Context& context, const std::vector<int>& dates, const 
 }
 
 void writeResult(Context& context, const Options& options, const Range& range,
-                 const std::vector<ListedDate>& dates) {
+                 const std::vector<calendar::MarkedDay>& dates) {
     if (options.json) {
         Json document{{"text", jsonText(options.rule.text)},
                       {"since", isoDate(range.first)},
                       {"through", isoDate(range.last)},
                       {"dates", Json::array()},
                       {"excluded", Json::array()}};
-        for (const ListedDate& date : dates)
+        for (const calendar::MarkedDay& date : dates)
             document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
         writeJson(context.out, document);
     } else if (options.calendar) {

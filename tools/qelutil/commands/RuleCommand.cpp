@@ -140,7 +140,7 @@ void writeText(std::ostream& out, const Explained& explained, const Options& opt
     writeForms(out, explained);
     writeRepeats(out, explained);
     out << "\n";
-    const std::vector<ListedDate> dates = listed(explained.dates);
+    const std::vector<calendar::MarkedDay> dates = listed(explained.dates);
     if (options.calendar)
         writeDateGrids(out, dates);
     else

@@ -1,0 +1,189 @@
+#include "calendar/entries/EntryDates.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+
+#include "calendar/base/Days.h"
+#include "calendar/rules/Occurrences.h"
+#include "calendar/rules/Rule.h"
+
+namespace qel::calendar {
+
+namespace {
+
+constexpr int kLastYear = 2499;
+constexpr int kLastDay = dayNumber(kLastYear, 12, 31);
+// More than a rule can have occurrences: one a day from the year 1 on.
+constexpr std::size_t kUnlimited = kLastDay - dayNumber(1, 1, 1) + 2;
+// Days of one occurrence that are marked after its first.
+constexpr int kLongestSpan = 31;
+
+// All occurrences of an entry, those that are taken out too.
+class Series {
+  public:
+    // Of each rule the first `mostOfRule`, none later than `lastYear`.
+    Series(const Entry& entry, std::size_t mostOfRule, int lastYear)
+        : entry_(entry), limits_{mostOfRule, std::min(lastYear, kLastYear)} {
+        add(*entry.start);
+        for (const EntryRule& each : entry.rules)
+            for (const Rule& rule : each.rules) addRule(rule, each.exclude);
+        for (const Moment& date : entry.dates) add(inClock(date));
+        for (const Moment& date : entry.excluded) exclude(inClock(date));
+        for (const int day : excludedByRule_) exclude(atStartsTime(day));
+    }
+
+    // By day and second of the day on the start's clock; true when it is taken out.
+    [[nodiscard]] const std::map<std::pair<int, int>, bool>& occurrences() const {
+        return occurrences_;
+    }
+    // After this day there may be occurrences that are missing here, or not taken out.
+    [[nodiscard]] int completeThrough() const { return completeThrough_; }
+    // A rule that adds occurrences has more of them.
+    [[nodiscard]] bool goesOn() const { return goesOn_; }
+
+  private:
+    void addRule(const Rule& rule, bool excludes) {
+        const std::vector<int> days = expandRule(rule, entry_.ruleStart(), limits_);
+        if (days.size() >= limits_.most) {
+            completeThrough_ = std::min(completeThrough_, days.back());
+            goesOn_ = goesOn_ || !excludes;
+        }
+        if (excludes)
+            excludedByRule_.insert(days.begin(), days.end());
+        else
+            for (const int day : days) add(atStartsTime(day));
+    }
+
+    [[nodiscard]] Moment inClock(const Moment& date) const {
+        return entry_.inClockOf(*entry_.start, date);
+    }
+    [[nodiscard]] Moment atStartsTime(int day) const {
+        Moment moment = *entry_.start;
+        moment.day = day;
+        return moment;
+    }
+    void add(const Moment& moment) { occurrences_.try_emplace({moment.day, moment.second}, false); }
+    void exclude(const Moment& moment) {
+        const auto found = occurrences_.find({moment.day, moment.second});
+        if (found != occurrences_.end()) found->second = true;
+    }
+
+    const Entry& entry_;
+    RuleLimits limits_;
+    std::map<std::pair<int, int>, bool> occurrences_;
+    std::set<int> excludedByRule_;
+    int completeThrough_ = kLastDay;
+    bool goesOn_ = false;
+};
+
+// Moments in seconds of the start's clock.
+struct Seconds {
+    std::int64_t first = std::numeric_limits<std::int64_t>::min();
+    std::int64_t last = std::int64_t{kLastDay + 1} * kDaySeconds - 1;
+};
+
+Seconds secondsOf(const Entry& entry, const OccurrenceRange& range) {
+    Seconds seconds;
+    const auto inClock = [&](const Moment& moment) {
+        return moment.isDate ? moment : entry.inClockOf(*entry.start, moment);
+    };
+    if (range.since) seconds.first = inClock(*range.since).seconds();
+    if (range.through) {
+        const Moment through = inClock(*range.through);
+        seconds.last = through.seconds() + (through.isDate ? kDaySeconds - 1 : 0);
+    }
+    return seconds;
+}
+
+// How many occurrences of a rule can matter at first: those before the range, one a day, and those
+// that are wanted, some of which may be taken out.
+std::size_t firstGuess(const Entry& entry, const OccurrenceRange& range, const Seconds& seconds) {
+    if (range.most == 0 || range.most > kUnlimited) return kUnlimited;
+    const std::int64_t before =
+        range.since ? (seconds.first - entry.start->seconds()) / kDaySeconds + 1 : 0;
+    return range.most + entry.excluded.size() +
+           static_cast<std::size_t>(std::max<std::int64_t>(before, 0)) + 1;
+}
+
+void addSpans(std::map<int, bool>& days, int length) {
+    const std::map<int, bool> starts = days;
+    for (const auto& [day, excluded] : starts) {
+        if (excluded) continue;
+        for (int each = 1; each <= length; ++each) days[day + each] = false;
+    }
+}
+
+// Days after its first that an occurrence takes up.
+int spanOf(const Entry& entry) {
+    const auto last = lastMoment(entry);
+    if (!last) return 0;
+    // An entry that ends at midnight is not on the day that begins then.
+    const int lastDay = !last->isDate && last->second == 0 ? last->day - 1 : last->day;
+    return std::min(lastDay - entry.start->day, kLongestSpan);
+}
+
+}  // namespace
+
+std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range) {
+    std::vector<Moment> found;
+    if (!entry.start) return found;
+    const Seconds seconds = secondsOf(entry, range);
+    const int lastYear = range.through ? civilOf(range.through->day).year + 1 : kLastYear;
+    for (std::size_t most = firstGuess(entry, range, seconds);; most *= 2) {
+        const Series series(entry, most, lastYear);
+        const bool complete = series.completeThrough() == kLastDay;
+        found.clear();
+        for (const auto& [at, excluded] : series.occurrences()) {
+            Moment moment = *entry.start;
+            std::tie(moment.day, moment.second) = at;
+            if (moment.day > series.completeThrough() && !complete) break;
+            if (moment.seconds() > seconds.last) return found;
+            if (excluded || moment.seconds() < seconds.first) continue;
+            found.push_back(moment);
+            if (found.size() == range.most) return found;
+        }
+        if (complete) return found;
+    }
+}
+
+EntryDays markedDays(const Entry& entry, std::size_t most) {
+    EntryDays result;
+    if (!entry.start) {
+        if (entry.due) result.days.push_back({entry.due->day, false});
+        return result;
+    }
+    const Series series(entry, most, kLastYear);
+    std::map<int, bool> days;
+    for (const auto& [at, excluded] : series.occurrences()) {
+        bool& excludedDay = days[at.first];
+        excludedDay = excludedDay || excluded;
+    }
+    addSpans(days, spanOf(entry));
+    result.more = series.goesOn();
+    for (const auto& [day, excluded] : days) {
+        if (day > series.completeThrough() || result.days.size() >= most) {
+            result.more = true;
+            break;
+        }
+        result.days.push_back({day, excluded});
+    }
+    return result;
+}
+
+std::optional<Moment> lastMoment(const Entry& entry) {
+    std::optional<Moment> last;
+    if (entry.end)
+        last = entry.inClockOf(*entry.start, *entry.end);
+    else if (entry.duration)
+        last = momentAt(*entry.start, entry.start->seconds() + entry.duration->total());
+    if (last && last->isDate && last->day > entry.start->day) --last->day;
+    if (last && last->seconds() <= entry.start->seconds()) return std::nullopt;
+    return last;
+}
+
+}  // namespace qel::calendar
