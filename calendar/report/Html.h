@@ -1,4 +1,4 @@
-// Text of calendars inside a page: whatever it holds, it is shown and does nothing. Any thread.
+// Text of calendars as HTML: markup in it is shown and has no effect. Any thread.
 #ifndef QEL_CALENDAR_REPORT_HTML_H
 #define QEL_CALENDAR_REPORT_HTML_H
 
@@ -9,8 +9,8 @@
 namespace qel::calendar {
 
 // For text between tags and for attributes in double quotes: the five characters of markup as
-// references, control characters and stray bytes as printable() shows them, cut at about `longest`
-// bytes with "..." behind.
+// references, control characters and invalid bytes as printable() shows them; a text longer than
+// about `longest` bytes is cut and ends in "...".
 [[nodiscard]] std::string html(std::string_view text, std::size_t longest = 1000);
 
 // The same line by line, for a <pre>.

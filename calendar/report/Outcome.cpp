@@ -1,22 +1,8 @@
 #include "calendar/report/Outcome.h"
 
-#include "base/Json.h"
+#include <utility>
 
 namespace qel::calendar {
-
-namespace {
-
-std::string counted(std::uint64_t number, const std::string& one, const std::string& many) {
-    return std::to_string(number) + " " + (number == 1 ? one : many);
-}
-
-cli::Json countsJson(const OutcomeCounts& counts) {
-    return {{"entries", counts.entries}, {"converted", counts.converted},
-            {"changed", counts.changed}, {"warnings", counts.warnings},
-            {"errors", counts.errors},   {"notCarriedOver", counts.lost}};
-}
-
-}  // namespace
 
 void OutcomeCounts::add(const OutcomeCounts& other) {
     entries += other.entries;
@@ -27,60 +13,39 @@ void OutcomeCounts::add(const OutcomeCounts& other) {
     lost += other.lost;
 }
 
-void Totals::add(const FileOutcome& file) {
-    ++files;
-    if (!file.reason.empty()) ++leftOut;
-    counts.add(file.counts);
-}
-
-std::string summaryText(const Totals& totals) {
-    const OutcomeCounts& counts = totals.counts;
-    std::string text = counted(totals.files, "file", "files");
-    if (totals.leftOut != 0) text += " (" + std::to_string(totals.leftOut) + " left out)";
-    return text + ", " + counted(counts.entries, "entry", "entries") + ": " +
-           std::to_string(counts.converted) + " converted, " + std::to_string(counts.changed) +
-           " changed, " + counted(counts.warnings, "warning", "warnings") + ", " +
-           counted(counts.errors, "error", "errors") + ", " + std::to_string(counts.lost) +
-           " not carried over";
-}
-
-cli::Json summaryJson(const Totals& totals) {
-    cli::Json json{{"files", totals.files}, {"filesLeftOut", totals.leftOut}};
-    json.update(countsJson(totals.counts));
-    return json;
-}
-
-cli::Json outcomeJson(const FileOutcome& file) {
-    cli::Json json{
-        {"file", cli::jsonText(file.file)},
-        {"output", file.output.empty() ? cli::Json() : cli::Json(cli::jsonText(file.output))},
-        {"leftOut", file.reason.empty() ? cli::Json() : cli::Json(cli::jsonText(file.reason))}};
-    json.update(countsJson(file.counts));
-    json["messages"] = cli::Json::array();
-    for (const Note& each : file.messages)
-        json["messages"].push_back({{"severity", severityName(each.severity())},
-                                    {"line", each.line == 0 ? cli::Json() : cli::Json(each.line)},
-                                    {"text", cli::jsonText(each.text())},
-                                    {"notCarriedOver", each.fate() == Fate::Lost}});
-    return json;
-}
-
 void Tally::beginFile(std::string name) {
-    file_ = {};
-    file_.file = std::move(name);
+    files_.emplace_back().file = std::move(name);
 }
 
-void Tally::hear(const Note& message, bool keep) {
-    if (message.severity() == Severity::Warning) ++file_.counts.warnings;
-    if (message.severity() == Severity::Error) ++file_.counts.errors;
-    if (message.fate() == Fate::Lost) ++file_.counts.lost;
-    if (keep) file_.messages.push_back(message);
+void Tally::note(const Note& note) {
+    OutcomeCounts& counts = files_.back().counts;
+    if (note.severity() == Severity::Warning) ++counts.warnings;
+    if (note.severity() == Severity::Error) ++counts.errors;
+    if (note.fate() == Fate::Lost) ++counts.lost;
 }
 
 void Tally::entryConverted(const ConvertedEntry& converted) {
-    ++file_.counts.entries;
-    ++file_.counts.converted;
-    if (!converted.notes.empty()) ++file_.counts.changed;
+    OutcomeCounts& counts = files_.back().counts;
+    ++counts.entries;
+    ++counts.converted;
+    if (!converted.notes.empty()) ++counts.changed;
+}
+
+void Tally::settle(std::size_t file, std::string output, std::string reason) {
+    FileOutcome& outcome = files_[file];
+    outcome.output = std::move(output);
+    outcome.reason = std::move(reason);
+    if (!outcome.reason.empty()) outcome.counts.converted = 0;
+}
+
+Totals Tally::totals() const {
+    Totals totals;
+    for (const FileOutcome& file : files_) {
+        ++totals.files;
+        if (!file.reason.empty()) ++totals.leftOut;
+        totals.counts.add(file.counts);
+    }
+    return totals;
 }
 
 }  // namespace qel::calendar

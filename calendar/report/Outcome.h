@@ -1,64 +1,61 @@
-// What became of the files of a conversion, counted: for the summary, its JSON and the report. One
-// thread.
+// What became of the files of a conversion, in numbers. One thread.
 #ifndef QEL_CALENDAR_REPORT_OUTCOME_H
 #define QEL_CALENDAR_REPORT_OUTCOME_H
 
+#include <cstddef>
 #include <cstdint>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
-#include "calendar/converter/Converter.h"
+#include "calendar/converter/ConversionObserver.h"
 
 namespace qel::calendar {
 
 struct OutcomeCounts {
     std::uint64_t entries = 0;    // events, to-dos and notes that were read
-    std::uint64_t converted = 0;  // of them, those that stand in a result
-    std::uint64_t changed = 0;    // of the entries, those about which there is something to tell
-    std::uint64_t warnings = 0;   // messages
-    std::uint64_t errors = 0;     // messages
-    std::uint64_t lost = 0;       // warnings and errors that tell of something left out
+    std::uint64_t converted = 0;  // of them, those in a result
+    std::uint64_t changed = 0;    // of them, those with a note
+    std::uint64_t warnings = 0;   // notes of that severity
+    std::uint64_t errors = 0;     // notes of that severity
+    std::uint64_t lost = 0;       // notes with that fate
 
     void add(const OutcomeCounts& other);
-    // Nothing to warn of.
+    // No warning and no error.
     [[nodiscard]] bool clean() const { return warnings == 0 && errors == 0; }
 };
 
 struct FileOutcome {
-    std::string file;    // as it was named
-    std::string output;  // the result's file; empty for standard output, or where there is none
-    std::string reason;  // why the file has no part in any result; empty when it has
+    std::string file;    // as the caller named it
+    std::string output;  // the name of its result; may be empty
+    std::string reason;  // why the file is in no result; empty when it is in one
     OutcomeCounts counts;
-    std::vector<Note> messages;  // as many as were kept
 };
 
 struct Totals {
     std::uint64_t files = 0;
-    std::uint64_t leftOut = 0;  // files without a part in any result
+    std::uint64_t leftOut = 0;  // files that are in no result
     OutcomeCounts counts;
-
-    void add(const FileOutcome& file);
 };
 
-// "3 files (1 left out), 12 entries: 11 converted, 2 changed, 1 warning, 0 errors, 1 not carried
-// over".
-[[nodiscard]] std::string summaryText(const Totals& totals);
-[[nodiscard]] nlohmann::ordered_json summaryJson(const Totals& totals);
-[[nodiscard]] nlohmann::ordered_json outcomeJson(const FileOutcome& file);
-
-// Counts what a converter tells and reads, file by file.
+// Counts the entries and notes of a conversion, file by file.
 class Tally : public ConversionObserver {
   public:
     void beginFile(std::string name);
-    // To be told of every message of the converter. Keeps it when `keep` is true.
-    void hear(const Note& message, bool keep);
+    // Every note of the conversion, as the converter reports it. REQUIRES: a file was begun.
+    void note(const Note& note);
+    // REQUIRES: a file was begun.
     void entryConverted(const ConvertedEntry& converted) override;
+    // What became of a file, 0 for the first: the name of its result, and the reason why it is in
+    // none, after which none of its entries counts as converted. Both may be empty. May be called
+    // again; REQUIRES: the file was begun.
+    void settle(std::size_t file, std::string output, std::string reason);
 
-    [[nodiscard]] FileOutcome& file() { return file_; }
+    // In the order in which they were begun.
+    [[nodiscard]] const std::vector<FileOutcome>& files() const { return files_; }
+    [[nodiscard]] Totals totals() const;
 
   private:
-    FileOutcome file_;
+    std::vector<FileOutcome> files_;
 };
 
 }  // namespace qel::calendar

@@ -1,4 +1,4 @@
-// Shows what a converter has to tell, as much of it as a person reads. One thread.
+// Shows the notes of a conversion, as many of them as a person reads. One thread.
 #ifndef QELUTIL_COMMANDS_CONVERTMESSAGES_H
 #define QELUTIL_COMMANDS_CONVERTMESSAGES_H
 
@@ -14,24 +14,24 @@ class ConvertMessages {
   public:
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
-    // False when the message is one that is not shown: a note, or one of too many.
-    bool show(const calendar::Note& message) {
+    // False when it is not shown: its severity is Note, or there are too many before it.
+    bool show(const calendar::Note& note) {
         using calendar::Severity;
-        if (message.severity() == Severity::Error) context_.setBadInput();
-        if (message.severity() == Severity::Note && !verbose_) return false;
+        if (note.severity() == Severity::Error) context_.setBadInput();
+        if (note.severity() == Severity::Note && !verbose_) return false;
         if (!verbose_ && ++shown_ > kMost) {
             ++hidden_;
             return false;
         }
-        switch (message.severity()) {
+        switch (note.severity()) {
             case Severity::Error:
-                context_.error(message.file, message.line, message.text());
+                context_.error(note.file, note.line, note.text());
                 break;
             case Severity::Warning:
-                context_.warning(message.file, message.line, message.text());
+                context_.warning(note.file, note.line, note.text());
                 break;
             case Severity::Note:
-                context_.note(message.file, message.line, message.text());
+                context_.note(note.file, note.line, note.text());
                 break;
         }
         return true;

@@ -17,10 +17,11 @@
 #include "base/Spool.h"
 #include "calendar/base/Text.h"
 #include "calendar/converter/Converter.h"
-#include "calendar/report/HtmlReport.h"
+#include "calendar/report/ConversionReport.h"
 #include "calendar/report/Outcome.h"
-#include "calendar/report/ReportFeed.h"
 #include "commands/ConvertMessages.h"
+#include "commands/ConvertSummary.h"
+#include "commands/ReportFile.h"
 
 namespace qel::cli {
 
@@ -52,20 +53,38 @@ std::string inFolder(const std::string& folder, const std::string& name) {
     return folder + (ends ? "" : "/") + name;
 }
 
-// The same for two names that some file systems hold for one.
+// Equal for names that differ in case alone, which some file systems do not distinguish.
 std::string withoutCase(std::string name) {
     for (char& c : name)
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     return name;
 }
 
+// The report and the file that it goes to.
+class Report {
+  public:
+    Report(Context& context, const std::string& name)
+        : file_(context, name), page_([this](std::string_view text) { file_.addToBody(text); }) {}
+
+    [[nodiscard]] calendar::ConversionReport& page() { return page_; }
+
+    void finish(const std::string& remark, const std::vector<calendar::FileOutcome>& outcomes) {
+        for (std::size_t i = 0; i < outcomes.size(); ++i)
+            page_.settle(i, outcomes[i].output, outcomes[i].reason);
+        page_.finish(remark, [this](std::string_view text) { file_.addToHead(text); });
+        file_.commit();
+    }
+
+  private:
+    ReportFile file_;
+    calendar::ConversionReport page_;
+};
+
 class ConvertRun : private calendar::ConversionObserver {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
         : context_(context), options_(options), messages_(context, options.verbose) {
-        if (options.report.empty()) return;
-        report_.emplace(context, options.report);
-        feed_.emplace(*report_);
+        if (!options.report.empty()) report_.emplace(context, options.report);
     }
 
     void run() {
@@ -83,37 +102,42 @@ class ConvertRun : private calendar::ConversionObserver {
             joined();
         progress_ = nullptr;
         progress.hide();
-        tell();
+        showSummary();
     }
 
   private:
     [[nodiscard]] calendar::NoteSink sink() {
-        return [this](const calendar::Note& message) {
-            tally_.hear(message, messages_.show(message));
-            if (feed_) feed_->hear(message);
+        return [this](const calendar::Note& note) {
+            tally_.note(note);
+            if (messages_.show(note)) shown_.back().push_back(note);
+            if (report_) report_->page().note(note);
         };
     }
 
-    [[nodiscard]] bool wantsLines() const override { return feed_.has_value(); }
+    [[nodiscard]] bool wantsLines() const override { return report_.has_value(); }
 
     void entryConverted(const calendar::ConvertedEntry& converted) override {
         tally_.entryConverted(converted);
-        if (feed_) feed_->entryConverted(converted);
+        if (report_) report_->page().entryConverted(converted);
     }
 
     void beginFile(const CalendarFile& file) {
         const std::string name = isStandardStream(file.name) ? kStandardInput : file.name;
         tally_.beginFile(name);
-        if (feed_) feed_->beginFile(name);
-        ++number_;
+        shown_.emplace_back();
+        if (report_) report_->page().beginFile(name);
         progress_->relabel(files_.size() == 1 ? name
-                                              : std::to_string(number_) + "/" +
+                                              : std::to_string(shown_.size()) + "/" +
                                                     std::to_string(files_.size()) + " " + name);
     }
 
     void endFile() {
-        outcomes_.push_back(std::move(tally_.file()));
-        if (feed_) feed_->endFile();
+        if (report_) report_->page().endFile();
+    }
+
+    // What became of the file that was begun last. A file with a reason is in no result.
+    void settle(const std::string& output, const std::string& reason) {
+        tally_.settle(tally_.files().size() - 1, output, reason);
     }
 
     // Converts one file; the reason why it could not be read to its end, or nothing.
@@ -131,8 +155,8 @@ class ConvertRun : private calendar::ConversionObserver {
         }
     }
 
-    // Zones may be described behind the entries that use them: they are looked for first, in
-    // whatever can be read twice. Only iCalendar has them, so a phone's file may flow through.
+    // Zones may be described after the entries that use them, so that files which can be read twice
+    // are searched for them first. Only iCalendar has them: a phone's file need not be held.
     void readFile(calendar::Converter& converter, const std::string& name,
                   const std::function<void(std::uint64_t)>& update) {
         InputFile input(context_, name);
@@ -162,30 +186,30 @@ class ConvertRun : private calendar::ConversionObserver {
         if (!options_.dryRun) output.emplace(context_, options_.output);
         std::ostream& out = options_.dryRun ? nowhere : hold ? held : output->stream();
         calendar::Converter converter(out, targetOf(options_.to), sink());
-        calendar::Totals all;
+        const std::string name = isStandardStream(options_.output) ? "" : options_.output;
         for (const CalendarFile& file : files_) {
             const std::uint64_t calendars = converter.counts().calendars;
             beginFile(file);
             std::string reason = convertFile(converter, file);
-            calendar::FileOutcome& outcome = tally_.file();
             if (reason.empty() && converter.counts().calendars == calendars)
                 reason = "there is no calendar in it";
-            if (outcome.counts.converted == 0) outcome.reason = reason;
-            if (!isStandardStream(options_.output)) outcome.output = options_.output;
-            all.add(outcome);
+            // Entries that were converted before a failure are in the result.
+            if (tally_.files().back().counts.converted != 0) reason.clear();
+            settle(name, reason);
             endFile();
         }
         // An older result is worth more than an empty one.
         if (converter.counts().calendars == 0) {
             nothingWritten("there is no calendar to write");
-        } else if (options_.strict && (!all.counts.clean() || context_.exitCode() != kExitFine)) {
+        } else if (options_.strict &&
+                   (!tally_.totals().counts.clean() || context_.exitCode() != kExitFine)) {
             nothingWritten(kStrictReason);
         } else if (!options_.dryRun) {
             converter.finish();
             if (hold) output->stream() << held.str();
             output->commit();
         }
-        for (const calendar::FileOutcome& each : outcomes_) settled(each);
+        for (const calendar::FileOutcome& each : tally_.files()) showOutcome(each);
     }
 
     void nothingWritten(const std::string& reason) {
@@ -193,10 +217,9 @@ class ConvertRun : private calendar::ConversionObserver {
                        : isStandardStream(options_.output)
                            ? reason + "; nothing is written"
                            : reason + "; " + options_.output + " is left as it was");
-        for (calendar::FileOutcome& each : outcomes_) {
-            if (each.reason.empty()) each.reason = reason;
-            each.counts.converted = 0;
-            each.output.clear();
+        for (std::size_t i = 0; i < tally_.files().size(); ++i) {
+            const std::string& known = tally_.files()[i].reason;
+            tally_.settle(i, {}, known.empty() ? reason : known);
         }
     }
 
@@ -208,14 +231,9 @@ class ConvertRun : private calendar::ConversionObserver {
                 convertAlone(file);
             } catch (const InputError& problem) {
                 context_.error(problem.what());
-                tally_.file().reason = problem.what();
+                settle({}, problem.what());
             }
-            calendar::FileOutcome& outcome = tally_.file();
-            if (!outcome.reason.empty()) {
-                outcome.counts.converted = 0;
-                outcome.output.clear();
-            }
-            settled(outcome);
+            showOutcome(tally_.files().back());
             endFile();
         }
     }
@@ -225,7 +243,7 @@ class ConvertRun : private calendar::ConversionObserver {
             throw InputError(options_.outputDir +
                              ": is a directory, and standard input has no name for a file in it; "
                              "name the file to write");
-        // What the file is shows when it is read; its name mostly tells before.
+        // The format is known when the file is read; its name is a good guess until then.
         const std::string guess = !options_.to.empty()                    ? options_.to
                                   : calendarExtension(file.name) == "ics" ? "vcs"
                                                                           : "ics";
@@ -238,21 +256,21 @@ class ConvertRun : private calendar::ConversionObserver {
         }
         calendar::Converter converter(options_.dryRun ? nowhere : output->stream(),
                                       targetOf(options_.to), sink());
-        const std::string problem = convertFile(converter, file);
-        calendar::FileOutcome& outcome = tally_.file();
-        outcome.reason = problem;
-        if (!problem.empty()) return;
-        if (converter.counts().calendars == 0) {
-            outcome.reason = "there is no calendar in it";
+        std::string problem = convertFile(converter, file);
+        if (problem.empty() && converter.counts().calendars == 0)
+            problem = "there is no calendar in it";
+        if (!problem.empty()) {
+            settle({}, problem);
             return;
         }
+        const calendar::FileOutcome& outcome = tally_.files().back();
         if (options_.strict && !outcome.counts.clean())
             throw InputError(outcome.file + ": is left out: " + kStrictReason);
         const bool toPhone = converter.target() == CalendarFormat::VCalendar10;
         const std::string name =
             inFolder(options_.outputDir, file.place + (toPhone ? ".vcs" : ".ics"));
         checkFree(outcome.file, name);
-        outcome.output = name;
+        settle(name, {});
         if (options_.dryRun) return;
         converter.finish();
         output->commitAs(name);
@@ -296,8 +314,8 @@ class ConvertRun : private calendar::ConversionObserver {
         return inputs_.contains(key(path));
     }
 
-    void settled(const calendar::FileOutcome& outcome) {
-        totals_.add(outcome);
+    // Of a dry run.
+    void showOutcome(const calendar::FileOutcome& outcome) {
         if (!options_.dryRun || options_.json) return;
         progress_->hide();
         const calendar::OutcomeCounts& counts = outcome.counts;
@@ -313,25 +331,26 @@ class ConvertRun : private calendar::ConversionObserver {
                      << counts.changed << " changed, " << counts.lost << " not carried over\n";
     }
 
-    void tell() {
+    void showSummary() {
+        const calendar::Totals totals = tally_.totals();
         messages_.finish();
         if (options_.json) {
             Json document{{"dryRun", options_.dryRun},
                           {"strict", options_.strict},
                           {"files", Json::array()},
                           {"messagesNotShown", messages_.hidden()},
-                          {"summary", calendar::summaryJson(totals_)}};
-            for (const calendar::FileOutcome& each : outcomes_)
-                document["files"].push_back(calendar::outcomeJson(each));
+                          {"summary", summaryJson(totals)}};
+            for (std::size_t i = 0; i < tally_.files().size(); ++i)
+                document["files"].push_back(outcomeJson(tally_.files()[i], shown_[i]));
             writeJson(context_.out, document);
         }
-        if (report_) report_->finish(outcomes_, totals_, noteText());
+        if (report_) report_->finish(remark(), tally_.files());
         if (summary_)
             context_.say((options_.dryRun ? "nothing written; would be: " : "") +
-                         calendar::summaryText(totals_));
+                         summaryText(totals));
     }
 
-    [[nodiscard]] std::string noteText() const {
+    [[nodiscard]] std::string remark() const {
         std::string text = "What became of the calendars that qelutil converted.";
         if (options_.dryRun) text = "What would become of the calendars: this was a dry run.";
         if (options_.strict) text += " With --strict, what has warnings or errors is not written.";
@@ -341,15 +360,13 @@ class ConvertRun : private calendar::ConversionObserver {
     Context& context_;
     const ConvertOptions& options_;
     ConvertMessages messages_;
-    calendar::Tally tally_;
-    std::optional<calendar::HtmlReport> report_;
-    std::optional<calendar::ReportFeed> feed_;
+    std::optional<Report> report_;
     std::vector<CalendarFile> files_;
-    std::vector<calendar::FileOutcome> outcomes_;
-    calendar::Totals totals_;
+    // Of each file that was begun: what became of it, and its notes that were shown.
+    calendar::Tally tally_;
+    std::vector<std::vector<calendar::Note>> shown_;
     Progress* progress_ = nullptr;
     std::uint64_t sizeDone_ = 0;
-    std::size_t number_ = 0;
     bool summary_ = false;
     std::map<std::string, std::string> taken_;  // results of this run, and whose they are
     std::set<std::string> inputs_;

@@ -1,4 +1,5 @@
-// One run of `qelutil convert`: which files, where to, and what is told of it. One thread.
+// One run of `qelutil convert`: reads the files, writes the results, shows what became of them. One
+// thread.
 #ifndef QELUTIL_COMMANDS_CONVERTRUN_H
 #define QELUTIL_COMMANDS_CONVERTRUN_H
 

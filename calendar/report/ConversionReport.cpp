@@ -1,8 +1,11 @@
-#include "calendar/report/ReportFeed.h"
+#include "calendar/report/ConversionReport.h"
 
 #include <algorithm>
-#include <string_view>
+#include <cstdint>
 #include <utility>
+#include <vector>
+
+#include "calendar/entries/Entry.h"
 
 namespace qel::calendar {
 
@@ -26,13 +29,13 @@ std::string plainLines(std::string_view bytes) {
 }
 
 // The first lines of a text.
-std::string head(std::string_view text, bool& cut) {
+std::string firstLines(std::string_view text, bool& cut) {
     if (text.size() <= kMostText) return std::string(text);
     cut = true;
     return std::string(text.substr(0, text.find('\n', kMostText) + 1));
 }
 
-// The names of lines of `after` that hold what its format lacks, and that `before` has not.
+// The names of lines of `after` that hold what its format lacks, and that `before` does not have.
 std::vector<std::string> keptNames(std::string_view after, std::string_view before) {
     std::vector<std::string> names;
     while (!after.empty() && names.size() < kMostNames) {
@@ -50,35 +53,52 @@ std::vector<std::string> keptNames(std::string_view after, std::string_view befo
 
 }  // namespace
 
-void ReportFeed::beginFile(const std::string& name) {
+void ConversionReport::beginFile(const std::string& name) {
+    tally_.beginFile(name);
     pending_ = {};
     ofFile_ = {};
-    report_.beginFile(name);
+    body_(fileBegin(tally_.files().size(), name));
 }
 
-void ReportFeed::hear(const Note& message) {
-    pending_.add(message);
+void ConversionReport::note(const Note& note) {
+    tally_.note(note);
+    pending_.add(note);
 }
 
-void ReportFeed::entryConverted(const ConvertedEntry& converted) {
-    const std::size_t line = converted.entry.line;
+void ConversionReport::entryConverted(const ConvertedEntry& converted) {
+    tally_.entryConverted(converted);
     ReportEntry entry;
-    const ReportMessages all = std::exchange(pending_, {});
-    for (const Note& each : all.shown) (each.line < line ? ofFile_ : entry.messages).add(each);
-    entry.messages.more = all.more;
+    for (const Note& each : converted.notes) entry.notes.add(each);
+    entry.notes.more += converted.moreNotes;
+    // Notes about earlier lines are about the calendar, or about an entry that was left out.
+    const NoteList since = std::exchange(pending_, {});
+    NoteList others;
+    for (const Note& each : since.shown)
+        if (each.line < converted.entry.line) others.add(each);
+    const std::uint64_t known = entry.notes.count() + others.count();
+    others.more = since.count() - std::min(since.count(), known);
+    ofFile_.add(others);
     entry.facts = entryFacts(converted.entry);
-    entry.line = line;
+    entry.line = converted.entry.line;
     const std::string before = plainLines(converted.source);
     entry.kept = keptNames(converted.written, before);
-    entry.before = head(before, entry.cut);
-    entry.after = head(converted.written, entry.cut);
-    report_.entry(entry);
+    entry.before = firstLines(before, entry.cut);
+    entry.after = firstLines(converted.written, entry.cut);
+    body_(entryArticle(entry));
 }
 
-void ReportFeed::endFile() {
-    for (const Note& each : pending_.shown) ofFile_.add(each);
-    ofFile_.more += pending_.more;
-    report_.endFile(ofFile_);
+void ConversionReport::endFile() {
+    ofFile_.add(pending_);
+    pending_ = {};
+    body_(fileEnd(ofFile_));
+}
+
+void ConversionReport::finish(const std::string& remark, const Write& head) {
+    body_(pageEnd());
+    const std::vector<FileOutcome>& files = tally_.files();
+    head(pageBegin(remark, tally_.totals()));
+    for (std::size_t i = 0; i < files.size(); ++i) head(fileRow(i + 1, files[i]));
+    head(entriesBegin());
 }
 
 }  // namespace qel::calendar

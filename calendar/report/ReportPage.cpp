@@ -1,8 +1,7 @@
-#include "calendar/report/HtmlReport.h"
+#include "calendar/report/ReportPage.h"
 
 #include <algorithm>
-#include <ostream>
-#include <system_error>
+#include <string_view>
 
 #include "calendar/report/Html.h"
 #include "calendar/report/MonthTables.h"
@@ -12,7 +11,7 @@ namespace qel::calendar {
 
 namespace {
 
-constexpr std::size_t kMostMessages = 50;
+constexpr std::size_t kMostNotes = 50;
 constexpr std::size_t kMostMonths = 5;  // in a row on a wide screen
 // More months than these stand below an entry's text and not beside it.
 constexpr std::size_t kMonthsBeside = 2;
@@ -20,23 +19,20 @@ constexpr std::size_t kMonthsBeside = 2;
 constexpr std::size_t kMostFilesShown = 20;
 constexpr std::size_t kLongestTitle = 200;
 
-std::string messageItem(const Note& message) {
-    const char* kind = (message.fate() == Fate::Lost)            ? "gone"
-                       : message.severity() == Severity::Error   ? "error"
-                       : message.severity() == Severity::Warning ? "warning"
-                                                                 : "note";
-    std::string text = std::string("<li class=") + kind + ">" + html(message.text());
-    if (message.line != 0)
-        text += " <span class=soft>(line " + std::to_string(message.line) + ")</span>";
+std::string noteItem(const Note& note) {
+    const std::string_view kind =
+        note.fate() == Fate::Lost ? "gone" : severityName(note.severity());
+    std::string text = "<li class=" + std::string(kind) + ">" + html(note.text());
+    if (note.line != 0) text += " <span class=soft>(line " + std::to_string(note.line) + ")</span>";
     return text;
 }
 
-std::string messageList(const ReportMessages& messages, const std::vector<std::string>& kept) {
-    if (messages.shown.empty() && kept.empty()) return {};
+std::string noteList(const NoteList& notes, const std::vector<std::string>& kept) {
+    if (notes.shown.empty() && kept.empty()) return {};
     std::string text = "<ul class=told>";
-    for (const Note& each : messages.shown) text += messageItem(each);
-    if (messages.more != 0)
-        text += "<li class=note>" + counted(messages.more, "more message", "more messages");
+    for (const Note& each : notes.shown) text += noteItem(each);
+    if (notes.more != 0)
+        text += "<li class=note>" + counted(notes.more, "more message", "more messages");
     if (!kept.empty()) {
         text += "<li class=note>Kept for the way back: ";
         for (const std::string& name : kept)
@@ -70,7 +66,7 @@ std::string ruleList(const EntryFacts& facts) {
 enum class State { Fine, Changed, Lost };
 
 State stateOf(const ReportEntry& entry) {
-    const auto& shown = entry.messages.shown;
+    const std::vector<Note>& shown = entry.notes.shown;
     if (std::any_of(shown.begin(), shown.end(),
                     [](const Note& each) { return each.fate() == Fate::Lost; }))
         return State::Lost;
@@ -102,55 +98,69 @@ std::string tiles(const Totals& totals) {
            "</dl>";
 }
 
-std::string number(std::uint64_t value) {
+std::string countCell(std::uint64_t value) {
     return std::string("<td class='n") + (value == 0 ? " zero'>" : "'>") + std::to_string(value);
 }
 
-std::string fileRow(const FileOutcome& file, std::size_t id) {
+}  // namespace
+
+void NoteList::add(const Note& note) {
+    if (shown.size() < kMostNotes)
+        shown.push_back(note);
+    else
+        ++more;
+}
+
+void NoteList::add(const NoteList& others) {
+    for (const Note& each : others.shown) add(each);
+    more += others.more;
+}
+
+std::string pageBegin(const std::string& remark, const Totals& totals) {
     std::string text =
-        "<tr><td><a href='#f" + std::to_string(id) + "'><bdi>" + html(file.file) + "</bdi></a>";
+        "<!DOCTYPE html>\n<html lang=en><head><meta charset=utf-8>\n"
+        "<meta name=viewport content='width=device-width,initial-scale=1'>\n"
+        "<meta http-equiv=Content-Security-Policy content=\"default-src 'none'; style-src "
+        "'unsafe-inline'\">\n<title>Conversion report</title><style>";
+    text += kPageStyle;
+    text += "</style></head>\n<body><header><h1>Conversion report</h1>";
+    if (!remark.empty()) text += "<p class=sub>" + html(remark) + "</p>";
+    text += tiles(totals) + "</header>\n<h2>Files</h2>";
+    text += totals.files > kMostFilesShown ? "<details class=list>" : "<details class=list open>";
+    return text +
+           "<summary>What became of each</summary><div class=scroll><table "
+           "class=files><tr><th>File<th class=n>Entries"
+           "<th class=n>Converted<th class=n>Changed<th class=n>Warnings<th class=n>Errors<th "
+           "class=n>Not carried over\n";
+}
+
+std::string fileRow(std::size_t number, const FileOutcome& file) {
+    std::string text =
+        "<tr><td><a href='#f" + std::to_string(number) + "'><bdi>" + html(file.file) + "</bdi></a>";
     if (!file.reason.empty())
         text += "<br><span class=soft>left out: " + html(file.reason) + "</span>";
     if (!file.output.empty())
         text += "<br><span class=soft>to <bdi>" + html(file.output) + "</bdi></span>";
     const OutcomeCounts& counts = file.counts;
-    return text + number(counts.entries) + number(counts.converted) + number(counts.changed) +
-           number(counts.warnings) + number(counts.errors) + number(counts.lost) + "\n";
+    return text + countCell(counts.entries) + countCell(counts.converted) +
+           countCell(counts.changed) + countCell(counts.warnings) + countCell(counts.errors) +
+           countCell(counts.lost) + "\n";
 }
 
-}  // namespace
-
-void ReportMessages::add(const Note& message) {
-    if (shown.size() < kMostMessages)
-        shown.push_back(message);
-    else
-        ++more;
+std::string entriesBegin() {
+    return "</table></div></details>\n"
+           "<input class=pick type=radio name=show id=all checked><label for=all>All "
+           "entries</label>"
+           "<input class=pick type=radio name=show id=some><label for=some>With changes</label>"
+           "<input class=pick type=radio name=show id=few><label for=few>Not all carried "
+           "over</label>\n<main>\n";
 }
 
-HtmlReport::HtmlReport(cli::Context& context, const std::string& name)
-    : name_(name), page_(context, name) {
-    bodyPath_ = cli::pathOf(name);
-    bodyPath_ += ".qelutil-body";
-    body_.open(bodyPath_, std::ios::in | std::ios::out | std::ios::binary | std::ios::trunc);
-    if (!body_) throw cli::InputError(name + ": cannot be written there; make its folder first");
+std::string fileBegin(std::size_t number, const std::string& name) {
+    return "<section id=f" + std::to_string(number) + "><h2><bdi>" + html(name) + "</bdi></h2>\n";
 }
 
-HtmlReport::~HtmlReport() {
-    body_.close();
-    std::error_code ignored;
-    std::filesystem::remove(bodyPath_, ignored);
-}
-
-void HtmlReport::put(const std::string& text) {
-    body_.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!body_) throw cli::InputError(name_ + ": cannot be written; is the disk full?");
-}
-
-void HtmlReport::beginFile(const std::string& name) {
-    put("<section id=f" + std::to_string(++number_) + "><h2><bdi>" + html(name) + "</bdi></h2>\n");
-}
-
-void HtmlReport::entry(const ReportEntry& entry) {
+std::string entryArticle(const ReportEntry& entry) {
     static constexpr const char* kClasses[] = {"fine", "changed", "lost"};
     static constexpr const char* kWords[] = {"converted", "changed", "not all carried over"};
     const auto state = static_cast<std::size_t>(stateOf(entry));
@@ -166,54 +176,27 @@ void HtmlReport::entry(const ReportEntry& entry) {
     if (facts.alarms != 0)
         text += "<p class=soft>" + counted(facts.alarms, "alarm", "alarms") + "</p>";
     const MonthTables months = monthTables(facts.days.days, facts.days.more, kMostMonths);
-    text += ruleList(facts) + messageList(entry.messages, entry.kept) +
+    text += ruleList(facts) + noteList(entry.notes, entry.kept) +
             (months.count > kMonthsBeside ? "</div><div class='grids wide'>"
                                           : "</div><div class=grids>") +
             months.html + "</div>" + beforeAndAfter(entry) + "</article>\n";
-    put(text);
+    return text;
 }
 
-void HtmlReport::endFile(const ReportMessages& messages) {
+std::string fileEnd(const NoteList& notes) {
     std::string text;
-    if (!messages.shown.empty())
-        text = "<div class=about><p class=soft>About the file itself</p>" +
-               messageList(messages, {}) + "</div>";
-    put(text + "</section>\n");
+    if (!notes.shown.empty())
+        text = "<div class=about><p class=soft>About the file itself</p>" + noteList(notes, {}) +
+               "</div>";
+    return text + "</section>\n";
 }
 
-void HtmlReport::finish(const std::vector<FileOutcome>& files, const Totals& totals,
-                        const std::string& note) {
-    std::ostream& out = page_.stream();
-    out << "<!DOCTYPE html>\n<html lang=en><head><meta charset=utf-8>\n"
-           "<meta name=viewport content='width=device-width,initial-scale=1'>\n"
-           "<meta http-equiv=Content-Security-Policy content=\"default-src 'none'; style-src "
-           "'unsafe-inline'\">\n<title>Conversion report</title><style>"
-        << kPageStyle << "</style></head>\n<body><header><h1>Conversion report</h1><p class=sub>"
-        << html(note) << "</p>" << tiles(totals) << "</header>\n";
-    out << "<h2>Files</h2>"
-        << (files.size() > kMostFilesShown ? "<details class=list>" : "<details class=list open>")
-        << "<summary>What became of each</summary><div class=scroll><table "
-           "class=files><tr><th>File<th class=n>Entries"
-           "<th class=n>Converted<th class=n>Changed<th class=n>Warnings<th class=n>Errors<th "
-           "class=n>Not carried "
-           "over\n";
-    for (std::size_t i = 0; i < files.size(); ++i) out << fileRow(files[i], i + 1);
-    out << "</table></div></details>\n"
-           "<input class=pick type=radio name=show id=all checked><label for=all>All "
-           "entries</label>"
-           "<input class=pick type=radio name=show id=some><label for=some>With changes</label>"
-           "<input class=pick type=radio name=show id=few><label for=few>Not all carried "
-           "over</label>\n<main>\n";
-    body_.flush();
-    body_.seekg(0);
-    if (number_ != 0) out << body_.rdbuf();
-    out << "</main><footer><p>Converted: it stands in the result. Changed: a remark tells what of "
+std::string pageEnd() {
+    return "</main><footer><p>Converted: it stands in the result. Changed: a remark tells what of "
            "it was put in order, or is kept under another name. Not carried over: the "
            "result lacks something of it.</p><p>Days of an entry are filled, days taken out of its "
-           "series are struck through. A series shows its first "
-        << kMostMonths << " months.</p></footer></body></html>\n";
-    if (!body_) throw cli::InputError(name_ + ": what was gathered for it cannot be read back");
-    page_.commit();
+           "series are struck through. A series shows its first " +
+           std::to_string(kMostMonths) + " months.</p></footer></body></html>\n";
 }
 
 }  // namespace qel::calendar
