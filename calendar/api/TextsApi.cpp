@@ -1,11 +1,11 @@
 // Character sets and texts that are shown.
-#include <algorithm>
 #include <string>
 #include <string_view>
 
 #include "calendar/api/Calls.h"
 #include "calendar/base/Text.h"
-#include "calendar/text/CharacterSet.h"
+#include "calendar/text/CharacterSets.h"
+#include "calendar/text/LibrarySets.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ std::string_view textOf(const void* bytes, size_t size) {
 
 int qelcal_charset_known(const char* name) {
     return api::guardedValue(
-        0, [=] { return name != nullptr && qel::calendar::isCharacterSet(name) ? 1 : 0; });
+        0, [=] { return name != nullptr && qel::calendar::fromCharacterSet("", name) ? 1 : 0; });
 }
 
 int qelcal_text_to_utf8(const char* name, const void* bytes, size_t size, qelcal_write_fn text,
@@ -29,12 +29,13 @@ int qelcal_text_to_utf8(const char* name, const void* bytes, size_t size, qelcal
     if (name == nullptr || text == nullptr || (bytes == nullptr && size != 0))
         return api::fail(QELCAL_INVALID_ARGUMENT, kNullArgument);
     return api::guarded([=] {
-        const auto converted = qel::calendar::toUtf8(textOf(bytes, size), name);
+        const auto converted = qel::calendar::fromCharacterSet(textOf(bytes, size), name);
         if (!converted)
             return api::fail(QELCAL_UNKNOWN_NAME,
                              "the character set \"" + std::string(name) + "\" is unknown");
-        if (replaced != nullptr) *replaced = converted->replaced ? 1 : 0;
-        api::goOn(text(context, converted->text.data(), converted->text.size()));
+        if (replaced != nullptr)
+            *replaced = converted->find(qel::calendar::kReplacement) != std::string::npos ? 1 : 0;
+        api::goOn(text(context, converted->data(), converted->size()));
         return int{QELCAL_OK};
     });
 }

@@ -1,9 +1,9 @@
 #include "calendar/text/CharacterSets.h"
 
 #include "calendar/base/Ascii.h"
-#include "calendar/text/LibrarySets.h"
 #include "calendar/base/Text.h"
 #include "calendar/platform/CharacterSets.h"
+#include "calendar/text/LibrarySets.h"
 
 namespace qel::calendar {
 
@@ -11,6 +11,22 @@ namespace {
 
 bool isAsciiSet(std::string_view set) {
     return set.empty() || equalsIgnoreCase(set, "US-ASCII") || equalsIgnoreCase(set, "ASCII");
+}
+
+bool isUtf8Set(std::string_view set) {
+    return equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
+}
+
+// The text with U+FFFD for each byte that belongs to no character; of ASCII alone when asked.
+std::string withReplacements(std::string_view text, bool ascii) {
+    std::string result;
+    while (!text.empty()) {
+        const std::size_t length = utf8CharacterLength(text);
+        const bool valid = length == 1 || (length > 1 && !ascii);
+        result += valid ? text.substr(0, length) : kReplacement;
+        text.remove_prefix(valid ? length : 1);
+    }
+    return result;
 }
 
 void noteReplaced(const std::string& text, std::string_view set, std::vector<Note>& notes) {
@@ -41,11 +57,19 @@ std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& no
     if (isAscii(text) && !startsWithIgnoreCase(set, "ISO-2022") &&
         !startsWithIgnoreCase(set, "UTF-7"))
         return text;
-    const bool saysUtf8 = equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
+    const bool saysUtf8 = isUtf8Set(set);
     if (!isAsciiSet(set) && !saysUtf8) return fromNamedSet(std::move(text), set, notes);
     if (isUtf8(text)) return text;
     notes.emplace_back(saysUtf8 ? NoteCode::TextNotUtf8 : NoteCode::CharacterSetMissing);
     return fromWindows1252(text);
+}
+
+std::optional<std::string> fromCharacterSet(std::string_view text, std::string_view set) {
+    if (set.empty()) return std::nullopt;
+    if (isUtf8Set(set) || isAsciiSet(set)) return withReplacements(text, isAsciiSet(set));
+    if (const char* library = libraryCharacterSet(set); *library != '\0')
+        return fromLibrarySet(text, library);
+    return platform::toUtf8(text, set);
 }
 
 }  // namespace qel::calendar

@@ -5,9 +5,9 @@
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/text/LibrarySets.h"
 #include "calendar/base/Text.h"
 #include "calendar/text/Escapes.h"
+#include "calendar/text/LibrarySets.h"
 #include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {

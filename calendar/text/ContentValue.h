@@ -21,8 +21,8 @@ namespace qel::calendar {
 // True when the value is Base64: an ENCODING of BASE64 or B, also as a bare word.
 [[nodiscard]] bool isBase64(const ContentLine& line);
 
-// Makes UTF-8 of the parameter values of a line as it was read, or of all lines of a component: what
-// is not UTF-8 is read as windows-1252. CHARSET is about the property's value alone.
+// Makes UTF-8 of the parameter values of a line as it was read, or of all lines of a component:
+// what is not UTF-8 is read as windows-1252. CHARSET is about the property's value alone.
 void decodeParameters(ContentLine& line);
 void decodeParameters(Component& component);
 

@@ -513,11 +513,12 @@ QELCALENDAR_API void QELCALENDAR_CALL qelcal_report_free(qelcal_report* report);
  * must outlive the converter or be taken off it. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_report(qelcal_converter* converter,
                                                              qelcal_report* report);
-/** Says what became of the file that ended last: the name of its result, and, where it has no part
- * in any result, the reason why. Both may be empty. */
-QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_result(qelcal_report* report, const char* output,
-                                                          const char* reason);
-/** Ends the body and hands the head to `head`. `remark` is a sentence about the whole run, or
+/** Says what became of a file, 0 for the first one that was converted: the name of its result, and,
+ * where it has no part in any result, the reason why. Both may be empty. Possible until finish, and
+ * more than once. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_result(qelcal_report* report, size_t file,
+                                                          const char* output, const char* reason);
+/** Ends the body and hands the head to `head`; nothing may follow. `remark` is a sentence about the whole run, or
  * empty. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_finish(qelcal_report* report, const char* remark,
                                                           qelcal_write_fn head, void* context);

@@ -1,0 +1,274 @@
+// Calendars converted.
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <streambuf>
+#include <string>
+#include <utility>
+
+#include "calendar/api/Calls.h"
+#include "calendar/api/EntryHandle.h"
+#include "calendar/api/ReportHandle.h"
+#include "calendar/converter/Converter.h"
+#include "calendar/report/Outcome.h"
+
+using qel::calendar::CalendarFormat;
+using qel::calendar::ConvertedEntry;
+using qel::calendar::Note;
+namespace api = qel::calendar::api;
+
+namespace {
+
+// Hands what is written to a callback; null drops it.
+class CallbackBuffer final : public std::streambuf {
+  public:
+    CallbackBuffer(qelcal_write_fn write, void* context) : write_(write), context_(context) {}
+
+  private:
+    int_type overflow(int_type c) override {
+        const char byte = traits_type::to_char_type(c);
+        if (!traits_type::eq_int_type(c, traits_type::eof())) xsputn(&byte, 1);
+        return traits_type::not_eof(c);
+    }
+    std::streamsize xsputn(const char* bytes, std::streamsize size) override {
+        if (write_ != nullptr && size > 0)
+            api::goOn(write_(context_, bytes, static_cast<size_t>(size)));
+        return size;
+    }
+
+    qelcal_write_fn write_;
+    void* context_;
+};
+
+int formatNumber(const std::optional<CalendarFormat>& format) {
+    if (!format) return QELCAL_OTHER;
+    return *format == CalendarFormat::ICalendar ? QELCAL_ICALENDAR : QELCAL_VCALENDAR;
+}
+
+std::optional<CalendarFormat> formatOf(int number) {
+    if (number == QELCAL_ICALENDAR) return CalendarFormat::ICalendar;
+    if (number == QELCAL_VCALENDAR) return CalendarFormat::VCalendar10;
+    return std::nullopt;
+}
+
+}  // namespace
+
+// The converter, and everybody who hears of what it does.
+struct qelcal_converter final : private qel::calendar::ConversionObserver {
+  public:
+    enum class State { BetweenFiles, Named, Scanning, Reading, Finished, Failed };
+
+    qelcal_converter(int target, qelcal_write_fn output, void* context)
+        : buffer_(output, context),
+          out_(&buffer_),
+          converter(out_, formatOf(target), [this](Note note) { hear(std::move(note)); }) {
+        // A callback that asks to stop does so through the stream.
+        out_.exceptions(std::ios::badbit);
+        converter.observe(this);
+    }
+
+    // Runs one step; after one that fails the result is incomplete and nothing can follow.
+    template <class Step>
+    int run(Step step) {
+        if (state == State::Failed)
+            return api::fail(QELCAL_WRONG_ORDER, "a call on this converter has failed before");
+        const int result = api::guarded(step);
+        if (result != QELCAL_OK && result != QELCAL_WRONG_ORDER) state = State::Failed;
+        return result;
+    }
+
+    void beginReading() {
+        if (state == State::Scanning) converter.endScan();
+        if (state == State::Reading) return;
+        state = State::Reading;
+        tally_.beginFile(name);
+        if (report != nullptr) report->report.beginFile(name);
+        converter.beginFile(name);
+    }
+
+    void endReading() {
+        converter.endFile();
+        if (report != nullptr) report->report.endFile();
+        state = State::BetweenFiles;
+    }
+
+    [[nodiscard]] qelcal_counts counts() const {
+        const qel::calendar::OutcomeCounts all = tally_.totals().counts;
+        return {converter.counts().calendars,
+                converter.counts().entries,
+                converter.counts().alarms,
+                all.changed,
+                all.warnings,
+                all.errors,
+                all.lost};
+    }
+
+  private:
+    void hear(Note note) {
+        tally_.note(note);
+        if (report != nullptr) report->report.note(note);
+        if (onNote == nullptr) return;
+        const qelcal_note handle(std::move(note));
+        api::goOn(onNote(noteContext, &handle));
+    }
+
+    [[nodiscard]] bool wantsLines() const override {
+        return (onEntry != nullptr && lines) || report != nullptr;
+    }
+
+    void entryConverted(const ConvertedEntry& converted) override {
+        tally_.entryConverted(converted);
+        if (report != nullptr) report->report.entryConverted(converted);
+        if (onEntry == nullptr) return;
+        const qelcal_entry handle(converted.entry, converted.notes);
+        const qelcal_converted event{&handle,
+                                     formatNumber(converted.target),
+                                     lines ? converted.source.data() : "",
+                                     lines ? converted.source.size() : 0,
+                                     lines && converted.sourceCut ? 1 : 0,
+                                     lines ? converted.written.data() : "",
+                                     lines ? converted.written.size() : 0};
+        api::goOn(onEntry(entryContext, &event));
+    }
+
+    CallbackBuffer buffer_;
+    std::ostream out_;
+    qel::calendar::Tally tally_;
+
+  public:
+    qel::calendar::Converter converter;
+    State state = State::BetweenFiles;
+    std::string name;  // of the file
+    qelcal_report* report = nullptr;
+    qelcal_note_fn onNote = nullptr;
+    void* noteContext = nullptr;
+    qelcal_converted_fn onEntry = nullptr;
+    void* entryContext = nullptr;
+    bool lines = false;
+};
+
+namespace {
+
+using State = qelcal_converter::State;
+
+int refuseNull() {
+    return api::fail(QELCAL_INVALID_ARGUMENT, "the converter or an argument is null");
+}
+
+int refuseOrder(const char* why) {
+    return api::fail(QELCAL_WRONG_ORDER, why);
+}
+
+bool inFile(const qelcal_converter& converter) {
+    return converter.state == State::Named || converter.state == State::Scanning ||
+           converter.state == State::Reading;
+}
+
+std::string_view textOf(const void* bytes, size_t size) {
+    return size == 0 ? std::string_view() : std::string_view(static_cast<const char*>(bytes), size);
+}
+
+}  // namespace
+
+qelcal_converter* qelcal_converter_new(int target, qelcal_write_fn output, void* context) {
+    return api::guardedValue(
+        static_cast<qelcal_converter*>(nullptr),
+        [=] { return std::make_unique<qelcal_converter>(target, output, context).release(); });
+}
+
+void qelcal_converter_free(qelcal_converter* converter) {
+    delete converter;
+}
+
+int qelcal_converter_on_note(qelcal_converter* converter, qelcal_note_fn note, void* context) {
+    if (converter == nullptr) return refuseNull();
+    converter->onNote = note;
+    converter->noteContext = context;
+    return QELCAL_OK;
+}
+
+int qelcal_converter_on_entry(qelcal_converter* converter, qelcal_converted_fn converted,
+                              void* context, int lines) {
+    if (converter == nullptr) return refuseNull();
+    if (converter->state == State::Reading)
+        return refuseOrder("a file is being read; who hears of entries is chosen before");
+    converter->onEntry = converted;
+    converter->entryContext = context;
+    converter->lines = lines != 0;
+    return QELCAL_OK;
+}
+
+int qelcal_converter_report(qelcal_converter* converter, qelcal_report* report) {
+    if (converter == nullptr) return refuseNull();
+    if (converter->state == State::Reading)
+        return refuseOrder("a file is being read; its report is chosen before");
+    if (report != nullptr && report->finished) return refuseOrder("the report is finished");
+    converter->report = report;
+    return QELCAL_OK;
+}
+
+int qelcal_converter_begin_file(qelcal_converter* converter, const char* name) {
+    if (converter == nullptr || name == nullptr) return refuseNull();
+    return converter->run([=] {
+        if (converter->state != State::BetweenFiles)
+            return refuseOrder("the file before has not ended, or the calendar is finished");
+        converter->name = name;
+        converter->state = State::Named;
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_converter_scan(qelcal_converter* converter, const void* bytes, size_t size) {
+    if (converter == nullptr || (bytes == nullptr && size != 0)) return refuseNull();
+    return converter->run([=] {
+        if (converter->state != State::Named && converter->state != State::Scanning)
+            return refuseOrder("a file is scanned after begin_file and before write");
+        if (std::exchange(converter->state, State::Scanning) == State::Named)
+            converter->converter.beginScan();
+        converter->converter.scan(textOf(bytes, size));
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_converter_write(qelcal_converter* converter, const void* bytes, size_t size) {
+    if (converter == nullptr || (bytes == nullptr && size != 0)) return refuseNull();
+    return converter->run([=] {
+        if (!inFile(*converter)) return refuseOrder("no file has begun");
+        converter->beginReading();
+        converter->converter.write(textOf(bytes, size));
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_converter_end_file(qelcal_converter* converter) {
+    if (converter == nullptr) return refuseNull();
+    return converter->run([=] {
+        if (!inFile(*converter)) return refuseOrder("no file has begun");
+        converter->beginReading();
+        converter->endReading();
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_converter_finish(qelcal_converter* converter) {
+    if (converter == nullptr) return refuseNull();
+    return converter->run([=] {
+        if (converter->state != State::BetweenFiles)
+            return refuseOrder("a file has not ended, or the calendar is finished already");
+        converter->converter.finish();
+        converter->state = State::Finished;
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_converter_target(const qelcal_converter* converter) {
+    return converter == nullptr ? int{QELCAL_OTHER} : formatNumber(converter->converter.target());
+}
+
+int qelcal_converter_counts(const qelcal_converter* converter, qelcal_counts* counts) {
+    if (converter == nullptr || counts == nullptr) return refuseNull();
+    return api::guarded([=] {
+        *counts = converter->counts();
+        return int{QELCAL_OK};
+    });
+}

@@ -1,0 +1,46 @@
+// The report of conversions as a page.
+#include "calendar/api/ReportHandle.h"
+
+#include <memory>
+
+namespace api = qel::calendar::api;
+
+qelcal_report* qelcal_report_new(qelcal_write_fn body, void* context) {
+    return api::guardedValue(
+        static_cast<qelcal_report*>(nullptr),
+        [=]() -> qelcal_report* {
+            if (body == nullptr) {
+                api::fail(QELCAL_INVALID_ARGUMENT, "the callback for the body is null");
+                return nullptr;
+            }
+            return std::make_unique<qelcal_report>(body, context).release();
+        });
+}
+
+void qelcal_report_free(qelcal_report* report) {
+    delete report;
+}
+
+int qelcal_report_result(qelcal_report* report, size_t file, const char* output,
+                         const char* reason) {
+    if (report == nullptr || output == nullptr || reason == nullptr ||
+        file >= report->report.tally().files().size())
+        return api::fail(QELCAL_INVALID_ARGUMENT,
+                         "the report or a text is null, or there is no such file");
+    return api::guarded([=] {
+        report->report.settle(file, output, reason);
+        return int{QELCAL_OK};
+    });
+}
+
+int qelcal_report_finish(qelcal_report* report, const char* remark, qelcal_write_fn head,
+                         void* context) {
+    if (report == nullptr || remark == nullptr || head == nullptr)
+        return api::fail(QELCAL_INVALID_ARGUMENT, "the report, the remark or the callback is null");
+    if (report->finished) return api::fail(QELCAL_WRONG_ORDER, "the report is finished already");
+    return api::guarded([=] {
+        report->finished = true;
+        report->report.finish(remark, api::writeTo(head, context));
+        return int{QELCAL_OK};
+    });
+}

@@ -1,0 +1,29 @@
+// A report as the C interface hands it out. One thread at a time.
+#ifndef QEL_CALENDAR_API_REPORTHANDLE_H
+#define QEL_CALENDAR_API_REPORTHANDLE_H
+
+#include <string_view>
+
+#include "QelCalendar/qelcalendar.h"
+#include "calendar/api/Calls.h"
+#include "calendar/report/ConversionReport.h"
+
+namespace qel::calendar::api {
+
+// A sink that hands text to a callback.
+inline auto writeTo(qelcal_write_fn write, void* context) {
+    return
+        [write, context](std::string_view text) { goOn(write(context, text.data(), text.size())); };
+}
+
+}  // namespace qel::calendar::api
+
+struct qelcal_report {
+    qelcal_report(qelcal_write_fn body, void* context)
+        : report(qel::calendar::api::writeTo(body, context)) {}
+
+    qel::calendar::ConversionReport report;
+    bool finished = false;
+};
+
+#endif
