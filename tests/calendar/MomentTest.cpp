@@ -16,7 +16,7 @@ TEST(Moment, ProblemsNameWhatIsWrong) {
         {"20051301", "there is no month 13"},
         {"20050631", "June 2005 has no day 31"},
         {"20050615x", "a \"T\" must come between the date and the time"},
-        {"20050615T2460", "there is no minute 60"},
+        {"20050615T2360", "there is no minute 60"},
         {"20050615T240001", "there is no hour 24"},
         {"20050615T0830:5", "the second must have 2 digits; write 20050615 or 20050615T083000Z"},
         {"20050615T0830 UTC", "only a \"Z\" or an offset such as +0200 may follow the time"},

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "calendar/base/Days.h"
+#include "calendar/base/Moment.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/rules/RuleWriteICalendar.h"
@@ -18,12 +19,8 @@ namespace {
 using namespace qel::calendar;
 
 RuleStart startOf(const std::string& date) {
-    RuleStart start;
-    start.year = std::stoi(date.substr(0, 4));
-    start.month = std::stoi(date.substr(4, 2));
-    start.day = std::stoi(date.substr(6, 2));
-    start.isDate = true;
-    return start;
+    const Civil start = civilOf(parseMoment(date).value().day);
+    return {start.year, start.month, start.day, 0, true};
 }
 
 // Without the start, and not counting it, when it is `outside` the rule.
@@ -40,11 +37,8 @@ std::string datesOf(std::vector<Rule> rules, const RuleStart& start, bool outsid
     std::sort(days.begin(), days.end());
     days.erase(std::unique(days.begin(), days.end()), days.end());
     std::string text;
-    for (const int day : days) {
-        const Civil civil = civilOf(day);
-        text += (text.empty() ? "" : " ") +
-                std::to_string(civil.year * 10000 + civil.month * 100 + civil.day);
-    }
+    for (const int day : days)
+        text += (text.empty() ? "" : " ") + formatMoment({.day = day, .isDate = true});
     return text;
 }
 

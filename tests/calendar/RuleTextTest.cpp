@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "calendar/base/Days.h"
+#include "calendar/base/Moment.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/rules/RuleRecords.h"
 #include "calendar/rules/RuleWriteICalendar.h"
@@ -18,18 +19,12 @@ namespace {
 using test::cases;
 using test::Row;
 
-// A date with the time of day of the entry, "20050615" or "20050615T0900".
+// The start of an entry, "20050615" or "20050615T0900"; nothing for an empty text.
 std::optional<RuleStart> startOf(const std::string& text) {
-    if (text.empty()) return std::nullopt;
-    RuleStart start;
-    start.year = std::stoi(text.substr(0, 4));
-    start.month = std::stoi(text.substr(4, 2));
-    start.day = std::stoi(text.substr(6, 2));
-    start.isDate = text.size() == 8;
-    if (!start.isDate)
-        start.secondOfDay =
-            std::stoi(text.substr(9, 2)) * 3600 + std::stoi(text.substr(11, 2)) * 60;
-    return start;
+    const auto moment = parseMoment(text);
+    if (!moment) return std::nullopt;
+    const Civil date = civilOf(moment->day);
+    return RuleStart{date.year, date.month, date.day, moment->second, moment->isDate};
 }
 
 template <class Each>
@@ -96,6 +91,38 @@ TEST(RuleText, PiecesAreRecordsOfOneMeaningEach) {
     EXPECT_EQ(int{pieces[1].record.setPos[0]}, -2);
     EXPECT_TRUE(pieces[1].positionsAreOrdinals);
     EXPECT_EQ(notes.size(), 1u);
+}
+
+TEST(RuleText, NotesSayWhatBecameOfTheRule) {
+    const struct {
+        const char* text;
+        const char* note;
+        Fate fate;
+        const char* sentence;
+    } rows[] = {
+        {"W1 MO XX #5", "rule-item-unknown", Fate::Lost,
+         "an unknown item of the rule is ignored: \"XX\""},
+        {"MD1 0 15 39 #5", "rule-value-outside", Fate::Lost,
+         "a value that does not exist in any calendar is ignored: \"0\" and 1 more"},
+        {"FREQ=DAILY;BYEASTER=0", "rule-part-unknown", Fate::Lost,
+         "an unknown part of the rule is ignored: \"BYEASTER\""},
+        {"D1 20051332", "rule-end-invalid", Fate::Kept,
+         "the rule is not read: its end \"20051332\" is not a date"},
+        {"D1 20051332 W1 MO #5", "rule-of-several-invalid", Fate::Lost,
+         "one of several rules is missing: the rule is not read: its end \"20051332\" is not a "
+         "date"},
+        {"D1", "rule-without-end", Fate::Unchanged,
+         "the entry occurs twice: the rule has no end mark, which means that in vCalendar 1.0"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        const RuleReading reading = readRules(row.text, guessRuleForm(row.text), std::nullopt);
+        ASSERT_FALSE(reading.notes.empty());
+        const Note& note = reading.notes.front();
+        EXPECT_EQ(noteKind(note.code).name, row.note);
+        EXPECT_EQ(note.fate(), row.fate);
+        EXPECT_EQ(note.text(), row.sentence);
+    }
 }
 
 TEST(RuleText, AMillionTokensAreReadAtOnce) {
