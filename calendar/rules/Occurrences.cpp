@@ -11,7 +11,7 @@ namespace qel::calendar {
 
 namespace {
 
-// A list of a rule part: whether it names a number is known at once, however long it is.
+// A list of numbers as a set of bits, so that a look-up takes the same time whatever its length.
 class Members {
   public:
     explicit Members(const std::vector<int>& list) : any_(!list.empty()) {
@@ -94,7 +94,7 @@ class Expander {
             if (moment->clock == Clock::Utc) until += start_.utcOffset;
             until -= start_.secondOfDay;
         }
-        // The last day on which the start's time of day is not past the end.
+        // The last day on which the start's time of day is not after the end.
         const std::int64_t day =
             until >= 0 ? until / kDaySeconds : (until - kDaySeconds + 1) / kDaySeconds;
         last_ = static_cast<int>(std::min<std::int64_t>(last_, day));
@@ -240,7 +240,7 @@ class Expander {
         return offset <= 3 ? newYear - offset : newYear + 7 - offset;
     }
 
-    // Every list that names dates allows no others, whatever the frequency.
+    // Whatever the frequency, a list of dates excludes all other dates.
     [[nodiscard]] bool isAllowed(int day) const {
         if (!months_.any() && !monthDays_.any() && !yearDays_.any() && !weekNumbers_.any())
             return true;

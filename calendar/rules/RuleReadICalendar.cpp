@@ -98,7 +98,7 @@ class PartReader {
         usable_ = false;
     }
 
-    // A number of at least 1; anything else is passed over.
+    // A number of at least 1; anything else is ignored.
     void takePositive(std::string_view value, std::string_view name, std::optional<int>& number) {
         if (value.empty()) return;
         number = parseInt(trimmed(value));
@@ -136,7 +136,7 @@ class PartReader {
         }
     }
 
-    // A position has a meaning within a month or a year only.
+    // Positions have a meaning only within a month or a year.
     void dropOrdinals() {
         if (rule_.frequency == Frequency::Monthly || rule_.frequency == Frequency::Yearly) return;
         std::vector<RuleDay> days;
@@ -149,8 +149,8 @@ class PartReader {
         if (dropped) reading_.notes.emplace_back(NoteCode::RulePositionsIgnored);
     }
 
-    // The weekday that falls on the days 8 to 14 of a month is its second: that a record holds, and
-    // vCalendar 1.0 too, where they hold no weekday among days of the month.
+    // A weekday on one of the days 8 to 14 is the second one of its month. Records and
+    // vCalendar 1.0 can express a position, but not a weekday limited to days of the month.
     void weeksToOrdinals() {
         const bool inMonth = rule_.frequency == Frequency::Monthly ||
                              (rule_.frequency == Frequency::Yearly && !rule_.months.empty());
@@ -164,7 +164,7 @@ class PartReader {
         reading_.notes.emplace_back(NoteCode::RuleWeekAsPosition);
     }
 
-    // 2 for the days 8 to 14 in any order, -1 for -7 to -1, 0 for days that are no such week.
+    // 2 for the days 8 to 14 in any order, -1 for -7 to -1, 0 for days that are not such a week.
     static int weekOf(std::vector<int> days) {
         if (days.size() != 7) return 0;
         std::sort(days.begin(), days.end());

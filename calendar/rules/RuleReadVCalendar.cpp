@@ -40,7 +40,7 @@ struct Head {
     bool bareMonth;  // "M1": neither MP nor MD
 };
 
-// "W2", "MP", "D1"; nothing for a token that begins no rule.
+// "W2", "MP", "D1"; nothing for a token that does not begin a rule.
 std::optional<Head> readHead(std::string_view token) {
     struct Code {
         std::string_view text;
@@ -113,7 +113,7 @@ class RuleParser {
         }
     }
 
-    // True when the token is an end mark of this rule: "#5", a date.
+    // True if the token is an end mark of this rule: "#5" or a date.
     bool takeEnd(std::string_view token) {
         if (token.front() == '#') {
             const auto number = parseInt(token.substr(1));
@@ -129,7 +129,7 @@ class RuleParser {
     }
 
     void takeModifier(std::string_view token) {
-        // The rules that this system's own writer makes name the year days.
+        // QelUtility's vCalendar writer puts this keyword before year days.
         constexpr std::string_view kOwnYearDays = "BYYEARDAY=";
         if (head_.kind == Kind::ByYearDay && startsWithIgnoreCase(token, kOwnYearDays))
             token.remove_prefix(kOwnYearDays.size());
@@ -167,7 +167,7 @@ class RuleParser {
             end_.count = 2;
             reading_.notes.emplace_back(NoteCode::RuleWithoutEnd);
         }
-        // The engines of the library and of phones begin a week on Sunday; iCalendar on Monday.
+        // Weeks begin on Sunday in QelUtility and on phones, on Monday in iCalendar.
         const bool sunday = std::any_of(rule_.days.begin(), rule_.days.end(),
                                         [](const RuleDay& day) { return day.weekday == 1; });
         if (rule_.frequency == Frequency::Weekly && rule_.interval > 1 && sunday &&
@@ -237,7 +237,7 @@ class RuleParser {
         }
     }
 
-    // Times of day hold where they are a set of hours with one minute; "0600 1200 1500".
+    // One rule can express times of day that share their minute: "0600 1200 1500".
     void applyTimes() {
         std::sort(times_.begin(), times_.end());
         times_.erase(std::unique(times_.begin(), times_.end()), times_.end());

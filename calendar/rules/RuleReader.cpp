@@ -42,7 +42,7 @@ RuleReading readRules(std::string_view text, RuleForm form, const std::optional<
         reading.notes.emplace_back(NoteCode::RuleEmpty);
         return reading;
     }
-    // Files of one format carry rules of the other.
+    // Files of one format contain rules of the other.
     if (form == RuleForm::VCalendar10 && guessRuleForm(text) == RuleForm::ICalendar) {
         form = RuleForm::ICalendar;
         reading.notes.emplace_back(NoteCode::RuleIsICalendar);

@@ -80,7 +80,7 @@ std::string weekdays(const std::vector<RuleDay>& days) {
     return listOf(days, [](const RuleDay& day) { return weekday(day.weekday); });
 }
 
-// From the period's start on, then those that are counted from its end.
+// From the period's start, then those that count from its end.
 std::vector<int> inOrder(std::vector<int> numbers) {
     std::sort(numbers.begin(), numbers.end(),
               [](int a, int b) { return std::pair(a < 0, a) < std::pair(b < 0, b); });
@@ -105,7 +105,7 @@ std::string positionedDays(const std::vector<RuleDay>& days, const char* last = 
         last);
 }
 
-// What BYSETPOS selects from, where it has a name: "Tuesday", "workday", "weekend day", "day".
+// What BYSETPOS selects from, if it has a name: "Tuesday", "workday", "weekend day", "day".
 std::string nameOfSet(const Rule& rule) {
     if (!rule.monthDays.empty() || !rule.yearDays.empty() || !rule.weekNumbers.empty() ||
         anyPosition(rule.days))
@@ -135,7 +135,7 @@ int weekdayOfStart(const RuleStart& start) {
     return weekdayOf(dayNumber(start.year, start.month, start.day));
 }
 
-// " on ..." for the days of a month (or of a year without months); empty where the rule names none.
+// " on ..." for the days of a month (or of a year without months); empty if the rule has none.
 std::string daysOfMonth(const Rule& rule) {
     if (!rule.setPositions.empty()) {
         const std::string name = nameOfSet(rule);
@@ -150,7 +150,7 @@ std::string daysOfMonth(const Rule& rule) {
     return {};
 }
 
-// ", the first of them" after a set that has no name of its own.
+// ", only the first of these in each month" after a set that has no name of its own.
 std::string selection(const Rule& rule, const char* period) {
     const bool named = rule.frequency != Frequency::Weekly && rule.frequency != Frequency::Daily &&
                        !nameOfSet(rule).empty();
@@ -173,7 +173,7 @@ std::string limits(const Rule& rule) {
     return text;
 }
 
-// What days and weeks of the year exclude in a rule that is not yearly.
+// What the days and weeks of the year exclude in a rule that is not yearly.
 std::string yearLimits(const Rule& rule) {
     std::string text;
     if (!rule.yearDays.empty())
@@ -243,8 +243,8 @@ std::string clock(int hour, int minute, int second, bool withSecond) {
     return text;
 }
 
-// " at 09:00 and 10:00" where the times are few, else the parts by name. What the rule leaves open
-// is the start's.
+// " at 09:00 and 10:00" for a few times, else hours, minutes and seconds separately. Parts that the
+// rule does not have are the start's.
 std::string times(const Rule& rule, const RuleStart& start) {
     if (rule.hours.empty() && rule.minutes.empty() && rule.seconds.empty()) return {};
     constexpr std::size_t kMostTimes = 12;
@@ -294,7 +294,7 @@ std::string end(const Rule& rule) {
     return ", without end";
 }
 
-// The day on which weeks start is said where it can change a date.
+// The day on which weeks start, if it can change a date.
 std::string weekStart(const Rule& rule) {
     const bool counts =
         (rule.frequency == Frequency::Weekly && rule.interval > 1 && rule.days.size() > 1) ||

@@ -32,7 +32,7 @@ class Reshaper {
     Reshaper(Rule rule, const std::optional<RuleStart>& start)
         : rule_(std::move(rule)), start_(start) {}
 
-    // Nothing when there is no such shape; reason() then says what is in the way.
+    // Nothing when there is no such shape; reason() then says why.
     std::optional<Rule> run() {
         if (!dropTimes() || !dropSetPositions()) return std::nullopt;
         switch (rule_.frequency) {
@@ -56,7 +56,7 @@ class Reshaper {
         return std::nullopt;
     }
 
-    // A time of day that is the start's says nothing new.
+    // A time of day equal to the start's adds nothing.
     bool dropTimes() {
         const int second = start_ ? start_->secondOfDay : -1;
         const auto same = [&](const std::vector<int>& list, int value) {
@@ -73,7 +73,8 @@ class Reshaper {
         return true;
     }
 
-    // BYSETPOS of one weekday in a month is a position; of all seven days a day of the month.
+    // BYSETPOS selecting from one weekday of a month is a position, from all seven a day of the
+    // month.
     bool dropSetPositions() {
         if (rule_.setPositions.empty()) return true;
         const bool inMonth = rule_.frequency == Frequency::Monthly ||
@@ -167,8 +168,8 @@ class Reshaper {
         return monthsAsInterval();
     }
 
-    // The months of a yearly rule that lie evenly around the year, the start's among them, are
-    // every n-th month: "MP12 2+ SU" is the second Sunday of the start's month, each year.
+    // Months at equal distances around the year that include the start's are every n-th month:
+    // "MP12 2+ SU" is the second Sunday of the start's month, each year.
     std::optional<Rule> monthsAsInterval() {
         std::vector<int> months = rule_.months;
         std::sort(months.begin(), months.end());
@@ -245,7 +246,7 @@ std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start)
     return text + " " + (isDate ? shape.until.substr(0, 8) + "T000000" : shape.until);
 }
 
-// The same dates as far as it pays to look: 400 of them, or 60 years.
+// Compares 400 dates or 60 years.
 bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
     if (one == other) return true;
     RuleLimits limits;
