@@ -11,8 +11,9 @@
 #include "QelCalendar/qelcalendar.h"
 #include "calendar/api/NoteHandle.h"
 #include "calendar/base/Moment.h"
+#include "calendar/rules/RuleReader.h"
 #include "calendar/rules/RuleRecords.h"
-#include "calendar/rules/RuleText.h"
+#include "calendar/rules/RuleWriteVCalendar.h"
 
 namespace qel::calendar::api {
 
