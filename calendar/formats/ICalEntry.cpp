@@ -111,7 +111,24 @@ void ICalEntry::addRecurrence() {
     addDateList("EXDATE", entry_.excluded);
 }
 
+std::string ICalEntry::itemsOf(const std::vector<Moment>& dates, bool inUtc, bool isDate,
+                               Clock clock) const {
+    std::string items;
+    std::set<std::string> seen;
+    for (const Moment& date : dates) {
+        Moment moment = entry_.inClockOf(*entry_.start, date);
+        if (inUtc) moment = entry_.toUtc(moment).value_or(moment);
+        if (moment.isDate != isDate || (!isDate && moment.clock != clock)) continue;
+        std::string item = formatMoment(moment);
+        if (seen.contains(item)) continue;
+        items += (items.empty() ? "" : ",") + item;
+        seen.insert(std::move(item));
+    }
+    return items;
+}
+
 void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& dates) {
+    if (dates.empty()) return;
     struct Form {
         bool isDate;
         Clock clock;
@@ -120,28 +137,19 @@ void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
                                       {false, Clock::Floating},
                                       {false, Clock::Utc},
                                       {false, Clock::Zoned}};
+    // Some readers ignore the TZID of an RDATE.
+    const bool inUtc = name == "RDATE";
     for (const Form& form : kForms) {
-        std::vector<std::string> items;
-        std::set<std::string> seen;
-        for (const Moment& date : dates) {
-            Moment moment = entry_.inClockOf(*entry_.start, date);
-            // Some readers ignore the TZID of an RDATE.
-            if (name == "RDATE") moment = entry_.toUtc(moment).value_or(moment);
-            if (moment.isDate != form.isDate) continue;
-            if (!form.isDate && moment.clock != form.clock) continue;
-            const std::string item = formatMoment(moment);
-            if (seen.insert(item).second) items.push_back(item);
-        }
+        const std::string items = itemsOf(dates, inUtc, form.isDate, form.clock);
         if (items.empty()) continue;
         std::vector<Parameter> parameters;
-        if (form.isDate) parameters.push_back({"VALUE", "DATE"});
-        if (!form.isDate && form.clock == Clock::Zoned && entry_.zone != nullptr) {
+        if (form.isDate) {
+            parameters.push_back({"VALUE", "DATE"});
+        } else if (form.clock == Clock::Zoned && entry_.zone != nullptr) {
             parameters.push_back({"TZID", entry_.zone->id()});
             usesZone_ = true;
         }
-        std::string value;
-        for (const std::string& item : items) value += (value.empty() ? "" : ",") + item;
-        addICalendarLine(lines_, name, parameters, value);
+        addICalendarLine(lines_, name, parameters, items);
     }
 }
 

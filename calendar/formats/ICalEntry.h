@@ -35,6 +35,9 @@ class ICalEntry {
     void addDates();
     void addDuration();
     void addRecurrence();
+    // The dates of one value type and clock, each once, separated by commas.
+    [[nodiscard]] std::string itemsOf(const std::vector<Moment>& dates, bool inUtc, bool isDate,
+                                      Clock clock) const;
     // One line for the dates that share a clock.
     void addDateList(std::string_view name, const std::vector<Moment>& dates);
     void addProperty(const EntryProperty& property);

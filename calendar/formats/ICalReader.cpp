@@ -9,6 +9,23 @@
 
 namespace qel::calendar {
 
+namespace {
+
+// The parameters besides those that say how the value is written.
+std::vector<Parameter> ownParameters(const ContentLine& line, bool binary) {
+    std::vector<Parameter> parameters;
+    for (const Parameter& each : line.parameters) {
+        if (each.name == "ENCODING" || each.name == "CHARSET" || each.name.empty()) continue;
+        if (each.name == "VALUE" &&
+            (binary || equalsIgnoreCase(each.value, "URI") || equalsIgnoreCase(each.value, "TEXT")))
+            continue;
+        parameters.push_back(each);
+    }
+    return parameters;
+}
+
+}  // namespace
+
 std::vector<std::string> ICalReader::listItems(std::string_view value) const {
     std::vector<std::string> items;
     std::string item;
@@ -25,25 +42,18 @@ std::vector<std::string> ICalReader::listItems(std::string_view value) const {
     return items;
 }
 
+void ICalReader::takeAttachment(const ContentLine& line) {
+    const auto clean = cleanBase64(line.value);
+    if (!clean)
+        carry(line, NoteCode::AttachmentInvalid);
+    else if (!clean->empty())
+        add(line, line.name, EntryProperty::Type::Base64, *clean, ownParameters(line, true));
+}
+
 void ICalReader::takeProperty(const ContentLine& line) {
-    std::vector<Parameter> parameters;
     const bool binary = isBase64(line);
-    for (const Parameter& each : line.parameters) {
-        if (each.name == "ENCODING" || each.name == "CHARSET" || each.name.empty()) continue;
-        if (each.name == "VALUE" &&
-            (binary || equalsIgnoreCase(each.value, "URI") || equalsIgnoreCase(each.value, "TEXT")))
-            continue;
-        parameters.push_back(each);
-    }
-    if (binary && line.id == PropertyName::Attach) {
-        if (const auto clean = cleanBase64(line.value)) {
-            if (!clean->empty())
-                add(line, line.name, EntryProperty::Type::Base64, *clean, std::move(parameters));
-        } else {
-            carry(line, NoteCode::AttachmentInvalid);
-        }
-        return;
-    }
+    if (binary && line.id == PropertyName::Attach) return takeAttachment(line);
+    std::vector<Parameter> parameters = ownParameters(line, binary);
     const std::string_view value = text(line);
     const Property& property = propertyOf(line.id);
     const bool known = property.held == HeldAs::Property;
