@@ -14,6 +14,8 @@
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
+#include "calendar/zones/ZoneFromVCalendar.h"
+#include "calendar/zones/ZoneFromVTimezone.h"
 
 namespace qel::calendar {
 
@@ -219,7 +221,7 @@ class Converter::File {
         if (settled_) return;
         settled_ = true;
         zone_ = nullptr;
-        if (tz_) zone_ = Zone::fromVCalendar(*tz_, daylight_, noteSink());
+        if (tz_) zone_ = zoneFromVCalendar(*tz_, daylight_, noteSink());
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
         owner_.writer().calendar(header_);
@@ -237,7 +239,7 @@ class Converter::File {
         Component& component = reader_.component();
         decodeParameters(component);
         if (component.name == "VTIMEZONE") {
-            owner_.zones_->add(Zone::fromVTimezone(component, noteSink()));
+            owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
             return;
         }
         settle();
@@ -280,7 +282,7 @@ class Converter::File {
         if (tz == nullptr && tz_) tz = &*tz_;
         return tz == nullptr
                    ? zone_
-                   : Zone::fromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
+                   : zoneFromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
     }
 
     void endCalendar() {
@@ -340,7 +342,7 @@ class Converter::Scan {
             if (item == Item::NeedMore || item == Item::End) return;
             if (item != Item::Entry || reader_.component().name != "VTIMEZONE") continue;
             decodeParameters(reader_.component());
-            zones_.add(Zone::fromVTimezone(reader_.component(), silent_));
+            zones_.add(zoneFromVTimezone(reader_.component(), silent_));
         }
     }
 

@@ -5,6 +5,7 @@
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/ICalSettle.h"
 #include "calendar/text/ContentText.h"
+#include "calendar/zones/ZoneText.h"
 
 namespace qel::calendar {
 
@@ -65,7 +66,7 @@ void ICalWriter::write(const Entry& read) {
 
 void ICalWriter::writeZone(const Zone& zone) {
     if (!zones_.insert(zone.id()).second) return;
-    for (const std::string& each : zone.vTimezone()) fold(each);
+    for (const std::string& each : vTimezoneLines(zone)) fold(each);
 }
 
 void ICalWriter::fold(std::string_view line) {

@@ -9,6 +9,7 @@
 #include "calendar/formats/VCalSettle.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/text/ContentText.h"
+#include "calendar/zones/ZoneText.h"
 
 namespace qel::calendar {
 
@@ -103,7 +104,7 @@ void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {
 void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     const bool sameZone =
         zone_ == zone || (zone_ != nullptr && zone != nullptr && zone_->id() == zone->id());
-    const bool covered = zone == nullptr || zone->sameInAllYears() ||
+    const bool covered = zone == nullptr || sameInAllYears(*zone) ||
                          (firstYear >= firstYear_ && lastYear <= lastYear_);
     if (open_ && !headerChanged_ && sameZone && covered) return;
     close();
@@ -114,7 +115,7 @@ void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     firstYear_ = firstYear;
     lastYear_ = std::max(lastYear, firstYear + kYearsAhead);
     if (zone != nullptr)
-        for (const auto& [name, value] : zone->vCalendarLines(firstYear_, lastYear_))
+        for (const auto& [name, value] : vCalendarZoneLines(*zone, firstYear_, lastYear_))
             put(vCalendarLine(name, {}, value));
     for (const EntryProperty& each : header_) {
         const std::string name = each.name.starts_with(kVCalendarPrefix)

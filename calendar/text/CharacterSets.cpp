@@ -31,7 +31,7 @@ std::string withReplacements(std::string_view text, bool ascii) {
 
 void noteReplaced(const std::string& text, std::string_view set, std::vector<Note>& notes) {
     if (text.find(kReplacement) != std::string::npos)
-        notes.emplace_back(NoteCode::TextBytesInvalid, 0, std::initializer_list{set});
+        notes.push_back(Note(NoteCode::TextBytesInvalid, 0, {set}));
 }
 
 std::string fromNamedSet(std::string text, std::string_view set, std::vector<Note>& notes) {
@@ -41,12 +41,12 @@ std::string fromNamedSet(std::string text, std::string_view set, std::vector<Not
         return converted;
     }
     if (auto converted = platform::toUtf8(text, set)) {
-        notes.emplace_back(NoteCode::CharacterSetBySystem, 0, std::initializer_list{set});
+        notes.push_back(Note(NoteCode::CharacterSetBySystem, 0, {set}));
         noteReplaced(*converted, set, notes);
         return *std::move(converted);
     }
     const std::string_view guess = isUtf8(text) ? "UTF-8" : "windows-1252";
-    notes.emplace_back(NoteCode::CharacterSetUnknown, 0, std::initializer_list{set, guess});
+    notes.push_back(Note(NoteCode::CharacterSetUnknown, 0, {set, guess}));
     return utf8OrWindows1252(std::move(text));
 }
 

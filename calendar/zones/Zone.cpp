@@ -2,56 +2,34 @@
 
 #include <algorithm>
 
-#include "calendar/base/Ascii.h"
-#include "calendar/base/Days.h"
-
 namespace qel::calendar {
 
-namespace {
-
-std::int64_t yearBegin(int year) {
-    return std::int64_t{dayNumber(year, 1, 1)} * 86400;
-}
-
-// "+01", "+05:30".
-std::string vCalendarOffset(int seconds) {
-    std::string text = formatUtcOffset(seconds, true);
-    if (text.size() == 6 && text.ends_with(":00")) text.resize(3);
-    return text;
-}
-
-std::string utcText(std::int64_t utc) {
-    Moment moment;
-    moment.clock = Clock::Utc;
-    return formatMoment(momentAt(moment, utc));
-}
-
-}  // namespace
-
 std::size_t Zone::cost() const {
-    std::size_t bytes = sizeof(Zone) + changes_.size() * sizeof(Change);
-    for (const std::string& line : vTimezone_) bytes += sizeof(std::string) + line.size();
-    for (const auto& [name, value] : ownLines_) bytes += 2 * sizeof(std::string) + value.size();
+    std::size_t bytes = sizeof(Zone) + parts_.changes.size() * sizeof(ZoneChange) +
+                        parts_.observances.size() * sizeof(ZoneObservance);
+    for (const std::string& line : parts_.content) bytes += sizeof(std::string) + line.size();
+    for (const auto& [name, value] : parts_.ownLines)
+        bytes += 2 * sizeof(std::string) + value.size();
     return bytes;
 }
 
 int Zone::offsetAtUtc(std::int64_t utc) const {
     const auto next = std::upper_bound(
-        changes_.begin(), changes_.end(), utc,
-        [](std::int64_t moment, const Change& change) { return moment < change.utc; });
-    return next == changes_.begin() ? baseOffset_ : (next - 1)->offset;
+        parts_.changes.begin(), parts_.changes.end(), utc,
+        [](std::int64_t moment, const ZoneChange& change) { return moment < change.utc; });
+    return next == parts_.changes.begin() ? parts_.baseOffset : (next - 1)->offset;
 }
 
 int Zone::offsetAtLocal(std::int64_t local) const {
-    const auto before = [&](const Change& change) {
-        return &change == changes_.data() ? baseOffset_ : (&change - 1)->offset;
+    const auto before = [&](const ZoneChange& change) {
+        return &change == parts_.changes.data() ? parts_.baseOffset : (&change - 1)->offset;
     };
     // The first change that the clock before it has not reached yet.
     const auto next = std::partition_point(
-        changes_.begin(), changes_.end(),
-        [&](const Change& change) { return change.utc + before(change) <= local; });
-    if (next == changes_.begin()) return baseOffset_;
-    const Change& last = *(next - 1);
+        parts_.changes.begin(), parts_.changes.end(),
+        [&](const ZoneChange& change) { return change.utc + before(change) <= local; });
+    if (next == parts_.changes.begin()) return parts_.baseOffset;
+    const ZoneChange& last = *(next - 1);
     const bool skipped = local < last.utc + last.offset;
     return skipped ? before(last) : last.offset;
 }
@@ -68,35 +46,6 @@ Moment Zone::toLocal(const Moment& utc) const {
     Moment moment = utc;
     moment.clock = Clock::Zoned;
     return momentAt(moment, utc.seconds() + offsetAtUtc(utc.seconds()));
-}
-
-std::vector<std::pair<std::string, std::string>> Zone::vCalendarLines(int from, int to) const {
-    if (!ownLines_.empty()) return ownLines_;
-    const std::int64_t begin = yearBegin(from);
-    const std::int64_t end = yearBegin(to + 1);
-    // The offset outside daylight time at the beginning, or else the first one after it.
-    int standard = baseOffset_;
-    std::string standardName;
-    for (const Change& change : changes_) {
-        const bool inForce = change.utc <= begin || standardName.empty();
-        if (!change.daylight && inForce) {
-            standard = change.offset;
-            standardName = change.name.empty() ? " " : change.name;
-        }
-    }
-    std::vector<std::pair<std::string, std::string>> lines;
-    lines.emplace_back("TZ", vCalendarOffset(standard));
-    for (std::size_t each = 0; each < changes_.size(); ++each) {
-        const Change& change = changes_[each];
-        const std::int64_t until = each + 1 < changes_.size() ? changes_[each + 1].utc : end;
-        if (change.offset == standard || until <= begin || change.utc >= end) continue;
-        lines.emplace_back("DAYLIGHT", "TRUE;" + vCalendarOffset(change.offset) + ";" +
-                                           utcText(std::max(change.utc, begin)) + ";" +
-                                           utcText(until) + ";" +
-                                           std::string(trimmed(standardName)) + ";" + change.name);
-    }
-    if (lines.size() == 1) lines.emplace_back("DAYLIGHT", "FALSE");
-    return lines;
 }
 
 }  // namespace qel::calendar

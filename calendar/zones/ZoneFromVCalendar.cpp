@@ -1,15 +1,15 @@
-// Zones from TZ and DAYLIGHT lines.
+#include "calendar/zones/ZoneFromVCalendar.h"
+
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <string_view>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/rules/Rule.h"
 #include "calendar/rules/RuleWriteICalendar.h"
-#include "calendar/text/ContentValue.h"
 #include "calendar/text/Digest.h"
-#include "calendar/text/Escapes.h"
-#include "calendar/zones/Zone.h"
 
 namespace qel::calendar {
 
@@ -88,17 +88,10 @@ std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,
     return change;
 }
 
-std::string localText(std::int64_t seconds) {
-    return formatMoment(momentAt(Moment{}, seconds));
-}
-
-}  // namespace
-
-class VCalendarZone {
+class ZoneBuilder {
   public:
-    VCalendarZone(int standard, const NoteSink& sink)
-        : standard_(standard), sink_(sink), zone_(std::make_shared<Zone>()) {
-        zone_->baseOffset_ = standard;
+    ZoneBuilder(int standard, const NoteSink& sink) : standard_(standard), sink_(sink) {
+        zone_.baseOffset = standard;
     }
 
     void take(const ContentLine& line) {
@@ -135,11 +128,13 @@ class VCalendarZone {
             return a.begin.seconds() < b.begin.seconds();
         });
         for (RawPeriod& raw : raw_) place(raw);
-        zone_->ownLines_.emplace_back("TZ", std::string(trimmed(tz.value)));
+        zone_.ownLines.emplace_back("TZ", trimmed(tz.value));
         for (const ContentLine& line : daylight)
-            zone_->ownLines_.emplace_back("DAYLIGHT", std::string(trimmed(line.value)));
+            zone_.ownLines.emplace_back("DAYLIGHT", trimmed(line.value));
         nameZone();
-        open();
+        // Before any change, and for all time where there is none.
+        addObservance({false, firstYearBegin(), standard_, standard_,
+                       periods_.empty() ? "" : periods_.front().standardName, ""});
         const auto begins = yearlyChange(periods_, &Period::beginLocal);
         const auto ends = yearlyChange(periods_, &Period::endLocal);
         const bool uniform =
@@ -150,15 +145,12 @@ class VCalendarZone {
             addYearly(*begins, *ends);
         else
             addPeriods();
-        zone_->vTimezone_.emplace_back("END:VTIMEZONE");
-        return zone_;
+        return std::make_shared<const Zone>(std::move(zone_));
     }
 
   private:
     void reject(const ContentLine& line) {
-        sink_(Note(Severity::Error,
-                   "DAYLIGHT " + quoted(line.value) + " makes no sense and does not count",
-                   line.number));
+        sink_(Note(NoteCode::DaylightInvalid, line.number, {line.value}));
     }
 
     void place(RawPeriod& raw) {
@@ -174,8 +166,7 @@ class VCalendarZone {
         period.endLocal = period.endUtc + period.offset;
         if (period.endUtc <= period.beginUtc ||
             (last != nullptr && period.beginUtc < last->endUtc)) {
-            sink_(Note(Severity::Error,
-                       "this DAYLIGHT line overlaps another one and does not count", raw.line));
+            sink_(Note(NoteCode::DaylightOverlaps, raw.line));
             return;
         }
         periods_.push_back(period);
@@ -185,30 +176,15 @@ class VCalendarZone {
     void nameZone() {
         std::string lines;
         bool daylight = false;
-        for (const auto& [name, value] : zone_->ownLines_) {
+        for (const auto& [name, value] : zone_.ownLines) {
             lines += name + ":" + value + "\n";
             daylight = daylight || (name == "DAYLIGHT" && !equalsIgnoreCase(value, "FALSE"));
         }
-        zone_->id_ = "TZ" + formatUtcOffset(standard_);
-        if (daylight) zone_->id_ += "-" + digestOf(lines).substr(0, 8);
+        zone_.id = "TZ" + formatUtcOffset(standard_);
+        if (daylight) zone_.id += "-" + digestOf(lines).substr(0, 8);
     }
 
-    void open() {
-        zone_->vTimezone_ = {"BEGIN:VTIMEZONE", "TZID:" + zone_->id_};
-        for (const auto& [name, value] : zone_->ownLines_) {
-            if (value.empty()) continue;
-            std::vector<Note> ignored;
-            ContentLine line;
-            line.value = value;
-            zone_->vTimezone_.push_back("X-VCAL-" + name + ":" +
-                                        escapeICalendar(decodedValue(line, ignored)));
-        }
-        std::string name = periods_.empty() ? "" : periods_.front().standardName;
-        // Before any change, and where there is none.
-        addObservance(false, localText(yearStart()), standard_, standard_, name, "");
-    }
-
-    [[nodiscard]] std::int64_t yearStart() const {
+    [[nodiscard]] std::int64_t firstYearBegin() const {
         int year = kFirstYear;
         if (!periods_.empty())
             year = std::min(
@@ -216,22 +192,8 @@ class VCalendarZone {
         return std::int64_t{dayNumber(year, 1, 1)} * 86400;
     }
 
-    void addObservance(bool daylight, const std::string& start, int from, int to,
-                       const std::string& name, const std::string& recurrence) {
-        const std::string kind = daylight ? "DAYLIGHT" : "STANDARD";
-        std::vector<std::string>& lines = zone_->vTimezone_;
-        lines.push_back("BEGIN:" + kind);
-        lines.push_back("DTSTART:" + start);
-        lines.push_back("TZOFFSETFROM:" + formatUtcOffset(from));
-        lines.push_back("TZOFFSETTO:" + formatUtcOffset(to));
-        if (!name.empty()) {
-            std::vector<Note> ignored;
-            ContentLine line;
-            line.value = name;
-            lines.push_back("TZNAME:" + escapeICalendar(decodedValue(line, ignored)));
-        }
-        if (!recurrence.empty()) lines.push_back(recurrence);
-        lines.push_back("END:" + kind);
+    void addObservance(ZoneObservance observance) {
+        zone_.observances.push_back(std::move(observance));
     }
 
     void addYearly(const YearlyChange& begins, const YearlyChange& ends) {
@@ -241,57 +203,57 @@ class VCalendarZone {
             yearly.frequency = Frequency::Yearly;
             yearly.months = {change.month};
             yearly.days = {{change.week, change.weekday}};
-            return "RRULE:" + iCalendarText(yearly);
+            return iCalendarText(yearly);
         };
-        addObservance(true, localText(begins.inYear(kFirstYear)), standard_, model.offset,
-                      model.daylightName, rule(begins));
-        addObservance(false, localText(ends.inYear(kFirstYear)), model.offset, standard_,
-                      model.standardName, rule(ends));
+        addObservance({true, begins.inYear(kFirstYear), standard_, model.offset, model.daylightName,
+                       rule(begins)});
+        addObservance({false, ends.inYear(kFirstYear), model.offset, standard_, model.standardName,
+                       rule(ends)});
         for (int year = kFirstYear; year <= kLastYear; ++year) {
             addChange(begins.inYear(year) - standard_, model.offset, true, model.daylightName);
             addChange(ends.inYear(year) - model.offset, standard_, false, model.standardName);
         }
-        std::sort(zone_->changes_.begin(), zone_->changes_.end(),
-                  [](const Zone::Change& a, const Zone::Change& b) { return a.utc < b.utc; });
+        std::sort(zone_.changes.begin(), zone_.changes.end(),
+                  [](const ZoneChange& a, const ZoneChange& b) { return a.utc < b.utc; });
     }
 
-    // Each onset apart: not every reader takes all dates of an RDATE here, or the start beside it.
+    // One observance for each change: some readers ignore an RDATE here, or the start beside it.
     void addPeriods() {
         for (std::size_t each = 0; each < periods_.size(); ++each) {
             const Period& period = periods_[each];
             const int before = period.continues ? periods_[each - 1].offset : standard_;
-            addObservance(true, localText(period.beginLocal), before, period.offset,
-                          period.daylightName, "");
+            addObservance(
+                {true, period.beginLocal, before, period.offset, period.daylightName, ""});
             addChange(period.beginUtc, period.offset, true, period.daylightName);
             if (each + 1 < periods_.size() && periods_[each + 1].continues) continue;
-            addObservance(false, localText(period.endLocal), period.offset, standard_,
-                          period.standardName, "");
+            addObservance(
+                {false, period.endLocal, period.offset, standard_, period.standardName, ""});
             addChange(period.endUtc, standard_, false, period.standardName);
         }
     }
 
     void addChange(std::int64_t utc, int offset, bool daylight, const std::string& name) {
-        zone_->changes_.push_back({utc, offset, daylight, name});
+        zone_.changes.push_back({utc, offset, daylight, name});
     }
 
     int standard_;
     const NoteSink& sink_;
-    std::shared_ptr<Zone> zone_;
+    ZoneParts zone_;
     std::vector<RawPeriod> raw_;
     std::vector<Period> periods_;
 };
 
-ZonePtr Zone::fromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
-                            const NoteSink& sink) {
+}  // namespace
+
+ZonePtr zoneFromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
+                          const NoteSink& sink) {
     const auto standard = parseUtcOffset(tz.value);
     if (!standard) {
         if (!trimmed(tz.value).empty())
-            sink(Note(Severity::Error,
-                      "TZ " + quoted(tz.value) + " is no offset from UTC; local times stay local",
-                      tz.number));
+            sink(Note(NoteCode::UtcOffsetInvalid, tz.number, {tz.value}));
         return nullptr;
     }
-    VCalendarZone builder(*standard, sink);
+    ZoneBuilder builder(*standard, sink);
     for (const ContentLine& line : daylight) builder.take(line);
     return builder.finish(tz, daylight);
 }

@@ -1,7 +1,11 @@
-// Zones from VTIMEZONE components (RFC 5545 section 3.6.5).
+#include "calendar/zones/ZoneFromVTimezone.h"
+
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
@@ -10,7 +14,7 @@
 #include "calendar/text/ContentText.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
-#include "calendar/zones/Zone.h"
+#include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {
 
@@ -28,10 +32,7 @@ const ContentLine* find(const Component& component, std::string_view name) {
 }
 
 std::string contentText(const ContentLine& line) {
-    std::vector<Note> ignored;
-    ContentLine bytes;
-    bytes.value = line.value;
-    return iCalendarLine(line.name, line.parameters, decodedValue(bytes, ignored));
+    return iCalendarLine(line.name, line.parameters, decodedText(line.value));
 }
 
 bool belongsToZone(std::string_view name) {
@@ -47,61 +48,50 @@ bool standsOnce(std::string_view name) {
            name == "TZOFFSETFROM" || name == "TZOFFSETTO";
 }
 
-}  // namespace
-
-class VTimezoneZone {
+class VTimezoneBuilder {
   public:
-    explicit VTimezoneZone(const NoteSink& sink) : sink_(sink), zone_(std::make_shared<Zone>()) {}
+    explicit VTimezoneBuilder(const NoteSink& sink) : sink_(sink) {}
 
     ZonePtr build(const Component& component) {
         const ContentLine* id = find(component, "TZID");
         if (id == nullptr || trimmed(id->value).empty()) {
-            sink_(Note(Severity::Error, "a VTIMEZONE without TZID is left out", component.number));
+            sink_(Note(NoteCode::ZoneWithoutId, component.number));
             return nullptr;
         }
-        zone_->id_ = unescapeICalendar(trimmed(id->value));
+        zone_.id = unescapeICalendar(trimmed(id->value));
         for (const Component& child : component.children)
             if (child.name == "STANDARD" || child.name == "DAYLIGHT") takeObservance(child);
         if (observances_ == 0) {
-            sink_(Note(Severity::Error, "the zone " + quoted(zone_->id_) + " has no usable offset",
-                       component.number));
+            sink_(Note(NoteCode::ZoneWithoutOffset, component.number, {zone_.id}));
             return nullptr;
         }
-        std::stable_sort(
-            zone_->changes_.begin(), zone_->changes_.end(),
-            [](const Zone::Change& a, const Zone::Change& b) { return a.utc < b.utc; });
+        std::stable_sort(zone_.changes.begin(), zone_.changes.end(),
+                         [](const ZoneChange& a, const ZoneChange& b) { return a.utc < b.utc; });
         dropEmptyChanges();
         for (const ContentLine& line : component.properties)
             if (line.name == "X-VCAL-TZ" || line.name == "X-VCAL-DAYLIGHT")
-                zone_->ownLines_.emplace_back(line.name.substr(7), unescapeICalendar(line.value));
+                zone_.ownLines.emplace_back(line.name.substr(7), unescapeICalendar(line.value));
         addLines(component);
-        return zone_;
+        return std::make_shared<const Zone>(std::move(zone_));
     }
 
   private:
     // The component as it stands, for the output. Of what may stand once, the first counts.
     void addLines(const Component& component) {
-        std::vector<std::string>& lines = zone_->vTimezone_;
+        std::vector<std::string>& lines = zone_.content;
         lines.push_back("BEGIN:" + component.name);
         for (const ContentLine& line : component.properties)
             if (!belongsToZone(line.name))
-                sink_(Note(Severity::Error,
-                           std::string(line.name) + " is no part of a zone; it is left out",
-                           line.number));
+                sink_(Note(NoteCode::ZonePropertyUnknown, line.number, {line.name}));
             else if (standsOnce(line.name) && find(component, line.name) != &line)
-                sink_(Note(Severity::Error,
-                           "a second " + std::string(line.name) + " in a zone is left out",
-                           line.number));
+                sink_(Note(NoteCode::ZonePropertyRepeated, line.number, {line.name}));
             else
                 lines.push_back(contentText(line));
-        for (const Component& child : component.children) {
+        for (const Component& child : component.children)
             if (child.name == "STANDARD" || child.name == "DAYLIGHT")
                 addLines(child);
             else
-                sink_(Note(Severity::Error,
-                           quoted(child.name) + " is no part of a zone; it is left out",
-                           child.number));
-        }
+                sink_(Note(NoteCode::ZoneComponentUnknown, child.number, {child.name}));
         lines.push_back("END:" + component.name);
     }
 
@@ -113,15 +103,12 @@ class VTimezoneZone {
         const auto fromOffset = parseUtcOffset(from == nullptr ? "" : from->value);
         const auto toOffset = parseUtcOffset(to == nullptr ? "" : to->value);
         if (!first || !fromOffset || !toOffset) {
-            sink_(Note(Severity::Error,
-                       "this part of the zone " + quoted(zone_->id_) +
-                           " lacks DTSTART, TZOFFSETFROM or TZOFFSETTO",
-                       observance.number));
+            sink_(Note(NoteCode::ZonePartIncomplete, observance.number, {zone_.id}));
             return;
         }
         const int before = *fromOffset;
         const ContentLine* name = find(observance, "TZNAME");
-        Zone::Change change{0, *toOffset, observance.name == "DAYLIGHT", ""};
+        ZoneChange change{0, *toOffset, observance.name == "DAYLIGHT", ""};
         if (name != nullptr) {
             std::vector<Note> ignored;
             change.name = unescapeICalendar(decodedValue(*name, ignored));
@@ -131,7 +118,7 @@ class VTimezoneZone {
         if (!hasBase_ || first->seconds() < baseSince_) {
             hasBase_ = true;
             baseSince_ = first->seconds();
-            zone_->baseOffset_ = before;
+            zone_.baseOffset = before;
         }
         addOnset(change, *first, before);
         for (const ContentLine& line : observance.properties) {
@@ -140,13 +127,13 @@ class VTimezoneZone {
         }
     }
 
-    void addOnset(Zone::Change change, const Moment& local, int before) {
-        if (zone_->changes_.size() >= kMostChanges) return;
+    void addOnset(ZoneChange change, const Moment& local, int before) {
+        if (zone_.changes.size() >= kMostChanges) return;
         change.utc = local.seconds() - (local.clock == Clock::Utc ? 0 : before);
-        zone_->changes_.push_back(change);
+        zone_.changes.push_back(change);
     }
 
-    void addRule(const ContentLine& line, const Zone::Change& change, const Moment& first,
+    void addRule(const ContentLine& line, const ZoneChange& change, const Moment& first,
                  int before) {
         if (++ruleLines_ > kMostRuleLines) return;
         const Civil civil = civilOf(first.day);
@@ -172,7 +159,7 @@ class VTimezoneZone {
         }
     }
 
-    void addDates(const ContentLine& line, const Zone::Change& change, int before) {
+    void addDates(const ContentLine& line, const ZoneChange& change, int before) {
         for (std::string_view rest = line.value; !rest.empty();) {
             std::string_view item = nextField(rest, ',');
             const auto moment = parseMoment(nextField(item, '/'));
@@ -180,28 +167,30 @@ class VTimezoneZone {
         }
     }
 
-    // Changes to what is in force already are none; of two at one moment the last counts.
+    // Removes changes that change nothing. Of several at one moment the last one counts.
     void dropEmptyChanges() {
-        std::vector<Zone::Change> kept;
-        for (const Zone::Change& change : zone_->changes_) {
+        std::vector<ZoneChange> kept;
+        for (const ZoneChange& change : zone_.changes) {
             if (!kept.empty() && kept.back().utc == change.utc) kept.pop_back();
             if (kept.empty() || kept.back().offset != change.offset ||
                 kept.back().daylight != change.daylight)
                 kept.push_back(change);
         }
-        zone_->changes_ = std::move(kept);
+        zone_.changes = std::move(kept);
     }
 
     const NoteSink& sink_;
-    std::shared_ptr<Zone> zone_;
+    ZoneParts zone_;
     int observances_ = 0;
     std::size_t ruleLines_ = 0;
     bool hasBase_ = false;
     std::int64_t baseSince_ = 0;
 };
 
-ZonePtr Zone::fromVTimezone(const Component& component, const NoteSink& sink) {
-    return VTimezoneZone(sink).build(component);
+}  // namespace
+
+ZonePtr zoneFromVTimezone(const Component& component, const NoteSink& sink) {
+    return VTimezoneBuilder(sink).build(component);
 }
 
 }  // namespace qel::calendar

@@ -1,0 +1,103 @@
+#include "calendar/zones/ZoneText.h"
+
+#include <algorithm>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
+#include "calendar/text/Escapes.h"
+#include "calendar/text/TextCodec.h"
+
+namespace qel::calendar {
+
+namespace {
+
+std::int64_t yearBegin(int year) {
+    return std::int64_t{dayNumber(year, 1, 1)} * 86400;
+}
+
+// "+01", "+05:30".
+std::string vCalendarOffset(int seconds) {
+    std::string text = formatUtcOffset(seconds, true);
+    if (text.size() == 6 && text.ends_with(":00")) text.resize(3);
+    return text;
+}
+
+std::string utcText(std::int64_t utc) {
+    Moment moment;
+    moment.clock = Clock::Utc;
+    return formatMoment(momentAt(moment, utc));
+}
+
+// A text that was read without a character set.
+std::string escaped(const std::string& bytes) {
+    return escapeICalendar(decodedText(bytes));
+}
+
+void addObservance(std::vector<std::string>& lines, const ZoneObservance& observance) {
+    const std::string kind = observance.daylight ? "DAYLIGHT" : "STANDARD";
+    lines.push_back("BEGIN:" + kind);
+    lines.push_back("DTSTART:" + formatMoment(momentAt(Moment{}, observance.start)));
+    lines.push_back("TZOFFSETFROM:" + formatUtcOffset(observance.from));
+    lines.push_back("TZOFFSETTO:" + formatUtcOffset(observance.to));
+    if (!observance.name.empty()) lines.push_back("TZNAME:" + escaped(observance.name));
+    if (!observance.rule.empty()) lines.push_back("RRULE:" + observance.rule);
+    lines.push_back("END:" + kind);
+}
+
+struct Standard {
+    int offset;
+    std::string name;
+};
+
+// Outside daylight time at `begin`, or else the first after it.
+Standard standardAt(const ZoneParts& zone, std::int64_t begin) {
+    Standard standard{zone.baseOffset, ""};
+    bool any = false;
+    for (const ZoneChange& change : zone.changes) {
+        if (change.daylight || (any && change.utc > begin)) continue;
+        standard = {change.offset, change.name};
+        any = true;
+    }
+    return standard;
+}
+
+}  // namespace
+
+std::vector<std::string> vTimezoneLines(const Zone& zone) {
+    const ZoneParts& parts = zone.parts();
+    if (!parts.content.empty()) return parts.content;
+    std::vector<std::string> lines = {"BEGIN:VTIMEZONE", "TZID:" + parts.id};
+    for (const auto& [name, value] : parts.ownLines)
+        if (!value.empty()) lines.push_back("X-VCAL-" + name + ":" + escaped(value));
+    for (const ZoneObservance& each : parts.observances) addObservance(lines, each);
+    lines.emplace_back("END:VTIMEZONE");
+    return lines;
+}
+
+std::vector<ZoneLine> vCalendarZoneLines(const Zone& zone, int from, int to) {
+    const ZoneParts& parts = zone.parts();
+    if (!parts.ownLines.empty()) return parts.ownLines;
+    const std::int64_t begin = yearBegin(from);
+    const std::int64_t end = yearBegin(to + 1);
+    const Standard standard = standardAt(parts, begin);
+    std::vector<ZoneLine> lines;
+    lines.emplace_back("TZ", vCalendarOffset(standard.offset));
+    for (std::size_t each = 0; each < parts.changes.size(); ++each) {
+        const ZoneChange& change = parts.changes[each];
+        const std::int64_t until =
+            each + 1 < parts.changes.size() ? parts.changes[each + 1].utc : end;
+        if (change.offset == standard.offset || until <= begin || change.utc >= end) continue;
+        lines.emplace_back("DAYLIGHT", "TRUE;" + vCalendarOffset(change.offset) + ";" +
+                                           utcText(std::max(change.utc, begin)) + ";" +
+                                           utcText(until) + ";" +
+                                           std::string(trimmed(standard.name)) + ";" + change.name);
+    }
+    if (lines.size() == 1) lines.emplace_back("DAYLIGHT", "FALSE");
+    return lines;
+}
+
+bool sameInAllYears(const Zone& zone) {
+    return !zone.parts().ownLines.empty() || zone.parts().changes.empty();
+}
+
+}  // namespace qel::calendar
