@@ -33,31 +33,7 @@ std::string valueFor(std::string_view hole, const std::vector<std::string>& valu
     return inQuotes ? quoted(value) : value;
 }
 
-bool tellsOfLoss(Severity severity, std::string_view text) {
-    if (severity == Severity::Note) return false;
-    // What is quoted may hold anything, quotes too.
-    const std::size_t first = text.find('"');
-    const auto says = [](std::string_view part) {
-        return part.find("left out") != std::string_view::npos;
-    };
-    if (says(text.substr(0, first))) return true;
-    return first != std::string_view::npos && says(text.substr(text.rfind('"') + 1));
-}
-
 }  // namespace
-
-Note::Note(Severity severity, std::string sentence, std::size_t noteLine)
-    : code(severity == Severity::Note      ? NoteCode::PlainNote
-           : severity == Severity::Warning ? NoteCode::PlainWarning
-                                           : NoteCode::PlainError),
-      line(noteLine) {
-    values.push_back(std::move(sentence));
-}
-
-Fate Note::fate() const {
-    if (code >= NoteCode::PlainNote && tellsOfLoss(severity(), text())) return Fate::Lost;
-    return noteKind(code).fate;
-}
 
 std::span<const NoteKind> noteKinds() {
     return kKinds;

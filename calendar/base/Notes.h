@@ -74,11 +74,8 @@ struct Note {
                   std::initializer_list<std::string_view> noteValues = {})
         : code(noteCode), line(noteLine), values(noteValues.begin(), noteValues.end()) {}
 
-    // A sentence without a code of its own yet.
-    Note(Severity severity, std::string sentence, std::size_t noteLine = 0);
-
     [[nodiscard]] Severity severity() const { return noteKind(code).severity; }
-    [[nodiscard]] Fate fate() const;
+    [[nodiscard]] Fate fate() const { return noteKind(code).fate; }
     // One sentence without a full stop.
     [[nodiscard]] std::string text() const;
 };

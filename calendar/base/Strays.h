@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "calendar/base/Ascii.h"
 #include "calendar/base/Notes.h"
 
 namespace qel::calendar {
@@ -23,14 +22,6 @@ class Strays {
     // any.
     void report(std::vector<Note>& notes, NoteCode code) const {
         if (count_ != 0) notes.push_back(Note(code, 0, {first_, std::to_string(count_ - 1)}));
-    }
-
-    // The same for a sentence without a code: "WHAT "39" and 2 more".
-    void report(std::vector<Note>& notes, Severity severity, std::string_view what) const {
-        if (count_ == 0) return;
-        std::string text = std::string(what) + " " + quoted(first_);
-        if (count_ > 1) text += " and " + std::to_string(count_ - 1) + " more";
-        notes.push_back({severity, text});
     }
 
   private:

@@ -56,8 +56,8 @@ class ICalSettling {
   private:
     [[nodiscard]] const Entry& entry() const { return settled_.entry(); }
 
-    void tell(NoteCode code, std::initializer_list<std::string_view> values = {},
-              std::size_t line = 0) {
+    void addNote(NoteCode code, std::initializer_list<std::string_view> values = {},
+                 std::size_t line = 0) {
         settled_.notes.emplace_back(code, line == 0 ? entry().line : line, values);
     }
 
@@ -99,10 +99,10 @@ void ICalSettling::settleStart() {
     Entry& changed = settled_.change();
     if (changed.end) {
         changed.start = std::exchange(changed.end, std::nullopt);
-        tell(NoteCode::EventStartsAtItsEnd);
+        addNote(NoteCode::EventStartsAtItsEnd);
         return;
     }
-    tell(NoteCode::EventBecomesTodo);
+    addNote(NoteCode::EventBecomesTodo);
     changed.kind = EntryKind::Todo;
     changed.properties.push_back(
         {keptName("COMPONENT"), {}, EntryProperty::Type::Text, "VEVENT", {}, changed.line});
@@ -133,11 +133,11 @@ void ICalSettling::settleEnd() {
         const std::int64_t length = afterStart(end);
         if (length > 0) {
             if (end.clock != entry().start->clock && !end.isDate)
-                tell(NoteCode::StartAndEndOnTwoClocks);
+                addNote(NoteCode::StartAndEndOnTwoClocks);
             if (end != *entry().end) settled_.change().end = end;
             return;
         }
-        if (length < 0) tell(NoteCode::EndBeforeStart, {keptName("DTEND")});
+        if (length < 0) addNote(NoteCode::EndBeforeStart, {keptName("DTEND")});
     }
     keep("DTEND", *entry().end);
     settled_.change().end.reset();
@@ -160,7 +160,7 @@ void ICalSettling::settleDue() {
     // iCalendar demands that it is due later; a series needs its start, and a person the due date.
     const bool keepsDue = entry().recurs() || !entry().excluded.empty();
     const std::string_view name = keepsDue ? "DUE" : "DTSTART";
-    if (length < 0) tell(NoteCode::DueBeforeStart, {keptName(name)});
+    if (length < 0) addNote(NoteCode::DueBeforeStart, {keptName(name)});
     std::optional<Moment>& dropped = keepsDue ? settled_.change().due : settled_.change().start;
     keep(name, *dropped);
     dropped.reset();
@@ -227,7 +227,7 @@ void ICalSettling::settleRules() {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             std::string text = iCalendarText(rule);
             if (text.empty())
-                tell(NoteCode::EntryRuleNotWritable, {}, each.line);
+                addNote(NoteCode::EntryRuleNotWritable, {}, each.line);
             else
                 settled_.rules.push_back({each.exclude ? "EXRULE" : "RRULE", std::move(text)});
         }
@@ -264,8 +264,8 @@ bool ICalSettling::allowed(const EntryProperty& property) {
                                                                   : Property::kJournal);
         if (known.once && seen_.test(static_cast<std::size_t>(id))) {
             result = false;
-            tell(NoteCode::EntryPropertyTwice, {property.name, keptName(property.name)},
-                 property.line);
+            addNote(NoteCode::EntryPropertyTwice, {property.name, keptName(property.name)},
+                    property.line);
         } else if (known.once) {
             seen_.set(static_cast<std::size_t>(id));
         }
@@ -284,7 +284,7 @@ void ICalSettling::settleAlarms() {
     for (const Alarm& alarm : changed.alarms) {
         if (rings(alarm)) continue;
         changed.properties.push_back(keptAlarm(alarm));
-        tell(NoteCode::AlarmTimeUnknown, {changed.properties.back().name}, alarm.line);
+        addNote(NoteCode::AlarmTimeUnknown, {changed.properties.back().name}, alarm.line);
     }
     std::erase_if(changed.alarms, [&](const Alarm& alarm) { return !rings(alarm); });
 }

@@ -32,7 +32,7 @@ class VCalSettling {
   private:
     [[nodiscard]] const Entry& entry() const { return settled_.entry(); }
 
-    void tell(NoteCode code, std::size_t line, std::initializer_list<std::string_view> values) {
+    void addNote(NoteCode code, std::size_t line, std::initializer_list<std::string_view> values) {
         settled_.notes.emplace_back(code, line == 0 ? entry().line : line, values);
     }
 
@@ -108,18 +108,18 @@ void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
             moment.day = day;
             if (moment != *changed.start || owner.exclude) list.push_back(moment);
         }
-        tell(NoteCode::RuleAsDates, owner.line, {reason, text, std::to_string(days.size())});
+        addNote(NoteCode::RuleAsDates, owner.line, {reason, text, std::to_string(days.size())});
         return;
     }
     const std::string_view name = owner.exclude ? "X-ICAL-EXRULE" : "X-ICAL-RRULE";
-    tell(NoteCode::RuleKeptForICalendar, owner.line, {reason, text, name});
+    addNote(NoteCode::RuleKeptForICalendar, owner.line, {reason, text, name});
     settled_.rules.push_back({name, std::move(text)});
 }
 
 void VCalSettling::reportStatus() {
     for (const EntryProperty& each : entry().properties)
         if (each.name == "STATUS" && equalsIgnoreCase(each.value(), "CANCELLED"))
-            tell(NoteCode::CancellationKept, each.line, {"X-ICAL-STATUS"});
+            addNote(NoteCode::CancellationKept, each.line, {"X-ICAL-STATUS"});
 }
 
 void VCalSettling::settleAlarms() {
@@ -128,15 +128,15 @@ void VCalSettling::settleAlarms() {
         if (!rings(alarm)) {
             allRing = false;
             if (alarm.action == Alarm::Action::Other)
-                tell(NoteCode::AlarmActionUnknown, alarm.line, {alarm.actionName});
+                addNote(NoteCode::AlarmActionUnknown, alarm.line, {alarm.actionName});
             else
-                tell(NoteCode::AlarmWithoutAnchor, alarm.line, {});
+                addNote(NoteCode::AlarmWithoutAnchor, alarm.line, {});
             continue;
         }
         std::string lost;
         for (const EntryProperty& other : alarm.others)
             lost += (lost.empty() ? "" : ", ") + other.name;
-        if (!lost.empty()) tell(NoteCode::AlarmPartsLost, alarm.line, {lost});
+        if (!lost.empty()) addNote(NoteCode::AlarmPartsLost, alarm.line, {lost});
     }
     if (!allRing)
         std::erase_if(settled_.change().alarms,

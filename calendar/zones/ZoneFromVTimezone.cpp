@@ -9,6 +9,7 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/lines/Property.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentText.h"
@@ -35,17 +36,8 @@ std::string contentText(const ContentLine& line) {
     return iCalendarLine(line.name, line.parameters, decodedText(line.value));
 }
 
-bool belongsToZone(std::string_view name) {
-    static constexpr std::string_view kNames[] = {
-        "TZID",  "TZURL", "LAST-MODIFIED", "DTSTART", "TZOFFSETFROM", "TZOFFSETTO",
-        "RRULE", "RDATE", "EXRULE",        "EXDATE",  "TZNAME",       "COMMENT"};
-    return name.substr(0, 2) == "X-" ||
-           std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames);
-}
-
-bool standsOnce(std::string_view name) {
-    return name == "TZID" || name == "LAST-MODIFIED" || name == "TZURL" || name == "DTSTART" ||
-           name == "TZOFFSETFROM" || name == "TZOFFSETTO";
+bool belongsToZone(const ContentLine& line) {
+    return line.name.starts_with("X-") || propertyOf(line.id).standsIn(Property::kZone);
 }
 
 class VTimezoneBuilder {
@@ -81,9 +73,9 @@ class VTimezoneBuilder {
         std::vector<std::string>& lines = zone_.content;
         lines.push_back("BEGIN:" + component.name);
         for (const ContentLine& line : component.properties)
-            if (!belongsToZone(line.name))
+            if (!belongsToZone(line))
                 sink_(Note(NoteCode::ZonePropertyUnknown, line.number, {line.name}));
-            else if (standsOnce(line.name) && find(component, line.name) != &line)
+            else if (propertyOf(line.id).once && find(component, line.name) != &line)
                 sink_(Note(NoteCode::ZonePropertyRepeated, line.number, {line.name}));
             else
                 lines.push_back(contentText(line));
