@@ -5,9 +5,255 @@
 #ifndef QELCALENDAR_QELCALNOTES_H
 #define QELCALENDAR_QELCALNOTES_H
 
+/* clang-format off */
+
 /** What a note is about; docs/notes.md explains each. */
 typedef enum qelcal_note_code {
-    QELCAL_NOTE_NONE = 0 /**< no note */
+    QELCAL_NOTE_NONE = 0,
+    /**< No note. */
+    QELCAL_NOTE_LINE_NOT_PROPERTY = 101,
+    /**< A line of the file does not have the form NAME:VALUE that every line of a calendar has, so
+     * nobody can tell what it means. Often a long text was broken into lines wrongly. */
+    QELCAL_NOTE_LINE_TOO_LONG = 102,
+    /**< A single line is larger than any real calendar's. Its beginning is converted. */
+    QELCAL_NOTE_QUOTED_PRINTABLE_BREAKS_OFF = 103,
+    /**< The text stops in the middle, as the file itself has it. What is there is converted. */
+    QELCAL_NOTE_TEXT_BEFORE_CALENDAR = 104,
+    /**< The file has lines before BEGIN:VCALENDAR that are not part of any calendar. */
+    QELCAL_NOTE_TEXT_AFTER_CALENDAR = 105,
+    /**< The file has lines after END:VCALENDAR that are not part of any calendar. */
+    QELCAL_NOTE_ENTRY_OUTSIDE_CALENDAR = 106,
+    /**< BEGIN:VCALENDAR is missing before this entry. It is converted all the same. */
+    QELCAL_NOTE_NO_CALENDAR = 107,
+    /**< The file is empty, or it is another kind of file. */
+    QELCAL_NOTE_CALENDAR_NOT_CLOSED = 108,
+    /**< The file may have been cut off. All that is there is converted. */
+    QELCAL_NOTE_CALENDAR_IN_CALENDAR = 109,
+    /**< END:VCALENDAR is missing before the next calendar. */
+    QELCAL_NOTE_END_WITHOUT_BEGIN = 110,
+    /**< The file closes a part that it has not begun. Nothing is missing because of that alone. */
+    QELCAL_NOTE_COMPONENT_TOO_DEEP = 111,
+    /**< Parts of the entry are nested deeper than in any real calendar. */
+    QELCAL_NOTE_COMPONENT_NOT_CLOSED = 112,
+    /**< A part of an entry has no end. It is taken to end with the entry. */
+    QELCAL_NOTE_COMPONENT_NOT_CLOSED_IN_FILE = 113,
+    /**< The file may have been cut off. What there is of the entry is converted. */
+    QELCAL_NOTE_COMPONENT_NOT_CLOSED_BEFORE_NEXT = 114,
+    /**< An entry has no end before the next one begins. Both are converted. */
+    QELCAL_NOTE_COMPONENT_NOT_CLOSED_IN_CALENDAR = 115,
+    /**< The last entry has no end. What there is of it is converted. */
+    QELCAL_NOTE_ENTRY_TOO_LARGE = 116,
+    /**< A single entry is larger than any real one. Its beginning is converted. */
+    QELCAL_NOTE_TEXT_BYTES_INVALID = 201,
+    /**< The file names a character set for this text, and some of the text's bytes mean nothing in
+     * it. Each of them became the replacement character. */
+    QELCAL_NOTE_CHARACTER_SET_BY_SYSTEM = 202,
+    /**< The text is in a character set that only the operating system knows. Another computer may
+     * read some of its characters in another way. */
+    QELCAL_NOTE_CHARACTER_SET_UNKNOWN = 203,
+    /**< The file names a character set that neither the library nor the operating system knows. */
+    QELCAL_NOTE_TEXT_NOT_UTF8 = 204,
+    /**< The file says that this text is UTF-8, but its bytes are not. Most such texts are in the
+     * character set of Western European Windows. */
+    QELCAL_NOTE_CHARACTER_SET_MISSING = 205,
+    /**< The file does not say which character set this text is in. Most such texts are in the
+     * character set of Western European Windows. */
+    QELCAL_NOTE_CONTROL_CHARACTERS_REMOVED = 206,
+    /**< The text contained bytes that are no characters of a text, such as NUL or ESC. They are
+     * left out. */
+    QELCAL_NOTE_BASE64_INVALID = 207,
+    /**< The file says that this value is Base64, a code for binary data, but it is not. It may have
+     * been cut off or changed on its way. */
+    QELCAL_NOTE_RULE_EMPTY = 301,
+    /**< The entry has a line for a recurrence rule with nothing in it. It occurs once. */
+    QELCAL_NOTE_RULE_IS_ICALENDAR = 302,
+    /**< A file of one format contains a rule in the other format's spelling. It was read as what it
+     * is. */
+    QELCAL_NOTE_RULE_IS_VCALENDAR = 303,
+    /**< A file of one format contains a rule in the other format's spelling. It was read as what it
+     * is. */
+    QELCAL_NOTE_RULE_MONTHLY_BY_DATE = 304,
+    /**< The rule says "M" without saying whether it repeats by date or by weekday. By date is what
+     * phones mean. */
+    QELCAL_NOTE_RULE_WITHOUT_END = 305,
+    /**< The rule does not say how often the entry repeats. The format defines two occurrences for
+     * that. */
+    QELCAL_NOTE_RULE_END_WHOLE_DAY = 306,
+    /**< The series ends at midnight although it takes place at another time of day. Phones mean
+     * that day to be included. */
+    QELCAL_NOTE_RULE_COUNT_FIRST = 307,
+    /**< The rule gives two ends, and only one can be written. The earlier one was kept, so no date
+     * changes. */
+    QELCAL_NOTE_RULE_END_FIRST = 308,
+    /**< The rule gives two ends, and only one can be written. The earlier one was kept, so no date
+     * changes. */
+    QELCAL_NOTE_RULE_WEEK_AS_POSITION = 309,
+    /**< The rule names a weekday and the seven days it may fall on, for instance 8 to 14. That is
+     * the second one of the month. */
+    QELCAL_NOTE_RULE_SEVERAL = 310,
+    /**< One line contains several rules. They were read as rules that apply side by side. */
+    QELCAL_NOTE_RULE_COUNT_IGNORED = 311,
+    /**< The rule gives two ends, and the entry has no start to tell which is earlier. The series
+     * may have more dates than were meant. */
+    QELCAL_NOTE_RULE_ITEM_UNKNOWN = 312,
+    /**< The rule contains something that is not part of any recurrence rule. The rest of the rule
+     * was read. */
+    QELCAL_NOTE_RULE_VALUE_OUTSIDE = 313,
+    /**< The rule names, for instance, a day 39 or a month 13. The rest of the rule was read. */
+    QELCAL_NOTE_RULE_PART_UNKNOWN = 314,
+    /**< The rule contains a part that iCalendar does not define. The series may have more dates
+     * than were meant. */
+    QELCAL_NOTE_RULE_POSITIONS_IGNORED = 315,
+    /**< The rule asks for, say, the second Monday, which only a month or a year can have. Every
+     * such weekday counts. */
+    QELCAL_NOTE_RULE_TIMES_IGNORED = 316,
+    /**< The rule repeats the entry at several times of a day with different minutes. Only the
+     * start's time of day remains. */
+    QELCAL_NOTE_RULE_WEEKDAY_UNKNOWN = 317,
+    /**< The rule says which week of the month but not which day. That comes from the entry's start,
+     * and there is none. */
+    QELCAL_NOTE_RULE_TOO_MANY = 318,
+    /**< One line contains more rules than any calendar uses. The file is probably damaged. */
+    QELCAL_NOTE_RULE_WITHIN_DAY = 319,
+    /**< The entry repeats every so many hours, minutes or seconds. That cannot be expressed
+     * here. */
+    QELCAL_NOTE_RULE_NOT_RECOGNISED = 320,
+    /**< The text where a recurrence rule belongs is something else. The entry occurs once. */
+    QELCAL_NOTE_RULE_END_INVALID = 321,
+    /**< The date on which the series should end does not exist. The entry occurs once. */
+    QELCAL_NOTE_RULE_FREQUENCY_UNKNOWN = 322,
+    /**< The rule does not say daily, weekly, monthly or yearly. The entry occurs once. */
+    QELCAL_NOTE_RULE_FREQUENCY_MISSING = 323,
+    /**< The rule does not say daily, weekly, monthly or yearly. The entry occurs once. */
+    QELCAL_NOTE_RULE_NOTHING_LEFT = 324,
+    /**< Everything that the rule repeats on lies outside any calendar. The entry occurs once. */
+    QELCAL_NOTE_RULE_OF_SEVERAL_INVALID = 325,
+    /**< One line contains several rules, and one of them is invalid. The others were read. */
+    QELCAL_NOTE_RULE_OF_SEVERAL_WITHIN_DAY = 326,
+    /**< One line contains several rules, and one of them repeats within a day. The others were
+     * read. */
+    QELCAL_NOTE_RECORD_NUMBER_LIMIT = 340,
+    /**< QelUtility's record of the rule has a smaller interval, or no count. */
+    QELCAL_NOTE_RECORD_END_LIMIT = 341,
+    /**< The rule ends after the last day of QelUtility's calendar. */
+    QELCAL_NOTE_RECORD_TIMES_IGNORED = 342,
+    /**< QelUtility's record of the rule has no times of day. */
+    QELCAL_NOTE_RECORD_POSITION_LIMIT = 343,
+    /**< QelUtility's record of the rule has its first four positions only. */
+    QELCAL_NOTE_RECORD_POSITIONS_TOGETHER = 344,
+    /**< QelUtility's record of the rule has the positions of its weekdays only. */
+    QELCAL_NOTE_RECORD_SEVERAL = 345,
+    /**< One record cannot express the rule. Each of them has the whole rule's count. */
+    QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
+    /**< The file holds something besides events, to-dos and notes, for example free and busy times.
+     * Only those three are converted. */
+    QELCAL_NOTE_ENTRY_PART_UNKNOWN = 502,
+    /**< The entry holds a component that is not an alarm. */
+    QELCAL_NOTE_ENTRY_RULE_WITHOUT_START = 503,
+    /**< The entry has a recurrence rule or a list of dates, but no start from which they count.
+     * They are kept under another name that calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_DATE_INVALID = 504,
+    /**< One of the entry's dates cannot be read. Its text is kept under another name that calendar
+     * programs ignore. */
+    QELCAL_NOTE_ENTRY_DATE_TWICE = 505,
+    /**< The entry gives the same date twice. The second one is kept under another name that
+     * calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_DURATION_INVALID = 506,
+    /**< How long the entry lasts cannot be read. The text is kept under another name that calendar
+     * programs ignore. */
+    QELCAL_NOTE_ENTRY_RULES_TOO_MANY = 507,
+    /**< The entry has more recurrence rules than are read for one entry. The rest are kept under
+     * another name that calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_ZONE_UNKNOWN = 508,
+    /**< The entry's times name a time zone that the file does not describe. They are read as local
+     * times, without a zone. Reported once for each zone. */
+    QELCAL_NOTE_ENTRY_DATES_INVALID = 509,
+    /**< A list of additional or excepted dates has items that are not dates. */
+    QELCAL_NOTE_ENTRY_PERIOD_LENGTHS = 510,
+    /**< Some additional dates of the entry have a length of their own. They get the length of the
+     * entry. */
+    QELCAL_NOTE_ALARM_TRIGGER_INVALID = 511,
+    /**< When the alarm should ring cannot be read. */
+    QELCAL_NOTE_ALARM_WITHOUT_TRIGGER = 512,
+    /**< The alarm does not say when it should ring. */
+    QELCAL_NOTE_ALARM_TIME_INVALID = 513,
+    /**< When the alarm should ring cannot be read. It is kept under another name that calendar
+     * programs ignore. */
+    QELCAL_NOTE_ALARM_WITHOUT_TIME = 514,
+    /**< The alarm does not say when it should ring. It is kept under another name that calendar
+     * programs ignore. */
+    QELCAL_NOTE_ALARM_EMPTY = 515,
+    /**< Some phones write an empty alarm for an entry without one. */
+    QELCAL_NOTE_ATTACHMENT_INVALID = 516,
+    /**< A file that is attached to the entry is damaged. Its text is kept under another name that
+     * calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_CLASS_UNKNOWN = 517,
+    /**< Who may see the entry is given in a word that iCalendar lacks. The word is kept under
+     * another name that calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_PROPERTY_UNKNOWN = 518,
+    /**< The entry has a property that neither format knows. It is kept under another name that
+     * calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_TRANSPARENCY_INVALID = 519,
+    /**< Whether the entry blocks its time cannot be read. The text is kept under another name that
+     * calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_POSITION_INVALID = 520,
+    /**< The entry's geographical position cannot be read. Its text is kept under another name that
+     * calendar programs ignore. */
+    QELCAL_NOTE_EVENT_STARTS_AT_ITS_END = 601,
+    /**< The event has an end but no start, which iCalendar does not allow. The end is written as
+     * its start. */
+    QELCAL_NOTE_EVENT_BECOMES_TODO = 602,
+    /**< The event has neither a start nor an end, which iCalendar does not allow. It is written as
+     * a to-do; converted back it is an event again. */
+    QELCAL_NOTE_START_AND_END_ON_TWO_CLOCKS = 603,
+    /**< The start of the event is a local time without a zone and its end a time in UTC, or the
+     * reverse. How long the event lasts depends on where it is read. */
+    QELCAL_NOTE_END_BEFORE_START = 604,
+    /**< The event ends before it starts, which iCalendar does not allow. The end is kept under
+     * another name that calendar programs ignore. */
+    QELCAL_NOTE_DUE_BEFORE_START = 605,
+    /**< The to-do is due before it starts, which iCalendar does not allow. Its start, or the due
+     * date where it repeats, is kept under another name that calendar programs ignore. */
+    QELCAL_NOTE_ENTRY_RULE_NOT_WRITABLE = 606,
+    /**< One of the entry's recurrence rules cannot be written as an iCalendar rule. */
+    QELCAL_NOTE_ENTRY_PROPERTY_TWICE = 607,
+    /**< The entry has two values for something that iCalendar allows once. The first one is
+     * written; the other is kept under another name that calendar programs ignore. */
+    QELCAL_NOTE_ALARM_TIME_UNKNOWN = 608,
+    /**< The alarm's time cannot be compared with the time of the entry, or the entry is a note,
+     * which has no alarms in iCalendar. It is kept under another name that calendar programs
+     * ignore. */
+    QELCAL_NOTE_RULE_AS_DATES = 701,
+    /**< The old format cannot express the entry's recurrence rule. The dates are listed one by one,
+     * so that the entry stands on the same days. */
+    QELCAL_NOTE_RULE_KEPT_FOR_ICALENDAR = 702,
+    /**< The old format cannot express the entry's recurrence rule, and it has no end or too many
+     * dates to list. The rule is kept under another name and returns when the entry is converted
+     * back. */
+    QELCAL_NOTE_CANCELLATION_KEPT = 703,
+    /**< The entry is cancelled, which the old format cannot express. */
+    QELCAL_NOTE_ALARM_ACTION_UNKNOWN = 704,
+    /**< The alarm does something other than to show a text, play a sound, send a mail or start a
+     * program, and the old format has nothing else. */
+    QELCAL_NOTE_ALARM_WITHOUT_ANCHOR = 705,
+    /**< The alarm rings some time before or after the entry's start or end, and the entry has
+     * neither. */
+    QELCAL_NOTE_ALARM_PARTS_LOST = 706,
+    /**< The alarm itself is written, but some of its properties have no place in the old format. */
+    QELCAL_NOTE_CALENDAR_SCALE_UNKNOWN = 801,
+    /**< The file says that its dates are counted in another calendar than the usual one. */
+    QELCAL_NOTE_ZONE_LINE_LATE = 802,
+    /**< The file names its time zone after some of its entries. Times of those before it stay
+     * local. */
+    QELCAL_NOTE_NOT_CALENDAR_PROPERTY = 803,
+    /**< A line that belongs to an entry is outside all entries, or there are too many lines about
+     * the calendar itself. */
+    QELCAL_NOTE_CALENDAR_EMPTY = 804,
+    /**< The calendar has no event, to-do or note. */
+    QELCAL_NOTE_DAYLIGHT_WITHOUT_ZONE = 805,
+    /**< The file describes daylight saving time, but not the time zone that it changes. */
 } qelcal_note_code;
+
+/* clang-format on */
 
 #endif

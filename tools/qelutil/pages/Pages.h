@@ -1,5 +1,5 @@
-// The pages that go with the program, each a function of its command line: the same commands give
-// the same bytes. Any thread.
+// The pages that go with the program and the library, each a function of the program's command line
+// or of the catalogue of notes: the same input gives the same bytes. Any thread.
 #ifndef QELUTIL_PAGES_PAGES_H
 #define QELUTIL_PAGES_PAGES_H
 
@@ -17,6 +17,11 @@ namespace qel::cli {
 [[nodiscard]] std::string bashCompletion(const PageCommand& program);
 [[nodiscard]] std::string zshCompletion(const PageCommand& program);
 [[nodiscard]] std::string fishCompletion(const PageCommand& program);
+
+// docs/notes.md: each note of the calendar library, what it means and what to do.
+[[nodiscard]] std::string notesDocument();
+// include/QelCalendar/qelcalnotes.h: their numbers as a C enumeration.
+[[nodiscard]] std::string notesHeader();
 
 }  // namespace qel::cli
 

@@ -1,6 +1,7 @@
 // qelutil_pages FOLDER: writes the manual pages (FOLDER/docs/man) and the shell completions
-// (FOLDER/tools/qelutil/completions) of qelutil from its commands. With the project's own folder it
-// brings the files of the tree up to date.
+// (FOLDER/tools/qelutil/completions) of qelutil from its commands, and FOLDER/docs/notes.md and
+// FOLDER/include/QelCalendar/qelcalnotes.h from the catalogue of notes. With the project's own
+// folder it brings the files of the tree up to date.
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <fstream>
@@ -42,6 +43,8 @@ int main(int argc, char** argv) {
         write(completions / "qelutil.bash", bashCompletion(program));
         write(completions / "_qelutil", zshCompletion(program));
         write(completions / "qelutil.fish", fishCompletion(program));
+        write(fs::path(argv[1]) / "docs" / "notes.md", notesDocument());
+        write(fs::path(argv[1]) / "include" / "QelCalendar" / "qelcalnotes.h", notesHeader());
     } catch (const std::exception& problem) {
         std::cerr << "qelutil_pages: " << problem.what() << '\n';
         return kExitBadInput;
