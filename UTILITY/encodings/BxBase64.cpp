@@ -35,6 +35,20 @@ void skipSpace(const char*& text) {
     while (platform::isAsciiSpace(*text)) ++text;
 }
 
+// True when `text`, at the first "=", ends a group of which `state` digits have come, with nothing
+// but white space besides.
+bool isPaddedEnd(const char* text, unsigned int state) {
+    if (state < 2) return false;
+    ++text;
+    if (state == 2) {
+        skipSpace(text);
+        if (*text != kPadding) return false;
+        ++text;
+    }
+    skipSpace(text);
+    return *text == '\0';
+}
+
 // Puts one digit's bits where its place in the group of four has them; false when `dst` is full.
 bool storeDigit(unsigned int value, unsigned int state, unsigned char* dst, unsigned int dstSize,
                 std::uint64_t index) {
@@ -107,15 +121,7 @@ int QELUTILITY_CALL Bx_Base64_Decode(const char* src, unsigned char* dst, unsign
     if (index > qel::encodings::kMaxResult) return -1;
     if (*text == '\0') return state == 0 ? static_cast<int>(index) : -1;
 
-    if (state < 2) return -1;
-    ++text;
-    if (state == 2) {
-        qel::encodings::skipSpace(text);
-        if (*text != qel::encodings::kPadding) return -1;
-        ++text;
-    }
-    qel::encodings::skipSpace(text);
-    if (*text != '\0') return -1;
+    if (!qel::encodings::isPaddedEnd(text, state)) return -1;
     if (dst != nullptr && dst[index] != 0) return -1;
     return static_cast<int>(index);
 }

@@ -4,6 +4,7 @@
 #include "recurrence/RptNextWeeks.h"
 
 #include <bit>
+#include <optional>
 
 #include "recurrence/RptNextSteps.h"
 
@@ -50,6 +51,31 @@ class Selection {
     bool fourthMayBeLast_ = false;
 };
 
+// Moves `day`, when it has left the anchor's month, to the first of the month that the interval
+// comes to next. True when it jumped.
+bool jumpByInterval(const ZQTR_REPEAT& repeat, CivilDate& day, int& anchor) {
+    if (day.month == anchor) return false;
+    anchor += repeat.interval;
+    if (anchor == day.month) return false;
+    // The year is the candidate's, not the anchor's: from December the series goes to January of
+    // the year after next.
+    day = {day.year, anchor, 1};
+    carryMonth(day);
+    anchor = day.month;
+    return true;
+}
+
+// The code date of the first selected day of the month from `day` on; nothing when there is none.
+std::optional<int> firstSelected(const Selection& selection, const CivilDate& day, bool hasJumped) {
+    if (day.year > dates::kLastYear) return dates::kLastCodeDate + 1;
+    const std::uint32_t days = selection.daysOf(day.year, day.month) >> (day.day - 1);
+    // The first day after a jump is still examined; the one after it is past the end.
+    if (hasJumped && day.year > kLastSearchedYear)
+        return dates::encodeCivilDate(day) + ((days & 1) != 0 ? 0 : 1);
+    if (days == 0) return std::nullopt;
+    return dates::encodeCivilDate({day.year, day.month, day.day + std::countr_zero(days)});
+}
+
 }  // namespace
 
 int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
@@ -68,35 +94,12 @@ int nextInWeeks(const ZQTR_REPEAT& repeat, int previous, int& date) {
     const Selection selection(repeat);
     int anchor = isFirst ? day.month : dates::decodeCivilDate(previous).month;
     for (;;) {
-        bool hasJumped = false;
-        if (byInterval && day.month != anchor) {
-            anchor += repeat.interval;
-            if (anchor != day.month) {
-                // The year is the candidate's, not the anchor's: from December the series goes to
-                // January of the year after next.
-                day = {day.year, anchor, 1};
-                carryMonth(day);
-                anchor = day.month;
-                hasJumped = true;
-            }
-        }
-        if (byInterval || repeat.months[day.month - 1] != 0) {
-            if (day.year > dates::kLastYear) {
-                date = dates::kLastCodeDate + 1;
+        const bool hasJumped = byInterval && jumpByInterval(repeat, day, anchor);
+        if (byInterval || repeat.months[day.month - 1] != 0)
+            if (const auto found = firstSelected(selection, day, hasJumped)) {
+                date = *found;
                 return QEL_OK;
             }
-            const std::uint32_t days = selection.daysOf(day.year, day.month) >> (day.day - 1);
-            if (hasJumped && day.year > kLastSearchedYear) {
-                // The first day after a jump is still examined; the one after it is past the end.
-                date = dates::encodeCivilDate(day) + ((days & 1) != 0 ? 0 : 1);
-                return QEL_OK;
-            }
-            if (days != 0) {
-                day.day += std::countr_zero(days);
-                date = dates::encodeCivilDate(day);
-                return QEL_OK;
-            }
-        }
         day = {day.year, day.month + 1, 1};
         carryMonth(day);
         if (day.year > kLastSearchedYear) {
