@@ -69,10 +69,9 @@ int qelcal_time_read(const char* text, qelcal_time* time) {
     if (text == nullptr || time == nullptr)
         return api::fail(QELCAL_INVALID_ARGUMENT, "the text or the result is null");
     return api::guarded([=] {
-        const auto moment = qel::calendar::parseMoment(text);
-        if (!moment)
-            return api::fail(QELCAL_INVALID_TEXT,
-                             "not a date or time; write 20050615, or 20050615T083000Z");
+        std::string problem;
+        const auto moment = qel::calendar::parseMoment(text, &problem);
+        if (!moment) return api::fail(QELCAL_INVALID_TEXT, problem);
         *time = api::timeOf(*moment);
         return int{QELCAL_OK};
     });
@@ -117,9 +116,9 @@ int qelcal_duration_read(const char* text, int64_t* seconds) {
     if (text == nullptr || seconds == nullptr)
         return api::fail(QELCAL_INVALID_ARGUMENT, "the text or the result is null");
     return api::guarded([=] {
-        const auto duration = qel::calendar::parseDuration(text);
-        if (!duration)
-            return api::fail(QELCAL_INVALID_TEXT, "not a duration; write P1DT2H or -PT15M");
+        std::string problem;
+        const auto duration = qel::calendar::parseDuration(text, &problem);
+        if (!duration) return api::fail(QELCAL_INVALID_TEXT, problem);
         *seconds = duration->total();
         return int{QELCAL_OK};
     });
