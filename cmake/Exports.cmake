@@ -1,4 +1,4 @@
-# The exported names of the shared library, read from the binary itself. Run with cmake -P:
+# The exported names of a shared library, read from the binary itself. Run with cmake -P:
 #
 #   cmake -DMODE=check|write -DPLATFORM=linux|windows -DLIBRARY=FILE -DLIST=FILE
 #         -DTOOL=nm-or-objdump [-DCXXFILT=c++filt] -P Exports.cmake

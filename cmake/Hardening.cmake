@@ -1,6 +1,7 @@
-# Checks that a built library and program are hardened. Run with cmake -P:
+# Checks that the built libraries and the program are hardened. Run with cmake -P:
 #
-#   cmake -DPLATFORM=linux|windows -DLIBRARY=FILE -DPROGRAM=FILE -DTOOL=readelf-or-objdump -P Hardening.cmake
+#   cmake -DPLATFORM=linux|windows -DLIBRARY=FILE -DCALENDAR=FILE -DPROGRAM=FILE
+#         -DTOOL=readelf-or-objdump -P Hardening.cmake
 cmake_minimum_required(VERSION 3.22)
 
 include(${CMAKE_CURRENT_LIST_DIR}/RunTool.cmake)
@@ -11,7 +12,7 @@ function(expect text pattern meaning)
     endif()
 endfunction()
 
-foreach(file ${LIBRARY} ${PROGRAM})
+foreach(file ${LIBRARY} ${CALENDAR} ${PROGRAM})
     if(PLATFORM STREQUAL "linux")
         run_tool(dump ${TOOL} -W -h -l -d --dyn-syms ${file})
         expect("${dump}" "GNU_RELRO" "read-only relocations")
