@@ -73,23 +73,39 @@ struct qelcal_converter final : private qel::calendar::ConversionObserver {
         if (state == State::Failed)
             return api::fail(QELCAL_WRONG_ORDER, "a call on this converter has failed before");
         const int result = api::guarded(step);
-        if (result != QELCAL_OK && result != QELCAL_WRONG_ORDER) state = State::Failed;
+        if (result != QELCAL_OK && result != QELCAL_WRONG_ORDER) {
+            leaveReport();
+            state = State::Failed;
+        }
         return result;
     }
 
-    void beginReading() {
+    // False when the report cannot take the file now.
+    [[nodiscard]] bool beginReading() {
+        if (state == State::Reading) return true;
+        if (report != nullptr && (report->finished || report->reading != nullptr)) return false;
         if (state == State::Scanning) converter.endScan();
-        if (state == State::Reading) return;
         state = State::Reading;
         tally_.beginFile(name);
-        if (report != nullptr) report->report.beginFile(name);
+        if (report != nullptr) {
+            report->endFile();
+            report->reading = this;
+            report->inFile = true;
+            report->report.beginFile(name);
+        }
         converter.beginFile(name);
+        return true;
     }
 
     void endReading() {
         converter.endFile();
-        if (report != nullptr) report->report.endFile();
+        if (report != nullptr) report->endFile();
         state = State::BetweenFiles;
+    }
+
+    // Another converter may use the report although this one has not ended its file.
+    void leaveReport() {
+        if (state == State::Reading && report != nullptr) report->reading = nullptr;
     }
 
     [[nodiscard]] qelcal_counts counts() const {
@@ -123,12 +139,17 @@ struct qelcal_converter final : private qel::calendar::ConversionObserver {
         const qelcal_entry handle(converted.entry, converted.notes);
         const qelcal_converted event{&handle,
                                      formatNumber(converted.target),
-                                     lines ? converted.source.data() : "",
+                                     wanted(converted.source),
                                      lines ? converted.source.size() : 0,
                                      lines && converted.sourceCut ? 1 : 0,
-                                     lines ? converted.written.data() : "",
+                                     wanted(converted.written),
                                      lines ? converted.written.size() : 0};
         api::goOn(onEntry(entryContext, &event));
+    }
+
+    // Never null, as an empty view may be.
+    [[nodiscard]] const char* wanted(std::string_view text) const {
+        return lines && !text.empty() ? text.data() : "";
     }
 
     CallbackBuffer buffer_;
@@ -159,6 +180,10 @@ int refuseOrder(const char* why) {
     return api::fail(QELCAL_WRONG_ORDER, why);
 }
 
+int refuseReport() {
+    return refuseOrder("the report is finished, or hears of another converter's file");
+}
+
 bool inFile(const qelcal_converter& converter) {
     return converter.state == State::Named || converter.state == State::Scanning ||
            converter.state == State::Reading;
@@ -173,10 +198,17 @@ std::string_view textOf(const void* bytes, size_t size) {
 qelcal_converter* qelcal_converter_new(int target, qelcal_write_fn output, void* context) {
     return api::guardedValue(
         static_cast<qelcal_converter*>(nullptr),
-        [=] { return std::make_unique<qelcal_converter>(target, output, context).release(); });
+        [=]() -> qelcal_converter* {
+            if (target < QELCAL_OTHER || target > QELCAL_VCALENDAR) {
+                api::fail(QELCAL_INVALID_ARGUMENT, "the target is not a calendar format");
+                return nullptr;
+            }
+            return std::make_unique<qelcal_converter>(target, output, context).release();
+        });
 }
 
 void qelcal_converter_free(qelcal_converter* converter) {
+    if (converter != nullptr) converter->leaveReport();
     delete converter;
 }
 
@@ -234,7 +266,7 @@ int qelcal_converter_write(qelcal_converter* converter, const void* bytes, size_
     if (converter == nullptr || (bytes == nullptr && size != 0)) return refuseNull();
     return converter->run([=] {
         if (!inFile(*converter)) return refuseOrder("no file has begun");
-        converter->beginReading();
+        if (!converter->beginReading()) return refuseReport();
         converter->converter.write(textOf(bytes, size));
         return int{QELCAL_OK};
     });
@@ -244,7 +276,7 @@ int qelcal_converter_end_file(qelcal_converter* converter) {
     if (converter == nullptr) return refuseNull();
     return converter->run([=] {
         if (!inFile(*converter)) return refuseOrder("no file has begun");
-        converter->beginReading();
+        if (!converter->beginReading()) return refuseReport();
         converter->endReading();
         return int{QELCAL_OK};
     });

@@ -27,6 +27,7 @@ int qelcal_report_result(qelcal_report* report, size_t file, const char* output,
         file >= report->report.tally().files().size())
         return api::fail(QELCAL_INVALID_ARGUMENT,
                          "the report or a text is null, or there is no such file");
+    if (report->finished) return api::fail(QELCAL_WRONG_ORDER, "the report is finished already");
     return api::guarded([=] {
         report->report.settle(file, output, reason);
         return int{QELCAL_OK};
@@ -38,7 +39,10 @@ int qelcal_report_finish(qelcal_report* report, const char* remark, qelcal_write
     if (report == nullptr || remark == nullptr || head == nullptr)
         return api::fail(QELCAL_INVALID_ARGUMENT, "the report, the remark or the callback is null");
     if (report->finished) return api::fail(QELCAL_WRONG_ORDER, "the report is finished already");
+    if (report->reading != nullptr)
+        return api::fail(QELCAL_WRONG_ORDER, "a file of the report has not ended");
     return api::guarded([=] {
+        report->endFile();
         report->finished = true;
         report->report.finish(remark, api::writeTo(head, context));
         return int{QELCAL_OK};

@@ -3,6 +3,7 @@
 #define QEL_CALENDAR_API_REPORTHANDLE_H
 
 #include <string_view>
+#include <utility>
 
 #include "QelCalendar/qelcalendar.h"
 #include "calendar/api/Calls.h"
@@ -22,7 +23,15 @@ struct qelcal_report {
     qelcal_report(qelcal_write_fn body, void* context)
         : report(qel::calendar::api::writeTo(body, context)) {}
 
+    // Ends the file that has begun, if one has.
+    void endFile() {
+        reading = nullptr;
+        if (std::exchange(inFile, false)) report.endFile();
+    }
+
     qel::calendar::ConversionReport report;
+    bool inFile = false;
+    const qelcal_converter* reading = nullptr;  // whose file it is; null when that one gave up
     bool finished = false;
 };
 
