@@ -31,20 +31,17 @@ class NoWriter final : public EntryWriter {
 class EntryStream::Catcher final : public ConversionObserver {
   public:
     Catcher()
-        : converter(std::make_unique<NoWriter>(),
-                    [this](Note note) { pending_.push_back(std::move(note)); }) {
+        : converter(std::make_unique<NoWriter>(), [this](Note note) {
+              if (pending_.size() < kMostNotes) pending_.push_back(std::move(note));
+          }) {
         converter.observe(this);
     }
 
     void entryConverted(const ConvertedEntry& converted) override {
-        ReadEntry read{converted.entry, {}};
+        entries.push_back({converted.entry, {converted.notes.begin(), converted.notes.end()}});
         for (Note& note : pending_)
-            if (note.line < converted.entry.line)
-                keepOutside(std::move(note));
-            else
-                read.notes.push_back(std::move(note));
+            if (note.line < converted.entry.line) keepOutside(std::move(note));
         pending_.clear();
-        entries.push_back(std::move(read));
     }
 
     // What was reported since the last entry belongs to none when the file is at its end.
@@ -62,7 +59,7 @@ class EntryStream::Catcher final : public ConversionObserver {
         if (outside.size() < kMostNotes) outside.push_back(std::move(note));
     }
 
-    std::vector<Note> pending_;  // since the last entry
+    std::vector<Note> pending_;  // since the last entry, the first kMostNotes
 };
 
 EntryStream::EntryStream() : catcher_(std::make_unique<Catcher>()) {}
@@ -85,8 +82,12 @@ void EntryStream::write(std::string_view bytes) {
 // wait for more input.
 bool EntryStream::feed() {
     const std::string_view rest = std::string_view(input_).substr(at_);
-    const std::size_t lineEnd = rest.find('\n');
-    if (lineEnd == std::string_view::npos && rest.size() < kLongestWait && !ended_) return false;
+    const std::size_t lineEnd = rest.find('\n', searched_);
+    if (lineEnd == std::string_view::npos && rest.size() < kLongestWait && !ended_) {
+        searched_ = rest.size();
+        return false;
+    }
+    searched_ = 0;
     const std::string_view piece =
         rest.substr(0, lineEnd == std::string_view::npos ? rest.size() : lineEnd + 1);
     at_ += piece.size();

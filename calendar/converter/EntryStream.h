@@ -16,7 +16,7 @@ namespace qel::calendar {
 
 struct ReadEntry {
     Entry entry;
-    std::vector<Note> notes;  // about this entry
+    std::vector<Note> notes;  // about this entry, ConvertedEntry::kMostNotes at most
 };
 
 class EntryStream {
@@ -52,7 +52,8 @@ class EntryStream {
 
     std::unique_ptr<Catcher> catcher_;
     std::string input_;
-    std::size_t at_ = 0;  // in input_
+    std::size_t at_ = 0;        // in input_
+    std::size_t searched_ = 0;  // bytes from there on that hold no line end
     bool scanning_ = false;
     bool begun_ = false;
     bool ended_ = false;
