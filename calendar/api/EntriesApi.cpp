@@ -1,6 +1,7 @@
 // The entries of a calendar as values.
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "calendar/api/Calls.h"
 #include "calendar/api/EntryHandle.h"
@@ -79,9 +80,11 @@ const char* actionName(const Alarm& alarm) {
 const std::vector<std::unique_ptr<qelcal_rules>>& rulesOf(const qelcal_entry& handle) {
     const Entry& entry = handle.entry;
     if (handle.rules.empty() && !entry.rules.empty() && entry.start) {
+        std::vector<std::unique_ptr<qelcal_rules>> made;
         for (const qel::calendar::EntryRule& each : entry.rules)
-            handle.rules.push_back(
+            made.push_back(
                 std::make_unique<qelcal_rules>(each.rules, entry.start, entry.ruleStart()));
+        handle.rules = std::move(made);
     }
     return handle.rules;
 }

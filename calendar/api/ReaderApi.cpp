@@ -12,7 +12,7 @@ namespace api = qel::calendar::api;
 struct qelcal_reader {
     EntryStream stream;
     std::optional<qelcal_entry> entry;  // the current one
-    bool reading = false;               // write() or next() was called
+    bool reading = false;               // write() or end() was called
     bool ended = false;
     mutable api::NoteHandles notes;  // those of the stream that somebody has asked for
 };

@@ -8,6 +8,7 @@
 #include "calendar/api/RulesHandle.h"
 #include "calendar/api/TimeValue.h"
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/rules/RuleRecords.h"
@@ -30,6 +31,8 @@ namespace {
 
 // Past 31 December 2499 the library lists no dates.
 constexpr int kLastYear = 2499;
+constexpr std::optional<calendar::Moment> kLastMoment =
+    calendar::Moment{calendar::dayNumber(kLastYear, 12, 31), 0, true, calendar::Clock::Floating};
 
 int formNumber(calendar::RuleForm form) {
     switch (form) {
@@ -203,6 +206,8 @@ int qelcal_rules_record(const qelcal_rules* rules, size_t rule, size_t index,
                         struct _rruleRepeat* record, int* ordinals) {
     return guarded([=] {
         const HandledRule* handled = ruleAt(rules, rule);
+        if (handled != nullptr && recordsOf(*handled).empty())
+            return fail(QELCAL_INEXPRESSIBLE, "no record can hold the rule");
         if (handled == nullptr || record == nullptr || index >= recordsOf(*handled).size())
             return fail(QELCAL_INVALID_ARGUMENT, "there is no record of that index");
         const calendar::RulePiece& piece = recordsOf(*handled)[index];
@@ -262,20 +267,20 @@ int qelcal_rules_dates(const qelcal_rules* rules, size_t rule, const qelcal_time
             return fail(QELCAL_INVALID_ARGUMENT, "there is no such rule, or no callback");
         if (!rules->start) return fail(QELCAL_WRONG_ORDER, "the rules were read without a start");
         const auto first = since == nullptr ? rules->start : momentOf(*since);
-        const auto last = through == nullptr ? std::nullopt : momentOf(*through);
-        if (!first || (through != nullptr && !last))
-            return fail(QELCAL_INVALID_ARGUMENT, "a time of the range is invalid");
+        const auto last = through == nullptr ? kLastMoment : momentOf(*through);
+        if (!first || !last) return fail(QELCAL_INVALID_ARGUMENT, "a time of the range is invalid");
         calendar::RuleLimits limits;
-        limits.lastYear = last ? std::min(timeOf(*last).year, kLastYear) : kLastYear;
+        limits.lastYear = std::min(timeOf(*last).year, kLastYear);
         // Dates before the range count towards the rule's own count, not towards `most`.
-        const bool fromStart = first->day <= rules->start->day;
+        const bool fromStart = first->seconds() <= rules->start->seconds();
         limits.most = most == 0 || !fromStart ? std::numeric_limits<size_t>::max() : most;
+        const int64_t end = last->seconds() + (last->isDate ? calendar::kDaySeconds - 1 : 0);
         calendar::Moment moment = *rules->start;
         size_t handedOver = 0;
         for (const int day : calendar::expandRule(handled->rule, *rules->ruleStart, limits)) {
-            if (day < first->day) continue;
-            if ((last && day > last->day) || (most != 0 && handedOver++ == most)) break;
             moment.day = day;
+            if (moment.seconds() < first->seconds()) continue;
+            if (moment.seconds() > end || (most != 0 && handedOver++ == most)) break;
             const qelcal_time time = timeOf(moment);
             goOn(date(context, &time));
         }

@@ -41,7 +41,7 @@ struct qelcal_rules {
                  const std::optional<qel::calendar::Moment>& seriesStart,
                  const std::optional<qel::calendar::RuleStart>& rulesStart);
 
-    int form = QELCAL_FORM_ICALENDAR;
+    int form = QELCAL_FORM_ANY;
     bool complete = true;
     std::optional<qel::calendar::Moment> start;
     std::optional<qel::calendar::RuleStart> ruleStart;

@@ -19,6 +19,10 @@ bool isTime(int64_t seconds) {
     return seconds >= 0 && seconds < kEndOfTime;
 }
 
+bool isYear(int year) {
+    return year >= 1900 && year <= 2499;
+}
+
 int refuse() {
     return api::fail(QELCAL_INVALID_ARGUMENT,
                      "there is no zone of that number, the time lies outside the years 1900 to "
@@ -56,7 +60,7 @@ int qelcal_zone_find(const char* name, int* zone) {
 
 int qelcal_zone_knows(int zone, int year) {
     return api::guardedValue(
-        0, [=] { return isZone(zone) && TableZone(zone).knows(year) ? 1 : 0; });
+        0, [=] { return isZone(zone) && isYear(year) && TableZone(zone).knows(year) ? 1 : 0; });
 }
 
 int qelcal_zone_to_utc(int zone, int64_t local, int64_t* utc, int* occurs) {
@@ -83,7 +87,8 @@ int qelcal_zone_offset(int zone, int64_t utc, int64_t* offset) {
 int qelcal_zone_changes(int zone, int year, qelcal_offset_change* changes, size_t room,
                         size_t* count) {
     return api::guarded([=] {
-        if (!isZone(zone) || count == nullptr || (changes == nullptr && room != 0)) return refuse();
+        if (!isZone(zone) || !isYear(year) || count == nullptr || (changes == nullptr && room != 0))
+            return refuse();
         const auto found = TableZone(zone).changesIn(year);
         *count = found.size();
         for (size_t i = 0; i < found.size() && i < room; ++i)

@@ -26,8 +26,8 @@ class Report {
         : body_(new Output(std::move(body))),
           report_(detail::made(qelcal_report_new(&write, body_.get()))) {}
 
-    /// Says what became of a file, 0 for the first: the name of its result, and, where it has no part
-    /// in any result, the reason why.
+    /// Says what became of a file, 0 for the first: the name of its result, and, where it has no
+    /// part in any result, the reason why.
     void result(std::size_t file, const std::string& output, const std::string& reason) {
         detail::check(qelcal_report_result(report_.get(), file, output.c_str(), reason.c_str()));
     }

@@ -20,8 +20,7 @@ namespace qelcal {
 ///
 ///     qelcal::Rules rules("W2 MO WE FR #10", qelcal::Time::read("20050615"));
 ///     rules.text(QELCAL_FORM_ICALENDAR);  // FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR
-///     rules.words();                      // every 2 weeks on Monday, Wednesday and Friday, 10
-///     times
+///     rules.words();  // every 2 weeks on Monday, Wednesday and Friday, 10 times
 class Rules {
   public:
     /// Reads a text whose series starts on `start`; see qelcal_rules_read. Throws Error.

@@ -63,7 +63,7 @@ typedef enum qelcal_result {
     QELCAL_WRONG_ORDER = 6,   /**< the call does not fit here, as write() without begin_file() */
     QELCAL_INVALID_TEXT = 7,  /**< the text is not what it should be: no date, rule, duration */
     QELCAL_ABSENT = 8,        /**< the entry does not have that; no failure */
-    QELCAL_INEXPRESSIBLE = 9, /**< the form asked for cannot hold it */
+    QELCAL_INEXPRESSIBLE = 9, /**< a record cannot hold the rule */
     QELCAL_UNKNOWN_NAME = 10, /**< no zone or character set has that name */
     QELCAL_INTERNAL = 11      /**< a fault of the library; please report it */
 } qelcal_result;
@@ -213,11 +213,12 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_read(const char* text, int for
                                                        qelcal_rules** rules);
 /** Frees what qelcal_rules_read returned; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_rules_free(qelcal_rules* rules);
-/** The qelcal_form that the text was read as. */
+/** The qelcal_form that the text was read as; QELCAL_FORM_ANY for the rules of an entry. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_form(const qelcal_rules* rules);
 /** The number of rules. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_count(const qelcal_rules* rules);
-/** 1 when all of the text was understood; 0 when a part that decides on the dates was not. */
+/** 1 when all of the text was understood; 0 when a part that decides on the dates was not. Always 1
+ * for the rules of an entry, whose notes say what was not understood. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_complete(const qelcal_rules* rules);
 /** How the text was understood. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_note_count(const qelcal_rules* rules);
@@ -238,8 +239,9 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_rules_reason(const qelcal_ru
  * record can hold it. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_record_count(const qelcal_rules* rules,
                                                                   size_t rule);
-/** One of these records. `ordinals`, which may be null, is set to 1 when the record's positions
- * belong to its weekday ("the second Tuesday"), to 0 when they select from each period (BYSETPOS).
+/** One of these records; QELCAL_INEXPRESSIBLE when there are none. `ordinals`, which may be null,
+ * is set to 1 when the record's positions belong to its weekday ("the second Tuesday"), to 0 when
+ * they select from each period (BYSETPOS).
  */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_record(const qelcal_rules* rules, size_t rule,
                                                          size_t index, struct _rruleRepeat* record,
@@ -259,7 +261,8 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_rules_words(const qelcal_rul
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_yields_start(const qelcal_rules* rules,
                                                                size_t rule);
 /** Hands the dates of one rule to `date`, ascending: those from `since` (null: the start) through
- * `through` (null: 31 December 2499), at most `most` of them (0: no limit). As in RFC 5545 the
+ * `through` (null: 31 December 2499, the last day that a rule has dates on), at most `most` of them
+ * (0: no limit). Both are read on the start's clock; a date means the whole day. As in RFC 5545 the
  * start is always the first date and counts as one. The times have the start's time of day and
  * clock. QELCAL_WRONG_ORDER when the rules were read without a start. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_dates(const qelcal_rules* rules, size_t rule,
@@ -339,7 +342,8 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_entry_zone(const qelcal_entr
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_to_utc(const qelcal_entry* entry,
                                                          const qelcal_time* time, qelcal_time* utc);
 
-/** The number of its rule texts (RRULE and EXRULE). */
+/** The number of its rule texts (RRULE and EXRULE). Those that cannot be used, as all of an entry
+ * without a start, are properties (X-ICAL-RRULE, X-VCAL-RRULE) instead. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_entry_rule_count(const qelcal_entry* entry);
 /** One of them as rules with the entry's start; owned by the entry. Null past the last one. */
 QELCALENDAR_API const qelcal_rules* QELCALENDAR_CALL qelcal_entry_rules(const qelcal_entry* entry,
@@ -380,7 +384,7 @@ QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_entry_alarm_count(const qelcal_en
 /** One of them. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_alarm(const qelcal_entry* entry, size_t index,
                                                         qelcal_alarm* alarm);
-/** The number of notes about this entry. */
+/** The number of notes about this entry; the first 1000 are kept. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_entry_note_count(const qelcal_entry* entry);
 /** One of them; it lasts as long as the entry. Null past the last one. */
 QELCALENDAR_API const qelcal_note* QELCALENDAR_CALL qelcal_entry_note(const qelcal_entry* entry,
@@ -410,7 +414,7 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_reader_end(qelcal_reader* reader);
  * qelcal_reader_write or qelcal_reader_end, QELCAL_END follows the last entry. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_reader_next(qelcal_reader* reader,
                                                         const qelcal_entry** entry);
-/** Notes that belong to no entry, so far. */
+/** Notes that belong to no entry, so far; the first 10000 are kept. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_reader_note_count(const qelcal_reader* reader);
 /** One of them; it lasts as long as the reader. Null past the last one. */
 QELCALENDAR_API const qelcal_note* QELCALENDAR_CALL qelcal_reader_note(const qelcal_reader* reader,
@@ -420,7 +424,9 @@ QELCALENDAR_API const qelcal_note* QELCALENDAR_CALL qelcal_reader_note(const qel
  */
 
 /** Converts any number of files into one calendar. The same input gives the same output, always,
- * whatever the size of its pieces. */
+ * whatever the size of its pieces. When a call fails by anything but QELCAL_INVALID_ARGUMENT or
+ * QELCAL_WRONG_ORDER, the calendar is incomplete, and all later calls that would add to it return
+ * QELCAL_WRONG_ORDER. */
 typedef struct qelcal_converter qelcal_converter;
 
 /** A calendar format. */
@@ -444,7 +450,8 @@ typedef struct qelcal_counts {
 /** Receives output. The bytes last until the callback returns. */
 typedef int(QELCALENDAR_CALL* qelcal_write_fn)(void* context, const char* bytes, size_t size);
 
-/** One entry after its conversion. Everything lasts until the callback returns. */
+/** One entry after its conversion. Everything lasts until the callback returns. `source` and
+ * `written` do not end in a NUL. */
 typedef struct qelcal_converted {
     const qelcal_entry* entry; /**< as it was read, with its notes */
     int target;                /**< a qelcal_format: what it was written as */
@@ -460,7 +467,8 @@ typedef int(QELCALENDAR_CALL* qelcal_converted_fn)(void* context,
                                                    const qelcal_converted* converted);
 
 /** A converter to `target`, a qelcal_format. `output` receives the calendar, in pieces; null: it is
- * dropped (a dry run). Null when memory is exhausted. Free it by qelcal_converter_free(). */
+ * dropped (a dry run). Null when memory is exhausted or `target` is not a qelcal_format. Free it by
+ * qelcal_converter_free(). */
 QELCALENDAR_API qelcal_converter* QELCALENDAR_CALL qelcal_converter_new(int target,
                                                                         qelcal_write_fn output,
                                                                         void* context);
@@ -504,22 +512,24 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_counts(const qelcal_conver
  * the page is the head followed by the body. */
 typedef struct qelcal_report qelcal_report;
 
-/** A report whose body goes to `body` as it comes. Null when memory is exhausted. */
+/** A report whose body goes to `body` as it comes. Null when memory is exhausted or `body` is null.
+ */
 QELCALENDAR_API qelcal_report* QELCALENDAR_CALL qelcal_report_new(qelcal_write_fn body,
                                                                   void* context);
 /** Frees it; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_report_free(qelcal_report* report);
 /** From the next file on `report` (null: none) hears of all that `converter` converts. The report
- * must outlive the converter or be taken off it. */
+ * must outlive the converter or be taken off it. Several converters may share one report while only
+ * one of them is within a file: write() and end_file() of another return QELCAL_WRONG_ORDER. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_report(qelcal_converter* converter,
                                                              qelcal_report* report);
 /** Says what became of a file, 0 for the first one that was converted: the name of its result, and,
- * where it has no part in any result, the reason why. Both may be empty. Possible until finish, and
- * more than once. */
+ * where it has no part in any result, the reason why. Both may be empty. Possible until
+ * qelcal_report_finish(), and more than once. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_result(qelcal_report* report, size_t file,
                                                           const char* output, const char* reason);
-/** Ends the body and hands the head to `head`; nothing may follow. `remark` is a sentence about the whole run, or
- * empty. */
+/** Ends the body and hands the head to `head`; nothing may follow. `remark` is a sentence about the
+ * whole run, or empty. QELCAL_WRONG_ORDER while a converter is within a file. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_finish(qelcal_report* report, const char* remark,
                                                           qelcal_write_fn head, void* context);
 
@@ -549,16 +559,17 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_zone_name(int zone);
  * lists what it fits when it fits several. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_find(const char* name, int* zone);
 /** 1 when the zone's changes in `year` are known: the table's years are 1990 to 2010, outside them
- * the offset of the nearest change is used. */
+ * the offset of the nearest change is used. UTC and the computer's own zone are known from 1900 to
+ * 2499. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_knows(int zone, int year);
-/** UTC of a wall-clock time, both in seconds since 1 January 1900; `occurs`, which may be null, is
- * set to a qelcal_occurs. */
+/** UTC of a wall-clock time of the years 1900 to 2499, both in seconds since 1 January 1900;
+ * `occurs`, which may be null, is set to a qelcal_occurs. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_to_utc(int zone, int64_t local, int64_t* utc,
                                                         int* occurs);
-/** The offset at a moment of UTC: local time minus UTC, in seconds. */
+/** The offset at a moment of UTC in the years 1900 to 2499: local time minus UTC, in seconds. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_offset(int zone, int64_t utc, int64_t* offset);
-/** The changes of one year, ascending: writes at most `room` of them to `changes` (which may be
- * null when room is 0) and their number to `count`. */
+/** The changes of one year, 1900 to 2499, ascending: writes at most `room` of them to `changes`
+ * (which may be null when room is 0) and their number to `count`. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_changes(int zone, int year,
                                                          qelcal_offset_change* changes, size_t room,
                                                          size_t* count);
@@ -569,8 +580,8 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_changes(int zone, int year,
 /** 1 when qelcal_text_to_utf8 knows the character set; names are those of MIME, in either case. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_charset_known(const char* name);
 /** Hands `bytes`, a whole text in the character set `name`, to `text` in UTF-8. A byte sequence
- * that is invalid in the set becomes U+FFFD; `replaced`, which may be null, is set to 1 then, else
- * to 0. QELCAL_UNKNOWN_NAME for an unknown set. */
+ * that is invalid in the set becomes U+FFFD; `replaced`, which may be null, is set to 1 when the
+ * result holds that character, else to 0. QELCAL_UNKNOWN_NAME for an unknown set. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_text_to_utf8(const char* name, const void* bytes,
                                                          size_t size, qelcal_write_fn text,
                                                          void* context, int* replaced);
