@@ -21,6 +21,20 @@ void qelcal_report_free(qelcal_report* report) {
     delete report;
 }
 
+int qelcal_report_add_file(qelcal_report* report, const char* name) {
+    if (report == nullptr || name == nullptr)
+        return api::fail(QELCAL_INVALID_ARGUMENT, "the report or the name is null");
+    if (report->finished) return api::fail(QELCAL_WRONG_ORDER, "the report is finished already");
+    if (report->reading != nullptr)
+        return api::fail(QELCAL_WRONG_ORDER, "a file of the report has not ended");
+    return api::guarded([=] {
+        report->endFile();
+        report->report.beginFile(name);
+        report->report.endFile();
+        return int{QELCAL_OK};
+    });
+}
+
 int qelcal_report_result(qelcal_report* report, size_t file, const char* output,
                          const char* reason) {
     if (report == nullptr || output == nullptr || reason == nullptr ||

@@ -26,6 +26,11 @@ class Report {
         : body_(new Output(std::move(body))),
           report_(detail::made(qelcal_report_new(&write, body_.get()))) {}
 
+    /// Adds a file that no converter reads, as one that cannot be opened; result() says why. Not
+    /// while a file is being converted.
+    void addFile(const std::string& name) {
+        detail::check(qelcal_report_add_file(report_.get(), name.c_str()));
+    }
     /// Says what became of a file, 0 for the first: the name of its result, and, where it has no
     /// part in any result, the reason why.
     void result(std::size_t file, const std::string& output, const std::string& reason) {

@@ -523,6 +523,11 @@ QELCALENDAR_API void QELCALENDAR_CALL qelcal_report_free(qelcal_report* report);
  * one of them is within a file: write() and end_file() of another return QELCAL_WRONG_ORDER. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_report(qelcal_converter* converter,
                                                              qelcal_report* report);
+/** Adds a file that no converter reads, as one that cannot be opened; qelcal_report_result says
+ * why. Files are numbered in the order in which they were added or converted. QELCAL_WRONG_ORDER
+ * while a converter is within a file. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_add_file(qelcal_report* report,
+                                                            const char* name);
 /** Says what became of a file, 0 for the first one that was converted: the name of its result, and,
  * where it has no part in any result, the reason why. Both may be empty. Possible until
  * qelcal_report_finish(), and more than once. */
