@@ -64,6 +64,25 @@ class Rules {
     std::string reason(qelcal_form form, std::size_t rule = 0) const {
         return qelcal_rules_reason(get(), rule, form);
     }
+    /// The number of QelUtility's records (QelUtility/RRule.h) that the rule takes together, 0 when
+    /// no record can hold it.
+    std::size_t recordCount(std::size_t rule = 0) const {
+        return qelcal_rules_record_count(get(), rule);
+    }
+    /// Fills in one of these records. True when its positions belong to its weekday; see
+    /// qelcal_rules_record. Throws Error past the last one.
+    bool record(std::size_t index, _rruleRepeat& record, std::size_t rule = 0) const {
+        int ordinals = 0;
+        detail::check(qelcal_rules_record(get(), rule, index, &record, &ordinals));
+        return ordinals != 0;
+    }
+    /// What the records cannot hold.
+    std::vector<Note> recordNotes(std::size_t rule = 0) const {
+        std::vector<Note> all;
+        for (std::size_t i = 0; i < qelcal_rules_record_note_count(get(), rule); ++i)
+            all.emplace_back(qelcal_rules_record_note(get(), rule, i));
+        return all;
+    }
     /// The rule in plain English.
     std::string words(std::size_t rule = 0) const { return qelcal_rules_words(get(), rule); }
     /// True when the rule by itself has an occurrence on the start.

@@ -6,13 +6,15 @@
 #include <sstream>
 #include <vector>
 
-#include "calendar/base/Days.h"
+#include "base/Moment.h"
 
 namespace {
 
 using namespace qel::cli;
-using qel::calendar::dayNumber;
-using qel::calendar::MarkedDay;
+
+int dayNumber(int year, int month, int day) {
+    return codeDateOf(Time{{year, month, day, 0, 0, 0, 1, QELCAL_FLOATING}});
+}
 
 std::string grid(const std::vector<MarkedDay>& days, const MonthGridLayout& layout) {
     std::ostringstream out;

@@ -29,7 +29,7 @@ struct CalendarFiles {
 // files that end in .vcs or .ics count (in either case), at any depth; files and folders whose name
 // begins with a dot do not, nor what is in `except` (a folder of results). Links to files are
 // followed, links to folders below the one that is named are not, so that no walk goes in circles.
-// A folder that cannot be read, or holds no calendar, is told as an error.
+// A folder that cannot be read, or holds no calendar, is reported as an error.
 [[nodiscard]] CalendarFiles calendarFiles(Context& context, const std::vector<std::string>& names,
                                           const std::string& except);
 

@@ -67,7 +67,7 @@ class Context {
 
   private:
     friend class Progress;
-    // What is told is of this kind: its word before the text, and the colour that goes with it.
+    // What a message is: its word before the text, and the colour that goes with it.
     struct Kind;
     void message(const Kind& kind, std::string_view file, std::size_t line, std::string_view text);
 

@@ -3,7 +3,7 @@
 #include "base/Command.h"
 #include "base/Progress.h"
 #include "base/Terminal.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 
 namespace qel::cli {
 
@@ -44,11 +44,11 @@ void Context::message(const Kind& kind, std::string_view file, std::size_t line,
         if (highlight) err_ << "\x1b[0m";
     };
     put("qelutil: ");
-    if (!file.empty()) err_ << calendar::printable(file) << ':';
+    if (!file.empty()) err_ << printable(file) << ':';
     if (line != 0) err_ << line << ':';
     if (!file.empty() || line != 0) err_ << ' ';
     if (!kind.word.empty()) put(kind.word);
-    err_ << calendar::printable(text) << '\n';
+    err_ << printable(text) << '\n';
     err_.flush();
 }
 

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 
 namespace qel::cli {
 

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 
 namespace qel::cli {
 
@@ -11,7 +11,7 @@ std::string jsonText(std::string_view text) {
     std::string value;
     value.reserve(text.size());
     while (!text.empty()) {
-        const std::size_t length = calendar::utf8CharacterLength(text);
+        const std::size_t length = utf8CharacterLength(text);
         if (length == 0) {
             const auto byte = static_cast<unsigned char>(text[0]);
             value += "\\x";

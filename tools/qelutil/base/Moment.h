@@ -1,45 +1,60 @@
-// Dates, date-times and lengths of time as the command line writes them. Any thread.
-//
-// Days are code dates (0 = 1 January 1900), moments seconds since 1 January 1900; the years 1900 to
-// 2499 are all there is.
+// Dates, date-times and lengths of time as the command line writes them, in the years 1900 to 2499.
+// Days are code dates (0 is 1 January 1900). Any thread.
 #ifndef QELUTIL_BASE_MOMENT_H
 #define QELUTIL_BASE_MOMENT_H
 
 #include <cstdint>
 #include <string>
-#include <string_view>
+
+#include "QelCalendar/Times.h"
 
 namespace qel::cli {
 
+using qelcal::Time;
+
 inline constexpr std::int64_t kDaySeconds = 86400;
-inline constexpr std::int64_t kLastCodeDate = 219145;  // 31 December 2499
-inline constexpr std::int64_t kUnixEpochDay = 25567;   // 1 January 1970
-inline constexpr std::int64_t kEndOfTime = (kLastCodeDate + 1) * kDaySeconds;
+inline constexpr int kLastDay = 219145;               // 31 December 2499
+inline constexpr std::int64_t kUnixEpochDay = 25567;  // 1 January 1970
+inline constexpr std::int64_t kEndOfTime = (kLastDay + std::int64_t{1}) * kDaySeconds;
 
-struct Moment {
-    std::int64_t seconds = 0;  // of a date: its midnight
-    bool hasTime = false;
-    bool utc = false;
-};
+// Reads what qelcal::Time::read does; "today"; "now" (in UTC). Throws InputError, which says what
+// is wrong: no such day, no such hour.
+[[nodiscard]] Time readMoment(const std::string& text);
 
-// Reads "20050615", "20050615T083000", either with dashes and colons and with the seconds left out,
-// a "Z" behind the time; "today"; "now" (in UTC). Throws InputError, which names what is wrong: no
-// such day, no such hour.
-[[nodiscard]] Moment readMoment(std::string_view text);
+// The same for the value of a command-line option; throws UsageError, naming the option.
+[[nodiscard]] Time readMomentOf(const std::string& option, const std::string& text);
 
-// The same moment `seconds` later; a date stays one when whole days are added. Throws InputError
-// when it leaves the calendar.
-[[nodiscard]] Moment later(const Moment& moment, std::int64_t seconds);
+// Reads an RFC 5545 duration, "-PT15M" or "P1DT2H", in seconds. Throws InputError, which names the
+// part that does not fit.
+[[nodiscard]] std::int64_t readDuration(const std::string& text);
 
-// "20050615T083000Z", or "20050615" for a date. REQUIRES: 0 <= seconds < kEndOfTime
-[[nodiscard]] std::string momentText(const Moment& moment);
+// Seconds since 1900 as a date-time. REQUIRES: 0 <= seconds < kEndOfTime
+[[nodiscard]] Time momentAt(std::int64_t seconds, bool utc);
 
-// "Wednesday, 15 June 2005, 08:30:00 UTC". REQUIRES: as momentText
-[[nodiscard]] std::string momentWords(const Moment& moment);
+// REQUIRES: 0 <= codeDate <= kLastDay
+[[nodiscard]] Time dateOf(int codeDate);
+[[nodiscard]] int codeDateOf(const Time& time);
 
-// Reads an RFC 2445 (4.3.6) duration, "-PT15M" or "P1DT2H", in seconds. Throws InputError, which
-// names the part that does not fit.
-[[nodiscard]] std::int64_t readDuration(std::string_view text);
+// The same time `seconds` later; a date remains one when whole days are added. Throws InputError
+// when it leaves the years 1900 to 2499.
+[[nodiscard]] Time later(const Time& time, std::int64_t seconds);
+
+[[nodiscard]] inline bool isUtc(const Time& time) {
+    return time.clock == QELCAL_UTC;
+}
+
+// "2005-06-15", of the date alone.
+[[nodiscard]] std::string isoDate(const Time& time);
+[[nodiscard]] inline std::string isoDate(int codeDate) {
+    return isoDate(dateOf(codeDate));
+}
+
+// "Wednesday, 15 June 2005, 08:30:00 UTC"
+[[nodiscard]] std::string momentWords(const Time& time);
+
+// "June" of 1..12, "Wednesday" of 1 Sunday..7.
+[[nodiscard]] const char* monthName(int month);
+[[nodiscard]] const char* weekdayName(int weekday);
 
 // "+P1DT2H"; "PT0S" for nothing.
 [[nodiscard]] std::string durationText(std::int64_t seconds);

@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "calendar/base/CalendarNames.h"
-#include "calendar/base/Days.h"
+#include "base/Moment.h"
 
 namespace qel::cli {
 
@@ -30,30 +29,39 @@ struct Line {
     }
 };
 
-std::string cell(int number, const calendar::MarkedDay* mark, bool highlight) {
+std::string cell(int number, const MarkedDay* mark, bool highlight) {
     const std::string digits = (number < 10 ? " " : "") + std::to_string(number);
     if (mark == nullptr) return " " + digits + " ";
     if (mark->excluded) return highlight ? " \x1b[2;9m" + digits + "\x1b[0m " : "(" + digits + ")";
     return highlight ? " \x1b[7m" + digits + "\x1b[0m " : "[" + digits + "]";
 }
 
-std::vector<Line> monthLines(const calendar::MarkedMonth& month, const MonthGridLayout& layout) {
+// Of the month that begins on `start`.
+int daysInMonth(const Time& start) {
+    int days = 28;
+    while (start.plus(days * kDaySeconds).month == start.month) ++days;
+    return days;
+}
+
+// The month that begins on `start`, with `days` of it marked.
+std::vector<Line> monthLines(const Time& start, std::span<const MarkedDay> days,
+                             const MonthGridLayout& layout) {
     std::vector<Line> lines(2 + kWeeks);
     const std::string title =
-        std::string(calendar::monthName(month.month)) + " " + std::to_string(month.year);
+        std::string(monthName(start.month)) + " " + std::to_string(start.year);
     const std::size_t margin = (kMonthWidth - title.size()) / 2;
     lines[0].add(std::string(margin, ' ') + title, margin + title.size());
     for (int column = 0; column < 7; ++column) {
         const std::chrono::weekday name = layout.firstDayOfWeek + std::chrono::days(column);
         lines[1].add(std::string(" ") + kDays[name.c_encoding()] + " ", kCellWidth);
     }
-    const int first = calendar::dayNumber(month.year, month.month, 1);
-    const std::chrono::weekday firstWeekday(calendar::kDayZero + std::chrono::days(first));
+    const std::chrono::weekday firstWeekday(static_cast<unsigned>(start.weekday() - 1));
     const auto offset = static_cast<std::size_t>((firstWeekday - layout.firstDayOfWeek).count());
     lines[2].add(std::string(offset * kCellWidth, ' '), offset * kCellWidth);
-    auto mark = month.days.begin();
-    for (int number = 1; number <= calendar::daysInMonth(month.year, month.month); ++number) {
-        const bool marked = mark != month.days.end() && mark->day == first + number - 1;
+    const int first = codeDateOf(start);
+    auto mark = days.begin();
+    for (int number = 1; number <= daysInMonth(start); ++number) {
+        const bool marked = mark != days.end() && mark->day == first + number - 1;
         Line& line = lines[2 + (offset + static_cast<std::size_t>(number) - 1) / 7];
         line.add(cell(number, marked ? &*mark : nullptr, layout.highlight), kCellWidth);
         if (marked) ++mark;
@@ -79,7 +87,7 @@ void writeRow(std::ostream& out, const std::vector<std::vector<Line>>& row) {
 
 }  // namespace
 
-void writeMonths(std::ostream& out, std::span<const calendar::MarkedDay> days,
+void writeMonths(std::ostream& out, std::span<const MarkedDay> days,
                  const MonthGridLayout& layout) {
     const auto width = static_cast<std::size_t>(std::max(layout.width, 0));
     const std::size_t perRow = std::max<std::size_t>(1, (width + kGap) / (kMonthWidth + kGap));
@@ -92,8 +100,14 @@ void writeMonths(std::ostream& out, std::span<const calendar::MarkedDay> days,
         writeRow(out, row);
         row.clear();
     };
-    for (const calendar::MarkedMonth& month : calendar::monthsOf(days)) {
-        row.push_back(monthLines(month, layout));
+    while (!days.empty()) {
+        const Time date = dateOf(days.front().day);
+        const Time start = later(date, (1 - date.day) * kDaySeconds);
+        const int next = codeDateOf(start) + daysInMonth(start);
+        std::size_t count = 1;
+        while (count < days.size() && days[count].day < next) ++count;
+        row.push_back(monthLines(start, days.first(count), layout));
+        days = days.subspan(count);
         if (row.size() == perRow) finishRow();
     }
     finishRow();

@@ -6,9 +6,12 @@
 #include <iosfwd>
 #include <span>
 
-#include "calendar/base/MarkedDays.h"
-
 namespace qel::cli {
+
+struct MarkedDay {
+    int day = 0;            // a code date
+    bool excluded = false;  // taken out of its series
+};
 
 struct MonthGridLayout {
     std::chrono::weekday firstDayOfWeek = std::chrono::Sunday;
@@ -19,8 +22,7 @@ struct MonthGridLayout {
 // Writes the months that hold a day of `days`, as many side by side as the page's width takes, with
 // a blank line between rows: [12] for a day of the series, (12) for an excluded one, or highlighted
 // and struck through. No line ends in a blank. REQUIRES: days ascend.
-void writeMonths(std::ostream& out, std::span<const calendar::MarkedDay> days,
-                 const MonthGridLayout& layout);
+void writeMonths(std::ostream& out, std::span<const MarkedDay> days, const MonthGridLayout& layout);
 
 }  // namespace qel::cli
 

@@ -4,7 +4,7 @@
 #include <ostream>
 
 #include "base/Terminal.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "platform/Console.h"
 
 namespace qel::cli {
@@ -50,8 +50,8 @@ void Progress::draw(std::uint64_t done) {
     constexpr std::size_t kNumbers = 8;  // " [] 100%"
     const std::size_t room = static_cast<std::size_t>(errorWidth()) - 1 - kNumbers;
     const std::size_t bar = std::min(kBarWidth, room / 2);
-    std::string line = calendar::printable(label_, room - bar);
-    while (line.size() > room - bar || !calendar::isUtf8(line)) line.pop_back();
+    std::string line = printable(label_, room - bar);
+    while (line.size() > room - bar || !isUtf8(line)) line.pop_back();
     line += ' ';
     if (total_ != 0) {
         const double part = std::min(1.0, static_cast<double>(done) / static_cast<double>(total_));

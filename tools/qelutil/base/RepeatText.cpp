@@ -2,12 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
 
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/VStr.h"
-#include "calendar/base/Days.h"
 
 namespace qel::cli {
 
@@ -45,12 +42,6 @@ std::string problemOf(int code) {
         default:
             return "the library makes no repeat record of it (code " + std::to_string(code) + ")";
     }
-}
-
-std::string dayText(const calendar::RuleStart& start) {
-    char text[48];
-    std::snprintf(text, sizeof text, "%04d%02d%02d", start.year, start.month, start.day);
-    return text;
 }
 
 std::string code(int weekday) {
@@ -120,12 +111,13 @@ std::string pattern(const ZQTR_REPEAT& record) {
 
 }  // namespace
 
-Repeat repeatOf(const calendar::RulePiece& piece, const calendar::RuleStart& start) {
+Repeat repeatOf(const _rruleRepeat& record, const Time& start) {
     Repeat repeat;
-    _rruleRepeat rule = piece.record;
+    _rruleRepeat rule = record;
+    const std::string day = start.text().substr(0, 8);
     int endFromRule = 0;
-    repeat.code = BxUtil_RRuleToBxRepeat(&rule, nullptr, dayText(start).c_str(), &endFromRule,
-                                         &repeat.record, &repeat.warningBits);
+    repeat.code = BxUtil_RRuleToBxRepeat(&rule, nullptr, day.c_str(), &endFromRule, &repeat.record,
+                                         &repeat.warningBits);
     if (repeat.code != 0) {
         repeat.problem = problemOf(repeat.code);
         return repeat;
@@ -133,6 +125,16 @@ Repeat repeatOf(const calendar::RulePiece& piece, const calendar::RuleStart& sta
     for (const Warning& warning : kWarnings)
         if ((repeat.warningBits & warning.bit) != 0) repeat.warnings.emplace_back(warning.text);
     return repeat;
+}
+
+std::vector<Repeat> repeatsOf(const qelcal::Rules& rules, std::size_t rule, const Time& start) {
+    std::vector<Repeat> repeats;
+    for (std::size_t i = 0; i < rules.recordCount(rule); ++i) {
+        _rruleRepeat record;
+        rules.record(i, record, rule);
+        repeats.push_back(repeatOf(record, start));
+    }
+    return repeats;
 }
 
 std::string repeatTypeName(int type) {
@@ -198,13 +200,6 @@ std::vector<int> repeatDates(const std::vector<Repeat>& repeats, std::size_t mos
     all.erase(std::unique(all.begin(), all.end()), all.end());
     if (all.size() > most) all.resize(most);
     return all;
-}
-
-std::string isoDate(int codeDate) {
-    const calendar::Civil date = calendar::civilOf(codeDate);
-    char text[48];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d", date.year, date.month, date.day);
-    return text;
 }
 
 }  // namespace qel::cli

@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "QelCalendar/Rules.h"
+#include "QelUtility/RRule.h"
 #include "QelUtility/RptNext.h"
-#include "calendar/rules/RuleRecords.h"
+#include "base/Moment.h"
 
 namespace qel::cli {
 
@@ -21,8 +23,11 @@ struct Repeat {
         warnings;  // what of the rule the record does not hold, one sentence each
 };
 
-// The repeat record of one piece of a rule, made by the library.
-[[nodiscard]] Repeat repeatOf(const calendar::RulePiece& piece, const calendar::RuleStart& start);
+// The repeat record of a rule's record, made by the library.
+[[nodiscard]] Repeat repeatOf(const _rruleRepeat& record, const Time& start);
+// Those of rule number `rule`.
+[[nodiscard]] std::vector<Repeat> repeatsOf(const qelcal::Rules& rules, std::size_t rule,
+                                            const Time& start);
 
 // "weekly on the selected weekdays"
 [[nodiscard]] std::string repeatTypeName(int type);
@@ -41,9 +46,6 @@ struct Repeat {
 // The same for several records that are one rule together: their dates merged, each once.
 [[nodiscard]] std::vector<int> repeatDates(const std::vector<Repeat>& repeats, std::size_t most,
                                            int lastDay);
-
-// "2005-06-15"
-[[nodiscard]] std::string isoDate(int codeDate);
 
 }  // namespace qel::cli
 

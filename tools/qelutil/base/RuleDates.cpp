@@ -2,30 +2,26 @@
 
 #include <ostream>
 
-#include "base/MonthGrid.h"
-#include "base/RepeatText.h"
 #include "base/Terminal.h"
-#include "calendar/base/CalendarNames.h"
-#include "calendar/base/Days.h"
 
 namespace qel::cli {
 
-std::vector<calendar::MarkedDay> listed(const std::vector<int>& days) {
-    std::vector<calendar::MarkedDay> dates;
+std::vector<MarkedDay> listed(const std::vector<int>& days) {
+    std::vector<MarkedDay> dates;
     dates.reserve(days.size());
     for (const int day : days) dates.push_back({day, false});
     return dates;
 }
 
-void writeDateList(std::ostream& out, const std::vector<calendar::MarkedDay>& dates) {
-    for (const calendar::MarkedDay& date : dates) {
-        const std::string text = isoDate(date.day) + "  " +
-                                 std::string(calendar::weekdayName(calendar::weekdayOf(date.day)));
+void writeDateList(std::ostream& out, const std::vector<MarkedDay>& dates) {
+    for (const MarkedDay& date : dates) {
+        const Time time = dateOf(date.day);
+        const std::string text = isoDate(time) + "  " + weekdayName(time.weekday());
         out << (date.excluded ? " (" + text + ")" : "  " + text) << "\n";
     }
 }
 
-void writeDateGrids(std::ostream& out, const std::vector<calendar::MarkedDay>& dates) {
+void writeDateGrids(std::ostream& out, const std::vector<MarkedDay>& dates) {
     MonthGridLayout layout;
     layout.width = outputWidth();
     layout.highlight = outputHighlights();
@@ -33,16 +29,16 @@ void writeDateGrids(std::ostream& out, const std::vector<calendar::MarkedDay>& d
 }
 
 void writeNotes(Context& context, const ReadRules& read) {
-    for (const calendar::Note& note : read.reading.notes) {
-        switch (note.severity()) {
-            case calendar::Severity::Note:
-                context.note({}, 0, note.text());
+    for (const qelcal::Note& note : read.rules.notes()) {
+        switch (note.severity) {
+            case QELCAL_NOTE:
+                context.note({}, 0, note.text);
                 break;
-            case calendar::Severity::Warning:
-                context.warning({}, 0, note.text());
+            case QELCAL_WARNING:
+                context.warning({}, 0, note.text);
                 break;
-            case calendar::Severity::Error:
-                context.error(note.text());
+            case QELCAL_ERROR:
+                context.error(note.text);
                 break;
         }
     }

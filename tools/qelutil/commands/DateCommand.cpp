@@ -27,7 +27,7 @@ enum class Form { Moment, Day, Seconds, Unix, Duration, Length };
 
 // A value as it was understood: a moment, or a length of time.
 struct Value {
-    std::optional<Moment> moment;
+    std::optional<Time> moment;
     std::int64_t length = 0;
 };
 
@@ -63,12 +63,12 @@ Form formOf(const std::string& text) {
     return sign != std::string::npos && text[sign] == 'P' ? Form::Duration : Form::Moment;
 }
 
-Value momentAt(const std::string& text, std::int64_t seconds, bool hasTime, bool utc) {
+Value checkedMoment(const std::string& text, std::int64_t seconds, bool hasTime, bool utc) {
     if (seconds < 0 || seconds >= kEndOfTime) {
         throw InputError("\"" + text + "\": lies outside the years 1900 to 2499" +
                          (hasTime ? "" : ", which are the days 0 to 219145"));
     }
-    return {Moment{seconds, hasTime, utc}};
+    return {hasTime ? momentAt(seconds, utc) : dateOf(static_cast<int>(seconds / kDaySeconds))};
 }
 
 Value readValue(const std::string& text, const std::string& form) {
@@ -83,16 +83,16 @@ Value readValue(const std::string& text, const std::string& form) {
         case Form::Day: {
             // Held short of what the multiplication would overflow at.
             const std::int64_t day = readNumber(text, text);
-            const bool known = day >= 0 && day <= kLastCodeDate;
-            return momentAt(text, known ? day * kDaySeconds : -1, false, false);
+            const bool known = day >= 0 && day <= kLastDay;
+            return checkedMoment(text, known ? day * kDaySeconds : -1, false, false);
         }
         case Form::Seconds:
-            return momentAt(text, readNumber(text, text), true, false);
+            return checkedMoment(text, readNumber(text, text), true, false);
         case Form::Unix:
-            return momentAt(text,
-                            readNumber(text, text.rfind('@', 0) == 0 ? text.substr(1) : text) +
-                                kUnixEpochDay * kDaySeconds,
-                            true, true);
+            return checkedMoment(text,
+                                 readNumber(text, text.rfind('@', 0) == 0 ? text.substr(1) : text) +
+                                     kUnixEpochDay * kDaySeconds,
+                                 true, true);
         case Form::Duration:
             return {std::nullopt, readDuration(text)};
         case Form::Length:
@@ -109,14 +109,14 @@ Json factsOf(const Value& value) {
                 {"seconds", value.length},
                 {"words", durationWords(value.length)}};
     }
-    const Moment& moment = *value.moment;
-    const std::int64_t day = moment.seconds / kDaySeconds;
-    Json facts = {{"text", momentText(moment)}, {"words", momentWords(moment)}, {"day", day}};
-    if (moment.hasTime) facts["secondOfDay"] = moment.seconds % kDaySeconds;
-    facts["weekday"] = (day + 1) % 7 + 1;
-    facts["seconds"] = moment.seconds;
-    facts["unix"] = moment.seconds - kUnixEpochDay * kDaySeconds;
-    facts["utc"] = moment.utc;
+    const Time& moment = *value.moment;
+    const int day = codeDateOf(moment);
+    Json facts = {{"text", moment.text()}, {"words", momentWords(moment)}, {"day", day}};
+    if (moment.is_date == 0) facts["secondOfDay"] = moment.seconds() % kDaySeconds;
+    facts["weekday"] = moment.weekday();
+    facts["seconds"] = moment.seconds();
+    facts["unix"] = moment.seconds() - kUnixEpochDay * kDaySeconds;
+    facts["utc"] = isUtc(moment);
     return facts;
 }
 
@@ -131,38 +131,38 @@ void writeFacts(std::ostream& out, const Value& value) {
         writeFact(out, "seconds", value.length);
         return;
     }
-    const Moment& moment = *value.moment;
-    const std::int64_t day = moment.seconds / kDaySeconds;
-    out << momentText(moment) << "\n  " << momentWords(moment) << '\n';
+    const Time& moment = *value.moment;
+    const int day = codeDateOf(moment);
+    out << moment.text() << "\n  " << momentWords(moment) << '\n';
     writeFact(out, "day number", day);
-    if (moment.hasTime) writeFact(out, "second of the day", moment.seconds % kDaySeconds);
-    writeFact(out, "weekday", (day + 1) % 7 + 1, " (1 = Sunday)");
-    writeFact(out, "seconds since 1900", moment.seconds);
-    writeFact(out, "Unix time", moment.seconds - kUnixEpochDay * kDaySeconds,
-              moment.utc ? "" : " (if it is UTC)");
+    if (moment.is_date == 0) writeFact(out, "second of the day", moment.seconds() % kDaySeconds);
+    writeFact(out, "weekday", moment.weekday(), " (1 = Sunday)");
+    writeFact(out, "seconds since 1900", moment.seconds());
+    writeFact(out, "Unix time", moment.seconds() - kUnixEpochDay * kDaySeconds,
+              isUtc(moment) ? "" : " (if it is UTC)");
 }
 
 // The value after --add and --until.
 Value applied(const std::string& text, const Value& value, const Options& options,
-              const std::optional<Moment>& until) {
+              const std::optional<Time>& until) {
     if (options.add.empty() && !until) return value;
     const std::int64_t added = options.add.empty() ? 0 : readDuration(options.add);
     if (!value.moment) {
         if (until) throw InputError("\"" + text + "\": --until needs a date, not a duration");
         return {std::nullopt, value.length + added};
     }
-    const Moment start = later(*value.moment, added);
+    const Time start = later(*value.moment, added);
     if (!until) return {start};
-    if (start.hasTime && until->hasTime && start.utc != until->utc) {
+    if (start.is_date == 0 && until->is_date == 0 && isUtc(start) != isUtc(*until)) {
         throw InputError(
             "\"" + text +
             "\": one of the two times is UTC and the other is not; see `qelutil zone --help`");
     }
-    return {std::nullopt, until->seconds - start.seconds};
+    return {std::nullopt, until->seconds() - start.seconds()};
 }
 
 void run(Context& context, const Options& options) {
-    std::optional<Moment> until;
+    std::optional<Time> until;
     try {
         if (!options.until.empty()) until = readMoment(options.until);
         if (!options.add.empty()) static_cast<void>(readDuration(options.add));

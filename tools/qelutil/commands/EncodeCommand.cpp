@@ -8,7 +8,7 @@
 #include "QelUtility/BxQuotedPrintable.h"
 #include "base/Progress.h"
 #include "base/Source.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -110,7 +110,7 @@ std::size_t bodyCut(std::string_view text) {
         const auto lead = static_cast<unsigned char>(text[cut - 1 - back]);
         if ((lead & 0xC0U) == 0x80U) continue;
         const std::string_view character = text.substr(cut - 1 - back, 4);
-        if (lead >= 0xC0U && calendar::utf8CharacterLength(character) != back + 1) cut -= back + 1;
+        if (lead >= 0xC0U && utf8CharacterLength(character) != back + 1) cut -= back + 1;
         break;
     }
     return cut;

@@ -9,9 +9,7 @@
 #include "base/RepeatText.h"
 #include "base/RuleArguments.h"
 #include "base/RuleDates.h"
-#include "calendar/base/Days.h"
-#include "calendar/base/Text.h"
-#include "calendar/rules/Occurrences.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -38,13 +36,18 @@ struct Range {
 Range rangeOf(const Options& options, int start) {
     Range range;
     range.first =
-        options.since.empty() ? start : codeDateOf(dateArgument("--since", options.since));
+        options.since.empty() ? start : codeDateOf(readMomentOf("--since", options.since));
     if (options.through.empty()) {
-        const calendar::Civil first = calendar::civilOf(range.first);
-        range.last =
-            std::min(kLastDay, calendar::dayNumber(first.year + 1, first.month, first.day) - 1);
+        Time next = dateOf(range.first);
+        ++next.year;
+        // A leap day has no anniversary.
+        if (next.month == 2 && next.day == 29) {
+            next.month = 3;
+            next.day = 1;
+        }
+        range.last = std::min(kLastDay, codeDateOf(next) - 1);
     } else {
-        range.last = codeDateOf(dateArgument("--through", options.through));
+        range.last = codeDateOf(readMomentOf("--through", options.through));
     }
     if (range.last < range.first)
         throw UsageError(
@@ -59,7 +62,7 @@ std::set<int> excludedDays(const std::vector<std::string>& lists) {
         while (at <= list.size()) {
             const std::size_t end = std::min(list.find_first_of(",;", at), list.size());
             const std::string item = list.substr(at, end - at);
-            if (!item.empty()) days.insert(codeDateOf(dateArgument("--exclude", item)));
+            if (!item.empty()) days.insert(codeDateOf(readMomentOf("--exclude", item)));
             at = end + 1;
         }
     }
@@ -67,32 +70,29 @@ std::set<int> excludedDays(const std::vector<std::string>& lists) {
 }
 
 // The dates up to the range's end, as the rule means them or as its repeat records give them.
-std::vector<int> datesOf(Context& context, const calendar::Rule& rule, const Options& options,
-                         const calendar::RuleStart& start, int last) {
-    constexpr std::size_t kAll = kLastDay + 1;  // there are no more days
+std::vector<int> datesOf(Context& context, const ReadRules& read, std::size_t rule,
+                         const Options& options, int last) {
     if (!options.record) {
-        calendar::RuleLimits limits;
-        limits.most = kAll;
-        limits.lastYear = calendar::civilOf(last).year;
-        return calendar::expandRule(rule, start, limits);
+        std::vector<int> dates;
+        for (const Time& date : read.rules.dates(read.start, dateOf(last), rule))
+            dates.push_back(codeDateOf(date));
+        return dates;
     }
     std::vector<Repeat> repeats;
-    for (const calendar::RulePiece& piece : calendar::rulePieces(rule, nullptr)) {
-        Repeat repeat = repeatOf(piece, start);
-        if (repeat.code != 0) {
+    for (const Repeat& repeat : repeatsOf(read.rules, rule, read.start))
+        if (repeat.code == 0)
+            repeats.push_back(repeat);
+        else
             context.error("no repeat record: " + repeat.problem + "; leave --record out");
-            continue;
-        }
-        repeats.push_back(repeat);
-    }
+    constexpr std::size_t kAll = kLastDay + 1;  // there are no more days
     return repeatDates(repeats, kAll, last);
 }
 
 // The dates inside the range; what was excluded is marked and does not count towards `most` (0 for
 // all). REQUIRES: dates ascend, each once.
-std::vector<calendar::MarkedDay> select(const std::vector<int>& dates, const Range& range,
-                                        const std::set<int>& excluded, std::size_t most) {
-    std::vector<calendar::MarkedDay> chosen;
+std::vector<MarkedDay> select(const std::vector<int>& dates, const Range& range,
+                              const std::set<int>& excluded, std::size_t most) {
+    std::vector<MarkedDay> chosen;
     std::size_t kept = 0;
     for (const int date : dates) {
         if (date < range.first || date > range.last) continue;
@@ -113,14 +113,14 @@ void noteStrayExclusions(Context& context, const std::vector<int>& dates, const 
 }
 
 void writeResult(Context& context, const Options& options, const Range& range,
-                 const std::vector<calendar::MarkedDay>& dates) {
+                 const std::vector<MarkedDay>& dates) {
     if (options.json) {
         Json document{{"text", jsonText(options.rule.text)},
                       {"since", isoDate(range.first)},
                       {"through", isoDate(range.last)},
                       {"dates", Json::array()},
                       {"excluded", Json::array()}};
-        for (const calendar::MarkedDay& date : dates)
+        for (const MarkedDay& date : dates)
             document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
         writeJson(context.out, document);
     } else if (options.calendar) {
@@ -141,8 +141,8 @@ void run(Context& context, const Options& options) {
     const Range range = rangeOf(options, codeDateOf(read.start));
     const std::set<int> excluded = excludedDays(options.excluded);
     std::vector<int> dates;
-    for (const calendar::Rule& rule : read.reading.rules) {
-        const std::vector<int> more = datesOf(context, rule, options, read.start, range.last);
+    for (std::size_t rule = 0; rule < read.rules.count(); ++rule) {
+        const std::vector<int> more = datesOf(context, read, rule, options, range.last);
         dates.insert(dates.end(), more.begin(), more.end());
     }
     std::sort(dates.begin(), dates.end());

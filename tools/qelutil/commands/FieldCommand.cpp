@@ -8,7 +8,7 @@
 
 #include "QelUtility/BxFieldIDs.h"
 #include "base/Json.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

@@ -10,7 +10,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "base/Json.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -139,12 +139,12 @@ Tail tailOf(const std::string& path, std::size_t most) {
 
 void showText(Context& context, const Tail& tail) {
     std::ostream& out = context.out;
-    out << "log      " << calendar::printable(BxTrace_GetLogFilePath());
+    out << "log      " << printable(BxTrace_GetLogFilePath());
     if (tail.size)
         out << " (" << *tail.size << " bytes)\n";
     else
         out << " (not there yet, or not readable)\n";
-    out << "options  " << calendar::printable(BxTrace_GetOptionsFilePath()) << "\n\n";
+    out << "options  " << printable(BxTrace_GetOptionsFilePath()) << "\n\n";
     for (const TraceOption& option : kOptions) {
         const std::string key = option.key;
         const std::string value = textOf(option, valueOf(option));
@@ -152,7 +152,7 @@ void showText(Context& context, const Tail& tail) {
             << std::string(value.size() < 9 ? 9 - value.size() : 1, ' ') << option.meaning << '\n';
     }
     if (!tail.lines.empty()) out << '\n';
-    for (const std::string& line : tail.lines) out << calendar::printable(line) << '\n';
+    for (const std::string& line : tail.lines) out << printable(line) << '\n';
 }
 
 void showJson(Context& context, const Tail& tail) {

@@ -7,19 +7,12 @@
 #include "base/RepeatText.h"
 #include "base/RuleArguments.h"
 #include "base/RuleDates.h"
-#include "calendar/base/Text.h"
-#include "calendar/rules/Occurrences.h"
-#include "calendar/rules/RuleSentence.h"
-#include "calendar/rules/RuleWriteICalendar.h"
-#include "calendar/rules/RuleWriteVCalendar.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
 
 namespace {
-
-using calendar::Rule;
-using calendar::RuleForm;
 
 constexpr std::size_t kMostDates = 100000;
 
@@ -35,7 +28,8 @@ struct Options {
 struct Explained {
     std::string sentence;
     std::string ical;
-    calendar::VCalendarRule v10;
+    std::vector<std::string> v10;
+    std::string v10Reason;  // what vCalendar 1.0 cannot hold
     std::vector<std::string> positional;
     std::vector<Repeat> repeats;
     std::vector<std::string> warnings;  // of the records, each once
@@ -80,25 +74,24 @@ void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& da
     warnings.push_back(text);
 }
 
-Explained explain(const Rule& rule, const calendar::RuleStart& start, std::size_t count) {
+Explained explain(const ReadRules& read, std::size_t rule, std::size_t count) {
+    const qelcal::Rules& rules = read.rules;
     Explained explained;
-    explained.sentence = calendar::ruleSentence(rule, start);
-    explained.ical = calendar::iCalendarText(rule);
-    explained.v10 = calendar::vCalendarTexts(rule, start);
-    explained.positional = calendar::positionalTexts(rule);
-    std::vector<calendar::Note> notes;
-    for (const calendar::RulePiece& piece : calendar::rulePieces(rule, &notes))
-        explained.repeats.push_back(repeatOf(piece, start));
+    explained.sentence = rules.words(rule);
+    explained.ical = rules.text(QELCAL_FORM_ICALENDAR, rule);
+    explained.v10 = rules.texts(QELCAL_FORM_VCALENDAR, rule);
+    explained.v10Reason = rules.reason(QELCAL_FORM_VCALENDAR, rule);
+    explained.positional = rules.texts(QELCAL_FORM_POSITIONAL, rule);
+    explained.repeats = repeatsOf(rules, rule, read.start);
     const auto warn = [&](const std::string& text) {
         auto& all = explained.warnings;
         if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
     };
-    for (const calendar::Note& note : notes) warn(note.text());
+    for (const qelcal::Note& note : rules.recordNotes(rule)) warn(note.text);
     for (const Repeat& repeat : explained.repeats)
         for (const std::string& warning : repeat.warnings) warn(warning);
-    calendar::RuleLimits limits;
-    limits.most = count + 1;
-    explained.dates = calendar::expandRule(rule, start, limits);
+    for (const Time& date : rules.dates(count + 1, rule))
+        explained.dates.push_back(codeDateOf(date));
     explained.more = explained.dates.size() > count;
     if (explained.more) explained.dates.resize(count);
     compareDates(explained.repeats, explained.dates, explained.more, explained.warnings);
@@ -109,12 +102,12 @@ void line(std::ostream& out, const char* label, const std::string& text) {
     constexpr std::size_t kLabelWidth = 15;
     std::string padded = label;
     padded.resize(std::max(padded.size(), kLabelWidth), ' ');
-    out << "  " << padded << calendar::printable(text) << "\n";
+    out << "  " << padded << printable(text) << "\n";
 }
 
 void writeForms(std::ostream& out, const Explained& explained) {
-    for (const std::string& text : explained.v10.texts) line(out, "vCalendar 1.0", text);
-    if (explained.v10.texts.empty()) line(out, "vCalendar 1.0", "none: " + explained.v10.reason);
+    for (const std::string& text : explained.v10) line(out, "vCalendar 1.0", text);
+    if (explained.v10.empty()) line(out, "vCalendar 1.0", "none: " + explained.v10Reason);
     line(out, "iCalendar", explained.ical);
     for (const std::string& text : explained.positional) line(out, "positional", text);
 }
@@ -140,7 +133,7 @@ void writeText(std::ostream& out, const Explained& explained, const Options& opt
     writeForms(out, explained);
     writeRepeats(out, explained);
     out << "\n";
-    const std::vector<calendar::MarkedDay> dates = listed(explained.dates);
+    const std::vector<MarkedDay> dates = listed(explained.dates);
     if (options.calendar)
         writeDateGrids(out, dates);
     else
@@ -169,29 +162,29 @@ Json repeatJson(const Repeat& repeat) {
 
 Json ruleJson(const Explained& explained) {
     Json json{{"sentence", explained.sentence},
-              {"v10", explained.v10.texts},
-              {"v10Reason", explained.v10.reason},
+              {"v10", explained.v10},
+              {"v10Reason", explained.v10Reason},
               {"ical", explained.ical},
               {"positional", explained.positional},
               {"repeats", Json::array()},
               {"warnings", explained.warnings},
               {"dates", Json::array()},
               {"more", explained.more}};
-    if (explained.v10.reason.empty()) json.erase("v10Reason");
+    if (explained.v10Reason.empty()) json.erase("v10Reason");
     for (const Repeat& repeat : explained.repeats) json["repeats"].push_back(repeatJson(repeat));
     for (const int date : explained.dates) json["dates"].push_back(isoDate(date));
     return json;
 }
 
 // Only the texts of one form, one a line.
-void writeOneForm(Context& context, const std::vector<Explained>& all, RuleForm form) {
+void writeOneForm(Context& context, const std::vector<Explained>& all, qelcal_form form) {
     for (const Explained& explained : all) {
         std::vector<std::string> texts = {explained.ical};
-        if (form == RuleForm::VCalendar10) texts = explained.v10.texts;
-        if (form == RuleForm::Positional) texts = explained.positional;
+        if (form == QELCAL_FORM_VCALENDAR) texts = explained.v10;
+        if (form == QELCAL_FORM_POSITIONAL) texts = explained.positional;
         if (texts.empty()) {
             context.error("\"" + explained.sentence + "\" has no vCalendar 1.0 form: " +
-                          explained.v10.reason + "; `qelutil expand` lists its dates");
+                          explained.v10Reason + "; `qelutil expand` lists its dates");
         }
         for (const std::string& text : texts) context.out << text << "\n";
     }
@@ -201,17 +194,17 @@ void run(Context& context, const Options& options) {
     const ReadRules read = readRuleArguments(options.rule);
     writeNotes(context, read);
     std::vector<Explained> all;
-    for (const Rule& rule : read.reading.rules)
-        all.push_back(explain(rule, read.start, options.count));
+    for (std::size_t rule = 0; rule < read.rules.count(); ++rule)
+        all.push_back(explain(read, rule, options.count));
     if (options.json) {
         Json document{{"text", jsonText(options.rule.text)},
-                      {"form", nameOfForm(read.form)},
-                      {"start", isoDate(codeDateOf(read.start))},
-                      {"complete", read.reading.complete},
+                      {"form", nameOfForm(read.rules.form())},
+                      {"start", isoDate(read.start)},
+                      {"complete", read.rules.complete()},
                       {"notes", Json::array()},
                       {"rules", Json::array()}};
-        for (const auto& note : read.reading.notes)
-            document["notes"].push_back(jsonText(note.text()));
+        for (const qelcal::Note& note : read.rules.notes())
+            document["notes"].push_back(jsonText(note.text));
         for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
         writeJson(context.out, document);
     } else if (!options.to.empty()) {

@@ -5,7 +5,7 @@
 
 #include "QelUtility/BxStatusNames.h"
 #include "base/Json.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {

@@ -12,7 +12,7 @@
 #include "base/Json.h"
 #include "base/Progress.h"
 #include "base/Source.h"
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 #include "platform/Console.h"
 
@@ -289,8 +289,7 @@ class Dump {
                         {"text", jsonText(text)},
                         {"number", number}});
         } else {
-            std::ostream& out = showPlace(offset)
-                                << '"' << calendar::printable(jsonText(text)) << '"';
+            std::ostream& out = showPlace(offset) << '"' << printable(jsonText(text)) << '"';
             if (!number.is_null()) out << "  " << number.dump();
             out << '\n';
         }
@@ -302,7 +301,7 @@ class Dump {
             array_.add(
                 {{"value", number_}, {"offset", offset}, {"type", type}, {"content", content}});
         } else {
-            showPlace(offset) << type << "  " << calendar::printable(content.dump()) << '\n';
+            showPlace(offset) << type << "  " << printable(content.dump()) << '\n';
         }
         ++number_;
     }

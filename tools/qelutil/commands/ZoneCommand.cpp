@@ -38,8 +38,7 @@ struct Options {
 };
 
 int thisYear() {
-    return std::atoi(
-        momentText({ZQ_GetCurrentDate() * kDaySeconds, false, false}).substr(0, 4).c_str());
+    return dateOf(ZQ_GetCurrentDate()).year;
 }
 
 void noteYear(Context& context, const Zone& zone, int year) {
@@ -86,8 +85,8 @@ void list(Context& context, const Options& options) {
 
 // A time before and after, with the offsets from UTC that it has in the two zones.
 struct Conversion {
-    Moment input;
-    Moment output;
+    Time input;
+    Time output;
     std::int64_t inputOffset;
     std::int64_t outputOffset;
 };
@@ -104,41 +103,37 @@ void noteKind(Context& context, const std::string& text, qelcal_occurs occurs, c
     }
 }
 
-int yearOf(const Moment& moment) {
-    return std::atoi(momentText(moment).substr(0, 4).c_str());
-}
-
 // Without a zone, a local text comes from the computer's own and goes to UTC, and a UTC text goes
 // to the computer's own.
 Conversion convertOne(Context& context, const std::string& text, std::optional<Zone> from,
                       std::optional<Zone> to) {
     Conversion result{};
     result.input = readMoment(text);
-    if (!result.input.hasTime) {
+    if (result.input.is_date != 0) {
         throw InputError(
             "\"" + text +
             "\": a date without a time is the same in every zone; add one, as in 20050615T083000");
     }
-    Moment utc = result.input;
-    utc.utc = true;
-    if (result.input.utc) {
+    Time utc = result.input;
+    utc.clock = QELCAL_UTC;
+    if (isUtc(result.input)) {
         if (from && from->name() != "UTC") {
             throw InputError("\"" + text +
                              "\": the Z says that it is UTC; leave the Z or --from out");
         }
     } else {
         const Zone zone = from ? *from : zoneNamed("local");
-        noteYear(context, zone, yearOf(result.input));
-        const qelcal::UtcTime time = zone.toUtc(result.input.seconds);
+        noteYear(context, zone, result.input.year);
+        const qelcal::UtcTime time = zone.toUtc(result.input.seconds());
         noteKind(context, text, time.occurs, zone);
-        result.inputOffset = result.input.seconds - time.utc;
-        utc = later(utc, time.utc - result.input.seconds);
+        result.inputOffset = result.input.seconds() - time.utc;
+        utc = later(utc, time.utc - result.input.seconds());
     }
-    const Zone target = to ? *to : zoneNamed(result.input.utc ? "local" : "UTC");
-    noteYear(context, target, yearOf(utc));
-    result.outputOffset = target.offset(utc.seconds);
+    const Zone target = to ? *to : zoneNamed(isUtc(result.input) ? "local" : "UTC");
+    noteYear(context, target, utc.year);
+    result.outputOffset = target.offset(utc.seconds());
     result.output = later(utc, result.outputOffset);
-    result.output.utc = target.name() == "UTC";
+    result.output.clock = target.name() == "UTC" ? QELCAL_UTC : QELCAL_FLOATING;
     return result;
 }
 
@@ -152,13 +147,13 @@ void convert(Context& context, const Options& options) {
         try {
             const Conversion result = convertOne(context, text, from, to);
             if (options.json) {
-                document.push_back({{"input", momentText(result.input)},
+                document.push_back({{"input", result.input.text()},
                                     {"inputOffset", offsetText(result.inputOffset)},
-                                    {"output", momentText(result.output)},
+                                    {"output", result.output.text()},
                                     {"outputOffset", offsetText(result.outputOffset)}});
             } else {
-                context.out << momentText(result.input) << " (" << offsetText(result.inputOffset)
-                            << ") = " << momentText(result.output) << " ("
+                context.out << result.input.text() << " (" << offsetText(result.inputOffset)
+                            << ") = " << result.output.text() << " ("
                             << offsetText(result.outputOffset) << ")\n";
             }
         } catch (const InputError& problem) {
@@ -189,15 +184,15 @@ void changes(Context& context, const Options& options) {
                     << (found.empty() ? ": no change of offset\n" : ":\n");
     }
     for (const qelcal_offset_change& change : found) {
-        const Moment local{change.local, true, false};
-        const std::string utc = momentText(later({change.local, true, true}, -change.before));
+        const Time local = momentAt(change.local, false);
+        const std::string utc = momentAt(change.local - change.before, true).text();
         if (options.json) {
-            document.push_back({{"local", momentText(local)},
+            document.push_back({{"local", local.text()},
                                 {"utc", utc},
                                 {"before", offsetText(change.before)},
                                 {"after", offsetText(change.after)}});
         } else {
-            context.out << "  " << momentText(local) << "  " << offsetText(change.before) << " to "
+            context.out << "  " << local.text() << "  " << offsetText(change.before) << " to "
                         << offsetText(change.after) << "  " << utc << "  " << momentWords(local)
                         << '\n';
         }

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "calendar/base/Text.h"
+#include "base/Text.h"
 #include "pages/Pages.h"
 
 namespace qel::cli {
@@ -24,7 +24,7 @@ std::string roff(std::string_view text, bool dashes = false) {
     std::string result;
     if (!text.empty() && (text[0] == '.' || text[0] == '\'')) result = "\\&";
     for (char before = ' '; !text.empty();) {
-        const std::size_t length = std::max<std::size_t>(calendar::utf8CharacterLength(text), 1);
+        const std::size_t length = std::max<std::size_t>(utf8CharacterLength(text), 1);
         if (length > 1) {
             unsigned code = static_cast<unsigned char>(text[0]) & (0xFFU >> (length + 1));
             for (std::size_t i = 1; i < length; ++i)
