@@ -92,6 +92,17 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
         const Json document = runJson(arguments, input);
         EXPECT_EQ(schema.faultOf(name, document), "") << document.dump(2);
     }
+    // The facts of one message agree with each other and with the sum.
+    const Json file = runJson({"convert", "-n", "--json"}, calendar)["files"][0];
+    ASSERT_FALSE(file["messages"].empty());
+    std::size_t lost = 0;
+    for (const Json& message : file["messages"]) {
+        EXPECT_GE(message["code"], 100) << message;
+        EXPECT_NE(message["name"], "") << message;
+        EXPECT_EQ(message["notCarriedOver"], message["fate"] == "lost") << message;
+        if (message["notCarriedOver"]) ++lost;
+    }
+    EXPECT_EQ(file["notCarriedOver"], lost);
     // What the schema does not say is a fault, so that the test can fail.
     EXPECT_NE(schema.faultOf("zone list", Json::parse(R"([{"number": "1"}])")), "");
 }

@@ -8,7 +8,6 @@
 #include <fstream>
 #include <iosfwd>
 #include <memory>
-#include <streambuf>
 #include <string>
 
 #include "base/Command.h"
@@ -70,12 +69,6 @@ class OutputFile {
     std::string name_;
     std::filesystem::path target_;
     std::filesystem::path temporary_;
-};
-
-// For an output stream whose text goes nowhere.
-class NoBytes : public std::streambuf {
-    int_type overflow(int_type c) override { return traits_type::not_eof(c); }
-    std::streamsize xsputn(const char*, std::streamsize size) override { return size; }
 };
 
 }  // namespace qel::cli

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "QelCalendar/Notes.h"
 #include "base/Command.h"
-#include "calendar/base/Notes.h"
 
 namespace qel::cli {
 
@@ -14,24 +14,23 @@ class ConvertMessages {
   public:
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
-    // False when it is not shown: its severity is Note, or there are too many before it.
-    bool show(const calendar::Note& note) {
-        using calendar::Severity;
-        if (note.severity() == Severity::Error) context_.setBadInput();
-        if (note.severity() == Severity::Note && !verbose_) return false;
+    // False when it is not shown: it is only a note, or there are too many before it.
+    bool show(const qelcal::Note& note) {
+        if (note.severity == QELCAL_ERROR) context_.setBadInput();
+        if (note.severity == QELCAL_NOTE && !verbose_) return false;
         if (!verbose_ && ++shown_ > kMost) {
             ++hidden_;
             return false;
         }
-        switch (note.severity()) {
-            case Severity::Error:
-                context_.error(note.file, note.line, note.text());
+        switch (note.severity) {
+            case QELCAL_ERROR:
+                context_.error(note.file, note.line, note.text);
                 break;
-            case Severity::Warning:
-                context_.warning(note.file, note.line, note.text());
+            case QELCAL_WARNING:
+                context_.warning(note.file, note.line, note.text);
                 break;
-            case Severity::Note:
-                context_.note(note.file, note.line, note.text());
+            case QELCAL_NOTE:
+                context_.note(note.file, note.line, note.text);
                 break;
         }
         return true;

@@ -1,24 +1,22 @@
 #include "commands/ConvertRun.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <ostream>
 #include <set>
-#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
+#include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Progress.h"
 #include "base/Spool.h"
-#include "calendar/base/Text.h"
-#include "calendar/converter/Converter.h"
-#include "calendar/report/ConversionReport.h"
-#include "calendar/report/Outcome.h"
+#include "base/Text.h"
 #include "commands/ConvertMessages.h"
 #include "commands/ConvertSummary.h"
 #include "commands/ReportFile.h"
@@ -29,19 +27,20 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using calendar::CalendarFormat;
-
 constexpr char kStrictReason[] = "there are warnings or errors, and --strict wants none";
 
-std::optional<CalendarFormat> targetOf(const std::string& name) {
-    if (name == "ics") return CalendarFormat::ICalendar;
-    if (name == "vcs") return CalendarFormat::VCalendar10;
-    return std::nullopt;
+qelcal_format targetOf(const std::string& name) {
+    if (name == "ics") return QELCAL_ICALENDAR;
+    return name == "vcs" ? QELCAL_VCALENDAR : QELCAL_OTHER;
 }
 
-template <class Input>
-calendar::ByteSource sourceOf(Input& input) {
-    return [&input](char* bytes, std::size_t room) { return input.read(bytes, room); };
+// Calls `take` for all bytes of `input`; the number of bytes read so far comes third.
+template <class Input, class Take>
+void readAll(Input& input, Take take) {
+    std::vector<char> buffer(std::size_t{64} << 10);
+    std::uint64_t done = 0;
+    while (const std::size_t got = input.read(buffer.data(), buffer.size()))
+        take(buffer.data(), got, done += got);
 }
 
 bool isStandardStream(const std::string& name) {
@@ -61,26 +60,31 @@ std::string withoutCase(std::string name) {
 }
 
 // The report and the file that it goes to.
-class Report {
+class RunReport {
   public:
-    Report(Context& context, const std::string& name)
-        : file_(context, name), page_([this](std::string_view text) { file_.addToBody(text); }) {}
+    RunReport(Context& context, const std::string& name)
+        : file_(context, name), page_([this](const char* bytes, std::size_t size) {
+              file_.addToBody({bytes, size});
+          }) {}
 
-    [[nodiscard]] calendar::ConversionReport& page() { return page_; }
+    [[nodiscard]] qelcal::Report& page() { return page_; }
 
-    void finish(const std::string& remark, const std::vector<calendar::FileOutcome>& outcomes) {
+    void finish(const std::string& remark, const std::vector<FileOutcome>& outcomes) {
         for (std::size_t i = 0; i < outcomes.size(); ++i)
-            page_.settle(i, outcomes[i].output, outcomes[i].reason);
-        page_.finish(remark, [this](std::string_view text) { file_.addToHead(text); });
+            page_.result(i, outcomes[i].output, outcomes[i].reason);
+        std::string head;
+        page_.finish(remark,
+                     [&](const char* bytes, std::size_t size) { head.append(bytes, size); });
+        file_.addToHead(head);
         file_.commit();
     }
 
   private:
     ReportFile file_;
-    calendar::ConversionReport page_;
+    qelcal::Report page_;
 };
 
-class ConvertRun : private calendar::ConversionObserver {
+class ConvertRun {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
         : context_(context), options_(options), messages_(context, options.verbose) {
@@ -106,86 +110,117 @@ class ConvertRun : private calendar::ConversionObserver {
     }
 
   private:
-    [[nodiscard]] calendar::NoteSink sink() {
-        return [this](const calendar::Note& note) {
-            tally_.note(note);
-            if (messages_.show(note)) shown_.back().push_back(note);
-            if (report_) report_->page().note(note);
-        };
-    }
-
-    [[nodiscard]] bool wantsLines() const override { return report_.has_value(); }
-
-    void entryConverted(const calendar::ConvertedEntry& converted) override {
-        tally_.entryConverted(converted);
-        if (report_) report_->page().entryConverted(converted);
+    // Tells `converter` who hears of its notes and entries.
+    void listenTo(qelcal::Converter& converter) {
+        converter.onNote([this](const qelcal::Note& note) {
+            if (messages_.show(note)) outcomes_.back().shown.push_back(note);
+        });
+        if (report_) converter.reportTo(&report_->page());
     }
 
     void beginFile(const CalendarFile& file) {
         const std::string name = isStandardStream(file.name) ? kStandardInput : file.name;
-        tally_.beginFile(name);
-        shown_.emplace_back();
-        if (report_) report_->page().beginFile(name);
+        outcomes_.emplace_back().file = name;
+        reported_ = false;
         progress_->relabel(files_.size() == 1 ? name
-                                              : std::to_string(shown_.size()) + "/" +
+                                              : std::to_string(outcomes_.size()) + "/" +
                                                     std::to_string(files_.size()) + " " + name);
     }
 
+    // The report has every file, also those that no converter has seen.
     void endFile() {
-        if (report_) report_->page().endFile();
+        if (report_ && !reported_) report_->page().addFile(outcomes_.back().file);
     }
 
     // What became of the file that was begun last. A file with a reason is in no result.
     void settle(const std::string& output, const std::string& reason) {
-        tally_.settle(tally_.files().size() - 1, output, reason);
+        outcomes_.back().output = output;
+        outcomes_.back().reason = reason;
     }
 
     // Converts one file; the reason why it could not be read to its end, or nothing.
-    std::string convertFile(calendar::Converter& converter, const CalendarFile& file) {
-        converter.observe(this);
-        const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
+    std::string convertFile(qelcal::Converter& converter, const CalendarFile& file) {
+        const std::uint64_t sizeBefore = std::exchange(sizeDone_, sizeDone_ + file.size);
+        const qelcal_counts before = converter.counts();
+        std::string problem;
         try {
-            readFile(converter, file.name,
-                     [&](std::uint64_t done) { progress_->update(before + done); });
-            return {};
-        } catch (const InputError& problem) {
+            readFile(converter, file.name, sizeBefore);
+        } catch (const InputError& failure) {
             // The other files are converted all the same.
-            context_.error(problem.what());
-            return problem.what();
+            problem = failure.what();
+            context_.error(problem);
         }
+        outcomes_.back().counts = difference(converter.counts(), before);
+        return problem;
+    }
+
+    void readFile(qelcal::Converter& converter, const std::string& name, std::uint64_t sizeBefore) {
+        InputFile input(context_, name);
+        converter.beginFile(input.name());
+        reported_ = true;
+        try {
+            pass(converter, name, input, sizeBefore);
+        } catch (const InputError&) {
+            // What was read before the failure is converted.
+            converter.endFile();
+            throw;
+        }
+        converter.endFile();
     }
 
     // Zones may be described after the entries that use them, so that files which can be read twice
     // are searched for them first. Only iCalendar has them: a phone's file need not be held.
-    void readFile(calendar::Converter& converter, const std::string& name,
-                  const std::function<void(std::uint64_t)>& update) {
-        InputFile input(context_, name);
+    void pass(qelcal::Converter& converter, const std::string& name, InputFile& input,
+              std::uint64_t sizeBefore) {
+        const auto scan = [&](const char* bytes, std::size_t size, std::uint64_t) {
+            converter.scan(bytes, size);
+        };
+        const auto write = [&](const char* bytes, std::size_t size, std::uint64_t done) {
+            converter.write(bytes, size);
+            progress_->update(sizeBefore + done);
+        };
         if (input.size() != 0) {
             InputFile first(context_, name);
-            converter.collectZones(sourceOf(first));
-            converter.convert(sourceOf(input), input.name(), update);
+            readAll(first, scan);
+            readAll(input, write);
             return;
         }
         Spool spool(input);
         const bool isPhoneFile = spool.head().find("VERSION:1.0") != std::string_view::npos;
         if (!isPhoneFile && spool.keepAll()) {
-            converter.collectZones(sourceOf(spool));
+            readAll(spool, scan);
             spool.rewind();
         }
-        converter.convert(sourceOf(spool), input.name(), update);
+        readAll(spool, write);
+    }
+
+    [[nodiscard]] bool allClean() const {
+        return std::all_of(
+            outcomes_.begin(), outcomes_.end(),
+            [](const FileOutcome& each) { return each.clean(); });
+    }
+
+    // Where the calendar goes: nowhere in a dry run.
+    static qelcal::Converter::Output writeTo(std::optional<OutputFile>& output) {
+        if (!output) return {};
+        return [&output](const char* bytes, std::size_t size) {
+            output->stream().write(bytes, static_cast<std::streamsize>(size));
+        };
     }
 
     // All files into one result.
     void joined() {
-        NoBytes noBytes;
-        std::ostream nowhere(&noBytes);
-        std::ostringstream held;
         std::optional<OutputFile> output;
-        // What may have to be taken back cannot flow to standard output.
-        const bool hold = options_.strict && isStandardStream(options_.output);
         if (!options_.dryRun) output.emplace(context_, options_.output);
-        std::ostream& out = options_.dryRun ? nowhere : hold ? held : output->stream();
-        calendar::Converter converter(out, targetOf(options_.to), sink());
+        // What may have to be taken back cannot flow to standard output.
+        std::string held;
+        const bool hold = output && options_.strict && isStandardStream(options_.output);
+        const auto keep = [&held](const char* bytes, std::size_t size) {
+            held.append(bytes, size);
+        };
+        qelcal::Converter converter(targetOf(options_.to),
+                                    hold ? qelcal::Converter::Output(keep) : writeTo(output));
+        listenTo(converter);
         const std::string name = isStandardStream(options_.output) ? "" : options_.output;
         for (const CalendarFile& file : files_) {
             const std::uint64_t calendars = converter.counts().calendars;
@@ -194,22 +229,21 @@ class ConvertRun : private calendar::ConversionObserver {
             if (reason.empty() && converter.counts().calendars == calendars)
                 reason = "there is no calendar in it";
             // Entries that were converted before a failure are in the result.
-            if (tally_.files().back().counts.converted != 0) reason.clear();
+            if (outcomes_.back().counts.entries != 0) reason.clear();
             settle(name, reason);
             endFile();
         }
         // An older result is worth more than an empty one.
         if (converter.counts().calendars == 0) {
             nothingWritten("there is no calendar to write");
-        } else if (options_.strict &&
-                   (!tally_.totals().counts.clean() || context_.exitCode() != kExitFine)) {
+        } else if (options_.strict && (!allClean() || context_.exitCode() != kExitFine)) {
             nothingWritten(kStrictReason);
         } else if (!options_.dryRun) {
             converter.finish();
-            if (hold) output->stream() << held.str();
+            if (hold) output->stream() << held;
             output->commit();
         }
-        for (const calendar::FileOutcome& each : tally_.files()) showOutcome(each);
+        for (const FileOutcome& each : outcomes_) showOutcome(each);
     }
 
     void nothingWritten(const std::string& reason) {
@@ -217,9 +251,9 @@ class ConvertRun : private calendar::ConversionObserver {
                        : isStandardStream(options_.output)
                            ? reason + "; nothing is written"
                            : reason + "; " + options_.output + " is left as it was");
-        for (std::size_t i = 0; i < tally_.files().size(); ++i) {
-            const std::string& known = tally_.files()[i].reason;
-            tally_.settle(i, {}, known.empty() ? reason : known);
+        for (FileOutcome& each : outcomes_) {
+            each.output.clear();
+            if (each.reason.empty()) each.reason = reason;
         }
     }
 
@@ -233,7 +267,7 @@ class ConvertRun : private calendar::ConversionObserver {
                 context_.error(problem.what());
                 settle({}, problem.what());
             }
-            showOutcome(tally_.files().back());
+            showOutcome(outcomes_.back());
             endFile();
         }
     }
@@ -247,15 +281,13 @@ class ConvertRun : private calendar::ConversionObserver {
         const std::string guess = !options_.to.empty()                    ? options_.to
                                   : calendarExtension(file.name) == "ics" ? "vcs"
                                                                           : "ics";
-        NoBytes noBytes;
-        std::ostream nowhere(&noBytes);
         std::optional<OutputFile> output;
         if (!options_.dryRun) {
             makeFolderFor(file);
             output.emplace(context_, inFolder(options_.outputDir, file.place + "." + guess));
         }
-        calendar::Converter converter(options_.dryRun ? nowhere : output->stream(),
-                                      targetOf(options_.to), sink());
+        qelcal::Converter converter(targetOf(options_.to), writeTo(output));
+        listenTo(converter);
         std::string problem = convertFile(converter, file);
         if (problem.empty() && converter.counts().calendars == 0)
             problem = "there is no calendar in it";
@@ -263,10 +295,10 @@ class ConvertRun : private calendar::ConversionObserver {
             settle({}, problem);
             return;
         }
-        const calendar::FileOutcome& outcome = tally_.files().back();
-        if (options_.strict && !outcome.counts.clean())
+        const FileOutcome& outcome = outcomes_.back();
+        if (options_.strict && !outcome.clean())
             throw InputError(outcome.file + ": is left out: " + kStrictReason);
-        const bool toPhone = converter.target() == CalendarFormat::VCalendar10;
+        const bool toPhone = converter.target() == QELCAL_VCALENDAR;
         const std::string name =
             inFolder(options_.outputDir, file.place + (toPhone ? ".vcs" : ".ics"));
         checkFree(outcome.file, name);
@@ -315,39 +347,37 @@ class ConvertRun : private calendar::ConversionObserver {
     }
 
     // Of a dry run.
-    void showOutcome(const calendar::FileOutcome& outcome) {
+    void showOutcome(const FileOutcome& outcome) {
         if (!options_.dryRun || options_.json) return;
         progress_->hide();
-        const calendar::OutcomeCounts& counts = outcome.counts;
-        context_.out << calendar::printable(outcome.file);
+        const qelcal_counts& counts = outcome.counts;
+        context_.out << printable(outcome.file);
         if (!outcome.reason.empty()) {
             context_.out << ": would be left out\n";
             return;
         }
         context_.out << " -> "
-                     << calendar::printable(outcome.output.empty() ? "standard output"
-                                                                   : outcome.output)
+                     << printable(outcome.output.empty() ? "standard output" : outcome.output)
                      << ": " << counts.entries << (counts.entries == 1 ? " entry, " : " entries, ")
                      << counts.changed << " changed, " << counts.lost << " not carried over\n";
     }
 
     void showSummary() {
-        const calendar::Totals totals = tally_.totals();
         messages_.finish();
         if (options_.json) {
             Json document{{"dryRun", options_.dryRun},
                           {"strict", options_.strict},
                           {"files", Json::array()},
                           {"messagesNotShown", messages_.hidden()},
-                          {"summary", summaryJson(totals)}};
-            for (std::size_t i = 0; i < tally_.files().size(); ++i)
-                document["files"].push_back(outcomeJson(tally_.files()[i], shown_[i]));
+                          {"summary", summaryJson(outcomes_)}};
+            for (const FileOutcome& each : outcomes_)
+                document["files"].push_back(outcomeJson(each));
             writeJson(context_.out, document);
         }
-        if (report_) report_->finish(remark(), tally_.files());
+        if (report_) report_->finish(remark(), outcomes_);
         if (summary_)
             context_.say((options_.dryRun ? "nothing written; would be: " : "") +
-                         summaryText(totals));
+                         summaryText(outcomes_));
     }
 
     [[nodiscard]] std::string remark() const {
@@ -360,11 +390,10 @@ class ConvertRun : private calendar::ConversionObserver {
     Context& context_;
     const ConvertOptions& options_;
     ConvertMessages messages_;
-    std::optional<Report> report_;
+    std::optional<RunReport> report_;
     std::vector<CalendarFile> files_;
-    // Of each file that was begun: what became of it, and its notes that were shown.
-    calendar::Tally tally_;
-    std::vector<std::vector<calendar::Note>> shown_;
+    std::vector<FileOutcome> outcomes_;  // of each file that was begun
+    bool reported_ = false;              // the report has heard of the last of them
     Progress* progress_ = nullptr;
     std::uint64_t sizeDone_ = 0;
     bool summary_ = false;

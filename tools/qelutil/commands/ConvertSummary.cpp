@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "base/NoteWords.h"
+
 namespace qel::cli {
 
 namespace {
@@ -10,8 +12,28 @@ std::string counted(std::uint64_t number, const std::string& one, const std::str
     return std::to_string(number) + " " + (number == 1 ? one : many);
 }
 
-Json countsJson(const calendar::OutcomeCounts& counts) {
-    return {{"entries", counts.entries}, {"converted", counts.converted},
+struct Totals {
+    std::uint64_t leftOut = 0;
+    std::uint64_t converted = 0;
+    qelcal_counts counts{};
+};
+
+Totals totalsOf(const std::vector<FileOutcome>& files) {
+    Totals totals;
+    for (const FileOutcome& file : files) {
+        if (!file.reason.empty()) ++totals.leftOut;
+        totals.converted += file.converted();
+        totals.counts.entries += file.counts.entries;
+        totals.counts.changed += file.counts.changed;
+        totals.counts.warnings += file.counts.warnings;
+        totals.counts.errors += file.counts.errors;
+        totals.counts.lost += file.counts.lost;
+    }
+    return totals;
+}
+
+Json countsJson(const qelcal_counts& counts, std::uint64_t converted) {
+    return {{"entries", counts.entries}, {"converted", converted},
             {"changed", counts.changed}, {"warnings", counts.warnings},
             {"errors", counts.errors},   {"notCarriedOver", counts.lost}};
 }
@@ -22,34 +44,49 @@ Json textOrNull(const std::string& text) {
 
 }  // namespace
 
-std::string summaryText(const calendar::Totals& totals) {
-    const calendar::OutcomeCounts& counts = totals.counts;
-    std::string text = counted(totals.files, "file", "files");
+qelcal_counts difference(const qelcal_counts& after, const qelcal_counts& before) {
+    return {after.calendars - before.calendars,
+            after.entries - before.entries,
+            after.alarms - before.alarms,
+            after.changed - before.changed,
+            after.warnings - before.warnings,
+            after.errors - before.errors,
+            after.lost - before.lost};
+}
+
+std::string summaryText(const std::vector<FileOutcome>& files) {
+    const Totals totals = totalsOf(files);
+    const qelcal_counts& counts = totals.counts;
+    std::string text = counted(files.size(), "file", "files");
     if (totals.leftOut != 0) text += " (" + std::to_string(totals.leftOut) + " left out)";
     return text + ", " + counted(counts.entries, "entry", "entries") + ": " +
-           std::to_string(counts.converted) + " converted, " + std::to_string(counts.changed) +
+           std::to_string(totals.converted) + " converted, " + std::to_string(counts.changed) +
            " changed, " + counted(counts.warnings, "warning", "warnings") + ", " +
            counted(counts.errors, "error", "errors") + ", " + std::to_string(counts.lost) +
            " not carried over";
 }
 
-Json summaryJson(const calendar::Totals& totals) {
-    Json json{{"files", totals.files}, {"filesLeftOut", totals.leftOut}};
-    json.update(countsJson(totals.counts));
+Json summaryJson(const std::vector<FileOutcome>& files) {
+    const Totals totals = totalsOf(files);
+    Json json{{"files", files.size()}, {"filesLeftOut", totals.leftOut}};
+    json.update(countsJson(totals.counts, totals.converted));
     return json;
 }
 
-Json outcomeJson(const calendar::FileOutcome& file, const std::vector<calendar::Note>& shown) {
+Json outcomeJson(const FileOutcome& file) {
     Json json{{"file", jsonText(file.file)},
               {"output", textOrNull(file.output)},
               {"leftOut", textOrNull(file.reason)}};
-    json.update(countsJson(file.counts));
+    json.update(countsJson(file.counts, file.converted()));
     json["messages"] = Json::array();
-    for (const calendar::Note& each : shown)
-        json["messages"].push_back({{"severity", severityName(each.severity())},
-                                    {"line", each.line == 0 ? Json() : Json(each.line)},
-                                    {"text", jsonText(each.text())},
-                                    {"notCarriedOver", each.fate() == calendar::Fate::Lost}});
+    for (const qelcal::Note& note : file.shown)
+        json["messages"].push_back({{"code", note.code},
+                                    {"name", note.name},
+                                    {"severity", severityName(note.severity)},
+                                    {"fate", fateName(note.fate)},
+                                    {"line", note.line == 0 ? Json() : Json(note.line)},
+                                    {"text", jsonText(note.text)},
+                                    {"notCarriedOver", note.fate == QELCAL_LOST}});
     return json;
 }
 

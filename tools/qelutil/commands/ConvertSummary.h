@@ -1,23 +1,39 @@
-// The outcome of `qelutil convert` as a sentence and as JSON. Any thread.
+// What became of the files of one run of `qelutil convert`, in numbers, as a sentence and as JSON.
+// Any thread.
 #ifndef QELUTIL_COMMANDS_CONVERTSUMMARY_H
 #define QELUTIL_COMMANDS_CONVERTSUMMARY_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "QelCalendar/Notes.h"
+#include "QelCalendar/qelcalendar.h"
 #include "base/Json.h"
-#include "calendar/base/Notes.h"
-#include "calendar/report/Outcome.h"
 
 namespace qel::cli {
 
+struct FileOutcome {
+    std::string file;                 // as messages name it
+    std::string output;               // the name of its result; may be empty
+    std::string reason;               // why it is in no result; empty when it is in one
+    qelcal_counts counts{};           // of this file alone
+    std::vector<qelcal::Note> shown;  // its notes that were shown
+
+    // Entries that are in a result.
+    [[nodiscard]] std::uint64_t converted() const { return reason.empty() ? counts.entries : 0; }
+    // No warning and no error.
+    [[nodiscard]] bool clean() const { return counts.warnings == 0 && counts.errors == 0; }
+};
+
+// What was counted after `before`.
+[[nodiscard]] qelcal_counts difference(const qelcal_counts& after, const qelcal_counts& before);
+
 // "3 files (1 left out), 12 entries: 11 converted, 2 changed, 1 warning, 0 errors, 1 not carried
 // over".
-[[nodiscard]] std::string summaryText(const calendar::Totals& totals);
-[[nodiscard]] Json summaryJson(const calendar::Totals& totals);
-// `shown`: the file's notes that were shown.
-[[nodiscard]] Json outcomeJson(const calendar::FileOutcome& file,
-                               const std::vector<calendar::Note>& shown);
+[[nodiscard]] std::string summaryText(const std::vector<FileOutcome>& files);
+[[nodiscard]] Json summaryJson(const std::vector<FileOutcome>& files);
+[[nodiscard]] Json outcomeJson(const FileOutcome& file);
 
 }  // namespace qel::cli
 

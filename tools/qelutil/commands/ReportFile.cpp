@@ -21,7 +21,6 @@ ReportFile::~ReportFile() {
 
 void ReportFile::addToBody(std::string_view text) {
     body_.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!body_) throw InputError(name_ + ": cannot be written; is the disk full?");
 }
 
 void ReportFile::addToHead(std::string_view text) {
@@ -30,6 +29,7 @@ void ReportFile::addToHead(std::string_view text) {
 
 void ReportFile::commit() {
     body_.flush();
+    if (!body_) throw InputError(name_ + ": cannot be written; is the disk full?");
     body_.seekg(0);
     // An empty body would count as a failure of the stream.
     if (body_.peek() != std::fstream::traits_type::eof()) page_.stream() << body_.rdbuf();

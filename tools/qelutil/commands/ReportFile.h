@@ -14,15 +14,17 @@ namespace qel::cli {
 
 class ReportFile {
   public:
-    // All throw InputError when the file cannot be written. Without commit() an old file stays as
-    // it was.
+    // Throws InputError when the file cannot be written there. Without commit() an old file remains
+    // as it was.
     ReportFile(Context& context, const std::string& name);
     ~ReportFile();
     ReportFile(const ReportFile&) = delete;
     ReportFile& operator=(const ReportFile&) = delete;
 
+    // What cannot be written is reported by commit().
     void addToBody(std::string_view text);
     void addToHead(std::string_view text);
+    // Throws InputError when the report is not complete.
     void commit();
 
   private:
