@@ -1,16 +1,16 @@
 // qelutil charset: text between UTF-8 and the character sets that phones use, and their list.
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
+#include "QelCalendar/Texts.h"
 #include "QelUtility/BxCharConv.h"
 #include "base/Json.h"
 #include "base/Progress.h"
 #include "base/Source.h"
-#include "calendar/text/LibrarySets.h"
-#include "calendar/base/Text.h"
-#include "calendar/platform/CharacterSets.h"
+#include "base/Text.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -120,7 +120,7 @@ class Converter {
 // The bytes of the character at the start of `text` in one of the sets that convert; 1 for what is
 // none.
 std::size_t characterLength(std::string_view set, std::string_view text) {
-    if (set == "UTF-8") return std::max<std::size_t>(1, calendar::utf8CharacterLength(text));
+    if (set == "UTF-8") return std::max<std::size_t>(1, utf8CharacterLength(text));
     const bool twoBytes = (set == "936" || set == "950") && text.size() > 1 &&
                           static_cast<unsigned char>(text[0]) > 0x80U;
     return twoBytes ? 2 : 1;
@@ -204,7 +204,7 @@ class Conversion {
         if (startsWithMark(character)) return Fit::NoPlace;
         if (forward(character, result) != Converter::Outcome::Done) return Fit::Invalid;
         const std::string meaning = inUtf8(fromToUtf8_, character);
-        if (!calendar::isUtf8(meaning) || meaning.empty()) return Fit::Invalid;
+        if (!isUtf8(meaning) || meaning.empty()) return Fit::Invalid;
         const bool substituted = meaning == "?" || meaning.find(kSubstitute) != std::string::npos;
         if (fromToUtf8_ && substituted && character != "?") return Fit::Invalid;
         return inUtf8(toToUtf8_, result) == meaning ? Fit::Arrives : Fit::NoPlace;
@@ -246,7 +246,7 @@ class Conversion {
     std::uint64_t reports_ = 0;
 };
 
-// From a set that the system converts and the library does not, line by line.
+// From a set that the system converts and QelUtility does not, line by line.
 class SystemConversion {
   public:
     SystemConversion(Context& context, std::string set, std::string name)
@@ -255,20 +255,17 @@ class SystemConversion {
     void convert(std::string_view text, std::size_t firstLine, std::ostream& out) {
         for (std::size_t line = firstLine; !text.empty(); ++line) {
             const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
-            auto result = calendar::platform::toUtf8(text.substr(0, length), set_);
-            if (!result)
-                throw InputError(name_ + ": the system cannot convert " + set_ +
-                                 "; `qelutil charset --list` shows what it always can");
+            std::string result = qelcal::toUtf8(set_, std::string(text.substr(0, length)));
             bool replaced = false;
-            for (std::size_t at; (at = result->find(kSubstitute)) != std::string::npos;) {
-                result->replace(at, kSubstitute.size(), 1, kReplacement);
+            for (std::size_t at; (at = result.find(kSubstitute)) != std::string::npos;) {
+                result.replace(at, kSubstitute.size(), 1, kReplacement);
                 replaced = true;
             }
             if (replaced && ++badLines_ <= kMostReports)
                 context_.error(
                     name_, line,
                     "holds bytes that are not " + set_ + "; a \"?\" is written for each");
-            out << *result;
+            out << result;
             text.remove_prefix(length);
         }
     }
@@ -286,7 +283,25 @@ class SystemConversion {
     std::uint64_t badLines_ = 0;
 };
 
-// The system's name for a set that it reads and the library does not, "" for any other. Sets whose
+// QelUtility's name for a set by its usual name, "" for a set that it does not convert.
+std::string setOfUsualName(const std::string& name) {
+    static const std::map<std::string, std::string> kSets = {{"windows-1252", "8859-1"},
+                                                             {"cp1252", "8859-1"},
+                                                             {"iso-8859-1", "8859-1"},
+                                                             {"iso8859-1", "8859-1"},
+                                                             {"latin1", "8859-1"},
+                                                             {"gb2312", "936"},
+                                                             {"gbk", "936"},
+                                                             {"cp936", "936"},
+                                                             {"gb_2312-80", "936"},
+                                                             {"euc-cn", "936"},
+                                                             {"big5", "950"},
+                                                             {"cp950", "950"}};
+    const auto set = kSets.find(CLI::detail::to_lower(name));
+    return set == kSets.end() ? std::string() : set->second;
+}
+
+// The system's name for a set that it reads and QelUtility does not, "" for any other. Sets whose
 // line ends are not the byte LF (UTF-16) are not read.
 std::string systemSet(const std::string& name) {
     std::string system = name;
@@ -295,15 +310,15 @@ std::string systemSet(const std::string& name) {
         if (supportOf(each) == Support::Converts) return {};
         if (supportOf(each) == Support::Nothing) system = "ISO-" + each;
     }
-    if (*calendar::libraryCharacterSet(name) != '\0' ||
-        calendar::platform::toUtf8("\n", system) != "\n")
+    if (!setOfUsualName(name).empty() || !qelcal::isCharset(system) ||
+        qelcal::toUtf8(system, "\n") != "\n")
         return {};
     return system;
 }
 
-// The name as the library writes it. Throws UsageError for a name that it does not know.
+// The name as QelUtility writes it. Throws UsageError for a name that it does not know.
 std::string knownSet(const std::string& name) {
-    if (const char* known = calendar::libraryCharacterSet(name); *known != '\0') return known;
+    if (std::string set = setOfUsualName(name); !set.empty()) return set;
     std::string known;
     for (const std::string& each : setNames()) {
         if (CLI::detail::to_lower(each) == CLI::detail::to_lower(name)) return each;
@@ -336,7 +351,7 @@ void run(Context& context, Options options) {
     options.to = knownSet(options.to);
     if (const std::string system = systemSet(options.from);
         options.to == "UTF-8" && !system.empty()) {
-        context.note({}, 0, system + " is none of the library's sets: the system converts it");
+        context.note({}, 0, "the library does not convert " + system + "; the system does");
         InputFile input = options.source.open(context);
         convertAll(context, options, input, SystemConversion(context, system, input.name()));
         return;
