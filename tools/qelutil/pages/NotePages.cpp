@@ -2,15 +2,13 @@
 #include <algorithm>
 #include <string_view>
 
-#include "calendar/base/Ascii.h"
-#include "calendar/base/Notes.h"
+#include "QelCalendar/Notes.h"
+#include "base/NoteWords.h"
 #include "pages/Pages.h"
 
 namespace qel::cli {
 
 namespace {
-
-using calendar::NoteKind;
 
 constexpr std::string_view kHere = "@ROWS@";
 
@@ -66,10 +64,6 @@ constexpr Chapter kChapters[] = {{1, "The lines of a file"},
                                  {7, "Entries as they are written to vCalendar 1.0"},
                                  {8, "Whole files"}};
 
-int numberOf(const NoteKind& kind) {
-    return static_cast<int>(kind.code);
-}
-
 // A cell of a Markdown table.
 std::string cell(std::string_view text) {
     std::string result;
@@ -80,18 +74,21 @@ std::string cell(std::string_view text) {
     return result + " | ";
 }
 
-std::string tableRow(const NoteKind& kind) {
-    std::string row = "| " + std::to_string(numberOf(kind)) + " | `" + std::string(kind.name) +
-                      "` | " + cell(severityName(kind.severity)) + cell(fateName(kind.fate)) +
+std::string tableRow(const qelcal_note_kind& kind) {
+    std::string row = "| " + std::to_string(kind.code) + " | `" + kind.name + "` | " +
+                      cell(severityName(kind.severity)) + cell(fateName(kind.fate)) +
                       cell(kind.meaning) + cell(kind.advice);
     row.back() = '\n';
     return row;
 }
 
-std::string enumerator(const NoteKind& kind) {
-    std::string name = calendar::upper(kind.name);
-    std::replace(name.begin(), name.end(), '-', '_');
-    return "    QELCAL_NOTE_" + name + " = " + std::to_string(numberOf(kind)) + ",\n";
+std::string enumerator(const qelcal_note_kind& kind) {
+    std::string name = kind.name;
+    for (char& c : name) {
+        if (c == '-') c = '_';
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    }
+    return "    QELCAL_NOTE_" + name + " = " + std::to_string(kind.code) + ",\n";
 }
 
 // "/**< MEANING */" in lines of at most 100 characters.
@@ -100,7 +97,8 @@ std::string comment(std::string_view meaning) {
     std::string text;
     std::string line = "    /**<";
     while (!meaning.empty()) {
-        const std::string_view word = calendar::nextField(meaning, ' ');
+        const std::string_view word = meaning.substr(0, meaning.find(' '));
+        meaning.remove_prefix(std::min(word.size() + 1, meaning.size()));
         const std::size_t end = meaning.empty() ? 3 : 0;
         if (line.size() + 1 + word.size() + end > kWidth) {
             text += line + "\n";
@@ -117,8 +115,8 @@ std::string notesDocument() {
     std::string tables;
     for (const Chapter& chapter : kChapters) {
         std::string rows;
-        for (const NoteKind& kind : calendar::noteKinds())
-            if (numberOf(kind) / 100 == chapter.hundred) rows += tableRow(kind);
+        for (const qelcal_note_kind& kind : qelcal::noteKinds())
+            if (kind.code / 100 == chapter.hundred) rows += tableRow(kind);
         if (rows.empty()) continue;
         tables += "\n## " + std::string(chapter.title) +
                   "\n\n| number | name | severity | data | what it means | what to do |\n"
@@ -130,8 +128,8 @@ std::string notesDocument() {
 
 std::string notesHeader() {
     std::string rows;
-    for (const NoteKind& kind : calendar::noteKinds())
-        if (numberOf(kind) < 900) rows += enumerator(kind) + comment(kind.meaning);
+    for (const qelcal_note_kind& kind : qelcal::noteKinds())
+        if (kind.code < 900) rows += enumerator(kind) + comment(kind.meaning);
     return filled(kHeader, rows);
 }
 
