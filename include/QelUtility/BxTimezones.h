@@ -50,7 +50,7 @@ class QELUTILITY_API CBxTimeZoneUtility {
         std::uint16_t wDaylightYear;  ///< written as 0
         SYSTEMTIME DaylightDate;      ///< the change to daylight saving
     };
-    static_assert(sizeof(_EXCH_TZ) == 48);
+    static_assert(sizeof(_EXCH_TZ) == 48, "the record is packed");
 
     /// Without offsets until Initialize.
     CBxTimeZoneUtility() = default;
