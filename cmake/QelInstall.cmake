@@ -1,23 +1,41 @@
-# What `cmake --install` puts where, in three components: library (the shared library), development
-# (headers, link library, CMake and pkg-config files, documents) and program (qelutil, its man pages
+# What `cmake --install` puts where, in five components: library and calendar (the shared libraries
+# QelUtility and QelCalendar), development and calendar_development (of each the headers, the link
+# library, the CMake and pkg-config files; documents with the first) and program (qelutil, its man pages
 # and completions). The result can be moved to another folder as a whole.
 include(CMakePackageConfigHelpers)
 
-# --- the library ------------------------------------------------------------------------------------
+# --- the libraries ----------------------------------------------------------------------------------
 
+# Both libraries belong to the CMake package QelUtility. Each has a target file of its own, because
+# QelUtility may be installed without QelCalendar.
 set(qel_cmake_folder ${CMAKE_INSTALL_LIBDIR}/cmake/QelUtility)
-install(
-    TARGETS QelUtility
-    EXPORT QelUtilityTargets
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            COMPONENT library
-            NAMELINK_COMPONENT development
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/QelUtility DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        COMPONENT development)
 
-install(EXPORT QelUtilityTargets NAMESPACE QelUtility:: DESTINATION ${qel_cmake_folder} COMPONENT development)
+# qel_install_library(TARGET COMPONENT DEVELOPMENT): the library, its headers and its target file.
+function(qel_install_library target component development)
+    install(
+        TARGETS ${target}
+        EXPORT ${target}Targets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${component}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+                COMPONENT ${component}
+                NAMELINK_COMPONENT ${development}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${development})
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/${target} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+            COMPONENT ${development})
+    install(EXPORT ${target}Targets NAMESPACE QelUtility:: DESTINATION ${qel_cmake_folder} COMPONENT ${development})
+endfunction()
+
+qel_install_library(QelUtility library development)
+qel_install_library(QelCalendar calendar calendar_development)
+if(WIN32 AND QEL_BUILD_SHARED AND QEL_DLLTOOL)
+    install(FILES ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/QelCalendar.lib DESTINATION ${CMAKE_INSTALL_LIBDIR}
+            COMPONENT calendar_development)
+endif()
+if(NOT WIN32 AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    # Outside the loader's own folders QelCalendar finds QelUtility beside itself.
+    set_target_properties(QelCalendar PROPERTIES INSTALL_RPATH "$ORIGIN")
+endif()
+
 configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/packaging/QelUtilityConfig.cmake.in
     ${PROJECT_BINARY_DIR}/packaging/QelUtilityConfig.cmake
@@ -39,9 +57,12 @@ else()
     string(REGEX REPLACE "/$" "" qel_up "${qel_up}")
     set(QEL_PC_PREFIX "\${pcfiledir}/${qel_up}")
 endif()
+set(QEL_PC_CALENDAR_PRIVATE ".private")
 if(NOT QEL_BUILD_SHARED)
     # A static library's needs become the program's.
     set(QEL_PC_CFLAGS " -DQELUTILITY_STATIC")
+    set(QEL_PC_CALENDAR_CFLAGS " -DQELCALENDAR_STATIC")
+    set(QEL_PC_CALENDAR_PRIVATE "")
     set(QEL_PC_REQUIRES "Requires: libcrypto\n")
     get_target_property(libraries QelUtility LINK_LIBRARIES)
     list(FILTER libraries EXCLUDE REGEX "::")
@@ -50,10 +71,14 @@ if(NOT QEL_BUILD_SHARED)
     endforeach()
     string(APPEND QEL_PC_LIBS " -pthread")
 endif()
-configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/qelutility.pc.in ${PROJECT_BINARY_DIR}/packaging/qelutility.pc
-               @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/packaging/qelutility.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-        COMPONENT development)
+# qel_pkg_config(NAME COMPONENT): NAME.pc of cmake/packaging/NAME.pc.in.
+function(qel_pkg_config name component)
+    set(file ${PROJECT_BINARY_DIR}/packaging/${name}.pc)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/${name}.pc.in ${file} @ONLY)
+    install(FILES ${file} DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+endfunction()
+qel_pkg_config(qelutility development)
+qel_pkg_config(qelcalendar calendar_development)
 
 # --- the program ------------------------------------------------------------------------------------
 
@@ -73,7 +98,7 @@ if(QEL_BUILD_PROGRAM)
 endif()
 if(QEL_BUILD_PROGRAM AND NOT WIN32)
     if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-        # Outside the loader's own folders the program finds the library beside itself.
+        # Outside the loader's own folders the program finds the libraries beside itself.
         file(RELATIVE_PATH qel_lib /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
         set_target_properties(qelutil PROPERTIES INSTALL_RPATH "$ORIGIN/${qel_lib}")
     endif()

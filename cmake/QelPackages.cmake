@@ -1,5 +1,6 @@
 # What `cpack` makes of an installation: on Linux the Debian packages libqelutility1,
-# libqelutility-dev and qelutil; for Windows one zip that runs where it is unpacked.
+# libqelutility-dev, libqelcalendar1, libqelcalendar-dev and qelutil; for Windows one zip that runs
+# where it is unpacked.
 set(CPACK_PACKAGE_NAME qelutility)
 set(CPACK_PACKAGE_VENDOR "QelUtility")
 set(CPACK_PACKAGE_CONTACT "QelUtility maintainers <maintainers@qelutility.invalid>")
@@ -49,7 +50,8 @@ endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
-set(CPACK_COMPONENTS_ALL library development program)
+set(qel_components library development calendar calendar_development program)
+set(CPACK_COMPONENTS_ALL ${qel_components})
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -59,13 +61,16 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-set(qel_soname_package libqelutility${PROJECT_VERSION_MAJOR})
+set(qel_utility_package libqelutility${PROJECT_VERSION_MAJOR})
+set(qel_calendar_package libqelcalendar${PROJECT_VERSION_MAJOR})
 set(qel_deb_version ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${qel_soname_package})
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 # CPack calls ldconfig from scripts of its own; this is how Debian asks for it.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packaging/triggers)
+set(CPACK_DEBIAN_CALENDAR_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packaging/triggers)
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${qel_utility_package})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_COMPONENT_LIBRARY_DESCRIPTION
     "shared library for phone calendars and contacts
 Recurrence rules in iCalendar and vCalendar 1.0 form, repeat records with
@@ -75,15 +80,36 @@ a phone's calendar, to-dos, contacts and notes in step with a computer.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libqelutility-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${qel_soname_package} (= ${qel_deb_version})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${qel_utility_package} (= ${qel_deb_version})")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "headers of QelUtility, the library for phone calendars
 What a program needs to be built with QelUtility: the headers, the link to the
 shared library, files for CMake and pkg-config, the documents and examples.")
 
+set(CPACK_DEBIAN_CALENDAR_PACKAGE_NAME ${qel_calendar_package})
+set(CPACK_DEBIAN_CALENDAR_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_CALENDAR_PACKAGE_DEPENDS "${qel_utility_package} (>= ${qel_deb_version})")
+set(CPACK_COMPONENT_CALENDAR_DESCRIPTION
+    "shared library that reads and converts calendars of old phones
+Converts vCalendar 1.0 into iCalendar and back and reports what changed, reads
+the entries of either format one at a time, explains recurrence rules in words
+and lists their dates. Its interface is plain C, with headers for C++.")
+
+# The CMake package and the records of RRule.h are QelUtility's.
+set(CPACK_DEBIAN_CALENDAR_DEVELOPMENT_PACKAGE_NAME libqelcalendar-dev)
+set(CPACK_DEBIAN_CALENDAR_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_CALENDAR_DEVELOPMENT_PACKAGE_DEPENDS
+    "${qel_calendar_package} (= ${qel_deb_version}), libqelutility-dev (= ${qel_deb_version})")
+set(CPACK_COMPONENT_CALENDAR_DEVELOPMENT_DESCRIPTION
+    "headers of QelCalendar, the converter of phone calendars
+What a program in C or C++ needs to be built with QelCalendar: the headers, the
+link to the shared library, files for CMake and pkg-config. The documents are
+in libqelutility-dev.")
+
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME qelutil)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS "${qel_soname_package} (>= ${qel_deb_version})")
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS
+    "${qel_utility_package} (>= ${qel_deb_version}), ${qel_calendar_package} (>= ${qel_deb_version})")
 set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
     "converter for the calendars of old phones
 Turns a phone's vCalendar 1.0 files into iCalendar and back without losing
@@ -98,7 +124,7 @@ string(REGEX REPLACE ".* - " "" qel_released "${qel_released}")
 find_program(QEL_DATE date REQUIRED)
 execute_process(COMMAND ${QEL_DATE} -u -R -d ${qel_released} OUTPUT_VARIABLE qel_released
                 OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
-foreach(component library development program)
+foreach(component IN LISTS qel_components)
     string(TOUPPER ${component} upper)
     set(qel_package ${CPACK_DEBIAN_${upper}_PACKAGE_NAME})
     set(folder ${CMAKE_INSTALL_DATADIR}/doc/${qel_package})
