@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/CalendarNames.h"
@@ -100,6 +101,10 @@ std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
     if (digits == 0) return failed(problem, "a number is missing before ", quoted(text));
     if (digits == text.size()) return failed(problem, "a unit is missing after ", quoted(text));
     const std::int64_t number = *parseInt(text.substr(0, digits));
+    // parseInt answers its largest number for all that are larger.
+    if (number == std::numeric_limits<int>::max())
+        return failed(problem, text.substr(0, std::min<std::size_t>(digits, 40)),
+                      " is too large a number");
     const auto unit = unitOf(text[digits], inTime);
     if (!unit)
         return failed(problem, quoted(text.substr(digits, 1)),
@@ -220,12 +225,14 @@ std::optional<Duration> parseDuration(std::string_view text, std::string* proble
 
 std::string formatDuration(std::int64_t seconds) {
     std::string result = seconds < 0 ? "-P" : "P";
-    const std::int64_t total = seconds < 0 ? -seconds : seconds;
+    // The least number has no positive counterpart of its own type.
+    const std::uint64_t total =
+        seconds < 0 ? 0 - static_cast<std::uint64_t>(seconds) : static_cast<std::uint64_t>(seconds);
     if (total == 0) return "PT0S";
     if (total % (7 * kDaySeconds) == 0)
         return result + std::to_string(total / (7 * kDaySeconds)) + "W";
     if (total >= kDaySeconds) result += std::to_string(total / kDaySeconds) + "D";
-    const std::int64_t rest = total % kDaySeconds;
+    const std::uint64_t rest = total % kDaySeconds;
     if (rest != 0) result += "T";
     if (rest >= 3600) result += std::to_string(rest / 3600) + "H";
     // RFC 5545 does not let hours and seconds stand without the minutes between them.
