@@ -1,0 +1,346 @@
+// The calendar library as a program of somebody else uses it: the shared library and its public
+// headers, nothing else.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "QelCalendar/All.h"
+#include "QelUtility/RRule.h"
+
+namespace {
+
+using qelcal::Time;
+
+std::string phoneFile() {
+    std::ifstream file(QEL_TEST_SOURCE_DIR "/examples/phone.vcs", std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// One event per text of `lines`, in iCalendar.
+std::string calendarOf(const std::vector<std::string>& lines) {
+    std::string text = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+    for (const std::string& each : lines) text += "BEGIN:VEVENT\r\n" + each + "END:VEVENT\r\n";
+    return text + "END:VCALENDAR\r\n";
+}
+
+// Calls `call` for the pieces of `text`.
+template <class Call>
+void inPieces(const std::string& text, std::size_t piece, Call call) {
+    for (std::size_t at = 0; at < text.size(); at += piece)
+        call(text.data() + at, std::min(piece, text.size() - at));
+}
+
+struct Result {
+    std::string text;
+    std::vector<std::string> notes;
+    bool operator==(const Result&) const = default;
+};
+
+Result converted(const std::string& text, qelcal_format target, std::size_t piece) {
+    Result result;
+    qelcal::Converter converter(
+        target, [&](const char* bytes, std::size_t size) { result.text.append(bytes, size); });
+    converter.onNote([&](const qelcal::Note& note) {
+        result.notes.push_back(std::to_string(note.line) + " " + note.name);
+    });
+    converter.beginFile("phone.vcs");
+    inPieces(
+        text, piece, [&](const char* bytes, std::size_t size) { converter.scan(bytes, size); });
+    inPieces(text, piece,
+             [&](const char* bytes, std::size_t size) { converter.write(bytes, size); });
+    converter.endFile();
+    converter.finish();
+    return result;
+}
+
+// Everything that is asked of each entry, one text for each.
+std::vector<std::string> entriesOf(const std::string& text, std::size_t piece) {
+    std::vector<std::string> entries;
+    qelcal::Reader reader;
+    const auto take = [&] {
+        while (const qelcal::Entry entry = reader.next()) {
+            std::string line = std::to_string(entry.line()) + " " + entry.text("SUMMARY") +
+                               (entry.allDay() ? " all day" : "");
+            for (const std::string& each : entry.values("CATEGORIES")) line += " #" + each;
+            for (const qelcal::Rules& rule : entry.rules()) line += "; " + rule.words();
+            for (const Time& date : entry.occurrences(3)) line += " " + date.text();
+            for (const qelcal_alarm& alarm : entry.alarms())
+                line += std::string("; ") + alarm.action + " " + Time(alarm.time).text();
+            for (const qelcal::Note& note : entry.notes()) line += "; note " + note.name;
+            entries.push_back(line);
+        }
+    };
+    inPieces(text, piece, [&](const char* bytes, std::size_t size) {
+        reader.write(bytes, size);
+        take();
+    });
+    reader.end();
+    take();
+    for (const qelcal::Note& note : reader.notes()) entries.push_back("note " + note.name);
+    return entries;
+}
+
+int QELCALENDAR_CALL stopAtOnce(void*, const char*, std::size_t) {
+    return 1;
+}
+
+int QELCALENDAR_CALL stopAtSecond(void* context, const qelcal_time*) {
+    return ++*static_cast<int*>(context) == 2 ? 1 : 0;
+}
+
+TEST(Interface, PiecesOfAnySizeConvertAlike) {
+    const std::string phone = phoneFile();
+    const Result whole = converted(phone, QELCAL_OTHER, phone.size());
+    EXPECT_NE(whole.text.find("SUMMARY:Zo\xC3\xAB's birthday\r\n"), std::string::npos);
+    EXPECT_EQ(whole.notes,
+              (std::vector<std::string>{"30 rule-end-whole-day", "67 rule-without-end"}));
+    for (const std::size_t piece : {1U, 7U}) {
+        EXPECT_EQ(converted(phone, QELCAL_OTHER, piece), whole);
+        EXPECT_EQ(converted(whole.text, QELCAL_VCALENDAR, piece),
+                  converted(whole.text, QELCAL_VCALENDAR, whole.text.size()));
+    }
+    EXPECT_EQ(qelcal::convert(phone), whole.text);
+}
+
+TEST(Interface, EntriesOfAPhone) {
+    const std::vector<std::string> expected = {
+        "8 Team meeting #MEETING #WORK; every 2 weeks on Monday, Wednesday and Friday, 10 times "
+        "20050615T093000 20050617T093000 20050627T093000; AUDIO 20050615T091500",
+        "25 Club night; every month on the first Friday and the last Friday, until 31 December "
+        "2005, 23:59:59 20050603T200000 20050624T200000 20050701T200000; DISPLAY 20050603T190000; "
+        "note rule-end-whole-day",
+        "34 Pay the rent all day; every month on the last day, without end 20050630 20050731 "
+        "20050831",
+        "41 Zo\xC3\xAB's birthday all day; every year on 14 July, without end 20050714 20060714 "
+        "20070714",
+        "48 Flight to Oslo 20051029T220000Z; AUDIO 20051029T190000Z",
+        "55 Send the tax form; EMAIL 20050929T090000",
+        "63 Water the plants; every 2 days, twice 20050601T180000 20050603T180000; note "
+        "rule-without-end"};
+    std::string phone = phoneFile();
+    EXPECT_EQ(entriesOf(phone, phone.size()), expected);
+    EXPECT_EQ(entriesOf(phone, 1), expected);
+    // Line ends of CR alone: many lines come at once.
+    std::replace(phone.begin(), phone.end(), '\n', '\r');
+    EXPECT_EQ(entriesOf(phone, phone.size()), expected);
+    EXPECT_EQ(entriesOf("", 1), std::vector<std::string>{"note no-calendar"});
+}
+
+TEST(Interface, EntriesThatLackSomething) {
+    const std::string text = calendarOf({"RRULE:FREQ=DAILY\r\nBROKEN LINE\r\n",
+                                         "DTSTART:99991231T235959\r\nRRULE:FREQ=DAILY\r\n",
+                                         "DTSTART;TZID=None:20050615T090000\r\n"});
+    qelcal::Reader reader;
+    reader.write(text.data(), text.size());
+    EXPECT_THROW(reader.scan(text.data(), text.size()), qelcal::Error);
+    reader.end();
+    const qelcal::Entry undated = reader.next();
+    EXPECT_TRUE(undated.rules().empty() && undated.occurrences(0).empty());
+    EXPECT_EQ(undated.text("X-ICAL-RRULE"), "FREQ=DAILY");
+    ASSERT_EQ(undated.notes().size(), 2U);
+    EXPECT_EQ(undated.notes()[0].line, 5U);
+    EXPECT_FALSE(undated.has(QELCAL_START));
+    EXPECT_THROW(undated.time(QELCAL_START), qelcal::Error);
+    EXPECT_EQ(qelcal_entry_rules(undated.get(), 0), nullptr);
+    EXPECT_EQ(qelcal_entry_text(undated.get(), "SUMMARY"), nullptr);
+    EXPECT_STREQ(qelcal_entry_value(undated.get(), 0, 9), "");
+    // The calendar ends in 2499; the entry that starts later has no dates, and nothing hangs.
+    EXPECT_TRUE(reader.next().occurrences(0).empty());
+    const qelcal::Entry zoneless = reader.next();
+    EXPECT_EQ(zoneless.zone(), "");
+    EXPECT_THROW(zoneless.utc(zoneless.time(QELCAL_START)), qelcal::Error);
+    EXPECT_FALSE(reader.next());
+}
+
+TEST(Interface, RulesInEveryForm) {
+    const struct {
+        const char* text;
+        qelcal_form form;
+        std::vector<std::string> vcalendar;
+        std::string icalendar;
+        std::string positional;
+    } cases[] = {{"W2 MO WE FR #10",
+                  QELCAL_FORM_VCALENDAR,
+                  {"W2 MO WE FR #10"},
+                  "FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR",
+                  "WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;"},
+                 {"RRULE:MD1 #0",
+                  QELCAL_FORM_VCALENDAR,
+                  {"MD1 15 #0"},
+                  "FREQ=MONTHLY;INTERVAL=1;BYMONTHDAY=15",
+                  "MONTHLY;;;1;;;;;15;;;;;;"},
+                 {"WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;",
+                  QELCAL_FORM_POSITIONAL,
+                  {"W2 MO WE FR #10"},
+                  "FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR",
+                  "WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;"},
+                 {"FREQ=YEARLY;BYMONTH=2;BYMONTHDAY=30",
+                  QELCAL_FORM_ICALENDAR,
+                  {},
+                  "FREQ=YEARLY;INTERVAL=1;BYMONTHDAY=30;BYMONTH=2",
+                  "YEARLY;;;1;;;;;30;;;2;;;"}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.text);
+        const qelcal::Rules rules(each.text, Time::read("20050615T090000"));
+        EXPECT_EQ(rules.form(), each.form);
+        EXPECT_EQ(rules.texts(QELCAL_FORM_VCALENDAR), each.vcalendar);
+        EXPECT_EQ(rules.reason(QELCAL_FORM_VCALENDAR).empty(), !each.vcalendar.empty());
+        EXPECT_EQ(rules.text(QELCAL_FORM_ICALENDAR), each.icalendar);
+        EXPECT_EQ(rules.text(QELCAL_FORM_POSITIONAL), each.positional);
+        EXPECT_EQ(qelcal_rules_record_count(rules.get(), 0), 1U);
+    }
+    _rruleRepeat record;
+    const qelcal::Rules free("MD1 #0");
+    EXPECT_EQ(free.words(), "");
+    EXPECT_THROW(free.dates(1), qelcal::Error);
+    EXPECT_EQ(qelcal_rules_record(free.get(), 0, 1, &record, nullptr), QELCAL_INVALID_ARGUMENT);
+    EXPECT_EQ(qelcal_rules_text_count(free.get(), 1, QELCAL_FORM_ICALENDAR), 0U);
+    EXPECT_EQ(qelcal_rules_text_count(free.get(), 0, QELCAL_FORM_ANY), 0U);
+}
+
+TEST(Interface, DatesKeepToTheirRange) {
+    const qelcal::Rules daily("D1 #0", Time::read("20050615T090000"));
+    const auto between = [&](const char* since, const char* through) {
+        return daily.dates(Time::read(since), Time::read(through));
+    };
+    EXPECT_EQ(between("20050616", "20050618").size(), 3U);
+    EXPECT_EQ(between("20050615T090001", "20050618T085959").front().text(), "20050616T090000");
+    EXPECT_EQ(between("20050615T090001", "20050618T085959").back().text(), "20050617T090000");
+    EXPECT_TRUE(between("20050618", "20050616").empty());
+    EXPECT_TRUE(between("25000101", "99991231").empty());
+    EXPECT_EQ(daily.dates(0).back().text(), "24991231T090000");
+    EXPECT_TRUE(qelcal::Rules("D1 #0", Time::read("25000101")).dates(0).empty());
+    int calls = 0;
+    EXPECT_EQ(qelcal_rules_dates(daily.get(), 0, nullptr, nullptr, 0, stopAtSecond, &calls),
+              QELCAL_STOPPED);
+    EXPECT_EQ(calls, 2);
+}
+
+TEST(Interface, TimesAtTheirLimits) {
+    qelcal_time time = Time::read("99991231T235959");
+    EXPECT_EQ(qelcal_time_add(&time, 1, &time), QELCAL_INVALID_ARGUMENT);
+    for (const std::int64_t far :
+         {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+        EXPECT_EQ(qelcal_time_add(&time, far, &time), QELCAL_INVALID_ARGUMENT);
+        EXPECT_LT(qelcal::durationText(far).size(), std::size_t{QELCAL_TIME_SIZE});
+    }
+    EXPECT_EQ(qelcal::durationText(std::numeric_limits<std::int64_t>::min())[0], '-');
+    EXPECT_EQ(Time::read("00010101").plus(86400).text(), "00010102");
+    EXPECT_EQ(Time::read("00010101").plus(3600).text(), "00010101T010000");
+    EXPECT_EQ(qelcal_time_read("20050631", &time), QELCAL_INVALID_TEXT);
+    EXPECT_STREQ(qelcal_last_error(), "June 2005 has no day 31");
+    EXPECT_EQ(qelcal_time_read("00010101T000000+1400", &time), QELCAL_INVALID_TEXT);
+    EXPECT_THROW(qelcal::readDuration("PT99999999999999999999S"), qelcal::Error);
+}
+
+TEST(Interface, ZonesAndTextsByName) {
+    const qelcal::Zone berlin =
+        qelcal::Zone::find("amsterdam, berlin, bern, rome, stockholm, vienna");
+    const std::int64_t repeated = Time::read("20051030T023000").seconds();
+    EXPECT_EQ(berlin.toUtc(repeated).occurs, QELCAL_REPEATED);
+    EXPECT_EQ(repeated - berlin.toUtc(repeated).utc, 7200);
+    EXPECT_EQ(berlin.changes(2005).size(), 2U);
+    EXPECT_EQ(qelcal::Zone::find("utc").offset(0), 0);
+    EXPECT_EQ(qelcal::Zone::local().changes(2499).size() % 2, 0U);
+    EXPECT_THROW(berlin.changes(std::numeric_limits<int>::max()), qelcal::Error);
+    EXPECT_THROW(berlin.offset(-1), qelcal::Error);
+    int zone = 5;
+    EXPECT_EQ(qelcal_zone_find("e", &zone), QELCAL_UNKNOWN_NAME);
+    EXPECT_EQ(zone, 5);
+    EXPECT_EQ(qelcal::toUtf8("ISO-8859-1", "Z\xFCrich"), "Z\xC3\xBCrich");
+    EXPECT_THROW(qelcal::toUtf8("no-such-set", "a"), qelcal::Error);
+    EXPECT_EQ(qelcal_text_to_utf8("utf-8", "a", 1, stopAtOnce, nullptr, nullptr), QELCAL_STOPPED);
+}
+
+TEST(Interface, ConvertersRefuseCallsOutOfOrder) {
+    EXPECT_EQ(qelcal_converter_new(99, nullptr, nullptr), nullptr);
+    const std::string phone = phoneFile();
+    const std::unique_ptr<qelcal_converter, decltype(&qelcal_converter_free)> owner(
+        qelcal_converter_new(QELCAL_OTHER, stopAtOnce, nullptr), &qelcal_converter_free);
+    qelcal_converter* converter = owner.get();
+    EXPECT_EQ(qelcal_converter_write(converter, "A", 1), QELCAL_WRONG_ORDER);
+    EXPECT_EQ(qelcal_converter_end_file(converter), QELCAL_WRONG_ORDER);
+    EXPECT_EQ(qelcal_converter_begin_file(converter, nullptr), QELCAL_INVALID_ARGUMENT);
+    EXPECT_EQ(qelcal_converter_begin_file(converter, "a"), QELCAL_OK);
+    EXPECT_EQ(qelcal_converter_begin_file(converter, "a"), QELCAL_WRONG_ORDER);
+    EXPECT_EQ(qelcal_converter_write(converter, nullptr, 1), QELCAL_INVALID_ARGUMENT);
+    EXPECT_EQ(qelcal_converter_write(converter, phone.data(), phone.size()), QELCAL_OK);
+    EXPECT_EQ(qelcal_converter_scan(converter, "A", 1), QELCAL_WRONG_ORDER);
+    EXPECT_EQ(qelcal_converter_finish(converter), QELCAL_WRONG_ORDER);
+    EXPECT_EQ(qelcal_converter_end_file(converter), QELCAL_OK);
+    // The refused calls did no harm; what the output refuses ends the conversion.
+    EXPECT_EQ(qelcal_converter_finish(converter), QELCAL_STOPPED);
+    EXPECT_EQ(qelcal_converter_finish(converter), QELCAL_WRONG_ORDER);
+    qelcal_counts counts;
+    EXPECT_EQ(qelcal_converter_counts(converter, &counts), QELCAL_OK);
+    EXPECT_EQ(counts.entries, 7U);
+}
+
+TEST(Interface, WhatACallbackThrowsComesOut) {
+    const std::string phone = phoneFile();
+    qelcal::Converter converter(QELCAL_OTHER, {});
+    int seen = 0;
+    converter.onEntry(
+        [&](const qelcal::Converted& each) {
+            EXPECT_EQ(each.source.rfind("BEGIN:V", 0), 0U);
+            EXPECT_EQ(each.target, QELCAL_ICALENDAR);
+            if (++seen == 3) throw std::out_of_range("three");
+        },
+        true);
+    converter.beginFile("");
+    EXPECT_THROW(converter.write(phone.data(), phone.size()), std::out_of_range);
+    EXPECT_EQ(seen, 3);
+    EXPECT_THROW(converter.endFile(), qelcal::Error);
+}
+
+TEST(Interface, OneReportForSeveralConverters) {
+    const std::string phone = phoneFile();
+    std::string body;
+    std::string head;
+    const auto to = [](std::string& text) {
+        return [&text](const char* bytes, std::size_t size) { text.append(bytes, size); };
+    };
+    qelcal::Report report(to(body));
+    qelcal::Converter first(QELCAL_OTHER, {});
+    first.reportTo(&report);
+    {
+        qelcal::Converter second(QELCAL_OTHER, {});
+        second.reportTo(&report);
+        second.onNote([](const qelcal::Note&) { throw std::runtime_error("no more"); });
+        first.beginFile("one");
+        first.write(phone.data(), phone.size());
+        second.beginFile("two");
+        EXPECT_THROW(second.write(phone.data(), phone.size()), qelcal::Error);
+        EXPECT_THROW(report.finish("", to(head)), qelcal::Error);
+        first.endFile();
+        EXPECT_THROW(second.write(phone.data(), phone.size()), std::runtime_error);
+    }
+    report.result(1, "", "it was given up");
+    EXPECT_THROW(report.result(2, "", ""), qelcal::Error);
+    report.finish("A remark", to(head));
+    const auto count = [&](const char* part) {
+        int found = 0;
+        for (std::size_t at = body.find(part); at != std::string::npos;
+             at = body.find(part, at + 1))
+            ++found;
+        return found;
+    };
+    EXPECT_EQ(count("<section"), 2);
+    EXPECT_EQ(count("</section>"), 2);
+    EXPECT_NE(head.find("A remark"), std::string::npos);
+    const std::size_t size = body.size();
+    first.beginFile("late");
+    EXPECT_THROW(first.write(phone.data(), phone.size()), qelcal::Error);
+    EXPECT_THROW(report.result(0, "", ""), qelcal::Error);
+    EXPECT_EQ(body.size(), size);
+}
+
+}  // namespace
