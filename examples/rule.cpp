@@ -13,7 +13,7 @@ int main() {
         _rruleRepeat rule;
         int flags = 0;
         if (BxUtil_PositionalV10toRRULE(text, &rule, &flags) != 0) {
-            printf("%s is no rule\n", text);  // and the log has a line about it
+            printf("%s is not a rule\n", text);  // and the log has a line about it
             continue;
         }
         // The end keeps its time of day only when it came with one.
@@ -34,4 +34,4 @@ int main() {
 //    and back: MP1 1- FR #0
 // RRULE:FREQ=DAILY;UNTIL=20051231T235959Z;INTERVAL=1
 //    and back: D1 20051231T235959Z
-// Q1 #4 is no rule
+// Q1 #4 is not a rule

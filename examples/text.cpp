@@ -23,7 +23,7 @@ int main() {
     show("950", "=A4=A4=A4=E5");  // traditional Chinese, Big5
     show("KOI9", "=41");          // no such set
 
-    // And back: UTF-8 into a set, then quoted-printable behind a property's name.
+    // And back: UTF-8 into a set, then quoted-printable after a property's name.
     VStr text("Caf\xC3\xA9; 100 % = all");
     CBxCharConvSvcs converter;
     converter.InitializeTo("8859-1");

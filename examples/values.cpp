@@ -3,7 +3,7 @@
 #include <stdio.h>
 
 int main() {
-    // A vCard's name, in which "\;" is no separator. The backslash has to be named as one too.
+    // A vCard's name, in which "\;" is not a separator. The backslash has to be named as one too.
     CBxParseValues name;
     name.SetSeparators(";\\");
     name.SetAddEmptyItems(true);
