@@ -10,7 +10,7 @@
 #include "QelUtility/BxParseValues.h"
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
-#include "recurrence/RRuleLists.h"
+#include "recurrence/RRuleText.h"
 #include "recurrence/RepeatRecord.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
