@@ -30,7 +30,9 @@ class Zone {
     /// All zones of the table, by number.
     static std::vector<Zone> all() {
         std::vector<Zone> zones;
-        for (std::size_t i = 1; i <= qelcal_zone_count(); ++i)
+        const std::size_t count = qelcal_zone_count();
+        if (count == 0) throw std::bad_alloc();
+        for (std::size_t i = 1; i <= count; ++i)
             zones.push_back(Zone(static_cast<int>(i)));
         return zones;
     }

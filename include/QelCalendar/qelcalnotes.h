@@ -144,6 +144,28 @@ typedef enum qelcal_note_code {
     /**< QelUtility's record of the rule has the positions of its weekdays only. */
     QELCAL_NOTE_RECORD_SEVERAL = 345,
     /**< One record cannot express the rule. Each of them has the whole rule's count. */
+    QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
+    /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
+     * local times, without a time zone. */
+    QELCAL_NOTE_DAYLIGHT_INVALID = 402,
+    /**< The file describes a period of daylight saving time in a form that cannot be read. The line
+     * is kept, but times in that period may be an hour off. */
+    QELCAL_NOTE_DAYLIGHT_OVERLAPS = 403,
+    /**< Two lines of the file describe daylight saving time for the same days. The earlier one is
+     * used; the other one is kept, but ignored. */
+    QELCAL_NOTE_ZONE_WITHOUT_ID = 411,
+    /**< The file describes a time zone without a name, so no entry can refer to it. */
+    QELCAL_NOTE_ZONE_WITHOUT_OFFSET = 412,
+    /**< The file names a time zone but does not say how far it is from UTC. Its times are kept as
+     * local times. */
+    QELCAL_NOTE_ZONE_PROPERTY_UNKNOWN = 413,
+    /**< The description of a time zone contains a property that has no meaning there. */
+    QELCAL_NOTE_ZONE_PROPERTY_REPEATED = 414,
+    /**< The description of a time zone gives the same fact twice. The first one is used. */
+    QELCAL_NOTE_ZONE_COMPONENT_UNKNOWN = 415,
+    /**< The description of a time zone contains a part that has no meaning there. */
+    QELCAL_NOTE_ZONE_PART_INCOMPLETE = 416,
+    /**< One of the zone's changes of offset cannot be read. Times after it may be an hour off. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file holds something besides events, to-dos and notes, for example free and busy times.
      * Only those three are converted. */
