@@ -1,41 +1,52 @@
-// The whole converter: any file converts, and what it writes converts again without a loss of
-// entries.
-#include "calendar/converter/Converter.h"
-
-#include <sstream>
-
+// The whole converter, through the library's interface: any file converts, in pieces as in one,
+// what it writes converts again without a loss of entries, and its entries can be read.
 #include "Fuzz.h"
+#include "QelCalendar/All.h"
 
 using namespace qel::fuzz;
-using qel::calendar::ByteSource;
-using qel::calendar::CalendarFormat;
-using qel::calendar::Converter;
-using qel::calendar::Note;
 
 namespace {
 
-ByteSource sourceOf(const std::string& text) {
-    return [&text, at = std::size_t{0}](char* bytes, std::size_t room) mutable {
-        const std::size_t length = std::min(room, text.size() - at);
-        std::memcpy(bytes, text.data() + at, length);
-        at += length;
-        return length;
-    };
+constexpr std::size_t kWhole = static_cast<std::size_t>(-1);
+
+// Calls `call` for the pieces of `text`, whose sizes come from the bytes of `sizes` in turn.
+template <class Call>
+void inPieces(const std::string& text, std::string_view sizes, Call call) {
+    std::size_t turn = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t wanted =
+            sizes.empty() ? kWhole : static_cast<unsigned char>(sizes[turn++ % sizes.size()]) + 1U;
+        // A copy, so that the sanitizers see its end.
+        const std::string piece = text.substr(at, wanted);
+        call(piece.data(), piece.size());
+        at += piece.size();
+    }
 }
 
 struct Result {
     std::string text;
-    std::uint64_t entries;
+    std::string notes;
+    std::uint64_t entries = 0;
+    bool operator==(const Result&) const = default;
 };
 
-Result convertText(const std::string& text, CalendarFormat to) {
-    std::ostringstream out;
-    Converter converter(out, to,
-                        [](const Note& message) { FUZZ_CHECK(!message.text().empty()); });
-    converter.collectZones(sourceOf(text));
-    converter.convert(sourceOf(text), "input");
+Result convertText(const std::string& text, qelcal_format to, std::string_view sizes) {
+    Result result;
+    qelcal::Converter converter(
+        to, [&](const char* bytes, std::size_t size) { result.text.append(bytes, size); });
+    converter.onNote([&](const qelcal::Note& note) {
+        FUZZ_CHECK(!note.text.empty());
+        result.notes += std::to_string(note.line) + " " + note.text + "\n";
+    });
+    const auto scan = [&](const char* bytes, std::size_t size) { converter.scan(bytes, size); };
+    const auto write = [&](const char* bytes, std::size_t size) { converter.write(bytes, size); };
+    converter.beginFile("input");
+    inPieces(text, sizes, scan);
+    inPieces(text, sizes, write);
+    converter.endFile();
     converter.finish();
-    return {out.str(), converter.counts().entries};
+    result.entries = converter.counts().entries;
+    return result;
 }
 
 void checkLines(const std::string& text) {
@@ -46,16 +57,57 @@ void checkLines(const std::string& text) {
     }
 }
 
+// Asks an entry for all that it has.
+void look(const qelcal::Entry& entry) {
+    FUZZ_CHECK(entry.kind() != 0 && entry.line() != 0);
+    for (std::size_t i = 0; i < qelcal_entry_property_count(entry.get()); ++i) {
+        const std::string name = qelcal_entry_property_name(entry.get(), i);
+        FUZZ_CHECK(entry.has(name) && !entry.values(name).empty());
+    }
+    for (int which = QELCAL_START; which <= QELCAL_RECURRENCE_ID; ++which)
+        if (entry.has(static_cast<qelcal_which_time>(which))) {
+            const qelcal::Time time = entry.time(static_cast<qelcal_which_time>(which));
+            FUZZ_CHECK(qelcal::Time::read(time.text()).seconds() == time.seconds());
+        }
+    for (const qelcal::Rules& rules : entry.rules())
+        for (std::size_t i = 0; i < rules.count(); ++i) FUZZ_CHECK(!rules.words(i).empty());
+    for (const qelcal_alarm& alarm : entry.alarms()) FUZZ_CHECK(alarm.text != nullptr);
+    FUZZ_CHECK(entry.occurrences(3).size() <= 3);
+    for (const qelcal::Note& note : entry.notes()) FUZZ_CHECK(!note.text.empty());
+}
+
+std::uint64_t entriesOf(const std::string& text, std::string_view sizes) {
+    qelcal::Reader reader;
+    std::uint64_t entries = 0;
+    const auto take = [&] {
+        for (; const qelcal::Entry entry = reader.next(); ++entries) look(entry);
+    };
+    const auto scan = [&](const char* bytes, std::size_t size) { reader.scan(bytes, size); };
+    inPieces(text, sizes, scan);
+    inPieces(text, sizes, [&](const char* bytes, std::size_t size) {
+        reader.write(bytes, size);
+        take();
+    });
+    reader.end();
+    take();
+    return entries;
+}
+
 }  // namespace
 
 QEL_FUZZ_TARGET(convert) {
     const bool toPhone = in.flag();
     const std::string text = in.text();
-    const CalendarFormat there = toPhone ? CalendarFormat::VCalendar10 : CalendarFormat::ICalendar;
-    const CalendarFormat back = toPhone ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
-    const Result first = convertText(text, there);
+    // The end of the input is its last line and the sizes of its pieces.
+    const std::string_view sizes =
+        std::string_view(text).substr(text.size() - std::min<std::size_t>(text.size(), 8));
+    const qelcal_format there = toPhone ? QELCAL_VCALENDAR : QELCAL_ICALENDAR;
+    const qelcal_format back = toPhone ? QELCAL_ICALENDAR : QELCAL_VCALENDAR;
+    const Result first = convertText(text, there, {});
+    FUZZ_CHECK(convertText(text, there, sizes) == first);
     checkLines(first.text);
-    const Result second = convertText(first.text, back);
+    const Result second = convertText(first.text, back, sizes);
     checkLines(second.text);
     FUZZ_CHECK(second.entries == first.entries);
+    FUZZ_CHECK(entriesOf(text, sizes) == first.entries);
 }
