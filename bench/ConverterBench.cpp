@@ -2,14 +2,11 @@
 #include <libical/ical.h>
 #include <libical/vcc.h>
 
-#include <algorithm>
-#include <cstring>
 #include <memory>
-#include <sstream>
 #include <string>
 
 #include "Comparison.h"
-#include "calendar/converter/Converter.h"
+#include "QelCalendar/Convert.h"
 
 // This header does not say that its functions are C.
 extern "C" {
@@ -19,8 +16,6 @@ extern "C" {
 namespace qel::bench {
 
 namespace {
-
-using calendar::CalendarFormat;
 
 constexpr char kVEvent[] =
     "BEGIN:VEVENT\r\nUID:4711-%\r\nDTSTART:20050615T083000Z\r\nDTEND:20050615T093000Z\r\n"
@@ -41,20 +36,15 @@ std::string vCalendarOf(int events) {
     return text + "END:VCALENDAR\r\n";
 }
 
-std::string converted(const std::string& text, CalendarFormat to) {
-    std::ostringstream out;
-    calendar::Converter converter(out, to, [](const calendar::Note&) {});
-    std::size_t read = 0;
-    converter.convert(
-        [&](char* buffer, std::size_t room) {
-            const std::size_t count = std::min(room, text.size() - read);
-            std::memcpy(buffer, text.data() + read, count);
-            read += count;
-            return count;
-        },
-        "bench.vcs");
+std::string converted(const std::string& text, qelcal_format to) {
+    std::string result;
+    qelcal::Converter converter(
+        to, [&result](const char* bytes, std::size_t size) { result.append(bytes, size); });
+    converter.beginFile("bench.vcs");
+    converter.write(text.data(), text.size());
+    converter.endFile();
     converter.finish();
-    return out.str();
+    return result;
 }
 
 std::string byLibical(const std::string& text) {
@@ -78,12 +68,12 @@ int countOf(const std::string& text, const char* piece) {
 
 // Both results hold every event at its time, and ours reads as iCalendar.
 bool same(const std::string& text, int events) {
-    const std::string ours = converted(text, CalendarFormat::ICalendar);
+    const std::string ours = converted(text, QELCAL_ICALENDAR);
     icalcomponent* read = icalparser_parse_string(ours.c_str());
     const int found =
         read == nullptr ? 0 : icalcomponent_count_components(read, ICAL_VEVENT_COMPONENT);
     if (read != nullptr) icalcomponent_free(read);
-    const std::string back = converted(ours, CalendarFormat::VCalendar10);
+    const std::string back = converted(ours, QELCAL_VCALENDAR);
     return found == events && countOf(ours, "DTSTART:20050615T083000Z\r\n") == events &&
            countOf(byLibical(text), "DTSTART:20050615T083000Z\r\n") == events &&
            countOf(back, "DTSTART:20050615T083000Z\r\n") == events;
@@ -97,27 +87,23 @@ void addConverter() {
         const bool peered = events <= 400;  // libical reads 489 events at most
         const auto agree = [text, events, peered] {
             return peered ? same(*text, events)
-                          : countOf(converted(*text, CalendarFormat::ICalendar), "BEGIN:VEVENT") ==
-                                events;
+                          : countOf(converted(*text, QELCAL_ICALENDAR), "BEGIN:VEVENT") == events;
         };
         const std::string files = ", file of " + std::to_string(events);
         Comparison toICalendar(
             {"vCalendar event to iCalendar" + files, 2000, "420 bytes read, 490 written", 0,
              "libical", 18400, static_cast<double>(events)},
             agree);
-        toICalendar.ours(
-            [text] { benchmark::DoNotOptimize(converted(*text, CalendarFormat::ICalendar)); });
+        toICalendar.ours([text] { benchmark::DoNotOptimize(converted(*text, QELCAL_ICALENDAR)); });
         if (peered)
             toICalendar.peer("libical", [text] { benchmark::DoNotOptimize(byLibical(*text)); });
-        const auto iCalendar =
-            std::make_shared<std::string>(converted(*text, CalendarFormat::ICalendar));
+        const auto iCalendar = std::make_shared<std::string>(converted(*text, QELCAL_ICALENDAR));
         Comparison toVCalendar(
             {"iCalendar event to vCalendar" + files, 2500, "490 bytes read, 420 written", 0,
              "libical, reading alone", 9900, static_cast<double>(events)},
             agree);
-        toVCalendar.ours([iCalendar] {
-            benchmark::DoNotOptimize(converted(*iCalendar, CalendarFormat::VCalendar10));
-        });
+        toVCalendar.ours(
+            [iCalendar] { benchmark::DoNotOptimize(converted(*iCalendar, QELCAL_VCALENDAR)); });
         if (peered)
             toVCalendar.peer("libical, reading alone", [iCalendar] {
                 icalcomponent_free(icalparser_parse_string(iCalendar->c_str()));
