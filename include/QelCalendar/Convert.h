@@ -34,8 +34,11 @@ struct Converted {
 /// belongs to and comes out of it.
 class Converter {
   public:
+    /// Receives a piece of the calendar.
     using Output = std::function<void(const char* bytes, std::size_t size)>;
+    /// Receives a note.
     using OnNote = std::function<void(const Note& note)>;
+    /// Receives an entry after its conversion.
     using OnEntry = std::function<void(const Converted& converted)>;
 
     /// A converter to `target`. An empty `output` drops the calendar: a dry run.

@@ -16,6 +16,7 @@ namespace qelcal {
 /// A call that failed: its result and one sentence without a full stop.
 class Error : public std::runtime_error {
   public:
+    /// The error of a call that returned `failed`; `why` says what was wrong.
     Error(int failed, const std::string& why) : std::runtime_error(why), result_(failed) {}
     /// A qelcal_result.
     int result() const noexcept { return result_; }

@@ -18,6 +18,7 @@ namespace qelcal {
 /// The report of one run.
 class Report {
   public:
+    /// Receives a piece of the page.
     using Output = std::function<void(const char* bytes, std::size_t size)>;
 
     /// `body` receives the body as it comes; what it throws comes out of the converter's call as an

@@ -371,12 +371,12 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_occurrences(const qelcal_entry
 typedef struct qelcal_alarm {
     const char* action; /**< "AUDIO", "DISPLAY", "EMAIL", "PROCEDURE" or the file's own word */
     int has_time;       /**< 1: it rings at `time`; 0: `offset` seconds after the start or end */
-    qelcal_time time;
-    int64_t offset; /**< negative for an alarm before the start */
-    int from_end;   /**< 1: the offset counts from the end (of a to-do: the due time) */
-    int64_t snooze; /**< seconds between repetitions, 0 without */
-    int repeat;     /**< further times, 0 without */
-    const char* text;
+    qelcal_time time;   /**< when it rings, with has_time */
+    int64_t offset;     /**< negative for an alarm before the start */
+    int from_end;       /**< 1: the offset counts from the end (of a to-do: the due time) */
+    int64_t snooze;     /**< seconds between repetitions, 0 without */
+    int repeat;         /**< further times, 0 without */
+    const char* text;   /**< what it shows or says, may be empty */
 } qelcal_alarm;
 
 /** The number of its alarms. */
@@ -440,11 +440,11 @@ typedef enum qelcal_format {
 typedef struct qelcal_counts {
     uint64_t calendars; /**< that began; an entry outside any calendar has one of its own */
     uint64_t entries;   /**< events, to-dos and notes that were read */
-    uint64_t alarms;
-    uint64_t changed;  /**< of the entries, those with a note */
-    uint64_t warnings; /**< notes of that severity */
-    uint64_t errors;   /**< notes of that severity */
-    uint64_t lost;     /**< notes whose fate is QELCAL_LOST */
+    uint64_t alarms;    /**< of these entries */
+    uint64_t changed;   /**< of the entries, those with a note */
+    uint64_t warnings;  /**< notes of that severity */
+    uint64_t errors;    /**< notes of that severity */
+    uint64_t lost;      /**< notes whose fate is QELCAL_LOST */
 } qelcal_counts;
 
 /** Receives output. The bytes last until the callback returns. */
@@ -456,10 +456,10 @@ typedef struct qelcal_converted {
     const qelcal_entry* entry; /**< as it was read, with its notes */
     int target;                /**< a qelcal_format: what it was written as */
     const char* source;        /**< its bytes in the file; empty unless lines are wanted */
-    size_t source_size;
-    int source_cut;      /**< 1: the entry has more lines than `source` */
-    const char* written; /**< its lines in the result; empty unless lines are wanted */
-    size_t written_size;
+    size_t source_size;        /**< of `source`, in bytes */
+    int source_cut;            /**< 1: the entry has more lines than `source` */
+    const char* written;       /**< its lines in the result; empty unless lines are wanted */
+    size_t written_size;       /**< of `written`, in bytes */
 } qelcal_converted;
 
 /** Receives an entry after its conversion. */

@@ -1,5 +1,5 @@
 /** @file
- * The codes of the calendar library's notes; made by `./dev pages` from the library's catalogue. A
+ * The codes of the calendar library's notes; "./dev pages" makes this file from its catalogue. A
  * number is never used again. C99.
  */
 #ifndef QELCALENDAR_QELCALNOTES_H
