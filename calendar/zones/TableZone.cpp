@@ -32,10 +32,11 @@ int yearOf(std::int64_t seconds) {
         .year;
 }
 
-// REQUIRES: a date-time text of QelUtility.
+// Of a date-time text of QelUtility, which is incomplete only when memory was refused.
 std::int64_t secondsOf(const char* text) {
     const auto moment = parseMoment(text);
-    return moment ? moment->seconds() : 0;
+    if (!moment) throw std::bad_alloc();
+    return moment->seconds();
 }
 
 std::string listOf(const std::vector<std::size_t>& zones) {
