@@ -17,7 +17,7 @@ thread_local char lastError[1024];
 }  // namespace
 
 int fail(qelcal_result result, std::string_view why) {
-    // A cut within a character would leave an invalid text behind.
+    // A cut within a character would leave an invalid text.
     std::size_t size = std::min(why.size(), sizeof lastError - 1);
     while (size < why.size() && size > 0 &&
            (static_cast<unsigned char>(why[size]) & 0xC0U) == 0x80U)

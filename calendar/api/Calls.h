@@ -28,7 +28,7 @@ int guarded(Body&& body) noexcept {
     }
 }
 
-// The same for a function that answers a value: `otherwise` when it fails.
+// The same for a function that returns a value: `otherwise` when it fails.
 template <class Value, class Body>
 Value guardedValue(Value otherwise, Body&& body) noexcept {
     try {
@@ -39,7 +39,7 @@ Value guardedValue(Value otherwise, Body&& body) noexcept {
     }
 }
 
-// Ends the call, by an exception, when a callback answered anything but 0.
+// Ends the call, by an exception, when a callback returned anything but 0.
 inline void goOn(int answer) {
     if (answer != 0) throw Stopped{};
 }

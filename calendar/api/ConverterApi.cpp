@@ -53,7 +53,7 @@ std::optional<CalendarFormat> formatOf(int number) {
 
 }  // namespace
 
-// The converter, and everybody who hears of what it does.
+// The converter, with the callbacks and the report that it serves.
 struct qelcal_converter final : private qel::calendar::ConversionObserver {
   public:
     enum class State { BetweenFiles, Named, Scanning, Reading, Finished, Failed };
@@ -181,7 +181,7 @@ int refuseOrder(const char* why) {
 }
 
 int refuseReport() {
-    return refuseOrder("the report is finished, or hears of another converter's file");
+    return refuseOrder("the report is finished, or another converter's file is in it");
 }
 
 bool inFile(const qelcal_converter& converter) {
@@ -223,7 +223,7 @@ int qelcal_converter_on_entry(qelcal_converter* converter, qelcal_converted_fn c
                               void* context, int lines) {
     if (converter == nullptr) return refuseNull();
     if (converter->state == State::Reading)
-        return refuseOrder("a file is being read; who hears of entries is chosen before");
+        return refuseOrder("a file is being read: choose who receives entries before it begins");
     converter->onEntry = converted;
     converter->entryContext = context;
     converter->lines = lines != 0;

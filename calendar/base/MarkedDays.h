@@ -18,7 +18,8 @@ struct MarkedMonth {
     std::span<const MarkedDay> days;  // at least one
 };
 
-// The months that hold a marked day, in order. Their days refer to `days`. REQUIRES: days ascend.
+// The months that contain a marked day, in order. Their days refer to `days`. REQUIRES: days
+// ascend.
 [[nodiscard]] std::vector<MarkedMonth> monthsOf(std::span<const MarkedDay> days);
 
 }  // namespace qel::calendar

@@ -101,7 +101,7 @@ std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
     if (digits == 0) return failed(problem, "a number is missing before ", quoted(text));
     if (digits == text.size()) return failed(problem, "a unit is missing after ", quoted(text));
     const std::int64_t number = *parseInt(text.substr(0, digits));
-    // parseInt answers its largest number for all that are larger.
+    // parseInt returns its largest number for all that are larger.
     if (number == std::numeric_limits<int>::max())
         return failed(problem, text.substr(0, std::min<std::size_t>(digits, 40)),
                       " is too large a number");

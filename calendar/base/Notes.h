@@ -60,8 +60,8 @@ inline constexpr std::size_t kLongestExcerpt = 200;
 struct Note {
     NoteCode code{};
     std::size_t line = 0;  // of the input, 1 for the first; 0 when no line is meant
-    // What its sentence mentions, as it stands in the input: control characters and invalid bytes
-    // included. Whoever shows it escapes them.
+    // What its sentence mentions, unchanged from the input: control characters and invalid bytes
+    // included. Escape them before showing them.
     std::vector<std::string> values;
     // The property that the note is about and its value, where the sentence needs them before it:
     // `RRULE "W1 MO XX": ...`. Empty when not.

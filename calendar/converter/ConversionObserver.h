@@ -1,4 +1,4 @@
-// Who wants to know what became of each entry: the report, the counts, a program that shows
+// What is given every entry after its conversion: the report, the counts, a program that shows
 // entries. One thread.
 #ifndef QEL_CALENDAR_CONVERTER_CONVERSIONOBSERVER_H
 #define QEL_CALENDAR_CONVERTER_CONVERSIONOBSERVER_H

@@ -96,7 +96,7 @@ class Converter::File {
         takeItems();
     }
 
-    // Hands a note on, and keeps it until the entry that it may be about is written.
+    // Passes a note on, and keeps it until the entry that it may be about is written.
     void report(Note note) {
         note.file = name_;
         if (observer_ != nullptr) keep(note);
@@ -319,7 +319,7 @@ class Converter::File {
     bool inEntry_ = false;  // one has been read and is converted
 };
 
-// A file on its way past for its zones.
+// A file that is read for its zones only.
 class Converter::Scan {
   public:
     explicit Scan(ZoneStore& zones) : zones_(zones) {}

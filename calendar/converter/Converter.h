@@ -23,7 +23,7 @@ class EntryWriter;
 using ByteSource = std::function<std::size_t(char* bytes, std::size_t room)>;
 
 struct ConvertCounts {
-    std::uint64_t calendars = 0;  // that have begun; an entry outside any has one of its own
+    std::uint64_t calendars = 0;  // those begun; an entry outside any calendar counts as one
     std::uint64_t entries = 0;
     std::uint64_t alarms = 0;
 };

@@ -78,7 +78,7 @@ void EntryStream::write(std::string_view bytes) {
     input_ += bytes;
 }
 
-// Gives the converter one line, so that no more than one entry comes of it. False when that has to
+// Gives the converter one line, so that at most one entry results. False when that has to
 // wait for more input.
 bool EntryStream::feed() {
     const std::string_view rest = std::string_view(input_).substr(at_);

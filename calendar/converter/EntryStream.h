@@ -37,7 +37,7 @@ class EntryStream {
 
     // Reads on until there is an entry. The one before it ends.
     State next();
-    // REQUIRES: next() answered Entry.
+    // REQUIRES: next() returned Entry.
     [[nodiscard]] const ReadEntry& entry() const;
 
     // Notes that belong to no entry, so far; the first kMostNotes of them.

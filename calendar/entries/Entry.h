@@ -1,4 +1,4 @@
-// A calendar entry between the two formats, in iCalendar's words: whatever the file said, as UTF-8
+// A calendar entry between the two formats, in iCalendar's words: what the file said, as UTF-8
 // text, moments, rules and alarms. Plain data; any thread.
 #ifndef QEL_CALENDAR_ENTRIES_ENTRY_H
 #define QEL_CALENDAR_ENTRIES_ENTRY_H
@@ -19,7 +19,7 @@ namespace qel::calendar {
 
 enum class EntryKind { Event, Todo, Journal };
 
-// What one format has and the other has not goes under these names, and comes back under its own:
+// What only one of the formats has is kept under these names, and gets its own name back:
 // "X-VCAL-RNUM" of an iCalendar file is RNUM in vCalendar 1.0, "X-ICAL-CONTACT" of a vCalendar file
 // is CONTACT in iCalendar. Parameters are carried in the same way.
 inline constexpr std::string_view kVCalendarPrefix = "X-VCAL-";
@@ -60,11 +60,11 @@ struct Alarm {
     std::optional<std::int64_t> snooze;  // seconds between repetitions
     std::optional<int> repeat;           // further times
     std::string text;     // what is shown or sent, or the sound or procedure, as text
-    bool hasText = true;  // false: a text stands in because iCalendar wants one
+    bool hasText = true;  // false: iCalendar requires one, so a substitute is written
     std::string address;  // to whom Email goes, without "mailto:"
     std::string summary;  // of Email
 
-    // Of a vCalendar 1.0 alarm: what stands behind its time, and its parameters, as they stood.
+    // Of a vCalendar 1.0 alarm: what followed its time, and its parameters, unchanged.
     bool fromVCalendar = false;
     std::string fields;
     std::vector<Parameter> parameters;

@@ -165,7 +165,7 @@ void AlarmReader::takeLine(const ContentLine& line) {
             !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);
     readAlarmFields(alarm_);
-    // A URI shows by itself that it is one.
+    // A URI can be recognised as one.
     if (isUri(alarm_.text))
         std::erase_if(alarm_.parameters, [](const Parameter& each) {
             return each.name == "VALUE" &&

@@ -83,7 +83,7 @@ class ActionLines {
         }
     }
 
-    // What a reader of these lines gets, as far as vCalendar 1.0 could hold it.
+    // What a reader of these lines gets, as far as vCalendar 1.0 can express it.
     [[nodiscard]] const Alarm& written() const { return written_; }
 
   private:
@@ -191,7 +191,7 @@ void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm)
                                    [](const Parameter& each) { return each.name == "VALUE"; });
     if (takesUri && isUri(alarm.text) && (kind == parameters.end() || kind->value.empty()))
         parameters.push_back({"VALUE", "URL"});
-    // In binary the fields before the sound stand on the first line.
+    // In binary the fields before the sound are on the first line.
     if (isBinary(alarm))
         out += vCalendarBase64(name, parameters, value);
     else

@@ -89,7 +89,7 @@ class EntryReader {
     std::set<std::string, std::less<>> unknownZones_;  // reported
 };
 
-// True for the words that name an encoding, where a value stands without its parameter's name.
+// True for the words that name an encoding, where a value is given without its parameter's name.
 [[nodiscard]] bool isEncodingWord(std::string_view value);
 
 }  // namespace qel::calendar

@@ -6,7 +6,7 @@ namespace qel::calendar {
 
 namespace {
 
-// Text is handed on in pieces of at least this many bytes.
+// Text is passed on in pieces of at least this many bytes.
 constexpr std::size_t kWaiting = 65536;
 
 }  // namespace

@@ -20,12 +20,12 @@ class EntryWriter {
     EntryWriter(const EntryWriter&) = delete;
     EntryWriter& operator=(const EntryWriter&) = delete;
 
-    // The properties of the calendar that the next entries come from, besides its version, its
-    // product and its zone. Calendars that agree in them are joined.
+    // The properties of the calendar that the next entries come from, other than its version, its
+    // product and its zone. Calendars with equal properties are joined.
     virtual void calendar(const std::vector<EntryProperty>& properties) = 0;
-    // Reports what the format cannot hold of the entry.
+    // Writes the entry and reports what the format cannot express.
     virtual void write(const Entry& entry) = 0;
-    // Hands on what has been written so far; otherwise that waits until there is more of it.
+    // Passes on what has been written so far; otherwise that waits until there is more.
     void flush();
     // From now on entryLines() has the lines of the entry that was written last.
     void keepEntryLines(bool keep) { keepsEntryLines_ = keep; }
@@ -41,7 +41,7 @@ class EntryWriter {
     void report(std::vector<Note> notes) {
         for (Note& note : notes) sink_(std::move(note));
     }
-    // One line with its line end, as it stands.
+    // One line, unchanged, and its line end.
     void put(std::string_view line);
     // The same in two steps: the line is added to text(), then ended.
     [[nodiscard]] std::string& text() { return text_; }

@@ -11,7 +11,7 @@
 
 namespace qel::calendar {
 
-// The value of a property as it stands after the colon, escaped where its type asks for that.
+// The value of a property as it is written after the colon, escaped where its type asks for that.
 [[nodiscard]] std::string valueText(const EntryProperty& property);
 
 class ICalEntry {

@@ -11,7 +11,7 @@ namespace qel::calendar {
 
 namespace {
 
-// The parameters besides those that say how the value is written.
+// The parameters other than those that say how the value is written.
 std::vector<Parameter> ownParameters(const ContentLine& line, bool binary) {
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
@@ -68,7 +68,7 @@ void ICalReader::takeProperty(const ContentLine& line) {
         add(line, line.name, EntryProperty::Type::Text, unescapeICalendar(value),
             std::move(parameters));
     } else {
-        // Some other standard's property: as it stands.
+        // A property of some other standard, kept unchanged.
         add(line, line.name, EntryProperty::Type::Raw, value, std::move(parameters));
     }
 }

@@ -16,14 +16,14 @@ namespace qel::calendar {
 
 namespace {
 
-// A count that goes on for longer stays a count.
+// A count whose series lasts longer stays a count.
 constexpr int kYearsCounted = 100;
 
 std::string keptName(std::string_view name) {
     return std::string(kVCalendarPrefix) + std::string(name);
 }
 
-// A rule that recurs within the day: a Rule cannot hold it, but iCalendar can.
+// A rule that recurs within the day: a Rule cannot express it, but iCalendar can.
 bool isFineRule(const EntryProperty& property) {
     return (property.name == "X-ICAL-RRULE" || property.name == "X-ICAL-EXRULE") &&
            (startsWithIgnoreCase(property.value(), "FREQ=HOURLY") ||

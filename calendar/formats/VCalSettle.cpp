@@ -91,7 +91,8 @@ void VCalSettling::settleRules() {
     }
 }
 
-// A list of dates where the rule has an end, or the rule as it stands for whoever reads it back.
+// A list of dates where the rule has an end, or the iCalendar rule, for when the entry is converted
+// back.
 void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
                                        const RuleStart& start, const std::string& reason) {
     std::string text = iCalendarText(rule);

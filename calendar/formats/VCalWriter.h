@@ -1,5 +1,5 @@
 // Calendars of vCalendar 1.0: one for each zone, because the format has no other place for a zone.
-// Notes stand outside calendars. One thread.
+// Notes are written outside calendars. One thread.
 #ifndef QEL_CALENDAR_FORMATS_VCALWRITER_H
 #define QEL_CALENDAR_FORMATS_VCALWRITER_H
 

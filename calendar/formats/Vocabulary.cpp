@@ -158,7 +158,7 @@ void readAlarmFields(Alarm& alarm) {
     std::size_t at = 2;
     if (alarm.action == Alarm::Action::Email) alarm.address = field(at++);
     alarm.text = field(at);
-    // What stands behind belongs to the text: a semicolon that was not escaped.
+    // What follows belongs to the text: a semicolon that was not escaped.
     for (std::size_t more = at + 1; more < fields.size(); ++more)
         if (!fields[more].empty()) alarm.text += ";" + fields[more];
     alarm.hasText = !alarm.text.empty();

@@ -23,7 +23,7 @@ struct CalendarAddress {
 [[nodiscard]] CalendarAddress addressFromVCalendar(std::string_view text);
 [[nodiscard]] std::string addressToVCalendar(const CalendarAddress& address);
 
-// Adds ROLE or PARTSTAT, and beside it the vCalendar word where it would not come back by itself.
+// Adds ROLE or PARTSTAT, and beside it the vCalendar word where it could not be restored otherwise.
 void addRoleFromVCalendar(const std::string& role, std::vector<Parameter>& parameters);
 void addParticipationFromVCalendar(const std::string& status, EntryKind kind,
                                    std::vector<Parameter>& parameters);
@@ -31,8 +31,8 @@ void addParticipationFromVCalendar(const std::string& status, EntryKind kind,
 [[nodiscard]] std::string_view roleToVCalendar(std::string_view role);
 [[nodiscard]] std::string_view participationToVCalendar(std::string_view status);
 
-// The fields of a vCalendar 1.0 alarm behind its time, "PT5M;2;text". Reading leaves out what makes
-// no sense; writing gives "" when there is nothing to say.
+// The fields of a vCalendar 1.0 alarm after its time, "PT5M;2;text". Reading ignores invalid
+// fields; writing gives "" when all fields are empty.
 void readAlarmFields(Alarm& alarm);
 [[nodiscard]] std::string writeAlarmFields(const Alarm& alarm);
 [[nodiscard]] std::string_view alarmName(Alarm::Action action);  // "AALARM", ...

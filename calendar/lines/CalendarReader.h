@@ -56,9 +56,9 @@ class CalendarReader {
     // Until the next item is asked for.
     [[nodiscard]] ContentLine& property() { return line_; }
     [[nodiscard]] Component& component() { return component_; }
-    // "1.0", "2.0", ... as the current calendar says; "" before it has said so.
+    // "1.0", "2.0", ... as the current calendar says; "" before its VERSION.
     [[nodiscard]] const std::string& version() const { return version_; }
-    // True while an entry is read, for whoever gets a note then.
+    // True while an entry is read: a note that is reported now may be about it.
     [[nodiscard]] bool inEntry() const { return !open_.empty(); }
 
     static constexpr std::size_t kLargestEntry = std::size_t{64} << 20;

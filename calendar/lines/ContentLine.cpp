@@ -67,7 +67,7 @@ constexpr auto kNameCharacters = [] {
     return table;
 }();
 
-// How many characters at the beginning of `text` may stand in a name.
+// How many characters at the beginning of `text` may be in a name.
 std::size_t nameLength(std::string_view text) {
     std::size_t length = 0;
     while (length < text.size() && kNameCharacters[static_cast<unsigned char>(text[length])] != 0)
@@ -75,8 +75,8 @@ std::size_t nameLength(std::string_view text) {
     return length;
 }
 
-// The name at the front of `head` in capitals, taken off with the ";" behind it. Empty when it is
-// none. REQUIRES: a part of `owner`.
+// Removes the name at the front of `head`, and the ";" after it, and returns it in capitals. Empty
+// when it is not a valid name. REQUIRES: a part of `owner`.
 std::string_view takeName(std::string& owner, std::string_view& head) {
     std::size_t length = nameLength(head);
     std::string_view name = head.substr(0, length);

@@ -166,14 +166,14 @@ std::size_t LineReader::find(char c) const {
     return static_cast<std::size_t>(static_cast<const char*>(found) - chunk_.data());
 }
 
-// Where the line at at_ ends in the chunk; the chunk's end when it goes on behind it.
+// Where the line at at_ ends in the chunk; the chunk's end when it continues after it.
 std::size_t LineReader::lineEnd() {
     if (lineFeed_ < at_) lineFeed_ = find('\n');
     if (carriageReturn_ < at_) carriageReturn_ = find('\r');
     return std::min(lineFeed_, carriageReturn_);
 }
 
-// Takes a character off that belongs to the last line end; false when there is none.
+// Skips a character that still belongs to the last line end; false when there is none.
 bool LineReader::skipsRestOfLineEnd() {
     afterCarriageReturn_ = chunk_[at_] == '\r';
     if (chunk_[at_] != '\n' && chunk_[at_] != '\r') return false;

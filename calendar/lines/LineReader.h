@@ -23,7 +23,7 @@ struct RawLine {
     std::size_t colon = 0;           // the one before the value; npos without one
     std::size_t narrowest = 0;       // octets of the shortest physical line before a fold
     std::size_t widest = 0;          // and of the longest
-    bool cut = false;                // longer than kLongestLine; the rest is gone
+    bool cut = false;                // longer than kLongestLine; the rest was skipped
     bool openEnd = false;            // a soft line break of quoted-printable with nothing after it
 };
 

@@ -92,7 +92,7 @@ inline constexpr PropertyName kLastPropertyName = PropertyName::Url;
 enum class ValueType : std::uint8_t {
     Text,
     TextList,  // CATEGORIES, RESOURCES
-    Raw,       // as it stands: addresses, numbers
+    Raw,       // without escapes: addresses, numbers
     Base64
 };
 
@@ -112,7 +112,7 @@ struct Property {
     static constexpr std::uint8_t kAlarm = 8;
     static constexpr std::uint8_t kZone = 16;
     static constexpr std::uint8_t kCalendar = 32;
-    // Left out, rather than kept, where it stands in a calendar itself.
+    // Left out, rather than kept, when it is a property of the calendar itself.
     static constexpr std::uint8_t kNotInCalendar = 64;
     // Bits of `formats`.
     static constexpr std::uint8_t kICalendar = 1;

@@ -35,7 +35,7 @@ std::string firstLines(std::string_view text, bool& cut) {
     return std::string(text.substr(0, text.find('\n', kMostText) + 1));
 }
 
-// The names of lines of `after` that hold what its format lacks, and that `before` does not have.
+// The names of lines of `after` that keep what its format lacks, and that `before` does not have.
 std::vector<std::string> keptNames(std::string_view after, std::string_view before) {
     std::vector<std::string> names;
     while (!after.empty() && names.size() < kMostNames) {

@@ -1,4 +1,4 @@
-// An entry as a person reads it: what it is, when it takes place and how it recurs, in words and as
+// An entry as a person reads it: what it is, when it is and how it recurs, in words and as
 // days. Plain data; any thread.
 #ifndef QEL_CALENDAR_REPORT_ENTRYFACTS_H
 #define QEL_CALENDAR_REPORT_ENTRYFACTS_H

@@ -15,8 +15,8 @@ struct MonthTables {
     std::size_t count = 0;  // tables
 };
 
-// The months that hold a day of `days`, at most `most` of them, each a <table>, and in words what
-// comes after them. `more`: the series goes on after `days`. REQUIRES: days ascend.
+// The months that contain a day of `days`, at most `most` of them, each a <table>, and in words
+// what comes after them. `more`: the series continues after `days`. REQUIRES: days ascend.
 [[nodiscard]] MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most);
 
 }  // namespace qel::calendar

@@ -4,7 +4,7 @@
 
 namespace qel::calendar {
 
-// What stands in <style>: light and dark as the reader's system asks, narrow screens, print.
+// The content of <style>: light and dark as the reader's system asks, narrow screens, print.
 extern const char kPageStyle[];
 
 }  // namespace qel::calendar

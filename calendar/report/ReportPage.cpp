@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMostNotes = 50;
 constexpr std::size_t kMostMonths = 5;  // in a row on a wide screen
-// More months than these stand below an entry's text and not beside it.
+// With more months than these they are shown below an entry's text and not beside it.
 constexpr std::size_t kMonthsBeside = 2;
 // A longer list of files is folded away at first.
 constexpr std::size_t kMostFilesShown = 20;
@@ -192,9 +192,9 @@ std::string fileEnd(const NoteList& notes) {
 }
 
 std::string pageEnd() {
-    return "</main><footer><p>Converted: it stands in the result. Changed: a remark tells what of "
-           "it was put in order, or is kept under another name. Not carried over: the "
-           "result lacks something of it.</p><p>Days of an entry are filled, days taken out of its "
+    return "</main><footer><p>Converted: it is in the result. Changed: a remark says what was put "
+           "in order, or is kept under another name. Not carried over: something of it is "
+           "missing from the result.</p><p>Days of an entry are filled, days taken out of its "
            "series are struck through. A series shows its first " +
            std::to_string(kMostMonths) + " months.</p></footer></body></html>\n";
 }

@@ -19,7 +19,7 @@ struct RuleLimits {
 // on `start`, ascending. An UNTIL with a time of day is compared with the start's time of day, in
 // the start's clock. As in RFC 5545 the start is always the first occurrence and counts as one. Of
 // the parts BYHOUR, BYMINUTE and BYSECOND only the day's existence is looked at. Time is bounded by
-// the years between the start and the end, whatever the rule says.
+// the years between the start and the end, for any rule.
 [[nodiscard]] std::vector<int> expandRule(const Rule& rule, const RuleStart& start,
                                           const RuleLimits& limits);
 

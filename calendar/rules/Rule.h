@@ -40,7 +40,7 @@ struct Rule {
     [[nodiscard]] bool endless() const { return count == 0 && until.empty(); }
 };
 
-// The date and time of day that a series starts on, in the clock in which its rule is meant.
+// The date and time of day that a series starts on, on the clock of its rule.
 struct RuleStart {
     int year = 1970;
     int month = 1;

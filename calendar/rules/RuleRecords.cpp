@@ -12,7 +12,7 @@ namespace {
 constexpr int kMostInRecord = std::numeric_limits<short>::max();
 constexpr std::size_t kMostPositions = 4;
 
-// QelUtility reads a date after its calendar as 1 January 1900; "99991231" is meant as never.
+// QelUtility reads a date after its calendar as 1 January 1900; "99991231" means never.
 bool endsPastCalendar(const Rule& rule) {
     return rule.until.substr(0, 4) > "2499";
 }

@@ -74,7 +74,7 @@ void addParameter(std::string& out, const Parameter& parameter) {
     out += parameterListText(parameter);
 }
 
-// The characters of a text that need work before they can stand in a value.
+// The characters of a text that must be escaped or encoded in a value.
 enum : unsigned char { kEscape = 1, kOther = 2 };
 constexpr auto kTextCharacters = [] {
     std::array<unsigned char, 256> table{};

@@ -35,7 +35,7 @@ void addVCalendarLine(std::string& out, std::string_view name,
 [[nodiscard]] std::string vCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);
-// A vCalendar 1.0 property with a Base64 value, which stands on lines of its own. Every line is
+// A vCalendar 1.0 property with a Base64 value, which is written on lines of its own. Every line is
 // ended.
 [[nodiscard]] std::string vCalendarBase64(std::string_view name,
                                           const std::vector<Parameter>& parameters,

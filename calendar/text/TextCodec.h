@@ -13,8 +13,8 @@ namespace qel::calendar {
 
 // Undoes the transfer encoding, then reads the bytes in the character set with the MIME name `set`
 // as toUtf8 does. Line ends become LF; other control characters except tab are removed. A value
-// that is not Base64 although it should be is taken as it stands. `notes` receives all that was
-// guessed or invalid, without a line number.
+// that should be Base64 but is not is used unchanged. `notes` receives what was guessed or invalid,
+// without a line number.
 [[nodiscard]] std::string decodedText(std::string_view bytes, TransferEncoding encoding,
                                       std::string_view set, std::vector<Note>& notes);
 

@@ -64,7 +64,7 @@ bool TableZone::knows(int year) const {
 }
 
 // By what QelUtility moves a local time to make it UTC. At the ends of the calendar, where UTC may
-// lie outside it, the days beside them speak for the last ones.
+// lie outside it, the days next to them are used instead.
 std::int64_t TableZone::libraryOffset(std::int64_t local) {
     const std::int64_t held =
         std::clamp<std::int64_t>(local, 2 * kDaySeconds, kEndOfTime - 2 * kDaySeconds);

@@ -3,7 +3,7 @@
 //
 // QelUtility decides on summer time with conventions of its own that are an hour or more off around
 // a change of offset (its UTC column, the class's single look-up). Here both directions follow the
-// clock on the wall: a change takes place at the local time that its rule names.
+// clock on the wall: a change happens at the local time that its rule names.
 #ifndef QEL_CALENDAR_ZONES_TABLEZONE_H
 #define QEL_CALENDAR_ZONES_TABLEZONE_H
 

@@ -68,7 +68,8 @@ class VTimezoneBuilder {
     }
 
   private:
-    // The component as it stands, for the output. Of what may stand once, the first counts.
+    // The component unchanged, for the output. Of properties that are allowed once, the first
+    // counts.
     void addLines(const Component& component) {
         std::vector<std::string>& lines = zone_.content;
         lines.push_back("BEGIN:" + component.name);
@@ -139,7 +140,7 @@ class VTimezoneBuilder {
             sink_(std::move(note));
         }
         for (const Rule& rule : reading.rules) {
-            // The hour of the change is DTSTART's, whatever the rule repeats of it.
+            // The hour of the change is DTSTART's, even where the rule gives it again.
             RuleLimits limits;
             limits.most = kMostChanges;
             limits.lastYear = kLastYear;

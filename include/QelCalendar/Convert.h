@@ -61,17 +61,17 @@ class Converter {
                                                 state_->entry ? &State::convert : nullptr,
                                                 state_.get(), lines ? 1 : 0));
     }
-    /// From the next file on `report` (null: none) hears of all that is converted; it must outlive
+    /// From the next file on `report` (null: none) receives all that is converted; it must outlive
     /// the converter or be taken off it.
     void reportTo(Report* report) {
         finish(
             qelcal_converter_report(converter_.get(), report == nullptr ? nullptr : report->get()));
     }
-    /// Begins a file; `name` stands in its notes.
+    /// Begins a file; its notes have `name`.
     void beginFile(const std::string& name) {
         finish(qelcal_converter_begin_file(converter_.get(), name.c_str()));
     }
-    /// The whole file in a pass of its own before write(), for zones that are described behind the
+    /// The whole file in a pass of its own before write(), for zones that are described after the
     /// entries that use them. Optional.
     void scan(const void* bytes, std::size_t size) {
         finish(qelcal_converter_scan(converter_.get(), bytes, size));

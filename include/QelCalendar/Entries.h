@@ -26,7 +26,7 @@ class Entry {
     /// A view of an entry of the C interface.
     explicit Entry(const qelcal_entry* entry = nullptr) : entry_(entry) {}
 
-    /// False for an entry that is none: the end of a file.
+    /// False for an empty view: there is no entry, or the file has ended.
     explicit operator bool() const noexcept { return entry_ != nullptr; }
     /// What it is.
     qelcal_entry_kind kind() const {
@@ -151,7 +151,7 @@ class Reader {
   public:
     Reader() : reader_(detail::made(qelcal_reader_new())) {}
 
-    /// The whole input in a pass of its own before write(), for zones that are described behind the
+    /// The whole input in a pass of its own before write(), for zones that are described after the
     /// entries that use them. Optional.
     void scan(const void* bytes, std::size_t size) {
         detail::check(qelcal_reader_scan(reader_.get(), bytes, size));

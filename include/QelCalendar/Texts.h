@@ -12,7 +12,7 @@ namespace qelcal {
 
 namespace detail {
 
-// Adds output to the std::string behind `context`.
+// Adds output to the std::string that `context` points to.
 inline int QELCALENDAR_CALL appendTo(void* context, const char* bytes, std::size_t size) {
     try {
         static_cast<std::string*>(context)->append(bytes, size);

@@ -116,7 +116,7 @@ QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_note_line(const qelcal_note* note
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_note_text(const qelcal_note* note);
 /** The values that the sentence mentions. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_note_value_count(const qelcal_note* note);
-/** One of them, as it stands in the input. */
+/** One of them, unchanged from the input. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_note_value(const qelcal_note* note,
                                                                size_t index);
 
@@ -402,7 +402,7 @@ QELCALENDAR_API qelcal_reader* QELCALENDAR_CALL qelcal_reader_new(void);
 /** Frees the reader and the entry that it returned last; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_reader_free(qelcal_reader* reader);
 /** The same bytes as later for qelcal_reader_write, in a pass of their own before it, so that zones
- * which are described behind the entries that use them are found. Optional. */
+ * which are described after the entries that use them are found. Optional. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_reader_scan(qelcal_reader* reader, const void* bytes,
                                                         size_t size);
 /** The next bytes of the file, a piece of any size, which are copied. */
@@ -482,11 +482,11 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_on_note(qelcal_converter* 
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_on_entry(qelcal_converter* converter,
                                                                qelcal_converted_fn converted,
                                                                void* context, int lines);
-/** Begins a file; `name` stands in its notes and may be empty. */
+/** Begins a file; its notes have `name`, which may be empty. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_begin_file(qelcal_converter* converter,
                                                                  const char* name);
 /** The same bytes as later for qelcal_converter_write, in a pass of their own between begin_file
- * and write, so that zones which are described behind the entries that use them are found.
+ * and write, so that zones which are described after the entries that use them are found.
  * Optional; vCalendar 1.0 has no such zones. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_scan(qelcal_converter* converter,
                                                            const void* bytes, size_t size);
@@ -518,7 +518,7 @@ QELCALENDAR_API qelcal_report* QELCALENDAR_CALL qelcal_report_new(qelcal_write_f
                                                                   void* context);
 /** Frees it; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_report_free(qelcal_report* report);
-/** From the next file on `report` (null: none) hears of all that `converter` converts. The report
+/** From the next file on `report` (null: none) receives all that `converter` converts. The report
  * must outlive the converter or be taken off it. Several converters may share one report while only
  * one of them is within a file: write() and end_file() of another return QELCAL_WRONG_ORDER. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_report(qelcal_converter* converter,

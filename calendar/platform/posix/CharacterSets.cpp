@@ -11,7 +11,7 @@ std::optional<std::string> toUtf8(std::string_view text, std::string_view name) 
     const iconv_t handle = iconv_open("UTF-8", from.c_str());
     if (handle == reinterpret_cast<iconv_t>(-1)) return std::nullopt;
     std::string result;
-    // iconv(3) does not write to its input, whatever its signature says.
+    // iconv(3) does not write to its input, although its parameter is not const.
     char* in = const_cast<char*>(text.data());
     std::size_t left = text.size();
     char buffer[4096];
