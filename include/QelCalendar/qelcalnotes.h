@@ -13,7 +13,7 @@ typedef enum qelcal_note_code {
     /**< No note. */
     QELCAL_NOTE_LINE_NOT_PROPERTY = 101,
     /**< A line of the file does not have the form NAME:VALUE that every line of a calendar has, so
-     * nobody can tell what it means. Often a long text was broken into lines wrongly. */
+     * its meaning is unknown. Often a long text was broken into lines wrongly. */
     QELCAL_NOTE_LINE_TOO_LONG = 102,
     /**< A single line is larger than any real calendar's. Its beginning is converted. */
     QELCAL_NOTE_QUOTED_PRINTABLE_BREAKS_OFF = 103,
@@ -59,13 +59,13 @@ typedef enum qelcal_note_code {
     /**< The file does not say which character set this text is in. Most such texts are in the
      * character set of Western European Windows. */
     QELCAL_NOTE_CONTROL_CHARACTERS_REMOVED = 206,
-    /**< The text contained bytes that are no characters of a text, such as NUL or ESC. They are
-     * left out. */
+    /**< The text contained bytes that do not belong in a text, such as NUL or ESC. They are left
+     * out. */
     QELCAL_NOTE_BASE64_INVALID = 207,
     /**< The file says that this value is Base64, a code for binary data, but it is not. It may have
      * been cut off or changed on its way. */
     QELCAL_NOTE_RULE_EMPTY = 301,
-    /**< The entry has a line for a recurrence rule with nothing in it. It occurs once. */
+    /**< The entry has an empty line for a recurrence rule. It occurs once. */
     QELCAL_NOTE_RULE_IS_ICALENDAR = 302,
     /**< A file of one format contains a rule in the other format's spelling. It was read as what it
      * is. */
@@ -79,8 +79,8 @@ typedef enum qelcal_note_code {
     /**< The rule does not say how often the entry repeats. The format defines two occurrences for
      * that. */
     QELCAL_NOTE_RULE_END_WHOLE_DAY = 306,
-    /**< The series ends at midnight although it takes place at another time of day. Phones mean
-     * that day to be included. */
+    /**< The series ends at midnight although the entry is at another time of day. Phones mean that
+     * day to be included. */
     QELCAL_NOTE_RULE_COUNT_FIRST = 307,
     /**< The rule gives two ends, and only one can be written. The earlier one was kept, so no date
      * changes. */
@@ -167,10 +167,10 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_ZONE_PART_INCOMPLETE = 416,
     /**< One of the zone's changes of offset cannot be read. Times after it may be an hour off. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
-    /**< The file holds something besides events, to-dos and notes, for example free and busy times.
-     * Only those three are converted. */
+    /**< The file contains something other than events, to-dos and notes, for example free and busy
+     * times. Only those three are converted. */
     QELCAL_NOTE_ENTRY_PART_UNKNOWN = 502,
-    /**< The entry holds a component that is not an alarm. */
+    /**< The entry contains a component that is not an alarm. */
     QELCAL_NOTE_ENTRY_RULE_WITHOUT_START = 503,
     /**< The entry has a recurrence rule or a list of dates, but no start from which they count.
      * They are kept under another name that calendar programs ignore. */
@@ -247,7 +247,7 @@ typedef enum qelcal_note_code {
      * ignore. */
     QELCAL_NOTE_RULE_AS_DATES = 701,
     /**< The old format cannot express the entry's recurrence rule. The dates are listed one by one,
-     * so that the entry stands on the same days. */
+     * so that the entry is on the same days. */
     QELCAL_NOTE_RULE_KEPT_FOR_ICALENDAR = 702,
     /**< The old format cannot express the entry's recurrence rule, and it has no end or too many
      * dates to list. The rule is kept under another name and returns when the entry is converted

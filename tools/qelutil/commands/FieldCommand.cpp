@@ -139,33 +139,41 @@ void writeRow(std::ostream& out, const FieldData& field) {
     out << '\n';
 }
 
+// The fields of the record types that --type leaves, all of them or those of one name.
+std::vector<FieldData> select(const std::string& type, const std::string* name) {
+    std::vector<FieldData> selected;
+    for (unsigned record = 1; record <= kRecords.size(); ++record) {
+        if (!type.empty() && type != kRecords[record - 1].name) continue;
+        for (const FieldData& field : fieldsOf(record))
+            if (name == nullptr || equalNoCase(field.name, *name)) selected.push_back(field);
+    }
+    return selected;
+}
+
+// The fields that one word of the command line names.
+std::vector<FieldData> find(Context& context, const std::string& type, const std::string& wanted) {
+    if (const auto id = idOf(wanted)) {
+        try {
+            return {lookUp(*id)};
+        } catch (const InputError& problem) {
+            context.error(problem.what());
+            return {};
+        }
+    }
+    std::vector<FieldData> named = select(type, &wanted);
+    if (named.empty())
+        context.error("no field is named \"" + wanted + "\"; see `qelutil field --list`");
+    return named;
+}
+
 void run(Context& context, const Options& options) {
     if (options.list == !options.wanted.empty())
         throw UsageError(options.list ? "--list takes no field" : "name a field, or --list them");
     std::vector<FieldData> found;
-    for (unsigned record = 1; record <= kRecords.size(); ++record) {
-        if (!options.list) break;
-        if (!options.type.empty() && options.type != kRecords[record - 1].name) continue;
-        const std::vector<FieldData> fields = fieldsOf(record);
-        found.insert(found.end(), fields.begin(), fields.end());
-    }
+    if (options.list) found = select(options.type, nullptr);
     for (const std::string& wanted : options.wanted) {
-        if (const auto id = idOf(wanted)) {
-            try {
-                found.push_back(lookUp(*id));
-            } catch (const InputError& problem) {
-                context.error(problem.what());
-            }
-            continue;
-        }
-        const std::size_t before = found.size();
-        for (unsigned record = 1; record <= kRecords.size(); ++record) {
-            if (!options.type.empty() && options.type != kRecords[record - 1].name) continue;
-            for (const FieldData& field : fieldsOf(record))
-                if (equalNoCase(field.name, wanted)) found.push_back(field);
-        }
-        if (found.size() == before)
-            context.error("no field is named \"" + wanted + "\"; see `qelutil field --list`");
+        const std::vector<FieldData> fields = find(context, options.type, wanted);
+        found.insert(found.end(), fields.begin(), fields.end());
     }
     if (options.json) {
         Json document = Json::array();

@@ -98,28 +98,33 @@ std::string bashCommand(const PageCommand& command, const std::string& words) {
     return text + "        ;;\n";
 }
 
-std::string zshSpec(const PageOption& option) {
-    std::string action;
+std::string zshAction(const PageOption& option) {
     switch (option.argument) {
         case Argument::Choice:
-            action = "(" + joined(option.choices, " ") + ")";
-            break;
+            return "(" + joined(option.choices, " ") + ")";
         case Argument::File:
-            action = "_files";
-            break;
+            return "_files";
         case Argument::Folder:
-            action = "_files -/";
-            break;
+            return "_files -/";
         case Argument::None:
         case Argument::Other:
             break;
     }
+    return "";
+}
+
+std::string zshDescription(const PageOption& option) {
     std::string description;
     for (const char c : shortened(option.description)) {
         if (c == '[' || c == ']' || c == ':' || c == '\\') description += '\\';
         description += c;
     }
-    description = quoted(description, "'\\''");
+    return quoted(description, "'\\''");
+}
+
+std::string zshSpec(const PageOption& option) {
+    const std::string action = zshAction(option);
+    const std::string description = zshDescription(option);
     std::string name;
     for (const char c : option.argumentName)
         if (c != '[' && c != ']' && c != ':') name += c;
