@@ -111,6 +111,24 @@ const RuleForms* formsAt(const qelcal_rules* rules, size_t rule, int form) {
     return &*forms;
 }
 
+// The seconds that dates are wanted of, on the clock of the start.
+struct DateRange {
+    int64_t first;
+    int64_t last;
+    int lastYear;  // of `last`, where the library has dates
+};
+
+// Nothing when a time is invalid.
+std::optional<DateRange> rangeOf(const qelcal_time* since, const qelcal_time* through,
+                                 const calendar::Moment& start) {
+    const auto first = since == nullptr ? start : momentOf(*since);
+    const auto last = through == nullptr ? kLastMoment : momentOf(*through);
+    if (!first || !last) return std::nullopt;
+    return DateRange{first->seconds(),
+                     last->seconds() + (last->isDate ? calendar::kDaySeconds - 1 : 0),
+                     std::min(timeOf(*last).year, kLastYear)};
+}
+
 }  // namespace
 
 int qelcal_rules_read(const char* text, int form, const qelcal_time* start, qelcal_rules** rules) {
@@ -266,21 +284,19 @@ int qelcal_rules_dates(const qelcal_rules* rules, size_t rule, const qelcal_time
         if (handled == nullptr || date == nullptr)
             return fail(QELCAL_INVALID_ARGUMENT, "there is no such rule, or no callback");
         if (!rules->start) return fail(QELCAL_WRONG_ORDER, "the rules were read without a start");
-        const auto first = since == nullptr ? rules->start : momentOf(*since);
-        const auto last = through == nullptr ? kLastMoment : momentOf(*through);
-        if (!first || !last) return fail(QELCAL_INVALID_ARGUMENT, "a time of the range is invalid");
-        calendar::RuleLimits limits;
-        limits.lastYear = std::min(timeOf(*last).year, kLastYear);
+        const auto range = rangeOf(since, through, *rules->start);
+        if (!range) return fail(QELCAL_INVALID_ARGUMENT, "a time of the range is invalid");
         // Dates before the range count towards the rule's own count, not towards `most`.
-        const bool fromStart = first->seconds() <= rules->start->seconds();
+        const bool fromStart = range->first <= rules->start->seconds();
+        calendar::RuleLimits limits;
+        limits.lastYear = range->lastYear;
         limits.most = most == 0 || !fromStart ? std::numeric_limits<size_t>::max() : most;
-        const int64_t end = last->seconds() + (last->isDate ? calendar::kDaySeconds - 1 : 0);
         calendar::Moment moment = *rules->start;
         size_t handedOver = 0;
         for (const int day : calendar::expandRule(handled->rule, *rules->ruleStart, limits)) {
             moment.day = day;
-            if (moment.seconds() < first->seconds()) continue;
-            if (moment.seconds() > end || (most != 0 && handedOver++ == most)) break;
+            if (moment.seconds() < range->first) continue;
+            if (moment.seconds() > range->last || (most != 0 && handedOver++ == most)) break;
             const qelcal_time time = timeOf(moment);
             goOn(date(context, &time));
         }
