@@ -14,8 +14,8 @@ constexpr std::string_view kHere = "@ROWS@";
 
 constexpr std::string_view kDocument = R"(# Notes
 
-Whatever the calendar library changes, keeps in another place or cannot carry over, and whatever is
-invalid in a file, is reported by a note. A note has a number, which is never used again, and a name.
+Everything that the calendar library changes, keeps in another place or cannot carry over, and everything
+that is invalid in a file, is reported by a note. A note has a number, which is never used again, and a name.
 Programs compare the number (`QelCalendar/qelcalnotes.h`); the sentence that people read may change.
 This page is made by `./dev pages` from the library's catalogue.
 
