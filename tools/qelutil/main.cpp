@@ -67,7 +67,7 @@ int guarded(Context& context, const std::vector<std::string>& words) {
         context.error(problem.what());
     } catch (int code) {
         context.error("the library gave up with code " + std::to_string(code) +
-                      "; its log tells more, see `qelutil log`");
+                      "; its log may say why, see `qelutil log`");
     } catch (const char* text) {
         context.error(text);
     }
@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
         code = guarded(context, qel::cli::platform::arguments(argc, argv));
         std::cout.flush();
     } catch (const std::bad_alloc&) {
-        // Before there was a context, or while it told of the same.
+        // Before there was a context, or while it reported the same.
         std::fprintf(stderr, "qelutil: %s\n", kMemoryExhausted);
         code = qel::cli::kExitBadInput;
     } catch (...) {

@@ -13,7 +13,7 @@ namespace qel::cli {
 
 struct CalendarFile {
     std::string name;  // to open it by, and for messages
-    // Where a result of it stands in a folder of results: the path below the folder that was named,
+    // Where its result is in a folder of results: the path below the folder that was named,
     // without ".vcs" or ".ics" at its end; "2005/June" for PHONE/2005/June.vcs. Empty for a
     // standard stream.
     std::string place;
@@ -33,7 +33,7 @@ struct CalendarFiles {
 [[nodiscard]] CalendarFiles calendarFiles(Context& context, const std::vector<std::string>& names,
                                           const std::string& except);
 
-// "ics" or "vcs" in small letters when the name ends so behind a dot, else "".
+// "ics" or "vcs" in small letters when that is the name's extension, else "".
 [[nodiscard]] std::string calendarExtension(const std::string& name);
 
 }  // namespace qel::cli

@@ -18,7 +18,7 @@ class App;
 namespace qel::cli {
 
 // What the process returns: 1 when some input was bad and the rest was done (or when nothing could
-// be done), 2 when the command line itself makes no sense.
+// be done), 2 when the command line itself is invalid.
 enum ExitCode { kExitFine = 0, kExitBadInput = 1, kExitUsage = 2 };
 
 // The command line asks for something that cannot be meant. The text says what, in one sentence

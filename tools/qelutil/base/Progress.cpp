@@ -27,7 +27,7 @@ Progress::Progress(Context& context, std::string_view label, std::uint64_t total
 Progress::~Progress() {
     try {
         hide();
-    } catch (...) {  // the terminal is gone; whoever writes to it next says so
+    } catch (...) {  // the terminal cannot be written to; the next write to it reports that
     }
     context_.progress_ = nullptr;
 }

@@ -23,7 +23,7 @@ qelcal_form formOfName(const std::string& name) {
 }
 
 void RuleArguments::addTo(CLI::App& command) {
-    command.add_option("TEXT", text, "The rule, as it stands in the calendar file")->required();
+    command.add_option("TEXT", text, "The rule, as in the calendar file")->required();
     command.add_option("--start", start, "The date of the series' first entry, or \"today\"")
         ->required()
         ->type_name("DATE");

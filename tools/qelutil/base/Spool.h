@@ -22,11 +22,11 @@ class Spool {
     // The first bytes of the input, at most 64 KB; all of it when it is shorter.
     [[nodiscard]] std::string_view head() const { return head_; }
 
-    // Takes all of the input in. False when there is no room for it: it can be read only once then,
-    // as before. Throws InputError when the input fails.
+    // Keeps all of the input. False when there is no room for it: it can still be read once, as
+    // before. Throws InputError when the input fails.
     [[nodiscard]] bool keepAll();
 
-    // From the beginning, or from behind the last read() on, whatever has been kept; 0 at the end.
+    // The next bytes, from the beginning, kept or not; 0 at the end.
     // Throws InputError when a medium fails.
     [[nodiscard]] std::size_t read(char* bytes, std::size_t room);
     // The next read() begins at the beginning. REQUIRES: nothing read yet, or keepAll() was true.

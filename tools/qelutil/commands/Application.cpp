@@ -22,11 +22,11 @@ void addCommands(CLI::App& app, Context& context) {
     app.description(
         "Turns a phone's calendar files into iCalendar and back, explains recurrence rules,\n"
         "and converts times, texts and codes.");
-    // A path such as /tmp/a.vcs is no option, on any platform.
+    // A path such as /tmp/a.vcs is not an option, on any platform.
     app.allow_windows_style_options(false);
     app.set_version_flag("--version", "qelutil " QELUTIL_VERSION);
     app.require_subcommand(1);
-    // The options of the program itself may stand behind the command too.
+    // The options of the program itself may also follow the command.
     app.fallthrough();
     app.add_option("--color", "when messages and month grids are coloured")
         ->type_name("WHEN")
@@ -39,8 +39,8 @@ void addCommands(CLI::App& app, Context& context) {
         });
     app.get_formatter()->column_width(30);
     app.footer(
-        "Exit status: 0 when all is well, 1 when some input was bad, 2 when the command line "
-        "makes no sense.\nqelutil COMMAND --help shows a command's options with examples.");
+        "Exit status: 0 when all is well, 1 when some input was invalid, 2 for an invalid "
+        "command line.\nqelutil COMMAND --help shows a command's options with examples.");
     for (const AddCommand add : kCommands) add(app, context);
 }
 

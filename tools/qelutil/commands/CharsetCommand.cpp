@@ -218,7 +218,7 @@ class Conversion {
             if (fit == Fit::Arrives) {
                 out << result;
             } else {
-                // The second byte of what is no pair may stand for itself.
+                // The second byte of an invalid pair may be a character of its own.
                 if (fit == Fit::Invalid) length = 1;
                 out << kReplacement;
                 report(line, at + 1, text.substr(at, length), fit);

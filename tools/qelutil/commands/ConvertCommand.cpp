@@ -36,12 +36,11 @@ void addConvertCommand(CLI::App& app, Context& context) {
         ->excludes(output);
     command->add_flag("--overwrite", options->overwrite,
                       "replace files that the folder of --output-dir already has");
-    command->add_flag(
-        "--strict", options->strict,
-        "let no warning and no loss pass: nothing is written then, with --output-dir\n"
-        "none of the file in question, and the exit status is 1");
+    command->add_flag("--strict", options->strict,
+                      "treat warnings and losses as errors: nothing is written then, with\n"
+                      "--output-dir nothing of that file, and the exit status is 1");
     command->add_flag("-n,--dry-run", options->dryRun,
-                      "write no calendar, and tell what would become of each file");
+                      "write no calendar, and show what would become of each file");
     command
         ->add_option("--report", options->report,
                      "a page that shows for every entry what was converted, what changed and what\n"
@@ -50,12 +49,12 @@ void addConvertCommand(CLI::App& app, Context& context) {
     command->add_flag("--json", options->json,
                       "print what became of each file as JSON; see docs/json/");
     command->add_flag("-v,--verbose", options->verbose,
-                      "tell also how untidy input was read, and show every message");
+                      "also report how irregular input was read, and show every message");
     command->footer(
         "All events, to-dos and notes of all files go into one, unless --output-dir is given. "
         "Nothing\n"
-        "is left out in silence: what the other format cannot hold is kept as an X- property or\n"
-        "named in a warning. A summary of several files stands at the end on standard error.\n\n"
+        "is left out silently: what the other format cannot express is kept as an X- property or\n"
+        "reported in a warning. After several files a summary goes to standard error.\n\n"
         "Examples:\n"
         "  qelutil convert phone.vcs -o calendar.ics\n"
         "  qelutil convert --to vcs work.ics home.ics > phone.vcs\n"

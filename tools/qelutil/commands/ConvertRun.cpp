@@ -110,7 +110,7 @@ class ConvertRun {
     }
 
   private:
-    // Tells `converter` who hears of its notes and entries.
+    // Connects `converter` with the summary, the report and the messages.
     void listenTo(qelcal::Converter& converter) {
         converter.onNote([this](const qelcal::Note& note) {
             if (messages_.show(note)) outcomes_.back().shown.push_back(note);

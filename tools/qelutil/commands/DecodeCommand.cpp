@@ -72,7 +72,7 @@ class Base64Reader {
         char shown[32];
         std::snprintf(shown, sizeof(shown), "0x%02X", static_cast<unsigned char>(c));
         const std::string what = c > ' ' && c < 0x7F ? "\"" + std::string(1, c) + "\"" : shown;
-        return what + " is no Base64 character; is this the whole code and nothing else?";
+        return what + " is not a Base64 character; is this the whole code and nothing else?";
     }
 
     void decode(const std::string& code) {
@@ -116,7 +116,7 @@ std::size_t quotedCut(std::string_view text) {
     return 0;
 }
 
-// The library keeps what is no escape as it stands; a person should know that it is there.
+// The library keeps invalid escapes unchanged; a person should know that they are there.
 class EscapeWatch {
   public:
     EscapeWatch(Context& context, const std::string& name) : context_(context), name_(name) {}
@@ -142,8 +142,7 @@ class EscapeWatch {
     }
     void report(std::size_t line) {
         if (++found_ <= kMostWarnings)
-            context_.warning(name_, line,
-                             "\"=\" without two hexadecimal digits, kept as it stands");
+            context_.warning(name_, line, "\"=\" without two hexadecimal digits, kept unchanged");
     }
 
     Context& context_;
@@ -177,7 +176,7 @@ void decodeCipher(InputFile& input, std::ostream& out) {
     for (std::size_t i = 0; i < code.size(); ++i)
         if (!isHexDigit(code[i]))
             throw InputError(input.name() + ": character " + std::to_string(i + 1) +
-                             " is no hexadecimal digit; the code is one word of them");
+                             " is not a hexadecimal digit; the code is one word of them");
     if (code.size() % 16 != 0)
         throw InputError(input.name() + ": holds " + std::to_string(code.size()) +
                          " hexadecimal digits; the code has 16 for every 8 bytes of text, so some "

@@ -116,7 +116,7 @@ std::size_t bodyCut(std::string_view text) {
     return cut;
 }
 
-// A piece of a body before its last: a line that is open at its end goes on behind a soft line
+// A piece of a body before its last: a line that is open at its end continues after a soft line
 // break, for which a character that follows makes the encoder leave room.
 std::string quotedPiece(const Options& options, std::string piece) {
     if (piece.back() == '\n') return quoted(options, piece);
@@ -171,7 +171,7 @@ void encodeCipher(InputFile& input, std::ostream& out) {
         ZQUT_EncodeToString(text.c_str(), code.data(), static_cast<int>(code.size()));
     if (failed != 0)
         throw InputError(input.name() + ": cannot be enciphered (code " + std::to_string(failed) +
-                         "); the log tells more, see `qelutil log`");
+                         "); the log may say why, see `qelutil log`");
     code.resize(2 * padded);
     // A cipher block with a NUL byte in it is decoded to something else, by every reader there is.
     std::string back(padded + 1, '\0');

@@ -86,7 +86,7 @@ int parseValue(const TraceOption& option, const std::string& text) {
         option.hexadecimal ? std::numeric_limits<std::uint32_t>::max() : Limits::max();
     const long long least = option.hexadecimal ? 0 : Limits::min();
     if (used == 0 || used != text.size() || value < least || value > most)
-        throw UsageError("\"" + text + "\" is no " +
+        throw UsageError("\"" + text + "\" is not a " +
                          (option.hexadecimal ? "hexadecimal" : "decimal") +
                          " number of 32 bits, which " + option.key + " takes");
     return static_cast<int>(static_cast<std::uint32_t>(value & 0xFFFFFFFFLL));
@@ -102,7 +102,7 @@ void set(const std::string& setting) {
         BxTrace_SetHexOptionValue(kSection, option.key, wanted);
     else
         BxTrace_SetOptionValue(kSection, option.key, wanted);
-    // Writing reports nothing; reading back what is not there leaves the other value in place.
+    // Writing reports nothing; reading back what is missing leaves the other value in place.
     TraceOption other = option;
     other.defaultValue = wanted == 0 ? 1 : 0;
     if (valueOf(other) != wanted)

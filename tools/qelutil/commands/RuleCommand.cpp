@@ -58,7 +58,7 @@ void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& da
     std::string text = "the record gives other dates than the rule";
     if (ours == dates.begin() && both && dates.size() > 1 && *theirs == dates[1]) {
         text =
-            "the start is no day of the rule: calendars count it as the first date, the record "
+            "the start is not a day of the rule: calendars count it as the first date, the record "
             "leaves it out";
     } else if (both && rareDay(repeats.front()) != 0) {
         text = "in a month without day " + std::to_string(rareDay(repeats.front())) +

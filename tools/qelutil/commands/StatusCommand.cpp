@@ -82,7 +82,7 @@ void run(Context& context, const Options& options) {
             found.push_back(*entry);
         else
             context.error("\"" + wanted +
-                          "\" is no status and no operation; see `qelutil status --list`");
+                          "\" is neither a status nor an operation; see `qelutil status --list`");
     }
     if (options.json) {
         Json document = Json::array();

@@ -36,7 +36,7 @@ const char* reasonOf(int code) {
         case QEL_OUT_OF_MEMORY:
             return "memory is exhausted";
         case QEL_MALFORMED:
-            return "it is no number, or not as many bytes as announced";
+            return "it is not a number, or not as many bytes as announced";
         case QEL_READ_PAST_END:
             return "the stream ends before it";
         case 7004:
@@ -93,7 +93,7 @@ Json readNested(CBxDataStream& stream) {
     while (!content.empty()) {
         const std::size_t end = std::min(content.find(kSeparator), content.size());
         list.push_back(jsonText(content.substr(0, end)));
-        if (end + 1 == content.size()) list.push_back("");  // a separator with nothing behind it
+        if (end + 1 == content.size()) list.push_back("");  // a separator with nothing after it
         content.remove_prefix(std::min(end + 1, content.size()));
     }
     return list;
@@ -142,8 +142,8 @@ std::string typeNames() {
     return names;
 }
 
-// What a value would be as a number: null when it is none. Eight digits are an int or a long, more
-// are 64 bits wide; both are read with their sign.
+// What a value would be as a number: null when it is not one. Eight digits are an int or a long,
+// more are 64 bits wide; both are read with their sign.
 Json numberOf(const std::string& text) {
     if (text == "-") return -1;
     if (text.size() > 16 || text.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
@@ -175,7 +175,7 @@ class Dump {
     }
 
   private:
-    // A value with a type may go on behind a separator, so the stream is taken as a whole.
+    // A value with a type may continue after a separator, so the stream is taken as a whole.
     void runWhole(const std::vector<std::string>& types) {
         std::string content = input_.readAll(kLongestStream);
         const std::size_t nul = content.find('\0');
@@ -232,7 +232,7 @@ class Dump {
         if (separated) showText("", before_);
     }
 
-    // The terminator may have been stored too; what follows it is no part of the stream.
+    // The terminator may have been stored too; what follows it does not belong to the stream.
     void reportNul(std::uint64_t offset, std::uint64_t after) {
         if (after == 0) return;
         context_.error(name_, 0,
@@ -276,7 +276,7 @@ class Dump {
                                "); it and what follows is left out");
             return false;
         }
-        // The empty value behind a last separator takes no bytes, and nothing follows it.
+        // The empty value after a last separator takes no bytes, and nothing follows it.
         if (position(stream) == start) ended_ = true;
         return true;
     }
@@ -341,7 +341,8 @@ void addStreamCommand(CLI::App& app, Context& context) {
         ->allow_extra_args(false);
     command->add_flag("--json", options->json, "as JSON");
     command->footer(
-        "A stream does not tell the types of its values. Without --types each is shown as text,\n"
+        "A stream does not contain the types of its values. Without --types each is shown as "
+        "text,\n"
         "with what it would be as a number. The types are " +
         typeNames() +
         ".\n"

@@ -19,9 +19,9 @@ struct PageOption {
     std::vector<std::string> names;  // "-o", "--output"; of a positional one its name alone
     Argument argument = Argument::None;
     std::string argumentName;          // "FILE"; empty for a flag
-    std::vector<std::string> choices;  // all values there are; empty where any text may stand
+    std::vector<std::string> choices;  // all allowed values; empty where any text is
     std::string description;           // one line
-    std::string preset;                // the value without the option, where it is told
+    std::string preset;                // the default value, where there is one
     bool positional = false;
     bool required = false;
     bool repeats = false;

@@ -174,10 +174,10 @@ std::string exampleList(const PageCommand& command) {
 
 std::string exitStatus() {
     return ".SH EXIT STATUS\n.TP\n0\nAll is well.\n.TP\n1\nSome input was bad; what could be done "
-           "was done.\n.TP\n2\nThe command line makes no sense; nothing was done.\n";
+           "was done.\n.TP\n2\nThe command line is invalid; nothing was done.\n";
 }
 
-// What a page tells beyond the help.
+// Sections that a page has in addition to the help.
 struct Section {
     const char* command;
     const char* text;
@@ -186,22 +186,24 @@ struct Section {
 constexpr Section kSections[] = {
     {"convert",
      ".SH FOLDERS\n"
-     "A folder stands for the files in it, at any depth, that end in .vcs or .ics, in the order of "
-     "their paths.\nFiles and folders whose name begins with a dot are passed over, and links to "
+     "A folder means the files in it, at any depth, whose names end in .vcs or .ics, in the order "
+     "of "
+     "their paths.\nFiles and folders whose name begins with a dot are ignored, and links to "
      "folders are not followed.\n.PP\n"
      "With \\fB\\-\\-output\\-dir\\fR each file has a result of its own: the path below the folder "
      "that was named, with the ending of the other format.\nA result that exists already is not "
-     "replaced without \\fB\\-\\-overwrite\\fR, a file that is itself to be converted never.\nOf "
+     "replaced without \\fB\\-\\-overwrite\\fR; a file that is itself to be converted never "
+     "is.\nOf "
      "two files with one result, names in capitals and small letters being the same, the second is "
      "left out.\nEach of these is an error that names both files.\n"
      ".SH MESSAGES\n"
-     "An error says that the input is bad there, a warning that the other format cannot hold "
-     "something.\nA note, shown with \\fB\\-\\-verbose\\fR and in the report, says how untidy "
-     "input "
-     "was read.\n.PP\n"
-     "The summary counts the entries that were read and those that stand in a result.\nChanged are "
-     "entries of which a message tells something.\nNot carried over is each thing that a message "
-     "says is left out.\nAn entry without a message was converted whole.\n"},
+     "An error says that the input is invalid there, a warning that the other format cannot "
+     "express something.\nA note, shown with \\fB\\-\\-verbose\\fR and in the report, says how "
+     "irregular input was read.\n.PP\n"
+     "The summary counts the entries that were read and those in a result.\nChanged are "
+     "entries with a message.\nNot carried over counts the messages about something that is "
+     "missing "
+     "from the result.\nAn entry without a message was converted completely.\n"},
 };
 
 std::string ownSections(const std::string& command) {
