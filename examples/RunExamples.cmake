@@ -30,6 +30,8 @@ while(runs)
     string(REPLACE "\r\n" "\n" text "${text}")
     string(FIND "${text}" "\n\n${mark} Prints:\n" at)
     string(SUBSTRING "${text}" 0 ${at} code)
+    # What a program prints may be longer than a line of code; the guide shows the program alone.
+    string(REPLACE "\n// clang-format off" "" code "${code}")
     string(SUBSTRING "${text}" ${at} -1 stated)
     string(REPLACE "\n\n${mark} Prints:\n" "\n" stated "${stated}")
     string(REPLACE "\n${mark} " "\n" stated "${stated}")

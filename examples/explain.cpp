@@ -26,6 +26,7 @@ int main() {
     }
     return 0;
 }
+// clang-format off
 
 // Prints:
 // MP1 1- FR #0: every month on the last Friday, without end

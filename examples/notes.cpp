@@ -43,6 +43,7 @@ int main() {
     printf("%s\n", lost ? "something is missing from the result" : "nothing is missing");
     return 0;
 }
+// clang-format off
 
 // Prints:
 // line 7, entry-date-invalid: a date of the entry is missing: "20050631T210000" is not a date; DTEND is kept as X-VCAL-DTEND
