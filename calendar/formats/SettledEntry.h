@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/base/Notes.h"
 #include "calendar/entries/Entry.h"
 
 namespace qel::calendar {

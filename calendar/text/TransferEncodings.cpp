@@ -19,7 +19,7 @@ std::string undoQuotedPrintable(std::string_view text) {
 }
 
 std::optional<std::string> undoBase64(std::string_view text) {
-    const auto clean = cleanBase64(text);
+    auto clean = cleanBase64(text);
     if (!clean) return std::nullopt;
     std::string result(clean->size() + 3, '\0');
     const int length =

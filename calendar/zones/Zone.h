@@ -11,9 +11,6 @@
 #include <vector>
 
 #include "calendar/base/Moment.h"
-#include "calendar/base/Notes.h"
-#include "calendar/lines/CalendarReader.h"
-#include "calendar/text/ContentText.h"
 
 namespace qel::calendar {
 

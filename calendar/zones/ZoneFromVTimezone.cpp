@@ -107,7 +107,7 @@ class VTimezoneBuilder {
             change.name = unescapeICalendar(decodedValue(*name, ignored));
         }
         ++observances_;
-        // What was before the first change of all.
+        // The offset before the earliest change.
         if (!hasBase_ || first->seconds() < baseSince_) {
             hasBase_ = true;
             baseSince_ = first->seconds();

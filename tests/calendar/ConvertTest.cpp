@@ -69,7 +69,7 @@ TEST(Convert, CharacterSets) {
     const Conversion broken = toICalendar(
         vcalendarWith("UID:1\nDTSTART:20050601\nSUMMARY;CHARSET=GB2312:ab\xC4\xE3\xFF\n"));
     EXPECT_NE(broken.out.find("SUMMARY:ab你"), std::string::npos) << broken.out;
-    // It is told wherever the system tells it from a character.
+    // It is reported wherever the system can tell that the byte is invalid.
     EXPECT_EQ(broken.out.find("\xEF\xBF\xBD") != std::string::npos, !broken.messages.empty());
 }
 
