@@ -32,8 +32,7 @@ class Zone {
         std::vector<Zone> zones;
         const std::size_t count = qelcal_zone_count();
         if (count == 0) throw std::bad_alloc();
-        for (std::size_t i = 1; i <= count; ++i)
-            zones.push_back(Zone(static_cast<int>(i)));
+        for (std::size_t i = 1; i <= count; ++i) zones.push_back(Zone(static_cast<int>(i)));
         return zones;
     }
     /// The computer's own zone.
