@@ -555,8 +555,8 @@ typedef struct qelcal_offset_change {
     int64_t after;  /**< and after it */
 } qelcal_offset_change;
 
-/** The number of zones of the table; their numbers are 1 to that. 0 is the computer's own zone. A count
- * of 0 means that memory is exhausted. */
+/** The number of zones of the table; their numbers are 1 to that. 0 is the computer's own zone. A
+ * count of 0 means that memory is exhausted. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_zone_count(void);
 /** The zone's name, "Europe/Berlin". Lasts as long as the process. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_zone_name(int zone);

@@ -10,11 +10,11 @@
 
 #include "QelUtility/BxTrace.h"
 #include "platform/LocalClock.h"
+#include "platform/LockResult.h"
 #include "platform/PathLock.h"
 #include "platform/Process.h"
 #include "support/TempDir.h"
 #include "trace/FreshTrace.h"
-#include "platform/LockResult.h"
 
 namespace {
 

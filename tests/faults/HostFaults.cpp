@@ -12,12 +12,12 @@
 #include "QelUtility/BxTrace.h"
 #include "QelUtility/IRMonitorManager.h"
 #include "faults/Exhaustion.h"
+#include "platform/Process.h"
 #include "support/Environment.h"
 #include "support/TempDir.h"
 #include "support/TraceCapture.h"
 #include "trace/BxFileUtilInternal.h"
 #include "trace/TraceSystem.h"
-#include "platform/Process.h"
 
 namespace qel::test {
 

@@ -136,8 +136,8 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntryAndRunsNothing) {
          {"&lt;script&gt;alert(&#39;1&#39;)&lt;/script&gt;&amp;", "every day, 5 times",
           "every 2 weeks on Monday, Wednesday and Friday, 10 times", "<code>W2 MO WE FR #10</code>",
           "June 2005", "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>",
-          "X-VCAL-RNUM", "no &lt;property&gt;", "is not a property",
-          "not all carried over", "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n"})
+          "X-VCAL-RNUM", "no &lt;property&gt;", "is not a property", "not all carried over",
+          "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n"})
         EXPECT_TRUE(contains(text, says));
     for (const char* never : {"<script", "http:", "https:", "src=", "url("})
         EXPECT_FALSE(contains(text, never));

@@ -62,7 +62,8 @@ TEST(Unfold, EstimatesDays) {
         SCOPED_TRACE(row["record"]);
         const Record parsed(row["record"]);
         std::int64_t days = -1;
-        EXPECT_EQ(qel::recurrence::Unfold_EstimateDays(&parsed.repeat, number(row, "count"), &days), 0);
+        EXPECT_EQ(qel::recurrence::Unfold_EstimateDays(&parsed.repeat, number(row, "count"), &days),
+                  0);
         EXPECT_EQ(std::to_string(days), row["days"]);
     }
 }
