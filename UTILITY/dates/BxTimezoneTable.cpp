@@ -187,7 +187,7 @@ constexpr ZoneChange change(int codeDate, int hour, int offset) {
 constexpr ZoneChange change(const ChangeRule& rule, int year, int offset) {
     const int first = encodeCivilDate({year, rule.month, 1});
     int day = 1 + (rule.weekday - weekdayOf(first) + 7) % 7 + 7 * (rule.week - 1);
-    if (day > daysInMonth(rule.month, year)) day -= 7;
+    if (day > daysInMonth(year, rule.month)) day -= 7;
     return change(first + day - 1, rule.hour, offset);
 }
 

@@ -44,7 +44,7 @@ std::int64_t ordinarySeconds(const char* text) {
     if (!qel::dates::takeDateTime(text, fields)) return -1;
     const qel::dates::CivilDate date{fields.year, fields.month, fields.day};
     if (!qel::dates::isEncodable(date) ||
-        date.day > qel::dates::daysInMonth(date.month, date.year) || fields.hour > 23 ||
+        date.day > qel::dates::daysInMonth(date.year, date.month) || fields.hour > 23 ||
         fields.minute > 59)
         return -1;
     return std::int64_t{qel::dates::encodeCivilDate(date)} * qel::dates::kSecondsPerDay +

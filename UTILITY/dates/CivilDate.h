@@ -27,7 +27,7 @@ struct CivilDate {
 }
 
 // REQUIRES: month in [1, 12]
-[[nodiscard]] constexpr int daysInMonth(int month, int year) noexcept {
+[[nodiscard]] constexpr int daysInMonth(int year, int month) noexcept {
     if (month == 2) return isLeapYear(year) ? 29 : 28;
     return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
 }
@@ -59,7 +59,7 @@ constexpr auto kDaysOfMarchYear = [] {
     std::size_t next = 0;
     for (int i = 0; i < 12; ++i) {
         const int month = i < 10 ? i + 3 : i - 9;
-        for (int day = 1; day <= daysInMonth(month, 2000); ++day) {
+        for (int day = 1; day <= daysInMonth(2000, month); ++day) {
             days[next++] =
                 static_cast<std::uint16_t>(day | month << 8 | (month <= 2 ? 1 << 15 : 0));
         }

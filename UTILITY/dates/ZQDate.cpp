@@ -30,7 +30,7 @@ constexpr bool formulasCountEveryMonth() {
     int code = 0;
     for (int year = qel::dates::kFirstYear; year <= qel::dates::kLastYear; ++year) {
         for (int month = 1; month <= 12; ++month) {
-            const int length = qel::dates::daysInMonth(month, year);
+            const int length = qel::dates::daysInMonth(year, month);
             const CivilDate first{year, month, 1};
             const CivilDate last{year, month, length};
             if (qel::dates::encodeCivilDate(first) != code) return false;
@@ -91,7 +91,7 @@ bool ZQ_IsValidAlphaDate(const char* text) {
     CivilDate date{};
     ZQ_AlphaToDate(text, &date.month, &date.day, &date.year);
     if (date.year < kFirstYear || date.month < 1 || date.month > 12) return false;
-    return date.day >= 1 && date.day <= daysInMonth(date.month, date.year);
+    return date.day >= 1 && date.day <= daysInMonth(date.year, date.month);
 }
 
 bool ZQ_IsValidAlphaTime(const char* text) {

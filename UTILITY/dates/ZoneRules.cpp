@@ -38,7 +38,7 @@ std::optional<std::int64_t> momentIn(int year, const platform::ZoneChangeMoment&
     std::int64_t day = 0;
     if (absolute) {
         if (moment.month < 1 || moment.month > 12 || moment.day < 1 ||
-            moment.day > daysInMonth(moment.month, year))
+            moment.day > daysInMonth(year, moment.month))
             return std::nullopt;
         day = fileTimeOfDay(chr::year(year) / moment.month / moment.day);
     } else {

@@ -31,7 +31,7 @@ int relativeDayOfMonth(int year, int month, int week, int weekday) {
     if (ZQ_DateEncode(month, 1, year, &first) != 0) return fail(kLineNoSuchDay, year);
     const int firstWeekday = ZQ_DayOfWeek(static_cast<int>(first)) - 1;
     int day = 1 + (weekday - firstWeekday + 7) % 7 + 7 * (week - 1);
-    if (day > daysInMonth(month, year)) day -= 7;  // the fifth means the last
+    if (day > daysInMonth(year, month)) day -= 7;  // the fifth means the last
     return static_cast<int>(first) + day - 1;
 }
 

@@ -129,7 +129,7 @@ bool jumpWeeksMonthly(const ZQTR_REPEAT& repeat, int date, int& found) {
     const CivilDate month = monthOf(lastMonthUntil(
         start.year * 12 + start.month - 1, repeat.interval, until.year * 12 + until.month - 1));
     const int monthEnd = dates::encodeCivilDate(
-        {month.year, month.month, dates::daysInMonth(month.month, month.year)});
+        {month.year, month.month, dates::daysInMonth(month.year, month.month)});
     if (nextInWeeks(repeat, std::min(before, monthEnd), found) != QEL_OK) return false;
     if (date == searched) return true;
     if (found <= kLastSearchedDay && nextInWeeks(repeat, found, found) != QEL_OK) return false;

@@ -45,7 +45,7 @@ bool dayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date
     const int lastMonth = first.month + kMonths - 1;
     if (day.month >= first.month && day.month <= lastMonth) return true;
     const int year = day.month > lastMonth ? day.year : day.year - 1;
-    return encode({year, lastMonth, dates::daysInMonth(lastMonth, year)}, date);
+    return encode({year, lastMonth, dates::daysInMonth(year, lastMonth)}, date);
 }
 
 bool weekdayOfQuarterIn(const ZQTR_REPEAT& repeat, const CivilDate& first, int& date) {

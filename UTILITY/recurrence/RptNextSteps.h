@@ -91,7 +91,7 @@ constexpr void carryMonth(CivilDate& date) noexcept {
 // has no last day; encoding it fails.
 [[nodiscard]] constexpr int clampDay(int dayOfMonth, int month, int year) noexcept {
     if (month < 1 || month > 12) return dayOfMonth;
-    return std::min(dayOfMonth, dates::daysInMonth(month, year));
+    return std::min(dayOfMonth, dates::daysInMonth(year, month));
 }
 
 // The date that the types 3, 4, 6, 7, 10 and 11 compute from.

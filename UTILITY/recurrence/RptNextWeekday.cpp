@@ -26,7 +26,7 @@ int oddWeekdayOfMonth(const ZQTR_REPEAT& repeat, int first, int length) {
 bool weekdayOfMonthIn(const ZQTR_REPEAT& repeat, const CivilDate& month, int& date) {
     int first = 0;
     if (!encode({month.year, month.month, 1}, first)) return false;
-    const int length = dates::daysInMonth(month.month, month.year);
+    const int length = dates::daysInMonth(month.year, month.month);
     if (repeat.dayOfWeek < 1 || repeat.dayOfWeek > 7) {
         date = oddWeekdayOfMonth(repeat, first, length);
         return true;

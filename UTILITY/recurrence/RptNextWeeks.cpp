@@ -31,7 +31,7 @@ class Selection {
     // Bit n - 1 is set when day n of the month is selected.
     // REQUIRES: a month that encodes
     [[nodiscard]] std::uint32_t daysOf(int year, int month) const {
-        const int length = dates::daysInMonth(month, year);
+        const int length = dates::daysInMonth(year, month);
         const int firstWeekday =
             dates::weekdayOfCode(dates::encodeCivilDate({year, month, 1})) - 1;  // [0, 6]
         const std::uint64_t fromFirst = ((weekdays_ | weekdays_ << 7) >> firstWeekday) & kWeek;
