@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "QelUtility/BxHost.h"
+#include "platform/AsciiText.h"
 #include "platform/Files.h"
 #include "platform/Process.h"
 #include "platform/Profile.h"
@@ -37,16 +38,12 @@ PathBuffer copyOf(const char* text) {
     return buffer;
 }
 
-constexpr char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool endsInLog(const char* name) {
     const std::size_t length = std::strlen(name);
     if (length < 4) return false;
     const char* tail = name + length - 4;
-    return tail[0] == '.' && lower(tail[1]) == 'l' && lower(tail[2]) == 'o' &&
-           lower(tail[3]) == 'g';
+    return tail[0] == '.' && platform::asciiToLower(tail[1]) == 'l' &&
+           platform::asciiToLower(tail[2]) == 'o' && platform::asciiToLower(tail[3]) == 'g';
 }
 
 // The length up to and including the last separator, 0 when there is none.
@@ -69,12 +66,12 @@ int parseNumber(const char* text, unsigned base) {
     while (*text == ' ' || (*text >= '\t' && *text <= '\r')) ++text;
     const bool negative = *text == '-';
     if (*text == '-' || *text == '+') ++text;
-    if (base == 16 && text[0] == '0' && lower(text[1]) == 'x') text += 2;
+    if (base == 16 && text[0] == '0' && platform::asciiToLower(text[1]) == 'x') text += 2;
     const std::int64_t most =
         base == 16 ? std::int64_t{UINT_MAX} : std::int64_t{INT_MAX} + (negative ? 1 : 0);
     std::int64_t value = 0;
     for (;; ++text) {
-        const char c = lower(*text);
+        const char c = platform::asciiToLower(*text);
         const int digit = c >= '0' && c <= '9' ? c - '0' : c >= 'a' && c <= 'f' ? c - 'a' + 10 : 99;
         if (digit >= static_cast<int>(base)) break;
         value = std::min(value * base + digit, most);

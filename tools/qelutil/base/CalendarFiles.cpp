@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "base/Files.h"
+#include "base/Text.h"
 
 namespace qel::cli {
 
@@ -99,9 +100,7 @@ class Walk {
 
 std::string calendarExtension(const std::string& name) {
     if (name.size() <= kExtension || name[name.size() - kExtension] != '.') return {};
-    std::string end = name.substr(name.size() - kExtension + 1);
-    for (char& c : end)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    const std::string end = lowerCase(name.substr(name.size() - kExtension + 1));
     return end == "vcs" || end == "ics" ? end : std::string();
 }
 

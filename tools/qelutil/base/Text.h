@@ -28,6 +28,19 @@ namespace qel::cli {
     return 0;
 }
 
+// ASCII letters alone; the locale plays no part.
+[[nodiscard]] inline std::string lowerCase(std::string text) {
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return text;
+}
+
+[[nodiscard]] inline std::string upperCase(std::string text) {
+    for (char& c : text)
+        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    return text;
+}
+
 }  // namespace qel::cli
 
 #endif

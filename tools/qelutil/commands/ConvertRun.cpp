@@ -52,13 +52,6 @@ std::string inFolder(const std::string& folder, const std::string& name) {
     return folder + (ends ? "" : "/") + name;
 }
 
-// Equal for names that differ in case alone, which some file systems do not distinguish.
-std::string withoutCase(std::string name) {
-    for (char& c : name)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return name;
-}
-
 // The report and the file that it goes to.
 class RunReport {
   public:
@@ -319,7 +312,7 @@ class ConvertRun {
 
     // Nothing is overwritten in silence, and no input ever.
     void checkFree(const std::string& input, const std::string& name) {
-        const auto [place, isNew] = taken_.try_emplace(withoutCase(name), input);
+        const auto [place, isNew] = taken_.try_emplace(lowerCase(name), input);
         if (!isNew)
             throw InputError(input + ": is left out: " + name + " is already the result of " +
                              place->second + "; convert one of them to another folder");
@@ -339,7 +332,7 @@ class ConvertRun {
             std::error_code unknown;
             const fs::path whole = fs::weakly_canonical(each, unknown);
             const std::u8string text = (unknown ? each : whole).generic_u8string();
-            return withoutCase({text.begin(), text.end()});
+            return lowerCase({text.begin(), text.end()});
         };
         if (inputs_.empty())
             for (const CalendarFile& each : files_) inputs_.insert(key(pathOf(each.name)));

@@ -99,9 +99,7 @@ std::string wrapped(const std::string& page) {
 }
 
 std::string heading(const std::string& program, const std::string& page) {
-    std::string title = page;
-    for (char& c : title)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    const std::string title = upperCase(page);
     return ".\\\" Written by qelutil_pages from the program's commands; `./dev pages` renews it.\n"
            ".TH " +
            title + " 1 " + kDate + " \"" + program + " " QELUTIL_VERSION "\" \"User Commands\"\n";

@@ -4,6 +4,7 @@
 
 #include "QelCalendar/Notes.h"
 #include "base/NoteWords.h"
+#include "base/Text.h"
 #include "pages/Pages.h"
 
 namespace qel::cli {
@@ -83,11 +84,8 @@ std::string tableRow(const qelcal_note_kind& kind) {
 }
 
 std::string enumerator(const qelcal_note_kind& kind) {
-    std::string name = kind.name;
-    for (char& c : name) {
-        if (c == '-') c = '_';
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    }
+    std::string name = upperCase(kind.name);
+    std::replace(name.begin(), name.end(), '-', '_');
     return "    QELCAL_NOTE_" + name + " = " + std::to_string(kind.code) + ",\n";
 }
 
