@@ -19,7 +19,6 @@
 
 namespace {
 
-using qel::dates::ZoneChange;
 using qel::dates::ZoneColumn;
 using qel::dates::ZoneTime;
 

@@ -16,7 +16,16 @@
 #include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/rules/RuleWriteVCalendar.h"
 
-using namespace qel::calendar::api;
+using qel::calendar::api::fail;
+using qel::calendar::api::goOn;
+using qel::calendar::api::guarded;
+using qel::calendar::api::guardedValue;
+using qel::calendar::api::HandledRule;
+using qel::calendar::api::momentOf;
+using qel::calendar::api::noteAt;
+using qel::calendar::api::RuleForms;
+using qel::calendar::api::ruleStartOf;
+using qel::calendar::api::timeOf;
 namespace calendar = qel::calendar;
 
 qelcal_rules::qelcal_rules(std::vector<calendar::Rule> read,

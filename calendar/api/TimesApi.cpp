@@ -52,7 +52,6 @@ RuleStart ruleStartOf(const Moment& moment) {
 namespace {
 
 namespace api = qel::calendar::api;
-using qel::calendar::Moment;
 
 constexpr char kInvalidTime[] = "a field of the time is out of its range";
 
