@@ -1,5 +1,5 @@
 // ASCII text without the locale: letters, white space, digits, decimal and hexadecimal numbers.
-// Bytes above 127 are none of these and stay as they are. It is in the lowest room, so that
+// Bytes above 127 belong to no class and stay unchanged. It is in the lowest room, so that
 // every room can use it.
 #ifndef QEL_PLATFORM_ASCIITEXT_H
 #define QEL_PLATFORM_ASCIITEXT_H
