@@ -30,7 +30,7 @@ constexpr std::size_t kLongestName = 200;
 constexpr std::size_t kMostHeader = 200;
 // Bytes of an entry's source that an observer is given.
 constexpr std::size_t kMostSource = std::size_t{64} << 10;
-// Bytes that are fetched or read at once.
+// Bytes that are read at once.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
 // Calls `write` for the bytes in pieces of at most kPiece.
@@ -38,13 +38,6 @@ template <class Write>
 void inPieces(std::string_view bytes, const Write& write) {
     for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kPiece)))
         write(bytes.substr(0, kPiece));
-}
-
-// Calls `write` for all bytes of `source`.
-template <class Write>
-void fetch(const ByteSource& source, const Write& write) {
-    const auto buffer = std::make_unique_for_overwrite<char[]>(kPiece);
-    while (const std::size_t got = source(buffer.get(), kPiece)) write({buffer.get(), got});
 }
 
 }  // namespace
@@ -388,39 +381,6 @@ void Converter::endScan() {
     assert(scan_ != nullptr);
     scan_->end();
     scan_.reset();
-}
-
-void Converter::convert(const ByteSource& source, const std::string& name,
-                        const std::function<void(std::uint64_t)>& progress) {
-    beginFile(name);
-    std::uint64_t done = 0;
-    try {
-        fetch(
-            source,
-            [&](std::string_view bytes) {
-                write(bytes);
-                done += bytes.size();
-                if (progress) progress(done);
-            });
-    } catch (...) {
-        file_.reset();
-        zones_->clear();
-        throw;
-    }
-    endFile();
-}
-
-void Converter::collectZones(const ByteSource& source) {
-    beginScan();
-    try {
-        fetch(
-            source, [this](std::string_view bytes) { scan(bytes); });
-    } catch (...) {
-        scan_.reset();
-        zones_->clear();
-        throw;
-    }
-    endScan();
 }
 
 void Converter::report(Note note) {

@@ -3,9 +3,7 @@
 #ifndef QEL_CALENDAR_CONVERTER_CONVERTER_H
 #define QEL_CALENDAR_CONVERTER_CONVERTER_H
 
-#include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <optional>
@@ -18,9 +16,6 @@
 namespace qel::calendar {
 
 class EntryWriter;
-
-// Gives the next at most `room` bytes, 0 at the end.
-using ByteSource = std::function<std::size_t(char* bytes, std::size_t room)>;
 
 struct ConvertCounts {
     std::uint64_t calendars = 0;  // those begun; an entry outside any calendar counts as one
@@ -51,12 +46,6 @@ class Converter {
     void beginScan();
     void scan(std::string_view bytes);
     void endScan();
-
-    // The same for bytes that are fetched. `progress`, which may be empty, is given the number of
-    // bytes read so far. When `source` throws, the file ends without the rest.
-    void convert(const ByteSource& source, const std::string& name,
-                 const std::function<void(std::uint64_t)>& progress = {});
-    void collectZones(const ByteSource& source);
 
     // `observer` is called for each entry of the files that follow. It may be null; it must outlive
     // the converter or the next call of this.

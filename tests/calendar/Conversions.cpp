@@ -1,12 +1,11 @@
 #include "calendar/Conversions.h"
 
 #include <algorithm>
-#include <cstring>
 #include <set>
 #include <sstream>
 
 #include "calendar/base/Text.h"
-#include "calendar/formats/EntryWriter.h"
+#include "calendar/converter/EntryStream.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/Occurrences.h"
 
@@ -28,15 +27,6 @@ bool Conversion::tells(const std::string& part) const {
         [&](const Note& each) {
             return (std::to_string(each.line) + ": " + each.text()).find(part) != std::string::npos;
         });
-}
-
-ByteSource sourceOf(const std::string& text, std::size_t piece) {
-    return [&text, piece, at = std::size_t{0}](char* bytes, std::size_t room) mutable {
-        const std::size_t length = std::min({room, piece, text.size() - at});
-        std::memcpy(bytes, text.data() + at, length);
-        at += length;
-        return length;
-    };
 }
 
 Conversion convertText(const std::string& text, std::optional<CalendarFormat> to,
@@ -83,28 +73,13 @@ Conversion toVCalendar(const std::string& text) {
     return convertText(text, CalendarFormat::VCalendar10);
 }
 
-namespace {
-
-class EntryCatcher final : public EntryWriter {
-  public:
-    EntryCatcher(std::ostream& out, std::vector<Entry>& entries)
-        : EntryWriter(out, [](const Note&) {}), entries_(entries) {}
-    void calendar(const std::vector<EntryProperty>&) override {}
-    void write(const Entry& entry) override { entries_.push_back(entry); }
-    void finish() override {}
-
-  private:
-    std::vector<Entry>& entries_;
-};
-
-}  // namespace
-
 std::vector<Entry> entriesOf(const std::string& text) {
+    EntryStream stream;
+    stream.scan(text);
+    stream.write(text);
+    stream.end();
     std::vector<Entry> entries;
-    std::ostringstream unused;
-    Converter converter(std::make_unique<EntryCatcher>(unused, entries), [](const Note&) {});
-    converter.collectZones(sourceOf(text));
-    converter.convert(sourceOf(text), "test");
+    while (stream.next() == EntryStream::State::Entry) entries.push_back(stream.entry().entry);
     return entries;
 }
 

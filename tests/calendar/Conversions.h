@@ -22,9 +22,6 @@ struct Conversion {
     [[nodiscard]] bool tells(const std::string& part) const;
 };
 
-// The bytes of `text` in pieces of `piece` bytes.
-[[nodiscard]] calendar::ByteSource sourceOf(const std::string& text, std::size_t piece = 4096);
-
 [[nodiscard]] Conversion convertText(const std::string& text,
                                      std::optional<calendar::CalendarFormat> to,
                                      std::size_t piece = 4096);
