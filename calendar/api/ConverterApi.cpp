@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "calendar/api/Calls.h"
+#include "calendar/api/Choosing.h"
 #include "calendar/api/EntryHandle.h"
 #include "calendar/api/ReportHandle.h"
 #include "calendar/converter/Converter.h"
@@ -228,6 +229,17 @@ int qelcal_converter_on_entry(qelcal_converter* converter, qelcal_converted_fn c
     converter->entryContext = context;
     converter->lines = lines != 0;
     return QELCAL_OK;
+}
+
+int qelcal_converter_choose(qelcal_converter* converter, int choice, const char* value) {
+    if (converter == nullptr) return refuseNull();
+    if (inFile(*converter)) return refuseOrder("a file has begun; choose before it");
+    return api::guarded([=] {
+        qel::calendar::Choices choices = converter->converter.choices();
+        const int result = api::choose(choices, choice, value);
+        if (result == QELCAL_OK) converter->converter.choose(std::move(choices));
+        return result;
+    });
 }
 
 int qelcal_converter_report(qelcal_converter* converter, qelcal_report* report) {

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "calendar/api/Calls.h"
+#include "calendar/api/Choosing.h"
 #include "calendar/api/EntryHandle.h"
 #include "calendar/converter/EntryStream.h"
 
@@ -12,6 +13,7 @@ namespace api = qel::calendar::api;
 struct qelcal_reader {
     EntryStream stream;
     std::optional<qelcal_entry> entry;  // the current one
+    bool scanning = false;              // scan() was called
     bool reading = false;               // write() or end() was called
     bool ended = false;
     mutable api::NoteHandles notes;  // those of the stream that somebody has asked for
@@ -37,12 +39,25 @@ void qelcal_reader_free(qelcal_reader* reader) {
     delete reader;
 }
 
+int qelcal_reader_choose(qelcal_reader* reader, int choice, const char* value) {
+    if (reader == nullptr) return api::fail(QELCAL_INVALID_ARGUMENT, kNullReader);
+    if (reader->scanning || reader->reading)
+        return api::fail(QELCAL_WRONG_ORDER, "the file is being read already; choose before");
+    return api::guarded([=] {
+        qel::calendar::Choices choices = reader->stream.choices();
+        const int result = api::choose(choices, choice, value);
+        if (result == QELCAL_OK) reader->stream.choose(choices);
+        return result;
+    });
+}
+
 int qelcal_reader_scan(qelcal_reader* reader, const void* bytes, size_t size) {
     if (reader == nullptr || (bytes == nullptr && size != 0))
         return api::fail(QELCAL_INVALID_ARGUMENT, kNullReader);
     if (reader->reading)
         return api::fail(QELCAL_WRONG_ORDER, "the file is being read already; scan it before");
     return api::guarded([=] {
+        reader->scanning = true;
         reader->stream.scan(textOf(bytes, size));
         return int{QELCAL_OK};
     });

@@ -71,11 +71,12 @@ class Converter::File {
     File(Converter& owner, std::string name)
         : owner_(owner),
           name_(std::move(name)),
+          choices_(owner.choices_),
           observer_(owner.observer_),
           wantsLines_(observer_ != nullptr && observer_->wantsLines()),
           reader_(noteSink()),
-          vCalReader_(owner.zones_->zones, noteSink()),
-          iCalReader_(owner.zones_->zones, noteSink()) {}
+          vCalReader_(owner.zones_->zones, choices_, noteSink()),
+          iCalReader_(owner.zones_->zones, choices_, noteSink()) {}
 
     // REQUIRES: at most kPiece bytes, so that what is kept of them stays small.
     void write(std::string_view piece) {
@@ -294,6 +295,7 @@ class Converter::File {
 
     Converter& owner_;
     const std::string name_;
+    const Choices choices_;
     ConversionObserver* const observer_;
     const bool wantsLines_;
     SourceLines source_;

@@ -9,7 +9,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "calendar/base/Choices.h"
 #include "calendar/base/Notes.h"
 #include "calendar/converter/ConversionObserver.h"
 
@@ -51,6 +53,10 @@ class Converter {
     // the converter or the next call of this.
     void observe(ConversionObserver* observer) { observer_ = observer; }
 
+    // For the files that follow.
+    void choose(Choices choices) { choices_ = std::move(choices); }
+    [[nodiscard]] const Choices& choices() const { return choices_; }
+
     // Ends the result, after the last file.
     void finish();
 
@@ -68,6 +74,7 @@ class Converter {
     std::ostream* out_ = nullptr;  // null when the writer came from outside
     std::optional<CalendarFormat> to_;
     NoteSink sink_;
+    Choices choices_;
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;

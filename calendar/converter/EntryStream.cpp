@@ -66,6 +66,14 @@ EntryStream::EntryStream() : catcher_(std::make_unique<Catcher>()) {}
 
 EntryStream::~EntryStream() = default;
 
+void EntryStream::choose(const Choices& choices) {
+    catcher_->converter.choose(choices);
+}
+
+const Choices& EntryStream::choices() const {
+    return catcher_->converter.choices();
+}
+
 void EntryStream::scan(std::string_view bytes) {
     if (!std::exchange(scanning_, true)) catcher_->converter.beginScan();
     catcher_->converter.scan(bytes);

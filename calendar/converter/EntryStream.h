@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/base/Choices.h"
 #include "calendar/base/Notes.h"
 #include "calendar/entries/Entry.h"
 
@@ -27,6 +28,10 @@ class EntryStream {
     ~EntryStream();
     EntryStream(const EntryStream&) = delete;
     EntryStream& operator=(const EntryStream&) = delete;
+
+    // REQUIRES: before scan() and write().
+    void choose(const Choices& choices);
+    [[nodiscard]] const Choices& choices() const;
 
     // The whole file in a pass of its own before write(), for zones that are described after the
     // entries that use them.

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/base/Choices.h"
 #include "calendar/entries/Entry.h"
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/rules/RuleReader.h"
@@ -23,7 +24,9 @@ using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
 // Reads the entries of one file. A zone that is not described is reported once.
 class EntryReader {
   public:
-    EntryReader(const ZoneMap& zones, NoteSink sink) : zones_(zones), sink_(std::move(sink)) {}
+    // REQUIRES: `zones` and `choices` outlive the reader.
+    EntryReader(const ZoneMap& zones, const Choices& choices, NoteSink sink)
+        : zones_(zones), choices_(choices), sink_(std::move(sink)) {}
     virtual ~EntryReader() = default;
     EntryReader(const EntryReader&) = delete;
     EntryReader& operator=(const EntryReader&) = delete;
@@ -63,6 +66,8 @@ class EntryReader {
     // True when the entry has a rule or a list of dates, read or not.
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
 
+    [[nodiscard]] const Choices& choices() const { return choices_; }
+
     Entry entry_;
 
   private:
@@ -82,6 +87,7 @@ class EntryReader {
     void readRuleLines();
 
     const ZoneMap& zones_;
+    const Choices& choices_;
     NoteSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;

@@ -67,6 +67,11 @@ class Converter {
         finish(
             qelcal_converter_report(converter_.get(), report == nullptr ? nullptr : report->get()));
     }
+    /// Chooses for the files that begin after it. Throws Error (QELCAL_INVALID_ARGUMENT) for a
+    /// value that it cannot have.
+    void choose(qelcal_choice choice, const std::string& value) {
+        detail::check(qelcal_converter_choose(converter_.get(), choice, value.c_str()));
+    }
     /// Begins a file; its notes have `name`.
     void beginFile(const std::string& name) {
         finish(qelcal_converter_begin_file(converter_.get(), name.c_str()));

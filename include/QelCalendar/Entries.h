@@ -151,6 +151,11 @@ class Reader {
   public:
     Reader() : reader_(detail::made(qelcal_reader_new())) {}
 
+    /// Chooses before the first byte of the file. Throws Error (QELCAL_INVALID_ARGUMENT) for a
+    /// value that it cannot have.
+    void choose(qelcal_choice choice, const std::string& value) {
+        detail::check(qelcal_reader_choose(reader_.get(), choice, value.c_str()));
+    }
     /// The whole input in a pass of its own before write(), for zones that are described after the
     /// entries that use them. Optional.
     void scan(const void* bytes, std::size_t size) {

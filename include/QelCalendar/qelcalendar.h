@@ -390,6 +390,26 @@ QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_entry_note_count(const qelcal_ent
 QELCALENDAR_API const qelcal_note* QELCALENDAR_CALL qelcal_entry_note(const qelcal_entry* entry,
                                                                       size_t index);
 
+/* --- Choices -----------------------------------------------------------------------------------
+ */
+
+/** What a person may choose about how files are read. Each has a value that is a text in UTF-8; the
+ * empty text and null mean the default. */
+typedef enum qelcal_choice {
+    /** The zone of local times that name none and of series in UTC in a file that has no zone: an
+     * IANA name ("Europe/Berlin"). By default they stay local and in UTC. */
+    QELCAL_CHOOSE_ZONE = 1,
+    /** The character set of text that names none: a name of the WHATWG Encoding Standard
+     * ("Shift_JIS"). By default text that is not UTF-8 is guessed, or read as windows-1252. */
+    QELCAL_CHOOSE_CHARSET = 2,
+    /** What the number after # means in a vCalendar 1.0 rule with several days in a period:
+     * "dates", the default, or "periods". */
+    QELCAL_CHOOSE_COUNT_MEANS = 3,
+    /** "yes": an entry whose UID an earlier one with other content has is given another UID. By
+     * default ("no") both keep it. */
+    QELCAL_CHOOSE_DISTINCT_UIDS = 4
+} qelcal_choice;
+
 /* --- Reading -----------------------------------------------------------------------------------
  */
 
@@ -401,6 +421,10 @@ typedef struct qelcal_reader qelcal_reader;
 QELCALENDAR_API qelcal_reader* QELCALENDAR_CALL qelcal_reader_new(void);
 /** Frees the reader and the entry that it returned last; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_reader_free(qelcal_reader* reader);
+/** Chooses before the first byte of the file; `choice` is a qelcal_choice. QELCAL_INVALID_ARGUMENT
+ * when the value is not one that it can have. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_reader_choose(qelcal_reader* reader, int choice,
+                                                          const char* value);
 /** The same bytes as later for qelcal_reader_write, in a pass of their own before it, so that zones
  * which are described after the entries that use them are found. Optional. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_reader_scan(qelcal_reader* reader, const void* bytes,
@@ -482,6 +506,10 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_on_note(qelcal_converter* 
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_on_entry(qelcal_converter* converter,
                                                                qelcal_converted_fn converted,
                                                                void* context, int lines);
+/** Chooses for the files that begin after it; `choice` is a qelcal_choice. QELCAL_INVALID_ARGUMENT
+ * when the value is not one that it can have. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_choose(qelcal_converter* converter,
+                                                             int choice, const char* value);
 /** Begins a file; its notes have `name`, which may be empty. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_begin_file(qelcal_converter* converter,
                                                                  const char* name);

@@ -34,6 +34,25 @@ void addConvertCommand(CLI::App& app, Context& context) {
             "--output with a folder means the same")
         ->option_text("DIR")
         ->excludes(output);
+    command
+        ->add_option("--zone", options->zone,
+                     "the time zone of times that name none, as Europe/Berlin; without it they\n"
+                     "stay local times, which every calendar shows at the same hour")
+        ->option_text("AREA/CITY");
+    command
+        ->add_option("--charset", options->charset,
+                     "the character set of text that names none, as Shift_JIS or windows-1251;\n"
+                     "without it text that is not UTF-8 is guessed where that is safe")
+        ->option_text("NAME");
+    command
+        ->add_option(
+            "--count-means", options->countMeans,
+            "what #10 means in a phone's rule with several days in a week, month or year:\n"
+            "10 dates, which is the default, or 10 weeks, months or years")
+        ->check(CLI::IsMember({"dates", "periods"}))
+        ->option_text("dates|periods");
+    command->add_flag("--distinct-uids", options->distinctUids,
+                      "give an entry another UID when an earlier one with other content has it");
     command->add_flag("--overwrite", options->overwrite,
                       "replace files that the folder of --output-dir already has");
     command->add_flag("--strict", options->strict,

@@ -77,6 +77,13 @@ class RunReport {
     qelcal::Report page_;
 };
 
+void choose(qelcal::Converter& converter, const ConvertOptions& options) {
+    converter.choose(QELCAL_CHOOSE_ZONE, options.zone);
+    converter.choose(QELCAL_CHOOSE_CHARSET, options.charset);
+    converter.choose(QELCAL_CHOOSE_COUNT_MEANS, options.countMeans);
+    converter.choose(QELCAL_CHOOSE_DISTINCT_UIDS, options.distinctUids ? "yes" : "no");
+}
+
 class ConvertRun {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
@@ -105,6 +112,7 @@ class ConvertRun {
   private:
     // Connects `converter` with the summary, the report and the messages.
     void listenTo(qelcal::Converter& converter) {
+        choose(converter, options_);
         converter.onNote([this](const qelcal::Note& note) {
             if (messages_.show(note)) outcomes_.back().shown.push_back(note);
         });
@@ -394,6 +402,16 @@ class ConvertRun {
     std::set<std::string> inputs_;
 };
 
+// A value that cannot be chosen is found before any file is opened.
+void checkChoices(const ConvertOptions& options) {
+    try {
+        qelcal::Converter nothing(QELCAL_OTHER, {});
+        choose(nothing, options);
+    } catch (const qelcal::Error& refused) {
+        throw UsageError(refused.what());
+    }
+}
+
 }  // namespace
 
 void runConvert(Context& context, ConvertOptions options) {
@@ -413,6 +431,7 @@ void runConvert(Context& context, ConvertOptions options) {
         throw UsageError(
             "--json prints to standard output, where the calendar goes; give --output, "
             "--output-dir or --dry-run with it");
+    checkChoices(options);
     ConvertRun(context, options).run();
 }
 

@@ -16,6 +16,10 @@ struct ConvertOptions {
     std::string output = "-";
     std::string outputDir;
     std::string report;
+    std::string zone;
+    std::string charset;
+    std::string countMeans;
+    bool distinctUids = false;
     bool overwrite = false;
     bool strict = false;
     bool dryRun = false;

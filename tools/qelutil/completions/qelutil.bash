@@ -31,11 +31,14 @@ _qelutil() {
         words='convert rule expand date zone encode decode charset field status stream log'
         ;;
     'convert')
-        options='-h --help --to -o --output -d --output-dir --overwrite --strict -n --dry-run --report --json -v --verbose'
+        options='-h --help --to -o --output -d --output-dir --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --json -v --verbose'
         case $previous in
         --to) COMPREPLY=($(compgen -W 'ics vcs' -- "$current")); return ;;
         -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         -d | --output-dir) compopt -o filenames; COMPREPLY=($(compgen -d -- "$current")); return ;;
+        --zone) COMPREPLY=(); return ;;
+        --charset) COMPREPLY=(); return ;;
+        --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --report) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         esac
         files=1

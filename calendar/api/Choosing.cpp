@@ -1,0 +1,55 @@
+#include "calendar/api/Choosing.h"
+
+#include <string>
+#include <string_view>
+
+#include "calendar/api/Calls.h"
+
+namespace qel::calendar::api {
+
+namespace {
+
+int refuse(std::string_view value, std::string_view expected) {
+    return fail(QELCAL_INVALID_ARGUMENT,
+                "\"" + std::string(value) + "\" cannot be chosen: " + std::string(expected));
+}
+
+int chooseCountMeans(Choices& choices, std::string_view value) {
+    if (value == "periods")
+        choices.countMeans = CountMeans::Periods;
+    else if (value.empty() || value == "dates")
+        choices.countMeans = CountMeans::Dates;
+    else
+        return refuse(value, "the number of a rule means dates or periods");
+    return QELCAL_OK;
+}
+
+int chooseDistinctUids(Choices& choices, std::string_view value) {
+    if (!value.empty() && value != "yes" && value != "no") return refuse(value, "it is yes or no");
+    choices.distinctUids = value == "yes";
+    return QELCAL_OK;
+}
+
+}  // namespace
+
+int choose(Choices& choices, int choice, const char* value) {
+    const std::string_view text = value == nullptr ? "" : value;
+    return guarded([&] {
+        switch (choice) {
+            case QELCAL_CHOOSE_ZONE:
+                choices.zone = text;
+                return int{QELCAL_OK};
+            case QELCAL_CHOOSE_CHARSET:
+                choices.characterSet = text;
+                return int{QELCAL_OK};
+            case QELCAL_CHOOSE_COUNT_MEANS:
+                return chooseCountMeans(choices, text);
+            case QELCAL_CHOOSE_DISTINCT_UIDS:
+                return chooseDistinctUids(choices, text);
+            default:
+                return fail(QELCAL_INVALID_ARGUMENT, "this choice does not exist");
+        }
+    });
+}
+
+}  // namespace qel::calendar::api
