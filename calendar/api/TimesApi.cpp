@@ -5,6 +5,7 @@
 
 #include "calendar/api/Calls.h"
 #include "calendar/api/TimeValue.h"
+#include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 
 namespace qel::calendar::api {
@@ -110,6 +111,14 @@ int64_t qelcal_time_seconds(const qelcal_time* time) {
 int qelcal_time_weekday(const qelcal_time* time) {
     const auto moment = time == nullptr ? std::nullopt : api::momentOf(*time);
     return moment ? qel::calendar::weekdayOf(moment->day) : 0;
+}
+
+const char* qelcal_month_name(int month) {
+    return month >= 1 && month <= 12 ? qel::calendar::monthName(month).data() : "";
+}
+
+const char* qelcal_weekday_name(int weekday) {
+    return weekday >= 1 && weekday <= 7 ? qel::calendar::weekdayName(weekday).data() : "";
 }
 
 int qelcal_duration_read(const char* text, int64_t* seconds) {

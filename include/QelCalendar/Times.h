@@ -42,6 +42,16 @@ struct Time : qelcal_time {
     int weekday() const { return qelcal_time_weekday(this); }
 };
 
+/// "January" of 1 to "December" of 12; empty for any other number.
+inline std::string monthName(int month) {
+    return qelcal_month_name(month);
+}
+
+/// "Sunday" of 1 to "Saturday" of 7, as Time::weekday counts; empty for any other number.
+inline std::string weekdayName(int weekday) {
+    return qelcal_weekday_name(weekday);
+}
+
 /// Reads an RFC 5545 duration, "-PT15M", into seconds. Throws Error.
 inline std::int64_t readDuration(const std::string& text) {
     std::int64_t seconds = 0;

@@ -179,6 +179,10 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_time_add(const qelcal_time* time, in
 QELCALENDAR_API int64_t QELCALENDAR_CALL qelcal_time_seconds(const qelcal_time* time);
 /** 1 Sunday .. 7 Saturday; 0 for an invalid time. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_time_weekday(const qelcal_time* time);
+/** "January" of 1 to "December" of 12; an empty text for any other number. */
+QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_month_name(int month);
+/** "Sunday" of 1 to "Saturday" of 7; an empty text for any other number. */
+QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_weekday_name(int weekday);
 /** Reads an RFC 5545 duration, "-P1DT2H", "PT15M", "P2W", into seconds. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_duration_read(const char* text, int64_t* seconds);
 /** Writes "-PT15M", "P1DT2H", "PT0S" and a NUL to `text`, which holds QELCAL_TIME_SIZE bytes. */

@@ -239,6 +239,9 @@ TEST(Interface, TimesAtTheirLimits) {
     EXPECT_STREQ(qelcal_last_error(), "June 2005 has no day 31");
     EXPECT_EQ(qelcal_time_read("00010101T000000+1400", &time), QELCAL_INVALID_TEXT);
     EXPECT_THROW(qelcal::readDuration("PT99999999999999999999S"), qelcal::Error);
+    EXPECT_EQ(qelcal::monthName(12) + qelcal::weekdayName(7), "DecemberSaturday");
+    for (const int beyond : {0, 13})
+        EXPECT_EQ(qelcal::monthName(beyond) + qelcal::weekdayName(beyond), "");
 }
 
 TEST(Interface, ZonesAndTextsByName) {

@@ -12,12 +12,6 @@ namespace qel::cli {
 
 namespace {
 
-constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
-                                                 "May",       "June",     "July",     "August",
-                                                 "September", "October",  "November", "December"};
-constexpr std::array<const char*, 7> kWeekdays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
-                                                  "Thursday", "Friday", "Saturday"};
-
 [[noreturn]] void refuse(const std::string& text, const std::string& why) {
     throw InputError("\"" + text + "\": " + why);
 }
@@ -99,21 +93,13 @@ std::string isoDate(const Time& time) {
 }
 
 std::string momentWords(const Time& time) {
-    std::string words = std::string(weekdayName(time.weekday())) + ", " + std::to_string(time.day) +
-                        " " + monthName(time.month) + " " + std::to_string(time.year);
+    std::string words = qelcal::weekdayName(time.weekday()) + ", " + std::to_string(time.day) +
+                        " " + qelcal::monthName(time.month) + " " + std::to_string(time.year);
     if (time.is_date != 0) return words;
     std::array<char, 48> clock{};
     std::snprintf(clock.data(), clock.size(), ", %02d:%02d:%02d", time.hour, time.minute,
                   time.second);
     return words + clock.data() + (isUtc(time) ? " UTC" : "");
-}
-
-const char* monthName(int month) {
-    return kMonths.at(static_cast<std::size_t>(month - 1));
-}
-
-const char* weekdayName(int weekday) {
-    return kWeekdays.at(static_cast<std::size_t>(weekday - 1));
 }
 
 std::string durationText(std::int64_t seconds) {

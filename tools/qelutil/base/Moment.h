@@ -52,10 +52,6 @@ inline constexpr std::int64_t kEndOfTime = (kLastDay + std::int64_t{1}) * kDaySe
 // "Wednesday, 15 June 2005, 08:30:00 UTC"
 [[nodiscard]] std::string momentWords(const Time& time);
 
-// "June" of 1..12, "Wednesday" of 1 Sunday..7.
-[[nodiscard]] const char* monthName(int month);
-[[nodiscard]] const char* weekdayName(int weekday);
-
 // "+P1DT2H"; "PT0S" for nothing.
 [[nodiscard]] std::string durationText(std::int64_t seconds);
 

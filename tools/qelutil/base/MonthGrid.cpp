@@ -47,8 +47,7 @@ int daysInMonth(const Time& start) {
 std::vector<Line> monthLines(const Time& start, std::span<const MarkedDay> days,
                              const MonthGridLayout& layout) {
     std::vector<Line> lines(2 + kWeeks);
-    const std::string title =
-        std::string(monthName(start.month)) + " " + std::to_string(start.year);
+    const std::string title = qelcal::monthName(start.month) + " " + std::to_string(start.year);
     const std::size_t margin = (kMonthWidth - title.size()) / 2;
     lines[0].add(std::string(margin, ' ') + title, margin + title.size());
     for (int column = 0; column < 7; ++column) {

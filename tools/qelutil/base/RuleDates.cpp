@@ -16,7 +16,7 @@ std::vector<MarkedDay> listed(const std::vector<int>& days) {
 void writeDateList(std::ostream& out, const std::vector<MarkedDay>& dates) {
     for (const MarkedDay& date : dates) {
         const Time time = dateOf(date.day);
-        const std::string text = isoDate(time) + "  " + weekdayName(time.weekday());
+        const std::string text = isoDate(time) + "  " + qelcal::weekdayName(time.weekday());
         out << (date.excluded ? " (" + text + ")" : "  " + text) << "\n";
     }
 }
