@@ -17,16 +17,14 @@ namespace {
 }
 
 struct Unit {
-    char letter;
     std::int64_t seconds;
     const char* name;
 };
-constexpr std::array<Unit, 5> kUnits = {{{'W', 7 * kDaySeconds, "week"},
-                                         {'D', kDaySeconds, "day"},
-                                         {'H', 3600, "hour"},
-                                         {'M', 60, "minute"},
-                                         {'S', 1, "second"}}};
-constexpr std::size_t kFirstTimeUnit = 2;
+constexpr std::array<Unit, 5> kUnits = {{{7 * kDaySeconds, "week"},
+                                         {kDaySeconds, "day"},
+                                         {3600, "hour"},
+                                         {60, "minute"},
+                                         {1, "second"}}};
 
 }  // namespace
 
@@ -103,16 +101,7 @@ std::string momentWords(const Time& time) {
 }
 
 std::string durationText(std::int64_t seconds) {
-    if (seconds == 0) return "PT0S";
-    std::string text = seconds < 0 ? "-P" : "+P";
-    std::int64_t rest = seconds < 0 ? -seconds : seconds;
-    for (std::size_t i = 0; i < kUnits.size() && rest != 0; ++i) {
-        if (i == kFirstTimeUnit) text += 'T';
-        const std::int64_t number = rest / kUnits[i].seconds;
-        rest %= kUnits[i].seconds;
-        if (number != 0) text += std::to_string(number) + kUnits[i].letter;
-    }
-    return text;
+    return (seconds > 0 ? "+" : "") + qelcal::durationText(seconds);
 }
 
 std::string durationWords(std::int64_t seconds) {
