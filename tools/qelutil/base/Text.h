@@ -3,6 +3,7 @@
 #define QELUTIL_BASE_TEXT_H
 
 #include <cstddef>
+#include <locale>
 #include <string>
 #include <string_view>
 
@@ -28,16 +29,16 @@ namespace qel::cli {
     return 0;
 }
 
-// ASCII letters alone; the locale plays no part.
+// Only ASCII letters change, whatever the locale.
 [[nodiscard]] inline std::string lowerCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    const auto& letters = std::use_facet<std::ctype<char>>(std::locale::classic());
+    letters.tolower(text.data(), text.data() + text.size());
     return text;
 }
 
 [[nodiscard]] inline std::string upperCase(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+    const auto& letters = std::use_facet<std::ctype<char>>(std::locale::classic());
+    letters.toupper(text.data(), text.data() + text.size());
     return text;
 }
 
