@@ -1,56 +1,48 @@
-// Shows the notes of a conversion, as many of them as a person reads. One thread.
+// Shows the notes of a conversion: alike ones together, as many as a person reads. One thread.
 #ifndef QELUTIL_COMMANDS_CONVERTMESSAGES_H
 #define QELUTIL_COMMANDS_CONVERTMESSAGES_H
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "QelCalendar/Notes.h"
 #include "base/Command.h"
+#include "commands/ConvertSummary.h"
 
 namespace qel::cli {
 
 class ConvertMessages {
   public:
+    // `verbose`: every note is shown by itself and at once, those of severity "note" included.
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
-    // False when it is not shown: it is only a note, or there are too many before it.
-    bool show(const qelcal::Note& note) {
-        if (note.severity == QELCAL_ERROR) context_.setBadInput();
-        if (note.severity == QELCAL_NOTE && !verbose_) return false;
-        if (!verbose_ && ++shown_ > kMost) {
-            ++hidden_;
-            return false;
-        }
-        switch (note.severity) {
-            case QELCAL_ERROR:
-                context_.error(note.file, note.line, note.text);
-                break;
-            case QELCAL_WARNING:
-                context_.warning(note.file, note.line, note.text);
-                break;
-            case QELCAL_NOTE:
-                context_.note(note.file, note.line, note.text);
-                break;
-        }
-        return true;
-    }
+    // A note of the file whose outcome this is. One that is shown is added to it.
+    void take(const qelcal::Note& note, FileOutcome& outcome);
 
-    void finish() {
-        if (hidden_ != 0)
-            context_.warning(
-                {}, 0, std::to_string(hidden_) + " more messages; --verbose shows all of them");
-    }
+    // Shows what has been held back until all files were read.
+    void finish();
 
+    // Where a person should look first: what was lost before what was wrong or only changed. At
+    // most three lines; none when finish() has shown no more than that.
+    [[nodiscard]] std::vector<std::string> worthALook() const;
+
+    // Notes that were not shown by themselves.
     [[nodiscard]] std::uint64_t hidden() const { return hidden_; }
 
   private:
-    // Messages shown of one run, unless all are asked for.
-    static constexpr std::uint64_t kMost = 100;
+    // The notes of one code in all files.
+    struct Kind {
+        NoteGroup group;
+        std::uint64_t files = 1;  // that have such notes
+        std::string lastFile;
+    };
+
+    void show(const qelcal::Note& note, const std::string& text);
 
     Context& context_;
     bool verbose_;
-    std::uint64_t shown_ = 0;
+    std::vector<Kind> kinds_;  // in the order of their first notes
     std::uint64_t hidden_ = 0;
 };
 

@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kStrictReason[] = "there are warnings or errors, and --strict wants none";
+constexpr char kStrictReason[] = "there are warnings or errors, and --strict allows none";
 
 qelcal_format targetOf(const std::string& name) {
     if (name == "ics") return QELCAL_ICALENDAR;
@@ -113,9 +113,8 @@ class ConvertRun {
     // Connects `converter` with the summary, the report and the messages.
     void listenTo(qelcal::Converter& converter) {
         choose(converter, options_);
-        converter.onNote([this](const qelcal::Note& note) {
-            if (messages_.show(note)) outcomes_.back().shown.push_back(note);
-        });
+        converter.onNote(
+            [this](const qelcal::Note& note) { messages_.take(note, outcomes_.back()); });
         if (report_) converter.reportTo(&report_->page());
     }
 
@@ -234,6 +233,7 @@ class ConvertRun {
             settle(name, reason);
             endFile();
         }
+        messages_.finish();
         // An older result is worth more than an empty one.
         if (converter.counts().calendars == 0) {
             nothingWritten("there is no calendar to write");
@@ -271,6 +271,7 @@ class ConvertRun {
             showOutcome(outcomes_.back());
             endFile();
         }
+        messages_.finish();
     }
 
     void convertAlone(const CalendarFile& file) {
@@ -364,7 +365,6 @@ class ConvertRun {
     }
 
     void showSummary() {
-        messages_.finish();
         if (options_.json) {
             Json document{{"dryRun", options_.dryRun},
                           {"strict", options_.strict},
@@ -376,9 +376,11 @@ class ConvertRun {
             writeJson(context_.out, document);
         }
         if (report_) report_->finish(remark(), outcomes_);
-        if (summary_)
-            context_.say((options_.dryRun ? "nothing written; would be: " : "") +
-                         summaryText(outcomes_));
+        if (!summary_) return;
+        context_.say((options_.dryRun ? "nothing written; would be: " : "") +
+                     summaryText(outcomes_));
+        for (const std::string& each : messages_.worthALook())
+            context_.say("look first at " + each);
     }
 
     [[nodiscard]] std::string remark() const {

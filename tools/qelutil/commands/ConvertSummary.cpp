@@ -79,13 +79,14 @@ Json outcomeJson(const FileOutcome& file) {
               {"leftOut", textOrNull(file.reason)}};
     json.update(countsJson(file.counts, file.converted()));
     json["messages"] = Json::array();
-    for (const qelcal::Note& note : file.shown)
+    for (const auto& [note, count] : file.shown)
         json["messages"].push_back({{"code", note.code},
                                     {"name", note.name},
                                     {"severity", severityName(note.severity)},
                                     {"fate", fateName(note.fate)},
                                     {"line", note.line == 0 ? Json() : Json(note.line)},
                                     {"text", jsonText(note.text)},
+                                    {"count", count},
                                     {"notCarriedOver", note.fate == QELCAL_LOST}});
     return json;
 }
