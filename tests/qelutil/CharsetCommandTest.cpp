@@ -44,7 +44,7 @@ TEST_F(CharsetCommandTest, FilesThatCannotBeUsed) {
     EXPECT_EQ(run({"charset", "--to", "936", "-t", "new", "-o", output}).exitCode, 0);
     EXPECT_EQ(qel::test::readFile(output), "new");
     for (const auto& entry : std::filesystem::directory_iterator(state_.path()))
-        EXPECT_FALSE(contains(entry.path().filename().string(), "qelutil-new"));
+        EXPECT_FALSE(contains(entry.path().filename().string(), ".qelutil"));
 }
 
 }  // namespace

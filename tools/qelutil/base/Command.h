@@ -6,10 +6,15 @@
 #define QELUTIL_BASE_COMMAND_H
 
 #include <cstddef>
+#include <filesystem>
 #include <iosfwd>
+#include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "platform/Files.h"
 
 namespace CLI {
 class App;
@@ -65,6 +70,15 @@ class Context {
     void setBadInput() { exitCode_ = kExitBadInput; }
     [[nodiscard]] int exitCode() const { return exitCode_; }
 
+    // The files that this run reads and those that it has written, known by what they are, not by
+    // their names: no result replaces one of them.
+    void setInput(const std::optional<platform::FileId>& file);
+    [[nodiscard]] bool isInput(const std::filesystem::path& path) const;
+    // Of what standard output goes to.
+    [[nodiscard]] bool outputIsInput() const;
+    void setWritten(const platform::FileId& file) { written_.insert(file); }
+    [[nodiscard]] bool isWritten(const std::filesystem::path& path) const;
+
   private:
     friend class Progress;
     // What a message is: its word before the text, and the colour that goes with it.
@@ -74,6 +88,8 @@ class Context {
     std::ostream& err_;
     Progress* progress_ = nullptr;
     int exitCode_ = kExitFine;
+    std::set<platform::FileId> inputs_;
+    std::set<platform::FileId> written_;
 };
 
 }  // namespace qel::cli

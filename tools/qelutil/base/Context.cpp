@@ -10,6 +10,25 @@ namespace qel::cli {
 Context::Context(std::istream& inStream, std::ostream& outStream, std::ostream& errStream)
     : in(inStream), out(outStream), err_(errStream) {}
 
+void Context::setInput(const std::optional<platform::FileId>& file) {
+    if (file) inputs_.insert(*file);
+}
+
+bool Context::isInput(const std::filesystem::path& path) const {
+    const auto file = platform::identityOf(path);
+    return file && inputs_.contains(*file);
+}
+
+bool Context::outputIsInput() const {
+    const auto file = platform::identityOfOutput();
+    return file && inputs_.contains(*file);
+}
+
+bool Context::isWritten(const std::filesystem::path& path) const {
+    const auto file = platform::identityOf(path);
+    return file && written_.contains(*file);
+}
+
 struct Context::Kind {
     std::string_view word;
     std::string_view color;  // the sequence that switches it on

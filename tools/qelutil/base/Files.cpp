@@ -1,6 +1,7 @@
 #include "base/Files.h"
 
 #include <cerrno>
+#include <fstream>
 #include <istream>
 #include <sstream>
 #include <system_error>
@@ -26,17 +27,19 @@ std::string lastReadError() {
     return reason;
 }
 
-std::string lastWriteError() {
-    const int number = errno;
-    std::string reason = reasonOf(number);
-    if (number == ENOENT) reason += "; make its folder first";
-    if (number == EACCES || number == EROFS) reason += "; see that you may write there";
-    if (number == ENOSPC) reason += "; make room on the disk";
-    return reason;
+// The file that a link leads to, there or not.
+fs::path behindLinks(fs::path path) {
+    constexpr int kMostLinks = 40;  // as the system allows
+    std::error_code failure;
+    for (int links = 0; links < kMostLinks && fs::is_symlink(path, failure); ++links)
+        path = path.parent_path() / fs::read_symlink(path, failure);
+    return path;
 }
 
-bool isStandardStream(const std::string& name) {
-    return name.empty() || name == "-";
+bool isSpecial(const fs::path& path) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    return fs::exists(status) && !fs::is_regular_file(status);
 }
 
 }  // namespace
@@ -45,8 +48,37 @@ fs::path pathOf(const std::string& utf8Name) {
     return fs::path(std::u8string(utf8Name.begin(), utf8Name.end()));
 }
 
+std::string nameOf(const fs::path& path) {
+    const std::u8string text = path.generic_u8string();
+    return {text.begin(), text.end()};
+}
+
+bool isStandardInput(const std::string& name) {
+    return name.empty() || name == "-";
+}
+
+bool isStandardOutput(const std::string& name) {
+    return isStandardInput(name) || name == "/dev/stdout";
+}
+
+bool isOneFile(const std::string& name, const std::string& other) {
+    if (isStandardOutput(name) || isStandardOutput(other)) return false;
+    const fs::path one = behindLinks(pathOf(name));
+    const fs::path two = behindLinks(pathOf(other));
+    const auto file = platform::identityOf(one);
+    if (file || platform::identityOf(two)) return file == platform::identityOf(two);
+    // Neither is there yet, or they are special.
+    std::error_code failure;
+    if (fs::exists(one, failure) || fs::exists(two, failure)) return false;
+    const auto folderOf = [](const fs::path& path) {
+        return path.has_parent_path() ? path.parent_path() : fs::path(".");
+    };
+    return one.filename() == two.filename() &&
+           fs::equivalent(folderOf(one), folderOf(two), failure);
+}
+
 InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
-    if (isStandardStream(name)) {
+    if (isStandardInput(name)) {
         stream_ = &context.in;
         name_ = kStandardInput;
         return;
@@ -59,6 +91,7 @@ InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
     owned_ = std::make_unique<std::ifstream>(path, std::ios::binary);
     stream_ = owned_.get();
     if (!*owned_) throw InputError(name + ": cannot be read: " + lastReadError());
+    context.setInput(platform::identityOf(path));
     if (!fs::is_regular_file(path, failure)) return;
     const std::uintmax_t size = fs::file_size(path, failure);
     if (!failure) size_ = static_cast<std::uint64_t>(size);
@@ -95,68 +128,122 @@ std::string InputFile::readAll(std::size_t most) {
     }
 }
 
-OutputFile::OutputFile(Context& context, const std::string& name) : stream_(&file_), name_(name) {
-    if (isStandardStream(name)) {
+OutputError writeError(const std::string& name, const std::error_code& code) {
+    std::string reason = code.default_error_condition().message();
+    if (code == std::errc::no_such_file_or_directory) reason += "; make its folder first";
+    if (code == std::errc::permission_denied || code == std::errc::read_only_file_system)
+        reason += "; see that you may write there";
+    if (code == std::errc::no_space_on_device) reason += "; make room on the disk";
+    return OutputError(name + ": cannot be written: " + reason);
+}
+
+// Hands what is written to a file of the platform's, in blocks.
+class OutputFile::Buffer : public std::streambuf {
+  public:
+    Buffer(const std::string& name, platform::WritableFile file)
+        : name_(name), file_(std::move(file)), block_(kBlock) {
+        setp(block_.data(), block_.data() + block_.size());
+    }
+
+    // REQUIRES: sync() was called.
+    [[nodiscard]] platform::WritableFile& file() { return file_; }
+
+    // Throws OutputError, which the stream passes on.
+    int sync() override {
+        const std::size_t size = static_cast<std::size_t>(pptr() - pbase());
+        setp(block_.data(), block_.data() + block_.size());
+        try {
+            file_.write(block_.data(), size);
+        } catch (const std::system_error& failure) {
+            throw writeError(name_, failure.code());
+        }
+        return 0;
+    }
+
+  protected:
+    int_type overflow(int_type c) override {
+        sync();
+        if (!traits_type::eq_int_type(c, traits_type::eof())) sputc(traits_type::to_char_type(c));
+        return traits_type::not_eof(c);
+    }
+
+  private:
+    static constexpr std::size_t kBlock = std::size_t{64} << 10;
+
+    const std::string& name_;
+    platform::WritableFile file_;
+    std::vector<char> block_;
+};
+
+OutputFile::OutputFile(Context& context, const std::string& name) : context_(context), name_(name) {
+    if (isStandardOutput(name)) {
         stream_ = &context.out;
         return;
     }
-    target_ = pathOf(name);
+    target_ = behindLinks(pathOf(name));
     std::error_code failure;
     if (fs::is_directory(target_, failure))
-        throw InputError(name + ": is a directory; name a file to write");
-    // A device or a pipe cannot be replaced: it is written as it is.
-    const bool special = fs::exists(target_, failure) && !fs::is_regular_file(target_, failure);
-    // A link keeps pointing at its file, which is what is replaced.
-    const fs::path real = special ? fs::path() : fs::canonical(target_, failure);
-    if (!special && !failure) target_ = real;
-    fs::path opened = target_;
-    if (!special) {
-        temporary_ = target_;
-        temporary_ += ".qelutil-new";
-        opened = temporary_;
-    }
-    errno = 0;
-    file_.open(opened, std::ios::binary | std::ios::trunc);
-    if (!file_) {
-        temporary_.clear();
-        throw InputError(name + ": cannot be written: " + lastWriteError());
-    }
-    file_.exceptions(std::ios::badbit | std::ios::failbit);
+        throw OutputError(name + ": is a directory; name a file to write");
+    if (context.isInput(target_))
+        throw OutputError(name + ": is the file that is read; name another file to write");
+    special_ = isSpecial(target_);
+    create();
 }
 
-OutputFile::~OutputFile() {
-    if (temporary_.empty()) return;
-    std::error_code ignored;
-    file_.exceptions(std::ios::goodbit);
-    file_.close();
-    fs::remove(temporary_, ignored);
+std::unique_ptr<OutputFile> OutputFile::inFolder(Context& context, const std::string& likely) {
+    std::unique_ptr<OutputFile> file(new OutputFile(context));
+    file->name_ = likely;
+    file->target_ = behindLinks(pathOf(likely));
+    file->create();
+    return file;
+}
+
+void OutputFile::create() {
+    try {
+        buffer_ = std::make_unique<Buffer>(
+            name_, special_ ? platform::WritableFile::open(target_)
+                            : platform::WritableFile::createIn(target_.parent_path(), target_));
+    } catch (const std::system_error& failure) {
+        throw writeError(name_, failure.code());
+    }
+    owned_ = std::make_unique<std::ostream>(buffer_.get());
+    owned_->exceptions(std::ios::badbit | std::ios::failbit);
+    stream_ = owned_.get();
+}
+
+OutputFile::OutputFile(Context& context) : context_(context) {}
+
+OutputFile::~OutputFile() = default;
+
+fs::path OutputFile::folder() const {
+    return special_ || buffer_ == nullptr ? fs::temp_directory_path() : target_.parent_path();
 }
 
 void OutputFile::commit() {
-    if (stream_ != &file_) {
-        stream_->flush();
-        return;
-    }
-    errno = 0;
+    stream_->flush();
+    if (buffer_ == nullptr) return;
     try {
-        file_.close();
-    } catch (const std::ios_base::failure&) {
-        throw InputError(name_ + ": cannot be written: " + lastWriteError());
+        if (special_)
+            buffer_->file().close();
+        else
+            replace();
+    } catch (const std::system_error& failure) {
+        throw writeError(name_, failure.code());
     }
-    if (temporary_.empty()) return;
-    std::error_code failure;
-    const auto oldMode = fs::status(target_, failure);
-    if (!failure && fs::exists(oldMode))
-        fs::permissions(temporary_, oldMode.permissions(), failure);
-    fs::rename(temporary_, target_, failure);
-    if (failure) throw InputError(name_ + ": cannot be replaced: " + failure.message());
-    temporary_.clear();
+}
+
+void OutputFile::replace() {
+    if (isSpecial(target_))
+        throw OutputError(name_ + ": is not a file that can be replaced; name another one");
+    if (context_.isWritten(target_))
+        throw OutputError(name_ + ": has just been written by this run; name another file");
+    context_.setWritten(buffer_->file().replace(target_));
 }
 
 void OutputFile::commitAs(const std::string& name) {
     if (name != name_) {
         name_ = name;
-        target_ = pathOf(name);
+        target_ = behindLinks(pathOf(name));
     }
     commit();
 }

@@ -5,12 +5,15 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <iosfwd>
 #include <memory>
+#include <ostream>
+#include <streambuf>
 #include <string>
+#include <vector>
 
 #include "base/Command.h"
+#include "platform/Files.h"
 
 namespace qel::cli {
 
@@ -18,6 +21,16 @@ namespace qel::cli {
 inline constexpr char kStandardInput[] = "standard input";
 
 [[nodiscard]] std::filesystem::path pathOf(const std::string& utf8Name);
+// As the program writes names: UTF-8, with "/".
+[[nodiscard]] std::string nameOf(const std::filesystem::path& path);
+
+// True for "-" and nothing.
+[[nodiscard]] bool isStandardInput(const std::string& name);
+// The same, and the system's own name of standard output.
+[[nodiscard]] bool isStandardOutput(const std::string& name);
+
+// True when both names lead to one file, there or not. A device or a pipe is none.
+[[nodiscard]] bool isOneFile(const std::string& name, const std::string& other);
 
 // A file or standard input, open for reading. The constructor throws InputError, which names the
 // file and says why it cannot be read, when there is no such file or it is a directory.
@@ -46,30 +59,54 @@ class InputFile {
     std::uint64_t size_ = 0;
 };
 
-// Standard output ("-" or an empty name), or a file that is complete or not there: the text goes to
-// a new file beside it, which takes its name in commit(). Without commit() the old file stands as
-// it was. Both throw InputError with the name and the reason.
+// A result cannot be written: an InputError about the output.
+class OutputError : public InputError {
+    using InputError::InputError;
+};
+
+// Standard output, or a file that is complete or not there: the text goes to a new file of another
+// name in its folder, which takes its name in commit(). Without commit() the old file stands as it
+// was. A device or a pipe is written as it is; of a link the file that it leads to is replaced.
+// Everything throws OutputError with the name and the reason; a standard stream throws
+// std::ios_base::failure.
 class OutputFile {
   public:
+    // A file that the command line names. It must not be one that has been opened by an InputFile.
     OutputFile(Context& context, const std::string& name);
+    // A result in a folder of results: commitAs() says its name, `likely` is what it will mostly
+    // be. A device or a pipe in its place is left alone.
+    [[nodiscard]] static std::unique_ptr<OutputFile> inFolder(Context& context,
+                                                              const std::string& likely);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    // Throws std::ios_base::failure when a write fails.
     [[nodiscard]] std::ostream& stream() { return *stream_; }
+    // Where temporary files for it may be: the folder of the file.
+    [[nodiscard]] std::filesystem::path folder() const;
     void commit();
-    // The same under another name in the same folder, when that is known only now. REQUIRES: not a
-    // standard stream.
+    // REQUIRES: of inFolder.
     void commitAs(const std::string& name);
 
   private:
-    std::ofstream file_;
-    std::ostream* stream_;
+    class Buffer;
+
+    explicit OutputFile(Context& context);
+    void create();
+    void replace();
+
+    Context& context_;
     std::string name_;
     std::filesystem::path target_;
-    std::filesystem::path temporary_;
+    std::unique_ptr<Buffer> buffer_;  // null for standard output
+    std::unique_ptr<std::ostream> owned_;
+    std::ostream* stream_ = nullptr;
+    bool special_ = false;
 };
+
+// Why a file cannot be written, with what to do about it: "NAME: cannot be written: no space
+// left on device; make room on the disk".
+[[nodiscard]] OutputError writeError(const std::string& name, const std::error_code& code);
 
 }  // namespace qel::cli
 

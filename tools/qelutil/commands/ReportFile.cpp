@@ -1,39 +1,51 @@
 #include "commands/ReportFile.h"
 
 #include <ostream>
-#include <system_error>
+#include <vector>
 
 namespace qel::cli {
 
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{64} << 10;
+
+}  // namespace
+
 ReportFile::ReportFile(Context& context, const std::string& name)
     : name_(name), page_(context, name) {
-    bodyPath_ = pathOf(name);
-    bodyPath_ += ".qelutil-body";
-    body_.open(bodyPath_, std::ios::in | std::ios::out | std::ios::binary | std::ios::trunc);
-    if (!body_) throw InputError(name + ": cannot be written there; make its folder first");
-}
-
-ReportFile::~ReportFile() {
-    body_.close();
-    std::error_code ignored;
-    std::filesystem::remove(bodyPath_, ignored);
+    try {
+        body_ = platform::WritableFile::createNameless(page_.folder());
+    } catch (const std::system_error& failure) {
+        throw writeError(name, failure.code());
+    }
 }
 
 void ReportFile::addToBody(std::string_view text) {
-    body_.write(text.data(), static_cast<std::streamsize>(text.size()));
+    block_ += text;
+    if (block_.size() >= kBlock) writeBlock();
 }
 
-void ReportFile::addToHead(std::string_view text) {
-    page_.stream() << text;
+void ReportFile::writeBlock() {
+    try {
+        if (!failure_) body_.write(block_.data(), block_.size());
+    } catch (const std::system_error& failure) {
+        failure_ = failure.code();
+    }
+    block_.clear();
 }
 
 void ReportFile::commit() {
-    body_.flush();
-    if (!body_) throw InputError(name_ + ": cannot be written; is the disk full?");
-    body_.seekg(0);
-    // An empty body would count as a failure of the stream.
-    if (body_.peek() != std::fstream::traits_type::eof()) page_.stream() << body_.rdbuf();
-    if (!body_) throw InputError(name_ + ": what was gathered for it cannot be read back");
+    writeBlock();
+    if (failure_) throw writeError(name_, failure_);
+    std::vector<char> buffer(kBlock);
+    try {
+        body_.rewind();
+        while (const std::size_t got = body_.read(buffer.data(), buffer.size()))
+            page_.stream().write(buffer.data(), static_cast<std::streamsize>(got));
+    } catch (const std::system_error& failure) {
+        throw OutputError(
+            name_ + ": what was gathered for it cannot be read back: " + failure.code().message());
+    }
     page_.commit();
 }
 

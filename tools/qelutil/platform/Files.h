@@ -1,0 +1,74 @@
+// Files as the system keeps them: what makes two names one file, and files that stand under no name
+// of the caller's until they are whole. One thread.
+#ifndef QELUTIL_PLATFORM_FILES_H
+#define QELUTIL_PLATFORM_FILES_H
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace qel::cli::platform {
+
+// What a file is by, whatever its names.
+struct FileId {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+    auto operator<=>(const FileId&) const = default;
+};
+
+// Of the ordinary file that `path` leads to, or that a standard stream reads or writes; nothing
+// when there is none, or it is a device or a pipe.
+[[nodiscard]] std::optional<FileId> identityOf(const std::filesystem::path& path);
+[[nodiscard]] std::optional<FileId> identityOfInput();
+[[nodiscard]] std::optional<FileId> identityOfOutput();
+
+// A file open for writing. Everything that can fail throws std::system_error.
+class WritableFile {
+  public:
+    // A new file of a random name in `folder`. What may read and write it is what may the file
+    // `like`, where that exists; else it is open as new files of this user are. Until replace() it
+    // is removed by the destructor, and when a signal or the console ends the program.
+    [[nodiscard]] static WritableFile createIn(const std::filesystem::path& folder,
+                                               const std::filesystem::path& like);
+    // A new file in `folder` that has no name, or none for long: it is gone when the program is.
+    [[nodiscard]] static WritableFile createNameless(const std::filesystem::path& folder);
+    // What is there, a device or a pipe.
+    [[nodiscard]] static WritableFile open(const std::filesystem::path& path);
+
+    WritableFile() = default;
+    WritableFile(WritableFile&& other) noexcept;
+    WritableFile& operator=(WritableFile&& other) noexcept;
+    ~WritableFile();
+
+    [[nodiscard]] bool isOpen() const { return handle_ != kClosed; }
+    void write(const char* bytes, std::size_t size);
+    // From the beginning on; 0 at the end. REQUIRES: of createNameless.
+    void rewind();
+    [[nodiscard]] std::size_t read(char* bytes, std::size_t room);
+    void close();
+    // Writes everything to the disk and gives the file the name `target`, in its folder; an older
+    // file of that name is replaced, and decides who may read and write the new one. Gives its
+    // identity. REQUIRES: of createIn.
+    FileId replace(const std::filesystem::path& target);
+
+  private:
+    static constexpr std::intptr_t kClosed = -1;
+
+    explicit WritableFile(std::intptr_t handle) : handle_(handle) {}
+    void discard() noexcept;
+
+    std::intptr_t handle_ = kClosed;
+    std::size_t slot_ = 0;        // of `path_` in the list of what is removed at the end
+    std::filesystem::path path_;  // of createIn; empty otherwise
+};
+
+// Ends the program as a write to a pipe that nobody reads ends one, after removing its unfinished
+// files.
+[[noreturn]] void endByClosedPipe();
+
+}  // namespace qel::cli::platform
+
+#endif

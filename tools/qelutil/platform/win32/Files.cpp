@@ -1,0 +1,217 @@
+#include "platform/Files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <system_error>
+#include <utility>
+
+#include "platform/RandomName.h"
+
+namespace qel::cli::platform {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void fail(DWORD code) {
+    throw std::system_error(static_cast<int>(code), std::system_category());
+}
+
+HANDLE handleOf(std::intptr_t number) {
+    return reinterpret_cast<HANDLE>(number);
+}
+
+// INVALID_HANDLE_VALUE is -1 as well.
+std::intptr_t numberOf(HANDLE handle) {
+    return reinterpret_cast<std::intptr_t>(handle);
+}
+
+// The names of files that are not finished. The console's thread reads them.
+constexpr std::size_t kSlots = 16;
+std::array<std::atomic<const wchar_t*>, kSlots> unfinished;
+
+void removeUnfinished() {
+    for (std::atomic<const wchar_t*>& each : unfinished)
+        if (const wchar_t* const path = each.exchange(nullptr)) DeleteFileW(path);
+}
+
+// Ctrl-C and Ctrl-Break are SIGINT elsewhere, a closed window or the end of the session SIGTERM.
+BOOL WINAPI endByConsole(DWORD event) {
+    constexpr UINT kInterrupted = 130;
+    constexpr UINT kTerminated = 143;
+    removeUnfinished();
+    TerminateProcess(GetCurrentProcess(), event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT
+                                              ? kInterrupted
+                                              : kTerminated);
+    return TRUE;
+}
+
+void watchConsole() {
+    static bool watched = false;
+    if (!std::exchange(watched, true)) SetConsoleCtrlHandler(endByConsole, TRUE);
+}
+
+std::size_t enlist(const wchar_t* path) {
+    for (std::size_t slot = 0; slot < kSlots; ++slot) {
+        const wchar_t* none = nullptr;
+        if (unfinished[slot].compare_exchange_strong(none, path)) return slot;
+    }
+    return kSlots;  // never more than three at once
+}
+
+std::optional<FileId> idOf(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION facts{};
+    if (file == nullptr || GetFileType(file) != FILE_TYPE_DISK ||
+        GetFileInformationByHandle(file, &facts) == 0 ||
+        (facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        return std::nullopt;
+    constexpr unsigned kHalf = 32;
+    return FileId{facts.dwVolumeSerialNumber,
+                  std::uint64_t{facts.nFileIndexHigh} << kHalf | facts.nFileIndexLow};
+}
+
+// Opens a new file; INVALID_HANDLE_VALUE when there is one of that name. It may be deleted while it
+// is open, by the console's thread.
+HANDLE create(const fs::path& path, DWORD flags) {
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                    nullptr, CREATE_NEW, flags, nullptr);
+    if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) fail(GetLastError());
+    return file;
+}
+
+constexpr int kTries = 100;
+
+}  // namespace
+
+std::optional<FileId> identityOf(const fs::path& path) {
+    const HANDLE file =
+        CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return std::nullopt;
+    const std::optional<FileId> id = idOf(file);
+    CloseHandle(file);
+    return id;
+}
+
+std::optional<FileId> identityOfInput() {
+    return idOf(GetStdHandle(STD_INPUT_HANDLE));
+}
+
+std::optional<FileId> identityOfOutput() {
+    return idOf(GetStdHandle(STD_OUTPUT_HANDLE));
+}
+
+// A new file inherits its folder's access list; so does one that replaces another.
+WritableFile WritableFile::createIn(const fs::path& folder, const fs::path&) {
+    watchConsole();
+    WritableFile file;
+    for (int tries = 0; !file.isOpen(); ++tries) {
+        if (tries == kTries) fail(ERROR_FILE_EXISTS);
+        file.path_ = folder / randomName();
+        file.handle_ = numberOf(create(file.path_, FILE_ATTRIBUTE_NORMAL));
+    }
+    file.slot_ = enlist(file.path_.c_str());
+    return file;
+}
+
+WritableFile WritableFile::createNameless(const fs::path& folder) {
+    WritableFile file;
+    for (int tries = 0; !file.isOpen(); ++tries) {
+        if (tries == kTries) fail(ERROR_FILE_EXISTS);
+        file.handle_ = numberOf(
+            create(folder / randomName(), FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE));
+    }
+    return file;
+}
+
+WritableFile WritableFile::open(const fs::path& path) {
+    WritableFile file(
+        numberOf(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
+    if (!file.isOpen()) fail(GetLastError());
+    return file;
+}
+
+WritableFile::WritableFile(WritableFile&& other) noexcept {
+    *this = std::move(other);
+}
+
+WritableFile& WritableFile::operator=(WritableFile&& other) noexcept {
+    if (this == &other) return *this;
+    discard();
+    slot_ = other.slot_;
+    const bool listed = !other.path_.empty() && slot_ < kSlots;
+    if (listed) unfinished[slot_] = nullptr;
+    handle_ = std::exchange(other.handle_, kClosed);
+    path_ = std::move(other.path_);
+    other.path_.clear();
+    if (listed) unfinished[slot_] = path_.c_str();
+    return *this;
+}
+
+WritableFile::~WritableFile() {
+    discard();
+}
+
+void WritableFile::discard() noexcept {
+    if (isOpen()) CloseHandle(handleOf(std::exchange(handle_, kClosed)));
+    if (path_.empty()) return;
+    if (slot_ < kSlots) unfinished[slot_] = nullptr;
+    DeleteFileW(path_.c_str());
+    path_.clear();
+}
+
+void WritableFile::write(const char* bytes, std::size_t size) {
+    constexpr std::size_t kMost = std::size_t{1} << 20;
+    while (size != 0) {
+        DWORD done = 0;
+        if (WriteFile(handleOf(handle_), bytes, static_cast<DWORD>(std::min(size, kMost)), &done,
+                      nullptr) == 0)
+            fail(GetLastError());
+        bytes += done;
+        size -= done;
+    }
+}
+
+void WritableFile::rewind() {
+    if (SetFilePointer(handleOf(handle_), 0, nullptr, FILE_BEGIN) == INVALID_SET_FILE_POINTER)
+        fail(GetLastError());
+}
+
+std::size_t WritableFile::read(char* bytes, std::size_t room) {
+    constexpr std::size_t kMost = std::size_t{1} << 20;
+    DWORD got = 0;
+    if (ReadFile(handleOf(handle_), bytes, static_cast<DWORD>(std::min(room, kMost)), &got,
+                 nullptr) == 0)
+        fail(GetLastError());
+    return got;
+}
+
+void WritableFile::close() {
+    if (isOpen() && CloseHandle(handleOf(std::exchange(handle_, kClosed))) == 0)
+        fail(GetLastError());
+}
+
+FileId WritableFile::replace(const fs::path& target) {
+    if (FlushFileBuffers(handleOf(handle_)) == 0) fail(GetLastError());
+    const FileId id = idOf(handleOf(handle_)).value_or(FileId{});
+    close();
+    if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
+        fail(GetLastError());
+    if (slot_ < kSlots) unfinished[slot_] = nullptr;
+    path_.clear();
+    return id;
+}
+
+void endByClosedPipe() {
+    constexpr UINT kBrokenPipe = 141;  // as where a signal says so
+    removeUnfinished();
+    TerminateProcess(GetCurrentProcess(), kBrokenPipe);
+    std::abort();
+}
+
+}  // namespace qel::cli::platform
