@@ -2,11 +2,14 @@
 // why; never with output that is only nearly right.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/Process.h"
 #include "support/Tables.h"
+#include "support/TempDir.h"
 
 namespace qel::test {
 
@@ -71,6 +74,34 @@ TEST_P(ProgramFaults, EndInOneLine) {
 
 INSTANTIATE_TEST_SUITE_P(Qelutil, ProgramFaults, testing::ValuesIn(kCommands),
                          [](const auto& tested) { return std::string(tested.param.name); });
+
+// One file that there was no memory for costs its own result alone.
+TEST(ProgramFaultsOfFiles, TheOthersAreConverted) {
+    const TempDir state;
+    std::vector<std::string> words = {"convert"};
+    for (const char* name : {"a.vcs", "b.vcs", "c.vcs"}) {
+        words.push_back(state.file(name));
+        writeFile(words.back(), kCommands[0].input);
+    }
+    words.insert(words.end(), {"-d", state.file("out"), "--overwrite"});
+    ProcessOptions options;
+    options.environment["LD_PRELOAD"] = QEL_TEST_GATE;
+    int named = 0;
+    for (int n = 1000; n < 3000; n += 37) {
+        std::filesystem::remove_all(state.path() / "out");
+        options.environment["QEL_TEST_REFUSE"] = std::to_string(n);
+        const ProcessResult result = runProcess(QELUTIL_PROGRAM, words, options);
+        if (result.err.find("b.vcs: memory is exhausted") == std::string::npos) continue;
+        ++named;
+        EXPECT_EQ(result.exitCode, 1) << n;
+        EXPECT_NE(result.err.find("3 files (1 left out), "), std::string::npos) << result.err;
+        for (const auto& [name, there] : {std::pair("a", true), {"b", false}, {"c", true}})
+            EXPECT_EQ(std::filesystem::exists(state.file("out/" + std::string(name) + ".ics")),
+                      there)
+                << n << ": " << name;
+    }
+    EXPECT_GT(named, 0);
+}
 
 }  // namespace
 

@@ -1,4 +1,6 @@
 // qelutil convert as a process: files, pipes, messages, exit codes.
+#include <filesystem>
+
 #include "Qelutil.h"
 
 namespace qel::test {
@@ -49,9 +51,27 @@ TEST_F(ConvertCommand, SeveralFilesIntoOne) {
     const std::string text = readFile(out);
     EXPECT_EQ(text.find("BEGIN:VCALENDAR"), text.rfind("BEGIN:VCALENDAR"));
     EXPECT_NE(text.find("BEGIN:VEVENT"), text.rfind("BEGIN:VEVENT"));
-    // The file that is read may be the one that is written.
-    EXPECT_EQ(run({"convert", "--to", "ics", out, "-o", out}).exitCode, 0);
-    EXPECT_EQ(readFile(out), text);
+}
+
+TEST_F(ConvertCommand, NoResultTakesThePlaceOfAnInput) {
+    const std::string phone = fileWith("a.vcs", kPhone);
+    const std::string sameByPath = (state_.path() / "." / "a.vcs").string();
+    const std::string sameByLink = state_.file("link.ics");
+    std::filesystem::create_hard_link(phone, sameByLink);
+    const std::string page = fileWith("page.html", "as it was");
+    for (const std::string& name : {phone, sameByPath, sameByLink}) {
+        fails(2, {"convert", phone, "-o", name}, "is itself one of the files to convert");
+        fails(2, {"convert", phone, "-n", "--report", name}, "is itself one of the files");
+    }
+    for (const char* one : {"page.html", "new.html"})
+        fails(2,
+              {"convert", phone, "-o", state_.file(one), "--report",
+               (state_.path() / "." / one).string()},
+              "name the same file");
+    // Other commands too.
+    fails(1, {"encode", "base64", phone, "-o", sameByLink}, "is the file that is read");
+    EXPECT_EQ(readFile(phone), kPhone);
+    EXPECT_EQ(readFile(page), "as it was");
 }
 
 TEST_F(ConvertCommand, MessagesNameFileAndLine) {

@@ -84,7 +84,7 @@ TEST_F(ConvertFolders, NothingIsOverwrittenInSilence) {
     fails(1, {"convert", "-d", out_}, "standard input has no name", kGood);
     fails(2, {"convert", phone_, "--overwrite"}, "--overwrite goes with --output-dir");
     for (const auto& each : fs::recursive_directory_iterator(state_.path()))
-        EXPECT_NE(each.path().extension(), ".qelutil-new") << each.path();
+        EXPECT_FALSE(each.path().filename().string().starts_with(".qelutil")) << each.path();
 }
 
 TEST_F(ConvertFolders, StrictLetsNothingPass) {
@@ -141,7 +141,6 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntryAndRunsNothing) {
         EXPECT_TRUE(contains(text, says));
     for (const char* never : {"<script", "http:", "https:", "src=", "url("})
         EXPECT_FALSE(contains(text, never));
-    EXPECT_FALSE(has("report.html.qelutil-body"));
     fails(1, {"convert", phone_, "-n", "--report", state_.file("no/such/report.html")},
           "cannot be written");
     fails(2, {"convert", phone_, "--report", page, "-o", page}, "name the same file");

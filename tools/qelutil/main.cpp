@@ -1,20 +1,16 @@
 // qelutil: calendars, rules, times, texts and codes of a phone and its PC, from the command line.
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <cstdio>
-#include <exception>
 #include <iostream>
 #include <new>
-#include <system_error>
 
+#include "base/Failure.h"
 #include "commands/Application.h"
 #include "platform/Console.h"
 
 namespace {
 
 using qel::cli::Context;
-
-constexpr char kMemoryExhausted[] = "memory is exhausted; give the input in smaller pieces";
 
 std::string commandLineOf(const CLI::App& app) {
     std::string words = "qelutil";
@@ -53,23 +49,8 @@ int guarded(Context& context, const std::vector<std::string>& words) {
         const int code = parseAndRun(context, words);
         context.out.flush();
         return code;
-    } catch (const std::ios_base::failure&) {
-        const int number = errno;
-        std::cout.exceptions(std::ios::goodbit);
-        std::cout.clear(std::ios::badbit);
-        context.error("the output cannot be written: " +
-                      std::error_code(number, std::generic_category()).message());
-    } catch (const qel::cli::InputError& problem) {
-        context.error(problem.what());
-    } catch (const std::bad_alloc&) {
-        context.error(kMemoryExhausted);
-    } catch (const std::exception& problem) {
-        context.error(problem.what());
-    } catch (int code) {
-        context.error("the library gave up with code " + std::to_string(code) +
-                      "; its log may say why, see `qelutil log`");
-    } catch (const char* text) {
-        context.error(text);
+    } catch (...) {
+        context.error(qel::cli::currentFailure(context));
     }
     return qel::cli::kExitBadInput;
 }
@@ -88,7 +69,7 @@ int main(int argc, char** argv) {
         std::cout.flush();
     } catch (const std::bad_alloc&) {
         // Before there was a context, or while it reported the same.
-        std::fprintf(stderr, "qelutil: %s\n", kMemoryExhausted);
+        std::fprintf(stderr, "qelutil: %s\n", qel::cli::kMemoryExhausted);
         code = qel::cli::kExitBadInput;
     } catch (...) {
         // Neither the output nor the message about it could be written: the exit code is all there

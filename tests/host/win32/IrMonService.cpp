@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr DWORD kPending = 700;  // milliseconds
-
 SERVICE_STATUS_HANDLE statusHandle = nullptr;
 HANDLE stopped = nullptr;
 
@@ -44,10 +42,10 @@ void WINAPI serviceMain(DWORD, LPSTR*) {
     char name[] = "IrMon";
     statusHandle = RegisterServiceCtrlHandlerA(name, handle);
     report(SERVICE_START_PENDING);
-    Sleep(kPending);
+    Sleep(300);
     report(SERVICE_RUNNING);
     WaitForSingleObject(stopped, INFINITE);
-    Sleep(kPending);
+    Sleep(300);
     report(SERVICE_STOPPED);
 }
 

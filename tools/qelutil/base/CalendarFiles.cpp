@@ -81,9 +81,14 @@ class Walk {
     }
 
     void add(const std::string& below) {
-        CalendarFile file{nameOf(below), withoutExtension(below), 0};
+        CalendarFile file{nameOf(below), withoutExtension(below), 0, {}};
         std::error_code unknown;
-        const std::uintmax_t size = fs::file_size(pathOf(file.name), unknown);
+        const fs::path path = pathOf(file.name);
+        // Whoever writes to a pipe in a folder may never come.
+        if (fs::is_other(path, unknown))
+            file.problem =
+                file.name + ": is a pipe or a device, not a file; name it itself to read it";
+        const std::uintmax_t size = fs::file_size(path, unknown);
         if (!unknown) file.size = size;
         files_.push_back(std::move(file));
     }
@@ -115,7 +120,7 @@ CalendarFiles calendarFiles(Context& context, const std::vector<std::string>& na
             Walk(context, name, except, all.files).run();
             continue;
         }
-        CalendarFile file{name, "", 0};
+        CalendarFile file{name, "", 0, {}};
         if (name != "-" && !name.empty()) {
             file.place = withoutExtension(utf8(path.filename()));
             const std::uintmax_t size = fs::file_size(path, unknown);

@@ -18,6 +18,7 @@ struct CalendarFile {
     // standard stream.
     std::string place;
     std::uint64_t size = 0;  // in bytes, 0 where it is not known
+    std::string problem;     // why it is not read; empty when it is
 };
 
 struct CalendarFiles {

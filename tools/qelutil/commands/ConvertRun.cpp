@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <ostream>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
+#include "base/Failure.h"
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Progress.h"
@@ -41,10 +42,6 @@ void readAll(Input& input, Take take) {
     std::uint64_t done = 0;
     while (const std::size_t got = input.read(buffer.data(), buffer.size()))
         take(buffer.data(), got, done += got);
-}
-
-bool isStandardStream(const std::string& name) {
-    return name.empty() || name == "-";
 }
 
 std::string inFolder(const std::string& folder, const std::string& name) {
@@ -94,6 +91,7 @@ class ConvertRun {
     void run() {
         const CalendarFiles found = calendarFiles(context_, options_.files, options_.outputDir);
         files_ = found.files;
+        protectInputs();
         summary_ = found.anyFolder || files_.size() > 1 || !options_.outputDir.empty() ||
                    options_.dryRun || report_;
         std::uint64_t size = 0;
@@ -110,6 +108,25 @@ class ConvertRun {
     }
 
   private:
+    // No result may take the place of a file that is read, whatever its name there.
+    void protectInputs() {
+        for (const CalendarFile& each : files_)
+            if (isStandardInput(each.name))
+                context_.setInput(platform::identityOfInput());
+            else
+                context_.setInput(platform::identityOf(pathOf(each.name)));
+        const auto refuse = [](const std::string& what) {
+            throw UsageError(what + " is itself one of the files to convert; name another file");
+        };
+        if (report_ && context_.isInput(pathOf(options_.report)))
+            refuse("the file of --report, " + options_.report + ",");
+        if (!options_.outputDir.empty() || options_.dryRun) return;
+        if (!isStandardOutput(options_.output) && context_.isInput(pathOf(options_.output)))
+            refuse("the file of --output, " + options_.output + ",");
+        if (isStandardOutput(options_.output) && context_.outputIsInput())
+            refuse("what standard output goes to");
+    }
+
     // Connects `converter` with the summary, the report and the messages.
     void listenTo(qelcal::Converter& converter) {
         choose(converter, options_);
@@ -119,7 +136,7 @@ class ConvertRun {
     }
 
     void beginFile(const CalendarFile& file) {
-        const std::string name = isStandardStream(file.name) ? kStandardInput : file.name;
+        const std::string name = isStandardInput(file.name) ? kStandardInput : file.name;
         outcomes_.emplace_back().file = name;
         reported_ = false;
         progress_->relabel(files_.size() == 1 ? name
@@ -138,19 +155,30 @@ class ConvertRun {
         outcomes_.back().reason = reason;
     }
 
-    // Converts one file; the reason why it could not be read to its end, or nothing.
+    // Converts one file; the reason why it has no part in the result, or nothing. Throws what ends
+    // the whole result.
     std::string convertFile(qelcal::Converter& converter, const CalendarFile& file) {
         const std::uint64_t sizeBefore = std::exchange(sizeDone_, sizeDone_ + file.size);
         const qelcal_counts before = converter.counts();
+        const auto count = [&] {
+            outcomes_.back().counts = difference(converter.counts(), before);
+        };
         std::string problem;
         try {
+            if (!file.problem.empty()) throw InputError(file.problem);
             readFile(converter, file.name, sizeBefore);
+        } catch (const OutputError&) {
+            count();
+            throw;
         } catch (const InputError& failure) {
             // The other files are converted all the same.
             problem = failure.what();
             context_.error(problem);
+        } catch (...) {
+            count();
+            throw;
         }
-        outcomes_.back().counts = difference(converter.counts(), before);
+        count();
         return problem;
     }
 
@@ -160,6 +188,8 @@ class ConvertRun {
         reported_ = true;
         try {
             pass(converter, name, input, sizeBefore);
+        } catch (const OutputError&) {
+            throw;
         } catch (const InputError&) {
             // What was read before the failure is converted.
             converter.endFile();
@@ -201,55 +231,72 @@ class ConvertRun {
     }
 
     // Where the calendar goes: nowhere in a dry run.
-    static qelcal::Converter::Output writeTo(std::optional<OutputFile>& output) {
-        if (!output) return {};
-        return [&output](const char* bytes, std::size_t size) {
+    static qelcal::Converter::Output writeTo(OutputFile* output) {
+        if (output == nullptr) return {};
+        return [output](const char* bytes, std::size_t size) {
             output->stream().write(bytes, static_cast<std::streamsize>(size));
         };
     }
 
     // All files into one result.
     void joined() {
-        std::optional<OutputFile> output;
-        if (!options_.dryRun) output.emplace(context_, options_.output);
+        std::unique_ptr<OutputFile> output;
+        if (!options_.dryRun) output = std::make_unique<OutputFile>(context_, options_.output);
         // What may have to be taken back cannot flow to standard output.
         std::string held;
-        const bool hold = output && options_.strict && isStandardStream(options_.output);
+        const bool hold = output && options_.strict && isStandardOutput(options_.output);
         const auto keep = [&held](const char* bytes, std::size_t size) {
             held.append(bytes, size);
         };
         qelcal::Converter converter(targetOf(options_.to),
-                                    hold ? qelcal::Converter::Output(keep) : writeTo(output));
+                                    hold ? qelcal::Converter::Output(keep) : writeTo(output.get()));
         listenTo(converter);
-        const std::string name = isStandardStream(options_.output) ? "" : options_.output;
+        const std::string name = isStandardOutput(options_.output) ? "" : options_.output;
+        std::string failure;  // of the result
         for (const CalendarFile& file : files_) {
             const std::uint64_t calendars = converter.counts().calendars;
             beginFile(file);
-            std::string reason = convertFile(converter, file);
-            if (reason.empty() && converter.counts().calendars == calendars)
-                reason = "there is no calendar in it";
-            // Entries that were converted before a failure are in the result.
-            if (outcomes_.back().counts.entries != 0) reason.clear();
+            std::string reason = failure;
+            if (failure.empty()) {
+                try {
+                    reason = convertFile(converter, file);
+                    if (reason.empty() && converter.counts().calendars == calendars)
+                        reason = "there is no calendar in it";
+                    // Entries that were converted before a failure are in the result.
+                    if (outcomes_.back().counts.entries != 0) reason.clear();
+                } catch (...) {
+                    reason = failure = currentFailure(context_, outcomes_.back().file);
+                }
+            }
             settle(name, reason);
             endFile();
         }
         messages_.finish();
-        // An older result is worth more than an empty one.
-        if (converter.counts().calendars == 0) {
-            nothingWritten("there is no calendar to write");
-        } else if (options_.strict && (!allClean() || context_.exitCode() != kExitFine)) {
-            nothingWritten(kStrictReason);
-        } else if (!options_.dryRun) {
-            converter.finish();
-            if (hold) output->stream() << held;
-            output->commit();
+        if (failure.empty()) failure = whyNothing(converter);
+        if (failure.empty() && !options_.dryRun) {
+            try {
+                converter.finish();
+                if (hold) output->stream() << held;
+                output->commit();
+            } catch (...) {
+                failure = currentFailure(context_, name);
+            }
         }
+        if (!failure.empty()) nothingWritten(failure);
         for (const FileOutcome& each : outcomes_) showOutcome(each);
+    }
+
+    // Why there is to be no result of all files; nothing when there is one.
+    [[nodiscard]] std::string whyNothing(const qelcal::Converter& converter) const {
+        // An older result is worth more than an empty one.
+        if (converter.counts().calendars == 0) return "there is no calendar to write";
+        const bool clean = allClean() && context_.exitCode() == kExitFine;
+        return options_.strict && !clean ? kStrictReason : "";
     }
 
     void nothingWritten(const std::string& reason) {
         context_.error(options_.dryRun ? reason + "; nothing would be written"
-                       : isStandardStream(options_.output)
+                       : isStandardOutput(options_.output)
                            ? reason + "; nothing is written"
                            : reason + "; " + options_.output + " is left as it was");
         for (FileOutcome& each : outcomes_) {
@@ -264,9 +311,10 @@ class ConvertRun {
             beginFile(file);
             try {
                 convertAlone(file);
-            } catch (const InputError& problem) {
-                context_.error(problem.what());
-                settle({}, problem.what());
+            } catch (...) {
+                const std::string problem = currentFailure(context_, outcomes_.back().file);
+                context_.error(problem);
+                settle({}, problem);
             }
             showOutcome(outcomes_.back());
             endFile();
@@ -283,12 +331,13 @@ class ConvertRun {
         const std::string guess = !options_.to.empty()                    ? options_.to
                                   : calendarExtension(file.name) == "ics" ? "vcs"
                                                                           : "ics";
-        std::optional<OutputFile> output;
+        std::unique_ptr<OutputFile> output;
         if (!options_.dryRun) {
             makeFolderFor(file);
-            output.emplace(context_, inFolder(options_.outputDir, file.place + "." + guess));
+            output = OutputFile::inFolder(context_,
+                                          inFolder(options_.outputDir, file.place + "." + guess));
         }
-        qelcal::Converter converter(targetOf(options_.to), writeTo(output));
+        qelcal::Converter converter(targetOf(options_.to), writeTo(output.get()));
         listenTo(converter);
         std::string problem = convertFile(converter, file);
         if (problem.empty() && converter.counts().calendars == 0)
@@ -327,25 +376,13 @@ class ConvertRun {
                              place->second + "; convert one of them to another folder");
         std::error_code unknown;
         const fs::path path = pathOf(name);
-        if (!fs::exists(path, unknown)) return;
-        if (isInput(path))
+        if (!fs::exists(fs::symlink_status(path, unknown))) return;
+        if (context_.isInput(path))
             throw InputError(input + ": is left out: " + name +
                              " is itself one of the files to convert; name another folder");
         if (!options_.overwrite)
             throw InputError(input + ": is left out: " + name +
                              " exists already; name another folder, or say --overwrite");
-    }
-
-    bool isInput(const fs::path& path) {
-        const auto key = [](const fs::path& each) {
-            std::error_code unknown;
-            const fs::path whole = fs::weakly_canonical(each, unknown);
-            const std::u8string text = (unknown ? each : whole).generic_u8string();
-            return lowerCase({text.begin(), text.end()});
-        };
-        if (inputs_.empty())
-            for (const CalendarFile& each : files_) inputs_.insert(key(pathOf(each.name)));
-        return inputs_.contains(key(path));
     }
 
     // Of a dry run.
@@ -375,12 +412,20 @@ class ConvertRun {
                 document["files"].push_back(outcomeJson(each));
             writeJson(context_.out, document);
         }
-        if (report_) report_->finish(remark(), outcomes_);
+        finishReport();
         if (!summary_) return;
         context_.say((options_.dryRun ? "nothing written; would be: " : "") +
                      summaryText(outcomes_));
         for (const std::string& each : messages_.worthALook())
             context_.say("look first at " + each);
+    }
+
+    void finishReport() {
+        try {
+            if (report_) report_->finish(remark(), outcomes_);
+        } catch (...) {
+            context_.error(currentFailure(context_, options_.report));
+        }
     }
 
     [[nodiscard]] std::string remark() const {
@@ -401,7 +446,6 @@ class ConvertRun {
     std::uint64_t sizeDone_ = 0;
     bool summary_ = false;
     std::map<std::string, std::string> taken_;  // results of this run, and whose they are
-    std::set<std::string> inputs_;
 };
 
 // A value that cannot be chosen is found before any file is opened.
@@ -420,16 +464,17 @@ void runConvert(Context& context, ConvertOptions options) {
     if (options.files.empty()) options.files.emplace_back("-");
     std::error_code unknown;
     const bool endsAsFolder = options.output.ends_with('/') || options.output.ends_with('\\');
-    if (!isStandardStream(options.output) &&
+    if (!isStandardOutput(options.output) &&
         (endsAsFolder || fs::is_directory(pathOf(options.output), unknown)))
         options.outputDir = std::exchange(options.output, "-");
-    if (options.report == "-") throw UsageError("--report writes a file; name it");
-    if (!options.report.empty() && options.report == options.output)
+    if (!options.report.empty() && isStandardOutput(options.report))
+        throw UsageError("--report writes a file; name it");
+    if (!options.report.empty() && isOneFile(options.report, options.output))
         throw UsageError("--report and --output name the same file");
     if (options.overwrite && options.outputDir.empty())
         throw UsageError("--overwrite goes with --output-dir");
     if (options.json && !options.dryRun && options.outputDir.empty() &&
-        isStandardStream(options.output))
+        isStandardOutput(options.output))
         throw UsageError(
             "--json prints to standard output, where the calendar goes; give --output, "
             "--output-dir or --dry-run with it");

@@ -10,7 +10,8 @@ namespace qel::cli::platform {
 
 // Makes the three standard streams binary, keeps the numbers of closed ones from being handed to
 // files opened later (a write to a closed standard output must fail, not land in a file), and lets
-// a write to a broken pipe fail instead of ending the process.
+// a write to a broken pipe, or beyond a limit on the size of files, fail instead of ending the
+// process.
 void prepareStreams();
 
 // The command line's words after the program's name, as UTF-8.

@@ -29,6 +29,7 @@ void prepareStreams() {
         if (::open("/dev/null", mode) == -1) std::_Exit(1);
     }
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 std::vector<std::string> arguments(int argc, char** argv) {
