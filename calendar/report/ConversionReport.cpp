@@ -96,7 +96,10 @@ void ConversionReport::endFile() {
 void ConversionReport::finish(const std::string& remark, const Write& head) {
     body_(pageEnd());
     const std::vector<FileOutcome>& files = tally_.files();
-    head(pageBegin(remark, tally_.totals()));
+    const Totals totals = tally_.totals();
+    head(pageBegin(remark, totals));
+    head(lookFirst(tally_.worthALook()));
+    head(filesBegin(totals));
     for (std::size_t i = 0; i < files.size(); ++i) head(fileRow(i + 1, files[i]));
     head(entriesBegin());
 }

@@ -1,5 +1,6 @@
 #include "calendar/report/Outcome.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qel::calendar {
@@ -22,6 +23,14 @@ void Tally::note(const Note& note) {
     if (note.severity() == Severity::Warning) ++counts.warnings;
     if (note.severity() == Severity::Error) ++counts.errors;
     if (note.fate() == Fate::Lost) ++counts.lost;
+    if (note.severity() == Severity::Note) return;
+    const auto group = std::find_if(groups_.begin(), groups_.end(), [&note](const NoteGroup& each) {
+        return each.first.code == note.code;
+    });
+    if (group != groups_.end())
+        ++group->count;
+    else
+        groups_.push_back({note, files_.size(), 1});
 }
 
 void Tally::entryConverted(const ConvertedEntry& converted) {
@@ -36,6 +45,17 @@ void Tally::settle(std::size_t file, std::string output, std::string reason) {
     outcome.output = std::move(output);
     outcome.reason = std::move(reason);
     if (!outcome.reason.empty()) outcome.counts.converted = 0;
+}
+
+std::vector<NoteGroup> Tally::worthALook() const {
+    const auto weight = [](const Note& note) {
+        return (note.fate() == Fate::Lost ? 2 : 0) + (note.severity() == Severity::Error ? 1 : 0);
+    };
+    std::vector<NoteGroup> order = groups_;
+    std::stable_sort(order.begin(), order.end(), [&weight](const NoteGroup& a, const NoteGroup& b) {
+        return weight(a.first) > weight(b.first);
+    });
+    return order;
 }
 
 Totals Tally::totals() const {

@@ -31,6 +31,13 @@ struct FileOutcome {
     OutcomeCounts counts;
 };
 
+// Notes with one code, of all files.
+struct NoteGroup {
+    Note first;
+    std::size_t file = 0;  // in which it is, 1 for the first file
+    std::uint64_t count = 0;
+};
+
 struct Totals {
     std::uint64_t files = 0;
     std::uint64_t leftOut = 0;  // files that are in no result
@@ -53,9 +60,13 @@ class Tally : public ConversionObserver {
     // In the order in which they were begun.
     [[nodiscard]] const std::vector<FileOutcome>& files() const { return files_; }
     [[nodiscard]] Totals totals() const;
+    // What a person should look at, what was lost first, then errors before warnings; each group in
+    // the order of the files. Mere notes are left out.
+    [[nodiscard]] std::vector<NoteGroup> worthALook() const;
 
   private:
     std::vector<FileOutcome> files_;
+    std::vector<NoteGroup> groups_;  // in the order of their first notes
 };
 
 }  // namespace qel::calendar

@@ -80,7 +80,7 @@ footer{margin-top:3rem;color:var(--soft);font-size:.875rem}
 @media(max-width:44rem){body{padding:1.25rem .85rem 3rem}article{grid-template-columns:minmax(0,1fr);padding:.85rem .8rem}
 .grids{justify-content:flex-start;max-width:none;margin-top:.5rem}.grids .more{text-align:left}
 .files th,.files td{padding:.4rem .6rem}.sides{grid-template-columns:minmax(0,1fr)}.tiles{grid-template-columns:repeat(3,minmax(0,1fr));gap:.5rem}
-.tiles div{padding:.6rem .75rem}.tiles dd{font-size:1.35rem}.tiles dt{font-size:.8125rem;line-height:1.3}}
+.tiles div{padding:.6rem .75rem}.tiles dd{font-size:1.35rem}.tiles dt{font-size:.8125rem;line-height:1.3;white-space:normal}}
 @media print{:root{color-scheme:light;--page:#fff;--card:#fff;--ink:#000;--soft:#444;--line:#bbb;--fill:#f4f4f4;
 --good:#1a6b4a;--mark:#1f5fbf;--onmark:#fff;--change:#8a5a00;--lost:#b3261e}
 body{max-width:none;padding:0;font-size:10pt}.pick,.pick+label{display:none}

@@ -12,6 +12,8 @@ namespace qel::calendar {
 namespace {
 
 constexpr std::size_t kMostNotes = 50;
+// Kinds of messages at the top; the others are folded away at first.
+constexpr std::size_t kMostLookedAt = 3;
 constexpr std::size_t kMostMonths = 5;  // in a row on a wide screen
 // With more months than these they are shown below an entry's text and not beside it.
 constexpr std::size_t kMonthsBeside = 2;
@@ -19,11 +21,16 @@ constexpr std::size_t kMonthsBeside = 2;
 constexpr std::size_t kMostFilesShown = 20;
 constexpr std::size_t kLongestTitle = 200;
 
-std::string noteItem(const Note& note) {
+// `file` is its number where the item is not among those of the file itself.
+std::string noteItem(const Note& note, std::size_t file = 0) {
     const std::string_view kind =
         note.fate() == Fate::Lost ? "gone" : severityName(note.severity());
     std::string text = "<li class=" + std::string(kind) + ">" + html(note.text());
-    if (note.line != 0) text += " <span class=soft>(line " + std::to_string(note.line) + ")</span>";
+    std::string place = note.line == 0 ? "" : "line " + std::to_string(note.line);
+    if (file != 0)
+        place = "<a href='#f" + std::to_string(file) + "'><bdi>" + html(note.file) + "</bdi></a>" +
+                (place.empty() ? "" : ", ") + place;
+    if (!place.empty()) text += " <span class=soft>(" + place + ")</span>";
     return text;
 }
 
@@ -125,7 +132,26 @@ std::string pageBegin(const std::string& remark, const Totals& totals) {
     text += kPageStyle;
     text += "</style></head>\n<body><header><h1>Conversion report</h1>";
     if (!remark.empty()) text += "<p class=sub>" + html(remark) + "</p>";
-    text += tiles(totals) + "</header>\n<h2>Files</h2>";
+    return text + tiles(totals) + "</header>\n";
+}
+
+std::string lookFirst(const std::vector<NoteGroup>& groups) {
+    if (groups.empty()) return {};
+    std::string text = "<h2>What to look at first</h2><div class=about><ul class=told>";
+    std::size_t shown = 0;
+    for (const NoteGroup& group : groups) {
+        if (shown++ == kMostLookedAt)
+            text += "</ul><details><summary>Other kinds of messages</summary><ul class=told>";
+        text += noteItem(group.first, group.file);
+        if (group.count > 1) text += " and " + std::to_string(group.count - 1) + " more like it";
+        const NoteKind& kind = noteKind(group.first.code);
+        text += "<p class=soft>" + html(kind.meaning) + " " + html(kind.advice) + "</p>";
+    }
+    return text + (shown > kMostLookedAt ? "</ul></details></div>\n" : "</ul></div>\n");
+}
+
+std::string filesBegin(const Totals& totals) {
+    std::string text = "<h2>Files</h2>";
     text += totals.files > kMostFilesShown ? "<details class=list>" : "<details class=list open>";
     return text +
            "<summary>What became of each</summary><div class=scroll><table "
