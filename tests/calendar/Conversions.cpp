@@ -29,12 +29,12 @@ bool Conversion::tells(const std::string& part) const {
         });
 }
 
-Conversion convertText(const std::string& text, std::optional<CalendarFormat> to,
-                       std::size_t piece) {
+Conversion convertText(const std::string& text, std::optional<CalendarFormat> to, std::size_t piece,
+                       ConversionObserver* observer) {
     Conversion result;
     std::ostringstream out;
-    Converter converter(
-        out, to, [&](const Note& message) { result.messages.push_back(message); });
+    Converter converter(out, to, [&](const Note& message) { result.messages.push_back(message); });
+    converter.observe(observer);
     const auto inPieces = [&](auto&& write) {
         for (std::size_t at = 0; at < text.size(); at += piece)
             write(std::string_view(text).substr(at, piece));
@@ -49,6 +49,16 @@ Conversion convertText(const std::string& text, std::optional<CalendarFormat> to
     result.out = out.str();
     result.counts = converter.counts();
     return result;
+}
+
+std::vector<std::filesystem::path> publicFiles(const std::string& kind) {
+    std::vector<std::filesystem::path> files;
+    std::error_code failure;
+    for (const auto& each : std::filesystem::directory_iterator(
+             std::filesystem::path(QEL_TEST_SHARED_DATA) / kind, failure))
+        if (each.path().extension() == "." + kind) files.push_back(each.path());
+    std::sort(files.begin(), files.end());
+    return files;
 }
 
 std::string differenceInPieces(const std::string& text) {

@@ -2,6 +2,7 @@
 #ifndef QEL_TESTS_CONVERT_CONVERSIONS_H
 #define QEL_TESTS_CONVERT_CONVERSIONS_H
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,7 +25,10 @@ struct Conversion {
 
 [[nodiscard]] Conversion convertText(const std::string& text,
                                      std::optional<calendar::CalendarFormat> to,
-                                     std::size_t piece = 4096);
+                                     std::size_t piece = 4096,
+                                     calendar::ConversionObserver* observer = nullptr);
+// The public calendar files of that kind, "vcs" or "ics"; none where they are not present.
+[[nodiscard]] std::vector<std::filesystem::path> publicFiles(const std::string& kind);
 // "" when the file gives the same result and the same notes in pieces of any size.
 [[nodiscard]] std::string differenceInPieces(const std::string& text);
 [[nodiscard]] Conversion toICalendar(const std::string& text);

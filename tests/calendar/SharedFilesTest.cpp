@@ -2,7 +2,6 @@
 // formats can hold comes back as it went.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "calendar/Conversions.h"
@@ -14,23 +13,13 @@ namespace {
 using namespace qel::calendar;
 namespace fs = std::filesystem;
 
-std::vector<fs::path> filesIn(const char* folder, const char* extension) {
-    std::vector<fs::path> files;
-    const fs::path root = fs::path(QEL_TEST_SHARED_DATA) / folder;
-    std::error_code failure;
-    for (const auto& each : fs::directory_iterator(root, failure))
-        if (each.path().extension() == extension) files.push_back(each.path());
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 TEST(SharedFiles, ConvertAndComeBack) {
     std::size_t count = 0;
     std::uint64_t entries = 0;
     for (const bool phone : {true, false}) {
         const auto convert = phone ? toICalendar : toVCalendar;
         const auto convertBack = phone ? toVCalendar : toICalendar;
-        for (const fs::path& file : phone ? filesIn("vcs", ".vcs") : filesIn("ics", ".ics")) {
+        for (const fs::path& file : publicFiles(phone ? "vcs" : "ics")) {
             SCOPED_TRACE(file.filename().string());
             const std::string before = readFile(file.string());
             const Conversion there = convert(before);
