@@ -86,6 +86,14 @@ TEST(RepeatJump, ComesToWhereStepsCome) {
         EXPECT_TRUE(type == 9 || jumps[type] > kRecords / 10) << type;
         EXPECT_LE(declined[type], type == 14 ? jumps[type] / 4 : 0) << type;
     }
+    // The exported function: there is nothing to jump to at the start.
+    ZQTR_REPEAT weekly = qel::test::Record("12 from 20050301 days 3").repeat;
+    int found = -7;
+    EXPECT_EQ(ZQRepeatJump(&weekly, weekly.startDate, &found), -1);
+    EXPECT_EQ(ZQRepeatJump(nullptr, weekly.startDate, &found), -1);
+    EXPECT_EQ(found, -7);
+    EXPECT_EQ(ZQRepeatJump(&weekly, weekly.startDate + 36500, &found), 0);
+    EXPECT_EQ(found, weekly.startDate + 36505);
 }
 
 }  // namespace

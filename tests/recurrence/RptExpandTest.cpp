@@ -94,6 +94,8 @@ TEST(Unfold, HasOccurrenceCountsWhatIsNotExcluded) {
     EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050331), code(20050301), &record), 0);
     EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050401), code(20050301), &record), 1);
     EXPECT_EQ(Unfold_HasOccurrence(0, 0, 0, nullptr), 2024);
+    EXPECT_EQ(WeekOfMonth(code(20050307)), 1);
+    EXPECT_EQ(WeekOfMonth(code(20050308)), 2);
 }
 
 // With no limit the list holds one entry more than there are exclusions; records that would be
@@ -128,18 +130,6 @@ TEST(Unfold, ListsAreBounded) {
         EXPECT_EQ(result, limit < 0 ? 0 : 2001);
         EXPECT_EQ(list.total, 0);
     }
-    // The widest range there is, with anchors and ends at the edges of 32 bits.
-    for (const int edge : {INT_MIN, -1, 0, INT_MAX}) {
-        ZQTR_REPEAT series = Record("12 from 20050301 days 3").repeat;
-        EXPECT_EQ(Unfold_Repeat(&series, 1, edge, INT_MIN, INT_MAX, &list.block, &list.valid,
-                                &list.total),
-                  0);
-        series.startDate = edge;
-        Unfold_Repeat(&series, 1, -edge - 1, edge, -edge - 1, &list.block, &list.valid,
-                      &list.total);
-        series.unitCount = SHRT_MIN;
-        Unfold_Repeat(&series, 1, edge, INT_MIN, INT_MAX, &list.block, &list.valid, &list.total);
-    }
 }
 
 TEST(Unfold, TrimRunsOutOfEntries) {
@@ -158,6 +148,9 @@ TEST(Unfold, TrimRunsOutOfEntries) {
 TEST(Unfold, BlockGrowsBySteps) {
     DateBlock block{};
     EXPECT_EQ(DateBlock_Init(&block, 0, 513, 512), DATEBLOCK_BAD_STEP);
+    EXPECT_EQ(DateBlock_Init(nullptr, 0, 1, 1), QEL_NOT_INITIALIZED);
+    EXPECT_EQ(DateBlock_Reserve(nullptr, 1), QEL_NOT_INITIALIZED);
+    DateBlock_Free(nullptr);
     ASSERT_EQ(DateBlock_Init(&block, 0, 512, 2000), 0);
     EXPECT_EQ(block.data, nullptr);
     EXPECT_EQ(DateBlock_Reserve(&block, 0), 0);

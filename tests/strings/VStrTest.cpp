@@ -84,6 +84,7 @@ TEST(VStr, MovesAndAdoption) {
     EXPECT_TRUE(isNull(target));
     source <<= const_cast<char*>(block);
     EXPECT_EQ(shown(source), "adopted");
+    VStr_Destroy(nullptr);
 }
 
 // 63 characters fill a block of 64 to its last byte, however they came there.

@@ -102,10 +102,11 @@ TEST(BxTraceConfig, OptionsAreReadWithTheirSignsBasesAndLimits) {
     BxTrace_GetOptionValue(nullptr, "x", value);
     BxTrace_SetOptionValue("x", nullptr, 1);
     EXPECT_EQ(value, -2);
+    BxTrace_SetHexOptionValue("Other", "Hex", 0xAB);
     const std::string text = trace.text("BxOptions.opt");
     EXPECT_TRUE(contains(text, "KeepLogFiles=1"));
     EXPECT_TRUE(contains(text, "TracingOptions=0x8000000F"));
-    EXPECT_TRUE(contains(text, "[Other]\nNew=fffffffe\nNew decimal=-2"));
+    EXPECT_TRUE(contains(text, "[Other]\nNew=fffffffe\nNew decimal=-2\nHex=ab"));
 }
 
 TEST(BxTraceConfig, OptionsAreReadAgainAfterAMinuteAndWhenTheClockWraps) {
