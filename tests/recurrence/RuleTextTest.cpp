@@ -4,13 +4,10 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
 #include <string>
 
-#include "QelUtility/BxParseValues.h"
 #include "QelUtility/RRule.h"
 #include "QelUtility/VStr.h"
-#include "recurrence/RRuleText.h"
 #include "recurrence/RepeatRecord.h"
 #include "support/Tables.h"
 #include "support/TraceCapture.h"
@@ -91,31 +88,6 @@ TEST(RuleText, TakesARecordAtAnOddAddressAndLeavesOutATime) {
                  "YEARLY;20051231;;2;;;;MO;1,-1;1,-1;1,-1;6;2,-1;MO;");
     ASSERT_EQ(BxUtil_PositionalV10toRRULE("YD1 1 -1 20051231T120000Z", rule, nullptr), 0);
     EXPECT_STREQ(BxUtil_RRULEtoV10IETF(rule, out, false), "YD1 BYYEARDAY=1 20051231");
-}
-
-TEST(RuleReader, ItemsAreThoseOfTheValueParser) {
-    std::minstd_rand random(4);
-    for (int round = 0; round < 2000; ++round) {
-        std::string text;
-        for (auto length = random() % 12; length > 0; --length) text += "a,;\\= "[random() % 6];
-        SCOPED_TRACE(text);
-        const bool keep = round % 2 != 0;
-        CBxParseValues parser;
-        parser.SetSeparators(",");
-        parser.SetAddEmptyItems(keep);
-        parser.BuildSymbolArray(text.c_str());
-        qel::recurrence::RRuleItems items(text, ',',
-                                          keep ? qel::recurrence::RRuleItems::Empty::kKeep
-                                               : qel::recurrence::RRuleItems::Empty::kDrop);
-        std::string_view item;
-        int count = 0;
-        for (; items.next(item); ++count) {
-            ASSERT_LT(count, parser.GetSize());
-            EXPECT_EQ(item, static_cast<const char*>(parser[count]));
-            EXPECT_TRUE(!keep || items.atEnd() == (count + 1 == parser.GetSize()));
-        }
-        EXPECT_EQ(count, parser.GetSize());
-    }
 }
 
 // An unknown frequency is refused, reported with the text that was taken for it, and leaves the
