@@ -11,6 +11,7 @@
 #include "QelUtility/BxQuotedPrintable.h"
 #include "QelUtility/BxStatusNames.h"
 #include "faults/Exhaustion.h"
+#include "streams/StreamTestSupport.h"
 
 namespace qel::test {
 
@@ -104,13 +105,6 @@ struct Reading {
     long size = 0;
     int code = 0;
 
-    Reading() {
-        stream.Initialize(
-            "3\x1f"
-            "a\x1f"
-            "b\x1f"
-            "c");
-    }
     Outcome left(const Attempt& attempt) {
         // A value that was refused is what is read next.
         const auto position = attempt.thrown() == 0 ? 0 : stream.Position() - stream.Storage();
@@ -129,44 +123,41 @@ struct Reading {
     }
 };
 
+// `read` on a stream of `text`, in which "|" stands for the separator.
+Operation onRead(const char* name, const Outcome& starved, const std::string& text,
+                 void (*read)(Reading& made)) {
+    return {name, starved,
+            [=](Attempt& attempt) {
+                Reading made;
+                initialize(made.stream, text);
+                attempt.armed([&] { read(made); });
+                return made.left(attempt);
+            }};
+}
+
+void readBinary(Reading& made) {
+    made.code = made.stream.Read(made.data, made.size);
+}
+
+void readText(Reading& made) {
+    made.stream >> made.text;
+}
+
 const Operation kReaders[] = {
-    on<Reading>(
-        "Text", {"2001 0", kNull}, [](auto& made) { made.stream >> made.text; },
-        [](auto& made) { made.stream.Initialize(longText.c_str()); }),
-    on<Reading>("Nested", {"2001 0", ""}, [](auto& made) { made.stream >> made.nested; }),
-    on<Reading>("Integers", {"2001 2", "2001 4", "2001 6", kNull},
-                [](auto& made) { made.stream >> made.numbers; }),
-    on<Reading>(
-        "Strings", {"2001 2", "2001 6", kNull}, [](auto& made) { made.stream >> made.list; },
-        [](auto& made) {
-            made.stream.Initialize(("2\x1f"
-                                    "one\x1f" +
-                                    longText)
-                                       .c_str());
-        }),
-    on<Reading>(
-        "Binary", {"7004 0", kNull},
-        [](auto& made) { made.code = made.stream.Read(made.data, made.size); },
-        [](auto& made) {
-            made.stream.Initialize(
-                "4\x1f"
-                "ab\xfe"
-                "1f\xff\x1f"
-                "9");
-        }),
-    on<Reading>(
-        "MalformedBinary", {"7004 0"},
-        [](auto& made) { made.code = made.stream.Read(made.data, made.size); },
-        [](auto& made) {
-            made.stream.Initialize(("9\x1f" + longText +
-                                    "\xfe"
-                                    "zz")
-                                       .c_str());
-        }),
+    onRead("Text", {"2001 0", kNull}, longText, readText),
+    onRead("Nested", {"2001 0", ""}, "3|a|b|c", [](auto& made) { made.stream >> made.nested; }),
+    onRead("Integers", {"2001 2", "2001 4", "2001 6", kNull}, "3|a|b|c",
+           [](auto& made) { made.stream >> made.numbers; }),
+    onRead("Strings", {"2001 2", "2001 6", kNull}, "2|one|" + longText,
+           [](auto& made) { made.stream >> made.list; }),
+    onRead("Binary", {"7004 0", kNull},
+           "4|ab\xfe"
+           "1f\xff|9",
+           readBinary),
+    onRead("MalformedBinary", {"7004 0"}, "9|" + longText + "\xfezz", readBinary),
     // The report of a failure may be what there is no memory for: the code is thrown all the same.
-    on<Reading>(
-        "PastTheEnd", {}, [](auto& made) { made.stream >> made.text; },
-        [](auto& made) { made.stream.Initialize(bytes(longText), 300, true); }),
+    on<Reading>("PastTheEnd", {}, readText,
+                [](auto& made) { made.stream.Initialize(bytes(longText), 300, true); }),
 };
 INSTANTIATE_TEST_SUITE_P(StreamReaders, Exhaustion, testing::ValuesIn(kReaders), operationName);
 
@@ -319,38 +310,25 @@ struct Codes {
 };
 
 const Operation kCodecs[] = {
-    on<Codes>("MD5", {}, [](auto& made) { MD5String("", made.plain); }),
-    on<Codes>("Enciphered", {},
+    on<Codes>("PlainBuffers", {},
               [](auto& made) {
-                  ZQUT_EncodeToString("abc", made.plain, sizeof made.plain);
-                  ZQUT_DecodeFromString(made.plain, made.other, sizeof made.other);
-              }),
-    on<Codes>("Base64", {},
-              [](auto& made) {
-                  Bx_Base64_Encode(reinterpret_cast<const unsigned char*>("abc"), 3, made.plain,
-                                   64);
-                  Bx_Base64_Decode(made.plain, made.decoded, sizeof made.decoded);
-              }),
-    on<Codes>("QuotedPrintable", {},
-              [](auto& made) {
-                  encodeQP("a=b", 3, 0, made.plain, sizeof made.plain, nullptr);
-                  encodeQuotedPrintable("a=b", 3, made.plain, sizeof made.plain, nullptr);
-                  decodeQP(made.plain, 5, made.other, sizeof made.other, nullptr);
+                  char text[64];
+                  const auto* const bytes = reinterpret_cast<const unsigned char*>("abc");
+                  MD5String("", made.plain);
+                  ZQUT_EncodeToString("abc", text, sizeof text);
+                  ZQUT_DecodeFromString(text, made.other, sizeof made.other);
+                  made.code = static_cast<unsigned long>(Bx_Base64_Encode(bytes, 3, text, 64));
+                  Bx_Base64_Decode(text, made.decoded, sizeof made.decoded);
+                  encodeQP("a=b", 3, 0, text, sizeof text, nullptr);
+                  decodeQP(text, 5, text, sizeof text, nullptr);
+                  encodeQuotedPrintable("a=b", 3, text, sizeof text, nullptr);
+                  BxUtil_GetFieldDataByID(0x11000000, &made.field);
+                  BxUtil_GetFieldDataByID(0x1F000000, &made.field);
+                  OperationFromTag("<ADD>", made.code);
               }),
     on<Codes>("MimeDelimiter", {"1 old"},
               [](auto& made) { made.code = GetMIMEDelimiter(made.header, made.text) == nullptr; }),
     on<Codes>("StatusText", {"0 (null)"}, [](auto& made) { made.text = StatusText(0); }),
-    on<Codes>("FieldData", {},
-              [](auto& made) {
-                  made.code =
-                      static_cast<unsigned long>(BxUtil_GetFieldDataByID(0x11000000, &made.field));
-                  BxUtil_GetFieldDataByID(0x1F000000, &made.field);
-              }),
-    on<Codes>("Operations", {},
-              [](auto& made) {
-                  OperationFromTag("<ADD>", made.code);
-                  OperationName(20000);
-              }),
 };
 INSTANTIATE_TEST_SUITE_P(Codecs, Exhaustion, testing::ValuesIn(kCodecs), operationName);
 

@@ -10,19 +10,14 @@
 #include <string>
 #include <vector>
 
-#include "QelUtility/BxFileUtil.h"
-#include "QelUtility/BxHost.h"
 #include "QelUtility/BxTrace.h"
 #include "support/TempDir.h"
-#include "trace/BxFileUtilInternal.h"
 #include "trace/FreshTrace.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using qel::test::FreshTrace;
-using qel::test::readFile;
-using qel::test::TempDir;
 using qel::test::writeFile;
 
 // A disk that is full for every file of so many bytes.
@@ -152,34 +147,6 @@ TEST(DiskFaults, AFullDiskLeavesSettingsAsTheyWere) {
     EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=9"), std::string::npos);
 }
 
-const char* userDirectory = nullptr;
-bool userDirectorySource(char* buffer, unsigned long size) {
-    return std::snprintf(buffer, size, "%s", userDirectory) > 0;
-}
-
-TEST(DiskFaults, WholeFilesAndTheUserLogOnAFullDisk) {
-    const TempDir dir;
-    const std::string directory = dir.path().string();
-    userDirectory = directory.c_str();
-    BxHost_SetProfileDirectorySource(&userDirectorySource);
-    const std::string data(5000, 'd');
-    WriteToUserLog("before");
-    {
-        const FullDisk disk(1000);
-        for (const std::string& all : {data, std::string(100000, 'x')})
-            EXPECT_EQ(BxFile_SaveFile(dir.file("a").c_str(), all.data(), all.size()), 2008);
-        for (int i = 0; i < 30; ++i) WriteToUserLog("during");
-        writeFile(dir.file("source"), "short");
-        EXPECT_EQ(BxFile_CopyFile(dir.file("source").c_str(), dir.file("b").c_str(), false), 0);
-    }
-    WriteToUserLog("after");
-    BxHost_SetProfileDirectorySource(nullptr);
-    const std::string log = readFile(dir.file("SyncML.log"));
-    EXPECT_EQ(timesIn(log, "\nbefore \n"), 1);
-    EXPECT_EQ(timesIn(log, "\nafter \n"), 1);
-    EXPECT_GT(timesIn(log, "\nduring \n"), 2);
-}
-
 TEST(DiskFaults, ADirectoryThatBecomesReadOnlyStopsRotationAlone) {
     const FreshTrace trace({"MaxFileSize=2000", "MaxBackupCount=2"});
     std::vector<bool> accepted = traceMessages(0, 5);
@@ -223,35 +190,6 @@ TEST(DiskFaults, FilesThatVanishAreMadeAnew) {
     EXPECT_EQ(traceMessages(4, 1), std::vector<bool>{true});
     expectAccepted(trace, 1, {true, false, false, true});
     EXPECT_NE(trace.text().find("The previous 2 logging attempts"), std::string::npos);
-}
-
-TEST(DiskFaults, OptionsThatAreReplacedHoldFromTheNextLoadOn) {
-    const FreshTrace trace({"VTraceVerbosity=4"});
-    FreshTrace::setTicks(1000);
-    BxTrace_GetTracingOptions();
-    const auto replacedBy = [&trace](const std::string& content, std::uint32_t ticks) {
-        writeFile(trace.file("new"), content);
-        fs::rename(trace.file("new"), trace.file("BxOptions.opt"));
-        FreshTrace::setTicks(ticks);
-        EXPECT_EQ(BxTrace_Trace00("text"), 0);
-        return trace.settings().verbosity.load();
-    };
-    EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=5\nOwn=1\n", 2000), 4);
-    EXPECT_EQ(replacedBy("[LogSettings]\nVTraceVerbosity=6\nOwn=2\n", 100000), 6);
-    EXPECT_EQ(trace.text("BxOptions.opt").rfind("[LogSettings]\nVTraceVerbosity=6\nOwn=2\n", 0),
-              0U);
-    // An editor that has emptied the file and not yet written it: the values in use are filled in.
-    EXPECT_EQ(replacedBy("", 200000), 6);
-    EXPECT_NE(trace.text("BxOptions.opt").find("VTraceVerbosity=6"), std::string::npos);
-    EXPECT_EQ(replacedBy(std::string(1000, '\xFF'), 300000), 6);
-    // A link stays a link.
-    writeFile(trace.file("real.opt"), "[LogSettings]\nVTraceVerbosity=8\n");
-    fs::remove(trace.file("BxOptions.opt"));
-    fs::create_symlink(trace.file("real.opt"), trace.file("BxOptions.opt"));
-    FreshTrace::setTicks(400000);
-    EXPECT_EQ(BxTrace_Trace00("text"), 0);
-    EXPECT_EQ(trace.settings().verbosity, 8);
-    EXPECT_TRUE(fs::is_symlink(trace.file("BxOptions.opt")));
 }
 
 }  // namespace

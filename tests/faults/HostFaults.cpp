@@ -201,23 +201,6 @@ const Operation kTraces[] = {
          const std::string log = readFile(folder().file("trace.log"));
          return seen(std::count(log.begin(), log.end(), 'x'), "after", linesWith("after").size());
      }},
-    {"Errors",
-     {},
-     [](Attempt& attempt) {
-         const StartedTrace started("");
-         int sum = 0;
-         attempt.armed([&] {
-             sum += BxTrace_Error("faults", 1, 5, 1);
-             sum += BxTrace_Error_L("faults", 1, 5, 1);
-             sum += BxTrace_Error_S("faults", 1, "text", 1);
-             sum += BxTrace_Error_SS("faults", 1, "text", "text", 1);
-             sum += BxTrace_Error_SL("faults", 1, "text", 5, 1);
-             sum += BxTrace_Error_SSL("faults", 1, "text", "text", 5, 1);
-             sum += BxTrace_Error_SI64L("faults", 1, "text", 5, 5, 1);
-             BxTrace_Trace1("faults", 1, "text");
-         });
-         return seen(sum);
-     }},
     {"Options",
      {"1", "A=12\nB=34\nC=ff\n"},
      [](Attempt& attempt) {
@@ -291,56 +274,18 @@ const Operation kFiles[] = {
          EXPECT_EQ(readFile(from), "content");
          return seen(result != 0 && !copied ? "not copied" : together(result, copied));
      }},
-    {"CleanseFilename",
-     {kNull},
-     [](Attempt& attempt) {
-         VStr name;
-         attempt.armed([&] {
-             VStr made = CleanseFilename("N:70/x.cfg");
-             name <<= made;
-         });
-         return seen(name);
-     }},
-    {"HostTexts",
-     {},
-     [](Attempt& attempt) {
-         char text[300];
-         bool given = false;
-         attempt.armed([&] {
-             BxHost_SetString(BXHOST_COMPANY, "Own");
-             given = BxHost_GetString(BXHOST_COMPANY, text, sizeof text);
-             BxHost_GetRegistryRoot(text, sizeof text);
-             BxHost_SetString(BXHOST_COMPANY, nullptr);
-         });
-         EXPECT_EQ(attempt.refused(), 0);
-         return seen(given, text);
-     }},
     {"Transport",
-     {},
+     {"0"},
      [](Attempt& attempt) {
          const StartedTrace started("");
          IRMonitorManager* manager = nullptr;
          attempt.armed([&] {
              manager = IRMonitorManager::getManager();
-             if (manager == nullptr) return;
-             manager->isIRInstalled();
-             manager->startIrMon();
-             manager->stopIrMon();
-             manager->deselectIR();
-             manager->selectIR();
-             manager->isIRSelected();
+             if (manager != nullptr) manager->selectIR();
          });
          expectNoStrangers();
          manager = IRMonitorManager::getManager();
-         if (manager == nullptr) return seen("no manager");
-         // What was stored is stored whole.
-         const std::string stored = readFile(folder().file("registry.ini"));
-         std::istringstream in(stored);
-         for (std::string line; std::getline(in, line);) {
-             EXPECT_TRUE(line.empty() || line.front() == '[' || line.back() == '"') << line;
-             EXPECT_EQ(line.find("TransportParam=\"") == 0, line.find("}\"") != std::string::npos)
-                 << line;
-         }
+         if (manager == nullptr) return seen(false);
          manager->selectIR();
          const bool selected = manager->isIRSelected();
          manager->Release();

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "QelUtility/BxParseValues.h"
-#include "QelUtility/CSLock.h"
 #include "QelUtility/VStr.h"
 #include "QelUtility/VStrArray.h"
 #include "faults/Exhaustion.h"
@@ -35,12 +34,8 @@ Operation onString(const char* name, const char* before, void (*change)(VStr& te
 const Operation kStrings[] = {
     onString("ModGrow", "left", [](VStr& text) { text.ModGrow(1000); }),
     onString("Construct", "left", [](VStr& text) { text = VStr(kLong); }),
-    onString("ConstructPart", "left", [](VStr& text) { text = VStr(kLong, 10); }),
     onString("ConstructCopy", "left", [](VStr& text) { text = VStr(source); }),
-    onString("ConstructRun", "left", [](VStr& text) { text = VStr('x', 100); }),
     onString("AssignString", "left", [](VStr& text) { text = source; }),
-    onString("AssignText", "left", [](VStr& text) { text = kLong; }),
-    onString("AssignCharacter", "left", [](VStr& text) { text = 'c'; }),
     onString("CopyOwnText", "left",
              [](VStr& text) { text.Copy(static_cast<const char*>(text) + 2, 2); }),
     onString("GetBuffer", "left",
@@ -50,22 +45,14 @@ const Operation kStrings[] = {
                  text.ReleaseBuffer(text.GetLength() == 4 ? 500 : 0);
              },
              {kNull, ""}),
-    onString("ReleaseBufferOfNull", "", [](VStr& text) { text.ReleaseBuffer(0); }),
     onString("CatstrTwo", "left", [](VStr& text) { text.Catstr(inserted, source); }),
     onString("CatstrOntoItsSecond", "left", [](VStr& text) { text.Catstr(source, text); }),
-    onString("CatstrText", "left", [](VStr& text) { text.Catstr(kLong); }),
     onString("AppendItself", kLong, [](VStr& text) { text += text; }),
     onString("AppendItsTail", kLong,
              [](VStr& text) { text += static_cast<const char*>(text) + 2; }),
     onString("AppendCharacter", kFull.c_str(), [](VStr& text) { text += 'y'; }),
     onString("Substr", "left", [](VStr& text) { text.Substr(1, 2); }),
     onString("Mid", "left", [](VStr& text) { text = text.Mid(1, 2); }),
-    onString("MidToTheEnd", "left", [](VStr& text) { text = text.Mid(1); }),
-    onString("Part", "left", [](VStr& text) { text = text(0, 1); }),
-    onString("Left", "left", [](VStr& text) { text = text.Left(2); }),
-    onString("Right", "left", [](VStr& text) { text = text.Right(2); }),
-    onString("SpanIncluding", "left", [](VStr& text) { text = text.SpanIncluding("el"); }),
-    onString("SpanExcluding", "left", [](VStr& text) { text = text.SpanExcluding("f"); }),
     onString("Cutstr", "left", [](VStr& text) { text.Cutstr(1, 2); }),
     onString("Insert", "left", [](VStr& text) { text.Insert(text, 2, inserted); }),
     // The argument's copy may be the one that there is no memory for: nothing to insert then.
@@ -173,9 +160,7 @@ Operation onCopy(const char* name) {
 const Operation kArrays[] = {
     onArray("SetSize", [](VStrArray& array) { array.SetSize(4); }),
     onArray("Add", [](VStrArray& array) { array.Add(array[0]); }),
-    onArray("AddPart", [](VStrArray& array) { array.Add("three", 2); }),
     onArray("SetAt", [](VStrArray& array) { array.SetAt(0, "uno"); }),
-    onArray("SetPartAt", [](VStrArray& array) { array.SetAt(1, "due", 2); }),
     onArray("AppendItself", [](VStrArray& array) { array.Append(array); }),
     onArray("InsertAt", [](VStrArray& array) { array.InsertAt(1, "x", 2); }),
     onArray("RemoveAt", [](VStrArray& array) { array.RemoveAt(0); }),
@@ -185,21 +170,6 @@ const Operation kArrays[] = {
     onFullArray("AddToFull", [](Bx_VStrArray& array, VStr&) { return array.Add("new"); }),
     onFullArray("AddVStrToFull",
                 [](Bx_VStrArray& array, VStr& text) { return array.AddVStr(text); }),
-    onFullArray("FindItem", [](Bx_VStrArray& array, VStr&) { return array.FindItem("two"); }),
-    onFullArray("FindItemNoCase",
-                [](Bx_VStrArray& array, VStr&) { return array.FindItemNoCase("TWO"); }),
-    {"Lock",
-     {},
-     [](Attempt& attempt) {
-         CSLockable lockable;
-         attempt.armed([&] {
-             CSLock outer(&lockable);
-             const CSLock inner(&lockable);
-             outer.unlock();
-             outer.lock();
-         });
-         return seen("released");
-     }},
 };
 INSTANTIATE_TEST_SUITE_P(Arrays, Exhaustion, testing::ValuesIn(kArrays), operationName);
 
@@ -253,14 +223,10 @@ const Operation kParsers[] = {
                 }),
     on<Parsers>("Join", {kNull},
                 [](Parsers& made) { made.filled.ArrayToString(made.text, ";", true); }),
-    on<Parsers>("CopyParser", {kNull},
-                [](Parsers& made) { made.list = CBxParseValues(made.filled); }),
     on<Parsers>("Pairs", {kNull},
                 [](Parsers& made) { made.pairs.BuildSymbolArray(kPairs.c_str()); }),
     on<Parsers>("PairValue", {kNull},
                 [](Parsers& made) { made.text = made.filledPairs.GetValueOf("A"); }),
-    on<Parsers>("CopyPairs", {kNull},
-                [](Parsers& made) { made.pairs = CBxParsePairValues(made.filledPairs); }),
 };
 INSTANTIATE_TEST_SUITE_P(Parsers, Exhaustion, testing::ValuesIn(kParsers), operationName);
 

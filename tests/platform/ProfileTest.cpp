@@ -81,6 +81,13 @@ TEST(Profile, WritesOneValueAndKeepsEveryOtherLine) {
     EXPECT_EQ(get(path, "Two", "y"), "4");
     EXPECT_EQ(get(path, "Three", "w"), "5");
     EXPECT_EQ(text.find("y=2"), std::string::npos);
+
+    if (qel::platform::kPathSeparator == '\\') return;
+    const std::string link = dir.file("link.ini");
+    std::filesystem::create_symlink(path, link);
+    EXPECT_TRUE(writeProfile(link.c_str(), "One", "x", "6"));
+    EXPECT_TRUE(std::filesystem::is_symlink(link)) << "a link stays a link";
+    EXPECT_EQ(get(path, "One", "x"), "6");
 }
 
 TEST(Profile, LeavesAloneWhatIsNoProfileFile) {
