@@ -1,5 +1,5 @@
 // The converter between character sets: set-up, the descriptor level's codes, resynchronisation,
-// conversion in place, and real texts in both directions.
+// and conversion in place.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -10,7 +10,6 @@
 #include "QelUtility/BxCharConv.h"
 #include "platform/CodePages.h"
 #include "support/Tables.h"
-#include "support/TempDir.h"
 
 namespace {
 
@@ -352,27 +351,6 @@ TEST(CharConv, OneStepGivesWhatTwoGive) {
         }
     }
     EXPECT_TRUE(!kStrict || direct > 200000) << direct;
-}
-
-TEST(CharConv, RealTextsMatchTheirPairs) {
-    const std::string folder = std::string(QEL_TEST_SHARED_DATA) + "/text/";
-    if (qel::test::readFile(folder + "tutor.es").empty()) GTEST_SKIP() << "no shared data";
-    const auto text = [&](const char* name) { return qel::test::readFile(folder + name); };
-
-    EXPECT_EQ(converted("UTF-8", "8859-1", text("tutor.es")), text("tutor.es.utf-8"));
-    EXPECT_EQ(converted("8859-1", "UTF-8", text("tutor.es.utf-8")), text("tutor.es"));
-    const std::string euro = converted("UTF-8", "8859-1", text("enc-windows-1252-ude_1.txt"));
-    EXPECT_NE(euro.find("\xE2\x82\xAC"), std::string::npos);
-
-    // The pair differs in one word; the way there and back loses nothing.
-    const std::string gb = text("tutor.zh.euc");
-    const std::string gbUtf8 = converted("UTF-8", "936", gb);
-    EXPECT_EQ(gbUtf8.substr(0, 15000), text("tutor.zh_cn.utf-8").substr(0, 15000));
-    EXPECT_EQ(converted("936", "UTF-8", gbUtf8), gb);
-
-    // Bytes beyond the standard stand in the Big5 text; its first part is free of them.
-    EXPECT_EQ(converted("UTF-8", "950", text("tutor.zh.big5").substr(0, 1309)),
-              text("tutor.zh_tw.utf-8").substr(0, 1720));
 }
 
 }  // namespace

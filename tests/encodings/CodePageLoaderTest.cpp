@@ -1,5 +1,4 @@
-// Which functions convert on which Windows: played on a system of either family, and for once with
-// the real 9x module.
+// Which functions convert on which Windows: played on a system of either family.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -73,18 +72,6 @@ TEST(CodePageLoader, LoadsThe9xModuleOnceItIsWhole) {
                                                "find MultiByteToWideChar",
                                                "find WideCharToMultiByte"};
     EXPECT_EQ(system.calls, expected);
-}
-
-TEST(CodePageLoader, TheRealModuleConverts) {
-    class Real9x : public ScriptedSystem {
-      public:
-        HMODULE load(const char* module) override { return thisSystem().load(module); }
-    } system;
-    CodePageLoader loader(system);
-    if (!loader.obtain()) GTEST_SKIP() << "no unicows.dll here";
-    wchar_t wide[4] = {};
-    ASSERT_EQ(loader.decode()(936, 0, "\xC4\xE3", 2, wide, 4), 1);
-    EXPECT_EQ(wide[0], 0x4F60);
 }
 
 }  // namespace

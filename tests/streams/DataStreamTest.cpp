@@ -64,29 +64,6 @@ TEST(DataStream, LongsBeyond32BitsAreRefused) {
     }
 }
 
-TEST(DataStream, ThePublishedExample) {
-    CBxDataStream stream;
-    stream << 26 << 0 << -1 << "ab";
-    EXPECT_EQ(stream.Len(), 9U);
-    EXPECT_EQ(std::memcmp(stream.Storage(), withSeparators("1a||-|ab").c_str(), 9), 0);
-    stream.SeekToBegin();
-    int a = 0;
-    int b = 1;
-    int c = 0;
-    char text[8] = "";
-    stream >> a >> b >> c >> text;
-    EXPECT_EQ(a, 26);
-    EXPECT_EQ(b, 0);
-    EXPECT_EQ(c, -1);
-    EXPECT_STREQ(text, "ab");
-    // At the terminator there is a zero and an empty text, as often as asked.
-    VStr end("x");
-    stream >> a >> end >> a;
-    EXPECT_EQ(a, 0);
-    EXPECT_EQ(end.Compare(""), 0);
-    EXPECT_EQ(end.GetLength(), 0);
-}
-
 TEST(DataStream, Texts) {
     CBxDataStream stream;
     char separated[] = "a\037b\037c";

@@ -31,36 +31,6 @@ TEST(VStrArray, CopiesReadsOutsideAndRemoves) {
     EXPECT_EQ(two.GetUpperBound(), -1);
 }
 
-TEST(VStrArray, WithoutABlockItKeepsItsSizeAndLosesNoTime) {
-    // So many elements have no room where pointers have 32 bits.
-    if constexpr (sizeof(void*) > 4) GTEST_SKIP();
-    VStrArray huge;
-    huge.SetSize(INT_MAX);
-    huge.Add("lost");
-    VStrArray other;
-    other.Add("a");
-    EXPECT_EQ(other.Append(huge), -1);
-    other.RemoveAll();
-    EXPECT_EQ(other.Append(huge), 0);
-    EXPECT_STREQ(other[5], "");
-    other.RemoveAt(0, 1);
-    other.InsertAt(0, "s", 1);
-    EXPECT_EQ(other.GetSize(), INT_MAX);
-}
-
-TEST(VStrArray, DerivedClassesReachTheNullString) {
-    struct Derived : VStrArray {
-        bool works() {
-            VStr* two = VStrArrNew(2);
-            const bool fresh = two != nullptr && two[1].IsEmpty();
-            VStrArrDel(two, 2);
-            VStrArrDel(nullptr, 2);
-            return fresh && VStrArrNew(-1) == nullptr && qel::test::isNull(m_EmptyVStr);
-        }
-    };
-    EXPECT_TRUE(Derived().works());
-}
-
 // Makes the claimed room of an array visible.
 template <class Array>
 struct Opened : Array {
