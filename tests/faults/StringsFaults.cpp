@@ -35,6 +35,7 @@ const Operation kStrings[] = {
     onString("ModGrow", "left", [](VStr& text) { text.ModGrow(1000); }),
     onString("Construct", "left", [](VStr& text) { text = VStr(kLong); }),
     onString("ConstructCopy", "left", [](VStr& text) { text = VStr(source); }),
+    onString("ConstructRun", "left", [](VStr& text) { text = VStr('x', 100); }),
     onString("AssignString", "left", [](VStr& text) { text = source; }),
     onString("CopyOwnText", "left",
              [](VStr& text) { text.Copy(static_cast<const char*>(text) + 2, 2); }),
@@ -45,6 +46,7 @@ const Operation kStrings[] = {
                  text.ReleaseBuffer(text.GetLength() == 4 ? 500 : 0);
              },
              {kNull, ""}),
+    onString("ReleaseBufferOfNull", "", [](VStr& text) { text.ReleaseBuffer(0); }),
     onString("CatstrTwo", "left", [](VStr& text) { text.Catstr(inserted, source); }),
     onString("CatstrOntoItsSecond", "left", [](VStr& text) { text.Catstr(source, text); }),
     onString("AppendItself", kLong, [](VStr& text) { text += text; }),
