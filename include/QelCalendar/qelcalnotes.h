@@ -104,8 +104,8 @@ typedef enum qelcal_note_code {
     /**< The rule contains a part that iCalendar does not define. The series may have more dates
      * than were meant. */
     QELCAL_NOTE_RULE_POSITIONS_IGNORED = 315,
-    /**< The rule asks for, say, the second Monday, which only a month or a year can have. Every
-     * such weekday counts. */
+    /**< The rule asks for, say, the second Monday of a day, a week or a numbered week; only a month
+     * or a year can have one. Every such weekday counts. */
     QELCAL_NOTE_RULE_TIMES_IGNORED = 316,
     /**< The rule repeats the entry at several times of a day with different minutes. Only the
      * start's time of day remains. */
