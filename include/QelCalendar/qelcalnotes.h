@@ -33,7 +33,7 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_END_WITHOUT_BEGIN = 110,
     /**< The file closes a part that it has not begun. Nothing is missing because of that alone. */
     QELCAL_NOTE_COMPONENT_TOO_DEEP = 111,
-    /**< Parts of the entry are nested more deeply than in any real calendar. */
+    /**< Parts of the entry are nested deeper than in any real calendar. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED = 112,
     /**< A part of an entry has no end. It is taken to end with the entry. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED_IN_FILE = 113,
@@ -166,6 +166,10 @@ typedef enum qelcal_note_code {
     /**< The description of a time zone contains a part that has no meaning there. */
     QELCAL_NOTE_ZONE_PART_INCOMPLETE = 416,
     /**< One of the zone's changes of offset cannot be read. Times after it may be an hour off. */
+    QELCAL_NOTE_ZONE_OF_DATABASE = 440,
+    /**< The entry's times name a time zone that the file does not describe, but whose name is
+     * known. They are read as times of that zone, as the IANA time zone database describes it.
+     * Reported once for each zone. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file contains something other than events, to-dos and notes, for example free and busy
      * times. Only those three are converted. */
