@@ -33,7 +33,7 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_END_WITHOUT_BEGIN = 110,
     /**< The file closes a part that it has not begun. Nothing is missing because of that alone. */
     QELCAL_NOTE_COMPONENT_TOO_DEEP = 111,
-    /**< Parts of the entry are nested deeper than in any real calendar. */
+    /**< Parts of the entry are nested more deeply than in any real calendar. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED = 112,
     /**< A part of an entry has no end. It is taken to end with the entry. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED_IN_FILE = 113,
