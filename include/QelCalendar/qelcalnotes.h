@@ -44,6 +44,20 @@ typedef enum qelcal_note_code {
     /**< The last entry has no end. What there is of it is converted. */
     QELCAL_NOTE_ENTRY_TOO_LARGE = 116,
     /**< A single entry is larger than any real one. Its beginning is converted. */
+    QELCAL_NOTE_TEXT_WRAPPED_BY_WORDS = 140,
+    /**< The lines of the text end between words, as a typewriter's do, although the format would
+     * join them without a blank. */
+    QELCAL_NOTE_LINES_NOT_FOLDED = 141,
+    /**< A long text was broken into lines, or has line breaks of its own, without the sign that the
+     * format requires. Its lines were joined again. */
+    QELCAL_NOTE_COMPONENT_NAME_UNTIDY = 142,
+    /**< A line that begins or ends a part of the calendar has a colon or a semicolon too many. */
+    QELCAL_NOTE_BLANKS_AROUND_NAME = 143,
+    /**< The line has blanks before or after the name of the property, which the format does not
+     * allow. */
+    QELCAL_NOTE_CALENDAR_INDENTED = 144,
+    /**< The lines of the calendar begin with blanks, which usually join a line to the one before
+     * it. Here they only show which part a line belongs to. */
     QELCAL_NOTE_TEXT_BYTES_INVALID = 201,
     /**< The file names a character set for this text, and some of the text's bytes mean nothing in
      * it. Each of them became the replacement character. */
