@@ -64,7 +64,8 @@ class RecursiveTimedMutex {
     void wait(std::uint32_t milliseconds) noexcept {
         const std::int64_t start = now();
         const std::int64_t end = start + std::int64_t{milliseconds} * 1000000;
-        const std::timespec until{static_cast<std::time_t>(end / 1000000000), end % 1000000000};
+        const std::timespec until{static_cast<std::time_t>(end / 1000000000),
+                                  static_cast<long>(end % 1000000000)};
         bool impatient = false;
         while (depth_ > 0 || (impatient_ > 0 && !impatient)) {
             if (pthread_cond_timedwait(&released_, &guard_, &until) != 0) break;
