@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "calendar/api/Calls.h"
-#include "calendar/zones/WorldZones.h"
 
 namespace qel::calendar::api {
 
@@ -13,13 +12,6 @@ namespace {
 int refuse(std::string_view value, std::string_view expected) {
     return fail(QELCAL_INVALID_ARGUMENT,
                 "\"" + std::string(value) + "\" cannot be chosen: " + std::string(expected));
-}
-
-int chooseZone(Choices& choices, std::string_view value) {
-    const auto zone = worldZoneMeant(value);
-    if (!zone && !value.empty()) return fail(QELCAL_INVALID_ARGUMENT, noWorldZone(value));
-    choices.zone = zone ? worldZoneName(*zone) : std::string_view();
-    return QELCAL_OK;
 }
 
 int chooseCountMeans(Choices& choices, std::string_view value) {
@@ -45,7 +37,8 @@ int choose(Choices& choices, int choice, const char* value) {
     return guarded([&] {
         switch (choice) {
             case QELCAL_CHOOSE_ZONE:
-                return chooseZone(choices, text);
+                choices.zone = text;
+                return int{QELCAL_OK};
             case QELCAL_CHOOSE_CHARSET:
                 choices.characterSet = text;
                 return int{QELCAL_OK};

@@ -1,9 +1,10 @@
-// Character sets and texts that are shown.
+// Character sets, kinds of files, and texts that are shown.
 #include <string>
 #include <string_view>
 
 #include "calendar/api/Calls.h"
 #include "calendar/base/Text.h"
+#include "calendar/lines/FileKind.h"
 #include "calendar/text/CharacterSets.h"
 #include "calendar/text/LibrarySets.h"
 
@@ -54,4 +55,16 @@ int qelcal_printable(const void* bytes, size_t size, size_t longest, qelcal_writ
         api::goOn(text(context, shown.data(), shown.size()));
         return int{QELCAL_OK};
     });
+}
+
+int qelcal_recognise(const void* bytes, size_t size) {
+    if (bytes == nullptr) size = 0;
+    return api::guardedValue(int{QELCAL_KIND_TEXT}, [=] {
+        return static_cast<int>(qel::calendar::recognise(textOf(bytes, size)));
+    });
+}
+
+const char* qelcal_kind_text(int kind) {
+    if (kind < QELCAL_KIND_TEXT || kind > QELCAL_KIND_BINARY) return "";
+    return qel::calendar::kindText(static_cast<qel::calendar::FileKind>(kind));
 }

@@ -66,7 +66,6 @@ class CalendarReader {
   private:
     LineReader::Result readLine();
     bool parseLine();
-    void reportUntidy(const RawLine& raw);
     [[nodiscard]] bool passesOver(const RawLine& raw) const;
     std::optional<Item> takeLine();
     std::optional<Item> takeOutside();

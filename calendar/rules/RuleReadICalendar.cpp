@@ -136,12 +136,9 @@ class PartReader {
         }
     }
 
-    // Positions have a meaning only within a month or a year, not within numbered weeks.
+    // Positions have a meaning only within a month or a year.
     void dropOrdinals() {
-        const bool byWeek = !rule_.weekNumbers.empty();
-        if (rule_.frequency == Frequency::Monthly ||
-            (rule_.frequency == Frequency::Yearly && !byWeek))
-            return;
+        if (rule_.frequency == Frequency::Monthly || rule_.frequency == Frequency::Yearly) return;
         std::vector<RuleDay> days;
         bool dropped = false;
         for (const RuleDay& day : rule_.days) {

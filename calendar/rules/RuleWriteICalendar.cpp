@@ -8,13 +8,10 @@ namespace qel::calendar {
 
 namespace {
 
-// WKST affects the dates where weeks are numbered or counted, and where a position selects from
-// the days of a week.
+// WKST affects the dates where weeks are counted or numbered.
 bool weekStartMatters(const Rule& rule) {
-    const bool severalDays =
-        !rule.days.empty() || !rule.monthDays.empty() || !rule.yearDays.empty();
-    return !rule.weekNumbers.empty() || (rule.frequency == Frequency::Weekly && severalDays &&
-                                         (rule.interval > 1 || !rule.setPositions.empty()));
+    return !rule.weekNumbers.empty() ||
+           (rule.frequency == Frequency::Weekly && rule.interval > 1 && !rule.days.empty());
 }
 
 bool isWritten(const RulePart& part, const Rule& rule) {

@@ -1,5 +1,5 @@
 /// @file
-/// Character sets, and texts of unknown origin made safe to show. Any thread.
+/// Character sets, files recognised, and texts of unknown origin made safe to show. Any thread.
 #ifndef QELCALENDAR_TEXTS_H
 #define QELCALENDAR_TEXTS_H
 
@@ -46,6 +46,11 @@ inline std::string toUtf8(const std::string& name, const std::string& text) {
 /// True when the bytes are UTF-8 (RFC 3629).
 inline bool isUtf8(const std::string& text) {
     return qelcal_is_utf8(text.data(), text.size()) != 0;
+}
+
+/// What a file seems to be whose first bytes these are.
+inline qelcal_kind recognise(const std::string& bytes) {
+    return static_cast<qelcal_kind>(qelcal_recognise(bytes.data(), bytes.size()));
 }
 
 /// The text with control characters and bytes that are not UTF-8 as \\n, \\r, \\t or \\xNN; longer

@@ -349,4 +349,32 @@ TEST(Interface, OneReportForSeveralConverters) {
     EXPECT_EQ(body.size(), size);
 }
 
+TEST(Interface, FilesAreRecognised) {
+    using namespace std::string_literals;
+    const std::string utf16 = "\0B\0E\0G\0I\0N\0:\0V\0C\0A\0L\0E\0N\0D\0A\0R\0\r\0\n"s;
+    const std::pair<std::string, qelcal_kind> kFiles[] = {
+        {"BEGIN:VCALENDAR\r\n", QELCAL_KIND_CALENDAR},
+        {"\xEF\xBB\xBF\r\n begin : vevent :\r\n", QELCAL_KIND_CALENDAR},
+        {"BEGIN:VCARD\nEND:VCARD\nBEGIN:VTODO\n", QELCAL_KIND_CALENDAR},
+        {"\xFE\xFF" + utf16, QELCAL_KIND_CALENDAR},
+        {utf16.substr(1), QELCAL_KIND_CALENDAR},
+        {"\0\n"s + utf16, QELCAL_KIND_UTF16},
+        {"BEGIN:VCARD\r\nNOTE:BEGIN:VEVENT\r\n", QELCAL_KIND_CONTACT},
+        {"", QELCAL_KIND_EMPTY},
+        {"\xEF\xBB\xBF \r\n\x1A", QELCAL_KIND_EMPTY},
+        {"PK\3\4rest", QELCAL_KIND_ZIP},
+        {"\n<!DOCTYPE html><p>BEGIN:VEVENT", QELCAL_KIND_HTML},
+        {"<?xml version=\"1.0\"?>", QELCAL_KIND_XML},
+        {"MZ\x90\0\3\0\0\0\4 This program"s, QELCAL_KIND_BINARY},
+        {"What to do: BEGIN:VEVENT", QELCAL_KIND_TEXT},
+        {std::string(60000, ':'), QELCAL_KIND_TEXT},
+    };
+    for (const auto& [bytes, kind] : kFiles)
+        EXPECT_EQ(qelcal::recognise(bytes), kind) << bytes.substr(0, 40);
+    EXPECT_EQ(qelcal_recognise(nullptr, 5), QELCAL_KIND_EMPTY);
+    EXPECT_STREQ(qelcal_kind_text(99), "");
+    for (int kind = QELCAL_KIND_TEXT; kind <= QELCAL_KIND_BINARY; ++kind)
+        EXPECT_STRNE(qelcal_kind_text(kind), "");
+}
+
 }  // namespace
