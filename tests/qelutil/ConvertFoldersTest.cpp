@@ -51,7 +51,7 @@ TEST_F(ConvertFolders, AResultForEachFile) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
               "qelutil: 2 files, 2 entries: 2 converted, 0 changed, 0 warnings, 0 errors, 0 not "
-              "carried over\n");
+              "carried over\nqelutil: not converted: 4 other files; --verbose lists them\n");
     EXPECT_TRUE(contains(read("out/a.ics"), "FREQ=WEEKLY;COUNT=10"));
     EXPECT_TRUE(has("out/2005/b.ics"));
     EXPECT_FALSE(has("out/2005/.hidden.ics"));
@@ -115,13 +115,61 @@ TEST_F(ConvertFolders, ADryRunWritesNothing) {
 TEST_F(ConvertFolders, AFileWithoutACalendarReplacesNothing) {
     put("all.ics", "as it was");
     fails(1, {"convert", state_.file("phone/read.me"), "-o", state_.file("all.ics")},
-          "there is no calendar to write; " + state_.file("all.ics") + " is left as it was");
+          "there is no entry to write; " + state_.file("all.ics") + " is left as it was");
     EXPECT_EQ(read("all.ics"), "as it was");
     EXPECT_EQ(runWithInput({"convert"}, "").out, "");
     put("phone/text.vcs", "no calendar");
     EXPECT_EQ(run({"convert", phone_, "-d", out_}).exitCode, 1);
     EXPECT_FALSE(has("out/text.ics"));
     EXPECT_TRUE(has("out/a.ics"));
+}
+
+TEST_F(ConvertFolders, EverythingIsTakenOrNamed) {
+    const std::string note = "BEGIN:VNOTE\r\nVERSION:1.1\r\nBODY:A note\r\nEND:VNOTE\r\n";
+    for (const char* name : {"c.VNT", "d.Ical", "e.iCalendar", "f.vcal"})
+        put(std::string("phone/") + name, name[2] == 'V' ? note : kGood);
+    put("phone/old.bak", kGood);
+    put("phone/us.VCF", "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Us\r\nEND:VCARD\r\n");
+    put("phone/photo.jpg", std::string("\xFF\xD8\xFF\0\x10", 5));
+    const std::string page = state_.file("page.html");
+    const ProcessResult all =
+        run({"convert", phone_, "--json", "-v", "-d", out_, "--report", page});
+    EXPECT_EQ(all.exitCode, 0) << all.err;
+    for (const char* each : {"c", "d", "e", "f"})
+        EXPECT_TRUE(has(std::string("out/") + each + ".ics"));
+    for (const char* says : {"us.VCF: note: is not converted: it is a contact (vCard)",
+                             "old.bak: warning: is not converted: it is a calendar under a name",
+                             "6 files, 6 entries", "7 other files (1 contact, which address"})
+        EXPECT_TRUE(contains(all.err, says));
+    EXPECT_TRUE(contains(read("page.html"), "7 other files"));
+    const auto json = nlohmann::ordered_json::parse(all.out);
+    EXPECT_EQ(json["summary"]["otherFiles"], 7);
+    EXPECT_EQ(json["summary"]["contacts"], 1);
+    EXPECT_EQ(json["otherFiles"].size(), 7U);
+}
+
+TEST_F(ConvertFolders, WithoutAnEntryNothingIsWritten) {
+    const std::string empty = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nEND:VCALENDAR\r\n";
+    const std::string late = std::string(200000, '\n') + kGood;
+    const std::pair<std::string, std::string> kFiles[] = {
+        {"", "it is empty"},
+        {empty, "there is no event, to-do or note in this calendar"},
+        {"BEGIN:VCARD\r\nEND:VCARD\r\n", "it is a contact (vCard); address books import it"},
+        {"<html><body>Not found", "it is a web page"},
+        {std::string("\n\0B\0E\0G\0", 8), "UTF-16 text without a byte-order mark"},
+    };
+    for (const auto& [text, says] : kFiles) {
+        put("other.vcs", text);
+        fails(1, {"convert", state_.file("other.vcs"), "-o", state_.file("all.ics")}, says);
+        fails(1, {"convert", state_.file("other.vcs"), "-d", out_}, says);
+        EXPECT_EQ(fails(1, {"convert"}, says, text).out, "");
+    }
+    EXPECT_FALSE(has("all.ics"));
+    EXPECT_FALSE(has("out/other.ics"));
+    // Behind whatever else, a calendar is found.
+    put("other.vcs", late);
+    EXPECT_EQ(run({"convert", state_.file("other.vcs")}).out, runWithInput({"convert"}, late).out);
+    EXPECT_TRUE(contains(run({"convert", state_.file("other.vcs")}).out, "SUMMARY:Good"));
 }
 
 TEST_F(ConvertFolders, TheReportShowsEveryEntryAndRunsNothing) {

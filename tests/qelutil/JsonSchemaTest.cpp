@@ -1,5 +1,6 @@
 // What every command prints with --json is what docs/json/qelutil.schema.json says.
 #include <algorithm>
+#include <filesystem>
 
 #include "Qelutil.h"
 
@@ -66,6 +67,9 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
     const std::string calendar =
         "BEGIN:VCALENDAR\nVERSION:1.0\nBEGIN:VEVENT\nDTSTART:20050101\nRNUM:2\nSTATUS:SENT\n"
         "SEQUENC:1\nRRULE:D1 #3\nEND:VEVENT\nEND:VCALENDAR\n";
+    std::filesystem::create_directory(state_.path() / "folder");
+    writeFile(state_.file("folder/a.vcs"), calendar);
+    writeFile(state_.file("folder/b.vcf"), "BEGIN:VCARD\n");
     const struct {
         const char* name;
         std::vector<std::string> arguments;
@@ -73,6 +77,7 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
     } kCases[] = {
         {"convert", {"convert", "-n", "--json"}, calendar},
         {"convert", {"convert", "-v", "--json", "-o", state_.file("a.ics")}, calendar},
+        {"convert", {"convert", "-n", "--json", state_.file("folder")}, ""},
         {"rule", {"rule", "W2 MO #3", "--start", "20050613", "--json"}, ""},
         {"rule", {"rule", "FREQ=DAILY;BYHOUR=9,11", "--start", "20050613", "--json"}, ""},
         {"expand",

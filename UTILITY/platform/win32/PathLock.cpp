@@ -47,8 +47,4 @@ void PathLock::release() noexcept {
     handle_ = kNone;
 }
 
-void PathLock::abandon() noexcept {
-    release();  // there is no fork
-}
-
 }  // namespace qel::platform

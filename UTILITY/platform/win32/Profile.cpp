@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include "platform/PathLock.h"
-#include "platform/ProfileLock.h"
 
 namespace qel::platform {
 
@@ -28,7 +27,7 @@ void readProfile(const char* path, const char* section, const char* key, char* o
 bool writeProfile(const char* path, const char* section, const char* key, const char* value,
                   ProfileWrite when) noexcept {
     PathLock lock;
-    if (!lockProfile(lock, path)) return false;
+    if (lock.acquire(path, kLockMilliseconds) == LockResult::kTimedOut) return false;
     if (when == ProfileWrite::kIfMissing) {
         char present[2];
         if (GetPrivateProfileStringA(section, key, "", present, sizeof present, path) != 0)

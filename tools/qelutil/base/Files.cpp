@@ -98,11 +98,16 @@ InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
 }
 
 InputFile InputFile::ofText(const std::string& text) {
+    return ofStream("the text given", std::make_unique<std::istringstream>(text), text.size());
+}
+
+InputFile InputFile::ofStream(const std::string& name, std::unique_ptr<std::istream> stream,
+                              std::uint64_t size) {
     InputFile file;
-    file.owned_ = std::make_unique<std::istringstream>(text);
+    file.owned_ = std::move(stream);
     file.stream_ = file.owned_.get();
-    file.name_ = "the text given";
-    file.size_ = text.size();
+    file.name_ = name;
+    file.size_ = size;
     return file;
 }
 

@@ -39,6 +39,9 @@ class InputFile {
     InputFile(Context& context, const std::string& name);
     // A text of the command line itself.
     static InputFile ofText(const std::string& text);
+    // What is read in another way than from a file; `size` in bytes.
+    static InputFile ofStream(const std::string& name, std::unique_ptr<std::istream> stream,
+                              std::uint64_t size);
 
     [[nodiscard]] std::istream& stream() { return *stream_; }
     // For messages.

@@ -11,9 +11,10 @@ void addConvertCommand(CLI::App& app, Context& context) {
     CLI::App* command = app.add_subcommand(
         "convert", "Converts vCalendar 1.0 files to iCalendar, and iCalendar to vCalendar 1.0");
     command
-        ->add_option("FILE", options->files,
-                     "calendar files, or folders with .vcs and .ics files in them at any depth;\n"
-                     "- is standard input, the default")
+        ->add_option(
+            "FILE", options->files,
+            "calendar files, or folders and ZIP archives with .vcs, .ics or .vnt files in\n"
+            "them at any depth; - is standard input, the default")
         ->option_text("[FILE|FOLDER...|-]");
     command
         ->add_option("--to", options->to,

@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <ostream>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -16,8 +15,8 @@
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Progress.h"
-#include "base/Spool.h"
 #include "base/Text.h"
+#include "commands/CalendarInput.h"
 #include "commands/ConvertMessages.h"
 #include "commands/ConvertSummary.h"
 #include "commands/ReportFile.h"
@@ -33,15 +32,6 @@ constexpr char kStrictReason[] = "there are warnings or errors, and --strict all
 qelcal_format targetOf(const std::string& name) {
     if (name == "ics") return QELCAL_ICALENDAR;
     return name == "vcs" ? QELCAL_VCALENDAR : QELCAL_OTHER;
-}
-
-// Calls `take` for all bytes of `input`; the number of bytes read so far comes third.
-template <class Input, class Take>
-void readAll(Input& input, Take take) {
-    std::vector<char> buffer(std::size_t{64} << 10);
-    std::uint64_t done = 0;
-    while (const std::size_t got = input.read(buffer.data(), buffer.size()))
-        take(buffer.data(), got, done += got);
 }
 
 std::string inFolder(const std::string& folder, const std::string& name) {
@@ -89,9 +79,12 @@ class ConvertRun {
     }
 
     void run() {
-        const CalendarFiles found = calendarFiles(context_, options_.files, options_.outputDir);
-        files_ = found.files;
+        CalendarFiles found =
+            calendarFiles(context_, options_.files, options_.outputDir, options_.charset);
+        files_ = std::move(found.files);
+        others_ = std::move(found.others);
         protectInputs();
+        nameOthers();
         summary_ = found.anyFolder || files_.size() > 1 || !options_.outputDir.empty() ||
                    options_.dryRun || report_;
         std::uint64_t size = 0;
@@ -125,6 +118,17 @@ class ConvertRun {
             refuse("the file of --output, " + options_.output + ",");
         if (isStandardOutput(options_.output) && context_.outputIsInput())
             refuse("what standard output goes to");
+    }
+
+    // What is not taken for a calendar; one under another name may be missed.
+    void nameOthers() {
+        for (const OtherFile& each : others_) {
+            const std::string text = "is not converted: it is " + each.kindText();
+            if (each.kind == OtherFile::Kind::Calendar)
+                context_.warning(each.name, 0, text);
+            else if (options_.verbose)
+                context_.note(each.name, 0, text);
+        }
     }
 
     // Connects `converter` with the summary, the report and the messages.
@@ -165,8 +169,10 @@ class ConvertRun {
         };
         std::string problem;
         try {
-            if (!file.problem.empty()) throw InputError(file.problem);
-            readFile(converter, file.name, sizeBefore);
+            readFile(converter, file, sizeBefore);
+            if (converter.counts().entries == before.entries)
+                throw InputError(outcomes_.back().file +
+                                 ": there is no event, to-do or note in this calendar");
         } catch (const OutputError&) {
             count();
             throw;
@@ -182,12 +188,18 @@ class ConvertRun {
         return problem;
     }
 
-    void readFile(qelcal::Converter& converter, const std::string& name, std::uint64_t sizeBefore) {
-        InputFile input(context_, name);
+    void readFile(qelcal::Converter& converter, const CalendarFile& file,
+                  std::uint64_t sizeBefore) {
+        CalendarInput input(context_, file);
         converter.beginFile(input.name());
         reported_ = true;
         try {
-            pass(converter, name, input, sizeBefore);
+            input.read([&](const char* bytes, std::size_t size,
+                           std::uint64_t) { converter.scan(bytes, size); },
+                       [&](const char* bytes, std::size_t size, std::uint64_t done) {
+                           converter.write(bytes, size);
+                           progress_->update(sizeBefore + done);
+                       });
         } catch (const OutputError&) {
             throw;
         } catch (const InputError&) {
@@ -196,32 +208,6 @@ class ConvertRun {
             throw;
         }
         converter.endFile();
-    }
-
-    // Zones may be described after the entries that use them, so that files which can be read twice
-    // are searched for them first. Only iCalendar has them: a phone's file need not be held.
-    void pass(qelcal::Converter& converter, const std::string& name, InputFile& input,
-              std::uint64_t sizeBefore) {
-        const auto scan = [&](const char* bytes, std::size_t size, std::uint64_t) {
-            converter.scan(bytes, size);
-        };
-        const auto write = [&](const char* bytes, std::size_t size, std::uint64_t done) {
-            converter.write(bytes, size);
-            progress_->update(sizeBefore + done);
-        };
-        if (input.size() != 0) {
-            InputFile first(context_, name);
-            readAll(first, scan);
-            readAll(input, write);
-            return;
-        }
-        Spool spool(input);
-        const bool isPhoneFile = spool.head().find("VERSION:1.0") != std::string_view::npos;
-        if (!isPhoneFile && spool.keepAll()) {
-            readAll(spool, scan);
-            spool.rewind();
-        }
-        readAll(spool, write);
     }
 
     [[nodiscard]] bool allClean() const {
@@ -254,14 +240,11 @@ class ConvertRun {
         const std::string name = isStandardOutput(options_.output) ? "" : options_.output;
         std::string failure;  // of the result
         for (const CalendarFile& file : files_) {
-            const std::uint64_t calendars = converter.counts().calendars;
             beginFile(file);
             std::string reason = failure;
             if (failure.empty()) {
                 try {
                     reason = convertFile(converter, file);
-                    if (reason.empty() && converter.counts().calendars == calendars)
-                        reason = "there is no calendar in it";
                     // Entries that were converted before a failure are in the result.
                     if (outcomes_.back().counts.entries != 0) reason.clear();
                 } catch (...) {
@@ -289,7 +272,7 @@ class ConvertRun {
     // Why there is to be no result of all files; nothing when there is one.
     [[nodiscard]] std::string whyNothing(const qelcal::Converter& converter) const {
         // An older result is worth more than an empty one.
-        if (converter.counts().calendars == 0) return "there is no calendar to write";
+        if (converter.counts().entries == 0) return "there is no entry to write";
         const bool clean = allClean() && context_.exitCode() == kExitFine;
         return options_.strict && !clean ? kStrictReason : "";
     }
@@ -339,9 +322,7 @@ class ConvertRun {
         }
         qelcal::Converter converter(targetOf(options_.to), writeTo(output.get()));
         listenTo(converter);
-        std::string problem = convertFile(converter, file);
-        if (problem.empty() && converter.counts().calendars == 0)
-            problem = "there is no calendar in it";
+        const std::string problem = convertFile(converter, file);
         if (!problem.empty()) {
             settle({}, problem);
             return;
@@ -406,16 +387,23 @@ class ConvertRun {
             Json document{{"dryRun", options_.dryRun},
                           {"strict", options_.strict},
                           {"files", Json::array()},
+                          {"otherFiles", Json::array()},
                           {"messagesNotShown", messages_.hidden()},
-                          {"summary", summaryJson(outcomes_)}};
+                          {"summary", summaryJson(outcomes_, others_)}};
             for (const FileOutcome& each : outcomes_)
                 document["files"].push_back(outcomeJson(each));
+            for (const OtherFile& each : others_)
+                document["otherFiles"].push_back(
+                    {{"file", jsonText(each.name)}, {"kind", each.kindName()}});
             writeJson(context_.out, document);
         }
         finishReport();
         if (!summary_) return;
         context_.say((options_.dryRun ? "nothing written; would be: " : "") +
                      summaryText(outcomes_));
+        if (!others_.empty())
+            context_.say("not converted: " + othersText(others_) +
+                         (options_.verbose ? "" : "; --verbose lists them"));
         for (const std::string& each : messages_.worthALook())
             context_.say("look first at " + each);
     }
@@ -432,6 +420,7 @@ class ConvertRun {
         std::string text = "What became of the calendars that qelutil converted.";
         if (options_.dryRun) text = "What would become of the calendars: this was a dry run.";
         if (options_.strict) text += " With --strict, what has warnings or errors is not written.";
+        if (!others_.empty()) text += " Not converted: " + othersText(others_) + ".";
         return text;
     }
 
@@ -440,6 +429,7 @@ class ConvertRun {
     ConvertMessages messages_;
     std::optional<RunReport> report_;
     std::vector<CalendarFile> files_;
+    std::vector<OtherFile> others_;
     std::vector<FileOutcome> outcomes_;  // of each file that was begun
     bool reported_ = false;              // the report has heard of the last of them
     Progress* progress_ = nullptr;

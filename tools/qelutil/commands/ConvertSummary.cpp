@@ -1,5 +1,6 @@
 #include "commands/ConvertSummary.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "base/NoteWords.h"
@@ -42,6 +43,12 @@ Json textOrNull(const std::string& text) {
     return text.empty() ? Json() : Json(jsonText(text));
 }
 
+std::uint64_t contactsIn(const std::vector<OtherFile>& others) {
+    return static_cast<std::uint64_t>(std::count_if(
+        others.begin(), others.end(),
+        [](const OtherFile& each) { return each.kind == OtherFile::Kind::Contact; }));
+}
+
 }  // namespace
 
 qelcal_counts difference(const qelcal_counts& after, const qelcal_counts& before) {
@@ -66,9 +73,22 @@ std::string summaryText(const std::vector<FileOutcome>& files) {
            " not carried over";
 }
 
-Json summaryJson(const std::vector<FileOutcome>& files) {
+std::string othersText(const std::vector<OtherFile>& others) {
+    const std::uint64_t contacts = contactsIn(others);
+    const std::string text = counted(others.size(), "other file", "other files");
+    if (contacts == 0) return text;
+    return text + " (" +
+           counted(contacts, "contact, which address books import as it is",
+                   "contacts, which address books import as they are") +
+           ")";
+}
+
+Json summaryJson(const std::vector<FileOutcome>& files, const std::vector<OtherFile>& others) {
     const Totals totals = totalsOf(files);
-    Json json{{"files", files.size()}, {"filesLeftOut", totals.leftOut}};
+    Json json{{"files", files.size()},
+              {"filesLeftOut", totals.leftOut},
+              {"otherFiles", others.size()},
+              {"contacts", contactsIn(others)}};
     json.update(countsJson(totals.counts, totals.converted));
     return json;
 }

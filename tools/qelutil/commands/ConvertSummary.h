@@ -9,6 +9,7 @@
 
 #include "QelCalendar/Notes.h"
 #include "QelCalendar/qelcalendar.h"
+#include "base/CalendarFiles.h"
 #include "base/Json.h"
 
 namespace qel::cli {
@@ -38,7 +39,10 @@ struct FileOutcome {
 // "3 files (1 left out), 12 entries: 11 converted, 2 changed, 1 warning, 0 errors, 1 not carried
 // over".
 [[nodiscard]] std::string summaryText(const std::vector<FileOutcome>& files);
-[[nodiscard]] Json summaryJson(const std::vector<FileOutcome>& files);
+// "3 other files (2 contacts, which address books import as they are)".
+[[nodiscard]] std::string othersText(const std::vector<OtherFile>& others);
+[[nodiscard]] Json summaryJson(const std::vector<FileOutcome>& files,
+                               const std::vector<OtherFile>& others);
 [[nodiscard]] Json outcomeJson(const FileOutcome& file);
 
 }  // namespace qel::cli
