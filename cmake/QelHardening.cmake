@@ -1,6 +1,10 @@
 # Hardening of everything that is built here: stack protector, fortified C library calls, read-only
 # relocations and immediate binding; position-independent programs. A Windows image gets no-execute
-# data and a random base. tests/interface checks the built files for it.
+# data and a random base. tests/interface checks the built files for it. WebAssembly has none of it: its
+# return addresses and code are out of a program's reach.
+if(EMSCRIPTEN)
+    return()
+endif()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)

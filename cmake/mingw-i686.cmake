@@ -20,7 +20,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# libcrypto for this target, built once by cmake/build-libcrypto-i686 outside the source tree.
+# libcrypto for this target, built once by cmake/build-libcrypto outside the source tree.
 if(DEFINED ENV{QEL_LIBCRYPTO_I686})
     set(qel_libcrypto $ENV{QEL_LIBCRYPTO_I686})
 elseif(DEFINED ENV{XDG_CACHE_HOME})

@@ -17,14 +17,10 @@ extern const char kPathSeparator;
 [[nodiscard]] std::size_t directoryLength(const char* path) noexcept;
 
 // Streams that are not inherited by child processes; null with errno set when there is none. New
-// files are made for the user alone. Reading and writing: binary, regular files only. Appending:
-// text mode; every write lands at the file's end. Others may rename and remove the file meanwhile;
-// with kHeld they may not, where the system can forbid it.
-enum class NameWhileOpen { kFree, kHeld };
-[[nodiscard]] std::FILE* openForAppend(const char* path,
-                                       NameWhileOpen name = NameWhileOpen::kFree) noexcept;
-// As openForAppend with kFree, for a few writes and a close: `size` is the file's size at that
-// moment, -1 when it is not known, and the stream has no position to ask for or to change.
+// files are made for the user alone. Reading and writing: binary, regular files only. Messages:
+// text mode; every write lands at the file's end, and others may rename and remove the file
+// meanwhile. `size` is the file's size at that moment, -1 when it is not known; the stream has no
+// position to ask for or to change.
 [[nodiscard]] std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept;
 // Whether what such a stream holds in its buffer reaches the file in one write.
 [[nodiscard]] bool messagesAreWhole() noexcept;
@@ -32,10 +28,25 @@ enum class NameWhileOpen { kFree, kHeld };
 [[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
 // Whether two processes that append at the same moment never write over each other.
 [[nodiscard]] bool appendsAreAtomic() noexcept;
+// Whether the file has nothing after its last line end. True also when that cannot be known.
+[[nodiscard]] bool endsInLine(const char* path) noexcept;
+
+// A file that stays open for appending, in text mode: -1 when it cannot be opened. Where the system
+// can forbid it, nobody renames or removes it meanwhile.
+[[nodiscard]] int openHeld(const char* path) noexcept;
+// How many of the bytes reached the file; less than `size` when it takes no more.
+[[nodiscard]] std::size_t appendTo(int file, const char* data, std::size_t size) noexcept;
+void closeHeld(int file) noexcept;
+// Whether it is still the file of that name.
+[[nodiscard]] bool stillNamed(int file, const char* path) noexcept;
 
 [[nodiscard]] bool fileExists(const char* path) noexcept;
 // The size in bytes; -1 when the file cannot be examined.
 [[nodiscard]] std::int64_t fileSize(const char* path) noexcept;
+
+// A number that is another one after the file has been written or replaced, clock ticks apart; -1
+// when the file cannot be examined.
+[[nodiscard]] std::int64_t changeStamp(const char* path) noexcept;
 
 // Which file a name refers to just now; two that are equal are the same file.
 struct FileIdentity {
@@ -45,8 +56,6 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 [[nodiscard]] FileIdentity fileIdentity(const char* path) noexcept;
-// Whether a stream that was opened with kHeld is still the file of that name.
-[[nodiscard]] bool stillNamed(std::FILE* stream, const char* path) noexcept;
 
 // 0, or -1 with errno set. removeFile removes no directory.
 int removeFile(const char* path) noexcept;

@@ -22,6 +22,8 @@ class PathLock {
     // directory does not exist.
     LockResult acquire(const char* path, std::uint32_t timeoutMilliseconds) noexcept;
     void release() noexcept;
+    // Lets go of a lock that a fork has copied; the process that took it keeps it.
+    void abandon() noexcept;
     [[nodiscard]] bool held() const noexcept { return handle_ != kNone; }
 
   private:

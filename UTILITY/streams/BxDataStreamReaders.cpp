@@ -180,7 +180,10 @@ CBxDataStream& CBxDataStream::operator>>(char* text) {
 CBxDataStream& CBxDataStream::operator>>(VStr& text) {
     const int length = ValueLength(__LINE__);
     text.Copy(reinterpret_cast<const char*>(m_position), length);
-    if (text.GetLength() != length)
+    // Without memory even an empty text is null, which has the shared text of all null strings.
+    const bool missing =
+        length == 0 && static_cast<const char*>(text) == static_cast<const char*>(VStr());
+    if (text.GetLength() != length || missing)
         qel::streams::failWithSize(__LINE__, static_cast<unsigned>(length), QEL_OUT_OF_MEMORY);
     PassValue(length);
     return *this;

@@ -10,6 +10,7 @@
 #include "QelUtility/BxTrace.h"
 #include "platform/Files.h"
 #include "platform/LocalClock.h"
+#include "platform/PathLock.h"
 #include "platform/Process.h"
 #include "trace/BxFileUtilInternal.h"
 
@@ -21,6 +22,7 @@ constexpr char kSourceName[] = "BxFileUtil";
 constexpr int kNullBuffer = 15133;
 constexpr std::size_t kPathRoom = 260;
 constexpr std::size_t kModelRoom = 128;
+constexpr std::uint32_t kLockMilliseconds = 200;
 constexpr char kSeparatorLine[] =
     "\n- - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - - -\n";
 static_assert(sizeof kSeparatorLine == 1 + 40 * 2 - 1 + 1 + 1);
@@ -52,9 +54,13 @@ void appendToUserLog(const char* message) {
                   now.year % 100, now.hour, now.minute, now.second);
     const std::string entry =
         std::string(kSeparatorLine) + date + (message != nullptr ? message : "(null)") + " \n";
-    // Appending makes the file when there is none.
-    std::FILE* log = platform::openForAppend(path.c_str());
+    // One write, or one process after the other: no entry comes between the lines of another.
+    platform::PathLock lock;
+    if (!platform::messagesAreWhole()) (void)lock.acquire(path.c_str(), kLockMilliseconds);
+    std::int64_t size = -1;
+    std::FILE* log = platform::openForMessage(path.c_str(), &size);
     if (log == nullptr) return;
+    std::setvbuf(log, nullptr, _IONBF, 0);
     std::fwrite(entry.data(), 1, entry.size(), log);
     std::fclose(log);
 }

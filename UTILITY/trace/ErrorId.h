@@ -17,6 +17,10 @@ class ErrorId {
     // Copies the text, cut to `size` - 1 characters; false when there is none.
     bool get(char* buffer, std::size_t size);
 
+    // Around a fork.
+    void hold() { mutex_.lock(); }
+    void release() { mutex_.unlock(); }
+
   private:
     std::mutex mutex_;
     char text_[kRoom] = "";

@@ -32,6 +32,10 @@ class LogPaths {
     // memory is exhausted.
     bool publish(Path which, const char* text) noexcept;
 
+    // Around a fork.
+    void hold() { mutex_.lock(); }
+    void release() { mutex_.unlock(); }
+
   private:
     struct Text {
         char text[kPathRoom];

@@ -44,23 +44,6 @@ std::size_t putPrefix(char* prefix) {
     return static_cast<std::size_t>(out - prefix);
 }
 
-// Where the pieces of one message go: to the stream, counted, or to the retroactive buffers.
-struct Sink {
-    std::FILE* stream;
-    RetroBuffers* retro;  // null: to the stream
-    std::int64_t written = 0;
-    bool failed = false;
-
-    void put(const char* text, std::size_t length) {
-        if (retro != nullptr)
-            retro->append(text, length);
-        else if (stream == nullptr || std::fwrite(text, 1, length, stream) != length)
-            failed = true;
-        else
-            written += static_cast<std::int64_t>(length);
-    }
-};
-
 // How many bytes a message takes in the log at most: its text, and a prefix and a line end for each
 // of its lines.
 std::size_t roomFor(const char* text) {
@@ -98,6 +81,11 @@ MessageLog::Lock::~Lock() {
 
 // --- Messages -----------------------------------------------------------------------------------
 
+bool MessageLog::Target::put(const char* text, std::size_t length) const noexcept {
+    if (kept != nullptr) return kept->put(text, length);
+    return stream != nullptr && std::fwrite(text, 1, length, stream) == length;
+}
+
 int MessageLog::write(const char* text, std::uint32_t mask, const char*& failure) noexcept {
     const Lock lock(*this);
     if (!lock) {
@@ -129,23 +117,39 @@ int MessageLog::write(const char* text, std::uint32_t mask, const char*& failure
 }
 
 bool MessageLog::writeMessage(const char* text, std::uint32_t mask, bool& opened) {
-    std::FILE* stream = nullptr;
-    opened = open(roomFor(text), stream);
+    Target target;
+    const int failedOpens = failedOpens_;
+    const bool firstBanner = firstBanner_;
+    opened = open(roomFor(text), target);
     if (!opened) return false;
     const bool syncML = (mask & (kSyncInputBit | kSyncOutputBit)) != 0;
     const bool written = syncML && retro_.size() == 0
-                             ? writeSyncMLBlock(text, (mask & kSyncInputBit) != 0, stream)
-                             : writeLines(false, text, stream);
-    const bool closed = close(stream);
-    return written && closed;
+                             ? writeSyncMLBlock(text, (mask & kSyncInputBit) != 0, target)
+                             : writeLines(false, text, target);
+    const bool closed = close(target);
+    if (written && closed) return true;
+    // What came before the message is to be told with the next one, on a line of its own.
+    failedOpens_ = failedOpens;
+    firstBanner_ = firstBanner;
+    endLookedUp_ = nullptr;
+    return false;
 }
 
-// Writes `text` line by line to `stream`, or to the retroactive buffers while they take traces.
+// Writes `text` line by line to the log, or to the retroactive buffers while they take traces.
 // Every line gets a prefix; with `noPrefix` the first does not.
-bool MessageLog::writeLines(bool noPrefix, const char* text, std::FILE* stream) {
+bool MessageLog::writeLines(bool noPrefix, const char* text, const Target& target) {
     assert(heldHere());
     const bool toBuffers = retro_.takeTraces();
-    Sink sink{stream, toBuffers ? &retro_ : nullptr};
+    std::int64_t written = 0;
+    bool failed = false;
+    const auto put = [&](const char* piece, std::size_t length) {
+        if (toBuffers)
+            retro_.append(piece, length);
+        else if (target.put(piece, length))
+            written += static_cast<std::int64_t>(length);
+        else
+            failed = true;
+    };
     bool prefixDue = !noPrefix;
     const char* line = text;
     while (*line != '\0') {
@@ -153,54 +157,52 @@ bool MessageLog::writeLines(bool noPrefix, const char* text, std::FILE* stream) 
         const char* next = newline != nullptr ? newline + 1 : line + std::strlen(line);
         if (prefixDue) {
             char prefix[kPrefixRoom];
-            sink.put(prefix, putPrefix(prefix));
+            put(prefix, putPrefix(prefix));
         }
         // What comes from the buffers has its prefixes already.
         prefixDue = !retro_.flushing();
-        sink.put(line, static_cast<std::size_t>(next - line));
+        put(line, static_cast<std::size_t>(next - line));
         line = next;
     }
-    if (sink.written > 0 && line[-1] != '\n') sink.put("\n", 1);
-    if (settings_.keepLogFileOpen != 0 && !toBuffers) {
-        kept_.grow(sink.written);
-        if (settings_.flushesEveryMessage() && stream != nullptr && !kept_.flush())
-            sink.failed = true;
-    }
-    return !sink.failed;
+    if (written > 0 && line[-1] != '\n') put("\n", 1);
+    if (target.kept != nullptr) target.kept->grow(written);
+    return !failed;
 }
 
 // A SyncML document keeps its own layout: a header, the text as it is, a line end.
-bool MessageLog::writeSyncMLBlock(const char* text, bool input, std::FILE* stream) {
-    if (stream == nullptr) return false;
-    std::fprintf(stream, "%s: %s\n", makeStamp().text, input ? "SyncML Input:" : "SyncML Output:");
-    std::fputs(text, stream);
-    std::fputc('\n', stream);
-    if (settings_.flushesEveryMessage()) std::fflush(stream);
-    return std::ferror(stream) == 0;
+bool MessageLog::writeSyncMLBlock(const char* text, bool input, const Target& target) {
+    char header[96];
+    const int length = std::snprintf(header, sizeof header, "%s: %s\n", makeStamp().text,
+                                     input ? "SyncML Input:" : "SyncML Output:");
+    return target.put(header, static_cast<std::size_t>(length)) &&
+           target.put(text, std::strlen(text)) && target.put("\n", 1);
 }
 
-void MessageLog::writeBanner(std::FILE* stream) {
+void MessageLog::writeBanner(const Target& target) {
     char banner[96];
     std::snprintf(banner, sizeof banner, " -- Halverd Log File, TracingOptions=%x --\n\n",
                   settings_.tracingMask());
-    writeLines(false, banner, stream);
+    writeLines(false, banner, target);
     if (settings_.separateLogs == 0) return;
     char program[kPathRoom];
     if (!platform::processPath(program, sizeof program)) program[0] = '\0';
     char line[kPathRoom + 64];
     std::snprintf(line, sizeof line, "Process ID is %d, running '%s'\n",
                   static_cast<int>(platform::processId()), program);
-    writeLines(false, line, stream);
+    writeLines(false, line, target);
 }
 
-void MessageLog::reportFailedOpens(std::FILE* stream) {
+void MessageLog::reportFailedOpens(const Target& target) {
     if (failedOpens_ == 0) return;
-    const int length = std::fprintf(
-        stream,
+    char line[128];
+    const int length = std::snprintf(
+        line, sizeof line,
         "\n\n** The previous %d logging attempts were thwarted by 'OpenLogFile' failures **\n\n",
         failedOpens_);
     failedOpens_ = 0;
-    if (settings_.keepLogFileOpen != 0) kept_.grow(std::max(length, 0));
+    // Whether it reached the file shows when the message after it is closed.
+    (void)target.put(line, static_cast<std::size_t>(length));
+    if (target.kept != nullptr) target.kept->grow(length);
 }
 
 // --- Opening and closing ------------------------------------------------------------------------
@@ -227,23 +229,34 @@ bool MessageLog::directoryWritable() noexcept {
     return directoryWritable_ == 1;
 }
 
-// Gives the stream for a message that takes `room` bytes at most; it is null, and the result true,
+// Gives the target for a message that takes `room` bytes at most; it is empty, and the result true,
 // while messages go to the retroactive buffers alone.
-bool MessageLog::open(std::size_t room, std::FILE*& stream) {
+bool MessageLog::open(std::size_t room, Target& target) {
     assert(heldHere());
-    stream = nullptr;
+    target = {};
     const char* path = activePath();
     // Only a host that traces while it is asked for its profile directory can be as early as this.
     if (path[0] == '\0') return false;
     if (settings_.keepLogFileOpen != 0) {
-        stream = kept_.current(settings_.maxFileSize, ticks_());
-        if (stream == nullptr) stream = openKept(path);
-        return stream != nullptr;
+        if (!kept_.current(settings_.maxFileSize, ticks_()) && !openKept(path)) return false;
+        kept_.begin();
+        target.kept = &kept_;
+        return true;
     }
     if (retro_.takeTraces()) return true;
     if (!directoryWritable()) return false;
-    stream = openForMessage(path, room);
-    return stream != nullptr;
+    target.stream = openForMessage(path, room);
+    return target.stream != nullptr;
+}
+
+// Whether the log ends in a part of a line, as a full disk or a process that was killed leaves it.
+// Looked up once in a tick, because that costs system calls, and after each message that failed.
+bool MessageLog::cutLineDue(const char* path) noexcept {
+    const std::uint32_t now = ticks_();
+    if (path == endLookedUp_ && now == endLookedUpAt_) return false;
+    endLookedUp_ = path;
+    endLookedUpAt_ = now;
+    return !platform::endsInLine(path);
 }
 
 std::FILE* MessageLog::openForMessage(const char* path, std::size_t room) {
@@ -258,6 +271,7 @@ std::FILE* MessageLog::openForMessage(const char* path, std::size_t room) {
         if (lock == LockResult::kTimedOut && !safe) return nullptr;
         if (sizeDue && limitUnlessLocked(path, lock)) sizeCheck_.examined();
     }
+    const bool cutLine = cutLineDue(path);
     std::int64_t length = -1;
     std::FILE* stream = stream_.open(path, room, &length);
     if (stream == nullptr) {
@@ -268,35 +282,40 @@ std::FILE* MessageLog::openForMessage(const char* path, std::size_t room) {
     if (length < kShortestBannered && !fileLock_.held() &&
         fileLock_.acquire(path, kAppendWaitMilliseconds) == LockResult::kLocked)
         length = platform::fileSize(path);  // another process may have begun the log meanwhile
+    const Target target{stream, nullptr};
+    if (cutLine) (void)target.put("\n", 1);
     if (length < kShortestBannered || firstBanner_) {
         firstBanner_ = false;
-        writeBanner(stream);
+        writeBanner(target);
     }
-    reportFailedOpens(stream);
+    reportFailedOpens(target);
     return stream;
 }
 
-std::FILE* MessageLog::openKept(const char* path) {
+bool MessageLog::openKept(const char* path) {
     const LockResult lock = fileLock_.acquire(path, kAppendWaitMilliseconds);
-    std::FILE* stream = openKeptLocked(path, lock);
+    const bool opened = openKeptLocked(path, lock);
     fileLock_.release();
-    return stream;
+    return opened;
 }
 
-std::FILE* MessageLog::openKeptLocked(const char* path, LockResult lock) {
+bool MessageLog::openKeptLocked(const char* path, LockResult lock) {
     std::int64_t size = kept_.sizeBeforeOpen(path);
     if (size >= settings_.maxFileSize && limitUnlessLocked(path, lock)) {
         kept_.startEmpty();
         size = 0;
     }
-    std::FILE* stream = kept_.open(path, (settings_.keepLogFileOpen & kRuntimesBuffering) != 0);
-    if (stream == nullptr) {
+    if (!kept_.open(path, (settings_.keepLogFileOpen & kRuntimesBuffering) != 0)) {
         ++failedOpens_;
-        return nullptr;
+        return false;
     }
-    if (size == 0) writeLines(false, " -- Halverd Linkup Log File --\n\n", stream);
-    reportFailedOpens(stream);
-    return stream;
+    const Target target{nullptr, &kept_};
+    const int failedOpens = failedOpens_;
+    kept_.begin();
+    if (size == 0) writeLines(false, " -- Halverd Linkup Log File --\n\n", target);
+    reportFailedOpens(target);
+    if (!kept_.end(false)) failedOpens_ = failedOpens;
+    return true;
 }
 
 // Applies the size limit. False when another process holds the log's lock: rotating would disturb
@@ -307,9 +326,10 @@ bool MessageLog::limitUnlessLocked(const char* path, LockResult lock) {
     return true;
 }
 
-bool MessageLog::close(std::FILE* stream) {
-    if (stream == nullptr || settings_.keepLogFileOpen != 0) return true;
-    const bool written = stream_.close(stream);
+bool MessageLog::close(const Target& target) {
+    if (target.kept != nullptr) return target.kept->end(settings_.flushesEveryMessage() || ending_);
+    if (target.stream == nullptr) return true;
+    const bool written = stream_.close(target.stream);
     fileLock_.release();
     return written;
 }
@@ -326,10 +346,10 @@ void MessageLog::flushRetro() noexcept {
     const Lock lock(*this);
     if (!lock || !retro_.takeTraces()) return;
     retro_.setFlushing(true);
-    std::FILE* stream = nullptr;
-    if (open(2 * static_cast<std::size_t>(retro_.size()) + 2, stream)) {
-        retro_.drain([this, stream](const char* text) { writeLines(true, text, stream); });
-        close(stream);
+    Target target;
+    if (open(2 * static_cast<std::size_t>(retro_.size()) + 2, target)) {
+        retro_.drain([&](const char* text) { writeLines(true, text, target); });
+        if (!close(target)) endLookedUp_ = nullptr;
     }
     retro_.setFlushing(false);
 }
@@ -337,6 +357,38 @@ void MessageLog::flushRetro() noexcept {
 void MessageLog::flushKept() noexcept {
     const Lock lock(*this);
     if (lock) kept_.flush();
+}
+
+void MessageLog::finish() noexcept {
+    const Lock lock(*this);
+    if (!lock) return;
+    kept_.flush();
+    ending_ = true;
+}
+
+// --- Forks --------------------------------------------------------------------------------------
+
+void MessageLog::beforeFork() noexcept {
+    heldForFork_ = platform::lockTraceMutex(kWaitMilliseconds) == LockResult::kLocked;
+}
+
+void MessageLog::afterForkInParent() noexcept {
+    if (heldForFork_) platform::unlockTraceMutex();
+}
+
+void MessageLog::afterForkInChild() noexcept {
+    fileLock_.abandon();
+    kept_.forget();
+    retro_.clear();
+    if (heldForFork_) {
+        if (depth_ > 0) writer_.store(platform::threadId(), std::memory_order_relaxed);
+        platform::unlockTraceMutex();
+        return;
+    }
+    // The thread that was in the middle of a message is not in this process.
+    depth_ = 0;
+    writer_.store(0, std::memory_order_relaxed);
+    stream_.forget();
 }
 
 // --- Rotation -----------------------------------------------------------------------------------

@@ -44,6 +44,13 @@ class MessageLog {
 
     // Writes out what the log that is kept open has buffered.
     void flushKept() noexcept;
+    // The same as the process ends; each message after that is written out at once.
+    void finish() noexcept;
+
+    // Around a fork. The child starts without the messages that the parent has yet to write.
+    void beforeFork() noexcept;
+    void afterForkInParent() noexcept;
+    void afterForkInChild() noexcept;
 
     // Rotates `path`, as rotate() does, when its size has reached "MaxFileSize"; otherwise -1 when
     // the file has a size, 0 when it has none.
@@ -73,20 +80,30 @@ class MessageLog {
     };
 
   private:
+    // Where a message goes: the stream that is opened for it, the log that is kept open, or to the
+    // retroactive buffers alone.
+    struct Target {
+        std::FILE* stream = nullptr;
+        KeptLog* kept = nullptr;
+
+        [[nodiscard]] bool put(const char* text, std::size_t length) const noexcept;
+    };
+
     // All below: REQUIRES: the calling thread holds a Lock.
     [[nodiscard]] const char* activePath() const noexcept;
     [[nodiscard]] bool directoryWritable() noexcept;
     bool writeMessage(const char* text, std::uint32_t mask, bool& opened);
-    bool writeLines(bool noPrefix, const char* text, std::FILE* stream);
-    bool writeSyncMLBlock(const char* text, bool input, std::FILE* stream);
-    void writeBanner(std::FILE* stream);
-    void reportFailedOpens(std::FILE* stream);
-    bool open(std::size_t room, std::FILE*& stream);
+    bool writeLines(bool noPrefix, const char* text, const Target& target);
+    bool writeSyncMLBlock(const char* text, bool input, const Target& target);
+    void writeBanner(const Target& target);
+    void reportFailedOpens(const Target& target);
+    bool open(std::size_t room, Target& target);
     std::FILE* openForMessage(const char* path, std::size_t room);
-    std::FILE* openKept(const char* path);
-    std::FILE* openKeptLocked(const char* path, platform::LockResult lock);
+    [[nodiscard]] bool cutLineDue(const char* path) noexcept;
+    bool openKept(const char* path);
+    bool openKeptLocked(const char* path, platform::LockResult lock);
     bool limitUnlessLocked(const char* path, platform::LockResult lock);
-    bool close(std::FILE* stream);
+    bool close(const Target& target);
 
     const Settings& settings_;
     LogPaths& paths_;
@@ -104,6 +121,11 @@ class MessageLog {
     int failedOpens_ = 0;         // consecutive
     int directoryWritable_ = -1;  // -1 not yet known; decided once
     bool firstBanner_ = true;     // this process has not written one yet
+
+    const char* endLookedUp_ = nullptr;  // the log whose end was last looked at
+    std::uint32_t endLookedUpAt_ = 0;    // the tick of it
+    bool ending_ = false;                // the process is
+    bool heldForFork_ = false;
 };
 
 }  // namespace qel::trace

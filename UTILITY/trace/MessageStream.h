@@ -24,6 +24,9 @@ class MessageStream {
     // Closes the stream. False when not everything that was written to it reached the file.
     [[nodiscard]] bool close(std::FILE* stream) noexcept;
 
+    // In a child of a fork: no stream is open. What a thread of the parent had open is left.
+    void forget() noexcept { longBuffer_ = nullptr; }
+
   private:
     static constexpr std::size_t kBuffer = 32768;
 

@@ -269,6 +269,19 @@ void Options::reload(std::uint32_t now) {
     lastLoad_.store(now, std::memory_order_relaxed);
 }
 
+void Options::hold() {
+    const bool mine = loadsHere();
+    if (!mine) mutex_.lock();
+    heldForFork_ = !mine;
+}
+
+void Options::release() {
+    if (heldForFork_)
+        mutex_.unlock();
+    else
+        loadingThread_.store(platform::threadId());  // it has another number in the child
+}
+
 void Options::load() {
     const std::uint32_t now = ticks_();
     if (!initialised_.load(std::memory_order_acquire)) return firstLoad(now);

@@ -39,6 +39,10 @@ class Options {
     void read(const char* section, const char* key, unsigned base, int& value);
     void write(const char* section, const char* key, unsigned base, int value);
 
+    // Around a fork: no other thread is loading meanwhile.
+    void hold();
+    void release();
+
   private:
     [[nodiscard]] bool loadsHere() const noexcept;
     void firstLoad(std::uint32_t now);
@@ -60,6 +64,7 @@ class Options {
     const TickSource ticks_;
     Settings settings_;
     std::mutex mutex_;  // held by the thread that loads
+    bool heldForFork_ = false;
     std::atomic<bool> initialised_{false};
     std::atomic<std::uint32_t> lastLoad_{0};       // the tick of it
     std::atomic<std::uint32_t> loadingThread_{0};  // the one that makes the first load; 0: none

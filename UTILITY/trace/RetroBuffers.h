@@ -34,11 +34,17 @@ class RetroBuffers {
     // Drops a text that is longer than one buffer.
     void append(const char* text, std::size_t length) noexcept;
 
+    // Empties the buffers.
+    void clear() noexcept {
+        drain([](const char*) {});
+    }
+
     // Calls `write` with the text of each buffer that holds any, the older first, and empties them.
     template <typename Write>
     void drain(Write write) {
         for (const std::size_t each : {1 - current_, current_}) {
             char* text = buffers_[each];
+            if (text == nullptr) continue;
             if (text[0] != '\0') write(text);
             text[0] = '\0';
         }

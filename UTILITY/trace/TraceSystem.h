@@ -14,8 +14,7 @@ namespace qel::trace {
 // used from any thread and guards itself.
 class TraceSystem {
   public:
-    explicit TraceSystem(TickSource ticks = &platform::tickCount) noexcept
-        : options_(paths_, log_, ticks), log_(options_.settings(), paths_, ticks) {}
+    explicit TraceSystem(TickSource ticks = &platform::tickCount) noexcept;
     TraceSystem(const TraceSystem&) = delete;
     TraceSystem& operator=(const TraceSystem&) = delete;
 
@@ -25,7 +24,14 @@ class TraceSystem {
     [[nodiscard]] MessageLog& log() noexcept { return log_; }
     [[nodiscard]] ErrorId& errorId() noexcept { return errorId_; }
 
+    // Around a fork, so that the child can trace whatever the other threads were doing.
+    void beforeFork();
+    void afterForkInParent();
+    void afterForkInChild();
+
   private:
+    void releaseAll();
+
     LogPaths paths_;
     Options options_;
     MessageLog log_;

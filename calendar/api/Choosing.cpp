@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "calendar/api/Calls.h"
+#include "calendar/zones/WorldZones.h"
 
 namespace qel::calendar::api {
 
@@ -12,6 +13,13 @@ namespace {
 int refuse(std::string_view value, std::string_view expected) {
     return fail(QELCAL_INVALID_ARGUMENT,
                 "\"" + std::string(value) + "\" cannot be chosen: " + std::string(expected));
+}
+
+int chooseZone(Choices& choices, std::string_view value) {
+    const auto zone = worldZoneMeant(value);
+    if (!zone && !value.empty()) return fail(QELCAL_INVALID_ARGUMENT, noWorldZone(value));
+    choices.zone = zone ? worldZoneName(*zone) : std::string_view();
+    return QELCAL_OK;
 }
 
 int chooseCountMeans(Choices& choices, std::string_view value) {
@@ -37,8 +45,7 @@ int choose(Choices& choices, int choice, const char* value) {
     return guarded([&] {
         switch (choice) {
             case QELCAL_CHOOSE_ZONE:
-                choices.zone = text;
-                return int{QELCAL_OK};
+                return chooseZone(choices, text);
             case QELCAL_CHOOSE_CHARSET:
                 choices.characterSet = text;
                 return int{QELCAL_OK};

@@ -3,32 +3,60 @@
 #ifndef QEL_CALENDAR_BASE_ARENA_H
 #define QEL_CALENDAR_BASE_ARENA_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <memory_resource>
 #include <string_view>
+#include <vector>
 
 namespace qel::calendar {
 
 class Arena {
   public:
+    Arena() = default;
+    Arena(const Arena&) = delete;
+    Arena& operator=(const Arena&) = delete;
+
     // A copy that is valid until clear().
     [[nodiscard]] std::string_view keep(std::string_view text) {
         if (text.empty()) return {};
-        void* const bytes = texts_.allocate(text.size(), 1);
+        if (text.size() > left_) addBlock(text.size());
+        char* const bytes = next_;
         std::memcpy(bytes, text.data(), text.size());
-        return {static_cast<const char*>(bytes), text.size()};
+        next_ += text.size();
+        left_ -= text.size();
+        return {bytes, text.size()};
     }
 
     // Drops all copies. The first block stays for the next ones.
-    void clear() { texts_.release(); }
+    void clear() {
+        more_.clear();
+        next_ = first_.get();
+        left_ = kBlock;
+    }
 
   private:
     static constexpr std::size_t kBlock = 16384;
 
-    std::unique_ptr<std::byte[]> first_ = std::make_unique_for_overwrite<std::byte[]>(kBlock);
-    std::pmr::monotonic_buffer_resource texts_{first_.get(), kBlock};
+    using Block = std::unique_ptr<char[]>;
+
+    // Not std::make_unique: it would clear the bytes first.
+    [[nodiscard]] static Block newBlock(std::size_t size) { return Block(new char[size]); }
+
+    // Blocks grow with their number, so that a long text takes few of them.
+    void addBlock(std::size_t least) {
+        const std::size_t size =
+            std::max(kBlock << std::min<std::size_t>(more_.size() + 1, 8), least);
+        more_.push_back(newBlock(size));
+        next_ = more_.back().get();
+        left_ = size;
+    }
+
+    Block first_ = newBlock(kBlock);
+    std::vector<Block> more_;
+    char* next_ = first_.get();
+    std::size_t left_ = kBlock;
 };
 
 }  // namespace qel::calendar

@@ -4,6 +4,7 @@
 #define QEL_CALENDAR_BASE_DAYS_H
 
 #include <chrono>
+#include <cstdint>
 
 namespace qel::calendar {
 
@@ -43,6 +44,11 @@ inline constexpr std::chrono::sys_days kDayZero =
 
 [[nodiscard]] constexpr int daysInYear(int year) {
     return dayNumber(year + 1, 1, 1) - dayNumber(year, 1, 1);
+}
+
+// In seconds since 1 January 1900.
+[[nodiscard]] constexpr std::int64_t yearBegin(int year) {
+    return std::int64_t{dayNumber(year, 1, 1)} * kDaySeconds;
 }
 
 static_assert(dayNumber(1900, 1, 1) == 0 && dayNumber(2005, 6, 15) == 38516);

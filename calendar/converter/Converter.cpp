@@ -49,17 +49,17 @@ class ZoneStore {
         const std::size_t cost = zone->cost();
         if (bytes_ + cost > kMostZoneBytes) return;
         // The same name may be described twice; the later one counts from there on.
-        ZonePtr& place = zones[zone->id()];
+        ZonePtr& place = known.described[zone->id()];
         bytes_ += cost - (place == nullptr ? 0 : place->cost());
         place = zone;
     }
 
     void clear() {
-        zones.clear();
+        known.described.clear();
         bytes_ = 0;
     }
 
-    ZoneMap zones;
+    KnownZones known;
 
   private:
     std::size_t bytes_ = 0;
@@ -75,8 +75,8 @@ class Converter::File {
           observer_(owner.observer_),
           wantsLines_(observer_ != nullptr && observer_->wantsLines()),
           reader_(noteSink()),
-          vCalReader_(owner.zones_->zones, choices_, noteSink()),
-          iCalReader_(owner.zones_->zones, choices_, noteSink()) {}
+          vCalReader_(owner.zones_->known, choices_, noteSink()),
+          iCalReader_(owner.zones_->known, choices_, noteSink()) {}
 
     // REQUIRES: at most kPiece bytes, so that what is kept of them stays small.
     void write(std::string_view piece) {

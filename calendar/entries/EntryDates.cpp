@@ -127,7 +127,49 @@ int spanOf(const Entry& entry) {
     return std::min(lastDay - entry.start->day, kLongestSpan);
 }
 
+// The years after a series' start that its rules are expanded for, to see when it ends.
+constexpr int kYearsExpanded = 30;
+
+// The last year of a rule.
+int lastYearOf(const Entry& entry, const Rule& rule, int ahead) {
+    const int first = civilOf(entry.start->day).year;
+    if (rule.endless()) return first + ahead;
+    if (const auto until = parseMoment(rule.until)) return civilOf(until->day).year;
+    const std::vector<int> days =
+        expandRule(rule, entry.ruleStart(),
+                   {10000, std::min(first + std::max(kYearsExpanded, ahead), kLastYear)});
+    return days.empty() ? first : civilOf(days.back()).year;
+}
+
+// Without those of rules.
+Years yearsOfDates(const Entry& entry) {
+    Years years{9999, 0};
+    const auto include = [&years](const Moment& moment) {
+        const int year = civilOf(moment.day).year;
+        years = {std::min(years.first, year), std::max(years.last, year)};
+    };
+    for (const auto* each : {&entry.start, &entry.end, &entry.due, &entry.completed, &entry.created,
+                             &entry.modified, &entry.recurrenceId})
+        if (*each) include(**each);
+    for (const auto* list : {&entry.dates, &entry.excluded})
+        for (const Moment& each : *list) include(each);
+    return years.last == 0 ? Years{2000, 2000} : years;
+}
+
 }  // namespace
+
+int firstYearOf(const Entry& entry) {
+    return yearsOfDates(entry).first;
+}
+
+Years yearsOf(const Entry& entry, int ahead) {
+    Years years = yearsOfDates(entry);
+    if (!entry.start) return years;
+    for (const EntryRule& each : entry.rules)
+        for (const Rule& rule : each.rules)
+            years.last = std::max(years.last, lastYearOf(entry, rule, ahead));
+    return years;
+}
 
 std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range) {
     std::vector<Moment> found;

@@ -31,6 +31,11 @@ bool isEncodingWord(std::string_view value) {
                        [&](std::string_view word) { return equalsIgnoreCase(word, value); });
 }
 
+EntryReader::EntryReader(KnownZones& zones, const Choices& choices, NoteSink sink)
+    : zones_(zones), choices_(choices), sink_(std::move(sink)) {
+    if (const auto chosen = findWorldZone(choices_.zone)) chosenZone_ = zones_.world.zone(*chosen);
+}
+
 Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     if (!beginEntry(component, zone)) return nullptr;
     for (const ContentLine& line : component.properties) takeLine(line);
@@ -58,6 +63,7 @@ bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
     entry_.component = component.name;
     entry_.line = component.number;
     entry_.zone = zone;
+    if (zone == nullptr && ruleForm() == RuleForm::VCalendar10) entry_.zone = chosenZone_;
     if (component.name == "VEVENT") {
         entry_.kind = EntryKind::Event;
     } else if (component.name == "VTODO") {
@@ -161,16 +167,13 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     auto result = parseMoment(value);
     if (!result || result->isDate || result->clock == Clock::Utc) return result;
     const std::string_view id = line.parameter("TZID");
-    ZonePtr zone = entry_.zone;
-    if (!id.empty()) {
-        const auto found = zones_.find(id);
-        if (found == zones_.end()) {
-            reportUnknownZone(line, id);
-            return result;
-        }
-        zone = found->second;
-    }
+    ZonePtr zone = entry_.zone == nullptr ? chosenZone_ : entry_.zone;
+    if (!id.empty()) zone = zoneNamed(line, id);
     if (zone == nullptr) return result;
+    if (isUtc(*zone)) {
+        result->clock = Clock::Utc;
+        return result;
+    }
     result->clock = Clock::Zoned;
     if (entry_.zone == nullptr) {
         entry_.zone = zone;
@@ -181,12 +184,34 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     return result;
 }
 
-void EntryReader::reportUnknownZone(const ContentLine& line, std::string_view id) {
-    if (unknownZones_.contains(id)) return;
+ZonePtr EntryReader::zoneNamed(const ContentLine& line, std::string_view id) {
+    const auto described = zones_.described.find(id);
+    if (described != zones_.described.end()) return described->second;
+    const auto known = undescribed_.find(id);
+    return known != undescribed_.end() ? known->second : undescribedZone(line, id);
+}
+
+ZonePtr EntryReader::undescribedZone(const ContentLine& line, std::string_view id) {
+    ZonePtr zone;
+    const std::string_view shown = id.substr(0, kLongestExcerpt);
+    if (const auto meant = worldZoneMeant(id)) {
+        zone = zones_.world.zone(*meant);
+        report(Note(NoteCode::ZoneOfDatabase, line.number, {line.name, shown, zone->id()}));
+    } else {
+        report(Note(NoteCode::EntryZoneUnknown, line.number, {line.name, shown}));
+    }
     // A file with more of them is not a calendar but an attack on this memory.
-    if (unknownZones_.size() < kMostUnknownZones) unknownZones_.emplace(id.substr(0, kLongestZone));
-    report(
-        Note(NoteCode::EntryZoneUnknown, line.number, {line.name, id.substr(0, kLongestExcerpt)}));
+    if (undescribed_.size() < kMostUnknownZones && id.size() <= kLongestZone)
+        undescribed_.emplace(id, zone);
+    return zone;
+}
+
+void EntryReader::moveSeriesToZone() {
+    if (isUtc(*entry_.zone)) return;
+    for (std::optional<Moment>* each :
+         {&entry_.start, &entry_.end, &entry_.due, &entry_.recurrenceId})
+        if (*each && !(*each)->isDate && (*each)->clock == Clock::Utc)
+            *each = entry_.zone->toLocal(**each);
 }
 
 void EntryReader::takeDuration(const ContentLine& line) {

@@ -6,7 +6,6 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,18 +14,21 @@
 #include "calendar/entries/Entry.h"
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/rules/RuleReader.h"
+#include "calendar/zones/WorldZones.h"
 
 namespace qel::calendar {
 
-// By TZID.
-using ZoneMap = std::map<std::string, ZonePtr, std::less<>>;
+// The zones that a file may name.
+struct KnownZones {
+    std::map<std::string, ZonePtr, std::less<>> described;  // in the file, by TZID
+    WorldZones world;
+};
 
-// Reads the entries of one file. A zone that is not described is reported once.
+// Reads the entries of one file. A zone that the file does not describe is reported once.
 class EntryReader {
   public:
     // REQUIRES: `zones` and `choices` outlive the reader.
-    EntryReader(const ZoneMap& zones, const Choices& choices, NoteSink sink)
-        : zones_(zones), choices_(choices), sink_(std::move(sink)) {}
+    EntryReader(KnownZones& zones, const Choices& choices, NoteSink sink);
     virtual ~EntryReader() = default;
     EntryReader(const EntryReader&) = delete;
     EntryReader& operator=(const EntryReader&) = delete;
@@ -67,6 +69,11 @@ class EntryReader {
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
 
     [[nodiscard]] const Choices& choices() const { return choices_; }
+    // The zone that was chosen for times without one, or null.
+    [[nodiscard]] const ZonePtr& chosenZone() const { return chosenZone_; }
+    [[nodiscard]] bool fileDescribesZones() const { return !zones_.described.empty(); }
+    // A series in UTC moves to the clock of the entry's zone.
+    void moveSeriesToZone();
 
     Entry entry_;
 
@@ -79,20 +86,23 @@ class EntryReader {
     void takeUid(const ContentLine& line);
     void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
     void takeDateList(const ContentLine& line);
-    void reportUnknownZone(const ContentLine& line, std::string_view id);
+    [[nodiscard]] ZonePtr zoneNamed(const ContentLine& line, std::string_view id);
+    [[nodiscard]] ZonePtr undescribedZone(const ContentLine& line, std::string_view id);
     [[nodiscard]] std::string carriedName(const ContentLine& line) const;
     [[nodiscard]] bool beginEntry(const Component& component, const ZonePtr& zone);
     void startSeriesAtDue();
     void takeRecurrence();
     void readRuleLines();
 
-    const ZoneMap& zones_;
+    KnownZones& zones_;
     const Choices& choices_;
+    ZonePtr chosenZone_;
     NoteSink sink_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
-    Arena texts_;                                      // decoded ones, of the entry that is read
-    std::set<std::string, std::less<>> unknownZones_;  // reported
+    Arena texts_;  // decoded ones, of the entry that is read
+    // By TZID; null for one that means no zone. All of them have been reported.
+    std::map<std::string, ZonePtr, std::less<>> undescribed_;
 };
 
 // True for the words that name an encoding, where a value is given without its parameter's name.

@@ -50,6 +50,18 @@ void ICalReader::takeAttachment(const ContentLine& line) {
         add(line, line.name, EntryProperty::Type::Base64, *clean, ownParameters(line, true));
 }
 
+// A file that names no zone at all has its series in UTC because its program knew no better.
+void ICalReader::settleTimes() {
+    if (chosenZone() == nullptr || fileDescribesZones() || entry_.zone != nullptr) return;
+    const std::optional<Moment>& start = entry_.start;
+    if (!start || start->isDate || start->clock != Clock::Utc) return;
+    if (!hasRecurrence() && !entry_.recurrenceId) return;
+    // The days of its rule are those of UTC.
+    if (chosenZone()->toLocal(*start).day != start->day) return;
+    entry_.zone = chosenZone();
+    moveSeriesToZone();
+}
+
 void ICalReader::takeProperty(const ContentLine& line) {
     const bool binary = isBase64(line);
     if (binary && line.id == PropertyName::Attach) return takeAttachment(line);

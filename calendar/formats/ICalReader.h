@@ -20,6 +20,7 @@ class ICalReader final : public EntryReader {
     [[nodiscard]] std::string_view carryPrefix() const override { return kICalendarPrefix; }
     void takeProperty(const ContentLine& line) override;
     [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
+    void settleTimes() override;
 
     // A Base64 value.
     void takeAttachment(const ContentLine& line);

@@ -1,7 +1,10 @@
 #include "calendar/formats/ICalWriter.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "calendar/base/Days.h"
+#include "calendar/entries/EntryDates.h"
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/ICalSettle.h"
 #include "calendar/text/ContentText.h"
@@ -13,6 +16,10 @@ namespace {
 
 // Zones that one calendar describes; a file with more of them gets another calendar.
 constexpr std::size_t kMostZones = 1000;
+// Zones are described from then on, from earlier on for an earlier entry.
+constexpr int kUsualFirstYear = 1970;
+// Of series without an end: so many years the clocks of two zones have to agree.
+constexpr int kYearsAhead = 50;
 
 }  // namespace
 
@@ -48,9 +55,9 @@ void ICalWriter::write(const Entry& read) {
     alarmLines_.clear();
     ICalEntry formatted(settled, lines_, alarmLines_);
     formatted.addLines();
-    if (zones_.size() >= kMostZones) close();
+    if (zones_.size() >= kMostZones || (formatted.usesZone() && !holdsZoneOf(entry))) close();
     open();
-    if (formatted.usesZone()) writeZone(*entry.zone);
+    if (formatted.usesZone()) writeZoneOf(entry);
     const char* name = entry.kind == EntryKind::Event  ? "VEVENT"
                        : entry.kind == EntryKind::Todo ? "VTODO"
                                                        : "VJOURNAL";
@@ -64,9 +71,24 @@ void ICalWriter::write(const Entry& read) {
     put(name);
 }
 
-void ICalWriter::writeZone(const Zone& zone) {
-    if (!zones_.insert(zone.id()).second) return;
-    for (const std::string& each : vTimezoneLines(zone)) fold(each);
+bool ICalWriter::holdsZoneOf(const Entry& entry) const {
+    const auto found = zones_.find(entry.zone->id());
+    if (found == zones_.end()) return true;
+    const auto& [zone, since] = found->second;
+    if (since != 0 && !sameBefore(*zone, firstYearOf(entry), since)) return false;
+    if (zone == entry.zone) return true;
+    // The same name may mean another zone in another file. No matter while the clocks agree.
+    const Years years = yearsOf(entry, kYearsAhead);
+    return agree(*zone, *entry.zone, yearBegin(years.first), yearBegin(years.last + 1));
+}
+
+void ICalWriter::writeZoneOf(const Entry& entry) {
+    const Zone& zone = *entry.zone;
+    if (zones_.contains(zone.id())) return;
+    int since = 0;
+    if (isDescribedByChanges(zone)) since = std::min(kUsualFirstYear, firstYearOf(entry));
+    for (const std::string& each : vTimezoneLines(zone, since)) fold(each);
+    zones_.emplace(zone.id(), DescribedZone{entry.zone, since});
 }
 
 void ICalWriter::fold(std::string_view line) {

@@ -4,7 +4,7 @@
 #define QEL_CALENDAR_FORMATS_ICALWRITER_H
 
 #include <functional>
-#include <set>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,14 +23,20 @@ class ICalWriter final : public EntryWriter {
   private:
     void open();
     void close();
-    void writeZone(const Zone& zone);
+    // True when the open calendar can describe the entry's zone, or describes it already.
+    [[nodiscard]] bool holdsZoneOf(const Entry& entry) const;
+    void writeZoneOf(const Entry& entry);
     void fold(std::string_view line);
 
     std::vector<std::string> header_;  // of the next calendar
     std::vector<std::string> written_;
     bool open_ = false;
     bool any_ = false;
-    std::set<std::string, std::less<>> zones_;  // described in the open calendar
+    struct DescribedZone {
+        ZonePtr zone;
+        int since;  // the year from which on its description is right
+    };
+    std::map<std::string, DescribedZone, std::less<>> zones_;  // in the open calendar, by TZID
     // The folded lines of the entry that is being written, and those of its alarms. Members, so
     // that the next entry uses the same memory.
     std::string lines_;

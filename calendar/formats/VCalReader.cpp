@@ -265,10 +265,7 @@ void VCalReader::settleTimes() {
     if (entry_.recurrenceId && entry_.recurrenceId->isDate)
         entry_.recurrenceId = entry_.inClockOf(local, *entry_.recurrenceId);
     if (zone == nullptr || entry_.start->clock != Clock::Utc || !hasRecurrence()) return;
-    for (std::optional<Moment>* each :
-         {&entry_.start, &entry_.end, &entry_.due, &entry_.recurrenceId})
-        if (*each && !(*each)->isDate && (*each)->clock == Clock::Utc)
-            *each = zone->toLocal(**each);
+    moveSeriesToZone();
 }
 
 }  // namespace qel::calendar

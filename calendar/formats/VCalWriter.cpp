@@ -4,10 +4,9 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/base/Days.h"
+#include "calendar/entries/EntryDates.h"
 #include "calendar/formats/VCalEntry.h"
 #include "calendar/formats/VCalSettle.h"
-#include "calendar/rules/Occurrences.h"
 #include "calendar/text/ContentText.h"
 #include "calendar/zones/ZoneText.h"
 
@@ -15,8 +14,11 @@ namespace qel::calendar {
 
 namespace {
 
-// DAYLIGHT lines for an endless series reach this far.
+// Years of a zone beyond those of an entry, so that the entries that follow need no calendar of
+// their own; and after the start of an endless series.
 constexpr int kYearsAhead = 10;
+// More years are not described.
+constexpr int kMostYears = 50;
 
 bool uses(const Entry& entry, Clock clock) {
     const auto is = [&](const Moment& moment) { return !moment.isDate && moment.clock == clock; };
@@ -29,45 +31,12 @@ bool uses(const Entry& entry, Clock clock) {
            std::any_of(entry.alarms.begin(), entry.alarms.end(), isAlarm);
 }
 
-int lastYear(const Entry& entry, const Rule& rule, const RuleLimits& limits) {
-    const std::vector<int> days = expandRule(rule, entry.ruleStart(), limits);
-    return days.empty() ? 0 : civilOf(days.back()).year;
-}
-
-// The years in which the zone's changes matter to this entry.
-std::pair<int, int> yearsOf(const Entry& entry) {
-    int first = 9999;
-    int last = 0;
-    for (const auto* each : {&entry.start, &entry.end, &entry.due, &entry.completed, &entry.created,
-                             &entry.modified, &entry.recurrenceId}) {
-        if (!*each) continue;
-        first = std::min(first, civilOf((*each)->day).year);
-        last = std::max(last, civilOf((*each)->day).year);
-    }
-    for (const auto* list : {&entry.dates, &entry.excluded})
-        for (const Moment& each : *list) last = std::max(last, civilOf(each.day).year);
-    if (first > last) first = last = 2000;
-    if (entry.start) {
-        for (const EntryRule& each : entry.rules) {
-            for (const Rule& rule : each.rules) {
-                RuleLimits limits;
-                limits.most = 10000;
-                limits.lastYear = std::min(civilOf(entry.start->day).year + 30, 2499);
-                const int end = rule.endless() ? civilOf(entry.start->day).year + kYearsAhead
-                                               : lastYear(entry, rule, limits);
-                last = std::max(last, end);
-            }
-        }
-    }
-    return {first, std::min(last, first + 50)};
-}
-
 }  // namespace
 
 void VCalWriter::openFor(const Entry& entry) {
     if (entry.zone != nullptr && uses(entry, Clock::Zoned)) {
-        const auto [first, last] = yearsOf(entry);
-        open(entry.zone, first, last);
+        const Years years = yearsOf(entry, kYearsAhead);
+        open(entry.zone, years.first, std::min(years.last, years.first + kMostYears));
         return;
     }
     const bool dayWithAlarm = entry.start && entry.start->isDate && !entry.alarms.empty();

@@ -80,7 +80,24 @@ bool CalendarReader::parseLine() {
         report(NoteCode::LineTooLong, raw.number,
                {head(line_.name), std::to_string(kLongestLine >> 20)});
     if (line_.openEnd) report(NoteCode::QuotedPrintableBreaksOff, raw.number, {head(line_.name)});
+    const bool marks = line_.id == PropertyName::Begin || line_.id == PropertyName::End;
+    if (line_.wrapped || line_.untidy || raw.bare != 0 || raw.indented ||
+        (marks && !line_.value.empty() && !isAlpha(line_.value.back())))
+        reportUntidy(raw);
     return true;
+}
+
+void CalendarReader::reportUntidy(const RawLine& raw) {
+    if (line_.wrapped) report(NoteCode::TextWrappedByWords, raw.number, {head(line_.name)});
+    if (raw.bare != 0)
+        report(NoteCode::LinesNotFolded, raw.number, {head(line_.name), std::to_string(raw.bare)});
+    if (raw.indented) report(NoteCode::CalendarIndented, raw.number);
+    if (line_.untidy) report(NoteCode::BlanksAroundName, raw.number, {head(line_.name)});
+    if (line_.id != PropertyName::Begin && line_.id != PropertyName::End) return;
+    const std::string_view name = line_.value.substr(0, line_.value.find_last_not_of(" \t:;") + 1);
+    if (trimmed(name).size() == trimmed(line_.value).size()) return;
+    report(NoteCode::ComponentNameUntidy, raw.number, {head(line_.name), head(trimmed(name))});
+    line_.value = name;
 }
 
 // Once for all lines outside calendars since the last one.

@@ -66,6 +66,7 @@ class CalendarReader {
   private:
     LineReader::Result readLine();
     bool parseLine();
+    void reportUntidy(const RawLine& raw);
     [[nodiscard]] bool passesOver(const RawLine& raw) const;
     std::optional<Item> takeLine();
     std::optional<Item> takeOutside();

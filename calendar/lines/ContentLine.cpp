@@ -9,11 +9,12 @@ namespace qel::calendar {
 
 namespace {
 
-// Takes the blanks at `folds` out of `text`, from `from` on.
-void eraseFolds(std::string& text, std::vector<std::size_t>& folds, std::size_t from) {
-    std::size_t write = from;
-    auto fold = std::lower_bound(folds.begin(), folds.end(), from);
-    for (std::size_t read = from; read < text.size(); ++read) {
+// Takes the characters at `folds`, ascending, out of `text`.
+void eraseFolds(std::string& text, const std::vector<std::size_t>& folds) {
+    if (folds.empty()) return;
+    std::size_t write = folds.front();
+    auto fold = folds.begin();
+    for (std::size_t read = write; read < text.size(); ++read) {
         if (fold != folds.end() && *fold == read) {
             ++fold;
             continue;
@@ -23,9 +24,99 @@ void eraseFolds(std::string& text, std::vector<std::size_t>& folds, std::size_t 
     text.resize(write);
 }
 
-bool foldedByWidth(const RawLine& raw) {
-    if (raw.folds.size() == 1) return raw.widest >= 74 && raw.widest <= 76;
-    return raw.widest == raw.narrowest && raw.widest >= 70;
+bool isFoldBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+bool isHexDigit(char c) {
+    return isDigit(c) || (toUpper(c) >= 'A' && toUpper(c) <= 'F');
+}
+
+// What the folds of a line tell about the program that made them.
+class Folding {
+  public:
+    explicit Folding(const RawLine& raw) : raw_(raw) {
+        std::size_t last = 0;
+        for (std::size_t each = 0; each < raw.folds.size(); ++each) {
+            const std::size_t fold = raw.folds[each];
+            measure(std::string_view(raw.text).substr(last, fold - last));
+            afterBlank_ = afterBlank_ || (fold > 0 && isFoldBlank(raw.text[fold - 1]));
+            beforeBlank_ =
+                beforeBlank_ || (fold + 1 < raw.text.size() && isFoldBlank(raw.text[fold + 1]));
+            last = fold;
+        }
+    }
+
+    // All lines before a fold are of one width, however long the words are. A character is not
+    // divided, so a line may lack the rest of one.
+    [[nodiscard]] bool byWidth() const {
+        if (raw_.folds.size() == 1) return widest_ >= 74 && widest_ <= 76;
+        const bool one = widest_ == narrowest_ || widestText_ == narrowestText_ ||
+                         (widest_ - narrowest_ <= 3 && widest_ != widestText_);
+        return one && widest_ >= 70;
+    }
+
+    // A fold that a blank precedes is not where the text has its blank.
+    [[nodiscard]] bool afterBlank() const { return afterBlank_; }
+
+    // No word would have fitted into the line before it, and the lines are of many widths: each
+    // fold is the blank between two words.
+    [[nodiscard]] bool betweenWords() const {
+        if (raw_.folds.size() < 2 || afterBlank_ || beforeBlank_ || widest_ - narrowest_ <= 3 ||
+            widestText_ - narrowestText_ <= 3 || widest_ < 40)
+            return false;
+        std::size_t last = 0;
+        for (const std::size_t fold : raw_.folds) {
+            std::size_t end = fold + 1;
+            while (end < raw_.text.size() && end - fold <= kLongestWord + 1 &&
+                   !isFoldBlank(raw_.text[end]))
+                ++end;
+            const std::size_t word = end - fold - 1;
+            if (word > kLongestWord || fold - last + 1 + word <= widest_) return false;
+            last = fold;
+        }
+        return true;
+    }
+
+  private:
+    static constexpr std::size_t kLongestWord = 40;
+
+    void measure(std::string_view line) {
+        const auto bytes =
+            static_cast<std::size_t>(std::count_if(line.begin(), line.end(), [](char c) {
+                return (static_cast<unsigned char>(c) & 0xC0U) != 0x80;
+            }));
+        widest_ = std::max(widest_, line.size());
+        narrowest_ = std::min(narrowest_, line.size());
+        widestText_ = std::max(widestText_, bytes);
+        narrowestText_ = std::min(narrowestText_, bytes);
+    }
+
+    const RawLine& raw_;
+    // Of the physical lines before a fold, in octets and in characters of UTF-8.
+    std::size_t widest_ = 0;
+    std::size_t narrowest_ = kLongestLine;
+    std::size_t widestText_ = 0;
+    std::size_t narrowestText_ = kLongestLine;
+    bool afterBlank_ = false;
+    bool beforeBlank_ = false;
+};
+
+// True where a blank at `at` would be within a character: between bytes of one in UTF-8, or within
+// the code of one in quoted-printable. No text has a blank there.
+bool dividesCharacter(const RawLine& raw, std::size_t at) {
+    const std::string_view text = raw.text;
+    if (at == 0 || at + 1 >= text.size()) return false;
+    const auto isRest = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; };
+    if (isRest(text[at + 1]) && static_cast<unsigned char>(text[at - 1]) >= 0x80) return true;
+    if (!raw.quotedPrintable) return false;
+    const bool hexFollows = isHexDigit(text[at + 1]);
+    if (hexFollows && at + 2 < text.size() && isHexDigit(text[at + 2]) && text[at - 1] == '=')
+        return true;
+    if (hexFollows && at >= 2 && text[at - 2] == '=' && isHexDigit(text[at - 1])) return true;
+    const auto isHigh = [](char c) { return c > '7' && isHexDigit(c); };
+    return at >= 3 && at + 2 < text.size() && text[at - 3] == '=' && isHigh(text[at - 2]) &&
+           text[at + 1] == '=' && text[at + 2] >= '8' && toUpper(text[at + 2]) <= 'B';
 }
 
 bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
@@ -33,28 +124,53 @@ bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
     for (std::size_t at = from; at < raw.text.size(); ++at)
         if (fold != raw.folds.end() && *fold == at)
             ++fold;
-        else if (raw.text[at] == ' ' || raw.text[at] == '\t')
+        else if (isFoldBlank(raw.text[at]))
             return true;
     return false;
 }
 
-// Undoes the folds of the head always as iCalendar does, those of the value by `style`.
-void unfold(RawLine& raw, FoldStyle style) {
-    if (raw.folds.empty()) return;
+bool keepsBlanks(const RawLine& raw, FoldStyle style, std::size_t colon, bool& byWords) {
+    const auto divides = [&](std::size_t at) { return dividesCharacter(raw, at); };
+    if (!hasBlankBesidesFolds(raw, colon) ||
+        std::any_of(raw.folds.begin(), raw.folds.end(), divides))
+        return false;
+    const Folding folding(raw);
+    if (style == FoldStyle::ICalendar) return byWords = folding.betweenWords();
+    return !folding.byWidth() && !folding.afterBlank();
+}
+
+// Blanks after soft line breaks are the text's, unless there is one after each of several, or one
+// divides a character.
+bool isIndent(const RawLine& raw) {
+    constexpr std::size_t kSeveral = 3;
+    return raw.indents.size() >= kSeveral ||
+           std::any_of(raw.indents.begin(), raw.indents.end(),
+                       [&](std::size_t at) { return dividesCharacter(raw, at); });
+}
+
+// Undoes the folds of the head always as iCalendar does, those of the value by `style`. True when
+// they were kept as the blanks of a text, against iCalendar.
+bool unfold(RawLine& raw, FoldStyle style) {
+    const bool indents = !raw.indents.empty() && isIndent(raw);
+    if (raw.folds.empty() && !indents) return false;
     const std::size_t colon = std::min(raw.colon, raw.text.size());
-    const bool eraseAll =
-        style == FoldStyle::ICalendar || foldedByWidth(raw) || !hasBlankBesidesFolds(raw, colon);
-    if (eraseAll) {
-        eraseFolds(raw.text, raw.folds, 0);
-    } else {
-        std::string head = raw.text.substr(0, colon);
-        raw.text.erase(0, colon);
-        std::erase_if(raw.folds, [&](std::size_t fold) { return fold >= colon; });
-        eraseFolds(head, raw.folds, 0);
-        raw.text.insert(0, head);
+    bool byWords = false;
+    const bool keeps = !raw.folds.empty() && keepsBlanks(raw, style, colon, byWords);
+    std::vector<std::size_t> erased = std::move(raw.folds);
+    if (keeps) {
+        for (const std::size_t fold : erased)
+            if (fold >= colon) raw.text[fold] = ' ';
+        std::erase_if(erased, [&](std::size_t fold) { return fold >= colon; });
     }
+    if (indents) {
+        const auto middle = erased.insert(erased.end(), raw.indents.begin(), raw.indents.end());
+        std::inplace_merge(erased.begin(), middle, erased.end());
+    }
+    eraseFolds(raw.text, erased);
     raw.folds.clear();
+    raw.indents.clear();
     raw.colon = findColon(raw.text);
+    return byWords;
 }
 
 // Each character of a name in capitals; 0 for those that no name has.
@@ -149,7 +265,7 @@ void ContentLine::moveTo(Arena& texts) {
 }
 
 bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
-    unfold(raw, style);
+    line.wrapped = unfold(raw, style);
     line.number = raw.number;
     line.parameters.clear();
     line.value = {};
@@ -160,6 +276,7 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     std::string_view head = std::string_view(raw.text).substr(0, colon);
     line.name = takeName(raw.text, head);
     if (line.name.empty()) return false;
+    line.untidy = line.name.data() != raw.text.data() || isBlank(raw.text[line.name.size()]);
     line.id = propertyName(line.name);
     while (!head.empty()) {
         const std::string_view parameter = nextParameter(head);

@@ -29,6 +29,8 @@ struct ContentLine {
     std::string_view value;
     bool cut = false;
     bool openEnd = false;
+    bool wrapped = false;  // its folds are the blanks between its words
+    bool untidy = false;   // blanks beside its name
 
     // The value of the first parameter of that name, else "".
     [[nodiscard]] std::string_view parameter(std::string_view parameterName) const;
@@ -39,8 +41,9 @@ struct ContentLine {
 };
 
 // How a fold is undone. iCalendar (RFC 5545 section 3.1) takes the blank away that begins the next
-// line. vCalendar 1.0 keeps it, as RFC 822 does; but many of its writers fold in the iCalendar way,
-// and their lines give themselves away: all of one width, or a value without any other blank.
+// line. vCalendar 1.0 keeps it, as RFC 822 does. Many writers of either format fold in the other
+// way, and their lines give themselves away: all of one width, or just as wide as their words
+// allow.
 enum class FoldStyle { ICalendar, VCalendar10 };
 
 // False when `raw` is not a property: it has no colon or no valid name. `line` refers to the text

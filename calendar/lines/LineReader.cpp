@@ -1,11 +1,14 @@
 #include "calendar/lines/LineReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/lines/Property.h"
 
 namespace qel::calendar {
 
@@ -39,20 +42,92 @@ bool isBase64Text(std::string_view text) {
                [](char c) { return isAlpha(c) || isDigit(c) || c == '+' || c == '/' || c == '='; });
 }
 
-// The first line of a component or its last; never the rest of a quoted-printable value.
-bool isComponentMark(std::string_view text) {
-    text = trimmed(text);
-    return startsWithIgnoreCase(text, "BEGIN:V") || startsWithIgnoreCase(text, "END:V");
+// Where the "=" of a soft line break at the end of `text` is, else npos. Blanks may follow it. What
+// is before `begin` has been looked at.
+std::size_t softBreak(std::string_view text, std::size_t begin) {
+    std::size_t end = text.size();
+    while (end > begin && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
+    return end > begin && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
 }
 
-// Where the "=" of a soft line break at the end of `text` is, else npos. Blanks may follow it.
-std::size_t softBreak(std::string_view text) {
-    std::size_t end = text.size();
-    while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
-    return end > 0 && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
+bool isFoldBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
+bool hasLowerCase(std::string_view text) {
+    return std::any_of(
+        text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
+}
+
+// The capitals, digits and "-" of which names nearly always consist.
+constexpr auto kUsualNameCharacters = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t each = 0; each < table.size(); ++each) {
+        const char c = static_cast<char>(each);
+        table[each] = (c >= 'A' && c <= 'Z') || isDigit(c) || c == '-';
+    }
+    return table;
+}();
+
+// False for a line that surely has no name of those that takesBareLines() looks for.
+bool mayBeText(std::string_view line) {
+    if (line.size() < 2) return false;
+    const char second = toUpper(line[1]);
+    switch (toUpper(line[0])) {
+        case 'D':
+        case 'R':
+            return second == 'E';
+        case 'S':
+            return second == 'U';
+        case 'C':
+            return second == 'O' || second == 'A';
+        case 'L':
+        case 'B':
+            return second == 'O';
+        case 'A':
+            return second == 'T';
+        default:
+            return toUpper(line[0]) == 'X' || isBlank(line[0]);
+    }
+}
+
+// True for NAME: and NAME; in capitals, as properties nearly always begin.
+bool beginsProperty(std::string_view line) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    while (at != end && kUsualNameCharacters[static_cast<unsigned char>(*at)]) ++at;
+    return at != end && at != line.data() && (*at == ':' || *at == ';');
+}
+
+// The name that a line begins with, as far as it has the form NAME: or NAME;PARAMETER: of one.
+std::string_view nameOf(std::string_view line) {
+    std::size_t length = 0;
+    while (length < line.size() && (isAlpha(line[length]) || isDigit(line[length]) ||
+                                    line[length] == '-' || line[length] == '_'))
+        ++length;
+    std::size_t after = length;
+    while (after < line.size() && isFoldBlank(line[after])) ++after;
+    if (length == 0 || after == line.size()) return {};
+    const bool ends = line[after] == ':' || (line[after] == ';' && findColon(line) != line.npos);
+    return ends ? line.substr(0, length) : std::string_view();
 }
 
 }  // namespace
+
+bool isComponentMark(std::string_view line) {
+    static constexpr std::string_view kNames[] = {"VCALENDAR", "VEVENT",    "VTODO",     "VJOURNAL",
+                                                  "VNOTE",     "VTIMEZONE", "VFREEBUSY", "VALARM",
+                                                  "STANDARD",  "DAYLIGHT"};
+    while (!line.empty() && isFoldBlank(line.back())) line.remove_suffix(1);
+    if (startsWithIgnoreCase(line, "BEGIN:"))
+        line.remove_prefix(6);
+    else if (startsWithIgnoreCase(line, "END:"))
+        line.remove_prefix(4);
+    else
+        return false;
+    return std::any_of(std::begin(kNames), std::end(kNames),
+                       [line](std::string_view name) { return equalsIgnoreCase(name, line); });
+}
 
 std::size_t findColon(std::string_view text) {
     static_assert('"' < ':');
@@ -226,14 +301,14 @@ LineReader::Result LineReader::nextPhysical() {
     return Result::Line;
 }
 
-void LineReader::append(bool folded) {
+void LineReader::append(std::string_view text) {
     // A fold costs memory too, however little there is between two of them.
     constexpr std::size_t kFoldCost = 4 * sizeof(std::size_t);
-    const std::size_t used = line_.text.size() + line_.folds.size() * kFoldCost;
+    const std::size_t folds = line_.folds.size() + line_.indents.size();
+    const std::size_t used = line_.text.size() + folds * kFoldCost;
     const std::size_t room = kLongestLine - std::min(used, kLongestLine);
-    line_.cut = line_.cut || aheadCut_ || ahead_.size() > room;
-    if (folded && room > 0) line_.folds.push_back(line_.text.size());
-    line_.text += ahead_.substr(0, room);
+    line_.cut = line_.cut || aheadCut_ || text.size() > room;
+    line_.text += text.substr(0, room);
 }
 
 LineReader::Result LineReader::next() {
@@ -255,14 +330,19 @@ LineReader::Result LineReader::next() {
 
 void LineReader::beginLine() {
     line_.folds.clear();
-    line_.narrowest = 0;
-    line_.widest = 0;
+    line_.indents.clear();
+    line_.bare = 0;
     line_.openEnd = false;
+    line_.indented = false;
     line_.number = aheadNumber_;
     line_.text = ahead_;
     line_.cut = aheadCut_;
     line_.colon = findColon(line_.text);
     width_ = line_.text.size();
+    headEnd_ = line_.colon == std::string::npos ? 0 : width_;
+    pieceBegin_ = 0;
+    softBreaks_ = 0;
+    emptyLines_ = 0;
     encoding_ = encodingBefore(line_.colon, line_.text);
     inLine_ = true;
     joined_ = false;
@@ -270,24 +350,36 @@ void LineReader::beginLine() {
 
 // Adds the physical line to the joined one; false when another one begins with it.
 bool LineReader::join() {
-    const std::size_t soft =
-        encoding_ == LineEncoding::QuotedPrintable ? softBreak(line_.text) : std::string::npos;
+    // Most lines are done here.
+    if (encoding_ == LineEncoding::Plain && !ahead_.empty() && !isFoldBlank(ahead_.front()) &&
+        line_.bare == 0 && !mayBeText(line_.text))
+        return false;
+    const std::size_t soft = encoding_ == LineEncoding::QuotedPrintable
+                                 ? softBreak(line_.text, pieceBegin_)
+                                 : std::string::npos;
+    const std::size_t begin = line_.text.size();
     if (soft != std::string::npos) {
-        line_.text.erase(soft);
-        line_.openEnd = isComponentMark(ahead_);
-        if (line_.openEnd) return false;
-        append(false);
+        if (!joinSoft(soft)) return false;
     } else if (encoding_ == LineEncoding::Base64 && isBase64Text(trimmed(ahead_))) {
         ahead_ = trimmed(ahead_);
-        append(false);
-    } else if (!ahead_.empty() && (ahead_.front() == ' ' || ahead_.front() == '\t')) {
-        line_.narrowest = line_.folds.empty() ? width_ : std::min(line_.narrowest, width_);
-        line_.widest = std::max(line_.widest, width_);
-        append(true);
+        append(ahead_);
+    } else if (!ahead_.empty() && isFoldBlank(ahead_.front())) {
+        if (startsIndented()) return false;
+        append(ahead_);
+        if (line_.text.size() > begin) line_.folds.push_back(begin);
+    } else if ((line_.colon != std::string::npos && beginsProperty(ahead_)) || !takesBareLines()) {
+        return false;
+    } else if (ahead_.empty()) {
+        ++emptyLines_;
+        return true;
+    } else if (isBareText()) {
+        appendBare();
     } else {
         return false;
     }
+    emptyLines_ = 0;
     width_ = ahead_.size();
+    pieceBegin_ = std::min(begin, line_.text.size());
     joined_ = true;
     // A property's name and parameters are not that long; looking on would take time.
     if (line_.colon == std::string::npos && line_.text.size() < kLongestHead) {
@@ -297,12 +389,99 @@ bool LineReader::join() {
     return true;
 }
 
+bool LineReader::joinSoft(std::size_t soft) {
+    line_.text.erase(soft);
+    line_.openEnd = isComponentMark(ahead_);
+    if (line_.openEnd) return false;
+    const std::size_t begin = line_.text.size();
+    append(ahead_);
+    const bool indented =
+        line_.text.size() > begin && isFoldBlank(ahead_.front()) && !trimmed(ahead_).empty();
+    if (indented && line_.indents.size() == softBreaks_)
+        line_.indents.push_back(begin);
+    else
+        line_.indents.clear();
+    ++softBreaks_;
+    return true;
+}
+
+// Some files indent what is in a component. Folds look the same, but nothing can be added to the
+// first line of a component, so the first indented line after one tells.
+bool LineReader::startsIndented() {
+    if (!indented_) {
+        if (joined_ || !isComponentMark(line_.text) || nameOf(trimmed(ahead_)).empty())
+            return false;
+        indented_ = line_.indented = true;
+    }
+    const std::string_view line = trimmed(ahead_);
+    const std::string_view name = nameOf(line);
+    if (name.empty()) return false;
+    if (!startsWithIgnoreCase(name, "X-") && propertyName(upper(name)) == PropertyName::Unknown)
+        return false;
+    ahead_.remove_prefix(static_cast<std::size_t>(line.data() - ahead_.data()));
+    return true;
+}
+
+// True when what follows may be the rest of the line without any sign of it: phones break long
+// texts, and leave line breaks of a text as they are.
+bool LineReader::takesBareLines() const {
+    if (line_.bare != 0) return true;
+    if (encoding_ == LineEncoding::Base64) return false;
+    const std::size_t end = std::min(line_.text.find_first_of(";:"), line_.text.size());
+    const std::string name = upper(trimmed(std::string_view(line_.text).substr(0, end)));
+    switch (propertyName(name)) {
+        case PropertyName::Description:
+        case PropertyName::Summary:
+        case PropertyName::Location:
+        case PropertyName::Comment:
+        case PropertyName::Contact:
+        case PropertyName::Body:
+        case PropertyName::Categories:
+        case PropertyName::Resources:
+            return end < headEnd_;
+        case PropertyName::Attendee:
+            return end < line_.text.size();
+        default:
+            return end < headEnd_ && name.starts_with("X-");
+    }
+}
+
+// True for a line that is no property. Prose has colons too: "Where: at home", "http://...".
+bool LineReader::isBareText() const {
+    const std::string_view name = nameOf(ahead_);
+    // A name alone: its value may be folded.
+    if (name.empty()) return propertyName(upper(trimmed(ahead_))) == PropertyName::Unknown;
+    // A parameter has been broken off; "NEEDS ACTION" is the only one with a blank.
+    if (line_.colon == std::string::npos)
+        return equalsIgnoreCase(name, "ACTION") && line_.text.ends_with("NEEDS");
+    const std::string_view own = std::string_view(line_.text).substr(0, name.size());
+    if (!hasLowerCase(name) || hasLowerCase(own) || isComponentMark(ahead_)) return false;
+    const std::string_view rest = ahead_.substr(name.size());
+    if (rest.starts_with("://") || rest.starts_with(": ")) return true;
+    return line_.bare != 0 && propertyName(upper(name)) == PropertyName::Unknown;
+}
+
+// Lines of the width that folding gives were broken by it; others end where the text's lines do.
+void LineReader::appendBare() {
+    const bool byWidth = emptyLines_ == 0 && width_ >= 70 && width_ <= 80;
+    const bool broken = encoding_ == LineEncoding::QuotedPrintable &&
+                        (line_.text.ends_with("=0A") || line_.text.ends_with("=0D"));
+    if (line_.colon == std::string::npos) {
+        if (!byWidth) append(" ");
+    } else if (!byWidth && !(broken && emptyLines_ == 0)) {
+        append(std::string(std::min(emptyLines_, kLongestLine) + (broken ? 0 : 1), '\n'));
+    }
+    append(ahead_);
+    ++line_.bare;
+}
+
 void LineReader::finishLine() {
     inLine_ = false;
     // Quotes that do not close before the end of the first line may close after it.
     if (joined_) line_.colon = findColon(line_.text);
-    if (hasAhead_ || encoding_ != LineEncoding::QuotedPrintable) return;
-    const std::size_t soft = softBreak(line_.text);
+    line_.quotedPrintable = encoding_ == LineEncoding::QuotedPrintable;
+    if (hasAhead_ || !line_.quotedPrintable) return;
+    const std::size_t soft = softBreak(line_.text, pieceBegin_);
     if (soft == std::string::npos) return;
     line_.text.erase(soft);
     line_.openEnd = true;

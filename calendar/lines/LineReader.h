@@ -20,11 +20,14 @@ struct RawLine {
     std::size_t number = 0;          // of its first physical line, from 1
     std::string text;                // each fold's first blank is still there
     std::vector<std::size_t> folds;  // where in text those blanks are
-    std::size_t colon = 0;           // the one before the value; npos without one
-    std::size_t narrowest = 0;       // octets of the shortest physical line before a fold
-    std::size_t widest = 0;          // and of the longest
-    bool cut = false;                // longer than kLongestLine; the rest was skipped
-    bool openEnd = false;            // a soft line break of quoted-printable with nothing after it
+    // Where the blanks are that begin the lines after soft line breaks; empty unless all do.
+    std::vector<std::size_t> indents;
+    std::size_t colon = 0;  // the one before the value; npos without one
+    std::size_t bare = 0;   // lines that were joined although nothing folds them
+    bool quotedPrintable = false;
+    bool cut = false;       // longer than kLongestLine; the rest was skipped
+    bool openEnd = false;   // a soft line break of quoted-printable with nothing after it
+    bool indented = false;  // from the next line on, blanks begin lines that are not folded
 };
 
 class LineReader {
@@ -39,8 +42,9 @@ class LineReader {
 
     // Reads the next line that is not blank into line(). Line ends are LF, CR LF, CR and CR CR LF.
     // A UTF-8 byte-order mark is skipped; UTF-16 with a mark, or that begins with "B", is read as
-    // UTF-8. A quoted-printable value continues after a "=" at a line's end, a Base64 value over
-    // all lines of its alphabet.
+    // UTF-8. A quoted-printable value continues after a "=" at a line's end, unless a whole line
+    // that begins or ends a component follows; a Base64 value over all lines of its alphabet; and a
+    // text over lines that are not properties.
     [[nodiscard]] Result next();
 
     // Until next() is called again; the caller may change it.
@@ -64,7 +68,12 @@ class LineReader {
     [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
     void beginLine();
     [[nodiscard]] bool join();
-    void append(bool folded);
+    [[nodiscard]] bool joinSoft(std::size_t soft);
+    [[nodiscard]] bool startsIndented();
+    [[nodiscard]] bool takesBareLines() const;
+    [[nodiscard]] bool isBareText() const;
+    void appendBare();
+    void append(std::string_view text);
     void finishLine();
 
     std::string_view chunk_;  // in the caller's bytes or in own_
@@ -93,10 +102,18 @@ class LineReader {
 
     RawLine line_;
     LineEncoding encoding_ = LineEncoding::Plain;
-    std::size_t width_ = 0;  // of the last physical line in it
-    bool inLine_ = false;    // more may be joined to it
+    std::size_t width_ = 0;       // of the last physical line in it
+    std::size_t headEnd_ = 0;     // of its first physical line; 0 when that has no colon
+    std::size_t pieceBegin_ = 0;  // where that one begins in its text
+    std::size_t softBreaks_ = 0;
+    std::size_t emptyLines_ = 0;  // after it, part of it when a bare line follows
+    bool inLine_ = false;         // more may be joined to it
     bool joined_ = false;
+    bool indented_ = false;  // blanks begin lines of this file that are not folded
 };
+
+// True for a whole line that begins or ends a calendar or one of its components, in any case.
+[[nodiscard]] bool isComponentMark(std::string_view line);
 
 // Where the value's colon is: the first one outside quotes, or the first one where the quotes do
 // not close before it. npos when there is none.

@@ -218,11 +218,12 @@ std::string fileEnd(const NoteList& notes) {
 }
 
 std::string pageEnd() {
-    return "</main><footer><p>Converted: it is in the result. Changed: a remark says what was put "
-           "in order, or is kept under another name. Not carried over: something of it is "
-           "missing from the result.</p><p>Days of an entry are filled, days taken out of its "
-           "series are struck through. A series shows its first " +
-           std::to_string(kMostMonths) + " months.</p></footer></body></html>\n";
+    return "</main><footer><p>Converted: the entry is in the result. Changed: a message says what "
+           "was corrected or kept under another name. Not carried over: part of the entry is "
+           "missing from the result.</p><p>In the months, days on which an entry takes place are "
+           "filled, and days excluded from its series are struck through. The first " +
+           std::to_string(kMostMonths) +
+           " months of a series are shown.</p></footer></body></html>\n";
 }
 
 }  // namespace qel::calendar

@@ -58,7 +58,7 @@ class Expander {
         found_.push_back(first_);
         const std::int64_t step = std::max(rule_.interval, 1);
         std::vector<int> days;
-        for (std::int64_t period = 0; !done_; period += step) {
+        for (std::int64_t period = firstPeriod(); !done_; period += step) {
             if (!daysOf(period, days)) break;
             for (const int day : days) take(day);
         }
@@ -66,12 +66,21 @@ class Expander {
     }
 
     bool yieldsStart() {
+        if (first_ > last_) return false;
         std::vector<int> days;
-        return first_ <= last_ && daysOf(0, days) &&
-               std::binary_search(days.begin(), days.end(), first_);
+        const std::int64_t before = firstPeriod();
+        for (std::int64_t period = before; period <= -before && daysOf(period, days); ++period)
+            if (std::binary_search(days.begin(), days.end(), first_)) return true;
+        return false;
     }
 
   private:
+    // The start's own is 0, but its week may be numbered in the year before it or after it.
+    [[nodiscard]] std::int64_t firstPeriod() const {
+        const bool byWeek = rule_.frequency == Frequency::Yearly && weekNumbers_.any();
+        return byWeek && rule_.interval <= 1 ? -1 : 0;
+    }
+
     // The occurrences of the period that begins `period` units after the start's, ascending. False
     // past the end.
     bool daysOf(std::int64_t period, std::vector<int>& days) {
@@ -162,15 +171,14 @@ class Expander {
         if (dayNumber(year, 1, 1) > last_) return false;
         if (weekNumbers_.any()) {
             addWeeks(year, days);
-        } else if (yearDays_.any()) {
-            addYearDays(year, days);
         } else if (months_.any()) {
             for (int month = 1; month <= 12; ++month)
                 if (months_.holds(month)) addMonth(year, month, days);
-        } else if (monthDays_.any()) {
-            for (int month = 1; month <= 12; ++month) addMonth(year, month, days);
         } else if (!rule_.days.empty()) {
+            // Without months a position counts in the year, whatever else limits the days.
             addPositions(dayNumber(year, 1, 1), dayNumber(year, 12, 31), days);
+        } else if (monthDays_.any() || yearDays_.any()) {
+            addAll(dayNumber(year, 1, 1), dayNumber(year, 12, 31), days);
         } else if (start_.day <= daysInMonth(year, start_.month)) {
             days.push_back(dayNumber(year, start_.month, start_.day));
         }
@@ -183,11 +191,16 @@ class Expander {
         if (!rule_.days.empty())
             addPositions(first, first + length - 1, days);
         else if (monthDays_.any() || yearDays_.any())
-            for (int each = 0; each < length; ++each) days.push_back(first + each);
+            addAll(first, first + length - 1, days);
         else if (weekNumbers_.any())
             addPosition({0, weekdayOf(first_)}, first, first + length - 1, days);
         else if (start_.day <= length)
             days.push_back(first + start_.day - 1);
+    }
+
+    // For isAllowed to choose from.
+    static void addAll(int first, int last, std::vector<int>& days) {
+        for (int day = first; day <= last; ++day) days.push_back(day);
     }
 
     // BYDAY within the days from `first` to `last`.
@@ -205,16 +218,6 @@ class Expander {
         const int day =
             which.position > 0 ? head + (which.position - 1) * 7 : tail + (which.position + 1) * 7;
         if (day >= first && day <= last) days.push_back(day);
-    }
-
-    void addYearDays(int year, std::vector<int>& days) {
-        const int length = daysInYear(year);
-        const int first = dayNumber(year, 1, 1);
-        for (int each = 1; each <= length; ++each) {
-            const int day = first + each - 1;
-            if (yearDays_.names(each, length) && (rule_.days.empty() || weekdayNamed(day)))
-                days.push_back(day);
-        }
     }
 
     // BYWEEKNO: week 1 is the first with at least four days in the year.

@@ -136,9 +136,12 @@ class PartReader {
         }
     }
 
-    // Positions have a meaning only within a month or a year.
+    // Positions have a meaning only within a month or a year, not within numbered weeks.
     void dropOrdinals() {
-        if (rule_.frequency == Frequency::Monthly || rule_.frequency == Frequency::Yearly) return;
+        const bool byWeek = !rule_.weekNumbers.empty();
+        if (rule_.frequency == Frequency::Monthly ||
+            (rule_.frequency == Frequency::Yearly && !byWeek))
+            return;
         std::vector<RuleDay> days;
         bool dropped = false;
         for (const RuleDay& day : rule_.days) {

@@ -8,10 +8,13 @@ namespace qel::calendar {
 
 namespace {
 
-// WKST affects the dates where weeks are counted or numbered.
+// WKST affects the dates where weeks are numbered or counted, and where a position selects from
+// the days of a week.
 bool weekStartMatters(const Rule& rule) {
-    return !rule.weekNumbers.empty() ||
-           (rule.frequency == Frequency::Weekly && rule.interval > 1 && !rule.days.empty());
+    const bool severalDays =
+        !rule.days.empty() || !rule.monthDays.empty() || !rule.yearDays.empty();
+    return !rule.weekNumbers.empty() || (rule.frequency == Frequency::Weekly && severalDays &&
+                                         (rule.interval > 1 || !rule.setPositions.empty()));
 }
 
 bool isWritten(const RulePart& part, const Rule& rule) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "QelUtility/BxEncodings.h"
 #include "QelUtility/BxQuotedPrintable.h"
@@ -39,13 +40,40 @@ std::optional<std::string> cleanBase64(std::string_view text) {
     return clean;
 }
 
+namespace {
+
+// A text's line may be BEGIN:VEVENT. Where a soft line break leads to such a word, its first letter
+// is encoded, on a line of its own so that none gets too long.
+std::string withoutMarks(std::string text) {
+    constexpr std::string_view kBreak = "=\r\n";
+    constexpr std::string_view kHex = "0123456789ABCDEF";
+    std::string result;
+    std::size_t done = 0;
+    for (std::size_t at = text.find(kBreak); at != std::string::npos; at = text.find(kBreak, at)) {
+        at += kBreak.size();
+        const std::string_view line = std::string_view(text).substr(at);
+        if (!startsWithIgnoreCase(line, "BEGIN:") && !startsWithIgnoreCase(line, "END:")) continue;
+        const auto letter = static_cast<unsigned char>(line.front());
+        result.append(text, done, at - done);
+        result += '=';
+        result += kHex[letter >> 4U];
+        result += kHex[letter & 0x0FU];
+        result += kBreak;
+        done = at + 1;
+    }
+    if (done == 0) return text;
+    return result.append(text, done);
+}
+
+}  // namespace
+
 std::string quotedPrintable(std::string_view text, std::size_t startColumn) {
     std::size_t length = 0;
     if (encodeQP(text.data(), text.size(), startColumn, nullptr, 0, &length) != 0) return "";
     std::string result(length + 1, '\0');
     encodeQP(text.data(), text.size(), startColumn, result.data(), result.size(), &length);
     result.resize(length);
-    return result;
+    return withoutMarks(std::move(result));
 }
 
 }  // namespace qel::calendar

@@ -2,7 +2,59 @@
 
 #include <algorithm>
 
+#include "calendar/base/Days.h"
+
 namespace qel::calendar {
+
+namespace {
+
+// The moments from `begin` to `end` at which a zone's offset changes.
+class Steps {
+  public:
+    Steps(const Zone& zone, std::int64_t begin, std::int64_t end)
+        : changes_(zone.parts().changes), end_(end), offset_(zone.offsetAtUtc(begin)) {
+        const auto after = std::upper_bound(
+            changes_.begin(), changes_.end(), begin,
+            [](std::int64_t moment, const ZoneChange& change) { return moment < change.utc; });
+        at_ = static_cast<std::size_t>(after - changes_.begin());
+    }
+
+    [[nodiscard]] int offset() const { return offset_; }
+    // The next one, or `end`.
+    std::int64_t next() {
+        for (; at_ < changes_.size() && changes_[at_].utc < end_; ++at_) {
+            if (changes_[at_].offset == offset_) continue;
+            offset_ = changes_[at_].offset;
+            return changes_[at_].utc;
+        }
+        return end_;
+    }
+
+  private:
+    const std::vector<ZoneChange>& changes_;
+    std::int64_t end_;
+    int offset_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace
+
+bool sameBefore(const Zone& zone, int first, int since) {
+    if (first >= since) return true;
+    const std::int64_t end = yearBegin(since) + kDaySeconds;
+    return Steps(zone, yearBegin(first), end).next() == end;
+}
+
+bool agree(const Zone& one, const Zone& other, std::int64_t begin, std::int64_t end) {
+    Steps a(one, begin, end);
+    Steps b(other, begin, end);
+    for (std::int64_t at = begin; at < end;) {
+        if (a.offset() != b.offset()) return false;
+        at = a.next();
+        if (b.next() != at) return false;
+    }
+    return true;
+}
 
 std::size_t Zone::cost() const {
     std::size_t bytes = sizeof(Zone) + parts_.changes.size() * sizeof(ZoneChange) +

@@ -28,19 +28,22 @@ struct ZoneObservance {
     int from = 0;            // seconds east of UTC
     int to = 0;
     std::string name;
-    std::string rule;  // an RRULE value; "" when it happens once
+    std::string rule;                   // an RRULE value; "" when it happens once
+    std::vector<std::int64_t> dates{};  // RDATE: further starts
 };
 
 // A line without parameters: "TZ" and "+01".
 using ZoneLine = std::pair<std::string, std::string>;
 
 struct ZoneParts {
-    std::string id;                    // the TZID
-    int baseOffset = 0;                // before the first change
+    std::string id;      // the TZID
+    int baseOffset = 0;  // before the first change
+    std::string baseName{};
     std::vector<ZoneChange> changes;   // ascending
     std::vector<ZoneLine> ownLines;    // TZ and DAYLIGHT as they were read
     std::vector<std::string> content;  // VTIMEZONE as it was read, not folded
-    // What a VTIMEZONE is written from when none was read.
+    // What a VTIMEZONE is written from when none was read; empty for a zone that is described from
+    // its changes.
     std::vector<ZoneObservance> observances;
 };
 
@@ -69,6 +72,13 @@ class Zone {
 };
 
 using ZonePtr = std::shared_ptr<const Zone>;
+
+// True when the zone's offset in the years before `since`, from `first` on, is that of its first
+// moment: what a description from there on says about them.
+[[nodiscard]] bool sameBefore(const Zone& zone, int first, int since);
+
+// True when the clocks of the two show the same from `begin` to just before `end`, moments of UTC.
+[[nodiscard]] bool agree(const Zone& one, const Zone& other, std::int64_t begin, std::int64_t end);
 
 }  // namespace qel::calendar
 

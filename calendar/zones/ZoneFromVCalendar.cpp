@@ -10,6 +10,7 @@
 #include "calendar/rules/Rule.h"
 #include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/text/Digest.h"
+#include "calendar/zones/YearlyChange.h"
 
 namespace qel::calendar {
 
@@ -35,26 +36,6 @@ struct RawPeriod {
     Moment begin;
     Moment end;
     std::size_t line = 0;
-};
-
-// The same weekday of the same week of a month at the same time, every year.
-struct YearlyChange {
-    int month = 0;
-    int week = 0;  // 1..4, -1 the last
-    int weekday = 0;
-    int second = 0;
-
-    [[nodiscard]] std::int64_t inYear(int year) const {
-        const int first = dayNumber(year, month, 1);
-        int day = 0;
-        if (week > 0) {
-            day = first + (weekday - weekdayOf(first) + 7) % 7 + (week - 1) * 7;
-        } else {
-            const int last = first + daysInMonth(year, month) - 1;
-            day = last - (weekdayOf(last) - weekday + 7) % 7;
-        }
-        return std::int64_t{day} * 86400 + second;
-    }
 };
 
 std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,

@@ -1,19 +1,17 @@
 #include "calendar/zones/ZoneText.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/text/Escapes.h"
 #include "calendar/text/TextCodec.h"
+#include "calendar/zones/ZoneObservances.h"
 
 namespace qel::calendar {
 
 namespace {
-
-std::int64_t yearBegin(int year) {
-    return std::int64_t{dayNumber(year, 1, 1)} * 86400;
-}
 
 // "+01", "+05:30".
 std::string vCalendarOffset(int seconds) {
@@ -41,6 +39,10 @@ void addObservance(std::vector<std::string>& lines, const ZoneObservance& observ
     lines.push_back("TZOFFSETTO:" + formatUtcOffset(observance.to));
     if (!observance.name.empty()) lines.push_back("TZNAME:" + escaped(observance.name));
     if (!observance.rule.empty()) lines.push_back("RRULE:" + observance.rule);
+    std::string dates;
+    for (const std::int64_t date : observance.dates)
+        dates += (dates.empty() ? "RDATE:" : ",") + formatMoment(momentAt(Moment{}, date));
+    if (!dates.empty()) lines.push_back(std::move(dates));
     lines.push_back("END:" + kind);
 }
 
@@ -63,12 +65,18 @@ Standard standardAt(const ZoneParts& zone, std::int64_t begin) {
 
 }  // namespace
 
-std::vector<std::string> vTimezoneLines(const Zone& zone) {
+bool isDescribedByChanges(const Zone& zone) {
+    return zone.parts().content.empty() && zone.parts().observances.empty();
+}
+
+std::vector<std::string> vTimezoneLines(const Zone& zone, int year) {
     const ZoneParts& parts = zone.parts();
     if (!parts.content.empty()) return parts.content;
     std::vector<std::string> lines = {"BEGIN:VTIMEZONE", "TZID:" + parts.id};
     for (const auto& [name, value] : parts.ownLines)
         if (!value.empty()) lines.push_back("X-VCAL-" + name + ":" + escaped(value));
+    if (parts.observances.empty())
+        for (const ZoneObservance& each : observancesSince(zone, year)) addObservance(lines, each);
     for (const ZoneObservance& each : parts.observances) addObservance(lines, each);
     lines.emplace_back("END:VTIMEZONE");
     return lines;

@@ -9,8 +9,12 @@
 
 namespace qel::calendar {
 
-// VTIMEZONE as content lines, BEGIN and END included, not folded.
-[[nodiscard]] std::vector<std::string> vTimezoneLines(const Zone& zone);
+// VTIMEZONE as content lines, BEGIN and END included, not folded: what was read, or what is right
+// from `year` on.
+[[nodiscard]] std::vector<std::string> vTimezoneLines(const Zone& zone, int year);
+
+// True when there is nothing but its changes to write a VTIMEZONE from.
+[[nodiscard]] bool isDescribedByChanges(const Zone& zone);
 
 // TZ and DAYLIGHT for the years from..to. Lines that were read are valid for all years.
 [[nodiscard]] std::vector<ZoneLine> vCalendarZoneLines(const Zone& zone, int from, int to);

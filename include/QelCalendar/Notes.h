@@ -19,7 +19,7 @@ struct Note {
     std::string name;                        ///< the code's name, "rule-part-unknown"
     std::string file;                        ///< as the caller named it, may be empty
     std::size_t line = 0;                    ///< of the input, 1 for the first; 0: no line is meant
-    std::string text;                        ///< one sentence; may hold bytes of the input
+    std::string text;                        ///< one sentence; may contain bytes of the input
     std::vector<std::string> values;         ///< what the sentence mentions
 
     Note() = default;

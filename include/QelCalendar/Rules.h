@@ -15,7 +15,7 @@
 
 namespace qelcal {
 
-/// What was read from one rule text: mostly one rule, several where the text holds several. Cheap
+/// What was read from one rule text: mostly one rule, several where the text has several. Cheap
 /// to copy; copies share what was read.
 ///
 ///     qelcal::Rules rules("W2 MO WE FR #10", qelcal::Time::read("20050615"));
@@ -60,7 +60,7 @@ class Rules {
     std::string text(qelcal_form form, std::size_t rule = 0) const {
         return qelcal_rules_text(get(), rule, form, 0);
     }
-    /// What `form` cannot hold of the rule; empty when it holds all of it.
+    /// What `form` cannot express of the rule; empty when it can express all of it.
     std::string reason(qelcal_form form, std::size_t rule = 0) const {
         return qelcal_rules_reason(get(), rule, form);
     }
@@ -76,7 +76,7 @@ class Rules {
         detail::check(qelcal_rules_record(get(), rule, index, &record, &ordinals));
         return ordinals != 0;
     }
-    /// What the records cannot hold.
+    /// What the records cannot express.
     std::vector<Note> recordNotes(std::size_t rule = 0) const {
         std::vector<Note> all;
         for (std::size_t i = 0; i < qelcal_rules_record_note_count(get(), rule); ++i)

@@ -9,7 +9,7 @@
  *   called on it again. Where a text may be absent, null says so.
  * - A function that can fail returns a qelcal_result, 0 for success. qelcal_last_error() then says
  *   in one sentence what was wrong. No exception leaves the library.
- * - Null handles and indices out of range are answered with QELCAL_INVALID_ARGUMENT, 0, or an empty
+ * - Null handles and indices out of range give QELCAL_INVALID_ARGUMENT, 0, null or an empty
  *   text; nothing is read or written through them.
  * - Different objects may be used by different threads at the same time; one object belongs to one
  *   thread at a time. The library keeps no settings of its own.
@@ -87,7 +87,7 @@ typedef struct qelcal_note qelcal_note;
 
 /** How serious a note is. */
 typedef enum qelcal_severity {
-    QELCAL_NOTE = 0,    /**< read in one of several possible ways, or put in order */
+    QELCAL_NOTE = 0,    /**< read in one of several possible ways, or corrected */
     QELCAL_WARNING = 1, /**< the target format cannot express it */
     QELCAL_ERROR = 2    /**< the input itself is invalid */
 } qelcal_severity;
@@ -111,7 +111,7 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_note_fate(const qelcal_note* note);
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_note_file(const qelcal_note* note);
 /** The line of the input, 1 for the first; 0 when no line is meant. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_note_line(const qelcal_note* note);
-/** One English sentence without a full stop. It may hold bytes of the input, control characters
+/** One English sentence without a full stop. It may contain bytes of the input, control characters
  * included; escape it before showing it on a terminal. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_note_text(const qelcal_note* note);
 /** The values that the sentence mentions. */
@@ -196,7 +196,7 @@ typedef int(QELCALENDAR_CALL* qelcal_time_fn)(void* context, const qelcal_time* 
 
 /** The three texts of a recurrence rule. */
 typedef enum qelcal_form {
-    QELCAL_FORM_ANY = 0,       /**< found out from the text */
+    QELCAL_FORM_ANY = 0,       /**< detected from the text */
     QELCAL_FORM_VCALENDAR = 1, /**< "W2 MO WE FR #10" */
     QELCAL_FORM_ICALENDAR = 2, /**< "FREQ=WEEKLY;COUNT=10;INTERVAL=2;BYDAY=MO,WE,FR" */
     QELCAL_FORM_POSITIONAL = 3 /**< "WEEKLY;;10;2;;;;MO,WE,FR;;;;;;;", QelUtility's own */
@@ -204,13 +204,13 @@ typedef enum qelcal_form {
 
 struct _rruleRepeat;
 
-/** What was read from one rule text: mostly one rule, several where the text holds several. */
+/** What was read from one rule text: mostly one rule, several where the text has several. */
 typedef struct qelcal_rules qelcal_rules;
 
-/** Reads a rule text of any degree of tidiness; a leading "RRULE:" is ignored. `start`, which may
+/** Reads a rule text, however untidy; a leading "RRULE:" is ignored. `start`, which may
  * be null, is the date or time that the series starts on: it fills in what a rule leaves to it (the
  * day of "MD1 #0") and decides between a count and an end date; words and dates need it.
- * QELCAL_INVALID_TEXT when the text holds no rule; what was wrong is in qelcal_last_error().
+ * QELCAL_INVALID_TEXT when the text is not a rule; what was wrong is in qelcal_last_error().
  * On success `*rules` belongs to the caller, who frees it by qelcal_rules_free(). */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_read(const char* text, int form,
                                                        const qelcal_time* start,
@@ -221,7 +221,7 @@ QELCALENDAR_API void QELCALENDAR_CALL qelcal_rules_free(qelcal_rules* rules);
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_form(const qelcal_rules* rules);
 /** The number of rules. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_count(const qelcal_rules* rules);
-/** 1 when all of the text was understood; 0 when a part that decides on the dates was not. Always 1
+/** 1 when all of the text was understood; 0 when a part that affects the dates was not. Always 1
  * for the rules of an entry, whose notes say what was not understood. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_complete(const qelcal_rules* rules);
 /** How the text was understood. */
@@ -230,13 +230,13 @@ QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_note_count(const qelcal_rul
 QELCALENDAR_API const qelcal_note* QELCALENDAR_CALL qelcal_rules_note(const qelcal_rules* rules,
                                                                       size_t index);
 /** How many texts of `form` rule number `rule` takes: mostly one, several where the form needs
- * several ("MD1 13 #0" twice), 0 where the form cannot hold it. */
+ * several ("MD1 13 #0" twice), 0 where the form cannot express it. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_text_count(const qelcal_rules* rules,
                                                                 size_t rule, int form);
 /** One of these texts. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_rules_text(const qelcal_rules* rules,
                                                                size_t rule, int form, size_t index);
-/** What `form` cannot hold of the rule, in words; empty when it holds all of it. */
+/** What `form` cannot express of the rule, in words; empty when it can express all of it. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_rules_reason(const qelcal_rules* rules,
                                                                  size_t rule, int form);
 /** The rule as QelUtility's records (QelUtility/RRule.h): how many it takes together, 0 when no
@@ -250,7 +250,7 @@ QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_record_count(const qelcal_r
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_record(const qelcal_rules* rules, size_t rule,
                                                          size_t index, struct _rruleRepeat* record,
                                                          int* ordinals);
-/** What the records cannot hold, as notes. */
+/** What the records cannot express, as notes. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_rules_record_note_count(const qelcal_rules* rules,
                                                                        size_t rule);
 /** One of these notes; it lasts as long as `rules`. Null past the last one. */
@@ -265,10 +265,10 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_rules_words(const qelcal_rul
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_yields_start(const qelcal_rules* rules,
                                                                size_t rule);
 /** Hands the dates of one rule to `date`, ascending: those from `since` (null: the start) through
- * `through` (null: 31 December 2499, the last day that a rule has dates on), at most `most` of them
- * (0: no limit). Both are read on the start's clock; a date means the whole day. As in RFC 5545 the
- * start is always the first date and counts as one. The times have the start's time of day and
- * clock. QELCAL_WRONG_ORDER when the rules were read without a start. */
+ * `through` (null: 31 December 2499, the last day on which rules have dates), at most `most` of
+ * them (0: no limit). Both are read on the start's clock; a date means the whole day. As in RFC
+ * 5545 the start is always the first date and counts as one. The times have the start's time of day
+ * and clock. QELCAL_WRONG_ORDER when the rules were read without a start. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_dates(const qelcal_rules* rules, size_t rule,
                                                         const qelcal_time* since,
                                                         const qelcal_time* through, size_t most,
@@ -338,7 +338,7 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_time(const qelcal_entry* entry
 /** Its length in seconds where the file gives a DURATION; QELCAL_ABSENT where not. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_duration(const qelcal_entry* entry,
                                                            int64_t* seconds);
-/** 1 for an all-day entry, by its times or by what a phone's flag says. */
+/** 1 for an all-day entry, by its times or by a phone's flag. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_all_day(const qelcal_entry* entry);
 /** The name of the zone of its zoned times, null where it has none. */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_entry_zone(const qelcal_entry* entry);
@@ -346,8 +346,8 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_entry_zone(const qelcal_entr
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_entry_to_utc(const qelcal_entry* entry,
                                                          const qelcal_time* time, qelcal_time* utc);
 
-/** The number of its rule texts (RRULE and EXRULE). Those that cannot be used, as all of an entry
- * without a start, are properties (X-ICAL-RRULE, X-VCAL-RRULE) instead. */
+/** The number of its rule texts (RRULE and EXRULE). Those that cannot be used, such as those of an
+ * entry without a start, are properties (X-ICAL-RRULE, X-VCAL-RRULE) instead. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_entry_rule_count(const qelcal_entry* entry);
 /** One of them as rules with the entry's start; owned by the entry. Null past the last one. */
 QELCALENDAR_API const qelcal_rules* QELCALENDAR_CALL qelcal_entry_rules(const qelcal_entry* entry,
@@ -439,7 +439,7 @@ QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_kind_text(int kind);
 /* --- Reading -----------------------------------------------------------------------------------
  */
 
-/** Reads the entries of one file, one at a time. Memory holds one entry (at most 64 MB of it), the
+/** Reads the entries of one file, one at a time. It keeps in memory one entry (at most 64 MB), the
  * zones of the file and the input that has not been read yet. */
 typedef struct qelcal_reader qelcal_reader;
 
@@ -549,7 +549,7 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_write(qelcal_converter* co
                                                             const void* bytes, size_t size);
 /** The file ends here. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_end_file(qelcal_converter* converter);
-/** Ends the calendar and hands on what is left of it. A result without any entry is a calendar all
+/** Ends the calendar and passes on what is left of it. A result without any entry is a calendar all
  * the same; look at the counts before. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_finish(qelcal_converter* converter);
 /** The qelcal_format that is written; QELCAL_OTHER before the first file has shown it. */
@@ -641,7 +641,7 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_changes(int zone, int year,
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_charset_known(const char* name);
 /** Hands `bytes`, a whole text in the character set `name`, to `text` in UTF-8. A byte sequence
  * that is invalid in the set becomes U+FFFD; `replaced`, which may be null, is set to 1 when the
- * result holds that character, else to 0. QELCAL_UNKNOWN_NAME for an unknown set. */
+ * result contains that character, else to 0. QELCAL_UNKNOWN_NAME for an unknown set. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_text_to_utf8(const char* name, const void* bytes,
                                                          size_t size, qelcal_write_fn text,
                                                          void* context, int* replaced);

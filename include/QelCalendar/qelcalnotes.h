@@ -33,7 +33,7 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_END_WITHOUT_BEGIN = 110,
     /**< The file closes a part that it has not begun. Nothing is missing because of that alone. */
     QELCAL_NOTE_COMPONENT_TOO_DEEP = 111,
-    /**< Parts of the entry are nested deeper than in any real calendar. */
+    /**< Parts of the entry are nested more deeply than in any real calendar. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED = 112,
     /**< A part of an entry has no end. It is taken to end with the entry. */
     QELCAL_NOTE_COMPONENT_NOT_CLOSED_IN_FILE = 113,
@@ -44,6 +44,20 @@ typedef enum qelcal_note_code {
     /**< The last entry has no end. What there is of it is converted. */
     QELCAL_NOTE_ENTRY_TOO_LARGE = 116,
     /**< A single entry is larger than any real one. Its beginning is converted. */
+    QELCAL_NOTE_TEXT_WRAPPED_BY_WORDS = 140,
+    /**< The lines of the text end between words, as a typewriter's do, although the format would
+     * join them without a blank. */
+    QELCAL_NOTE_LINES_NOT_FOLDED = 141,
+    /**< A long text was broken into lines, or has line breaks of its own, without the sign that the
+     * format requires. Its lines were joined again. */
+    QELCAL_NOTE_COMPONENT_NAME_UNTIDY = 142,
+    /**< A line that begins or ends a part of the calendar has a colon or a semicolon too many. */
+    QELCAL_NOTE_BLANKS_AROUND_NAME = 143,
+    /**< The line has blanks before or after the name of the property, which the format does not
+     * allow. */
+    QELCAL_NOTE_CALENDAR_INDENTED = 144,
+    /**< The lines of the calendar begin with blanks, which usually join a line to the one before
+     * it. Here they only show which part a line belongs to. */
     QELCAL_NOTE_TEXT_BYTES_INVALID = 201,
     /**< The file names a character set for this text, and some of the text's bytes mean nothing in
      * it. Each of them became the replacement character. */
@@ -104,8 +118,8 @@ typedef enum qelcal_note_code {
     /**< The rule contains a part that iCalendar does not define. The series may have more dates
      * than were meant. */
     QELCAL_NOTE_RULE_POSITIONS_IGNORED = 315,
-    /**< The rule asks for, say, the second Monday, which only a month or a year can have. Every
-     * such weekday counts. */
+    /**< The rule asks for, say, the second Monday of a day, a week or a numbered week; only a month
+     * or a year can have one. Every such weekday counts. */
     QELCAL_NOTE_RULE_TIMES_IGNORED = 316,
     /**< The rule repeats the entry at several times of a day with different minutes. Only the
      * start's time of day remains. */
@@ -166,6 +180,10 @@ typedef enum qelcal_note_code {
     /**< The description of a time zone contains a part that has no meaning there. */
     QELCAL_NOTE_ZONE_PART_INCOMPLETE = 416,
     /**< One of the zone's changes of offset cannot be read. Times after it may be an hour off. */
+    QELCAL_NOTE_ZONE_OF_DATABASE = 440,
+    /**< The entry's times name a time zone that the file does not describe, but whose name is
+     * known. They are read as times of that zone, as the IANA time zone database describes it.
+     * Reported once for each zone. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file contains something other than events, to-dos and notes, for example free and busy
      * times. Only those three are converted. */

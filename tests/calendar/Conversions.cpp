@@ -30,11 +30,12 @@ bool Conversion::tells(const std::string& part) const {
 }
 
 Conversion convertText(const std::string& text, std::optional<CalendarFormat> to, std::size_t piece,
-                       ConversionObserver* observer) {
+                       ConversionObserver* observer, const Choices& choices) {
     Conversion result;
     std::ostringstream out;
     Converter converter(out, to, [&](const Note& message) { result.messages.push_back(message); });
     converter.observe(observer);
+    converter.choose(choices);
     const auto inPieces = [&](auto&& write) {
         for (std::size_t at = 0; at < text.size(); at += piece)
             write(std::string_view(text).substr(at, piece));

@@ -26,7 +26,8 @@ struct Conversion {
 [[nodiscard]] Conversion convertText(const std::string& text,
                                      std::optional<calendar::CalendarFormat> to,
                                      std::size_t piece = 4096,
-                                     calendar::ConversionObserver* observer = nullptr);
+                                     calendar::ConversionObserver* observer = nullptr,
+                                     const calendar::Choices& choices = {});
 // The public calendar files of that kind, "vcs" or "ics"; none where they are not present.
 [[nodiscard]] std::vector<std::filesystem::path> publicFiles(const std::string& kind);
 // "" when the file gives the same result and the same notes in pieces of any size.

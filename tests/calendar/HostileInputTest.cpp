@@ -89,6 +89,10 @@ TEST(HostileInput, EverythingThatIsLongIsReadAtOnce) {
     for (int each = 0; each < 1000000; ++each) tokens += " 1";
     std::string parameters = "SUMMARY";
     for (int each = 0; each < 200000; ++each) parameters += ";a=\"b";
+    std::string blanks = "SUMMARY;ENCODING=QUOTED-PRINTABLE:a";
+    for (int each = 0; each < 1000000; ++each) blanks += "\r\n ";
+    std::string bare = "DESCRIPTION:a";
+    for (int each = 0; each < 1000000; ++each) bare += "\r\n\r\nb c";
     std::string zones;
     for (int each = 0; each < 20000; ++each)
         zones += "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z\r\n";
@@ -96,6 +100,8 @@ TEST(HostileInput, EverythingThatIsLongIsReadAtOnce) {
                                    megabytes,
                                    nested,
                                    folds,
+                                   blanks,
+                                   bare,
                                    dates,
                                    tokens,
                                    parameters + ":x",

@@ -156,7 +156,13 @@ const Operation kReaders[] = {
            readBinary),
     onRead("MalformedBinary", {"7004 0"}, "9|" + longText + "\xfezz", readBinary),
     // The report of a failure may be what there is no memory for: the code is thrown all the same.
-    on<Reading>("PastTheEnd", {}, readText,
+    on<Reading>(
+        "PastTheEnd", {}, [](auto& made) { made.stream >> made.numbers; },
+        [](auto& made) {
+            std::string digits = "12";
+            made.stream.Initialize(bytes(digits), 2, true);
+        }),
+    on<Reading>("TextThatNothingEnds", {"2001 0", kNull}, readText,
                 [](auto& made) { made.stream.Initialize(bytes(longText), 300, true); }),
 };
 INSTANTIATE_TEST_SUITE_P(StreamReaders, Exhaustion, testing::ValuesIn(kReaders), operationName);

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "platform/Files.h"
+#include "platform/PathLock.h"
+#include "platform/Process.h"
 #include "platform/Profile.h"
 #include "support/TempDir.h"
 
@@ -153,6 +155,26 @@ TEST(Profile, WritersAtOnceLoseNothing) {
     for (int thread = 1; thread < kThreads; ++thread) EXPECT_EQ(seen[thread], seen[0]);
     const std::string text = readFile(path);
     EXPECT_EQ(std::count(text.begin(), text.end(), '='), kKeys + kThreads * kKeys) << text;
+}
+
+// On a busy computer the lock may stay with others for long. A writer waits while they get on.
+TEST(Profile, AWriterWaitsWhileOthersWrite) {
+    const TempDir dir;
+    const std::string path = dir.file("busy.ini");
+    qel::platform::PathLock others;
+    ASSERT_EQ(others.acquire(path.c_str(), 1000), qel::platform::LockResult::kLocked);
+    bool written = false;
+    const auto write = [&] { written = writeProfile(path.c_str(), "s", "k", "v"); };
+    std::thread(write).join();
+    EXPECT_FALSE(written) << "nobody wrote meanwhile";
+    std::thread writer(write);
+    for (int i = 0; i < 40; ++i) {
+        writeFile(path, "[s]\nother=" + std::to_string(i) + "\n");
+        qel::platform::sleepMilliseconds(10);
+    }
+    others.release();
+    writer.join();
+    EXPECT_TRUE(written);
 }
 
 }  // namespace

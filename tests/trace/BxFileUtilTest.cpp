@@ -5,7 +5,10 @@
 #include <climits>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "QelUtility/BxHost.h"
 #include "platform/Files.h"
@@ -161,6 +164,30 @@ TEST(UserLog, AppendsDatedEntries) {
     WriteToUserLog("lost below the program's own name");
     EXPECT_TRUE(trace.lines().empty());
     BxHost_SetProfileDirectorySource(nullptr);
+}
+
+TEST(UserLog, EntriesOfManyStayWhole) {
+    const TempDir dir;
+    profileDirectory = dir.path().string();
+    BxHost_SetProfileDirectorySource(&giveProfile);
+    constexpr int kWriters = 3;
+    constexpr int kEntries = 40;
+    const auto entry = [](int writer) {
+        return std::string(50000, static_cast<char>('a' + writer));
+    };
+    std::vector<std::thread> running;
+    for (int writer = 0; writer < kWriters; ++writer)
+        running.emplace_back([&entry, writer] {
+            for (int i = 0; i < kEntries; ++i) WriteToUserLog(entry(writer).c_str());
+        });
+    for (std::thread& each : running) each.join();
+    BxHost_SetProfileDirectorySource(nullptr);
+    std::istringstream log(readFile(dir.file("SyncML.log")));
+    int whole = 0;
+    for (std::string line; std::getline(log, line);)
+        for (int writer = 0; writer < kWriters; ++writer)
+            if (line.rfind(entry(writer) + " ", 0) == 0) ++whole;
+    EXPECT_EQ(whole, kWriters * kEntries);
 }
 
 TEST(UserLog, FolderIsNamedAfterTheModel) {

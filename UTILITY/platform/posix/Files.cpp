@@ -39,19 +39,13 @@ std::FILE* openStream(const char* path, int flags, const char* mode, bool regula
     return stream;
 }
 
+constexpr int kAppending = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
 // A stream over a handle alone. The C library's own kind asks the system for the handle's mode and
 // position before the first byte, which would be half of what a trace line costs.
 ssize_t writeWhole(void* cookie, const char* data, std::size_t size) noexcept {
     const int handle = static_cast<int>(reinterpret_cast<std::intptr_t>(cookie));
-    std::size_t written = 0;
-    while (written < size) {
-        const ssize_t count = write(handle, data + written, size - written);
-        if (count > 0)
-            written += static_cast<std::size_t>(count);
-        else if (count == 0 || errno != EINTR)
-            break;
-    }
-    return static_cast<ssize_t>(written);
+    return static_cast<ssize_t>(appendTo(handle, data, size));
 }
 
 int closeHandle(void* cookie) noexcept {
@@ -95,13 +89,8 @@ std::size_t directoryLength(const char* path) noexcept {
     return length;
 }
 
-std::FILE* openForAppend(const char* path, NameWhileOpen /*name*/) noexcept {
-    return openStream(path, O_WRONLY | O_APPEND | O_CREAT, "a", false);
-}
-
 std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept {
-    const int handle =
-        open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, kPrivateFile);
+    const int handle = open(path, kAppending, kPrivateFile);
     if (handle < 0) return nullptr;
     struct stat status {};
     *size = fstat(handle, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : -1;
@@ -130,14 +119,51 @@ std::int64_t fileSize(const char* path) noexcept {
     return stat(path, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : -1;
 }
 
+std::int64_t changeStamp(const char* path) noexcept {
+    struct stat status {};
+    if (stat(path, &status) != 0) return -1;
+    return std::int64_t{status.st_ctim.tv_sec} * 1000000000 + status.st_ctim.tv_nsec;
+}
+
 FileIdentity fileIdentity(const char* path) noexcept {
     struct stat status {};
     return stat(path, &status) == 0 ? identityOf(status) : FileIdentity{};
 }
 
-bool stillNamed(std::FILE* stream, const char* path) noexcept {
+bool endsInLine(const char* path) noexcept {
+    const int handle = open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (handle < 0) return true;
     struct stat status {};
-    return fstat(fileno(stream), &status) == 0 && identityOf(status) == fileIdentity(path);
+    char last = '\n';
+    if (fstat(handle, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0)
+        (void)!pread(handle, &last, 1, status.st_size - 1);
+    close(handle);
+    return last == '\n';
+}
+
+int openHeld(const char* path) noexcept {
+    return open(path, kAppending, kPrivateFile);
+}
+
+std::size_t appendTo(int file, const char* data, std::size_t size) noexcept {
+    std::size_t written = 0;
+    while (written < size) {
+        const ssize_t count = write(file, data + written, size - written);
+        if (count > 0)
+            written += static_cast<std::size_t>(count);
+        else if (count == 0 || errno != EINTR)
+            break;
+    }
+    return written;
+}
+
+void closeHeld(int file) noexcept {
+    close(file);
+}
+
+bool stillNamed(int file, const char* path) noexcept {
+    struct stat status {};
+    return fstat(file, &status) == 0 && identityOf(status) == fileIdentity(path);
 }
 
 int removeFile(const char* path) noexcept {

@@ -46,6 +46,13 @@ LockResult PathLock::acquire(const char* path, std::uint32_t timeoutMilliseconds
 
 void PathLock::release() noexcept {
     if (handle_ == kNone) return;
+    // A child that was forked meanwhile has the same lock, and may live long.
+    flock(static_cast<int>(handle_), LOCK_UN);
+    abandon();
+}
+
+void PathLock::abandon() noexcept {
+    if (handle_ == kNone) return;
     close(static_cast<int>(handle_));
     handle_ = kNone;
 }

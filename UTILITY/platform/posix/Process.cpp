@@ -3,7 +3,6 @@
 
 #include <dlfcn.h>
 #include <pthread.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <climits>
@@ -49,7 +48,7 @@ std::uint32_t threadId() noexcept {
     thread_local std::uint32_t known = 0;
     static const int watched = pthread_atfork(nullptr, nullptr, [] { known = 0; });
     if (known != 0) return known;
-    const auto id = static_cast<std::uint32_t>(syscall(SYS_gettid));
+    const auto id = static_cast<std::uint32_t>(gettid());
     if (watched == 0) known = id;
     return id;
 }

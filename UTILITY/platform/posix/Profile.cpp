@@ -14,6 +14,7 @@
 
 #include "platform/AsciiText.h"
 #include "platform/PathLock.h"
+#include "platform/ProfileLock.h"
 
 namespace qel::platform {
 
@@ -21,7 +22,6 @@ namespace {
 
 // No sensible settings file is larger; a larger one counts as unreadable and is not changed.
 constexpr std::size_t kMostBytes = std::size_t{4} * 1024 * 1024;
-constexpr std::uint32_t kLockMilliseconds = 200;
 
 std::string_view trim(std::string_view text) noexcept {
     constexpr std::string_view kBlanks = " \t\r\n\v\f";
@@ -161,7 +161,7 @@ bool writeProfileChecked(const char* path, std::string_view section, std::string
     char resolved[PATH_MAX];
     const std::string target = realpath(path, resolved) != nullptr ? resolved : path;
     PathLock lock;
-    if (lock.acquire(target.c_str(), kLockMilliseconds) == LockResult::kTimedOut) return false;
+    if (!lockProfile(lock, target.c_str())) return false;
     std::string text;
     if (readWhole(target.c_str(), text) == ReadResult::kFailed) return false;
     if (when == ProfileWrite::kIfMissing && !valueIn(text, section, key).empty()) return true;

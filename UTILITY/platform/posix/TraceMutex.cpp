@@ -8,6 +8,7 @@
 #include <ctime>
 
 #include "platform/Immortal.h"
+#include "platform/posix/ForkHooks.h"
 
 namespace qel::platform {
 
@@ -15,12 +16,15 @@ namespace {
 
 class RecursiveTimedMutex {
   public:
-    RecursiveTimedMutex() noexcept {
-        pthread_condattr_t attributes;
-        pthread_condattr_init(&attributes);
-        pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-        pthread_cond_init(&released_, &attributes);
-        pthread_condattr_destroy(&attributes);
+    RecursiveTimedMutex() noexcept { initialise(); }
+
+    void hold() noexcept { pthread_mutex_lock(&guard_); }
+    void release() noexcept { pthread_mutex_unlock(&guard_); }
+    // In a child: free of the threads that it lacks.
+    void renew() noexcept {
+        initialise();
+        impatient_ = 0;
+        if (pthread_equal(owner_, pthread_self()) == 0) depth_ = 0;
     }
 
     bool lock(std::uint32_t milliseconds) noexcept {
@@ -47,12 +51,21 @@ class RecursiveTimedMutex {
     }
 
   private:
+    void initialise() noexcept {
+        pthread_condattr_t attributes;
+        pthread_condattr_init(&attributes);
+        pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+        pthread_cond_init(&released_, &attributes);
+        pthread_condattr_destroy(&attributes);
+    }
+
     // Whoever comes first takes a free mutex, which is fast; but one who has waited for a while
     // goes before all who have not, or a thread that traces without a pause would shut it out.
     void wait(std::uint32_t milliseconds) noexcept {
         const std::int64_t start = now();
         const std::int64_t end = start + std::int64_t{milliseconds} * 1000000;
-        const std::timespec until{static_cast<std::time_t>(end / 1000000000), end % 1000000000};
+        const std::timespec until{static_cast<std::time_t>(end / 1000000000),
+                                  static_cast<long>(end % 1000000000)};
         bool impatient = false;
         while (depth_ > 0 || (impatient_ > 0 && !impatient)) {
             if (pthread_cond_timedwait(&released_, &guard_, &until) != 0) break;
@@ -92,6 +105,19 @@ LockResult lockTraceMutex(std::uint32_t timeoutMilliseconds) noexcept {
 
 void unlockTraceMutex() noexcept {
     traceMutex().unlock();
+}
+
+void holdTraceMutex() noexcept {
+    traceMutex().hold();
+}
+
+void releaseTraceMutex() noexcept {
+    traceMutex().release();
+}
+
+void renewTraceMutex() noexcept {
+    traceMutex().renew();
+    traceMutex().release();
 }
 
 }  // namespace qel::platform

@@ -19,29 +19,37 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// A stream over a handle of our own making: others may rename and delete the file while it is open,
-// which the C library's own open would not let them, and no child inherits it.
-std::FILE* openStream(const char* path, DWORD access, DWORD share, DWORD creation, int flags,
-                      const char* mode) noexcept {
+// A descriptor over a handle of our own making: others may rename and delete the file while it is
+// open, which the C library's own open would not let them, and no child inherits it.
+int openDescriptor(const char* path, DWORD access, DWORD share, DWORD creation,
+                   int flags) noexcept {
     const HANDLE handle =
         CreateFileA(path, access, share, nullptr, creation, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         const DWORD error = GetLastError();
         const bool missing = error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
         errno = missing ? ENOENT : EACCES;
-        return nullptr;
+        return -1;
     }
     if (GetFileType(handle) != FILE_TYPE_DISK) {
         CloseHandle(handle);
         errno = EINVAL;
-        return nullptr;
+        return -1;
     }
     const int descriptor =
         _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), flags | _O_NOINHERIT);
-    if (descriptor < 0) {
-        CloseHandle(handle);
-        return nullptr;
-    }
+    if (descriptor < 0) CloseHandle(handle);
+    return descriptor;
+}
+
+// With the right to append alone, every write goes to the file's end.
+int openAppending(const char* path, DWORD share) noexcept {
+    return openDescriptor(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, share,
+                          OPEN_ALWAYS, _O_APPEND | _O_TEXT | _O_WRONLY);
+}
+
+std::FILE* streamOver(int descriptor, const char* mode) noexcept {
+    if (descriptor < 0) return nullptr;
     std::FILE* stream = _fdopen(descriptor, mode);
     if (stream == nullptr) _close(descriptor);
     return stream;
@@ -97,25 +105,53 @@ bool messagesAreWhole() noexcept {
     return false;
 }
 
-std::FILE* openForAppend(const char* path, NameWhileOpen name) noexcept {
-    const DWORD share = name == NameWhileOpen::kFree ? kShareAll : kShareAll & ~FILE_SHARE_DELETE;
-    // With the right to append alone, every write goes to the file's end.
-    return openStream(path, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, share,
-                      OPEN_ALWAYS, _O_APPEND | _O_TEXT | _O_WRONLY, "at");
-}
-
 std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept {
-    std::FILE* stream = openForAppend(path, NameWhileOpen::kFree);
+    std::FILE* stream = streamOver(openAppending(path, kShareAll), "at");
     if (stream != nullptr) *size = _filelengthi64(_fileno(stream));
     return stream;
 }
 
 std::FILE* openForRead(const char* path) noexcept {
-    return openStream(path, GENERIC_READ, kShareAll, OPEN_EXISTING, _O_RDONLY | _O_BINARY, "rb");
+    return streamOver(
+        openDescriptor(path, GENERIC_READ, kShareAll, OPEN_EXISTING, _O_RDONLY | _O_BINARY), "rb");
 }
 
 std::FILE* openForWrite(const char* path) noexcept {
-    return openStream(path, GENERIC_WRITE, kShareAll, CREATE_ALWAYS, _O_WRONLY | _O_BINARY, "wb");
+    return streamOver(
+        openDescriptor(path, GENERIC_WRITE, kShareAll, CREATE_ALWAYS, _O_WRONLY | _O_BINARY), "wb");
+}
+
+bool endsInLine(const char* path) noexcept {
+    const int file =
+        openDescriptor(path, GENERIC_READ, kShareAll, OPEN_EXISTING, _O_RDONLY | _O_BINARY);
+    if (file < 0) return true;
+    char last = '\n';
+    if (_lseeki64(file, -1, SEEK_END) >= 0) (void)_read(file, &last, 1);
+    _close(file);
+    return last == '\n';
+}
+
+int openHeld(const char* path) noexcept {
+    return openAppending(path, kShareAll & ~FILE_SHARE_DELETE);
+}
+
+std::size_t appendTo(int file, const char* data, std::size_t size) noexcept {
+    std::size_t written = 0;
+    while (written < size) {
+        const int count = _write(file, data + written, static_cast<unsigned>(size - written));
+        if (count <= 0) break;
+        written += static_cast<std::size_t>(count);
+    }
+    return written;
+}
+
+void closeHeld(int file) noexcept {
+    _close(file);
+}
+
+bool stillNamed(int /*file*/, const char* /*path*/) noexcept {
+    // Nobody can have taken the name from a file that is open without sharing deletion.
+    return true;
 }
 
 bool fileExists(const char* path) noexcept {
@@ -129,6 +165,14 @@ std::int64_t fileSize(const char* path) noexcept {
                                      data.nFileSizeLow);
 }
 
+std::int64_t changeStamp(const char* path) noexcept {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExA(path, GetFileExInfoStandard, &data) == FALSE) return -1;
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(data.ftLastWriteTime.dwHighDateTime)
+                                         << 32 |
+                                     data.ftLastWriteTime.dwLowDateTime);
+}
+
 FileIdentity fileIdentity(const char* path) noexcept {
     const HANDLE handle = CreateFileA(path, 0, kShareAll, nullptr, OPEN_EXISTING,
                                       FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -136,11 +180,6 @@ FileIdentity fileIdentity(const char* path) noexcept {
     const FileIdentity identity = identityOf(handle);
     CloseHandle(handle);
     return identity;
-}
-
-bool stillNamed(std::FILE* /*stream*/, const char* /*path*/) noexcept {
-    return true;  // nobody can have taken the name from a file that is open without sharing
-                  // deletion
 }
 
 int removeFile(const char* path) noexcept {

@@ -47,4 +47,8 @@ void PathLock::release() noexcept {
     handle_ = kNone;
 }
 
+void PathLock::abandon() noexcept {
+    release();  // there is no fork
+}
+
 }  // namespace qel::platform

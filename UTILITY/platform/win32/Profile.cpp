@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "platform/PathLock.h"
+#include "platform/ProfileLock.h"
 
 namespace qel::platform {
 
@@ -27,7 +28,7 @@ void readProfile(const char* path, const char* section, const char* key, char* o
 bool writeProfile(const char* path, const char* section, const char* key, const char* value,
                   ProfileWrite when) noexcept {
     PathLock lock;
-    if (lock.acquire(path, kLockMilliseconds) == LockResult::kTimedOut) return false;
+    if (!lockProfile(lock, path)) return false;
     if (when == ProfileWrite::kIfMissing) {
         char present[2];
         if (GetPrivateProfileStringA(section, key, "", present, sizeof present, path) != 0)

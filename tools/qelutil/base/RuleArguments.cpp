@@ -27,7 +27,7 @@ void RuleArguments::addTo(CLI::App& command) {
     command.add_option("--start", start, "The date of the series' first entry, or \"today\"")
         ->required()
         ->type_name("DATE");
-    command.add_option("--from", from, "The form of TEXT; found out from it otherwise")
+    command.add_option("--from", from, "The form of TEXT; detected if not given")
         ->type_name("FORM")
         ->check(CLI::IsMember({"v10", "ical", "positional"}));
 }

@@ -39,7 +39,7 @@ void addCommands(CLI::App& app, Context& context) {
         });
     app.get_formatter()->column_width(30);
     app.footer(
-        "Exit status: 0 when all is well, 1 when some input was invalid, 2 for an invalid "
+        "Exit status: 0 for success, 1 when some input was invalid, 2 for an invalid "
         "command line.\nqelutil COMMAND --help shows a command's options with examples.");
     for (const AddCommand add : kCommands) add(app, context);
 }

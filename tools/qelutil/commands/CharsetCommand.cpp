@@ -385,10 +385,11 @@ void addCharsetCommand(CLI::App& app, Context& context) {
     CLI::Option* list = command->add_flag("--list", options->list, "list the sets");
     command->add_flag("--json", options->json, "with --list: as JSON")->needs(list);
     command->footer(
-        "What means nothing in the one set, or has no place in the other, becomes \"?\", is named\n"
-        "on standard error with its line, and makes the exit status 1. The sets of --list have\n"
-        "their usual names too (windows-1252, GB2312, Big5); --from reads, into UTF-8, also the\n"
-        "other sets that the system knows (Shift_JIS, KOI8-R), and says so.\n"
+        "A character that is invalid in the one set or missing from the other becomes \"?\" and "
+        "is\n"
+        "reported on standard error with its line; the exit status is then 1. The sets of --list\n"
+        "may also be given by their usual names (windows-1252, GB2312, Big5); --from also accepts\n"
+        "other sets that the system knows (Shift_JIS, KOI8-R), into UTF-8, and says so.\n"
         "Examples:\n"
         "  qelutil charset --list\n"
         "  qelutil charset --from GB2312 notes.txt -o notes-utf8.txt\n"

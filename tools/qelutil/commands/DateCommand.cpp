@@ -40,8 +40,9 @@ bool isNumber(std::string_view text) {
 std::int64_t readNumber(const std::string& text, const std::string& digits) {
     constexpr std::size_t kMostDigits = 17;  // more than any moment or duration has
     if (!isNumber(digits))
-        throw InputError("\"" + text +
-                         "\": is not a whole number; write digits alone, a \"-\" before them");
+        throw InputError(
+            "\"" + text +
+            "\": is not a whole number; write digits only, with \"-\" in front if need be");
     if (digits.size() > kMostDigits)
         throw InputError("\"" + text + "\": is too large; no date needs more than " +
                          std::to_string(kMostDigits) + " digits");
@@ -195,11 +196,11 @@ void addDateCommand(CLI::App& app, Context& context) {
                         "a date 20050615 or 2005-06-15, a date-time 20050615T083000Z,\n"
                         "today, now, a day number 38516, Unix time @1118824200,\n"
                         "a duration P1DT2H or a length 93600s");
-    command->add_option("--from", options->form, "take every VALUE for this")
+    command->add_option("--from", options->form, "treat every VALUE as this")
         ->check(CLI::IsMember({"date", "day", "seconds", "unix", "duration", "length"}));
     command->add_option("--add", options->add, "add this duration first");
     command->add_option("--until", options->until, "show the duration from VALUE to this date");
-    command->add_flag("--json", options->json, "write the facts as JSON");
+    command->add_flag("--json", options->json, "print the facts as JSON");
     command->footer(
         "Day numbers count from 1 January 1900, which is day 0, to 31 December 2499.\n"
         "Examples:\n"

@@ -204,14 +204,14 @@ void run(Context& context, const Options& options) {
 void addDecodeCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
-        app.add_subcommand("decode", "The way back from Base64, quoted-printable, enciphered code");
+        app.add_subcommand("decode", "Decode Base64, quoted-printable or enciphered code");
     command->add_option("CODE", options->kind, "base64, qp or cipher")
         ->required()
         ->type_name("")
         ->check(CLI::IsMember({"base64", "qp", "cipher"}));
     options->source.addTo(*command);
     command->footer(
-        "The bytes are written as they were, without a line end added; only the enciphered code\n"
+        "The bytes are written unchanged, without an added line end; only an enciphered code\n"
         "gives a line of text.\n"
         "Examples:\n"
         "  qelutil decode base64 photo.b64 -o photo.jpg\n"

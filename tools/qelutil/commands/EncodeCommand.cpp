@@ -151,8 +151,8 @@ std::string textWithoutNul(InputFile& input, std::size_t longest) {
     std::string text = input.readAll(longest);
     const std::size_t nul = text.find('\0');
     if (nul != std::string::npos)
-        throw InputError(input.name() + ": holds a NUL byte at offset " + std::to_string(nul) +
-                         ", and this code is of texts, which end there; use base64 for data");
+        throw InputError(input.name() + ": contains a NUL byte at offset " + std::to_string(nul) +
+                         ", where a text ends for this code; use base64 for data");
     return text;
 }
 
@@ -200,7 +200,7 @@ void run(Context& context, const Options& options) {
 void addEncodeCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command = app.add_subcommand(
-        "encode", "A text as Base64, quoted-printable, MD5 digest or enciphered code");
+        "encode", "Encode as Base64, quoted-printable, MD5 digest or enciphered code");
     command->add_option("CODE", options->kind, "base64, qp, md5 or cipher")
         ->required()
         ->type_name("")
@@ -213,15 +213,14 @@ void addEncodeCommand(CLI::App& app, Context& context) {
                                            "qp: a property value, whose line ends become =0D=0A");
     command
         ->add_option("--column", options->column,
-                     "qp --value: characters that stand before the value on its line")
+                     "qp --value: characters before the value on its line")
         ->needs(value)
         ->check(CLI::NonNegativeNumber);
     command->footer(
-        "The digest and the enciphered code are of texts; the code is 16 hexadecimal digits for\n"
-        "every 8 bytes. The text of a file is taken with its last line end. "
-        "Quoted-printable "
-        "takes\n"
-        "a text body, whose lines end in CR LF afterwards, unless --value is given.\n"
+        "md5 and cipher take text; the code is 16 hexadecimal digits for every 8 bytes. The last\n"
+        "line end of a file is part of its text. Quoted-printable encodes a text body, whose "
+        "lines\n"
+        "then end in CR LF, unless --value is given.\n"
         "Examples:\n"
         "  qelutil encode base64 --wrap 0 photo.jpg -o photo.b64\n"
         "  qelutil encode qp --value --column 38 --text \"Caf\xC3\xA9\"\n"

@@ -194,7 +194,7 @@ void addFieldCommand(CLI::App& app, Context& context) {
     command->add_option("--type", options->type, "only this record type")
         ->check(CLI::IsMember({"event", "todo", "contact", "note", "email"}));
     command->add_flag("--list", options->list, "list all fields, or those of --type");
-    command->add_flag("--json", options->json, "as JSON");
+    command->add_flag("--json", options->json, "print the facts as JSON");
     command->footer(
         "An ID is the record type (1 event, 2 todo, 3 contact, 4 note, 5 email), the access type\n"
         "(1 property, 2 multi, 3 sub-item, 4 value) and six digits of index.\n"

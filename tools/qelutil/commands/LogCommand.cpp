@@ -107,7 +107,7 @@ void set(const std::string& setting) {
     other.defaultValue = wanted == 0 ? 1 : 0;
     if (valueOf(other) != wanted)
         throw InputError(std::string(BxTrace_GetOptionsFilePath()) +
-                         ": cannot be written; see that its directory exists and is yours");
+                         ": cannot be written; check that you may write to its directory");
 }
 
 // The file's size and its last lines; no size when it cannot be read.
@@ -185,17 +185,17 @@ void run(Context& context, const Options& options) {
 void addLogCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
-        app.add_subcommand("log", "Where the trace goes, its options, and the end of it");
+        app.add_subcommand("log", "Where the trace log is, its options, and its last lines");
     command->add_option("--set", options->settings, "set an option; may be repeated")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     command->add_option("--tail", options->tail, "how many of the last lines to show")
         ->capture_default_str()
         ->check(CLI::Range(std::size_t{0}, kMostTail));
-    command->add_flag("--json", options->json, "as JSON");
+    command->add_flag("--json", options->json, "print the facts as JSON");
     command->footer(
-        "The log is where BX_ERR_LOG_FILE_PATH says, else in the user's profile directory; the\n"
-        "options file is where BX_OPTIONS_FILE_PATH says, else beside the log. Running programs\n"
+        "BX_ERR_LOG_FILE_PATH names the log, which is otherwise in the user's profile directory;\n"
+        "BX_OPTIONS_FILE_PATH names the options file, otherwise beside the log. Running programs\n"
         "read the options again within a minute.\n"
         "Examples:\n"
         "  qelutil log --tail 40\n"

@@ -238,7 +238,7 @@ void addRuleCommand(CLI::App& app, Context& context) {
         ->excludes(to)
         ->excludes(calendar);
     command->footer(
-        "Forms: v10 is vCalendar 1.0, ical iCalendar, positional the library's own.\n"
+        "Forms: v10 is vCalendar 1.0, ical is iCalendar, positional is the library's own.\n"
         "Examples:\n"
         "  qelutil rule \"W2 MO WE FR #10\" --start 2005-06-15\n"
         "  qelutil rule \"FREQ=MONTHLY;BYDAY=-1FR\" --start 20050624 --calendar\n"

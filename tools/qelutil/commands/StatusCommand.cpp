@@ -109,7 +109,7 @@ void addStatusCommand(CLI::App& app, Context& context) {
                      "the number of a status or operation, a tag, or a name")
         ->type_name("");
     command->add_flag("--list", options->list, "list them all");
-    command->add_flag("--json", options->json, "as JSON");
+    command->add_flag("--json", options->json, "print the facts as JSON");
     command->footer(
         "Examples:\n"
         "  qelutil status 23 UIDNotFound\n"

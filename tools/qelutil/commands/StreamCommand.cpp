@@ -333,17 +333,17 @@ void run(Context& context, const Options& options) {
 
 void addStreamCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("stream", "What a serialised data stream holds");
+    CLI::App* command = app.add_subcommand("stream", "Show the values of a serialised data stream");
     options->source.addInputTo(*command);
-    command->add_option("--types", options->types, "the values' types, the rest has none")
+    command->add_option("--types", options->types, "the types of the first values, in order")
         ->type_name("TYPE,...")
         ->delimiter(',')
         ->allow_extra_args(false);
-    command->add_flag("--json", options->json, "as JSON");
+    command->add_flag("--json", options->json, "print the facts as JSON");
     command->footer(
         "A stream does not contain the types of its values. Without --types each is shown as "
         "text,\n"
-        "with what it would be as a number. The types are " +
+        "together with its value as a number. The types are " +
         typeNames() +
         ".\n"
         "Examples:\n"

@@ -218,19 +218,20 @@ void addZoneCommand(CLI::App& app, Context& context) {
         "  qelutil zone changes berlin --year 2005");
 
     CLI::App* listing =
-        command->add_subcommand("list", "All zones: number, standard and summer offset, name");
-    listing->add_flag("--json", options->json, "write the facts as JSON");
+        command->add_subcommand("list", "List all zones: number, standard and summer offset, name");
+    listing->add_flag("--json", options->json, "print the facts as JSON");
     listing->footer("Example:\n  qelutil zone list --json");
     listing->callback([options, &context] { list(context, *options); });
 
-    CLI::App* conversion = command->add_subcommand("convert", "Move times from zone to zone");
+    CLI::App* conversion = command->add_subcommand("convert", "Convert times between zones");
     conversion
         ->add_option("TIME", options->texts,
                      "a date-time such as 20050615T083000; with a Z it is UTC")
         ->required();
     conversion->add_option("--from", options->from, kZoneHelp)->type_name("ZONE");
-    conversion->add_option("--to", options->to, "likewise")->type_name("ZONE");
-    conversion->add_flag("--json", options->json, "write the facts as JSON");
+    conversion->add_option("--to", options->to, "the zone to convert to, in the same way")
+        ->type_name("ZONE");
+    conversion->add_flag("--json", options->json, "print the facts as JSON");
     conversion->footer(
         "Without --from a time is in the computer's zone; without --to it becomes UTC, and UTC\n"
         "becomes the computer's time.\n"
@@ -240,10 +241,10 @@ void addZoneCommand(CLI::App& app, Context& context) {
         "  qelutil zone convert 2005-06-15T08:30 --from kathmandu --to tokyo --json");
     conversion->callback([options, &context] { convert(context, *options); });
 
-    CLI::App* year = command->add_subcommand("changes", "The changes of offset in a year");
+    CLI::App* year = command->add_subcommand("changes", "List the changes of offset in a year");
     year->add_option("ZONE", options->zone, kZoneHelp)->required();
-    year->add_option("--year", options->year, "this year unless given")->type_name("YEAR");
-    year->add_flag("--json", options->json, "write the facts as JSON");
+    year->add_option("--year", options->year, "the year; this year by default")->type_name("YEAR");
+    year->add_flag("--json", options->json, "print the facts as JSON");
     year->footer(
         "Examples:\n  qelutil zone changes \"eastern time\" --year 2005\n  qelutil zone changes "
         "local");

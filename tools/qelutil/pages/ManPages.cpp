@@ -60,6 +60,7 @@ std::string italic(const std::string& text) {
 
 // Sentences one a line, as the macros want them, the last one with its full stop.
 std::string paragraph(std::string text) {
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\n')) text.pop_back();
     if (!text.empty() && text.back() != '.' && text.back() != '?') text += '.';
     std::string result;
     std::size_t at = 0;
@@ -137,8 +138,10 @@ std::string optionItem(const PageOption& option) {
     if (!option.positional && !option.argumentName.empty())
         text += " " + italic(option.argumentName);
     std::string description = option.description;
-    // "ics|vcs" names them already.
-    if (!option.choices.empty() && option.argumentName.find('|') == std::string::npos) {
+    // "ics|vcs" and "base64, qp or cipher" name them already.
+    const bool named = option.argumentName.find('|') != std::string::npos ||
+                       (!option.choices.empty() && description.ends_with(option.choices.back()));
+    if (!option.choices.empty() && !named) {
         description += ": ";
         for (const std::string& each : option.choices)
             description += (&each == &option.choices.front()  ? ""
@@ -146,7 +149,7 @@ std::string optionItem(const PageOption& option) {
                                                               : ", ") +
                            each;
     }
-    if (!option.preset.empty()) description += "; " + option.preset + " without it";
+    if (!option.preset.empty()) description += "; " + option.preset + " by default";
     const auto startsWith = [&](const std::string& each) { return description.starts_with(each); };
     const bool word = std::any_of(option.choices.begin(), option.choices.end(), startsWith);
     if (!word && !description.empty() && description[0] >= 'a' && description[0] <= 'z')
@@ -171,11 +174,12 @@ std::string exampleList(const PageCommand& command) {
 }
 
 std::string exitStatus() {
-    return ".SH EXIT STATUS\n.TP\n0\nAll is well.\n.TP\n1\nSome input was bad; what could be done "
-           "was done.\n.TP\n2\nThe command line is invalid; nothing was done.\n.TP\n128 and "
-           "more\nA "
-           "signal ended it: 130 after Ctrl-C, 141 when nobody reads its output. No file is left "
-           "half written.\n";
+    return ".SH EXIT STATUS\n.TP\n0\nSuccess.\n.TP\n1\nSome input was invalid, or a file could not "
+           "be "
+           "read or written; the rest was done.\n.TP\n2\nThe command line is invalid; nothing was "
+           "done.\n.TP\n128 and more\nA signal ended it: 130 after Ctrl-C, 141 when nobody reads "
+           "its "
+           "output. No file is left half written.\n";
 }
 
 // Sections that a page has in addition to the help.
@@ -192,18 +196,17 @@ constexpr Section kSections[] = {
      "their paths.\nFiles and folders whose name begins with a dot are ignored, and links to "
      "folders are not followed.\n.PP\n"
      "With \\fB\\-\\-output\\-dir\\fR each file has a result of its own: the path below the folder "
-     "that was named, with the ending of the other format.\nA result that exists already is not "
+     "that was named, with the extension of the other format.\nA result that exists already is not "
      "replaced without \\fB\\-\\-overwrite\\fR; a file that is itself to be converted never "
      "is.\nOf "
-     "two files with one result, names in capitals and small letters being the same, the second is "
+     "two files with the same result, names that differ only in case being the same, the second is "
      "left out.\nEach of these is an error that names both files.\n"
      ".SH MESSAGES\n"
      "An error says that the input is invalid there, a warning that the other format cannot "
      "express something.\nA note, shown with \\fB\\-\\-verbose\\fR and in the report, says how "
      "irregular input was read.\n.PP\n"
-     "The summary counts the entries that were read and those in a result.\nChanged are "
-     "entries with a message.\nNot carried over counts the messages about something that is "
-     "missing "
+     "The summary counts the entries that were read and those in a result.\n\"Changed\" counts "
+     "entries with a message, \"not carried over\" the messages about something that is missing "
      "from the result.\nAn entry without a message was converted completely.\n"},
 };
 
@@ -229,8 +232,8 @@ std::string programManPage(const PageCommand& program) {
     text +=
         ".SH ENVIRONMENT\n"
         ".TP\n.B NO_COLOR\nWhen it is set and not empty, nothing is coloured unless "
-        "\\fB\\-\\-color\\fR says so.\n"
-        ".TP\n.B TERM\nWith the value \\fIdumb\\fR, or none, nothing is coloured.\n"
+        "\\fB\\-\\-color\\fR asks for it.\n"
+        ".TP\n.B TERM\nWhen it is \\fIdumb\\fR or unset, nothing is coloured.\n"
         ".TP\n.B BX_ERR_LOG_FILE_PATH\nThe trace log; see\n.BR qelutil\\-log (1).\n"
         ".TP\n.B BX_OPTIONS_FILE_PATH\nThe trace's options file.\n"
         ".SH EXAMPLES\n.EX\nqelutil convert phone.vcs \\-o phone.ics\n"
@@ -247,8 +250,9 @@ std::string commandManPage(const PageCommand& program, const PageCommand& comman
     const std::string words = program.name + " " + command.name;
     std::string text = heading(program.name, program.name + "-" + command.name);
     std::string says = command.description;
-    says[0] = static_cast<char>(says[0] >= 'A' && says[0] <= 'Z' && says[1] >= 'a' ? says[0] + 32
-                                                                                   : says[0]);
+    const bool isAbbreviation = says[1] >= 'A' && says[1] <= 'Z';
+    if (says[0] >= 'A' && says[0] <= 'Z' && !isAbbreviation)
+        says[0] = static_cast<char>(says[0] - 'A' + 'a');
     text += ".SH NAME\nqelutil\\-" + command.name + " \\- " + roff(says) + "\n.SH SYNOPSIS\n";
     if (command.commands.empty()) text += synopsis(words, command);
     for (const PageCommand& each : command.commands)

@@ -1,0 +1,43 @@
+#include "platform/Fork.h"
+
+#include <pthread.h>
+
+#include "platform/Process.h"
+#include "platform/posix/ForkHooks.h"
+
+namespace qel::platform {
+
+namespace {
+
+struct Watchers {
+    void (*before)() = nullptr;
+    void (*inParent)() = nullptr;
+    void (*inChild)() = nullptr;
+};
+
+Watchers watchers;
+
+}  // namespace
+
+bool watchForks(void (*before)(), void (*inParent)(), void (*inChild)()) noexcept {
+    watchers = {before, inParent, inChild};
+    (void)threadId();  // its own handler comes first, so that the others know the child's thread
+    return pthread_atfork(
+               [] {
+                   watchers.before();
+                   holdTraceMutex();
+                   holdLocalClock();
+               },
+               [] {
+                   releaseLocalClock();
+                   releaseTraceMutex();
+                   watchers.inParent();
+               },
+               [] {
+                   releaseLocalClock();
+                   renewTraceMutex();
+                   watchers.inChild();
+               }) == 0;
+}
+
+}  // namespace qel::platform
