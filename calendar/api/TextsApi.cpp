@@ -4,9 +4,9 @@
 
 #include "calendar/api/Calls.h"
 #include "calendar/base/Text.h"
+#include "calendar/charsets/CharacterSet.h"
 #include "calendar/lines/FileKind.h"
 #include "calendar/text/CharacterSets.h"
-#include "calendar/text/LibrarySets.h"
 
 namespace {
 

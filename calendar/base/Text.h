@@ -14,6 +14,9 @@ namespace qel::calendar {
 
 [[nodiscard]] bool isUtf8(std::string_view text);
 
+// Appends a character. REQUIRES: a code point, not a surrogate.
+void appendUtf8(std::string& text, char32_t code);
+
 // The text with control characters and bytes that are not UTF-8 written as \n, \r, \t or \xNN, so
 // that no input can steer the terminal; a very long text is cut and ends in "...".
 [[nodiscard]] std::string printable(std::string_view text, std::size_t longest = 4096);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Text.h"
 #include "calendar/lines/Property.h"
 
 namespace qel::calendar {
@@ -16,24 +17,6 @@ namespace {
 
 constexpr std::size_t kLongestHead = 8192;
 constexpr std::size_t kLongestMark = 3;
-
-void appendUtf8(std::string& text, unsigned code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        text += static_cast<char>(0xE0 | (code >> 12));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        text += static_cast<char>(0xF0 | (code >> 18));
-        text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    }
-}
 
 bool isBase64Text(std::string_view text) {
     return !text.empty() &&

@@ -2,8 +2,7 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Text.h"
-#include "calendar/platform/CharacterSets.h"
-#include "calendar/text/LibrarySets.h"
+#include "calendar/charsets/CharacterSet.h"
 
 namespace qel::calendar {
 
@@ -17,46 +16,34 @@ bool isUtf8Set(std::string_view set) {
     return equalsIgnoreCase(set, "UTF-8") || equalsIgnoreCase(set, "UTF8");
 }
 
-// The text with U+FFFD for each byte that belongs to no character; of ASCII alone when asked.
-std::string withReplacements(std::string_view text, bool ascii) {
+// The text with U+FFFD for each byte that is not ASCII.
+std::string asciiOnly(std::string_view text) {
     std::string result;
-    while (!text.empty()) {
-        const std::size_t length = utf8CharacterLength(text);
-        const bool valid = length == 1 || (length > 1 && !ascii);
-        result += valid ? text.substr(0, length) : kReplacement;
-        text.remove_prefix(valid ? length : 1);
-    }
+    for (const char c : text)
+        if (static_cast<signed char>(c) >= 0)
+            result += c;
+        else
+            result += kReplacement;
     return result;
 }
 
-void noteReplaced(const std::string& text, std::string_view set, std::vector<Note>& notes) {
-    if (text.find(kReplacement) != std::string::npos)
-        notes.push_back(Note(NoteCode::TextBytesInvalid, 0, {set}));
-}
-
-std::string fromNamedSet(std::string text, std::string_view set, std::vector<Note>& notes) {
-    if (const char* library = libraryCharacterSet(set); *library != '\0') {
-        std::string converted = fromLibrarySet(text, library);
-        noteReplaced(converted, set, notes);
-        return converted;
+std::string fromNamedSet(std::string text, std::string_view name, std::vector<Note>& notes) {
+    const CharacterSet* const set = findCharacterSet(name);
+    if (isAscii(text) && (set == nullptr || !changesAscii(*set))) return text;
+    if (set == nullptr) {
+        const std::string_view guess = isUtf8(text) ? "UTF-8" : "windows-1252";
+        notes.push_back(Note(NoteCode::CharacterSetUnknown, 0, {name, guess}));
+        return utf8OrWindows1252(std::move(text));
     }
-    if (auto converted = platform::toUtf8(text, set)) {
-        notes.push_back(Note(NoteCode::CharacterSetBySystem, 0, {set}));
-        noteReplaced(*converted, set, notes);
-        return *std::move(converted);
-    }
-    const std::string_view guess = isUtf8(text) ? "UTF-8" : "windows-1252";
-    notes.push_back(Note(NoteCode::CharacterSetUnknown, 0, {set, guess}));
-    return utf8OrWindows1252(std::move(text));
+    std::string converted;
+    if (decode(*set, text, converted) != 0)
+        notes.push_back(Note(NoteCode::TextBytesInvalid, 0, {name}));
+    return converted;
 }
 
 }  // namespace
 
 std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& notes) {
-    // Only these use ASCII bytes for other characters.
-    if (isAscii(text) && !startsWithIgnoreCase(set, "ISO-2022") &&
-        !startsWithIgnoreCase(set, "UTF-7"))
-        return text;
     const bool saysUtf8 = isUtf8Set(set);
     if (!isAsciiSet(set) && !saysUtf8) return fromNamedSet(std::move(text), set, notes);
     if (isUtf8(text)) return text;
@@ -66,10 +53,23 @@ std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& no
 
 std::optional<std::string> fromCharacterSet(std::string_view text, std::string_view set) {
     if (set.empty()) return std::nullopt;
-    if (isUtf8Set(set) || isAsciiSet(set)) return withReplacements(text, isAsciiSet(set));
-    if (const char* library = libraryCharacterSet(set); *library != '\0')
-        return fromLibrarySet(text, library);
-    return platform::toUtf8(text, set);
+    if (isAsciiSet(set)) return asciiOnly(text);
+    const CharacterSet* const found = findCharacterSet(set);
+    if (found == nullptr) return std::nullopt;
+    std::string converted;
+    decode(*found, text, converted);
+    return converted;
+}
+
+std::string fromWindows1252(std::string_view text) {
+    static const CharacterSet* const kSet = findCharacterSet("windows-1252");
+    std::string converted;
+    decode(*kSet, text, converted);
+    return converted;
+}
+
+std::string utf8OrWindows1252(std::string text) {
+    return isUtf8(text) ? std::move(text) : fromWindows1252(text);
 }
 
 }  // namespace qel::calendar

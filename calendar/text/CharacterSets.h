@@ -1,4 +1,4 @@
-// Text in any character set that the library or the operating system can read. Any thread.
+// The text of a calendar's values in UTF-8, whatever character set they are in. Any thread.
 #ifndef QEL_CALENDAR_TEXT_CHARACTERSETS_H
 #define QEL_CALENDAR_TEXT_CHARACTERSETS_H
 
@@ -19,6 +19,12 @@ namespace qel::calendar {
 // The same without any guess: nothing when the set is unknown, and invalid bytes become U+FFFD.
 [[nodiscard]] std::optional<std::string> fromCharacterSet(std::string_view text,
                                                           std::string_view set);
+
+[[nodiscard]] std::string fromWindows1252(std::string_view text);
+
+// A text whose character set is not known: unchanged when it is valid UTF-8, otherwise read as
+// windows-1252.
+[[nodiscard]] std::string utf8OrWindows1252(std::string text);
 
 }  // namespace qel::calendar
 

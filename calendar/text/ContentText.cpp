@@ -6,8 +6,8 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Text.h"
+#include "calendar/text/CharacterSets.h"
 #include "calendar/text/Escapes.h"
-#include "calendar/text/LibrarySets.h"
 #include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/text/LibrarySets.h"
+#include "calendar/text/CharacterSets.h"
 #include "calendar/text/TextCodec.h"
 
 namespace qel::calendar {

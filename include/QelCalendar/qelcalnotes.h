@@ -61,11 +61,8 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_TEXT_BYTES_INVALID = 201,
     /**< The file names a character set for this text, and some of the text's bytes mean nothing in
      * it. Each of them became the replacement character. */
-    QELCAL_NOTE_CHARACTER_SET_BY_SYSTEM = 202,
-    /**< The text is in a character set that only the operating system knows. Another computer may
-     * read some of its characters in another way. */
     QELCAL_NOTE_CHARACTER_SET_UNKNOWN = 203,
-    /**< The file names a character set that neither the library nor the operating system knows. */
+    /**< The file names a character set that does not exist, or that this library does not know. */
     QELCAL_NOTE_TEXT_NOT_UTF8 = 204,
     /**< The file says that this text is UTF-8, but its bytes are not. Most such texts are in the
      * character set of Western European Windows. */

@@ -43,6 +43,8 @@ constexpr char kBreak = '\x01';
 // those at a break are not looked at.
 std::vector<std::string> wordsOf(const std::string& text) {
     const auto isLetter = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0; };
+    // A letter after a byte above 127 may be the second half of a character.
+    const auto isEdge = [](char c) { return c != kBreak && static_cast<unsigned char>(c) < 0x80; };
     std::vector<std::string> words;
     std::string word;
     char before = ' ';
@@ -51,7 +53,7 @@ std::vector<std::string> wordsOf(const std::string& text) {
             word += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
             continue;
         }
-        const bool whole = c != kBreak && before != kBreak && static_cast<unsigned char>(c) < 0x80;
+        const bool whole = isEdge(before) && isEdge(c);
         if (word.size() >= 3 && whole && word != "mailto") words.push_back(word);
         word.clear();
         before = c;

@@ -45,11 +45,11 @@ const char* wordsOf(Support support) {
         case Support::Converts:
             return "converts";
         case Support::SystemPage:
-            return "read with --from, by the system; written in the system's own set";
+            return "read with --from; written in the system's own set";
         case Support::Nothing:
             break;
     }
-    return "read with --from, by the system";
+    return "read with --from";
 }
 
 std::vector<std::string> setNames() {
@@ -246,10 +246,10 @@ class Conversion {
     std::uint64_t reports_ = 0;
 };
 
-// From a set that the system converts and QelUtility does not, line by line.
-class SystemConversion {
+// Into UTF-8 from any set that calendars are read in, line by line.
+class Reading {
   public:
-    SystemConversion(Context& context, std::string set, std::string name)
+    Reading(Context& context, std::string set, std::string name)
         : context_(context), set_(std::move(set)), name_(std::move(name)) {}
 
     void convert(std::string_view text, std::size_t firstLine, std::ostream& out) {
@@ -301,19 +301,11 @@ std::string setOfUsualName(const std::string& name) {
     return set == kSets.end() ? std::string() : set->second;
 }
 
-// The system's name for a set that it reads and QelUtility does not, "" for any other. Sets whose
-// line ends are not the byte LF (UTF-16) are not read.
-std::string systemSet(const std::string& name) {
-    std::string system = name;
-    for (const std::string& each : setNames()) {
-        if (CLI::detail::to_lower(each) != CLI::detail::to_lower(name)) continue;
-        if (supportOf(each) == Support::Converts) return {};
-        if (supportOf(each) == Support::Nothing) system = "ISO-" + each;
-    }
-    if (!setOfUsualName(name).empty() || !qelcal::isCharset(system) ||
-        qelcal::toUtf8(system, "\n") != "\n")
-        return {};
-    return system;
+// True for a set that calendars are read in, other than UTF-8. Sets whose line ends are not the
+// byte LF (UTF-16) are not read here.
+bool isRead(const std::string& name) {
+    return qelcal::isCharset(name) && qelcal::toUtf8(name, "\n") == "\n" &&
+           qelcal::toUtf8(name, "\xC3\xA9") != "\xC3\xA9";
 }
 
 // The name as QelUtility writes it. Throws UsageError for a name that it does not know.
@@ -349,11 +341,9 @@ void run(Context& context, Options options) {
         return;
     }
     options.to = knownSet(options.to);
-    if (const std::string system = systemSet(options.from);
-        options.to == "UTF-8" && !system.empty()) {
-        context.note({}, 0, "the library does not convert " + system + "; the system does");
+    if (options.to == "UTF-8" && isRead(options.from)) {
         InputFile input = options.source.open(context);
-        convertAll(context, options, input, SystemConversion(context, system, input.name()));
+        convertAll(context, options, input, Reading(context, options.from, input.name()));
         return;
     }
     options.from = knownSet(options.from);
@@ -361,9 +351,7 @@ void run(Context& context, Options options) {
         throw UsageError("both sets are " + options.from + "; name another with --from or --to");
     for (const std::string& set : {options.from, options.to}) {
         if (supportOf(set) == Support::Nothing)
-            throw InputError(set +
-                             " is in the list of sets but has no conversion there; --from takes it "
-                             "with --to UTF-8");
+            throw InputError(set + " is read only: --from takes it with --to UTF-8");
         if (supportOf(set) == Support::SystemPage)
             context.warning({}, 0,
                             set + " has no conversion of its own: the system's own set is taken");
@@ -388,8 +376,9 @@ void addCharsetCommand(CLI::App& app, Context& context) {
         "A character that is invalid in the one set or missing from the other becomes \"?\" and "
         "is\n"
         "reported on standard error with its line; the exit status is then 1. The sets of --list\n"
-        "may also be given by their usual names (windows-1252, GB2312, Big5); --from also accepts\n"
-        "other sets that the system knows (Shift_JIS, KOI8-R), into UTF-8, and says so.\n"
+        "may also be given by their usual names (windows-1252, GB2312, Big5); --from also reads,\n"
+        "into UTF-8, every set that calendars are read in, by the names that browsers know\n"
+        "(Shift_JIS, KOI8-R).\n"
         "Examples:\n"
         "  qelutil charset --list\n"
         "  qelutil charset --from GB2312 notes.txt -o notes-utf8.txt\n"
