@@ -1,6 +1,7 @@
 #include "calendar/entries/Entry.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
@@ -14,13 +15,27 @@ const EntryProperty* Entry::find(std::string_view name) const {
     return found == properties.end() ? nullptr : &*found;
 }
 
-bool Entry::saysAllDay() const {
-    if (const EntryProperty* type = find("X-EPOCAGENDAENTRYTYPE")) {
-        const std::string_view value = trimmed(type->value());
-        if (equalsIgnoreCase(value, "EVENT") || equalsIgnoreCase(value, "ANNIVERSARY")) return true;
+Entry::WholeDaysSaid Entry::wholeDaysSaid() const {
+    static constexpr std::string_view kFlags[] = {"X-MICROSOFT-CDO-ALLDAYEVENT",
+                                                  "X-FUNAMBOL-ALLDAY", "X-DCM-ALLDAY", "X-ALLDAY"};
+    static constexpr std::string_view kType = "X-EPOCAGENDAENTRYTYPE";
+    WholeDaysSaid said;
+    for (const EntryProperty& each : properties) {
+        if (!each.name.starts_with("X-")) continue;
+        const std::string_view value = trimmed(each.value());
+        const auto is = [value](std::string_view word) { return equalsIgnoreCase(value, word); };
+        WholeDays what = WholeDays::Unsaid;
+        if (each.name == kType)
+            what = is("EVENT") || is("ANNIVERSARY")      ? WholeDays::AtMidnight
+                   : is("APPOINTMENT") || is("REMINDER") ? WholeDays::No
+                                                         : WholeDays::Unsaid;
+        else if (std::find(std::begin(kFlags), std::end(kFlags), each.name) != std::end(kFlags))
+            what = is("TRUE") || is("1") || is("YES")   ? WholeDays::Yes
+                   : is("FALSE") || is("0") || is("NO") ? WholeDays::No
+                                                        : WholeDays::Unsaid;
+        if (what > said.what) said = {what, &each};
     }
-    const EntryProperty* flag = find("X-MICROSOFT-CDO-ALLDAYEVENT");
-    return flag != nullptr && equalsIgnoreCase(trimmed(flag->value()), "TRUE");
+    return said;
 }
 
 RuleStart Entry::ruleStart() const {

@@ -98,8 +98,15 @@ struct Entry {
     std::vector<EntryProperty> properties;
 
     [[nodiscard]] const EntryProperty* find(std::string_view name) const;
-    // True when a property of a phone or a PC program says that the entry is an all-day one.
-    [[nodiscard]] bool saysAllDay() const;
+    // What the properties of phones and PC programs say about whole days. Some phones say
+    // AtMidnight of any event that is no appointment: it is all-day when it starts at midnight.
+    enum class WholeDays { Unsaid, No, AtMidnight, Yes };
+    struct WholeDaysSaid {
+        WholeDays what = WholeDays::Unsaid;
+        const EntryProperty* by = nullptr;
+    };
+    [[nodiscard]] WholeDaysSaid wholeDaysSaid() const;
+    [[nodiscard]] bool saysAllDay() const { return wholeDaysSaid().what >= WholeDays::AtMidnight; }
     [[nodiscard]] bool recurs() const { return !rules.empty() || !dates.empty(); }
     // What a rule of this entry starts from, in its own clock. REQUIRES: start.
     [[nodiscard]] RuleStart ruleStart() const;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/formats/AlarmText.h"
 #include "calendar/formats/EntryReader.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/text/ContentValue.h"
@@ -19,7 +20,12 @@ void AlarmReader::takeComponent(const Component& component) {
     alarm_.hasText = false;
     hasTrigger_ = false;
     usable_ = true;
+    // What the other properties are for depends on it.
+    for (const ContentLine& line : component.properties)
+        if (line.id == PropertyName::Action) takeAction(line);
     for (const ContentLine& line : component.properties) takeProperty(line);
+    for (const Component& child : component.children)
+        reader_.report(Note(NoteCode::EntryPartUnknown, child.number, {child.name}));
     if (!hasTrigger_) {
         reader_.report(Note(NoteCode::AlarmWithoutTrigger, component.number));
         usable_ = false;
@@ -34,24 +40,34 @@ void AlarmReader::takeProperty(const ContentLine& line) {
     using Name = PropertyName;
     switch (line.id) {
         case Name::Action:
-            return takeAction(line);
+            return;
         case Name::Trigger:
             return takeTrigger(line);
         case Name::Duration:
-            if (const auto duration = parseDuration(line.value)) alarm_.snooze = duration->total();
+            if (const auto duration = parseDuration(line.value))
+                alarm_.snooze = duration->total();
+            else
+                takeOther(line, EntryProperty::Type::Text);
             return;
         case Name::Repeat:
             alarm_.repeat = parseInt(trimmed(line.value));
+            if (!alarm_.repeat) takeOther(line, EntryProperty::Type::Text);
             return;
         case Name::Description:
+            if (alarm_.hasText || alarm_.action == Action::Audio ||
+                alarm_.action == Action::Procedure)
+                return takeOther(line, EntryProperty::Type::Text);
             alarm_.text = unescapeICalendar(reader_.text(line));
             alarm_.hasText = true;
             return;
         case Name::Summary:
+            if (alarm_.action != Action::Email || !alarm_.summary.empty())
+                return takeOther(line, EntryProperty::Type::Text);
             alarm_.summary = unescapeICalendar(reader_.text(line));
             return;
         case Name::Attendee:
-            return takeAddress(line);
+            return alarm_.action == Action::Email ? takeAddress(line)
+                                                  : takeOther(line, EntryProperty::Type::Raw);
         case Name::Attach:
             return takeOther(line, EntryProperty::Type::Raw);
         default:
@@ -89,14 +105,20 @@ void AlarmReader::takeAddress(const ContentLine& line) {
 }
 
 void AlarmReader::takeOther(const ContentLine& line, EntryProperty::Type type) {
-    const std::string_view text = reader_.text(line);
-    alarm_.others.push_back(
-        {std::string(line.name),
-         line.parameters,
-         type,
-         type == EntryProperty::Type::Raw ? std::string(text) : unescapeICalendar(text),
-         {},
-         line.number});
+    const bool binary = isBase64(line);
+    const std::string_view text = binary ? line.value : reader_.text(line);
+    EntryProperty other{std::string(line.name), line.parameters, type, {}, {}, line.number};
+    if (binary)
+        other.type = EntryProperty::Type::Raw;
+    else
+        // The value is decoded.
+        std::erase_if(other.parameters, [](const Parameter& each) {
+            return each.name == "ENCODING" || each.name == "CHARSET" ||
+                   (each.name.empty() && isEncodingWord(each.value));
+        });
+    other.text = other.type == EntryProperty::Type::Raw ? std::string(trimmed(text))
+                                                        : unescapeICalendar(text);
+    alarm_.others.push_back(std::move(other));
 }
 
 void AlarmReader::takeAttachment() {
@@ -130,6 +152,7 @@ bool AlarmReader::restoreAs(Action action) {
     restored.offset = alarm_.offset;
     restored.fromEnd = alarm_.fromEnd;
     restored.line = alarm_.line;
+    restored.summary = alarm_.summary;
     restored.fields = own->value();
     for (const Parameter& each : own->parameters) {
         const bool carried = each.name.starts_with(kVCalendarPrefix);
@@ -138,6 +161,8 @@ bool AlarmReader::restoreAs(Action action) {
         restored.parameters.push_back({bare, each.value});
     }
     readAlarmFields(restored);
+    alarm_.others.erase(own);
+    restored.others = std::move(alarm_.others);
     alarm_ = std::move(restored);
     return true;
 }
@@ -161,8 +186,10 @@ void AlarmReader::takeLine(const ContentLine& line) {
     }
     alarm_.fields = std::string(rest);
     for (const Parameter& each : line.parameters)
-        if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
-            !(each.name.empty() && isEncodingWord(each.value) && !binary))
+        if (alarm_.action == Action::Email && each.name == kMailSummary)
+            alarm_.summary = each.value;
+        else if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
+                 !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);
     readAlarmFields(alarm_);
     // A URI can be recognised as one.

@@ -191,6 +191,11 @@ void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm)
                                    [](const Parameter& each) { return each.name == "VALUE"; });
     if (takesUri && isUri(alarm.text) && (kind == parameters.end() || kind->value.empty()))
         parameters.push_back({"VALUE", "URL"});
+    // iCalendar gets the entry's own again where there is no other one.
+    const EntryProperty* const own = entry.find("SUMMARY");
+    if (alarm.action == Alarm::Action::Email && !alarm.summary.empty() &&
+        alarm.summary != (own == nullptr ? kReminder : std::string_view(own->value())))
+        parameters.push_back({std::string(kMailSummary), alarm.summary});
     // In binary the fields before the sound are on the first line.
     if (isBinary(alarm))
         out += vCalendarBase64(name, parameters, value);

@@ -11,6 +11,12 @@
 
 namespace qel::calendar {
 
+// What an alarm shows that has no text, in an entry without a summary.
+inline constexpr std::string_view kReminder = "Reminder";
+
+// The parameter of an alarm of vCalendar 1.0 that keeps the subject of its mail.
+inline constexpr std::string_view kMailSummary = "X-ICAL-SUMMARY";
+
 // When an alarm rings in iCalendar: at a moment in UTC, or seconds after the entry's start or end.
 struct AlarmTrigger {
     std::optional<Moment> at;

@@ -1,9 +1,11 @@
 #include "calendar/formats/EntryReader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
 #include "calendar/base/Text.h"
 #include "calendar/formats/AlarmReader.h"
 #include "calendar/rules/RuleReader.h"
@@ -22,6 +24,23 @@ constexpr std::size_t kLongestZone = 1000;
 // Properties that an entry usually has at most: their memory is kept for the next one.
 constexpr std::size_t kUsualProperties = 32;
 
+// The day whose midnight, in whatever zone, is a moment in UTC: half a day later it is that day in
+// UTC too.
+Moment dayOfUtc(const Moment& moment) {
+    const Moment noon = momentAt(moment, moment.seconds() + kDaySeconds / 2);
+    return {noon.day, 0, true, Clock::Floating};
+}
+
+// A decimal number from -most to most.
+bool isDegrees(std::string_view text, int most) {
+    if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+    const std::string_view whole = nextField(text, '.');
+    if (whole.empty() ? !allDigits(text) : !allDigits(whole)) return false;
+    if (!text.empty() && !allDigits(text)) return false;
+    const int number = whole.empty() ? 0 : parseInt(whole).value_or(most + 1);
+    return number < most || (number == most && text.find_first_not_of('0') == text.npos);
+}
+
 }  // namespace
 
 bool isEncodingWord(std::string_view value) {
@@ -39,9 +58,11 @@ EntryReader::EntryReader(KnownZones& zones, const Choices& choices, NoteSink sin
 Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     if (!beginEntry(component, zone)) return nullptr;
     for (const ContentLine& line : component.properties) takeLine(line);
+    settleWholeDays();
     settleTimes();
     startSeriesAtDue();
     takeRecurrence();
+    if (daysOfUtc_) settleDaysOfUtc();
     for (const Component& child : component.children)
         if (child.name == "VALARM")
             AlarmReader(*this).takeComponent(child);
@@ -75,6 +96,85 @@ bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
         return false;
     }
     return true;
+}
+
+Moment EntryReader::onLocalClock(const Moment& moment) const {
+    if (moment.clock != Clock::Utc || entry_.zone == nullptr) return moment;
+    return entry_.zone->toLocal(moment);
+}
+
+// True from 00:00 to 24:00 or the last minute or second before it.
+bool EntryReader::lastsWholeDays() const {
+    constexpr int kLastMinute = 86340;
+    constexpr int kLastSecond = 86399;
+    const Moment start = onLocalClock(*entry_.start);
+    if (start.second != 0 || start.clock == Clock::Utc || !entry_.end || entry_.end->isDate)
+        return false;
+    const Moment end = onLocalClock(*entry_.end);
+    if (end.clock != start.clock) return false;
+    return end.second == 0
+               ? end.day > start.day
+               : end.day >= start.day && (end.second == kLastMinute || end.second == kLastSecond);
+}
+
+void EntryReader::settleWholeDays() {
+    using Said = Entry::WholeDays;
+    daysOfUtc_ = false;
+    if (entry_.kind != EntryKind::Event || !entry_.start || entry_.start->isDate) return;
+    const Entry::WholeDaysSaid said = entry_.wholeDaysSaid();
+    const Moment start = onLocalClock(*entry_.start);
+    if (said.what == Said::Unsaid && daysAreTimes() && lastsWholeDays()) {
+        report(Note(NoteCode::AllDayByTimes, entry_.line));
+        return makeAllDay();
+    }
+    if (said.what != Said::Yes && (said.what != Said::AtMidnight || start.second != 0)) return;
+    if (start.clock == Clock::Utc && start.second != 0) {
+        daysOfUtc_ = true;
+        report(Note(NoteCode::AllDayInUtc, said.by->line, {said.by->name}));
+    } else if (start.second != 0) {
+        report(Note(NoteCode::AllDayWithoutTimes, said.by->line,
+                    {said.by->name, formatMoment(start)}));
+    } else {
+        report(Note(NoteCode::AllDayBySign, said.by->line, {said.by->name}));
+    }
+    makeAllDay();
+}
+
+void EntryReader::makeAllDay() {
+    const Moment start = *entry_.start;
+    if (entry_.duration && !entry_.end) {
+        entry_.end = momentAt(start, start.seconds() + entry_.duration->total());
+        entry_.duration.reset();
+    }
+    entry_.start =
+        daysOfUtc_ ? dayOfUtc(start) : entry_.inClockOf(Moment{0, 0, true, Clock::Floating}, start);
+    for (std::optional<Moment>* each : {&entry_.end, &entry_.due}) {
+        if (!*each || (*each)->isDate) continue;
+        const Moment local = onLocalClock(**each);
+        const bool endsWithin = each == &entry_.end && local.second != 0;
+        int day = local.day + (endsWithin ? 1 : 0);
+        if (daysOfUtc_ && (*each)->clock == Clock::Utc) {
+            const std::int64_t length = (*each)->seconds() - start.seconds();
+            day = entry_.start->day + static_cast<int>((length + kDaySeconds - 1) / kDaySeconds);
+        }
+        *each = Moment{day, 0, true, Clock::Floating};
+    }
+    if (entry_.recurrenceId)
+        entry_.recurrenceId = daysOfUtc_ && entry_.recurrenceId->clock == Clock::Utc
+                                  ? dayOfUtc(*entry_.recurrenceId)
+                                  : entry_.inClockOf(*entry_.start, *entry_.recurrenceId);
+}
+
+// The lists and the ends of rules are days as the start is.
+void EntryReader::settleDaysOfUtc() {
+    for (std::vector<Moment>* list : {&entry_.dates, &entry_.excluded})
+        for (Moment& each : *list)
+            if (!each.isDate && each.clock == Clock::Utc) each = dayOfUtc(each);
+    for (EntryRule& each : entry_.rules)
+        for (Rule& rule : each.rules)
+            if (const auto until = parseMoment(rule.until);
+                until && !until->isDate && until->clock == Clock::Utc)
+                rule.until = formatMoment(dayOfUtc(*until));
 }
 
 // A series counts from its start; a to-do may have a due date alone.
@@ -151,6 +251,8 @@ void EntryReader::takeLine(const ContentLine& line) {
 
 void EntryReader::takeUid(const ContentLine& line) {
     const std::string_view uid = text(line);
+    if (!entry_.uid.empty() && !trimmed(uid).empty())
+        return carry(line, NoteCode::EntryUidTwice, uid);
     entry_.uid = trimmed(ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid)
                                                            : unescapeVCalendar(uid));
 }
@@ -292,6 +394,54 @@ void EntryReader::takeDateList(const ContentLine& line) {
         report(Note(NoteCode::EntryDatesInvalid, line.number,
                     {line.name, firstInvalid, std::to_string(invalid)}));
     if (period) report(Note(NoteCode::EntryPeriodLengths, line.number, {line.name}));
+}
+
+void EntryReader::takePosition(const ContentLine& line, std::vector<Parameter> parameters) {
+    constexpr int kMostLatitude = 90;
+    constexpr int kMostLongitude = 180;
+    const std::string_view value = text(line);
+    if (trimmed(value).empty()) return;
+    const std::size_t middle = std::min(value.find_first_of(",;"), value.size());
+    const std::string_view first = trimmed(value.substr(0, middle));
+    const std::string_view second = trimmed(value.substr(std::min(middle + 1, value.size())));
+    const bool asICalendar = isDegrees(first, kMostLatitude) && isDegrees(second, kMostLongitude);
+    if (!asICalendar && !(isDegrees(first, kMostLongitude) && isDegrees(second, kMostLatitude)))
+        return carry(line, NoteCode::EntryPositionInvalid, value);
+    std::string position(asICalendar ? first : second);
+    position += ';';
+    position += asICalendar ? second : first;
+    const bool changed = ruleForm() == RuleForm::VCalendar10 || !asICalendar;
+    if (changed && !std::exchange(reportedOrder_, true))
+        report(
+            Note(asICalendar ? NoteCode::PositionLatitudeFirst : NoteCode::PositionLongitudeFirst,
+                 line.number, {value.substr(0, kLongestExcerpt)}));
+    add(line, line.name, EntryProperty::Type::Raw, position, std::move(parameters));
+}
+
+void EntryReader::addPerson(const ContentLine& line, std::string_view value,
+                            std::vector<Parameter> parameters) {
+    constexpr std::string_view kScheme = "mailto:";
+    const auto withoutScheme = [&](std::string_view text) {
+        text = trimmed(text);
+        if (startsWithIgnoreCase(text, kScheme)) text.remove_prefix(kScheme.size());
+        return trimmed(text);
+    };
+    std::string address(trimmed(value));
+    const auto name = std::find_if(parameters.begin(), parameters.end(),
+                                   [](const Parameter& each) { return each.name == "CN"; });
+    if (name != parameters.end() && startsWithIgnoreCase(trimmed(name->value), kScheme)) {
+        const std::string_view mail = withoutScheme(name->value);
+        if (withoutScheme(address).empty()) address = std::string(kScheme) + std::string(mail);
+        if (equalsIgnoreCase(withoutScheme(address), mail))
+            parameters.erase(name);
+        else
+            name->name = "X-VCAL-CN";
+    } else if (line.id == PropertyName::Organizer && withoutScheme(address).empty() &&
+               name != parameters.end() && !trimmed(name->value).empty()) {
+        address = "invalid:nomail";
+    }
+    if (line.id == PropertyName::Organizer && withoutScheme(address).empty()) return;
+    add(line, line.name, EntryProperty::Type::Raw, address, std::move(parameters));
 }
 
 // What has been carried once keeps its name.

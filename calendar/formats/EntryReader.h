@@ -47,6 +47,8 @@ class EntryReader {
     [[nodiscard]] virtual std::vector<std::string> listItems(std::string_view value) const = 0;
     // After all properties, before the rules are read.
     virtual void settleTimes() {}
+    // True when a time from midnight to midnight means whole days even if nothing says so.
+    [[nodiscard]] virtual bool daysAreTimes() const { return false; }
 
     // UTF-8, without the file's encoding; faults in it are reported. It lasts as long as the line.
     std::string_view text(const ContentLine& line);
@@ -64,6 +66,15 @@ class EntryReader {
     void addList(const ContentLine& line, std::vector<std::string> items,
                  std::vector<Parameter> parameters);
     void report(Note note) { sink_(std::move(note)); }
+    // GEO. vCalendar 1.0 gives the longitude first, but its writers give the latitude first as
+    // iCalendar does: the order that lies on Earth counts.
+    void takePosition(const ContentLine& line, std::vector<Parameter> parameters);
+    // An ATTENDEE's or ORGANIZER's address and parameters, as iCalendar has them: an address is no
+    // name, and an organizer without an address has a name or is none.
+    void addPerson(const ContentLine& line, std::string_view value,
+                   std::vector<Parameter> parameters);
+    // The start becomes a date, the end the day after the last.
+    void makeAllDay();
 
     // True when the entry has a rule or a list of dates, read or not.
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
@@ -91,6 +102,10 @@ class EntryReader {
     [[nodiscard]] std::string carriedName(const ContentLine& line) const;
     [[nodiscard]] bool beginEntry(const Component& component, const ZonePtr& zone);
     void startSeriesAtDue();
+    void settleWholeDays();
+    [[nodiscard]] bool lastsWholeDays() const;
+    void settleDaysOfUtc();
+    [[nodiscard]] Moment onLocalClock(const Moment& moment) const;
     void takeRecurrence();
     void readRuleLines();
 
@@ -98,6 +113,8 @@ class EntryReader {
     const Choices& choices_;
     ZonePtr chosenZone_;
     NoteSink sink_;
+    bool daysOfUtc_ = false;      // the entry's days are guessed from times in UTC
+    bool reportedOrder_ = false;  // of positions
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
     Arena texts_;  // decoded ones, of the entry that is read

@@ -11,12 +11,9 @@
 
 namespace qel::calendar {
 
-namespace {
-
-// What an alarm shows that has no text, in an entry without a summary.
-constexpr std::string_view kReminder = "Reminder";
-
-}  // namespace
+bool saysNothing(std::string_view text) {
+    return trimmed(text).empty() && text.find('\n') == std::string_view::npos;
+}
 
 std::string valueText(const EntryProperty& property) {
     switch (property.type) {
@@ -157,7 +154,7 @@ void ICalEntry::addProperty(const EntryProperty& property) {
     switch (property.type) {
         case EntryProperty::Type::Text:
             // Empty texts say nothing, and some readers take them for a fault.
-            if (!trimmed(property.text).empty())
+            if (!saysNothing(property.text))
                 addICalendarLine(lines_, property.name, property.parameters, property.text,
                                  Value::Escaped);
             break;

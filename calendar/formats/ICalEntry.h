@@ -11,6 +11,9 @@
 
 namespace qel::calendar {
 
+// True for a text without anything but blanks. Line breaks alone are somebody's text.
+[[nodiscard]] bool saysNothing(std::string_view text);
+
 // The value of a property as it is written after the colon, escaped where its type asks for that.
 [[nodiscard]] std::string valueText(const EntryProperty& property);
 

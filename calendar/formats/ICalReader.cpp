@@ -66,6 +66,9 @@ void ICalReader::takeProperty(const ContentLine& line) {
     const bool binary = isBase64(line);
     if (binary && line.id == PropertyName::Attach) return takeAttachment(line);
     std::vector<Parameter> parameters = ownParameters(line, binary);
+    if (line.id == PropertyName::Geo) return takePosition(line, std::move(parameters));
+    if (line.id == PropertyName::Attendee || line.id == PropertyName::Organizer)
+        return addPerson(line, text(line), std::move(parameters));
     const std::string_view value = text(line);
     const Property& property = propertyOf(line.id);
     const bool known = property.held == HeldAs::Property;

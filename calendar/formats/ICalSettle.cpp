@@ -7,6 +7,7 @@
 
 #include "calendar/base/Ascii.h"
 #include "calendar/formats/AlarmText.h"
+#include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleWriteICalendar.h"
@@ -253,8 +254,7 @@ void ICalSettling::settleProperties() {
 
 bool ICalSettling::allowed(const EntryProperty& property) {
     // Empty texts are not written.
-    if (property.type == EntryProperty::Type::Text && trimmed(property.value()).empty())
-        return true;
+    if (property.type == EntryProperty::Type::Text && saysNothing(property.value())) return true;
     const PropertyName id = propertyName(property.name);
     const Property& known = propertyOf(id);
     bool result = true;

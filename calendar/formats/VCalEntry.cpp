@@ -69,7 +69,7 @@ void VCalEntry::addUid() {
 
 std::string VCalEntry::dateText(const Moment& moment) const {
     std::string text = formatMoment(moment);
-    if (moment.isDate && entry_.start && entry_.start->isDate && allDay_) text += "T000000";
+    if (moment.isDate && allDay_) text += "T000000";
     return text;
 }
 
@@ -149,8 +149,11 @@ void VCalEntry::addProperty(const EntryProperty& property) {
         addStatus(property);
     } else if (id == PropertyName::Transp) {
         if (ownTransparency_) return;
-        line(name, parametersToVCalendar(property.parameters),
-             equalsIgnoreCase(property.value(), "TRANSPARENT") ? "1" : "0");
+        const std::string_view word = transparencyToVCalendar(property.value());
+        if (word.empty())
+            line("X-ICAL-TRANSP", parametersToVCalendar(property.parameters), property.value());
+        else
+            line(name, parametersToVCalendar(property.parameters), word);
     } else if (id == PropertyName::Geo) {
         addPosition(property);
     } else if (id == PropertyName::Attendee) {
@@ -195,15 +198,15 @@ void VCalEntry::addStatus(const EntryProperty& property) {
 }
 
 void VCalEntry::addPosition(const EntryProperty& property) {
-    const std::string& value = property.value();
+    // Latitude first, as phones write it.
+    std::string value = property.value();
     const std::size_t middle = value.find(';');
     const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
     if (middle == std::string::npos) {
         line("X-ICAL-GEO", parameters, value);
     } else {
-        line("GEO", parameters,
-             std::string(trimmed(value.substr(middle + 1))) + "," +
-                 std::string(trimmed(value.substr(0, middle))));
+        value[middle] = ',';
+        line("GEO", parameters, value);
     }
 }
 

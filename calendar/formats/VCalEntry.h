@@ -22,7 +22,9 @@ class VCalEntry {
         : settled_(settled),
           entry_(settled.entry()),
           lines_(lines),
-          allDay_(entry_.saysAllDay()),
+          allDay_(entry_.kind == EntryKind::Event && entry_.start && entry_.start->isDate &&
+                  (entry_.saysAllDay() ||
+                   (entry_.end && entry_.wholeDaysSaid().what == Entry::WholeDays::Unsaid))),
           ownTransparency_(entry_.find("X-VCAL-TRANSP") != nullptr) {}
 
     // Of an event or a to-do.
@@ -36,7 +38,7 @@ class VCalEntry {
     // Neither folded nor encoded.
     void plainLine(std::string_view name, std::string_view value);
     void addUid();
-    // Where a property says that the entry is all-day, its writer expects midnights.
+    // The dates of an all-day event are midnights, as phones write them.
     [[nodiscard]] std::string dateText(const Moment& moment) const;
     void addDates();
     // DTSTAMP, unless iCalendar would get the same one again from the other dates.

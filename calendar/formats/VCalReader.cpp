@@ -1,7 +1,6 @@
 #include "calendar/formats/VCalReader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 
 #include "calendar/base/Ascii.h"
@@ -60,7 +59,9 @@ void VCalReader::takeProperty(const ContentLine& line) {
         case Name::Transp:
             return takeTransparency(line);
         case Name::Geo:
-            return takePosition(line);
+            return takePosition(line, parametersFromVCalendar(line));
+        case Name::Organizer:
+            return addPerson(line, text(line), parametersFromVCalendar(line));
         case Name::Priority:
             return takeNumber(line, 9);
         case Name::Sequence:
@@ -104,14 +105,17 @@ void VCalReader::takeText(const ContentLine& line) {
         // A property of iCalendar that has been carried here.
         const std::string_view own = name.substr(kICalendarPrefix.size());
         const Property& property = propertyOf(propertyName(own));
-        const bool isDate = property.held == HeldAs::Date;
+        // The entry has its dates and its UID; these are others.
+        const bool keepsName = property.held == HeldAs::Date || property.id == PropertyName::Uid;
         const bool isText = property.held == HeldAs::Property && property.type != Type::Raw;
-        add(line, isDate ? name : own, isDate || isText ? Type::Text : Type::Raw, text(line),
+        add(line, keepsName ? name : own, keepsName || isText ? Type::Text : Type::Raw, text(line),
             parametersFromVCalendar(line));
     } else if (const Property& property = propertyOf(line.id); property.held == HeldAs::Property) {
         const std::string_view value = text(line);
         const bool escaped =
             property.type == Type::Text && value.find('\\') != std::string_view::npos;
+        if (property.type == Type::Raw)
+            return add(line, name, property.type, trimmed(value), parametersFromVCalendar(line));
         add(line, name, property.type, escaped ? std::string_view(unescapeVCalendar(value)) : value,
             parametersFromVCalendar(line));
     } else if (name.starts_with("X-")) {
@@ -157,27 +161,6 @@ void VCalReader::takeTransparency(const ContentLine& line) {
             parametersFromVCalendar(line));
     } else if (!value.empty()) {
         carry(line, NoteCode::EntryTransparencyInvalid, value);
-    }
-}
-
-void VCalReader::takePosition(const ContentLine& line) {
-    const std::string_view rest = text(line);
-    const std::size_t comma = rest.find_first_of(",;");
-    const std::string first(trimmed(rest.substr(0, comma)));
-    const std::string second(comma == std::string_view::npos ? std::string_view()
-                                                             : trimmed(rest.substr(comma + 1)));
-    const auto isNumber = [](const std::string& text, double most) {
-        char* end = nullptr;
-        if (text.empty() || text.find_first_not_of("+-.0123456789") != std::string::npos)
-            return false;
-        const double number = std::strtod(text.c_str(), &end);
-        return *end == '\0' && number >= -most && number <= most;
-    };
-    if (isNumber(first, 180) && isNumber(second, 90)) {
-        add(line, line.name, EntryProperty::Type::Raw, second + ";" + first,
-            parametersFromVCalendar(line));
-    } else {
-        carry(line, NoteCode::EntryPositionInvalid, rest);
     }
 }
 
@@ -230,21 +213,7 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     std::set<std::string> names;
     for (const Parameter& each : parameters)
         if (names.insert(each.name).second) once.push_back(each);
-    add(line, line.name, EntryProperty::Type::Raw, address.uri, once);
-}
-
-void VCalReader::makeAllDay() {
-    entry_.start = entry_.inClockOf(Moment{0, 0, true, Clock::Floating}, *entry_.start);
-    for (std::optional<Moment>* each : {&entry_.end, &entry_.due}) {
-        if (!*each || (*each)->isDate) continue;
-        Moment local = **each;
-        if (local.clock == Clock::Utc && entry_.zone != nullptr)
-            local = entry_.zone->toLocal(local);
-        const bool endsWithin = each == &entry_.end && local.second != 0;
-        *each = Moment{local.day + (endsWithin ? 1 : 0), 0, true, Clock::Floating};
-    }
-    if (entry_.recurrenceId)
-        entry_.recurrenceId = entry_.inClockOf(*entry_.start, *entry_.recurrenceId);
+    addPerson(line, address.uri, std::move(once));
 }
 
 void VCalReader::settleTimes() {
@@ -254,9 +223,6 @@ void VCalReader::settleTimes() {
     const ZonePtr& zone = entry_.zone;
     Moment local = *entry_.start;
     if (zone != nullptr && local.clock == Clock::Utc) local = zone->toLocal(local);
-    if (entry_.saysAllDay() && !entry_.start->isDate && entry_.kind == EntryKind::Event &&
-        local.second == 0)
-        makeAllDay();
     if (entry_.start->isDate) {
         makeAllDay();
         return;

@@ -21,6 +21,8 @@ class VCalReader final : public EntryReader {
     void takeProperty(const ContentLine& line) override;
     [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
     void settleTimes() override;
+    // vCalendar 1.0 has no other way to say it.
+    [[nodiscard]] bool daysAreTimes() const override { return true; }
 
     void takeList(const ContentLine& line);
     void takeClass(const ContentLine& line);
@@ -30,11 +32,7 @@ class VCalReader final : public EntryReader {
     void takeAttachment(const ContentLine& line);
     void takeStatus(const ContentLine& line);
     void takeTransparency(const ContentLine& line);
-    // vCalendar 1.0 gives the longitude first, iCalendar the latitude.
-    void takePosition(const ContentLine& line);
     void takeNumber(const ContentLine& line, int most);
-    // The start becomes a date, the end the day after the last.
-    void makeAllDay();
 };
 
 // The parameters of a vCalendar 1.0 line in iCalendar's words: without encodings, and with the

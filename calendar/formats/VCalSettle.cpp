@@ -25,6 +25,7 @@ class VCalSettling {
         settleDuration();
         settleRules();
         reportStatus();
+        reportTransparency();
         settleAlarms();
         return std::move(settled_);
     }
@@ -37,6 +38,7 @@ class VCalSettling {
     }
 
     void settleDuration();
+    void reportTransparency();
     // The rule's end on the start's clock.
     [[nodiscard]] std::string untilText(const std::string& until) const;
     void settleRules();
@@ -61,6 +63,12 @@ void VCalSettling::settleDuration() {
     (changed.kind == EntryKind::Todo ? changed.due : changed.end) =
         changed.later(day, duration.seconds);
     changed.duration.reset();
+}
+
+void VCalSettling::reportTransparency() {
+    for (const EntryProperty& each : entry().properties)
+        if (each.name == "TRANSP" && transparencyToVCalendar(each.value()).empty())
+            addNote(NoteCode::TransparencyKept, each.line, {each.value(), "X-ICAL-TRANSP"});
 }
 
 std::string VCalSettling::untilText(const std::string& until) const {

@@ -67,6 +67,13 @@ std::string_view statusToVCalendar(std::string_view status, EntryKind kind) {
     return {};
 }
 
+std::string_view transparencyToVCalendar(std::string_view word) {
+    word = trimmed(word);
+    return equalsIgnoreCase(word, "TRANSPARENT") ? "1"
+           : equalsIgnoreCase(word, "OPAQUE")    ? "0"
+                                                 : "";
+}
+
 CalendarAddress addressFromVCalendar(std::string_view text) {
     text = trimmed(text);
     const std::size_t open = text.rfind('<');

@@ -12,6 +12,8 @@ namespace qel::calendar {
 
 // STATUS of an entry; "" where the other format has no such word.
 [[nodiscard]] std::string_view statusFromVCalendar(std::string_view status, EntryKind kind);
+// "" for a word that neither format has.
+[[nodiscard]] std::string_view transparencyToVCalendar(std::string_view word);
 [[nodiscard]] std::string_view statusToVCalendar(std::string_view status, EntryKind kind);
 
 // An ATTENDEE: vCalendar 1.0 has "John Smith <smith@host.com>", iCalendar a URI and a CN. A name
