@@ -40,6 +40,21 @@ void inPieces(std::string_view bytes, const Write& write) {
         write(bytes.substr(0, kPiece));
 }
 
+// True for an entry that has what only iCalendar has, and nothing that only vCalendar 1.0 has.
+bool looksLikeICalendar(const Component& component) {
+    bool found = !component.children.empty();
+    for (const ContentLine& line : component.properties) {
+        const bool fits = line.id == PropertyName::RRule
+                              ? startsWithIgnoreCase(trimmed(line.value), "FREQ=")
+                              : line.id == PropertyName::Unknown ||
+                                    propertyOf(line.id).isOf(Property::kICalendar);
+        if (!fits || isEncoded(line)) return false;
+        found = found || line.id == PropertyName::DtStamp || line.id == PropertyName::RRule ||
+                line.hasParameter("TZID") || equalsIgnoreCase(line.parameter("VALUE"), "DATE");
+    }
+    return found;
+}
+
 }  // namespace
 
 class ZoneStore {
@@ -147,6 +162,7 @@ class Converter::File {
     void beginCalendar() {
         ++owner_.counts_.calendars;
         tz_.reset();
+        iCalendarUnsaid_ = false;
         daylight_.clear();
         texts_.clear();
         header_.clear();
@@ -183,6 +199,11 @@ class Converter::File {
     }
 
     void takeHeader(const ContentLine& line) {
+        if (settled_) {
+            report(Note(NoteCode::CalendarPropertyLate, line.number,
+                        {line.name.substr(0, kLongestName)}));
+            return;
+        }
         const Property& property = propertyOf(line.id);
         const bool stray = property.standsIn(Property::kNotInCalendar);
         if (stray || header_.size() >= kMostHeader) {
@@ -210,15 +231,36 @@ class Converter::File {
 
     [[nodiscard]] bool isVCalendar() const { return reader_.version() != "2.0"; }
 
-    // The calendar's properties are known when its first entry comes.
-    void settle() {
+    // The calendar's properties are known when its first entry comes, or its end.
+    void settle(const Component* first = nullptr) {
         if (settled_) return;
         settled_ = true;
+        if (first != nullptr) {
+            iCalendarUnsaid_ = reader_.version().empty() && looksLikeICalendar(*first);
+            if (iCalendarUnsaid_) report(Note(NoteCode::VersionMissing, first->number));
+            dropUselessMethod(*first);
+        }
         zone_ = nullptr;
         if (tz_) zone_ = zoneFromVCalendar(*tz_, daylight_, noteSink());
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
+        owner_.writer().makeUidsDistinct(choices_.distinctUids);
         owner_.writer().calendar(header_);
+    }
+
+    // An invitation, an answer or a publication names its organizer (RFC 5546 section 3.2).
+    void dropUselessMethod(const Component& first) {
+        const bool organized = std::any_of(
+            first.properties.begin(), first.properties.end(), [](const ContentLine& line) {
+                return line.id == PropertyName::Organizer && !trimmed(line.value).empty();
+            });
+        if (organized) return;
+        std::erase_if(header_, [this](const EntryProperty& each) {
+            if (each.name != "METHOD") return false;
+            report(Note(NoteCode::MethodWithoutOrganizer, each.line,
+                        {each.name, each.value().substr(0, kLongestName)}));
+            return true;
+        });
     }
 
     void takeComponent() {
@@ -236,10 +278,11 @@ class Converter::File {
             owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
             return;
         }
-        settle();
+        settle(&component);
         const ZonePtr zone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
-        if (isVCalendar() || component.name == "VNOTE") reader = &vCalReader_;
+        if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE")
+            reader = &vCalReader_;
         Entry* const entry = reader->read(component, zone);
         if (entry == nullptr) return;
         ++owner_.counts_.entries;
@@ -307,6 +350,7 @@ class Converter::File {
     std::vector<ContentLine> daylight_;
     std::vector<EntryProperty> header_;
     bool settled_ = false;
+    bool iCalendarUnsaid_ = false;  // without VERSION, but its first entry shows it
     ZonePtr zone_;
     // For the observer, since the last entry.
     std::vector<Note> notes_;

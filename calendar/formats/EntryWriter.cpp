@@ -1,5 +1,6 @@
 #include "calendar/formats/EntryWriter.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace qel::calendar {
@@ -8,6 +9,8 @@ namespace {
 
 // Text is passed on in pieces of at least this many bytes.
 constexpr std::size_t kWaiting = 65536;
+// New UIDs that are remembered for the moved occurrences of a file.
+constexpr std::size_t kMostNewUids = 10000;
 
 }  // namespace
 
@@ -24,6 +27,45 @@ void EntryWriter::endLine() {
 void EntryWriter::beginEntry() {
     if (text_.size() >= kWaiting) flush();
     entryBegin_ = text_.size();
+}
+
+EntryWriter::Verdict EntryWriter::judge(const Entry& entry,
+                                        std::initializer_list<std::string_view> content) {
+    if (entry.uid.empty()) return {};
+    std::string instance;
+    if (entry.recurrenceId)
+        instance = formatMoment(entry.toUtc(*entry.recurrenceId).value_or(*entry.recurrenceId));
+    const ContentDigest key = contentDigest({entry.uid, instance, entry.component});
+    const ContentDigest body = contentDigest(content);
+    const ContentDigest all{key.low ^ body.low, key.high + body.high};
+    const WrittenEntries::Found found = written_.add(key, all);
+    if (found == WrittenEntries::Found::Same) {
+        report(Note(NoteCode::EntryTwice, entry.line));
+        return {true, ""};
+    }
+    const auto series = newUids_.find(entry.uid);
+    if (entry.recurrenceId && series != newUids_.end()) return {false, series->second};
+    if (found == WrittenEntries::Found::Nothing) return {};
+    if (!distinctUids_) {
+        report(Note(NoteCode::UidShared, entry.line, {entry.uid.substr(0, kLongestExcerpt)}));
+        return {};
+    }
+    constexpr std::string_view kHex = "0123456789abcdef";
+    std::string uid = entry.uid + "-";
+    for (unsigned shift = 0; shift < 64; shift += 4) uid += kHex[(body.low >> shift) & 0x0FU];
+    report(Note(NoteCode::UidMadeDistinct, entry.line,
+                {entry.uid.substr(0, kLongestExcerpt), uid.substr(0, 2 * kLongestExcerpt)}));
+    if (!entry.recurrenceId && newUids_.size() < kMostNewUids) newUids_[entry.uid] = uid;
+    return {false, uid};
+}
+
+void EntryWriter::reportDifferent(const std::vector<std::string>& have,
+                                  const std::vector<std::string>& lines,
+                                  const std::vector<EntryProperty>& properties) {
+    for (std::size_t each = 0; each < lines.size(); ++each)
+        if (std::find(have.begin(), have.end(), lines[each]) == have.end())
+            report(Note(NoteCode::CalendarPropertiesDiffer, properties[each].line,
+                        {properties[each].name}));
 }
 
 void EntryWriter::flush() {

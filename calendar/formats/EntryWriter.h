@@ -3,13 +3,17 @@
 #define QEL_CALENDAR_FORMATS_ENTRYWRITER_H
 
 #include <cstddef>
+#include <functional>
+#include <initializer_list>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "calendar/base/Notes.h"
 #include "calendar/entries/Entry.h"
+#include "calendar/formats/WrittenEntries.h"
 
 namespace qel::calendar {
 
@@ -21,10 +25,17 @@ class EntryWriter {
     EntryWriter& operator=(const EntryWriter&) = delete;
 
     // The properties of the calendar that the next entries come from, other than its version, its
-    // product and its zone. Calendars with equal properties are joined.
+    // product and its zone. The result is one calendar where that is possible, with those of the
+    // first one; others are reported.
     virtual void calendar(const std::vector<EntryProperty>& properties) = 0;
-    // Writes the entry and reports what the format cannot express.
+    // Writes the entry and reports what the format cannot express. One with the UID and the content
+    // of an earlier one is not written again.
     virtual void write(const Entry& entry) = 0;
+    // From here on an entry with the UID of an earlier one and other content gets a new UID.
+    void makeUidsDistinct(bool distinct) {
+        distinctUids_ = distinct;
+        newUids_.clear();
+    }
     // Passes on what has been written so far; otherwise that waits until there is more.
     void flush();
     // From now on entryLines() has the lines of the entry that was written last.
@@ -41,6 +52,18 @@ class EntryWriter {
     void report(std::vector<Note> notes) {
         for (Note& note : notes) sink_(std::move(note));
     }
+    void report(Note note) { sink_(std::move(note)); }
+    // What is to be done with an entry whose content, in the format's words, is `content`.
+    struct Verdict {
+        bool twice = false;
+        std::string uid;  // a new one; "" to keep the entry's own
+    };
+    [[nodiscard]] Verdict judge(const Entry& entry,
+                                std::initializer_list<std::string_view> content);
+    // Reports the properties of a later calendar that the open one lacks.
+    void reportDifferent(const std::vector<std::string>& have,
+                         const std::vector<std::string>& lines,
+                         const std::vector<EntryProperty>& properties);
     // One line, unchanged, and its line end.
     void put(std::string_view line);
     // The same in two steps: the line is added to text(), then ended.
@@ -55,6 +78,10 @@ class EntryWriter {
     std::string text_;            // that waits for flush()
     std::size_t entryBegin_ = 0;  // in text_
     bool keepsEntryLines_ = false;
+    WrittenEntries written_;
+    bool distinctUids_ = false;
+    // Of this calendar, by the UIDs that they replace: moved occurrences follow their series.
+    std::map<std::string, std::string, std::less<>> newUids_;
 };
 
 // The value of PRODID.

@@ -24,19 +24,25 @@ constexpr int kYearsAhead = 50;
 }  // namespace
 
 void ICalWriter::calendar(const std::vector<EntryProperty>& properties) {
-    header_.clear();
-    for (const EntryProperty& each : properties)
-        header_.push_back(iCalendarLine(each.name, each.parameters, valueText(each)));
+    std::vector<std::string> lines;
+    std::string method;
+    for (const EntryProperty& each : properties) {
+        lines.push_back(iCalendarLine(each.name, each.parameters, valueText(each)));
+        if (each.name == "METHOD") method = lines.back();
+    }
+    // A method is about all entries of its calendar.
+    if (any_ && method == method_) return reportDifferent(header_, lines, properties);
+    close();
+    header_ = std::move(lines);
+    method_ = std::move(method);
 }
 
 void ICalWriter::open() {
-    if (open_ && header_ != written_) close();
     if (open_) return;
     put("BEGIN:VCALENDAR");
     put("VERSION:2.0");
     put("PRODID:" + std::string(kProduct));
     for (const std::string& line : header_) fold(line);
-    written_ = header_;
     zones_.clear();
     open_ = true;
     any_ = true;
@@ -55,6 +61,11 @@ void ICalWriter::write(const Entry& read) {
     alarmLines_.clear();
     ICalEntry formatted(settled, lines_, alarmLines_);
     formatted.addLines();
+    // An export has a DTSTAMP of its own, on the first line.
+    const std::string_view content =
+        std::string_view(lines_).substr(std::min(lines_.find('\n'), lines_.size()));
+    const Verdict verdict = judge(entry, {content, alarmLines_});
+    if (verdict.twice) return beginEntry();
     if (zones_.size() >= kMostZones || (formatted.usesZone() && !holdsZoneOf(entry))) close();
     open();
     if (formatted.usesZone()) writeZoneOf(entry);
@@ -64,7 +75,8 @@ void ICalWriter::write(const Entry& read) {
     beginEntry();
     text() += "BEGIN:";
     put(name);
-    addICalendarLine(text(), "UID", {}, formatted.uid(), Value::Escaped);
+    addICalendarLine(text(), "UID", {}, verdict.uid.empty() ? formatted.uid() : verdict.uid,
+                     Value::Escaped);
     text() += lines_;
     text() += alarmLines_;
     text() += "END:";

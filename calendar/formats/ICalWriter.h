@@ -28,8 +28,8 @@ class ICalWriter final : public EntryWriter {
     void writeZoneOf(const Entry& entry);
     void fold(std::string_view line);
 
-    std::vector<std::string> header_;  // of the next calendar
-    std::vector<std::string> written_;
+    std::vector<std::string> header_;
+    std::string method_;  // in header_
     bool open_ = false;
     bool any_ = false;
     struct DescribedZone {

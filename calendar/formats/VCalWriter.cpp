@@ -31,6 +31,22 @@ bool uses(const Entry& entry, Clock clock) {
            std::any_of(entry.alarms.begin(), entry.alarms.end(), isAlarm);
 }
 
+// True for an event with times that read as whole days in a calendar of `zone`.
+bool readsAsDays(const Entry& entry, const ZonePtr& zone) {
+    constexpr int kLastMinute = 86340;
+    constexpr int kLastSecond = 86399;
+    if (entry.kind != EntryKind::Event || !entry.start || entry.start->isDate || !entry.end)
+        return false;
+    const auto local = [&](const Moment& moment) {
+        return moment.clock == Clock::Utc && zone != nullptr ? zone->toLocal(moment) : moment;
+    };
+    const Moment start = local(*entry.start);
+    const int last = local(*entry.end).second;
+    return start.second == 0 && start.clock != Clock::Utc &&
+           (last == 0 || last == kLastMinute || last == kLastSecond) &&
+           entry.wholeDaysSaid().what == Entry::WholeDays::Unsaid;
+}
+
 }  // namespace
 
 void VCalWriter::openFor(const Entry& entry) {
@@ -42,31 +58,33 @@ void VCalWriter::openFor(const Entry& entry) {
     const bool dayWithAlarm = entry.start && entry.start->isDate && !entry.alarms.empty();
     const bool utcSeries = entry.start && entry.start->clock == Clock::Utc &&
                            (entry.recurs() || !entry.excluded.empty());
-    if (!open_ || headerChanged_ ||
-        (zone_ != nullptr && (uses(entry, Clock::Floating) || dayWithAlarm || utcSeries)))
+    if (!open_ || (zone_ != nullptr && (uses(entry, Clock::Floating) || dayWithAlarm || utcSeries)))
         open(nullptr, 0, 0);
 }
 
-void VCalWriter::writeNote(const SettledEntry& settled) {
+void VCalWriter::writeNote() {
     close();
     any_ = true;
     beginEntry();
     put("BEGIN:VNOTE");
     put("VERSION:1.1");
-    VCalEntry(settled, text()).addNoteLines();
+    text() += lines_;
     put("END:VNOTE");
 }
 
 void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {
     std::vector<EntryProperty> kept = properties;
     std::erase_if(kept, [](const EntryProperty& each) { return each.value().empty(); });
-    std::vector<std::string> before;
-    std::vector<std::string> now;
-    for (const EntryProperty& each : header_)
-        before.push_back(vCalendarLine(each.name, each.parameters, each.value()));
-    for (const EntryProperty& each : kept)
-        now.push_back(vCalendarLine(each.name, each.parameters, each.value()));
-    headerChanged_ = headerChanged_ || before != now;
+    std::vector<std::string> lines;
+    std::string method;
+    for (const EntryProperty& each : kept) {
+        lines.push_back(vCalendarLine(each.name, each.parameters, each.value()));
+        if (each.name == "METHOD") method = lines.back();
+    }
+    if (any_ && method == method_) return reportDifferent(headerLines_, lines, kept);
+    close();
+    method_ = std::move(method);
+    headerLines_ = std::move(lines);
     header_ = std::move(kept);
 }
 
@@ -75,7 +93,7 @@ void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
         zone_ == zone || (zone_ != nullptr && zone != nullptr && zone_->id() == zone->id());
     const bool covered = zone == nullptr || sameInAllYears(*zone) ||
                          (firstYear >= firstYear_ && lastYear <= lastYear_);
-    if (open_ && !headerChanged_ && sameZone && covered) return;
+    if (open_ && sameZone && covered) return;
     close();
     put("BEGIN:VCALENDAR");
     put("VERSION:1.0");
@@ -97,7 +115,6 @@ void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     zone_ = zone;
     open_ = true;
     any_ = true;
-    headerChanged_ = false;
 }
 
 void VCalWriter::close() {
@@ -108,19 +125,39 @@ void VCalWriter::close() {
 void VCalWriter::write(const Entry& read) {
     SettledEntry settled = settledForVCalendar(read);
     report(std::move(settled.notes));
-    const Entry& entry = settled.entry();
-    if (entry.kind == EntryKind::Journal) return writeNote(settled);
+    addLines(settled);
+    // An export has a DTSTAMP of its own.
+    const std::string_view lines = lines_;
+    const std::size_t stamp = std::min(lines.find("X-ICAL-DTSTAMP:"), lines.size());
+    const std::size_t rest = std::min(lines.find('\n', stamp), lines.size());
+    const Verdict verdict = judge(settled.entry(), {lines.substr(0, stamp), lines.substr(rest)});
+    if (verdict.twice) return beginEntry();
+    if (!verdict.uid.empty()) {
+        settled.change().uid = verdict.uid;
+        addLines(settled);
+    }
+    if (read.kind == EntryKind::Journal) return writeNote();
     openFor(read);
-    const EntryProperty* component = entry.find("X-VCAL-COMPONENT");
-    const bool isEvent = entry.kind == EntryKind::Event ||
+    const EntryProperty* component = settled.entry().find("X-VCAL-COMPONENT");
+    const bool isEvent = read.kind == EntryKind::Event ||
                          (component != nullptr && equalsIgnoreCase(component->value(), "VEVENT"));
     const char* name = isEvent ? "VEVENT" : "VTODO";
     beginEntry();
     text() += "BEGIN:";
     put(name);
-    VCalEntry(settled, text()).addLines();
+    text() += lines_;
+    if (readsAsDays(settled.entry(), zone_)) put("X-ALLDAY:0");
     text() += "END:";
     put(name);
+}
+
+void VCalWriter::addLines(const SettledEntry& settled) {
+    lines_.clear();
+    VCalEntry formatted(settled, lines_);
+    if (settled.entry().kind == EntryKind::Journal)
+        formatted.addNoteLines();
+    else
+        formatted.addLines();
 }
 
 void VCalWriter::finish() {

@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_FORMATS_VCALWRITER_H
 #define QEL_CALENDAR_FORMATS_VCALWRITER_H
 
+#include <string>
 #include <vector>
 
 #include "calendar/formats/EntryWriter.h"
@@ -22,10 +23,16 @@ class VCalWriter final : public EntryWriter {
     void openFor(const Entry& entry);
     void open(const ZonePtr& zone, int firstYear, int lastYear);
     void close();
-    void writeNote(const SettledEntry& settled);
+    // The entry's own lines into lines_.
+    void addLines(const SettledEntry& settled);
+    // Of a journal.
+    void writeNote();
 
     std::vector<EntryProperty> header_;
-    bool headerChanged_ = false;
+    std::vector<std::string> headerLines_;
+    std::string method_;  // in them: it is about all entries of its calendar
+    // Of the entry that is being written. A member, so that the next entry uses the same memory.
+    std::string lines_;
     bool open_ = false;
     bool any_ = false;
     ZonePtr zone_;

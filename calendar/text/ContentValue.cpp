@@ -25,6 +25,10 @@ bool isBase64(const ContentLine& line) {
     return hasEncoding(line, "BASE64") || hasEncoding(line, "B");
 }
 
+bool isEncoded(const ContentLine& line) {
+    return hasEncoding(line, "QUOTED-PRINTABLE") || line.hasParameter("");
+}
+
 bool isPlainText(const ContentLine& line) {
     return isPrintableAscii(line.value) &&
            std::none_of(

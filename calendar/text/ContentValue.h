@@ -18,6 +18,10 @@ namespace qel::calendar {
 // True when decodedValue would not change the value: printable ASCII, not encoded.
 [[nodiscard]] bool isPlainText(const ContentLine& line);
 
+// True when the value is quoted-printable, or a parameter is a bare word: the ways of
+// vCalendar 1.0.
+[[nodiscard]] bool isEncoded(const ContentLine& line);
+
 // True when the value is Base64: an ENCODING of BASE64 or B, also as a bare word.
 [[nodiscard]] bool isBase64(const ContentLine& line);
 

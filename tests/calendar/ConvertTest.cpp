@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 #include "calendar/Conversions.h"
 #include "calendar/rules/Occurrences.h"
@@ -165,6 +166,80 @@ TEST(Convert, NothingIsLostInSilence) {
         EXPECT_TRUE(row["message"].empty() || result.tells(row["message"]));
         EXPECT_EQ(faultOf(result.out), "");
     }
+}
+
+TEST(Convert, WhatVCalendarLacksIsKeptOrNamed) {
+    for (Row& row : cases("calendar/kept-vcalendar.txt")) {
+        SCOPED_TRACE(row["case"]);
+        const Conversion result =
+            toVCalendar("BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VEVENT\nDTSTART:20050601T090000\n" +
+                        row["text"] + "\nEND:VEVENT\nEND:VCALENDAR\n");
+        EXPECT_TRUE(row["kept"].empty() || holds(result.out, row["kept"])) << result.out;
+        EXPECT_TRUE(row["message"].empty() || result.tells(row["message"]));
+        EXPECT_EQ(faultOf(toICalendar(result.out).out), "");
+    }
+}
+
+std::size_t countOf(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
+TEST(Convert, FilesBecomeOneCalendarAndEachEntryIsInItOnce) {
+    const auto file = [](const std::string& name, const std::string& entries) {
+        return "BEGIN:VCALENDAR\nVERSION:2.0\nX-WR-CALNAME:" + name + "\n" + entries +
+               "END:VCALENDAR\n";
+    };
+    const auto entry = [](const std::string& lines) {
+        return "BEGIN:VEVENT\nUID:1\nDTSTART:20050601T090000Z\n" + lines + "END:VEVENT\n";
+    };
+    const std::string moved = entry("RECURRENCE-ID:20050602T090000Z\nSUMMARY:moved\n");
+    const std::string files[] = {
+        file("one", entry("DTSTAMP:20050101T000000Z\nRRULE:FREQ=DAILY\n") + moved),
+        file("two", entry("DTSTAMP:20060101T000000Z\nRRULE:FREQ=DAILY\n") +
+                        entry("RRULE:FREQ=WEEKLY\n") + entry("RECURRENCE-ID:20050603T090000Z\n"))};
+    for (const CalendarFormat to : {CalendarFormat::ICalendar, CalendarFormat::VCalendar10}) {
+        for (const bool distinct : {false, true}) {
+            std::ostringstream out;
+            Conversion result;
+            Converter converter(out, to,
+                                [&](const Note& note) { result.messages.push_back(note); });
+            Choices choices;
+            choices.distinctUids = distinct;
+            converter.choose(choices);
+            for (const std::string& each : files) {
+                converter.beginFile("test");
+                converter.write(each);
+                converter.endFile();
+            }
+            converter.finish();
+            EXPECT_EQ(countOf(out.str(), "BEGIN:VCALENDAR"), 1u) << out.str();
+            EXPECT_EQ(countOf(out.str(), "BEGIN:VEVENT"), 4u) << out.str();
+            EXPECT_EQ(countOf(out.str(), "UID:1\r\n"), distinct ? 2u : 4u) << out.str();
+            EXPECT_EQ(countOf(out.str(), "UID:1-"), distinct ? 2u : 0u) << out.str();
+            EXPECT_TRUE(result.tells("4: the entry is written once"));
+            EXPECT_TRUE(result.tells("3: X-WR-CALNAME of this calendar is left out"));
+            EXPECT_TRUE(result.tells(distinct ? "gets the UID" : "has the UID"));
+        }
+    }
+}
+
+TEST(Convert, CalendarsAreReadAsWhatTheyAre) {
+    const std::string entry =
+        "BEGIN:VEVENT\nUID:1\nDTSTAMP:20050101T000000Z\nDTSTART:20050601T090000Z\n"
+        "DESCRIPTION:two\\nlines\nEND:VEVENT\n";
+    // Only its VERSION is missing, so a backslash and an "n" are a line break.
+    const Conversion unsaid =
+        toICalendar("BEGIN:VCALENDAR\nMETHOD:REQUEST\n" + entry + "X-LATE:1\nEND:VCALENDAR\n");
+    EXPECT_TRUE(holds(unsaid.out, "DESCRIPTION:two\\nlines")) << unsaid.out;
+    EXPECT_TRUE(unsaid.tells("3: the calendar is read as iCalendar"));
+    // An invitation that nobody made, and what comes too late.
+    EXPECT_FALSE(holds(unsaid.out, "METHOD:REQUEST"));
+    EXPECT_TRUE(unsaid.tells("2: METHOD:REQUEST is left out"));
+    EXPECT_TRUE(unsaid.tells("9: X-LATE of the calendar is left out"));
+    EXPECT_TRUE(holds(toICalendar("BEGIN:VCALENDAR\nVERSION:1.0\n" + entry + "END:VCALENDAR\n").out,
+                      "DESCRIPTION:two\\\\nlines"));
 }
 
 }  // namespace
