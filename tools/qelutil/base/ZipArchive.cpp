@@ -150,15 +150,14 @@ std::string nameInUtf8(std::string_view name, std::string_view extra, const std:
 // Unpacks one member block by block.
 class MemberBuffer : public std::streambuf {
   public:
-    MemberBuffer(const std::filesystem::path& path, std::string name, ZipArchive::Member member,
-                 std::uint64_t at)
-        : file_(path, std::ios::binary),
+    // `archive` stands where the member's bytes begin.
+    MemberBuffer(std::unique_ptr<std::istream> archive, std::string name, ZipArchive::Member member)
+        : file_(std::move(archive)),
           name_(std::move(name)),
           member_(std::move(member)),
           packedLeft_(member_.packedSize),
           packed_(kBlock),
           unpacked_(kBlock) {
-        file_.seekg(static_cast<std::streamoff>(at));
         constexpr int kNoHeader = -15;
         if (inflateInit2(&stream_, kNoHeader) != Z_OK) throw std::bad_alloc();
     }
@@ -187,8 +186,8 @@ class MemberBuffer : public std::streambuf {
     std::size_t readPacked(char* bytes) {
         const auto wanted =
             static_cast<std::streamsize>(std::min<std::uint64_t>(kBlock, packedLeft_));
-        file_.read(bytes, wanted);
-        if (file_.gcount() != wanted) refuseDamaged(name_);
+        file_->read(bytes, wanted);
+        if (file_->gcount() != wanted) refuseDamaged(name_);
         packedLeft_ -= static_cast<std::uint64_t>(wanted);
         return static_cast<std::size_t>(wanted);
     }
@@ -217,7 +216,7 @@ class MemberBuffer : public std::streambuf {
             refuseDamaged(name_);
     }
 
-    std::ifstream file_;
+    std::unique_ptr<std::istream> file_;
     std::string name_;
     ZipArchive::Member member_;
     std::uint64_t packedLeft_;
@@ -244,8 +243,15 @@ class MemberStream : public std::istream {
 }  // namespace
 
 ZipArchive::ZipArchive(const std::string& name, const std::string& charset)
-    : name_(name), path_(pathOf(name)) {
-    std::ifstream file(path_, std::ios::binary);
+    : ZipArchive(
+          name,
+          [path = pathOf(name)] { return std::make_unique<std::ifstream>(path, std::ios::binary); },
+          charset) {}
+
+ZipArchive::ZipArchive(std::string name, Opener opener, const std::string& charset)
+    : name_(std::move(name)), opener_(std::move(opener)) {
+    const std::unique_ptr<std::istream> opened = opener_();
+    std::istream& file = *opened;
     file.seekg(0, std::ios::end);
     const std::streamoff end = file.tellg();
     if (!file || end < 0) refuse(name_, "this ZIP archive cannot be read");
@@ -332,12 +338,14 @@ void ZipArchive::checkSizes(std::uint64_t archiveSize) {
 std::unique_ptr<std::istream> ZipArchive::open(const Member& member) const {
     const std::string name = name_ + "/" + member.name;
     if (!member.problem.empty()) refuse(name, member.problem);
-    std::ifstream file(path_, std::ios::binary);
-    const std::string header = readAt(file, member.at + shift_, kLocalHeader);
+    std::unique_ptr<std::istream> file = opener_();
+    const std::string header = readAt(*file, member.at + shift_, kLocalHeader);
     if (header.size() < kLocalHeader || !header.starts_with("PK\3\4")) refuseDamaged(name);
     const std::uint64_t at =
         member.at + shift_ + kLocalHeader + numberAt(header, 26, 2) + numberAt(header, 28, 2);
-    return std::make_unique<MemberStream>(std::make_unique<MemberBuffer>(path_, name, member, at));
+    file->seekg(static_cast<std::streamoff>(at));
+    return std::make_unique<MemberStream>(
+        std::make_unique<MemberBuffer>(std::move(file), name, member));
 }
 
 bool isZipArchive(const std::filesystem::path& path) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -26,10 +27,15 @@ class ZipArchive {
         bool isPacked = false;
     };
 
+    // Opens the archive to be read anywhere; each call gives a stream of its own.
+    using Opener = std::function<std::unique_ptr<std::istream>()>;
+
     // Reads the directory of the archive called `name`. Throws InputError when it cannot be read,
     // is damaged, or is made to fill a disk. Names that are not in UTF-8 are in the character set
     // `charset`; empty: code page 437, that of the first archives.
     ZipArchive(const std::string& name, const std::string& charset);
+    // The same of an archive that is no file.
+    ZipArchive(std::string name, Opener opener, const std::string& charset);
 
     [[nodiscard]] const std::string& name() const { return name_; }
     // In the order of the directory, folders left out.
@@ -44,7 +50,7 @@ class ZipArchive {
     void checkSizes(std::uint64_t archiveSize);
 
     std::string name_;
-    std::filesystem::path path_;
+    Opener opener_;
     std::uint64_t shift_ = 0;  // of all positions, by what is before the archive in its file
     std::vector<Member> members_;
 };
