@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "platform/RandomName.h"
 
@@ -83,6 +85,18 @@ HANDLE create(const fs::path& path, DWORD flags) {
     return file;
 }
 
+// Who may read and write `like` may do so with `path`. File systems without access lists, and those
+// that may not be read, leave it as its folder has it.
+void makeLike(const fs::path& path, const fs::path& like) {
+    constexpr SECURITY_INFORMATION kAccess = DACL_SECURITY_INFORMATION;
+    DWORD size = 0;
+    GetFileSecurityW(like.c_str(), kAccess, nullptr, 0, &size);
+    if (size == 0) return;
+    std::vector<unsigned char> access(size);
+    if (GetFileSecurityW(like.c_str(), kAccess, access.data(), size, &size) != 0)
+        SetFileSecurityW(path.c_str(), kAccess, access.data());
+}
+
 constexpr int kTries = 100;
 
 }  // namespace
@@ -105,8 +119,7 @@ std::optional<FileId> identityOfOutput() {
     return idOf(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
-// A new file inherits its folder's access list; so does one that replaces another.
-WritableFile WritableFile::createIn(const fs::path& folder, const fs::path&) {
+WritableFile WritableFile::createIn(const fs::path& folder, const fs::path& like) {
     watchConsole();
     WritableFile file;
     for (int tries = 0; !file.isOpen(); ++tries) {
@@ -115,6 +128,7 @@ WritableFile WritableFile::createIn(const fs::path& folder, const fs::path&) {
         file.handle_ = numberOf(create(file.path_, FILE_ATTRIBUTE_NORMAL));
     }
     file.slot_ = enlist(file.path_.c_str());
+    makeLike(file.path_, like);
     return file;
 }
 
@@ -199,6 +213,7 @@ void WritableFile::close() {
 FileId WritableFile::replace(const fs::path& target) {
     if (FlushFileBuffers(handleOf(handle_)) == 0) fail(GetLastError());
     const FileId id = idOf(handleOf(handle_)).value_or(FileId{});
+    makeLike(path_, target);
     close();
     if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
         fail(GetLastError());
