@@ -113,7 +113,7 @@ const char* kindText(FileKind kind) {
         case FileKind::Empty:
             return "empty; copy or export it again";
         case FileKind::Zip:
-            return "a ZIP archive; its files can be converted";
+            return "a ZIP archive; unpack it and convert the calendars in it";
         case FileKind::Html:
             return "a web page, perhaps in place of the calendar; download the calendar again";
         case FileKind::Xml:

@@ -166,7 +166,7 @@ TEST_F(OutputFaults, ResultsAreAsOpenAsWhatTheyReplace) {
 TEST_F(OutputFaults, PipesAndDevicesNeverHang) {
     fs::create_directories(state_.path() / "phone");
     fs::create_directories(state_.path() / "out");
-    for (const char* name : {"phone/pipe.vcs", "out/a.ics", "pipe"})
+    for (const char* name : {"phone/pipe.vcs", "phone/pipe.zip", "phone/pipe", "out/a.ics", "pipe"})
         ASSERT_EQ(mkfifo(state_.file(name).c_str(), 0600), 0);
     writeFile(state_.file("phone/a.vcs"), calendar(1));
     writeFile(state_.file("phone/b.vcs"), calendar(1));
@@ -176,6 +176,7 @@ TEST_F(OutputFaults, PipesAndDevicesNeverHang) {
                        alarmed)),
         1);
     EXPECT_TRUE(contains(messages(), "phone/pipe.vcs: is a pipe or a device"));
+    EXPECT_TRUE(contains(messages(), "phone/pipe.zip: is a pipe or a device"));
     EXPECT_TRUE(contains(messages(), "out/a.ics: "));
     EXPECT_GT(fs::file_size(state_.file("out/b.ics")), 100U);
     // What is named as the output is written as it is.

@@ -28,6 +28,7 @@ class ConvertFolders : public QelutilTest {
         std::error_code notHere;  // where links cannot be made, there is nothing to follow
         fs::create_directory_symlink(state_.path() / "phone", state_.path() / "phone/loop",
                                      notHere);
+        if (has("phone/loop")) ++others_;
     }
 
     void put(const std::string& name, const std::string& text) const {
@@ -43,6 +44,7 @@ class ConvertFolders : public QelutilTest {
 
     std::string phone_ = state_.file("phone");
     std::string out_ = state_.file("out");
+    unsigned others_ = 3;  // in the folder, beside the calendars
 };
 
 TEST_F(ConvertFolders, AResultForEachFile) {
@@ -51,7 +53,8 @@ TEST_F(ConvertFolders, AResultForEachFile) {
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err,
               "qelutil: 2 files, 2 entries: 2 converted, 0 changed, 0 warnings, 0 errors, 0 not "
-              "carried over\nqelutil: not converted: 4 other files; --verbose lists them\n");
+              "carried over\nqelutil: not converted: " +
+                  std::to_string(others_) + " other files; --verbose lists them\n");
     EXPECT_TRUE(contains(read("out/a.ics"), "FREQ=WEEKLY;COUNT=10"));
     EXPECT_TRUE(has("out/2005/b.ics"));
     EXPECT_FALSE(has("out/2005/.hidden.ics"));
@@ -132,20 +135,22 @@ TEST_F(ConvertFolders, EverythingIsTakenOrNamed) {
     put("phone/us.VCF", "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Us\r\nEND:VCARD\r\n");
     put("phone/photo.jpg", std::string("\xFF\xD8\xFF\0\x10", 5));
     const std::string page = state_.file("page.html");
+    const std::string otherFiles = std::to_string(others_ + 3) + " other files";
     const ProcessResult all =
         run({"convert", phone_, "--json", "-v", "-d", out_, "--report", page});
     EXPECT_EQ(all.exitCode, 0) << all.err;
     for (const char* each : {"c", "d", "e", "f"})
         EXPECT_TRUE(has(std::string("out/") + each + ".ics"));
-    for (const char* says : {"us.VCF: note: is not converted: it is a contact (vCard)",
-                             "old.bak: warning: is not converted: it is a calendar under a name",
-                             "6 files, 6 entries", "7 other files (1 contact, which address"})
+    for (const std::string& says : std::vector<std::string>{
+             "us.VCF: note: is not converted: it is a contact (vCard)",
+             "old.bak: warning: is not converted: it is a calendar under a name",
+             "6 files, 6 entries", otherFiles + " (1 contact, which address"})
         EXPECT_TRUE(contains(all.err, says));
-    EXPECT_TRUE(contains(read("page.html"), "7 other files"));
+    EXPECT_TRUE(contains(read("page.html"), otherFiles));
     const auto json = nlohmann::ordered_json::parse(all.out);
-    EXPECT_EQ(json["summary"]["otherFiles"], 7);
+    EXPECT_EQ(json["summary"]["otherFiles"], others_ + 3);
     EXPECT_EQ(json["summary"]["contacts"], 1);
-    EXPECT_EQ(json["otherFiles"].size(), 7U);
+    EXPECT_EQ(json["otherFiles"].size(), others_ + 3U);
 }
 
 TEST_F(ConvertFolders, WithoutAnEntryNothingIsWritten) {

@@ -141,12 +141,12 @@ class Collector {
             const std::string name = inFolder(root, below);
             const fs::path path = pathOf(name);
             std::error_code unknown;
-            if (isArchiveName(below)) {
+            // Whoever writes to a pipe in a folder may never come.
+            const bool isSpecial = fs::is_other(path, unknown);
+            if (isArchiveName(below) && !isSpecial) {
                 addArchive(name, below.substr(0, below.rfind('.')) + "/");
                 continue;
             }
-            // Whoever writes to a pipe in a folder may never come.
-            const bool isSpecial = fs::is_other(path, unknown);
             all_.files.push_back({name,
                                   withoutExtension(below),
                                   sizeOf(path),
