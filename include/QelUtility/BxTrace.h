@@ -70,13 +70,13 @@ QELUTILITY_API int BxTrace_Trace00(const char* text);
 /// "<stamp>: <text> at <file> line <line>", the text cut at 190 characters.
 QELUTILITY_API int BxTrace_Trace1(const char* file, int line, const char* text);
 /// Writes the formatted text.
-QELUTILITY_API int BxTrace_Tracef(const char* format, ...);
+QELUTILITY_API int BxTrace_Tracef(const char* format, ...) QELUTILITY_PRINTF(1, 2);
 /// Written when the option "VTraceVerbosity" is at least `level`; otherwise returns the verbosity.
-QELUTILITY_API int BxTrace_VTrace(int level, const char* format, ...);
+QELUTILITY_API int BxTrace_VTrace(int level, const char* format, ...) QELUTILITY_PRINTF(2, 3);
 /// The same; both are safe on any thread.
-QELUTILITY_API int BxTrace_VTrace_TS(int level, const char* format, ...);
+QELUTILITY_API int BxTrace_VTrace_TS(int level, const char* format, ...) QELUTILITY_PRINTF(2, 3);
 /// Written when "TracingOptions" and `mask` (32 bits) have a bit in common; otherwise returns 0.
-QELUTILITY_API int BxTrace_OTrace_TS(long mask, const char* format, ...);
+QELUTILITY_API int BxTrace_OTrace_TS(long mask, const char* format, ...) QELUTILITY_PRINTF(2, 3);
 /// @}
 
 /// Writes what the retroactive buffers hold into the log and empties them. Does nothing unless the

@@ -35,6 +35,17 @@
 typedef long long __int64;
 #endif
 
+/// @def QELUTILITY_PRINTF
+/// Has the compiler hold the arguments from number `first` on against the format, which is number
+/// `text`; a member function's own object is number 1. Not on Windows, whose compilers spell the
+/// sizes of integers in several ways. Compilers elsewhere do not know `%I64d`, which these
+/// functions take on every platform: define QELUTILITY_UNCHECKED_FORMATS where it is used.
+#if defined(__GNUC__) && !defined(_WIN32) && !defined(QELUTILITY_UNCHECKED_FORMATS)
+#define QELUTILITY_PRINTF(text, first) __attribute__((__format__(__printf__, text, first)))
+#else
+#define QELUTILITY_PRINTF(text, first)
+#endif
+
 /// @def QELUTILITY_REF
 /// A reference parameter of a function with C linkage; C hands over the object's address.
 #ifdef __cplusplus

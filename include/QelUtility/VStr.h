@@ -206,7 +206,7 @@ class QELUTILITY_API VStr {
     /// The text of printf, cut at 4095 characters; `%I64d` and its like work on every platform.
     /// Arguments may be this string's own text. An empty result, and a format that the C library
     /// refuses, give an allocated empty string, a null `fmt` a null string.
-    void Format(const char* fmt, ...);
+    void Format(const char* fmt, ...) QELUTILITY_PRINTF(2, 3);
 
   private:
     QELUTILITY_LOCAL void Adopt(char* block, int length, unsigned int capacity);

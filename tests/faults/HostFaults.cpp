@@ -146,7 +146,7 @@ Operation onTrace(const char* name, const char* options, int (*log)(),
 
 const Operation kTraces[] = {
     onTrace("Trace", "", logged),
-    onTrace("Tracef", "", [] { return BxTrace_Tracef("%s %I64d during!", "text", 12LL); }),
+    onTrace("Tracef", "", [] { return BxTrace_Tracef("%s %d during!", "text", 12); }),
     onTrace(
         "SyncML", "TracingOptions=7\n",
         [] { return BxTrace_OTrace_TS(BXTRACE_SYNCML_INPUT, "during!"); }, {"0 0"},

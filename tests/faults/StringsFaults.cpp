@@ -66,7 +66,7 @@ const Operation kStrings[] = {
              }),
     onString("Format", "left",
              [](VStr& text) {
-                 text.Format("%s and %08d and %I64d", static_cast<const char*>(text), 42,
+                 text.Format("%s and %08d and %lld", static_cast<const char*>(text), 42,
                              1234567890123LL);
              }),
     // The C library needs memory of its own for so many digits.

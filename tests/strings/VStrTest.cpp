@@ -149,7 +149,8 @@ TEST(VStr, FormattingStopsAtItsBuffer) {
     EXPECT_EQ(s.GetLength(), 4095);
     s.Format("%s%d", most.c_str(), 7);
     EXPECT_EQ(shown(s), most);
-    s.Format("%I64d %04d", LLONG_MIN, 7);
+    const char* format = "%I64d %04d";  // compilers do not know it
+    s.Format(format, LLONG_MIN, 7);
     EXPECT_EQ(shown(s), "-9223372036854775808 0007");
     s.Format("%s", "");
     EXPECT_EQ(shown(s), "(empty)");

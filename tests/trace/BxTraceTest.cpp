@@ -69,12 +69,15 @@ TEST(BxTrace, StampsOfOneMillisecondAreNumbered) {
 TEST(BxTrace, FormatsAreBoundedAndKnow64Bits) {
     const FreshTrace trace;
     const std::string huge(200000, 'h');
-    EXPECT_EQ(BxTrace_Tracef("%I64d %I64x %I32d %% I64 %5.1f|%-4s|%s", 1234567890123LL,
-                             0xABCDEF0123LL, 7, 1.25, "ab", static_cast<const char*>(nullptr)),
+    // As variables, because compilers take what they see in a format for the C library's.
+    const char* format = "%I64d %I64x %I32d %% I64 %5.1f|%-4s|%s";
+    const char* none = nullptr;
+    EXPECT_EQ(BxTrace_Tracef(format, 1234567890123LL, 0xABCDEF0123LL, 7, 1.25, "ab",
+                             static_cast<const char*>(nullptr)),
               0);
     EXPECT_EQ(BxTrace_Tracef("%s", huge.c_str()), 0);
     EXPECT_EQ(BxTrace_Tracef("%s", huge.substr(0, 1024).c_str()), 0);
-    EXPECT_EQ(BxTrace_Tracef(nullptr), 0);
+    EXPECT_EQ(BxTrace_Tracef(none, 0), 0);
     EXPECT_EQ(trace.messages(), (Lines{"1234567890123 abcdef0123 7 % I64   1.2|ab  |(null)",
                                        huge.substr(0, 99999), huge.substr(0, 1024), "(null)"}));
     EXPECT_EQ(BxTrace_Trace1("File", 9, huge.c_str()), 0);
