@@ -1,0 +1,582 @@
+/** The page: what is shown when, and what its buttons do. */
+import { compact, monthAndYear, sizeInWords, today } from "./dates.js";
+import { Diary, horizonOf, inPieces } from "./diary.js";
+import { byId, element, fill, saveAs } from "./dom.js";
+import { format } from "./engine.js";
+import { showEntry } from "./entry.js";
+import { example } from "./example.js";
+import { calendarsAmong, chosenFiles, droppedFiles, unclearEntries } from "./input.js";
+import { listView } from "./list.js";
+import { monthView } from "./month.js";
+import { language, languages, steps, text, useLanguage } from "./texts.js";
+import { writeZip } from "./zip.js";
+
+/**
+ * @typedef {import("./zip.js").NamedFile} NamedFile
+ * @typedef {import("./input.js").Refusal} Refusal
+ * @typedef {import("./engine.js").Choices} Choices
+ */
+
+/** Messages that the summary shows at first. */
+const fewNotes = 4;
+/** Character sets that old phones wrote, by the standard's names. */
+const charsets = [
+    "windows-1252", "windows-1250", "windows-1251", "koi8-r", "windows-1253", "windows-1254", "windows-1255",
+    "windows-1256", "windows-1257", "windows-1258", "windows-874", "shift_jis", "euc-jp", "gbk", "big5", "euc-kr",
+    "iso-8859-2", "iso-8859-5", "iso-8859-7", "utf-8",
+];
+
+// --- The worker ------------------------------------------------------------------------------------
+
+/** @type {WebAssembly.Module} */
+let engineModule;
+/** @type {Worker | undefined} */
+let worker;
+/** @type {Map<number, {resolve: (result: any) => void, reject: (problem: Error) => void, progress?: (done: number) => void}>} */
+const waiting = new Map();
+let lastId = 0;
+
+function startWorker() {
+    const source = /** @type {any} */ (globalThis).qelWorkerSource;
+    worker = new Worker(URL.createObjectURL(new Blob([source], { type: "text/javascript" })));
+    worker.onmessage = ({ data }) => {
+        const task = waiting.get(data.id);
+        if (data.done !== undefined) return task?.progress?.(data.done);
+        waiting.delete(data.id);
+        if (data.problem === undefined) task?.resolve(data.result);
+        else task?.reject(new Error(data.problem));
+    };
+    worker.onerror = (event) => {
+        for (const { reject } of waiting.values()) reject(new Error(event.message));
+        waiting.clear();
+    };
+    return ask({ task: "load", module: engineModule });
+}
+
+/**
+ * @param {object} message
+ * @param {(done: number) => void} [progress]
+ * @returns {Promise<any>}
+ */
+function ask(message, progress) {
+    const id = ++lastId;
+    return new Promise((resolve, reject) => {
+        waiting.set(id, { resolve, reject, progress });
+        /** @type {Worker} */ (worker).postMessage({ ...message, id });
+    });
+}
+
+function stopWorker() {
+    worker?.terminate();
+    waiting.clear();
+    void startWorker();
+}
+
+// --- What is open ----------------------------------------------------------------------------------
+
+/** @type {import("./engine.js").NoteKind[]} */
+let kinds = [];
+/** @type {{files: NamedFile[], refused: Refusal[], choices: Choices, target: number, diary: Diary, unclear?: Uint8Array} | undefined} */
+let open;
+const view = { name: "month", words: "", noted: false, /** @type {number | undefined} */ code: undefined };
+
+/** @param {string} message */
+function announce(message) {
+    byId("announcement").textContent = message;
+}
+
+/** @param {"start" | "working" | "problem" | "opened"} state */
+function showState(state) {
+    for (const each of ["start", "working", "problem", "opened"]) byId(each).hidden = each !== state;
+}
+
+/** @param {NamedFile[]} given */
+async function openFiles(given) {
+    showWorking(0, 0);
+    const { calendars, refused } = await calendarsAmong(given);
+    if (calendars.length === 0) return showProblem(refused);
+    const unclear = await unclearEntries(calendars);
+    const isPhone = await Promise.all(calendars.map(async ({ data }) =>
+        /VERSION\s*:\s*1\.0/i.test((await data.slice(0, 1 << 16).text()).replaceAll("\0", ""))));
+    const target = isPhone.some(Boolean) || calendars.length === 0 ? format.icalendar : format.other;
+    Object.assign(view, { name: "month", words: "", noted: false, code: undefined });
+    await convert(calendars, refused, {}, target, unclear);
+}
+
+/**
+ * @param {NamedFile[]} files
+ * @param {Refusal[]} refused
+ * @param {Choices} choices
+ * @param {number} target
+ * @param {Uint8Array} [unclear]
+ */
+async function convert(files, refused, choices, target, unclear) {
+    const total = files.reduce((sum, { data }) => sum + data.size, 0);
+    showWorking(0, total);
+    const job = { files, target, choices, today: compact(today()), horizon: horizonOf(today()), output: "" };
+    /** @type {import("./worker.js").Converted} */
+    const converted = await ask({ task: "convert", job }, (done) => showWorking(done, total));
+    const empty = files.filter((_, i) => converted.entriesOfFile[i] === 0);
+    const all = [...refused, ...empty.map(({ name }) => ({ name: /** @type {const} */ ("noEntries"), file: name }))];
+    if (converted.entries.length === 0) return showProblem(all);
+    const diary = new Diary(converted, files.map(({ name }) => name), kinds);
+    open = { files, refused, choices, target: converted.summary.target, diary, unclear };
+    showOpened(all);
+}
+
+/** @param {Choices} choices @param {number} [target] */
+async function choose(choices, target) {
+    if (open === undefined) return;
+    const { files, refused, unclear, diary } = open;
+    const before = document.activeElement?.id;
+    try {
+        await convert(files, refused, { ...open.choices, ...choices }, target ?? open.target, unclear);
+    } catch (problem) {
+        open = { ...open, diary };
+        showOpened(refused);
+        byId("choice-problem").textContent = text("choiceFailed", problem instanceof Error ? problem.message : "");
+    }
+    byId("choices").setAttribute("open", "");
+    if (before) byId(before)?.focus();
+}
+
+// --- States ----------------------------------------------------------------------------------------
+
+let shownAt = 0;
+
+/** @param {number} done @param {number} total */
+function showWorking(done, total) {
+    if (done === 0) {
+        showState("working");
+        shownAt = 0;
+    }
+    if (done < total && performance.now() - shownAt < 80) return;
+    shownAt = performance.now();
+    const bar = /** @type {HTMLProgressElement} */ (byId("bar"));
+    bar.max = Math.max(total, 1);
+    bar.value = done;
+    byId("done").textContent = total > 0 ? text("progress", sizeInWords(done), sizeInWords(total)) : "";
+}
+
+/** @param {Refusal[]} refused */
+function showProblem(refused) {
+    open = undefined;
+    const reasons = refused.slice(0, 20).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)));
+    fill(
+        byId("problem"),
+        element("div", { class: "card problem" },
+            element("h2", { tabindex: -1 }, refused.length > 0 ? text("noCalendar") : text("wrong")),
+            reasons.length > 0 ? element("ul", {}, reasons) : element("p", {}, text("nothingChosen")),
+            element("button", { class: "primary", click: startAgain }, text("startAgain"))),
+    );
+    showState("problem");
+    byId("problem").querySelector("h2")?.focus();
+    announce(text("noCalendar"));
+}
+
+/** @param {unknown} problem */
+function showFailure(problem) {
+    const reason = problem instanceof Error ? problem.message : String(problem);
+    fill(
+        byId("problem"),
+        element("div", { class: "card problem" },
+            element("h2", { tabindex: -1 }, text("wrong")),
+            element("p", {}, text("failure", reason)),
+            element("button", { class: "primary", click: startAgain }, text("startAgain"))),
+    );
+    showState("problem");
+    byId("problem").querySelector("h2")?.focus();
+}
+
+function startAgain() {
+    open = undefined;
+    showState("start");
+    byId("choose").focus();
+}
+
+/** Runs what a button began; a failure becomes a state of the page. @param {Promise<unknown>} task */
+function run(task) {
+    task.catch(showFailure);
+}
+
+// --- The opened calendar ---------------------------------------------------------------------------
+
+/** @param {Refusal[]} refused */
+function showOpened(refused) {
+    if (open === undefined) return;
+    const { diary } = open;
+    const title = element("h2", { id: "found", tabindex: -1 }, foundText(diary));
+    fill(
+        byId("opened"),
+        element("section", { class: "summary card", "aria-labelledby": "found" },
+            element("div", { class: "found" },
+                title,
+                element("button", { class: "quiet", click: startAgain }, text("startAgain"))),
+            element("p", { class: "verdict" }, verdict(diary)),
+            notesList(diary),
+            diary.summary.seriesCut > 0 && element("p", { class: "faint" }, text("seriesCut", diary.summary.seriesCut)),
+            refused.length > 0 && element("details", {},
+                element("summary", {}, text("skippedFiles", refused.length)),
+                element("ul", {}, refused.slice(0, 100).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)))))),
+        element("div", { class: "aside" }, takeAlong(), choicesPanel()),
+        element("section", { class: "card diary", id: "diary", "aria-label": text("view") }),
+    );
+    showState("opened");
+    drawView();
+    title.focus({ preventScroll: true });
+    announce(text("ready", foundText(diary)));
+}
+
+/** @param {Diary} diary */
+function foundText(diary) {
+    const entries = text("foundEntries", diary.entries.length);
+    const span = diary.span();
+    if (span === undefined) return entries;
+    const [first, last] = [monthAndYear(span.first), monthAndYear(span.last)];
+    return first === last ? `${entries}, ${first}` : text("foundSpan", entries, first, last);
+}
+
+/** @param {Diary} diary */
+function verdict(diary) {
+    const concerned = diary.entries.filter((_, index) => diary.concern(index) > 0).length;
+    const files = diary.names.length === 1 ? diary.names[0] : text("foundFiles", diary.names.length);
+    return `${text("foundIn", files)} ${concerned === 0 && diary.summary.lost === 0 ? text("allWell") : text("changedSome", concerned)}`;
+}
+
+/** @param {Diary} diary */
+function notesList(diary) {
+    const notes = diary.summary.notes
+        .filter(({ code }) => diary.concernOf(code) > 0)
+        .sort((a, b) => diary.concernOf(b.code) - diary.concernOf(a.code) || b.count - a.count);
+    if (notes.length === 0) return null;
+    const item = (/** @type {typeof notes[number]} */ { code, count, first }) => {
+        const kind = diary.kinds.get(code);
+        const mark = text(kind?.fate === 2 ? "lost" : kind?.fate === 1 ? "kept" : "changedMark");
+        const inEntries = diary.entries.some((entry) => entry.notes.includes(code));
+        return element("li", { class: `note concern-${diary.concernOf(code)}` },
+            element("p", { class: "label" }, element("b", {}, mark), ` · ${text("times", count)}`),
+            element("p", { lang: "en" }, kind?.meaning ?? first.text),
+            element("p", { class: "faint", dir: "auto" },
+                text("firstExample", first.text),
+                first.line > 0 && ` (${text("exampleLine", first.file, String(first.line))})`),
+            element("p", { class: "faint", lang: "en" }, kind?.advice ?? ""),
+            inEntries && element("button", { class: "quiet", click: () => showOnly(code) }, text("showEntries")));
+    };
+    return element("div", { class: "notes" },
+        element("h3", {}, text("lookFirst")),
+        element("ul", {}, notes.slice(0, fewNotes).map(item)),
+        notes.length > fewNotes && element("details", {},
+            element("summary", {}, text("moreNotes", notes.length - fewNotes)),
+            element("ul", {}, notes.slice(fewNotes).map(item))));
+}
+
+/** @param {number} code */
+function showOnly(code) {
+    Object.assign(view, { name: "list", code, words: "", noted: false });
+    drawView();
+    byId("diary").scrollIntoView({ block: "start" });
+    byId("search").focus({ preventScroll: true });
+}
+
+function resultName() {
+    const extension = open?.target === format.vcalendar ? "vcs" : "ics";
+    const only = open?.files.length === 1 ? open.files[0].name.replace(/^.*[/\\]/, "").replace(/\.[^.]*$/, "") : "";
+    return `${only || text("calendarName")}.${extension}`;
+}
+
+function takeAlong() {
+    const { converted } = /** @type {NonNullable<typeof open>} */ (open).diary;
+    const name = resultName();
+    const several = converted.entriesOfFile.filter((count) => count > 0).length > 1;
+    return element("section", { class: "card take", "aria-labelledby": "take-title" },
+        element("h2", { id: "take-title" }, text("takeAlong")),
+        element("div", { class: "buttons" },
+            element("button", { class: "primary", id: "download", click: () => saveAs(converted.output, name) },
+                text("download", name), element("small", {}, ` ${sizeInWords(converted.output.size)}`)),
+            converted.output.size > 1e6 && open?.target === format.icalendar &&
+                element("button", { id: "pieces", click: () => run(downloadPieces()) }, text("inPieces")),
+            several && element("button", { id: "each", click: () => run(downloadEach()) }, text("eachFile")),
+            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))),
+        open?.target === format.icalendar && element("details", { class: "steps" },
+            element("summary", {}, text("intoCalendar")),
+            element("div", { class: "programs" }, Object.entries(steps()).map(([program, list]) =>
+                element("section", {},
+                    element("h3", {}, program),
+                    element("ol", {}, list.map((step) => element("li", {}, step))))))));
+}
+
+async function downloadPieces() {
+    if (open === undefined) return;
+    const name = resultName();
+    const pieces = await inPieces(open.diary.converted.output);
+    const digits = String(pieces.length).length;
+    const files = pieces.map((data, i) => ({
+        name: name.replace(/\.ics$/, `-${String(i + 1).padStart(digits, "0")}.ics`), data,
+    }));
+    saveAs(await writeZip(files), name.replace(/\.ics$/, ".zip"));
+}
+
+async function downloadEach() {
+    if (open === undefined) return;
+    const { files, choices, target } = open;
+    const extension = target === format.vcalendar ? ".vcs" : ".ics";
+    const job = { files, choices, target, today: "", horizon: "", output: "" };
+    /** @type {NamedFile[]} */
+    const results = await ask({ task: "each", job });
+    const used = new Set();
+    for (const result of results) {
+        const stem = result.name.replace(/\.[^./\\]*$/, "");
+        let name = stem + extension;
+        for (let i = 2; used.has(name); ++i) name = `${stem}-${i}${extension}`;
+        used.add(name);
+        result.name = name;
+    }
+    saveAs(await writeZip(results), `${text("calendarName")}.zip`);
+}
+
+// --- Choices ---------------------------------------------------------------------------------------
+
+function choicesPanel() {
+    const { diary, choices, target, unclear } = /** @type {NonNullable<typeof open>} */ (open);
+    const local = diary.entries.filter((entry) => entry.clock === 0 && !entry.day).length;
+    const radio = (/** @type {number} */ value, /** @type {string} */ label) =>
+        element("label", {}, element("input", {
+            type: "radio", name: "target", id: `target-${value}`, value, checked: target === value, change: () => run(choose({}, value)),
+        }), label);
+    return element("details", { class: "card choices", id: "choices" },
+        element("summary", {}, text("choices")),
+        element("p", { class: "faint" }, text("choicesIntro")),
+        element("p", { id: "choice-problem", class: "concern-2", role: "alert" }),
+        (local > 0 || choices.zone) && zoneChoice(local, choices.zone ?? ""),
+        unclear !== undefined && charsetChoice(unclear, choices.charset ?? ""),
+        element("fieldset", {},
+            element("legend", {}, text("direction")),
+            radio(format.icalendar, text("toIcs")),
+            radio(format.vcalendar, text("toVcs"))),
+        diary.entries.some((entry) => entry.words) && element("label", { class: "block" },
+            text("countMeans"),
+            element("select", { id: "count", change: (/** @type {Event} */ event) =>
+                run(choose({ countMeans: /** @type {HTMLSelectElement} */ (event.target).value })) },
+                element("option", { value: "dates" }, text("countDates")),
+                element("option", { value: "periods", selected: choices.countMeans === "periods" }, text("countPeriods")))),
+        element("label", {}, element("input", {
+            type: "checkbox", id: "distinct", checked: choices.distinctUids === "yes",
+            change: (/** @type {Event} */ event) =>
+                run(choose({ distinctUids: /** @type {HTMLInputElement} */ (event.target).checked ? "yes" : "no" })),
+        }), text("distinctUids")));
+}
+
+/** @param {number} count @param {string} chosen */
+function zoneChoice(count, chosen) {
+    const own = Intl.DateTimeFormat().resolvedOptions().timeZone;
+    const names = Intl.supportedValuesOf("timeZone");
+    return element("label", { class: "block" },
+        element("b", {}, text("zone")), text("zoneLocal", count),
+        element("select", { id: "zone", change: (/** @type {Event} */ event) =>
+            run(choose({ zone: /** @type {HTMLSelectElement} */ (event.target).value })) },
+            element("option", { value: "" }, text("zoneNone")),
+            own && element("option", { value: own, selected: chosen === own }, text("zoneYours", own)),
+            names.filter((name) => name !== own).map((name) =>
+                element("option", { value: name, selected: chosen === name }, name.replaceAll("_", " ")))));
+}
+
+/** @param {Uint8Array} unclear @param {string} chosen */
+function charsetChoice(unclear, chosen) {
+    const option = (/** @type {string} */ name) => {
+        const preview = element("span", { class: "preview", dir: "auto" }, "…");
+        ask({ task: "texts", calendar: unclear, charset: name }).then(
+            (/** @type {string[]} */ texts) => {
+                const words = texts.flatMap((each) => each.split(/\s+/)).filter((word) => /[^\x00-\x7f]/.test(word));
+                preview.textContent = [...new Set(words)].slice(0, 6).join(" · ");
+            },
+            () => preview.closest("label")?.remove());
+        return element("label", { class: "charset" },
+            element("input", { type: "radio", name: "charset", id: `charset-${name || "auto"}`, value: name,
+                checked: chosen === name, change: () => run(choose({ charset: name })) }),
+            element("span", { class: "charset-name" }, name || text("charsetNone")), preview);
+    };
+    return element("fieldset", { class: "charsets" },
+        element("legend", {}, text("charset")),
+        element("p", { class: "faint" }, text("charsetWhy")),
+        option(""), charsets.map(option));
+}
+
+// --- The views -------------------------------------------------------------------------------------
+
+function drawView() {
+    if (open === undefined) return;
+    const { diary } = open;
+    const fits = (/** @type {number} */ index) =>
+        (!view.noted || diary.concern(index) > 0) &&
+        (view.code === undefined || diary.entries[index].notes.includes(view.code));
+    const show = (/** @type {number} */ index) => run(showEntry(diary, index));
+    const room = element("div", { class: "view" });
+    const count = element("span", { class: "faint", "aria-live": "polite" });
+    const draw = () => {
+        const list = view.name === "list" || view.words !== "";
+        for (const name of ["month", "list"]) byId(`view-${name}`)?.setAttribute("aria-pressed", String((name === "list") === list));
+        count.textContent = "";
+        fill(room, list
+            ? listView({ diary, fits, show, words: view.words }, (found) => { count.textContent = text("matches", found); })
+            : monthView({ diary, fits, show }));
+    };
+    const tab = (/** @type {"month" | "list"} */ name) => element("button", {
+        id: `view-${name}`, click: () => { view.name = name; view.words = ""; input.value = ""; draw(); },
+    }, text(name));
+    const input = element("input", { type: "search", id: "search", placeholder: text("searchHint"), "aria-label": text("search"),
+        value: view.words, input: () => { view.words = input.value.trim(); draw(); } });
+    const concerned = diary.entries.some((_, index) => diary.concern(index) > 0);
+    fill(byId("diary"),
+        element("div", { class: "toolbar" },
+            element("div", { class: "tabs", role: "group", "aria-label": text("view") }, tab("month"), tab("list")),
+            input,
+            concerned && view.code === undefined && element("label", { class: "check" },
+                element("input", { type: "checkbox", id: "noted", checked: view.noted, change: (/** @type {Event} */ event) => {
+                    view.noted = /** @type {HTMLInputElement} */ (event.target).checked;
+                    draw();
+                } }), text("onlyNoted")),
+            count),
+        view.code !== undefined && element("p", { class: "filter" },
+            element("span", {}, text("showingKind", diary.kinds.get(view.code)?.meaning ?? "")),
+            element("button", { class: "quiet", click: () => { view.code = undefined; drawView(); } }, text("showAll"))),
+        room);
+    draw();
+}
+
+// --- The start -------------------------------------------------------------------------------------
+
+function drawStart() {
+    document.documentElement.lang = language();
+    document.title = text("pageTitle");
+    const files = element("input", { type: "file", multiple: true, hidden: true, id: "files", "aria-hidden": "true",
+        change: () => { run(openFiles(chosenFiles(/** @type {FileList} */ (files.files)))); } });
+    const folder = element("input", { type: "file", webkitdirectory: true, hidden: true, id: "folder", "aria-hidden": "true",
+        change: () => { run(openFiles(chosenFiles(/** @type {FileList} */ (folder.files)))); } });
+    const pick = (/** @type {HTMLInputElement} */ input) => () => { input.value = ""; input.click(); };
+    fill(byId("languages"), Object.keys(languages).map((name) => element("button", {
+        class: "quiet", lang: name, "aria-pressed": name === language(), "aria-label": name === "de" ? "Deutsch" : "English",
+        click: () => changeLanguage(/** @type {import("./texts.js").Language} */ (name)),
+    }, name.toUpperCase())));
+    byId("languages").setAttribute("aria-label", text("language"));
+    const promise = (/** @type {import("./texts.js").TextName} */ name, /** @type {import("./texts.js").TextName} */ more) =>
+        element("li", {}, element("h3", {}, text(name)), element("p", {}, text(more)));
+    fill(byId("start"),
+        element("h1", {}, text("title")),
+        element("p", { class: "intro" }, text("intro")),
+        element("div", { class: "drop", id: "drop" },
+            element("div", { class: "leaf", "aria-hidden": "true" }, element("i", {}), element("b", {}, "31")),
+            element("p", { class: "big" }, text("dropHere")),
+            element("p", { class: "faint" }, text("dropKinds")),
+            element("div", { class: "buttons" },
+                element("button", { class: "primary", id: "choose", click: pick(files) }, text("chooseFiles")),
+                element("button", { id: "choose-folder", click: pick(folder) }, text("chooseFolder")),
+                element("button", { id: "paste", click: showPaste }, text("pasteText"))),
+            files, folder,
+            element("button", { class: "quiet", id: "example", click: () =>
+                run(openFiles([{ name: "example.vcs", data: new Blob([example]) }])) }, text("example"))),
+        element("ul", { class: "promises" },
+            promise("promisePrivate", "promisePrivateMore"),
+            promise("promiseWhole", "promiseWholeMore"),
+            promise("promiseFits", "promiseFitsMore")));
+    fill(byId("working"), element("div", { class: "card working" },
+        element("h2", {}, text("working")),
+        element("progress", { id: "bar", "aria-label": text("working"), max: 1, value: 0 }),
+        element("p", { id: "done", class: "faint" }),
+        element("button", { id: "cancel", click: cancel }, text("cancel"))));
+}
+
+function cancel() {
+    stopWorker();
+    if (open === undefined) startAgain();
+    else showOpened(open.refused);
+    announce(text("cancelled"));
+}
+
+function showPaste() {
+    const dialog = /** @type {HTMLDialogElement} */ (byId("paste-dialog"));
+    const area = element("textarea", { id: "pasted", rows: 12, spellcheck: "false", "aria-label": text("pasteLabel") });
+    fill(dialog,
+        element("header", {}, element("h2", { id: "paste-title" }, text("pasteTitle")),
+            element("button", { class: "quiet icon", "aria-label": text("close"), title: text("close"), click: () => dialog.close() }, "×")),
+        element("p", { class: "faint" }, text("pasteHelp")),
+        area,
+        element("div", { class: "buttons" }, element("button", { class: "primary", id: "open-pasted", click: () => {
+            dialog.close();
+            openText(area.value);
+        } }, text("open"))));
+    dialog.showModal();
+    area.focus();
+}
+
+/** @param {string} pasted */
+function openText(pasted) {
+    // A browser's text has its own ends of lines.
+    const lines = pasted.replace(/\r?\n/g, "\r\n");
+    run(openFiles([{ name: `${text("calendarName")}.txt`, data: new Blob([lines]) }]));
+}
+
+/** @param {import("./texts.js").Language} name */
+function changeLanguage(name) {
+    useLanguage(name);
+    try {
+        localStorage.setItem("language", name);
+    } catch {
+        // Remembering it is a convenience.
+    }
+    drawStart();
+    if (open !== undefined) showOpened(open.refused);
+    else if (!byId("problem").hidden) startAgain();
+    /** @type {HTMLElement | null} */ (byId("languages").querySelector("[aria-pressed=true]"))?.focus();
+}
+
+/** @returns {import("./texts.js").Language} */
+function firstLanguage() {
+    try {
+        const known = localStorage.getItem("language");
+        if (known === "en" || known === "de") return known;
+    } catch {
+        // A page from a disk may have no storage.
+    }
+    return navigator.language.startsWith("de") ? "de" : "en";
+}
+
+function listenForDrops() {
+    let inside = 0;
+    const mark = () => document.body.classList.toggle("dragging", inside > 0);
+    addEventListener("dragenter", (event) => { event.preventDefault(); ++inside; mark(); });
+    addEventListener("dragleave", () => { inside = Math.max(0, inside - 1); mark(); });
+    addEventListener("dragover", (event) => event.preventDefault());
+    addEventListener("drop", (event) => {
+        event.preventDefault();
+        inside = 0;
+        mark();
+        if (event.dataTransfer) run(droppedFiles(event.dataTransfer).then(openFiles));
+    });
+    addEventListener("paste", (event) => {
+        if (event.target instanceof HTMLInputElement || event.target instanceof HTMLTextAreaElement) return;
+        const { files } = event.clipboardData ?? { files: undefined };
+        const pasted = event.clipboardData?.getData("text/plain") ?? "";
+        if (files && files.length > 0) run(openFiles(chosenFiles(files)));
+        else if (pasted.trim() !== "") openText(pasted);
+    });
+}
+
+/** The engine's bytes, which stand packed in the page. */
+async function engineBytes() {
+    const packed = Uint8Array.from(atob(byId("engine").textContent ?? ""), (character) => character.charCodeAt(0));
+    return new Response(new Blob([packed]).stream().pipeThrough(new DecompressionStream("deflate-raw"))).arrayBuffer();
+}
+
+async function start() {
+    useLanguage(firstLanguage());
+    drawStart();
+    showState("start");
+    if (typeof DecompressionStream === "undefined" || typeof Intl.supportedValuesOf === "undefined")
+        return showFailure(new Error(text("tooOld")));
+    engineModule = await WebAssembly.compile(await engineBytes());
+    ({ kinds } = await startWorker());
+    listenForDrops();
+    document.body.dataset.ready = String(Math.round(performance.now()));
+}
+
+run(start());
