@@ -46,7 +46,9 @@ TEST_F(ConvertCommand, APipeIsReadForItsZonesFirst) {
 TEST_F(ConvertCommand, SeveralFilesIntoOne) {
     const std::string first = fileWith("a.vcs", kPhone);
     const std::string out = state_.file("all.ics");
-    const ProcessResult result = run({"convert", first, first, "--output", out});
+    std::string other = kPhone;
+    other.replace(other.find("UID:1"), 5, "UID:2");
+    const ProcessResult result = run({"convert", first, fileWith("b.vcs", other), "--output", out});
     EXPECT_EQ(result.exitCode, 0) << result.err;
     const std::string text = readFile(out);
     EXPECT_EQ(text.find("BEGIN:VCALENDAR"), text.rfind("BEGIN:VCALENDAR"));

@@ -15,7 +15,7 @@ std::string calendar(const std::string& lines) {
 }
 
 const std::string kGood = calendar("SUMMARY:Good\r\nRRULE:W2 MO WE FR #10\r\n");
-const std::string kLossy = calendar("SUMMARY:Lossy\r\nno property\r\n");
+const std::string kLossy = calendar("SUMMARY:Lossy\r\nPRIORITY:1\r\nno property\r\n");
 
 class ConvertFolders : public QelutilTest {
   protected:
