@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
@@ -15,24 +16,40 @@ const EntryProperty* Entry::find(std::string_view name) const {
     return found == properties.end() ? nullptr : &*found;
 }
 
-Entry::WholeDaysSaid Entry::wholeDaysSaid() const {
+namespace {
+
+Entry::WholeDays wholeDaysSaidBy(std::string_view name, std::string_view value) {
+    using Days = Entry::WholeDays;
     static constexpr std::string_view kFlags[] = {"X-MICROSOFT-CDO-ALLDAYEVENT",
                                                   "X-FUNAMBOL-ALLDAY", "X-DCM-ALLDAY", "X-ALLDAY"};
-    static constexpr std::string_view kType = "X-EPOCAGENDAENTRYTYPE";
+    struct Word {
+        std::string_view word;
+        Days days;
+    };
+    static constexpr Word kOfTypes[] = {{"EVENT", Days::AtMidnight},
+                                        {"ANNIVERSARY", Days::AtMidnight},
+                                        {"APPOINTMENT", Days::No},
+                                        {"REMINDER", Days::No}};
+    static constexpr Word kOfFlags[] = {{"TRUE", Days::Yes}, {"1", Days::Yes}, {"YES", Days::Yes},
+                                        {"FALSE", Days::No}, {"0", Days::No},  {"NO", Days::No}};
+    const auto meaning = [value](std::span<const Word> words) {
+        const auto found = std::find_if(words.begin(), words.end(), [value](const Word& each) {
+            return equalsIgnoreCase(each.word, value);
+        });
+        return found == words.end() ? Days::Unsaid : found->days;
+    };
+    if (name == "X-EPOCAGENDAENTRYTYPE") return meaning(kOfTypes);
+    const bool flag = std::find(std::begin(kFlags), std::end(kFlags), name) != std::end(kFlags);
+    return flag ? meaning(kOfFlags) : Days::Unsaid;
+}
+
+}  // namespace
+
+Entry::WholeDaysSaid Entry::wholeDaysSaid() const {
     WholeDaysSaid said;
     for (const EntryProperty& each : properties) {
         if (!each.name.starts_with("X-")) continue;
-        const std::string_view value = trimmed(each.value());
-        const auto is = [value](std::string_view word) { return equalsIgnoreCase(value, word); };
-        WholeDays what = WholeDays::Unsaid;
-        if (each.name == kType)
-            what = is("EVENT") || is("ANNIVERSARY")      ? WholeDays::AtMidnight
-                   : is("APPOINTMENT") || is("REMINDER") ? WholeDays::No
-                                                         : WholeDays::Unsaid;
-        else if (std::find(std::begin(kFlags), std::end(kFlags), each.name) != std::end(kFlags))
-            what = is("TRUE") || is("1") || is("YES")   ? WholeDays::Yes
-                   : is("FALSE") || is("0") || is("NO") ? WholeDays::No
-                                                        : WholeDays::Unsaid;
+        const WholeDays what = wholeDaysSaidBy(each.name, trimmed(each.value()));
         if (what > said.what) said = {what, &each};
     }
     return said;

@@ -350,15 +350,13 @@ bool LineReader::join() {
         if (startsIndented()) return false;
         append(ahead_);
         if (line_.text.size() > begin) line_.folds.push_back(begin);
-    } else if ((line_.colon != std::string::npos && beginsProperty(ahead_)) || !takesBareLines()) {
+    } else if (!goesOnBare()) {
         return false;
     } else if (ahead_.empty()) {
         ++emptyLines_;
         return true;
-    } else if (isBareText()) {
-        appendBare();
     } else {
-        return false;
+        appendBare();
     }
     emptyLines_ = 0;
     width_ = ahead_.size();
@@ -403,6 +401,12 @@ bool LineReader::startsIndented() {
         return false;
     ahead_.remove_prefix(static_cast<std::size_t>(line.data() - ahead_.data()));
     return true;
+}
+
+// True when the physical line is the rest of the line although it is not folded.
+bool LineReader::goesOnBare() const {
+    if (line_.colon != std::string::npos && beginsProperty(ahead_)) return false;
+    return takesBareLines() && (ahead_.empty() || isBareText());
 }
 
 // True when what follows may be the rest of the line without any sign of it: phones break long

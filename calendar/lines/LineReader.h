@@ -70,6 +70,7 @@ class LineReader {
     [[nodiscard]] bool join();
     [[nodiscard]] bool joinSoft(std::size_t soft);
     [[nodiscard]] bool startsIndented();
+    [[nodiscard]] bool goesOnBare() const;
     [[nodiscard]] bool takesBareLines() const;
     [[nodiscard]] bool isBareText() const;
     void appendBare();

@@ -240,6 +240,25 @@ TEST(Convert, CalendarsAreReadAsWhatTheyAre) {
     EXPECT_TRUE(unsaid.tells("9: X-LATE of the calendar is left out"));
     EXPECT_TRUE(holds(toICalendar("BEGIN:VCALENDAR\nVERSION:1.0\n" + entry + "END:VCALENDAR\n").out,
                       "DESCRIPTION:two\\\\nlines"));
+    // Wrapped as on a typewriter, and parameters of a value that is not encoded any more.
+    const Conversion wrapped = toICalendar(
+        "BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VEVENT\nUID:1\nDTSTART:20050601T000000\n"
+        "DTEND:20050602T000000\n"
+        "SUMMARY:the words of this text are not divided by the\n"
+        " program that wrapped its lines just as a typewriter would\\,\n"
+        " and every fold of it is the blank between two of them\n"
+        "BEGIN:VALARM\nACTION:DISPLAY\nDESCRIPTION:a\nTRIGGER:-PT5M\n"
+        "X-A;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:=E9\nEND:VALARM\n"
+        "END:VEVENT\nEND:VCALENDAR\n");
+    EXPECT_TRUE(holds(
+        wrapped.out,
+        "SUMMARY:the words of this text are not divided by the program that wrapped its lines just "
+        "as a typewriter would\\, and every fold of it is the blank between two of them"))
+        << wrapped.out;
+    EXPECT_TRUE(wrapped.tells("7: the text of SUMMARY gets a blank"));
+    EXPECT_TRUE(holds(wrapped.out, "X-A:\xC3\xA9"));
+    // Times that a phone would take for a whole day stay times.
+    EXPECT_TRUE(holds(toICalendar(toVCalendar(wrapped.out).out).out, "DTSTART:20050601T000000"));
 }
 
 }  // namespace
