@@ -45,7 +45,7 @@ std::optional<Moment> momentOf(const qelcal_time& time) {
 
 RuleStart ruleStartOf(const Moment& moment) {
     const Civil civil = civilOf(moment.day);
-    return {civil.year, civil.month, civil.day, moment.second, moment.isDate, 0};
+    return {civil.year, civil.month, civil.day, moment.second, moment.isDate, 0, moment.clock};
 }
 
 }  // namespace qel::calendar::api

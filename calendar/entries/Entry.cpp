@@ -57,8 +57,10 @@ Entry::WholeDaysSaid Entry::wholeDaysSaid() const {
 
 RuleStart Entry::ruleStart() const {
     const Civil civil = civilOf(start->day);
-    RuleStart result{civil.year, civil.month, civil.day, start->second, start->isDate, 0};
-    if (start->clock == Clock::Zoned && zone != nullptr)
+    RuleStart result{civil.year, civil.month, civil.day, start->second, start->isDate};
+    if (zone == nullptr)
+        result.onlyClock = start->clock;
+    else if (start->clock == Clock::Zoned || start->isDate)
         result.utcOffset = zone->offsetAtLocal(start->seconds());
     return result;
 }

@@ -56,12 +56,10 @@ class Expander {
     std::vector<int> run() {
         if (limits_.most == 0) return {};
         found_.push_back(first_);
-        const std::int64_t step = std::max(rule_.interval, 1);
-        std::vector<int> days;
-        for (std::int64_t period = firstPeriod(); !done_; period += step) {
-            if (!daysOf(period, days)) break;
-            for (const int day : days) take(day);
-        }
+        if (rule_.frequency == Frequency::Daily)
+            takeDays();
+        else
+            takePeriods();
         return std::move(found_);
     }
 
@@ -81,6 +79,57 @@ class Expander {
         return byWeek && rule_.interval <= 1 ? -1 : 0;
     }
 
+    void takePeriods() {
+        const std::int64_t step = std::max(rule_.interval, 1);
+        std::vector<int> days;
+        std::size_t periods = 0;
+        std::int64_t lastHit = 0;
+        for (std::int64_t period = firstPeriod(); !done_; period += step) {
+            if (!daysOf(period, days)) break;
+            const std::size_t before = found_.size();
+            for (const int day : days) take(day);
+            if (period <= 0 || found_.size() > before) {
+                ++periods;
+                lastHit = period;
+            }
+            if (periods == limits_.periods || period - lastHit > longestGap() + step) break;
+        }
+    }
+
+    // A daily rule, whose periods are single days.
+    void takeDays() {
+        if (setPositions_.any() && !setPositions_.names(1, 1)) return;
+        const std::int64_t step = std::max(rule_.interval, 1);
+        for (std::int64_t next = first_ + step; !done_ && next <= last_; next += step) {
+            const int day = static_cast<int>(next);
+            const Civil civil = civilOf(day);
+            if (months_.any() && !months_.holds(civil.month)) {
+                // To the last day of the series in this month.
+                const int rest = daysInMonth(civil.year, civil.month) - civil.day;
+                next += rest / step * step;
+            } else if ((rule_.days.empty() || weekdayNamed(day)) && isAllowed(day)) {
+                take(day);
+            }
+            if (next - found_.back() > longestGap() + step) break;
+        }
+    }
+
+    // A rule without an occurrence in so many periods has none at all: 100 years, or 50 where the
+    // periods are days or weeks.
+    [[nodiscard]] int longestGap() const {
+        switch (rule_.frequency) {
+            case Frequency::Daily:
+                return 50 * 366;
+            case Frequency::Weekly:
+                return 50 * 53;
+            case Frequency::Monthly:
+                return 1200;
+            case Frequency::Yearly:
+                return 100;
+        }
+        return 0;
+    }
+
     // The occurrences of the period that begins `period` units after the start's, ascending. False
     // past the end.
     bool daysOf(std::int64_t period, std::vector<int>& days) {
@@ -97,12 +146,8 @@ class Expander {
         const auto moment = parseMoment(rule_.until);
         if (!moment) return;
         std::int64_t until = moment->seconds();
-        if (moment->isDate || start_.isDate) {
-            until = std::int64_t{moment->day} * kDaySeconds;
-        } else {
-            if (moment->clock == Clock::Utc) until += start_.utcOffset;
-            until -= start_.secondOfDay;
-        }
+        if (moment->clock == Clock::Utc) until += start_.utcOffset;
+        if (!moment->isDate && !start_.isDate) until -= start_.secondOfDay;
         // The last day on which the start's time of day is not after the end.
         const std::int64_t day =
             until >= 0 ? until / kDaySeconds : (until - kDaySeconds + 1) / kDaySeconds;
@@ -177,8 +222,10 @@ class Expander {
         } else if (!rule_.days.empty()) {
             // Without months a position counts in the year, whatever else limits the days.
             addPositions(dayNumber(year, 1, 1), dayNumber(year, 12, 31), days);
-        } else if (monthDays_.any() || yearDays_.any()) {
-            addAll(dayNumber(year, 1, 1), dayNumber(year, 12, 31), days);
+        } else if (monthDays_.any()) {
+            for (int month = 1; month <= 12; ++month) addMonth(year, month, days);
+        } else if (yearDays_.any()) {
+            addYearDays(year, days);
         } else if (start_.day <= daysInMonth(year, start_.month)) {
             days.push_back(dayNumber(year, start_.month, start_.day));
         }
@@ -191,16 +238,25 @@ class Expander {
         if (!rule_.days.empty())
             addPositions(first, first + length - 1, days);
         else if (monthDays_.any() || yearDays_.any())
-            addAll(first, first + length - 1, days);
+            addNamed(first, length, days);
         else if (weekNumbers_.any())
             addPosition({0, weekdayOf(first_)}, first, first + length - 1, days);
         else if (start_.day <= length)
             days.push_back(first + start_.day - 1);
     }
 
-    // For isAllowed to choose from.
-    static void addAll(int first, int last, std::vector<int>& days) {
-        for (int day = first; day <= last; ++day) days.push_back(day);
+    // BYMONTHDAY, or all days, for isAllowed to choose from.
+    void addNamed(int first, int length, std::vector<int>& days) const {
+        for (int each = 1; each <= length; ++each)
+            if (!monthDays_.any() || monthDays_.names(each, length))
+                days.push_back(first + each - 1);
+    }
+
+    void addYearDays(int year, std::vector<int>& days) const {
+        const int length = daysInYear(year);
+        const int first = dayNumber(year, 1, 1);
+        for (int each = 1; each <= length; ++each)
+            if (yearDays_.names(each, length)) days.push_back(first + each - 1);
     }
 
     // BYDAY within the days from `first` to `last`.

@@ -3,8 +3,11 @@
 #ifndef QEL_CALENDAR_RULES_RULE_H
 #define QEL_CALENDAR_RULES_RULE_H
 
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "calendar/base/Moment.h"
 
 namespace qel::calendar {
 
@@ -48,6 +51,9 @@ struct RuleStart {
     int secondOfDay = 0;
     bool isDate = false;  // an all-day entry: only the date counts
     int utcOffset = 0;    // seconds east of UTC at the start; moves an UNTIL with Z into this clock
+    // The start's clock, UTC or floating, where no zone is known that could move an UNTIL on the
+    // other one to it.
+    std::optional<Clock> onlyClock = std::nullopt;
 };
 
 }  // namespace qel::calendar

@@ -24,7 +24,8 @@ struct RuleEnd {
 // Puts an end into `rule`. Of a count and a date it takes the earlier one if the start is known,
 // else the date. An end date without a time becomes the last second of that day in a series with a
 // time of day; `midnightIsDay` does the same to an end at midnight of a series that is not at
-// midnight.
+// midnight. An end in UTC of a local series, or the reverse, where no zone relates the two, is the
+// last occurrence where that may be the same instant, else the whole of its day.
 void applyEnd(const RuleEnd& end, const std::optional<RuleStart>& start, bool midnightIsDay,
               Rule& rule, std::vector<Note>& notes);
 

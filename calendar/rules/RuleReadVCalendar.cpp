@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
@@ -9,6 +10,7 @@
 #include "calendar/base/Days.h"
 #include "calendar/base/Moment.h"
 #include "calendar/base/Strays.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleEnd.h"
 #include "calendar/rules/RuleParts.h"
 
@@ -16,14 +18,19 @@ namespace qel::calendar {
 
 namespace {
 
+// Some programs write "W1.MO.TU".
+bool separates(char c) {
+    return isBlank(c) || c == '.';
+}
+
 std::vector<std::string_view> tokensOf(std::string_view text) {
     std::vector<std::string_view> tokens;
     tokens.reserve(8);
     std::size_t at = 0;
     while (at < text.size()) {
-        while (at < text.size() && isBlank(text[at])) ++at;
+        while (at < text.size() && separates(text[at])) ++at;
         const std::size_t begin = at;
-        while (at < text.size() && !isBlank(text[at])) ++at;
+        while (at < text.size() && !separates(text[at])) ++at;
         std::string_view token = text.substr(begin, at - begin);
         while (!token.empty() && (token.back() == ';' || token.back() == ','))
             token.remove_suffix(1);
@@ -89,6 +96,10 @@ std::optional<int> readTime(std::string_view token) {
     return time == kDaySeconds ? std::nullopt : time;
 }
 
+// A number after # for which the dates are counted out both ways, and the years that they may take.
+constexpr std::size_t kMostCounted = 366;
+constexpr int kYearsCounted = 100;
+
 // Reads one rule, token by token.
 class RuleParser {
   public:
@@ -147,7 +158,7 @@ class RuleParser {
             strays_.add(token);
     }
 
-    void finish() {
+    void finish(CountMeans countMeans) {
         strays_.report(reading_.notes, NoteCode::RuleItemUnknown);
         outside_.report(reading_.notes, NoteCode::RuleValueOutside);
         if (!badEnd_.empty()) {
@@ -173,6 +184,7 @@ class RuleParser {
         if (rule_.frequency == Frequency::Weekly && rule_.interval > 1 && sunday &&
             rule_.days.size() > 1)
             rule_.weekStart = 1;
+        if (start_ && end_.count && *end_.count > 0 && hasSeveralDays()) settleCount(countMeans);
         applyEnd(end_, start_, true, rule_, reading_.notes);
         reading_.rules.push_back(std::move(rule_));
     }
@@ -255,6 +267,37 @@ class RuleParser {
         rule_.minutes.push_back(minute);
     }
 
+    [[nodiscard]] bool hasSeveralDays() const {
+        return std::max({rule_.days.size(), rule_.monthDays.size(), rule_.months.size(),
+                         rule_.yearDays.size()}) > 1 &&
+               rule_.frequency != Frequency::Daily;
+    }
+
+    // Where a number of dates and the same number of periods are not the same series.
+    void settleCount(CountMeans countMeans) {
+        const auto number = static_cast<std::size_t>(*end_.count);
+        if (countMeans == CountMeans::Dates && number > kMostCounted) return;
+        Rule rule = rule_;
+        rule.until = end_.until;
+        if (rule.frequency == Frequency::Weekly) rule.weekStart = 1;
+        RuleLimits limits{std::numeric_limits<std::size_t>::max(), start_->year + kYearsCounted,
+                          number};
+        const std::vector<int> ofPeriods = expandRule(rule, *start_, limits);
+        limits = {number, limits.lastYear};
+        const std::vector<int> dates = expandRule(rule, *start_, limits);
+        if (dates == ofPeriods) return;
+        const auto text = [](int day) { return formatMoment({day, 0, true, Clock::Floating}); };
+        static constexpr std::string_view kPeriods[] = {"days", "weeks", "months", "years"};
+        const std::string_view periods = kPeriods[static_cast<std::size_t>(rule.frequency)];
+        const bool asDates = countMeans == CountMeans::Dates;
+        const int taken = asDates ? dates.back() : ofPeriods.back();
+        const int other = asDates ? ofPeriods.back() : dates.back();
+        reading_.notes.push_back(
+            Note(asDates ? NoteCode::RuleCountOfDates : NoteCode::RuleCountOfPeriods, 0,
+                 {std::to_string(number), text(taken), periods, text(other)}));
+        if (!asDates) end_.count = static_cast<int>(ofPeriods.size());
+    }
+
     void fillFromStart() {
         if (head_.kind == Kind::ByPosition && rule_.days.empty()) {
             if (!start_) {
@@ -291,9 +334,10 @@ class RuleParser {
 }  // namespace
 
 void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& start,
-                        RuleReading& reading) {
+                        CountMeans countMeans, RuleReading& reading) {
     const std::vector<std::string_view> tokens = tokensOf(text);
     if (tokens.empty()) return;
+    const bool dots = text.find('.') != std::string_view::npos;
     std::optional<Head> head = readHead(tokens.front());
     if (!head) {
         reading.notes.emplace_back(NoteCode::RuleNotRecognised);
@@ -314,8 +358,9 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
             if (head) break;
             if (!parser.takeEnd(tokens[at])) parser.takeModifier(tokens[at]);
         }
-        parser.finish();
+        parser.finish(countMeans);
     }
+    if (dots) reading.notes.emplace_back(NoteCode::RuleDots);
     if (rules > 1) reading.notes.push_back(Note(NoteCode::RuleSeveral, 0, {std::to_string(rules)}));
 }
 

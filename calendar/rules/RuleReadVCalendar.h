@@ -11,7 +11,7 @@ namespace qel::calendar {
 
 // Adds the rules of `text` to `reading`.
 void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& start,
-                        RuleReading& reading);
+                        CountMeans countMeans, RuleReading& reading);
 
 }  // namespace qel::calendar
 

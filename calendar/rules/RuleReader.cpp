@@ -35,7 +35,8 @@ RuleForm guessRuleForm(std::string_view text) {
     return capitals.find(';') != std::string::npos ? RuleForm::Positional : RuleForm::VCalendar10;
 }
 
-RuleReading readRules(std::string_view text, RuleForm form, const std::optional<RuleStart>& start) {
+RuleReading readRules(std::string_view text, RuleForm form, const std::optional<RuleStart>& start,
+                      CountMeans countMeans) {
     RuleReading reading;
     text = trimmed(text);
     if (text.empty()) {
@@ -52,7 +53,7 @@ RuleReading readRules(std::string_view text, RuleForm form, const std::optional<
     }
     switch (form) {
         case RuleForm::VCalendar10:
-            readVCalendarRules(text, start, reading);
+            readVCalendarRules(text, start, countMeans, reading);
             break;
         case RuleForm::ICalendar:
             readICalendarRules(text, start, reading);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/base/Choices.h"
 #include "calendar/base/Notes.h"
 #include "calendar/rules/Rule.h"
 
@@ -44,8 +45,12 @@ struct RuleReading {
 //
 // iCalendar: a weekday within seven days of the month is the n-th one: "BYDAY=TU;BYMONTHDAY=8,9,10,
 // 11,12,13,14" gives BYDAY=2TU, with -7 to -1 BYDAY=-1TU.
+//
+// `countMeans` is for "#5" of a vCalendar 1.0 rule with several days in a period, where the two
+// readings differ; a note says which was taken and how the other one ends.
 [[nodiscard]] RuleReading readRules(std::string_view text, RuleForm form,
-                                    const std::optional<RuleStart>& start);
+                                    const std::optional<RuleStart>& start,
+                                    CountMeans countMeans = CountMeans::Dates);
 
 }  // namespace qel::calendar
 

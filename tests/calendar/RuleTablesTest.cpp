@@ -44,8 +44,8 @@ std::string datesOf(std::vector<Rule> rules, const RuleStart& start, bool outsid
 
 // The dates of a rule text, when they are the same again by way of either written form.
 std::string datesOf(const std::string& text, RuleForm form, const RuleStart& start, bool outside,
-                    std::size_t most) {
-    const RuleReading reading = readRules(text, form, start);
+                    std::size_t most, CountMeans means = CountMeans::Dates) {
+    const RuleReading reading = readRules(text, form, start, means);
     const std::string dates = datesOf(reading.rules, start, outside, most);
     for (const Rule& rule : reading.rules) {
         const std::string one = datesOf({rule}, start, false, most);
@@ -110,20 +110,25 @@ TEST(RuleTables, VCalendarRulesGiveTheirDates) {
     std::vector<Row> rows = table("vcal10_rules.tsv");
     if (rows.empty()) GTEST_SKIP() << "no public tables beside the checkout";
     Tally tally;
+    Tally periods;
     for (Row& row : rows) {
         SCOPED_TRACE(row["id"] + " " + row["dtstart"] + " " + row["rule"]);
         if (row["status"] != "basic") {
             tally.add("no dates in the table", row["note"]);
             continue;
         }
-        // The number behind # counts events here.
-        const std::string& expected = row["dates_if_number_counts_events"];
-        const std::size_t most =
-            split(expected, ' ').size() + (row["complete_events"] == "yes" ? 1 : 0);
-        compare(datesOf(row["rule"], RuleForm::VCalendar10, startOf(row["dtstart"]), false, most),
-                expected, "", tally);
+        for (const bool dates : {true, false}) {
+            const std::string& expected =
+                row[dates ? "dates_if_number_counts_events" : "dates_if_number_counts_periods"];
+            const bool whole = row[dates ? "complete_events" : "complete_periods"] == "yes";
+            const std::size_t most = split(expected, ' ').size() + (whole ? 1 : 0);
+            compare(datesOf(row["rule"], RuleForm::VCalendar10, startOf(row["dtstart"]), false,
+                            most, dates ? CountMeans::Dates : CountMeans::Periods),
+                    expected, "", dates ? tally : periods);
+        }
     }
     EXPECT_EQ(tally.print("vcal10_rules.tsv"), static_cast<int>(rows.size()));
+    periods.print("  as periods");
 }
 
 // A vCalendar 1.0 rule and the iCalendar rule that peers pair it with give the same dates.

@@ -24,7 +24,8 @@ std::optional<RuleStart> startOf(const std::string& text) {
     const auto moment = parseMoment(text);
     if (!moment) return std::nullopt;
     const Civil date = civilOf(moment->day);
-    return RuleStart{date.year, date.month, date.day, moment->second, moment->isDate};
+    return RuleStart{date.year,      date.month, date.day,     moment->second,
+                     moment->isDate, 0,          moment->clock};
 }
 
 template <class Each>
@@ -38,8 +39,12 @@ TEST(RuleText, PhoneRules) {
     for (Row& row : cases("calendar/phone-rules.txt")) {
         SCOPED_TRACE(row["case"]);
         const auto start = startOf(row["start"]);
-        const RuleReading reading = readRules(row["vcalendar"], RuleForm::VCalendar10, start);
+        const RuleReading reading =
+            readRules(row["vcalendar"], RuleForm::VCalendar10, start,
+                      row["count"] == "periods" ? CountMeans::Periods : CountMeans::Dates);
         EXPECT_EQ(joined(reading.rules, iCalendarText), row["icalendar"]);
+        if (row.count("note") != 0)
+            EXPECT_EQ(reading.notes.empty() ? "" : reading.notes.front().text(), row["note"]);
         EXPECT_EQ(joined(reading.rules,
                          [&](const Rule& rule) {
                              const VCalendarRule back = vCalendarTexts(rule, start);
