@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
-#include <set>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
@@ -22,6 +22,8 @@ constexpr int kLastDay = dayNumber(kLastYear, 12, 31);
 constexpr std::size_t kUnlimited = kLastDay - dayNumber(1, 1, 1) + 2;
 // Days of one occurrence that are marked after its first.
 constexpr int kLongestSpan = 31;
+// Dates of all rules together among which those of the rules of exceptions are looked for.
+constexpr std::size_t kMostLookedAt = 8000;
 
 // All occurrences of an entry, those that are taken out too.
 class Series {
@@ -30,11 +32,14 @@ class Series {
     Series(const Entry& entry, std::size_t mostOfRule, int lastYear)
         : entry_(entry), limits_{mostOfRule, std::min(lastYear, kLastYear)} {
         add(*entry.start);
-        for (const EntryRule& each : entry.rules)
-            for (const Rule& rule : each.rules) addRule(rule, each.exclude);
+        addRules(false);
         for (const Moment& date : entry.dates) add(inClock(date));
-        for (const Moment& date : entry.excluded) exclude(inClock(date));
-        for (const int day : excludedByRule_) exclude(atStartsTime(day));
+        addRules(true);
+    }
+
+    // Takes out what EXDATE names; the rules of exceptions have been followed.
+    void excludeListed() {
+        for (const Moment& date : entry_.excluded) exclude(inClock(date));
     }
 
     // By day and second of the day on the start's clock; true when it is taken out.
@@ -45,18 +50,32 @@ class Series {
     [[nodiscard]] int completeThrough() const { return completeThrough_; }
     // A rule that adds occurrences has more of them.
     [[nodiscard]] bool goesOn() const { return goesOn_; }
+    // After that day, complete or not, nothing is taken out by a rule.
+    [[nodiscard]] int lastException() const { return lastException_; }
 
   private:
+    void addRules(bool excludes) {
+        for (const EntryRule& each : entry_.rules)
+            for (const Rule& rule : each.rules)
+                if (each.exclude == excludes) addRule(rule, excludes);
+    }
+
     void addRule(const Rule& rule, bool excludes) {
-        const std::vector<int> days = expandRule(rule, entry_.ruleStart(), limits_);
-        if (days.size() >= limits_.most) {
+        const RuleStart start = entry_.ruleStart();
+        std::vector<int> days = expandRule(rule, start, limits_);
+        const bool isCut = days.size() >= limits_.most;
+        if (isCut) {
             completeThrough_ = std::min(completeThrough_, days.back());
             goesOn_ = goesOn_ || !excludes;
         }
-        if (excludes)
-            excludedByRule_.insert(days.begin(), days.end());
-        else
+        if (!excludes) {
             for (const int day : days) add(atStartsTime(day));
+            return;
+        }
+        lastException_ = std::max(lastException_, isCut ? kLastDay : days.back());
+        // An exception does not begin with the start by itself.
+        if (!yieldsStart(rule, start)) days.erase(days.begin());
+        for (const int day : days) exclude(atStartsTime(day));
     }
 
     [[nodiscard]] Moment inClock(const Moment& date) const {
@@ -76,8 +95,8 @@ class Series {
     const Entry& entry_;
     RuleLimits limits_;
     std::map<std::pair<int, int>, bool> occurrences_;
-    std::set<int> excludedByRule_;
     int completeThrough_ = kLastDay;
+    int lastException_ = std::numeric_limits<int>::min();
     bool goesOn_ = false;
 };
 
@@ -177,7 +196,8 @@ std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range
     const Seconds seconds = secondsOf(entry, range);
     const int lastYear = range.through ? civilOf(range.through->day).year + 1 : kLastYear;
     for (std::size_t most = firstGuess(entry, range, seconds);; most *= 2) {
-        const Series series(entry, most, lastYear);
+        Series series(entry, most, lastYear);
+        series.excludeListed();
         const bool complete = series.completeThrough() == kLastDay;
         found.clear();
         for (const auto& [at, excluded] : series.occurrences()) {
@@ -193,13 +213,38 @@ std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range
     }
 }
 
+Exclusions excludedByRules(const Entry& entry, std::size_t most) {
+    const std::size_t rules = std::accumulate(
+        entry.rules.begin(), entry.rules.end(), std::size_t{1},
+        [](std::size_t sum, const EntryRule& each) { return sum + each.rules.size(); });
+    const Series series(entry, std::max<std::size_t>(kMostLookedAt / rules, 100), kLastYear);
+    Exclusions result;
+    result.through = series.completeThrough();
+    const bool goesOn =
+        series.goesOn() || series.occurrences().rbegin()->first.first > result.through;
+    result.more = goesOn && series.lastException() > result.through;
+    for (const auto& [at, excluded] : series.occurrences()) {
+        if (!excluded || at.first > series.completeThrough()) continue;
+        if (result.dates.size() == most) {
+            result.more = true;
+            result.through = result.dates.back().day;
+            break;
+        }
+        Moment moment = *entry.start;
+        std::tie(moment.day, moment.second) = at;
+        result.dates.push_back(moment);
+    }
+    return result;
+}
+
 EntryDays markedDays(const Entry& entry, std::size_t most) {
     EntryDays result;
     if (!entry.start) {
         if (entry.due) result.days.push_back({entry.due->day, false});
         return result;
     }
-    const Series series(entry, most, kLastYear);
+    Series series(entry, most, kLastYear);
+    series.excludeListed();
     std::map<int, bool> days;
     for (const auto& [at, excluded] : series.occurrences()) {
         bool& excludedDay = days[at.first];

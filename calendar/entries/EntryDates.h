@@ -26,6 +26,15 @@ struct OccurrenceRange {
 // are at the start's time of day.
 [[nodiscard]] std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range);
 
+struct Exclusions {
+    std::vector<Moment> dates;  // ascending, at most `most`
+    bool more = false;          // after `through` there are others
+    int through = 0;            // a code date
+};
+
+// The dates of the entry that its rules of exceptions (EXRULE) take out. REQUIRES: start.
+[[nodiscard]] Exclusions excludedByRules(const Entry& entry, std::size_t most);
+
 struct EntryDays {
     std::vector<MarkedDay> days;  // ascending, each once
     bool more = false;            // the series goes on after them

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/entries/EntryDates.h"
 #include "calendar/formats/AlarmText.h"
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/Vocabulary.h"
@@ -20,13 +21,17 @@ namespace {
 // A count whose series lasts longer stays a count.
 constexpr int kYearsCounted = 100;
 
+// A rule of exceptions becomes a list of dates up to this many, and is kept under this name.
+constexpr std::size_t kMostExceptions = 500;
+constexpr std::string_view kException = "X-ICAL-EXRULE";
+
 std::string keptName(std::string_view name) {
     return std::string(kVCalendarPrefix) + std::string(name);
 }
 
 // A rule that recurs within the day: a Rule cannot express it, but iCalendar can.
 bool isFineRule(const EntryProperty& property) {
-    return (property.name == "X-ICAL-RRULE" || property.name == "X-ICAL-EXRULE") &&
+    return property.name == "X-ICAL-RRULE" &&
            (startsWithIgnoreCase(property.value(), "FREQ=HOURLY") ||
             startsWithIgnoreCase(property.value(), "FREQ=MINUTELY") ||
             startsWithIgnoreCase(property.value(), "FREQ=SECONDLY"));
@@ -87,6 +92,8 @@ class ICalSettling {
     // Gives a counted rule that does not yield the start its last date in place of the count.
     void countToEnd(Rule& rule, const RuleStart& start) const;
     void settleRules();
+    // Today's calendar programs ignore EXRULE: its dates become EXDATEs.
+    void settleExceptions(const std::string& rule);
     void settleProperties();
     [[nodiscard]] bool allowed(const EntryProperty& property);
     void settleAlarms();
@@ -228,9 +235,11 @@ void ICalSettling::settleRules() {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             std::string text = iCalendarText(rule);
             if (text.empty())
+    std::string exception;
                 addNote(NoteCode::EntryRuleNotWritable, {}, each.line);
             else
-                settled_.rules.push_back({each.exclude ? "EXRULE" : "RRULE", std::move(text)});
+                settled_.rules.push_back({each.exclude ? kException : "RRULE", text});
+            if (each.exclude && exception.empty()) exception = text;
         }
     }
 }
@@ -238,6 +247,23 @@ void ICalSettling::settleRules() {
 void ICalSettling::settleProperties() {
     for (std::size_t at = 0; at < entry().properties.size(); ++at) {
         const EntryProperty& property = entry().properties[at];
+    if (!exception.empty()) settleExceptions(exception);
+}
+
+void ICalSettling::settleExceptions(const std::string& rule) {
+    const Exclusions found = excludedByRules(settled_.read(), kMostExceptions);
+    const auto owner = std::find_if(entry().rules.begin(), entry().rules.end(),
+                                    [](const EntryRule& each) { return each.exclude; });
+    const std::string count = std::to_string(found.dates.size());
+    if (found.more)
+        addNote(NoteCode::ExceptionRuleCut,
+                {rule, count, kException, formatMoment({found.through, 0, true, Clock::Floating})},
+                owner->line);
+    else
+        addNote(NoteCode::ExceptionRuleAsDates, {rule, count, kException}, owner->line);
+    if (found.dates.empty()) return;
+    std::vector<Moment>& excluded = settled_.change().excluded;
+    excluded.insert(excluded.end(), found.dates.begin(), found.dates.end());
         if (isFineRule(property) && entry().start) {
             EntryProperty& rule = settled_.change().properties[at];
             rule.name.erase(0, kICalendarPrefix.size());

@@ -1,9 +1,11 @@
 #include "calendar/formats/VCalSettle.h"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/entries/EntryDates.h"
 #include "calendar/formats/AlarmText.h"
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/Occurrences.h"
@@ -42,6 +44,8 @@ class VCalSettling {
     // The rule's end on the start's clock.
     [[nodiscard]] std::string untilText(const std::string& until) const;
     void settleRules();
+    // A rule of exceptions says by itself what iCalendar lists beside it.
+    void dropListedExceptions();
     void settleInexpressible(const EntryRule& owner, const Rule& rule, const RuleStart& start,
                              const std::string& reason);
     void reportStatus();
@@ -97,6 +101,21 @@ void VCalSettling::settleRules() {
             if (texts.texts.empty()) settleInexpressible(each, rule, start, texts.reason);
         }
     }
+    const auto isException = [](const SettledRule& rule) { return rule.name == "EXRULE"; };
+    if (!entry().excluded.empty() &&
+        std::any_of(settled_.rules.begin(), settled_.rules.end(), isException))
+        dropListedExceptions();
+}
+
+void VCalSettling::dropListedExceptions() {
+    const Exclusions found = excludedByRules(settled_.read(), kMostDates);
+    std::set<std::int64_t> dates;
+    for (const Moment& date : found.dates) dates.insert(date.seconds());
+    const Moment start = *entry().start;
+    Entry& changed = settled_.change();
+    std::erase_if(changed.excluded, [&](const Moment& date) {
+        return dates.contains(changed.inClockOf(start, date).seconds());
+    });
 }
 
 // A list of dates where the rule has an end, or the iCalendar rule, for when the entry is converted
