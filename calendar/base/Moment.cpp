@@ -223,6 +223,16 @@ std::optional<Duration> parseDuration(std::string_view text, std::string* proble
     return result;
 }
 
+std::optional<Duration> parseUntidyDuration(std::string_view text, bool& withoutT) {
+    auto result = parseDuration(text);
+    if (result || text.find_first_of("Tt") != std::string_view::npos) return result;
+    std::size_t at = std::min(text.find_first_of("HhMmSs"), text.size());
+    while (at > 0 && isDigit(text[at - 1])) --at;
+    result = parseDuration(std::string(text.substr(0, at)) + "T" + std::string(text.substr(at)));
+    withoutT = withoutT || result;
+    return result;
+}
+
 std::string formatDuration(std::int64_t seconds) {
     std::string result = seconds < 0 ? "-P" : "P";
     // The least number has no positive counterpart of its own type.

@@ -70,6 +70,9 @@ struct Duration {
 [[nodiscard]] std::optional<Duration> parseDuration(std::string_view text,
                                                     std::string* problem = nullptr);
 
+// The same, but a "T" that is missing before H, M or S does no harm; `withoutT` then becomes true.
+[[nodiscard]] std::optional<Duration> parseUntidyDuration(std::string_view text, bool& withoutT);
+
 // "-PT15M", "P1DT2H", "P2W" only for whole weeks, "PT0S".
 [[nodiscard]] std::string formatDuration(std::int64_t seconds);
 // The same, but days that were not given as days stay hours: "PT24H".

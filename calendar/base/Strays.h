@@ -18,10 +18,13 @@ class Strays {
     }
     [[nodiscard]] bool any() const { return count_ != 0; }
 
-    // Adds a note with the first item and the number of the others as its values; nothing without
-    // any.
-    void report(std::vector<Note>& notes, NoteCode code) const {
-        if (count_ != 0) notes.push_back(Note(code, 0, {first_, std::to_string(count_ - 1)}));
+    // Adds a note with the first item, the number of the others and `more` as its values; nothing
+    // without any.
+    void report(std::vector<Note>& notes, NoteCode code,
+                const std::vector<std::string>& more = {}) const {
+        if (count_ == 0) return;
+        notes.push_back(Note(code, 0, {first_, std::to_string(count_ - 1)}));
+        notes.back().values.insert(notes.back().values.end(), more.begin(), more.end());
     }
 
   private:

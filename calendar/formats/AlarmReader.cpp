@@ -44,8 +44,8 @@ void AlarmReader::takeProperty(const ContentLine& line) {
         case Name::Trigger:
             return takeTrigger(line);
         case Name::Duration:
-            if (const auto duration = parseDuration(line.value))
-                alarm_.snooze = duration->total();
+            if (const auto snooze = reader_.duration(line, line.value))
+                alarm_.snooze = snooze->total();
             else
                 takeOther(line, EntryProperty::Type::Text);
             return;
@@ -86,7 +86,7 @@ void AlarmReader::takeAction(const ContentLine& line) {
 
 void AlarmReader::takeTrigger(const ContentLine& line) {
     if (std::exchange(hasTrigger_, true)) return takeOther(line, EntryProperty::Type::Text);
-    if (const auto duration = parseDuration(line.value)) {
+    if (const auto duration = reader_.duration(line, line.value)) {
         alarm_.offset = duration->total();
         alarm_.fromEnd = equalsIgnoreCase(line.parameter("RELATED"), "END");
     } else if (const auto at = reader_.moment(line, line.value)) {
@@ -160,7 +160,8 @@ bool AlarmReader::restoreAs(Action action) {
         if (bare == "PARAMETER") bare.clear();
         restored.parameters.push_back({bare, each.value});
     }
-    readAlarmFields(restored);
+    // Reported when the file had it.
+    static_cast<void>(readAlarmFields(restored));
     alarm_.others.erase(own);
     restored.others = std::move(alarm_.others);
     alarm_ = std::move(restored);
@@ -191,7 +192,9 @@ void AlarmReader::takeLine(const ContentLine& line) {
         else if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
                  !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);
-    readAlarmFields(alarm_);
+    if (!readAlarmFields(alarm_))
+        reader_.report(Note(NoteCode::DurationWithoutT, line.number,
+                            {std::string_view(alarm_.fields).substr(0, kLongestExcerpt)}));
     // A URI can be recognised as one.
     if (isUri(alarm_.text))
         std::erase_if(alarm_.parameters, [](const Parameter& each) {

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <set>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
+#include "calendar/base/Strays.h"
 #include "calendar/base/Text.h"
 #include "calendar/formats/AlarmReader.h"
+#include "calendar/formats/OccurrenceMeant.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
@@ -21,6 +24,8 @@ constexpr std::size_t kMostRules = 100;
 // Names of zones that are remembered as reported.
 constexpr std::size_t kMostUnknownZones = 1000;
 constexpr std::size_t kLongestZone = 1000;
+// Series whose starts are remembered.
+constexpr std::size_t kMostSeries = 5000;
 // Properties that an entry usually has at most: their memory is kept for the next one.
 constexpr std::size_t kUsualProperties = 32;
 
@@ -59,8 +64,10 @@ Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     if (!beginEntry(component, zone)) return nullptr;
     for (const ContentLine& line : component.properties) takeLine(line);
     settleWholeDays();
-    settleTimes();
+    dueAtEnd();
     startSeriesAtDue();
+    settleRecurrenceId();
+    settleTimes();
     takeRecurrence();
     if (daysOfUtc_) settleDaysOfUtc();
     for (const Component& child : component.children)
@@ -177,16 +184,87 @@ void EntryReader::settleDaysOfUtc() {
                 rule.until = formatMoment(dayOfUtc(*until));
 }
 
-// A series counts from its start; a to-do may have a due date alone.
+void EntryReader::dueAtEnd() {
+    if (entry_.kind != EntryKind::Todo || entry_.due || !entry_.end) return;
+    entry_.due = std::exchange(entry_.end, std::nullopt);
+    report(Note(NoteCode::TodoDueAtEnd, entry_.line));
+}
+
 void EntryReader::startSeriesAtDue() {
     if (entry_.kind != EntryKind::Todo || !hasRecurrence() || entry_.start || !entry_.due) return;
-    entry_.properties.push_back({std::string(kVCalendarPrefix) + "DUE",
-                                 {},
-                                 EntryProperty::Type::Text,
-                                 formatMoment(*entry_.due),
-                                 {},
-                                 entry_.line});
-    entry_.start = std::exchange(entry_.due, std::nullopt);
+    entry_.start = entry_.due;
+    report(Note(NoteCode::TodoSeriesAtDue, entry_.line));
+}
+
+void EntryReader::settleRecurrenceId() {
+    if (!entry_.recurrenceId || seriesStarts_.empty()) return;
+    const auto series = seriesStarts_.find(entry_.uid);
+    if (series == seriesStarts_.end()) return;
+    const auto& [start, zone] = series->second;
+    if (start.clock == Clock::Zoned && zone != entry_.zone) return;
+    const Moment meant = occurrenceMeant(entry_, start, *entry_.recurrenceId);
+    if (meant == entry_.inClockOf(start, *entry_.recurrenceId) && !entry_.recurrenceId->isDate)
+        return;
+    report(Note(NoteCode::ExceptionMeansDay, entry_.line,
+                {formatMoment(*entry_.recurrenceId), "0", "RECURRENCE-ID"}));
+    entry_.recurrenceId = meant;
+}
+
+void EntryReader::rememberSeries() {
+    if (entry_.recurs() && !entry_.uid.empty() && !entry_.recurrenceId &&
+        entry_.uid.size() <= kLongestZone && seriesStarts_.size() < kMostSeries)
+        seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone};
+}
+
+void EntryReader::settleExcluded() {
+    // Where a rule has times of day of its own, or is not understood, any time may be one of them.
+    std::size_t lines = 0;
+    for (const EntryRule& each : entry_.rules) {
+        ++lines;
+        for (const Rule& rule : each.rules)
+            if (!rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty()) return;
+    }
+    // Days in UTC are settled with the start's.
+    if (entry_.excluded.empty() || daysOfUtc_ || lines < ruleLines_.size()) return;
+    const Moment& start = *entry_.start;
+    std::set<std::int64_t> added;
+    for (const Moment& date : entry_.dates) added.insert(entry_.inClockOf(start, date).seconds());
+    Strays moved;
+    Strays useless;
+    for (Moment& date : entry_.excluded) {
+        const Moment own = entry_.inClockOf(start, date);
+        if (added.contains(own.seconds())) continue;
+        const Moment meant = occurrenceMeant(entry_, start, date);
+        if (meant != own || date.isDate != start.isDate) {
+            // Midnight of an all-day series is its day in other words.
+            if (!start.isDate || date.second != 0) moved.add(formatMoment(date));
+            date = meant;
+        } else if (meant.second != start.second) {
+            useless.add(formatMoment(date));
+        }
+    }
+    const std::string time = formatMoment(start);
+    std::vector<Note> notes;
+    moved.report(notes, NoteCode::ExceptionMeansDay, {"EXDATE"});
+    useless.report(notes, NoteCode::ExceptionMatchesNothing,
+                   {"EXDATE", start.isDate ? "" : time.substr(9, 2) + ":" + time.substr(11, 2)});
+    for (Note& note : notes) {
+        note.line = entry_.line;
+        report(std::move(note));
+    }
+}
+
+void EntryReader::reportAdditional() {
+    if (entry_.zone != nullptr || entry_.start->isDate) return;
+    Strays other;
+    for (const Moment& date : entry_.dates)
+        if (!date.isDate && date.clock != entry_.start->clock) other.add(formatMoment(date));
+    std::vector<Note> notes;
+    other.report(notes, NoteCode::AdditionalDateOtherClock, {"RDATE"});
+    for (Note& note : notes) {
+        note.line = entry_.line;
+        report(std::move(note));
+    }
 }
 
 void EntryReader::takeRecurrence() {
@@ -203,6 +281,9 @@ void EntryReader::takeRecurrence() {
         std::erase_if(entry_.dates, [this](const Moment& date) {
             return entry_.inClockOf(*entry_.start, date) == *entry_.start;
         });
+    settleExcluded();
+    reportAdditional();
+    rememberSeries();
 }
 
 void EntryReader::takeLine(const ContentLine& line) {
@@ -316,8 +397,16 @@ void EntryReader::moveSeriesToZone() {
             *each = entry_.zone->toLocal(**each);
 }
 
+std::optional<Duration> EntryReader::duration(const ContentLine& line, std::string_view text) {
+    bool withoutT = false;
+    const auto result = parseUntidyDuration(text, withoutT);
+    if (withoutT)
+        report(Note(NoteCode::DurationWithoutT, line.number, {text.substr(0, kLongestExcerpt)}));
+    return result;
+}
+
 void EntryReader::takeDuration(const ContentLine& line) {
-    entry_.duration = parseDuration(line.value);
+    entry_.duration = duration(line, line.value);
     if (!entry_.duration) carry(line, NoteCode::EntryDurationInvalid, line.value);
 }
 
@@ -357,7 +446,7 @@ void EntryReader::readRuleLines() {
                 carry(line, NoteCode::EntryRulesTooMany);
             continue;
         }
-        RuleReading reading = readRules(line.value, ruleForm(), start);
+        RuleReading reading = readRules(line.value, ruleForm(), start, choices_.countMeans);
         count += std::max<std::size_t>(reading.rules.size(), 1);
         for (Note& note : reading.notes) {
             note.line = line.number;

@@ -94,6 +94,8 @@ class EntryReader {
     void takeLine(const ContentLine& line);
     void takeDate(const ContentLine& line, std::optional<Moment>& slot);
     void takeDuration(const ContentLine& line);
+    // A duration, tidy or not; `text` is of `line`.
+    [[nodiscard]] std::optional<Duration> duration(const ContentLine& line, std::string_view text);
     void takeUid(const ContentLine& line);
     void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
     void takeDateList(const ContentLine& line);
@@ -101,11 +103,19 @@ class EntryReader {
     [[nodiscard]] ZonePtr undescribedZone(const ContentLine& line, std::string_view id);
     [[nodiscard]] std::string carriedName(const ContentLine& line) const;
     [[nodiscard]] bool beginEntry(const Component& component, const ZonePtr& zone);
+    // A to-do may have its due time under the name that events have for their end.
+    void dueAtEnd();
+    // A series counts from its start; a to-do may have a due time alone.
     void startSeriesAtDue();
     void settleWholeDays();
     [[nodiscard]] bool lastsWholeDays() const;
     void settleDaysOfUtc();
     [[nodiscard]] Moment onLocalClock(const Moment& moment) const;
+    void settleRecurrenceId();
+    void rememberSeries();
+    // Gives dates of the series that are in another form than its start the start's.
+    void settleExcluded();
+    void reportAdditional();
     void takeRecurrence();
     void readRuleLines();
 
@@ -120,6 +130,12 @@ class EntryReader {
     Arena texts_;  // decoded ones, of the entry that is read
     // By TZID; null for one that means no zone. All of them have been reported.
     std::map<std::string, ZonePtr, std::less<>> undescribed_;
+    // The starts of series by UID, for the entries that replace single dates of them.
+    struct SeriesStart {
+        Moment start;
+        ZonePtr zone;
+    };
+    std::map<std::string, SeriesStart, std::less<>> seriesStarts_;
 };
 
 // True for the words that name an encoding, where a value is given without its parameter's name.

@@ -165,6 +165,11 @@ void ICalSettling::settleDue() {
         if (due != *entry().due) settled_.change().due = due;
         return;
     }
+    // A series may start at its due time, as calendar programs themselves write it.
+    if (length == 0 && entry().recurs()) {
+        if (due != *entry().due) settled_.change().due = due;
+        return;
+    }
     // iCalendar demands that it is due later; a series needs its start, and a person the due date.
     const bool keepsDue = entry().recurs() || !entry().excluded.empty();
     const std::string_view name = keepsDue ? "DUE" : "DTSTART";
@@ -230,23 +235,18 @@ void ICalSettling::settleRules() {
     if (!entry().start) return;
     std::vector<EntryRule> rules = entry().rules;
     settleOddStart(rules);
+    std::string exception;
     for (EntryRule& each : rules) {
         for (Rule& rule : each.rules) {
             if (!rule.until.empty()) rule.until = untilText(rule.until);
             std::string text = iCalendarText(rule);
             if (text.empty())
-    std::string exception;
                 addNote(NoteCode::EntryRuleNotWritable, {}, each.line);
             else
                 settled_.rules.push_back({each.exclude ? kException : "RRULE", text});
             if (each.exclude && exception.empty()) exception = text;
         }
     }
-}
-
-void ICalSettling::settleProperties() {
-    for (std::size_t at = 0; at < entry().properties.size(); ++at) {
-        const EntryProperty& property = entry().properties[at];
     if (!exception.empty()) settleExceptions(exception);
 }
 
@@ -264,6 +264,11 @@ void ICalSettling::settleExceptions(const std::string& rule) {
     if (found.dates.empty()) return;
     std::vector<Moment>& excluded = settled_.change().excluded;
     excluded.insert(excluded.end(), found.dates.begin(), found.dates.end());
+}
+
+void ICalSettling::settleProperties() {
+    for (std::size_t at = 0; at < entry().properties.size(); ++at) {
+        const EntryProperty& property = entry().properties[at];
         if (isFineRule(property) && entry().start) {
             EntryProperty& rule = settled_.change().properties[at];
             rule.name.erase(0, kICalendarPrefix.size());

@@ -151,7 +151,7 @@ std::string_view alarmName(Alarm::Action action) {
     return "DALARM";
 }
 
-void readAlarmFields(Alarm& alarm) {
+bool readAlarmFields(Alarm& alarm) {
     alarm.fromVCalendar = true;
     const std::vector<std::string> fields = splitVCalendar(alarm.fields, ";");
     const bool any = std::any_of(fields.begin(), fields.end(),
@@ -160,7 +160,8 @@ void readAlarmFields(Alarm& alarm) {
     const auto field = [&](std::size_t at) {
         return at < fields.size() ? std::string(trimmed(fields[at])) : std::string();
     };
-    if (const auto snooze = parseDuration(field(0))) alarm.snooze = snooze->total();
+    bool withoutT = false;
+    if (const auto snooze = parseUntidyDuration(field(0), withoutT)) alarm.snooze = snooze->total();
     alarm.repeat = parseInt(field(1));
     std::size_t at = 2;
     if (alarm.action == Alarm::Action::Email) alarm.address = field(at++);
@@ -169,6 +170,7 @@ void readAlarmFields(Alarm& alarm) {
     for (std::size_t more = at + 1; more < fields.size(); ++more)
         if (!fields[more].empty()) alarm.text += ";" + fields[more];
     alarm.hasText = !alarm.text.empty();
+    return !withoutT;
 }
 
 std::string writeAlarmFields(const Alarm& alarm) {

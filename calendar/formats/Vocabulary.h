@@ -34,8 +34,8 @@ void addParticipationFromVCalendar(const std::string& status, EntryKind kind,
 [[nodiscard]] std::string_view participationToVCalendar(std::string_view status);
 
 // The fields of a vCalendar 1.0 alarm after its time, "PT5M;2;text". Reading ignores invalid
-// fields; writing gives "" when all fields are empty.
-void readAlarmFields(Alarm& alarm);
+// fields and is false for a duration without its "T"; writing gives "" when all fields are empty.
+[[nodiscard]] bool readAlarmFields(Alarm& alarm);
 [[nodiscard]] std::string writeAlarmFields(const Alarm& alarm);
 [[nodiscard]] std::string_view alarmName(Alarm::Action action);  // "AALARM", ...
 

@@ -17,11 +17,15 @@ Entry eventWith(const std::string& lines) {
         .at(0);
 }
 
-std::string datesOf(const Entry& entry, const calendar::OccurrenceRange& range) {
+std::string textOf(const std::vector<calendar::Moment>& dates) {
     std::string text;
-    for (const calendar::Moment& each : calendar::occurrences(entry, range))
+    for (const calendar::Moment& each : dates)
         text += (text.empty() ? "" : " ") + calendar::formatMoment(each);
     return text;
+}
+
+std::string datesOf(const Entry& entry, const calendar::OccurrenceRange& range) {
+    return textOf(calendar::occurrences(entry, range));
 }
 
 std::string daysOf(const Entry& entry, std::size_t most) {
@@ -59,6 +63,19 @@ TEST(EntryDates, ARangeIsCutFromTheWholeSeries) {
     EXPECT_EQ(datesOf(entry, {parseMoment("24991230"), {}, 0}), "24991230T083000 24991231T083000");
     EXPECT_EQ(datesOf(entry, {parseMoment("20050101"), parseMoment("20050201"), 3}), "");
     EXPECT_EQ(daysOf(entry, 3), "(20050615) (20050616) (20050617) ...");
+}
+
+TEST(EntryDates, ARuleOfExceptionsIsListedAsFarAsItGoes) {
+    for (const bool endless : {true, false}) {
+        // It takes out Thursdays, not the start, a Wednesday.
+        const Entry entry =
+            eventWith(std::string("DTSTART:20050615T083000\nRRULE:FREQ=DAILY") +
+                      (endless ? "" : ";COUNT=20") + "\nEXRULE:FREQ=WEEKLY;BYDAY=TH\n");
+        const calendar::Exclusions found = calendar::excludedByRules(entry, 3);
+        EXPECT_EQ(textOf(found.dates), "20050616T083000 20050623T083000 20050630T083000");
+        EXPECT_EQ(found.more, endless);
+        EXPECT_EQ(datesOf(entry, {{}, {}, 2}), "20050615T083000 20050617T083000");
+    }
 }
 
 TEST(EntryDates, ADayMayBePartOfALongerOccurrence) {

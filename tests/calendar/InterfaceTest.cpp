@@ -101,7 +101,8 @@ TEST(Interface, PiecesOfAnySizeConvertAlike) {
     const Result whole = converted(phone, QELCAL_OTHER, phone.size());
     EXPECT_NE(whole.text.find("SUMMARY:Zo\xC3\xAB's birthday\r\n"), std::string::npos);
     EXPECT_EQ(whole.notes,
-              (std::vector<std::string>{"30 rule-end-whole-day", "67 rule-without-end"}));
+              (std::vector<std::string>{"17 rule-count-of-dates", "30 rule-end-whole-day",
+                                        "67 rule-without-end"}));
     for (const std::size_t piece : {1U, 7U}) {
         EXPECT_EQ(converted(phone, QELCAL_OTHER, piece), whole);
         EXPECT_EQ(converted(whole.text, QELCAL_VCALENDAR, piece),
@@ -113,7 +114,8 @@ TEST(Interface, PiecesOfAnySizeConvertAlike) {
 TEST(Interface, EntriesOfAPhone) {
     const std::vector<std::string> expected = {
         "8 Team meeting #MEETING #WORK; every 2 weeks on Monday, Wednesday and Friday, 10 times "
-        "20050615T093000 20050617T093000 20050627T093000; AUDIO 20050615T091500",
+        "20050615T093000 20050617T093000 20050627T093000; AUDIO 20050615T091500; "
+        "note rule-count-of-dates",
         "25 Club night; every month on the first Friday and the last Friday, until 31 December "
         "2005, 23:59:59 20050603T200000 20050624T200000 20050701T200000; DISPLAY 20050603T190000; "
         "note rule-end-whole-day",
