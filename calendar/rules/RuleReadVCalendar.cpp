@@ -288,7 +288,9 @@ class RuleParser {
         if (dates == ofPeriods) return;
         const auto text = [](int day) { return formatMoment({day, 0, true, Clock::Floating}); };
         static constexpr std::string_view kPeriods[] = {"days", "weeks", "months", "years"};
-        const std::string_view periods = kPeriods[static_cast<std::size_t>(rule.frequency)];
+        std::string periods;
+        if (rule.interval > 1) periods = "times " + std::to_string(rule.interval) + " ";
+        periods += kPeriods[static_cast<std::size_t>(rule.frequency)];
         const bool asDates = countMeans == CountMeans::Dates;
         const int taken = asDates ? dates.back() : ofPeriods.back();
         const int other = asDates ? ofPeriods.back() : dates.back();

@@ -270,6 +270,33 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_DURATION_WITHOUT_T = 545,
     /**< A length of time needs a "T" before its hours, minutes and seconds. Without it M could only
      * mean months, which no calendar has. */
+    QELCAL_NOTE_ALL_DAY_BY_SIGN = 550,
+    /**< A phone marks the event as an all-day one and gives its days as times from midnight on. */
+    QELCAL_NOTE_ALL_DAY_WITHOUT_TIMES = 551,
+    /**< A phone marks the event as an all-day one, but gives times of day too. Such a phone does
+     * not show them. */
+    QELCAL_NOTE_ALL_DAY_BY_TIMES = 552,
+    /**< The old format cannot say that an event is an all-day one, so phones write 0:00 to
+     * 24:00. */
+    QELCAL_NOTE_ALL_DAY_IN_UTC = 553,
+    /**< An all-day event begins at midnight, and the file does not say whose. The nearest midnight
+     * is taken. */
+    QELCAL_NOTE_POSITION_LATITUDE_FIRST = 554,
+    /**< The old format's own text puts the longitude first, but the programs that write positions
+     * put the latitude first. Reported once for each file. */
+    QELCAL_NOTE_POSITION_LONGITUDE_FIRST = 555,
+    /**< A latitude beyond 90 degrees does not exist, so the two numbers stand in the other order.
+     * Reported once for each file. */
+    QELCAL_NOTE_ENTRY_UID_TWICE = 556,
+    /**< The entry has two identifiers. The second one is kept under another name that calendar
+     * programs ignore. */
+    QELCAL_NOTE_METHOD_WITHOUT_ORGANIZER = 557,
+    /**< The calendar says that it is an invitation or an answer to one, which needs an organizer.
+     * Calendar programs would refuse it. */
+    QELCAL_NOTE_CALENDAR_PROPERTY_LATE = 558,
+    /**< What is said about the calendar as a whole has to come before its entries. */
+    QELCAL_NOTE_VERSION_MISSING = 559,
+    /**< The file does not say in which format it is. Its entries have what only iCalendar has. */
     QELCAL_NOTE_EVENT_STARTS_AT_ITS_END = 601,
     /**< The event has an end but no start, which iCalendar does not allow. The end is written as
      * its start. */
@@ -294,6 +321,16 @@ typedef enum qelcal_note_code {
     /**< The alarm's time cannot be compared with the time of the entry, or the entry is a note,
      * which has no alarms in iCalendar. It is kept under another name that calendar programs
      * ignore. */
+    QELCAL_NOTE_CALENDAR_PROPERTIES_DIFFER = 640,
+    /**< Several calendars become one, and each had its own name or the like. Those of the first one
+     * are kept. */
+    QELCAL_NOTE_ENTRY_TWICE = 641,
+    /**< The same entry is in several files, or twice in one. */
+    QELCAL_NOTE_UID_SHARED = 642,
+    /**< An entry's identifier must be its own. Programs take a second entry of the same identifier
+     * for a newer version of the first. */
+    QELCAL_NOTE_UID_MADE_DISTINCT = 643,
+    /**< Distinct UIDs were asked for, so that calendar programs show both entries. */
     QELCAL_NOTE_RULE_AS_DATES = 701,
     /**< The old format cannot express the entry's recurrence rule. The dates are listed one by one,
      * so that the entry is on the same days. */
@@ -311,6 +348,8 @@ typedef enum qelcal_note_code {
      * neither. */
     QELCAL_NOTE_ALARM_PARTS_LOST = 706,
     /**< The alarm itself is written, but some of its properties have no place in the old format. */
+    QELCAL_NOTE_TRANSPARENCY_KEPT = 740,
+    /**< Whether the entry blocks its time is given in a word that calendars do not have. */
     QELCAL_NOTE_CALENDAR_SCALE_UNKNOWN = 801,
     /**< The file says that its dates are counted in another calendar than the usual one. */
     QELCAL_NOTE_ZONE_LINE_LATE = 802,
