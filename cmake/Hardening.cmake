@@ -1,7 +1,9 @@
 # Checks that the built libraries and the program are hardened. Run with cmake -P:
 #
 #   cmake -DPLATFORM=linux|windows -DLIBRARY=FILE -DCALENDAR=FILE -DPROGRAM=FILE
-#         -DTOOL=readelf-or-objdump -P Hardening.cmake
+#         -DTOOL=readelf-or-objdump -DDISASSEMBLER=objdump -DJUMPS=ON -DSTACK=ON -P Hardening.cmake
+#
+# JUMPS and STACK: the compiler has protection of jumps and of large stacks, which show in the code.
 cmake_minimum_required(VERSION 3.22)
 
 include(${CMAKE_CURRENT_LIST_DIR}/RunTool.cmake)
@@ -30,3 +32,19 @@ foreach(file ${LIBRARY} ${CALENDAR} ${PROGRAM})
         endif()
     endif()
 endforeach()
+
+# What a function's code must show; the libraries' own names are in the files that are built.
+function(expect_in_code function pattern meaning)
+    run_tool(code ${DISASSEMBLER} -d --disassemble=${function} ${LIBRARY})
+    set(file ${LIBRARY})
+    expect("${code}" "${pattern}" "${meaning} in ${function}")
+endfunction()
+
+if(PLATFORM STREQUAL "linux" AND JUMPS)
+    expect_in_code(ZQ_DateEncode "endbr64|endbr32|bti|paciasp" "protection of jumps")
+endif()
+# It has a path of 4096 bytes on the stack.
+if(PLATFORM STREQUAL "linux" AND STACK)
+    expect_in_code(_ZN3qel8platform8PathLock7acquireEPKcj "(or|mov)[a-z]* +\\$0x0,\\(%[re]sp\\)"
+                   "probe of a large stack")
+endif()
