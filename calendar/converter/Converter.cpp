@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/converter/FileZone.h"
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/ICalReader.h"
 #include "calendar/formats/ICalWriter.h"
@@ -14,6 +15,7 @@
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
+#include "calendar/text/TextCodec.h"
 #include "calendar/zones/ZoneFromVCalendar.h"
 #include "calendar/zones/ZoneFromVTimezone.h"
 
@@ -103,6 +105,8 @@ class Converter::File {
     void end() {
         reader_.end();
         takeItems();
+        if (shifting_ != 0)
+            report(Note(NoteCode::UtcSeriesShifts, firstShifting_, {std::to_string(shifting_)}));
     }
 
     // Passes a note on, and keeps it until the entry that it may be about is written.
@@ -167,7 +171,8 @@ class Converter::File {
         texts_.clear();
         header_.clear();
         settled_ = false;
-        zone_ = nullptr;
+        zoneName_.clear();
+        zone_ = {};
     }
 
     void takeProperty() {
@@ -186,6 +191,9 @@ class Converter::File {
         if (isTz) {
             line.moveTo(texts_);
             tz_ = std::move(line);
+            settled_ = false;
+        } else if (line.name == kZoneName) {
+            zoneName_ = trimmed(decodedText(line.value)).substr(0, kLongestName);
             settled_ = false;
         } else if (isDaylight) {
             if (daylight_.size() < kMostHeader) {
@@ -240,8 +248,10 @@ class Converter::File {
             if (iCalendarUnsaid_) report(Note(NoteCode::VersionMissing, first->number));
             dropUselessMethod(*first);
         }
-        zone_ = nullptr;
-        if (tz_) zone_ = zoneFromVCalendar(*tz_, daylight_, noteSink());
+        ZonePtr made;
+        if (tz_) made = zoneFromVCalendar(*tz_, daylight_, noteSink());
+        zone_ = FileZone(std::move(made), zoneName_, vCalReader_.chosenZone(),
+                         owner_.zones_->known.world);
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
         owner_.writer().makeUidsDistinct(choices_.distinctUids);
@@ -279,12 +289,14 @@ class Converter::File {
             return;
         }
         settle(&component);
-        const ZonePtr zone = zoneOf(component);
+        FileZone& fileZone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
         if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE")
             reader = &vCalReader_;
-        Entry* const entry = reader->read(component, zone);
+        Entry* const entry = reader->read(component, fileZone.zone());
         if (entry == nullptr) return;
+        fileZone.settle(*entry, noteSink());
+        countShifting(*entry);
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
         if (observer_ == nullptr) {
@@ -307,7 +319,7 @@ class Converter::File {
     }
 
     // The zone of an entry: its own TZ line, where it has one.
-    [[nodiscard]] ZonePtr zoneOf(const Component& component) {
+    [[nodiscard]] FileZone& zoneOf(const Component& component) {
         const ContentLine* tz = nullptr;
         std::vector<ContentLine> daylight;
         for (const ContentLine& line : component.properties) {
@@ -317,9 +329,22 @@ class Converter::File {
         }
         if (tz == nullptr && daylight.empty()) return zone_;
         if (tz == nullptr && tz_) tz = &*tz_;
-        return tz == nullptr
-                   ? zone_
-                   : zoneFromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
+        if (tz == nullptr) return zone_;
+        ZonePtr made = zoneFromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
+        // Mostly all entries of a file have the same lines.
+        if (made == nullptr || entryZone_.zone() == nullptr ||
+            entryZone_.zone()->id() != made->id())
+            entryZone_ =
+                FileZone(std::move(made), {}, vCalReader_.chosenZone(), owner_.zones_->known.world);
+        return entryZone_;
+    }
+
+    void countShifting(const Entry& entry) {
+        if (entry.zone != nullptr || !entry.start || entry.start->isDate ||
+            entry.start->clock != Clock::Utc || !entry.recurs() ||
+            !owner_.zones_->known.described.empty())
+            return;
+        if (shifting_++ == 0) firstShifting_ = entry.line;
     }
 
     void endCalendar() {
@@ -351,7 +376,11 @@ class Converter::File {
     std::vector<EntryProperty> header_;
     bool settled_ = false;
     bool iCalendarUnsaid_ = false;  // without VERSION, but its first entry shows it
-    ZonePtr zone_;
+    std::string zoneName_;        // that goes with TZ
+    FileZone zone_;               // of tz_ and daylight_
+    FileZone entryZone_;          // of the last entry that had lines of its own
+    std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
+    std::size_t firstShifting_ = 0;
     // For the observer, since the last entry.
     std::vector<Note> notes_;
     std::uint64_t moreNotes_ = 0;

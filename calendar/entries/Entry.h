@@ -24,6 +24,8 @@ enum class EntryKind { Event, Todo, Journal };
 // is CONTACT in iCalendar. Parameters are carried in the same way.
 inline constexpr std::string_view kVCalendarPrefix = "X-VCAL-";
 inline constexpr std::string_view kICalendarPrefix = "X-ICAL-";
+// The name of the zone that TZ and DAYLIGHT describe in a vCalendar 1.0 file.
+inline constexpr std::string_view kZoneName = "X-ICAL-TZID";
 
 // A property that is neither a date, a rule nor an alarm.
 struct EntryProperty {

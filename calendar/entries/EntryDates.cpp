@@ -148,15 +148,16 @@ int spanOf(const Entry& entry) {
 
 // The years after a series' start that its rules are expanded for, to see when it ends.
 constexpr int kYearsExpanded = 30;
+// Years after its start that a series without an end lasts at least.
+constexpr int kYearsAhead = 10;
 
 // The last year of a rule.
-int lastYearOf(const Entry& entry, const Rule& rule, int ahead) {
+int lastYearOf(const Entry& entry, const Rule& rule, int endless) {
     const int first = civilOf(entry.start->day).year;
-    if (rule.endless()) return first + ahead;
+    if (rule.endless()) return std::max(endless, first + kYearsAhead);
     if (const auto until = parseMoment(rule.until)) return civilOf(until->day).year;
     const std::vector<int> days =
-        expandRule(rule, entry.ruleStart(),
-                   {10000, std::min(first + std::max(kYearsExpanded, ahead), kLastYear)});
+        expandRule(rule, entry.ruleStart(), {10000, std::min(first + kYearsExpanded, kLastYear)});
     return days.empty() ? first : civilOf(days.back()).year;
 }
 
@@ -181,12 +182,12 @@ int firstYearOf(const Entry& entry) {
     return yearsOfDates(entry).first;
 }
 
-Years yearsOf(const Entry& entry, int ahead) {
+Years yearsOf(const Entry& entry, int endless) {
     Years years = yearsOfDates(entry);
     if (!entry.start) return years;
     for (const EntryRule& each : entry.rules)
         for (const Rule& rule : each.rules)
-            years.last = std::max(years.last, lastYearOf(entry, rule, ahead));
+            years.last = std::max(years.last, lastYearOf(entry, rule, endless));
     return years;
 }
 

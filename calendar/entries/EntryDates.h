@@ -49,14 +49,15 @@ struct EntryDays {
 // when it does not end after its start. REQUIRES: start.
 [[nodiscard]] std::optional<Moment> lastMoment(const Entry& entry);
 
-// The years of an entry's dates. The last one of a series without an end is `ahead` after its
-// start's; of a long one at least that. 2000 for an entry without any date.
+// The years of an entry's dates. The last one of a series without an end is `endless`, or the tenth
+// after its start; of a long one it may be earlier than the true one. 2000 for an entry without any
+// date.
 struct Years {
     int first;
     int last;
 };
 [[nodiscard]] int firstYearOf(const Entry& entry);
-[[nodiscard]] Years yearsOf(const Entry& entry, int ahead);
+[[nodiscard]] Years yearsOf(const Entry& entry, int endless);
 
 }  // namespace qel::calendar
 

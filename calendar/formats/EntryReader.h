@@ -38,6 +38,9 @@ class EntryReader {
     // null.
     [[nodiscard]] Entry* read(const Component& component, const ZonePtr& zone);
 
+    // The zone that was chosen for times without one, or null.
+    [[nodiscard]] const ZonePtr& chosenZone() const { return chosenZone_; }
+
   protected:
     [[nodiscard]] virtual RuleForm ruleForm() const = 0;
     [[nodiscard]] virtual std::string_view carryPrefix() const = 0;
@@ -80,8 +83,6 @@ class EntryReader {
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
 
     [[nodiscard]] const Choices& choices() const { return choices_; }
-    // The zone that was chosen for times without one, or null.
-    [[nodiscard]] const ZonePtr& chosenZone() const { return chosenZone_; }
     [[nodiscard]] bool fileDescribesZones() const { return !zones_.described.empty(); }
     // A series in UTC moves to the clock of the entry's zone.
     void moveSeriesToZone();

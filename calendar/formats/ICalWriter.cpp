@@ -18,8 +18,8 @@ namespace {
 constexpr std::size_t kMostZones = 1000;
 // Zones are described from then on, from earlier on for an earlier entry.
 constexpr int kUsualFirstYear = 1970;
-// Of series without an end: so many years the clocks of two zones have to agree.
-constexpr int kYearsAhead = 50;
+// So long the clocks of two zones have to agree for a series without an end.
+constexpr int kLastYearCompared = 2099;
 
 }  // namespace
 
@@ -90,7 +90,7 @@ bool ICalWriter::holdsZoneOf(const Entry& entry) const {
     if (since != 0 && !sameBefore(*zone, firstYearOf(entry), since)) return false;
     if (zone == entry.zone) return true;
     // The same name may mean another zone in another file. No matter while the clocks agree.
-    const Years years = yearsOf(entry, kYearsAhead);
+    const Years years = yearsOf(entry, kLastYearCompared);
     return agree(*zone, *entry.zone, yearBegin(years.first), yearBegin(years.last + 1));
 }
 

@@ -14,11 +14,13 @@ namespace qel::calendar {
 
 namespace {
 
-// Years of a zone beyond those of an entry, so that the entries that follow need no calendar of
-// their own; and after the start of an endless series.
-constexpr int kYearsAhead = 10;
-// More years are not described.
-constexpr int kMostYears = 50;
+// DAYLIGHT lines reach this far: the last year of many a phone's clock. So the entries that follow
+// need no calendar of their own.
+constexpr int kLastPhoneYear = 2037;
+// The last year of a series without an end.
+constexpr int kEndless = 2499;
+// More years of an entry are not described.
+constexpr int kMostYears = 100;
 
 bool uses(const Entry& entry, Clock clock) {
     const auto is = [&](const Moment& moment) { return !moment.isDate && moment.clock == clock; };
@@ -51,8 +53,9 @@ bool readsAsDays(const Entry& entry, const ZonePtr& zone) {
 
 void VCalWriter::openFor(const Entry& entry) {
     if (entry.zone != nullptr && uses(entry, Clock::Zoned)) {
-        const Years years = yearsOf(entry, kYearsAhead);
+        const Years years = yearsOf(entry, kLastPhoneYear);
         open(entry.zone, years.first, std::min(years.last, years.first + kMostYears));
+        reportEndOfLines(entry);
         return;
     }
     const bool dayWithAlarm = entry.start && entry.start->isDate && !entry.alarms.empty();
@@ -60,6 +63,14 @@ void VCalWriter::openFor(const Entry& entry) {
                            (entry.recurs() || !entry.excluded.empty());
     if (!open_ || (zone_ != nullptr && (uses(entry, Clock::Floating) || dayWithAlarm || utcSeries)))
         open(nullptr, 0, 0);
+}
+
+// Of the first series of the calendar that goes on after the DAYLIGHT lines.
+void VCalWriter::reportEndOfLines(const Entry& entry) {
+    if (endReported_ || yearsOf(entry, kEndless).last <= lastYear_) return;
+    endReported_ = true;
+    report({Note(NoteCode::DaylightLinesEnd, entry.line,
+                 {std::to_string(lastYear_), entry.zone->id()})});
 }
 
 void VCalWriter::writeNote() {
@@ -91,19 +102,20 @@ void VCalWriter::calendar(const std::vector<EntryProperty>& properties) {
 void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     const bool sameZone =
         zone_ == zone || (zone_ != nullptr && zone != nullptr && zone_->id() == zone->id());
-    const bool covered = zone == nullptr || sameInAllYears(*zone) ||
-                         (firstYear >= firstYear_ && lastYear <= lastYear_);
+    const bool covered = zone == nullptr || (firstYear >= firstYear_ && lastYear <= lastYear_);
     if (open_ && sameZone && covered) return;
     close();
     put("BEGIN:VCALENDAR");
     put("VERSION:1.0");
     put("PRODID:" + std::string(kProduct));
-    // Some years more, so that the entries that follow need no calendar of their own.
-    firstYear_ = firstYear;
-    lastYear_ = std::max(lastYear, firstYear + kYearsAhead);
-    if (zone != nullptr)
-        for (const auto& [name, value] : vCalendarZoneLines(*zone, firstYear_, lastYear_))
-            put(vCalendarLine(name, {}, value));
+    if (zone != nullptr) {
+        const VCalendarZone lines = vCalendarZone(*zone, firstYear, lastYear, kLastPhoneYear);
+        firstYear_ = lines.first;
+        lastYear_ = lines.last;
+        for (const auto& [name, value] : lines.lines) put(vCalendarLine(name, {}, value));
+        if (hasOwnName(*zone)) put(vCalendarLine(kZoneName, {}, zone->id()));
+        endReported_ = false;
+    }
     for (const EntryProperty& each : header_) {
         const std::string name = each.name.starts_with(kVCalendarPrefix)
                                      ? each.name.substr(kVCalendarPrefix.size())

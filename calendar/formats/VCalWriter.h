@@ -27,6 +27,7 @@ class VCalWriter final : public EntryWriter {
     void addLines(const SettledEntry& settled);
     // Of a journal.
     void writeNote();
+    void reportEndOfLines(const Entry& entry);
 
     std::vector<EntryProperty> header_;
     std::vector<std::string> headerLines_;
@@ -38,6 +39,7 @@ class VCalWriter final : public EntryWriter {
     ZonePtr zone_;
     int firstYear_ = 0;
     int lastYear_ = 0;
+    bool endReported_ = false;  // in the open calendar
 };
 
 }  // namespace qel::calendar

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,12 +36,21 @@ struct ZoneObservance {
 // A line without parameters: "TZ" and "+01".
 using ZoneLine = std::pair<std::string, std::string>;
 
+// Of the first DAYLIGHT line its begin and of the last one its end, in UTC.
+struct DaylightLines {
+    std::int64_t begin;
+    std::int64_t end;
+};
+
 struct ZoneParts {
     std::string id;      // the TZID
     int baseOffset = 0;  // before the first change
     std::string baseName{};
-    std::vector<ZoneChange> changes;   // ascending
-    std::vector<ZoneLine> ownLines;    // TZ and DAYLIGHT as they were read
+    std::vector<ZoneChange> changes;          // ascending
+    std::vector<ZoneLine> ownLines;           // TZ and DAYLIGHT as they were read
+    std::optional<DaylightLines> daylight{};  // where the zone comes from such lines
+    // Other years than those of the lines follow a rule that they show.
+    bool continued = false;
     std::vector<std::string> content;  // VTIMEZONE as it was read, not folded
     // What a VTIMEZONE is written from when none was read; empty for a zone that is described from
     // its changes.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -38,7 +39,7 @@ struct RawPeriod {
     std::size_t line = 0;
 };
 
-std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,
+std::optional<YearlyChange> yearlyChange(std::span<const Period> periods,
                                          std::int64_t Period::*local) {
     YearlyChange change;
     bool allLast = true;
@@ -67,6 +68,33 @@ std::optional<YearlyChange> yearlyChange(const std::vector<Period>& periods,
     else
         return std::nullopt;
     return change;
+}
+
+// A period of daylight time that comes every year.
+struct YearlyRule {
+    YearlyChange begins;
+    YearlyChange ends;
+};
+
+// Nothing when the periods do not follow one rule.
+std::optional<YearlyRule> yearlyRule(std::span<const Period> periods) {
+    const bool uniform = std::all_of(periods.begin(), periods.end(), [&](const Period& period) {
+        return period.offset == periods.front().offset && !period.continues;
+    });
+    if (periods.empty() || !uniform) return std::nullopt;
+    const auto begins = yearlyChange(periods, &Period::beginLocal);
+    const auto ends = yearlyChange(periods, &Period::endLocal);
+    if (!begins || !ends) return std::nullopt;
+    return YearlyRule{*begins, *ends};
+}
+
+// Whether one period shows its rule: clocks are changed on a weekday, not on a date.
+bool isClear(const Period& period) {
+    constexpr std::int64_t kMonth = std::int64_t{30} * kDaySeconds;
+    const std::int64_t length = period.endUtc - period.beginUtc;
+    return weekdayOf(static_cast<int>(period.beginLocal / kDaySeconds)) ==
+               weekdayOf(static_cast<int>(period.endLocal / kDaySeconds)) &&
+           length > kMonth && length < 11 * kMonth;
 }
 
 class ZoneBuilder {
@@ -116,14 +144,10 @@ class ZoneBuilder {
         // Before any change, and for all time where there is none.
         addObservance({false, firstYearBegin(), standard_, standard_,
                        periods_.empty() ? "" : periods_.front().standardName, ""});
-        const auto begins = yearlyChange(periods_, &Period::beginLocal);
-        const auto ends = yearlyChange(periods_, &Period::endLocal);
-        const bool uniform =
-            std::all_of(periods_.begin(), periods_.end(), [&](const Period& period) {
-                return period.offset == periods_.front().offset && !period.continues;
-            });
-        if (periods_.size() >= 2 && begins && ends && uniform)
-            addYearly(*begins, *ends);
+        if (!periods_.empty()) zone_.daylight = {periods_.front().beginUtc, periods_.back().endUtc};
+        const auto all = yearlyRule(periods_);
+        if (all && (periods_.size() > 1 || isClear(periods_.front())))
+            addYearly(*all);
         else
             addPeriods();
         return std::make_shared<const Zone>(std::move(zone_));
@@ -177,25 +201,59 @@ class ZoneBuilder {
         zone_.observances.push_back(std::move(observance));
     }
 
-    void addYearly(const YearlyChange& begins, const YearlyChange& ends) {
+    void addYearly(const YearlyRule& yearly) {
+        const auto& [begins, ends] = yearly;
         const Period& model = periods_.front();
         const auto rule = [](const YearlyChange& change) {
-            Rule yearly;
-            yearly.frequency = Frequency::Yearly;
-            yearly.months = {change.month};
-            yearly.days = {{change.week, change.weekday}};
-            return iCalendarText(yearly);
+            Rule text;
+            text.frequency = Frequency::Yearly;
+            text.months = {change.month};
+            text.days = {{change.week, change.weekday}};
+            return iCalendarText(text);
         };
         addObservance({true, begins.inYear(kFirstYear), standard_, model.offset, model.daylightName,
                        rule(begins)});
         addObservance({false, ends.inYear(kFirstYear), model.offset, standard_, model.standardName,
                        rule(ends)});
-        for (int year = kFirstYear; year <= kLastYear; ++year) {
-            addChange(begins.inYear(year) - standard_, model.offset, true, model.daylightName);
-            addChange(ends.inYear(year) - model.offset, standard_, false, model.standardName);
+        addYears(yearly, model, kFirstYear, kLastYear);
+    }
+
+    // The changes of the years `from` to `to` by a rule.
+    void addYears(const YearlyRule& rule, const Period& model, int from, int to) {
+        zone_.continued = true;
+        for (int year = from; year <= to; ++year) {
+            addChange(rule.begins.inYear(year) - standard_, model.offset, true, model.daylightName);
+            addChange(rule.ends.inYear(year) - model.offset, standard_, false, model.standardName);
         }
         std::sort(zone_.changes.begin(), zone_.changes.end(),
                   [](const ZoneChange& a, const ZoneChange& b) { return a.utc < b.utc; });
+    }
+
+    // Of the periods from the first on, or up to the last, as many as follow one rule.
+    [[nodiscard]] std::span<const Period> runAt(bool end) const {
+        const std::span<const Period> all = periods_;
+        std::size_t length = 0;
+        while (length < all.size() &&
+               yearlyRule(end ? all.last(length + 1) : all.first(length + 1)))
+            ++length;
+        return end ? all.last(length) : all.first(length);
+    }
+
+    // The rule changed in between: each end of the lines goes on by its own.
+    void addYearsAround() {
+        const std::span<const Period> first = runAt(false);
+        const std::span<const Period> last = runAt(true);
+        if (first.size() < 2 && last.size() < 2) return;
+        const auto yearOf = [](std::int64_t local) {
+            return civilOf(static_cast<int>(local / kDaySeconds)).year;
+        };
+        if (const int year = yearOf(periods_.front().beginLocal); first.size() > 1)
+            addYears(*yearlyRule(first), first.front(), kFirstYear, year - 1);
+        if (const int year = yearOf(periods_.back().beginLocal); last.size() > 1)
+            addYears(*yearlyRule(last), last.front(), year + 1, kLastYear);
+        // It is described by all of its changes.
+        zone_.baseName = zone_.observances.front().name;
+        zone_.observances.clear();
     }
 
     // One observance for each change: some readers ignore an RDATE here, or the start beside it.
@@ -211,6 +269,7 @@ class ZoneBuilder {
                 {false, period.endLocal, period.offset, standard_, period.standardName, ""});
             addChange(period.endUtc, standard_, false, period.standardName);
         }
+        addYearsAround();
     }
 
     void addChange(std::int64_t utc, int offset, bool daylight, const std::string& name) {

@@ -10,9 +10,11 @@
 
 namespace qel::calendar {
 
-// Null without a usable TZ. An invalid DAYLIGHT line is reported and ignored. Two or more lines
-// that follow one yearly rule mean that rule in all years; any others mean themselves alone. Local
-// times of change are read on the clock before the change.
+// Null without a usable TZ. An invalid DAYLIGHT line is reported and ignored. Lines that follow one
+// yearly rule mean that rule in all years, and so does a single line that begins and ends on one
+// weekday; where the rule changes, the first and the last two years or more stand for those before
+// and after them. Any others mean themselves alone. Local times of change are read on the clock
+// before the change.
 [[nodiscard]] ZonePtr zoneFromVCalendar(const ContentLine& tz,
                                         const std::vector<ContentLine>& daylight,
                                         const NoteSink& sink);

@@ -20,6 +20,9 @@ std::string vCalendarOffset(int seconds) {
     return text;
 }
 
+constexpr int kEarliest = 1;
+constexpr int kLatest = 9999;
+
 std::string utcText(std::int64_t utc) {
     Moment moment;
     moment.clock = Clock::Utc;
@@ -63,28 +66,43 @@ Standard standardAt(const ZoneParts& zone, std::int64_t begin) {
     return standard;
 }
 
-}  // namespace
-
-bool isDescribedByChanges(const Zone& zone) {
-    return zone.parts().content.empty() && zone.parts().observances.empty();
+// The years that DAYLIGHT lines are about; all of them where there is none.
+std::pair<int, int> yearsOf(const std::vector<ZoneLine>& lines) {
+    std::pair<int, int> years{kLatest, kEarliest};
+    for (const auto& [name, value] : lines) {
+        std::string_view rest = value;
+        if (name != "DAYLIGHT" || !equalsIgnoreCase(trimmed(nextField(rest, ';')), "TRUE"))
+            continue;
+        (void)nextField(rest, ';');
+        for (int field = 0; field < 2; ++field)
+            if (const auto moment = parseMoment(nextField(rest, ';'))) {
+                const int year = civilOf(moment->day).year;
+                years = {std::min(years.first, year), std::max(years.second, year)};
+            }
+    }
+    if (years.first > years.second) return {kEarliest, kEarliest};
+    return years;
 }
 
-std::vector<std::string> vTimezoneLines(const Zone& zone, int year) {
-    const ZoneParts& parts = zone.parts();
-    if (!parts.content.empty()) return parts.content;
-    std::vector<std::string> lines = {"BEGIN:VTIMEZONE", "TZID:" + parts.id};
-    for (const auto& [name, value] : parts.ownLines)
-        if (!value.empty()) lines.push_back("X-VCAL-" + name + ":" + escaped(value));
-    if (parts.observances.empty())
-        for (const ZoneObservance& each : observancesSince(zone, year)) addObservance(lines, each);
-    for (const ZoneObservance& each : parts.observances) addObservance(lines, each);
-    lines.emplace_back("END:VTIMEZONE");
-    return lines;
+// The last year after `year` to which the zone has no change.
+int steadyTo(const ZoneParts& zone, int year) {
+    const std::int64_t end = yearBegin(year + 1);
+    for (const ZoneChange& change : zone.changes)
+        if (change.utc >= end) return civilOf(static_cast<int>(change.utc / kDaySeconds)).year - 1;
+    return kLatest;
 }
 
-std::vector<ZoneLine> vCalendarZoneLines(const Zone& zone, int from, int to) {
-    const ZoneParts& parts = zone.parts();
-    if (!parts.ownLines.empty()) return parts.ownLines;
+// The first year before `year` from which on the zone has no change.
+int steadyFrom(const ZoneParts& zone, int year) {
+    int from = kEarliest;
+    for (const ZoneChange& change : zone.changes) {
+        if (change.utc >= yearBegin(year)) break;
+        from = civilOf(static_cast<int>(change.utc / kDaySeconds)).year + 1;
+    }
+    return from;
+}
+
+std::vector<ZoneLine> linesFor(const ZoneParts& parts, int from, int to) {
     const std::int64_t begin = yearBegin(from);
     const std::int64_t end = yearBegin(to + 1);
     const Standard standard = standardAt(parts, begin);
@@ -104,8 +122,44 @@ std::vector<ZoneLine> vCalendarZoneLines(const Zone& zone, int from, int to) {
     return lines;
 }
 
-bool sameInAllYears(const Zone& zone) {
-    return !zone.parts().ownLines.empty() || zone.parts().changes.empty();
+}  // namespace
+
+bool isDescribedByChanges(const Zone& zone) {
+    return zone.parts().content.empty() && zone.parts().observances.empty();
+}
+
+std::vector<std::string> vTimezoneLines(const Zone& zone, int year) {
+    const ZoneParts& parts = zone.parts();
+    if (!parts.content.empty()) return parts.content;
+    std::vector<std::string> lines = {"BEGIN:VTIMEZONE", "TZID:" + parts.id};
+    for (const auto& [name, value] : parts.ownLines)
+        if (!value.empty()) lines.push_back("X-VCAL-" + name + ":" + escaped(value));
+    if (parts.observances.empty())
+        for (const ZoneObservance& each : observancesSince(zone, year)) addObservance(lines, each);
+    for (const ZoneObservance& each : parts.observances) addObservance(lines, each);
+    lines.emplace_back("END:VTIMEZONE");
+    return lines;
+}
+
+VCalendarZone vCalendarZone(const Zone& zone, int first, int last, int until) {
+    const ZoneParts& parts = zone.parts();
+    if (!parts.ownLines.empty()) {
+        const auto [begin, end] = yearsOf(parts.ownLines);
+        const int right = begin == kEarliest ? kEarliest : steadyFrom(parts, begin);
+        const int rightTo = begin == kEarliest ? steadyTo(parts, kEarliest) : steadyTo(parts, end);
+        if (right <= first && rightTo >= last) return {parts.ownLines, right, rightTo};
+    }
+    if (parts.changes.empty())
+        return {
+            {{"TZ", vCalendarOffset(parts.baseOffset)}, {"DAYLIGHT", "FALSE"}}, kEarliest, kLatest};
+    until = std::max(last, until);
+    return {linesFor(parts, first, until), first, steadyTo(parts, until)};
+}
+
+bool hasOwnName(const Zone& zone) {
+    const std::string& id = zone.id();
+    return !(id.size() >= 7 && id.starts_with("TZ") && (id[2] == '+' || id[2] == '-') &&
+             allDigits(std::string_view(id).substr(3, 4)));
 }
 
 }  // namespace qel::calendar

@@ -16,10 +16,17 @@ namespace qel::calendar {
 // True when there is nothing but its changes to write a VTIMEZONE from.
 [[nodiscard]] bool isDescribedByChanges(const Zone& zone);
 
-// TZ and DAYLIGHT for the years from..to. Lines that were read are valid for all years.
-[[nodiscard]] std::vector<ZoneLine> vCalendarZoneLines(const Zone& zone, int from, int to);
-// True when vCalendarZoneLines gives the same for all years.
-[[nodiscard]] bool sameInAllYears(const Zone& zone);
+// TZ and DAYLIGHT, and the years for which they are right.
+struct VCalendarZone {
+    std::vector<ZoneLine> lines;
+    int first;
+    int last;
+};
+// For the years `first` to `last`: the lines that were read where they are right for those, else
+// lines that also hold until `until`.
+[[nodiscard]] VCalendarZone vCalendarZone(const Zone& zone, int first, int last, int until);
+// True for a zone that has a name of its own, not one that was made up for TZ and DAYLIGHT.
+[[nodiscard]] bool hasOwnName(const Zone& zone);
 
 }  // namespace qel::calendar
 

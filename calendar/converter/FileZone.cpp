@@ -1,0 +1,78 @@
+#include "calendar/converter/FileZone.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "calendar/base/Days.h"
+#include "calendar/entries/EntryDates.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// As far as zones are known that are made of lines.
+constexpr int kLastYear = 2099;
+
+bool isLocal(const std::optional<Moment>& moment) {
+    return moment && !moment->isDate && moment->clock == Clock::Zoned;
+}
+
+// `zone` by another name.
+ZonePtr renamed(const ZonePtr& zone, const std::string& name) {
+    ZoneParts parts = zone->parts();
+    parts.id = name;
+    return std::make_shared<const Zone>(std::move(parts));
+}
+
+}  // namespace
+
+FileZone::FileZone(ZonePtr made, const std::string& name, const ZonePtr& chosen, WorldZones& world)
+    : zone_(std::move(made)) {
+    const auto known = findWorldZone(name);
+    if (zone_ == nullptr) {
+        if (known) zone_ = world.zone(*known);
+        return;
+    }
+    if (!name.empty() && !known) {
+        zone_ = renamed(zone_, name);
+        return;
+    }
+    if (!known) chosen_ = chosen;
+    nameReported_ = known.has_value();
+    naming_.emplace(zone_, known ? world.zone(*known) : chosen, world);
+}
+
+void FileZone::settle(Entry& entry, const NoteSink& sink) {
+    if (!naming_ || entry.zone != zone_) return;
+    if (!isLocal(entry.start) && !isLocal(entry.end) && !isLocal(entry.due)) return;
+    const bool lines = zone_->parts().daylight.has_value();
+    if (!lines && !naming_->hasWish()) return;
+    const Years years = yearsOf(entry, kLastYear);
+    const ZonePtr& named = naming_->zoneFor(years.first, years.last);
+    if (named == zone_) {
+        if (chosen_ != nullptr && !std::exchange(chosenReported_, true))
+            sink(Note(NoteCode::ChosenZoneDiffers, entry.line, {chosen_->id()}));
+        if (lines) reportYears(entry, years, sink);
+        return;
+    }
+    if (chosen_ == nullptr && !std::exchange(nameReported_, true))
+        sink(Note(NoteCode::ZoneRecognised, entry.line, {named->id()}));
+    entry.zone = named;
+}
+
+void FileZone::reportYears(const Entry& entry, const Years& years, const NoteSink& sink) {
+    const ZoneParts& parts = zone_->parts();
+    const auto yearOf = [](std::int64_t utc) {
+        return civilOf(static_cast<int>(utc / kDaySeconds)).year;
+    };
+    const int first = yearOf(parts.daylight->begin);
+    const int last = yearOf(parts.daylight->end);
+    if (yearsReported_ || (years.first >= first && years.last <= last)) return;
+    yearsReported_ = true;
+    const std::string shown =
+        std::to_string(first) + (first == last ? "" : " to " + std::to_string(last));
+    sink(Note(parts.continued ? NoteCode::DaylightContinued : NoteCode::DaylightEnds, entry.line,
+              {shown}));
+}
+
+}  // namespace qel::calendar

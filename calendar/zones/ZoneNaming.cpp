@@ -1,0 +1,62 @@
+#include "calendar/zones/ZoneNaming.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+#include "calendar/base/Days.h"
+
+namespace qel::calendar {
+
+namespace {
+
+// Most of those that agree with the lines are the same in all years.
+constexpr std::size_t kMostCandidates = 8;
+
+}  // namespace
+
+ZoneNaming::ZoneNaming(ZonePtr made, ZonePtr wanted, WorldZones& world)
+    : made_(std::move(made)), wanted_(std::move(wanted)) {
+    if (!made_->parts().daylight) return;
+    if (wanted_ == nullptr)
+        findCandidates(world);
+    else
+        alwaysWanted_ = agreesWithLines(*wanted_);
+}
+
+// A day before and after the lines too, where they are not cut off at the end of a year.
+bool ZoneNaming::agreesWithLines(const Zone& zone) const {
+    const auto& [begin, end] = *made_->parts().daylight;
+    const auto isCut = [](std::int64_t moment) {
+        return moment == yearBegin(civilOf(static_cast<int>(moment / kDaySeconds)).year);
+    };
+    return agree(*made_, zone, isCut(begin) ? begin : begin - kDaySeconds,
+                 isCut(end) ? end : end + kDaySeconds);
+}
+
+void ZoneNaming::findCandidates(WorldZones& world) {
+    const auto& [begin, end] = *made_->parts().daylight;
+    for (const WindowsZone& each : windowsZones()) {
+        if (candidates_.size() == kMostCandidates) return;
+        const auto number = findWorldZone(each.world);
+        // To build a zone takes longer than to see that it is another one.
+        if (!number || worldZoneOffset(*number, begin) != made_->offsetAtUtc(begin) ||
+            worldZoneOffset(*number, begin - kDaySeconds) !=
+                made_->offsetAtUtc(begin - kDaySeconds))
+            continue;
+        const ZonePtr& zone = world.zone(*number);
+        if (agreesWithLines(*zone)) candidates_.push_back(zone);
+    }
+}
+
+const ZonePtr& ZoneNaming::zoneFor(int first, int last) const {
+    if (alwaysWanted_) return wanted_;
+    const auto fits = [&](const ZonePtr& zone) {
+        return agree(*made_, *zone, yearBegin(first), yearBegin(last + 1));
+    };
+    if (wanted_ != nullptr) return !made_->parts().daylight && fits(wanted_) ? wanted_ : made_;
+    const auto found = std::find_if(candidates_.begin(), candidates_.end(), fits);
+    return found == candidates_.end() ? made_ : *found;
+}
+
+}  // namespace qel::calendar

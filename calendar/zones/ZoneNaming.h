@@ -1,0 +1,39 @@
+// Which zone of the IANA database is meant by the TZ and DAYLIGHT lines of a phone's file. Calendar
+// programs know zones by those names, and make little of a name that is made up. One thread.
+#ifndef QEL_CALENDAR_ZONES_ZONENAMING_H
+#define QEL_CALENDAR_ZONES_ZONENAMING_H
+
+#include <vector>
+
+#include "calendar/zones/WorldZones.h"
+#include "calendar/zones/Zone.h"
+
+namespace qel::calendar {
+
+class ZoneNaming {
+  public:
+    // `wanted` is the zone that a person or the file itself names; it may be null.
+    // REQUIRES: `made` comes from zoneFromVCalendar.
+    ZoneNaming(ZonePtr made, ZonePtr wanted, WorldZones& world);
+
+    [[nodiscard]] bool hasWish() const { return wanted_ != nullptr; }
+
+    // The zone for an entry of the years `first` to `last`. The wanted one, where the lines agree
+    // with it; without lines for daylight time, where its clocks agree in those years. Else, where
+    // nothing is wanted, the first of the zones that Windows has whose clocks agree with the lines
+    // and in those years; TZ alone means no place. Else the one that was made.
+    [[nodiscard]] const ZonePtr& zoneFor(int first, int last) const;
+
+  private:
+    void findCandidates(WorldZones& world);
+    [[nodiscard]] bool agreesWithLines(const Zone& zone) const;
+
+    ZonePtr made_;
+    ZonePtr wanted_;
+    bool alwaysWanted_ = false;
+    std::vector<ZonePtr> candidates_;
+};
+
+}  // namespace qel::calendar
+
+#endif
