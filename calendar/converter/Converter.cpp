@@ -250,8 +250,8 @@ class Converter::File {
         }
         ZonePtr made;
         if (tz_) made = zoneFromVCalendar(*tz_, daylight_, noteSink());
-        zone_ = FileZone(std::move(made), zoneName_, vCalReader_.chosenZone(),
-                         owner_.zones_->known.world);
+        zone_ = FileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_,
+                         vCalReader_.chosenZone(), owner_.zones_->known.world);
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
         owner_.writer().makeUidsDistinct(choices_.distinctUids);
@@ -334,8 +334,8 @@ class Converter::File {
         // Mostly all entries of a file have the same lines.
         if (made == nullptr || entryZone_.zone() == nullptr ||
             entryZone_.zone()->id() != made->id())
-            entryZone_ =
-                FileZone(std::move(made), {}, vCalReader_.chosenZone(), owner_.zones_->known.world);
+            entryZone_ = FileZone(std::move(made), tz->number, {}, vCalReader_.chosenZone(),
+                                  owner_.zones_->known.world);
         return entryZone_;
     }
 

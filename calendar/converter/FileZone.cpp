@@ -26,8 +26,9 @@ ZonePtr renamed(const ZonePtr& zone, const std::string& name) {
 
 }  // namespace
 
-FileZone::FileZone(ZonePtr made, const std::string& name, const ZonePtr& chosen, WorldZones& world)
-    : zone_(std::move(made)) {
+FileZone::FileZone(ZonePtr made, std::size_t line, const std::string& name, const ZonePtr& chosen,
+                   WorldZones& world)
+    : zone_(std::move(made)), line_(line) {
     const auto known = findWorldZone(name);
     if (zone_ == nullptr) {
         if (known) zone_ = world.zone(*known);
@@ -51,12 +52,12 @@ void FileZone::settle(Entry& entry, const NoteSink& sink) {
     const ZonePtr& named = naming_->zoneFor(years.first, years.last);
     if (named == zone_) {
         if (chosen_ != nullptr && !std::exchange(chosenReported_, true))
-            sink(Note(NoteCode::ChosenZoneDiffers, entry.line, {chosen_->id()}));
+            sink(Note(NoteCode::ChosenZoneDiffers, line_, {chosen_->id()}));
         if (lines) reportYears(entry, years, sink);
         return;
     }
     if (chosen_ == nullptr && !std::exchange(nameReported_, true))
-        sink(Note(NoteCode::ZoneRecognised, entry.line, {named->id()}));
+        sink(Note(NoteCode::ZoneRecognised, line_, {named->id()}));
     entry.zone = named;
 }
 

@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_CONVERTER_FILEZONE_H
 #define QEL_CALENDAR_CONVERTER_FILEZONE_H
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -16,9 +17,10 @@ namespace qel::calendar {
 class FileZone {
   public:
     FileZone() = default;
-    // `made` comes from the lines, or is null; `name` is what the file calls it, or empty; `chosen`
-    // is what a person chose for times without a zone, or null.
-    FileZone(ZonePtr made, const std::string& name, const ZonePtr& chosen, WorldZones& world);
+    // `made` comes from the lines, or is null; `line` is the number of TZ; `name` is what the file
+    // calls it, or empty; `chosen` is what a person chose for times without a zone, or null.
+    FileZone(ZonePtr made, std::size_t line, const std::string& name, const ZonePtr& chosen,
+             WorldZones& world);
 
     // For reading the entries.
     [[nodiscard]] const ZonePtr& zone() const { return zone_; }
@@ -30,6 +32,7 @@ class FileZone {
     void reportYears(const Entry& entry, const Years& years, const NoteSink& sink);
 
     ZonePtr zone_;
+    std::size_t line_ = 0;
     ZonePtr chosen_;
     std::optional<ZoneNaming> naming_;
     bool nameReported_ = false;

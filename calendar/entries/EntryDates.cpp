@@ -148,13 +148,11 @@ int spanOf(const Entry& entry) {
 
 // The years after a series' start that its rules are expanded for, to see when it ends.
 constexpr int kYearsExpanded = 30;
-// Years after its start that a series without an end lasts at least.
-constexpr int kYearsAhead = 10;
 
 // The last year of a rule.
 int lastYearOf(const Entry& entry, const Rule& rule, int endless) {
     const int first = civilOf(entry.start->day).year;
-    if (rule.endless()) return std::max(endless, first + kYearsAhead);
+    if (rule.endless()) return endless;
     if (const auto until = parseMoment(rule.until)) return civilOf(until->day).year;
     const std::vector<int> days =
         expandRule(rule, entry.ruleStart(), {10000, std::min(first + kYearsExpanded, kLastYear)});

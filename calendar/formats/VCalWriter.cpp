@@ -17,7 +17,9 @@ namespace {
 // DAYLIGHT lines reach this far: the last year of many a phone's clock. So the entries that follow
 // need no calendar of their own.
 constexpr int kLastPhoneYear = 2037;
-// The last year of a series without an end.
+// But for so many years for a series without an end.
+constexpr int kYearsAhead = 10;
+// The last year of such a series.
 constexpr int kEndless = 2499;
 // More years of an entry are not described.
 constexpr int kMostYears = 100;
@@ -53,9 +55,12 @@ bool readsAsDays(const Entry& entry, const ZonePtr& zone) {
 
 void VCalWriter::openFor(const Entry& entry) {
     if (entry.zone != nullptr && uses(entry, Clock::Zoned)) {
-        const Years years = yearsOf(entry, kLastPhoneYear);
-        open(entry.zone, years.first, std::min(years.last, years.first + kMostYears));
-        reportEndOfLines(entry);
+        const Years years = yearsOf(entry, kEndless);
+        const int last = years.last == kEndless
+                             ? std::max(kLastPhoneYear, years.first + kYearsAhead)
+                             : std::min(years.last, years.first + kMostYears);
+        open(entry.zone, years.first, last);
+        if (years.last > lastYear_) reportEndOfLines(entry);
         return;
     }
     const bool dayWithAlarm = entry.start && entry.start->isDate && !entry.alarms.empty();
@@ -67,8 +72,7 @@ void VCalWriter::openFor(const Entry& entry) {
 
 // Of the first series of the calendar that goes on after the DAYLIGHT lines.
 void VCalWriter::reportEndOfLines(const Entry& entry) {
-    if (endReported_ || yearsOf(entry, kEndless).last <= lastYear_) return;
-    endReported_ = true;
+    if (std::exchange(endReported_, true)) return;
     report({Note(NoteCode::DaylightLinesEnd, entry.line,
                  {std::to_string(lastYear_), entry.zone->id()})});
 }

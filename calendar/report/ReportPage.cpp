@@ -6,6 +6,7 @@
 #include "calendar/report/Html.h"
 #include "calendar/report/MonthTables.h"
 #include "calendar/report/PageStyle.h"
+#include "calendar/zones/WorldZones.h"
 
 namespace qel::calendar {
 
@@ -223,7 +224,10 @@ std::string pageEnd() {
            "missing from the result.</p><p>In the months, days on which an entry takes place are "
            "filled, and days excluded from its series are struck through. The first " +
            std::to_string(kMostMonths) +
-           " months of a series are shown.</p></footer></body></html>\n";
+           " months of a series are shown.</p><p>Time zones by name are those of the IANA "
+           "database, "
+           "version " +
+           html(worldZoneVersion()) + ".</p></footer></body></html>\n";
 }
 
 }  // namespace qel::calendar

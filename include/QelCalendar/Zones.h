@@ -1,6 +1,7 @@
 /// @file
-/// The time zones of QelUtility's table, and the computer's own, both ways between local time and
-/// UTC. Times are seconds since 1 January 1900 of the years 1900 to 2499. Values; any thread.
+/// The time zones of QelUtility's table, the computer's own and those of the IANA time zone
+/// database, both ways between local time and UTC. Times are seconds since 1 January 1900 of the
+/// years 1900 to 2499. Values; any thread.
 #ifndef QELCALENDAR_ZONES_H
 #define QELCALENDAR_ZONES_H
 
@@ -35,10 +36,20 @@ class Zone {
         for (std::size_t i = 1; i <= count; ++i) zones.push_back(Zone(static_cast<int>(i)));
         return zones;
     }
+    /// All zones of the database, in the order of the alphabet.
+    static std::vector<Zone> world() {
+        std::vector<Zone> zones;
+        for (std::size_t i = 0; i < qelcal_zone_data_count(); ++i)
+            zones.push_back(Zone(QELCAL_FIRST_WORLD_ZONE + static_cast<int>(i)));
+        return zones;
+    }
+    /// The database's version: "2025b".
+    static std::string worldVersion() { return qelcal_zone_data_version(); }
     /// The computer's own zone.
     static Zone local() { return Zone(0); }
 
-    /// 1 to the number of zones; 0 for the computer's own.
+    /// 1 to the number of zones of the table, 0 for the computer's own, from
+    /// QELCAL_FIRST_WORLD_ZONE on for those of the database.
     int number() const noexcept { return number_; }
     /// "Europe/Berlin"
     std::string name() const { return qelcal_zone_name(number_); }

@@ -592,7 +592,9 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_result(qelcal_report* report,
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_finish(qelcal_report* report, const char* remark,
                                                           qelcal_write_fn head, void* context);
 
-/* --- Zones of QelUtility's table ---------------------------------------------------------------
+/* --- Zones --------------------------------------------------------------------------------------
+ * Those of QelUtility's table, the computer's own, and those of the IANA time zone database, which
+ * is compiled into the library.
  */
 
 /** What a wall-clock time is on its zone's clock. */
@@ -609,18 +611,27 @@ typedef struct qelcal_offset_change {
     int64_t after;  /**< and after it */
 } qelcal_offset_change;
 
+/** The number of the database's first zone; the others follow in the order of the alphabet. Their
+ * numbers are those of one version of the database. */
+#define QELCAL_FIRST_WORLD_ZONE 1001
+/** The version of the IANA time zone database: "2025b". */
+QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_zone_data_version(void);
+/** The number of its zones, each by all of its names. */
+QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_zone_data_count(void);
 /** The number of zones of the table; their numbers are 1 to that. 0 is the computer's own zone. A
  * count of 0 means that memory is exhausted. */
 QELCALENDAR_API size_t QELCALENDAR_CALL qelcal_zone_count(void);
-/** The zone's name, "Europe/Berlin". Lasts as long as the process. */
+/** The zone's name, "Europe/Berlin". "" for a number that has none. Lasts as long as the process.
+ */
 QELCALENDAR_API const char* QELCALENDAR_CALL qelcal_zone_name(int zone);
 /** The number of the zone of that name, in either case; also a part of the name that no other zone
- * has, a number as text, "utc" and "local". QELCAL_UNKNOWN_NAME otherwise; qelcal_last_error()
- * lists what it fits when it fits several. */
+ * of the table has, a number as text, "utc" and "local". A zone of the database is found by its
+ * whole name, where the table has none. QELCAL_UNKNOWN_NAME otherwise; qelcal_last_error() lists
+ * what it fits when it fits several. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_find(const char* name, int* zone);
 /** 1 when the zone's changes in `year` are known: the table's years are 1990 to 2010, outside them
- * the offset of the nearest change is used. UTC and the computer's own zone are known from 1900 to
- * 2499. */
+ * the offset of the nearest change is used. UTC, the computer's own zone and those of the database
+ * are known from 1900 to 2499. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_zone_knows(int zone, int year);
 /** UTC of a wall-clock time of the years 1900 to 2499, both in seconds since 1 January 1900;
  * `occurs`, which may be null, is set to a qelcal_occurs. */

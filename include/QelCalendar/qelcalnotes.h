@@ -198,6 +198,25 @@ typedef enum qelcal_note_code {
     /**< The entry's times name a time zone that the file does not describe, but whose name is
      * known. They are read as times of that zone, as the IANA time zone database describes it.
      * Reported once for each zone. */
+    QELCAL_NOTE_ZONE_RECOGNISED = 441,
+    /**< The file describes its time zone by offsets and dates. They are those of a zone of the IANA
+     * time zone database, whose name calendar programs know, so it is written. */
+    QELCAL_NOTE_CHOSEN_ZONE_DIFFERS = 442,
+    /**< A zone was chosen for times that have none, but this file describes its own zone, whose
+     * clocks show other times. The file's own zone is used. */
+    QELCAL_NOTE_DAYLIGHT_CONTINUED = 443,
+    /**< The file describes daylight saving time for some years only, and an entry lasts longer. The
+     * same weekday of the same week of the month is taken for the other years, as is usual;
+     * countries sometimes change that. */
+    QELCAL_NOTE_DAYLIGHT_ENDS = 444,
+    /**< The file describes daylight saving time for some years only, by dates that follow no rule,
+     * and an entry lasts longer. */
+    QELCAL_NOTE_UTC_SERIES_SHIFTS = 445,
+    /**< The entries repeat at a time of UTC. Where clocks are changed in summer, a meeting at nine
+     * o'clock is at ten then, or the other way round. */
+    QELCAL_NOTE_DAYLIGHT_LINES_END = 446,
+    /**< The entry repeats for a long time, and vCalendar 1.0 describes daylight saving time year by
+     * year. Reported once for each calendar. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file contains something other than events, to-dos and notes, for example free and busy
      * times. Only those three are converted. */

@@ -101,8 +101,8 @@ TEST(Interface, PiecesOfAnySizeConvertAlike) {
     const Result whole = converted(phone, QELCAL_OTHER, phone.size());
     EXPECT_NE(whole.text.find("SUMMARY:Zo\xC3\xAB's birthday\r\n"), std::string::npos);
     EXPECT_EQ(whole.notes,
-              (std::vector<std::string>{"17 rule-count-of-dates", "30 rule-end-whole-day",
-                                        "67 rule-without-end"}));
+              (std::vector<std::string>{"17 rule-count-of-dates", "4 zone-recognised",
+                                        "30 rule-end-whole-day", "67 rule-without-end"}));
     for (const std::size_t piece : {1U, 7U}) {
         EXPECT_EQ(converted(phone, QELCAL_OTHER, piece), whole);
         EXPECT_EQ(converted(whole.text, QELCAL_VCALENDAR, piece),
@@ -126,7 +126,8 @@ TEST(Interface, EntriesOfAPhone) {
         "48 Flight to Oslo 20051029T220000Z; AUDIO 20051029T190000Z",
         "55 Send the tax form; EMAIL 20050929T090000",
         "63 Water the plants; every 2 days, twice 20050601T180000 20050603T180000; note "
-        "rule-without-end"};
+        "rule-without-end",
+        "note zone-recognised"};
     std::string phone = phoneFile();
     EXPECT_EQ(entriesOf(phone, phone.size()), expected);
     EXPECT_EQ(entriesOf(phone, 1), expected);
@@ -247,6 +248,11 @@ TEST(Interface, ZonesAndTextsByName) {
     int zone = 5;
     EXPECT_EQ(qelcal_zone_find("e", &zone), QELCAL_UNKNOWN_NAME);
     EXPECT_EQ(zone, 5);
+    const std::vector<qelcal::Zone> world = qelcal::Zone::world();
+    EXPECT_EQ(qelcal::Zone::find("asia/tokyo").offset(repeated), 9 * 3600);
+    EXPECT_EQ(qelcal::Zone::find(world.back().name()).number(), world.back().number());
+    EXPECT_STREQ(qelcal_zone_name(world.back().number() + 1), "");
+    EXPECT_EQ(qelcal::Zone::worldVersion().size(), 5U);
     EXPECT_THROW(qelcal::toUtf8("no-such-set", "a"), qelcal::Error);
     EXPECT_EQ(qelcal_text_to_utf8("utf-8", "a", 1, stopAtOnce, nullptr, nullptr), QELCAL_STOPPED);
 }

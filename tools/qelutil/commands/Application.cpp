@@ -1,5 +1,6 @@
 #include "commands/Application.h"
 
+#include "QelCalendar/Zones.h"
 #include "base/Terminal.h"
 #include "commands/Commands.h"
 
@@ -24,7 +25,8 @@ void addCommands(CLI::App& app, Context& context) {
         "and converts times, texts and codes.");
     // A path such as /tmp/a.vcs is not an option, on any platform.
     app.allow_windows_style_options(false);
-    app.set_version_flag("--version", "qelutil " QELUTIL_VERSION);
+    app.set_version_flag("--version",
+                         "qelutil " QELUTIL_VERSION "\ntime zones " + qelcal::Zone::worldVersion());
     app.require_subcommand(1);
     // The options of the program itself may also follow the command.
     app.fallthrough();

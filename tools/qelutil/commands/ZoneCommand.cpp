@@ -44,7 +44,8 @@ int thisYear() {
 void noteYear(Context& context, const Zone& zone, int year) {
     constexpr int kFirstYear = 1990;
     if (zone.knows(year)) {
-        if (year == kFirstYear && zone.number() != 0 && !zone.changes(kFirstYear + 1).empty()) {
+        const bool fromTable = zone.number() != 0 && zone.number() < QELCAL_FIRST_WORLD_ZONE;
+        if (year == kFirstYear && fromTable && !zone.changes(kFirstYear + 1).empty()) {
             context.note({}, 0,
                          zone.name() +
                              ": the table begins with this zone's first change of 1990; before it "
@@ -201,7 +202,8 @@ void changes(Context& context, const Options& options) {
 }
 
 constexpr char kZoneHelp[] =
-    "a zone's number or name, a part of the name, UTC,\nor local: the computer's own";
+    "a zone's number or name, a part of the name, UTC,\na name such as Europe/Berlin,\nor local: "
+    "the computer's own";
 
 }  // namespace
 
@@ -211,14 +213,16 @@ void addZoneCommand(CLI::App& app, Context& context) {
         app.add_subcommand("zone", "Time zones: their list, conversions, changes of a year");
     command->require_subcommand(1);
     command->footer(
-        "The zones are those of the library's table, with its rules for 1990 to 2010.\n"
+        "The zones are those of the library's table, with its rules for 1990 to 2010, and by "
+        "their\n"
+        "whole names those of the IANA time zone database, with the rules of all years.\n"
         "Examples:\n"
         "  qelutil zone list\n"
         "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
-        "  qelutil zone changes berlin --year 2005");
+        "  qelutil zone changes America/New_York --year 2030");
 
-    CLI::App* listing =
-        command->add_subcommand("list", "List all zones: number, standard and summer offset, name");
+    CLI::App* listing = command->add_subcommand(
+        "list", "List the table's zones: number, standard and summer offset, name");
     listing->add_flag("--json", options->json, "print the facts as JSON");
     listing->footer("Example:\n  qelutil zone list --json");
     listing->callback([options, &context] { list(context, *options); });

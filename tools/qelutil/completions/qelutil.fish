@@ -75,7 +75,7 @@ complete -c qelutil -n '__qelutil_at date' -l add -x -d 'add this duration first
 complete -c qelutil -n '__qelutil_at date' -l until -x -d 'show the duration from VALUE to this date'
 complete -c qelutil -n '__qelutil_at date' -l json -d 'print the facts as JSON'
 
-complete -c qelutil -n '__qelutil_only zone' -a list -d 'List all zones: number, standard and summer offset, name'
+complete -c qelutil -n '__qelutil_only zone' -a list -d 'List the table\'s zones: number, standard and summer offset, name'
 complete -c qelutil -n '__qelutil_only zone' -a convert -d 'Convert times between zones'
 complete -c qelutil -n '__qelutil_only zone' -a changes -d 'List the changes of offset in a year'
 complete -c qelutil -n '__qelutil_at zone' -s h -l help -d 'Print this help message and exit'
@@ -84,7 +84,7 @@ complete -c qelutil -n '__qelutil_at zone list' -s h -l help -d 'Print this help
 complete -c qelutil -n '__qelutil_at zone list' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at zone convert' -s h -l help -d 'Print this help message and exit'
-complete -c qelutil -n '__qelutil_at zone convert' -l from -x -d 'a zone\'s number or name, a part of the name, UTC, or local'
+complete -c qelutil -n '__qelutil_at zone convert' -l from -x -d 'a zone\'s number or name, a part of the name, UTC, a name such as Europe/Berlin, or local'
 complete -c qelutil -n '__qelutil_at zone convert' -l to -x -d 'the zone to convert to, in the same way'
 complete -c qelutil -n '__qelutil_at zone convert' -l json -d 'print the facts as JSON'
 
