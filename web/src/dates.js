@@ -102,6 +102,6 @@ export function lengthInWords(minutes) {
 /** @param {number} bytes */
 export function sizeInWords(bytes) {
     const [unit, size] = bytes < 1e6 ? ["kB", bytes / 1e3] : ["MB", bytes / 1e6];
-    const digits = size < 10 && bytes >= 1e3 ? 1 : 0;
+    const digits = size < 10 ? 1 : 0;
     return `${size.toLocaleString(language(), { maximumFractionDigits: digits })} ${unit}`;
 }

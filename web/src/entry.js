@@ -126,13 +126,19 @@ function whenText(entry, details) {
     if (details.start === undefined || entry.minute === undefined) return "";
     const start = dates.shownMinute(entry.minute, entry.clock, entry.day);
     const end = start + (entry.length ?? 0);
-    const zone = entry.clock === 2 ? ` (${entry.zone})` : entry.clock === 1 ? ` (${text("localTime")})` : "";
+    const zone = entry.clock === 2 ? ` (${zoneName(entry.zone ?? "")})` : entry.clock === 1 ? ` (${text("localTime")})` : "";
     const first = dates.dayOf(start);
     const last = Math.max(first, dates.dayOf(end - 1));
     if (entry.day) return first === last ? dates.longDay(first) : `${dates.longDay(first)} – ${dates.longDay(last)}`;
     const from = `${dates.longDay(first)}, ${dates.timeOfDay(start)}`;
     if (end === start) return from + zone;
     return `${from} – ${dates.dayOf(end) === first ? "" : `${dates.longDay(dates.dayOf(end))}, `}${dates.timeOfDay(end)}${zone}`;
+}
+
+/** A zone by its name; one that a phone describes by its offset alone, by that. @param {string} zone */
+function zoneName(zone) {
+    const [, hours, minutes] = /^TZ([+-]\d\d)(\d\d)-/.exec(zone) ?? [];
+    return hours === undefined ? zone : `UTC${hours}:${minutes}`;
 }
 
 /** @param {Details["alarms"][number]} alarm */

@@ -15,7 +15,7 @@ const mostInCell = 3;
 /** @param {ViewOptions} options */
 export function monthView({ diary, fits, show }) {
     const view = element("div", { class: "month" });
-    const heading = element("h3", { class: "month-name", "aria-live": "polite" });
+    const heading = element("h2", { class: "month-name", "aria-live": "polite" });
     const grid = element("table", { class: "grid" });
     const ofDay = element("div", { class: "of-day" });
     let chosen = startingDay(diary, fits);
@@ -106,7 +106,7 @@ export function monthView({ diary, fits, show }) {
         const entries = days[chosen - start];
         fill(
             ofDay,
-            element("h4", {}, dates.longDay(chosen)),
+            element("h3", {}, dates.longDay(chosen)),
             entries.length === 0
                 ? element("p", { class: "faint" }, text("noneOnDay"))
                 : element("ul", { class: "rows" }, entries.slice(0, 200).map((each) =>
@@ -132,14 +132,14 @@ export function monthView({ diary, fits, show }) {
                 "button",
                 {
                     class: "day",
-                    "aria-label": label,
                     "aria-pressed": day === chosen,
                     "aria-current": day === dates.today() ? "date" : false,
                     tabindex: day === chosen ? 0 : -1,
                     click: () => choose(day, true),
                     keydown: onKey,
                 },
-                element("span", { class: "number" }, String(dates.dateOfDay(day).getUTCDate())),
+                element("span", { class: "unseen" }, label),
+                element("span", { class: "number", "aria-hidden": true }, String(dates.dateOfDay(day).getUTCDate())),
                 element(
                     "span",
                     { class: "chips", "aria-hidden": "true" },

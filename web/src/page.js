@@ -165,12 +165,12 @@ function showProblem(refused) {
     fill(
         byId("problem"),
         element("div", { class: "card problem" },
-            element("h2", { tabindex: -1 }, refused.length > 0 ? text("noCalendar") : text("wrong")),
+            element("h1", { tabindex: -1 }, refused.length > 0 ? text("noCalendar") : text("wrong")),
             reasons.length > 0 ? element("ul", {}, reasons) : element("p", {}, text("nothingChosen")),
             element("button", { class: "primary", click: startAgain }, text("startAgain"))),
     );
     showState("problem");
-    byId("problem").querySelector("h2")?.focus();
+    byId("problem").querySelector("h1")?.focus();
     announce(text("noCalendar"));
 }
 
@@ -180,12 +180,12 @@ function showFailure(problem) {
     fill(
         byId("problem"),
         element("div", { class: "card problem" },
-            element("h2", { tabindex: -1 }, text("wrong")),
+            element("h1", { tabindex: -1 }, text("wrong")),
             element("p", {}, text("failure", reason)),
             element("button", { class: "primary", click: startAgain }, text("startAgain"))),
     );
     showState("problem");
-    byId("problem").querySelector("h2")?.focus();
+    byId("problem").querySelector("h1")?.focus();
 }
 
 function startAgain() {
@@ -205,7 +205,7 @@ function run(task) {
 function showOpened(refused) {
     if (open === undefined) return;
     const { diary } = open;
-    const title = element("h2", { id: "found", tabindex: -1 }, foundText(diary));
+    const title = element("h1", { id: "found", tabindex: -1 }, foundText(diary));
     fill(
         byId("opened"),
         element("section", { class: "summary card", "aria-labelledby": "found" },
@@ -218,7 +218,9 @@ function showOpened(refused) {
             refused.length > 0 && element("details", {},
                 element("summary", {}, text("skippedFiles", refused.length)),
                 element("ul", {}, refused.slice(0, 100).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)))))),
-        element("div", { class: "aside" }, takeAlong(), choicesPanel()),
+        takeAlong(),
+        open.target === format.icalendar && stepsPanel(),
+        choicesPanel(),
         element("section", { class: "card diary", id: "diary", "aria-label": text("view") }),
     );
     showState("opened");
@@ -263,7 +265,7 @@ function notesList(diary) {
             inEntries && element("button", { class: "quiet", click: () => showOnly(code) }, text("showEntries")));
     };
     return element("div", { class: "notes" },
-        element("h3", {}, text("lookFirst")),
+        element("h2", {}, text("lookFirst")),
         element("ul", {}, notes.slice(0, fewNotes).map(item)),
         notes.length > fewNotes && element("details", {},
             element("summary", {}, text("moreNotes", notes.length - fewNotes)),
@@ -296,13 +298,16 @@ function takeAlong() {
             converted.output.size > 1e6 && open?.target === format.icalendar &&
                 element("button", { id: "pieces", click: () => run(downloadPieces()) }, text("inPieces")),
             several && element("button", { id: "each", click: () => run(downloadEach()) }, text("eachFile")),
-            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))),
-        open?.target === format.icalendar && element("details", { class: "steps" },
-            element("summary", {}, text("intoCalendar")),
-            element("div", { class: "programs" }, Object.entries(steps()).map(([program, list]) =>
-                element("section", {},
-                    element("h3", {}, program),
-                    element("ol", {}, list.map((step) => element("li", {}, step))))))));
+            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))));
+}
+
+function stepsPanel() {
+    return element("details", { class: "card wide", id: "steps" },
+        element("summary", {}, text("intoCalendar")),
+        element("div", { class: "programs" }, Object.entries(steps()).map(([program, list]) =>
+            element("section", {},
+                element("h2", {}, program),
+                element("ol", {}, list.map((step) => element("li", {}, step)))))));
 }
 
 async function downloadPieces() {
@@ -343,7 +348,7 @@ function choicesPanel() {
         element("label", {}, element("input", {
             type: "radio", name: "target", id: `target-${value}`, value, checked: target === value, change: () => run(choose({}, value)),
         }), label);
-    return element("details", { class: "card choices", id: "choices" },
+    return element("details", { class: "card wide choices", id: "choices" },
         element("summary", {}, text("choices")),
         element("p", { class: "faint" }, text("choicesIntro")),
         element("p", { id: "choice-problem", class: "concern-2", role: "alert" }),
@@ -454,12 +459,12 @@ function drawStart() {
         change: () => { run(openFiles(chosenFiles(/** @type {FileList} */ (folder.files)))); } });
     const pick = (/** @type {HTMLInputElement} */ input) => () => { input.value = ""; input.click(); };
     fill(byId("languages"), Object.keys(languages).map((name) => element("button", {
-        class: "quiet", lang: name, "aria-pressed": name === language(), "aria-label": name === "de" ? "Deutsch" : "English",
+        class: "quiet", lang: name, "aria-pressed": name === language(),
         click: () => changeLanguage(/** @type {import("./texts.js").Language} */ (name)),
-    }, name.toUpperCase())));
+    }, name === "de" ? "Deutsch" : "English")));
     byId("languages").setAttribute("aria-label", text("language"));
     const promise = (/** @type {import("./texts.js").TextName} */ name, /** @type {import("./texts.js").TextName} */ more) =>
-        element("li", {}, element("h3", {}, text(name)), element("p", {}, text(more)));
+        element("li", {}, element("h2", {}, text(name)), element("p", {}, text(more)));
     fill(byId("start"),
         element("h1", {}, text("title")),
         element("p", { class: "intro" }, text("intro")),
@@ -479,7 +484,7 @@ function drawStart() {
             promise("promiseWhole", "promiseWholeMore"),
             promise("promiseFits", "promiseFitsMore")));
     fill(byId("working"), element("div", { class: "card working" },
-        element("h2", {}, text("working")),
+        element("h1", {}, text("working")),
         element("progress", { id: "bar", "aria-label": text("working"), max: 1, value: 0 }),
         element("p", { id: "done", class: "faint" }),
         element("button", { id: "cancel", click: cancel }, text("cancel"))));
