@@ -10,6 +10,7 @@
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/ICalReader.h"
 #include "calendar/formats/ICalWriter.h"
+#include "calendar/formats/MadeUids.h"
 #include "calendar/formats/VCalReader.h"
 #include "calendar/formats/VCalWriter.h"
 #include "calendar/lines/CalendarReader.h"
@@ -283,6 +284,7 @@ class Converter::File {
 
     void convertComponent() {
         Component& component = reader_.component();
+        std::string uid = uids_.uidOf(component);
         decodeParameters(component);
         if (component.name == "VTIMEZONE") {
             owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
@@ -297,6 +299,7 @@ class Converter::File {
         if (entry == nullptr) return;
         fileZone.settle(*entry, noteSink());
         countShifting(*entry);
+        entry->madeUid = std::move(uid);
         ++owner_.counts_.entries;
         owner_.counts_.alarms += entry->alarms.size();
         if (observer_ == nullptr) {
@@ -381,6 +384,7 @@ class Converter::File {
     FileZone entryZone_;          // of the last entry that had lines of its own
     std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
     std::size_t firstShifting_ = 0;
+    MadeUids uids_;
     // For the observer, since the last entry.
     std::vector<Note> notes_;
     std::uint64_t moreNotes_ = 0;

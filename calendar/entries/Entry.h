@@ -93,6 +93,7 @@ struct Entry {
     bool thisAndFuture = false;
 
     std::string uid;
+    std::string madeUid;  // for a format that demands one, when uid is empty
     std::vector<EntryRule> rules;
     std::vector<Moment> dates;     // RDATE
     std::vector<Moment> excluded;  // EXDATE

@@ -45,6 +45,7 @@ void ICalEntry::addLines() {
 
 std::string ICalEntry::uid() const {
     if (!entry_.uid.empty()) return entry_.uid;
+    if (!entry_.madeUid.empty()) return entry_.madeUid;
     return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
 }
 

@@ -1,0 +1,53 @@
+#include "calendar/formats/MadeUids.h"
+
+#include <algorithm>
+
+#include "calendar/base/Ascii.h"
+#include "calendar/text/Digest.h"
+
+namespace qel::calendar {
+
+namespace {
+
+void addBytes(std::string& bytes, const Component& component) {
+    bytes += component.name;
+    bytes += '\n';
+    for (const ContentLine& line : component.properties) {
+        if (line.id == PropertyName::DtStamp || line.id == PropertyName::Uid) continue;
+        bytes += line.name;
+        for (const Parameter& each : line.parameters) {
+            bytes += ';';
+            bytes += each.name;
+            bytes += '=';
+            bytes += each.value;
+        }
+        bytes += ':';
+        bytes += line.value;
+        bytes += '\n';
+    }
+    for (const Component& each : component.children) addBytes(bytes, each);
+}
+
+}  // namespace
+
+std::string MadeUids::uidOf(const Component& component) {
+    const bool given = std::any_of(
+        component.properties.begin(), component.properties.end(), [](const ContentLine& line) {
+            return line.id == PropertyName::Uid && !trimmed(line.value).empty();
+        });
+    if (given || component.name == "VTIMEZONE") return {};
+    std::string bytes;
+    addBytes(bytes, component);
+    const std::string digest = digestOf(bytes);
+    const auto found = seen_.find(digest);
+    std::string suffix;
+    if (found != seen_.end())
+        suffix = "-" + std::to_string(++found->second);
+    else if (seen_.size() < kMost)
+        seen_.emplace(digest, 1);
+    else
+        suffix = "-line" + std::to_string(component.number);
+    return digest + suffix + "@qelutil";
+}
+
+}  // namespace qel::calendar
