@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "calendar/api/Calls.h"
+#include "calendar/charsets/CharacterSet.h"
 #include "calendar/zones/WorldZones.h"
 
 namespace qel::calendar::api {
@@ -32,6 +33,14 @@ int chooseCountMeans(Choices& choices, std::string_view value) {
     return QELCAL_OK;
 }
 
+int chooseCharacterSet(Choices& choices, std::string_view value) {
+    if (!value.empty() && findCharacterSet(value) == nullptr)
+        return fail(QELCAL_UNKNOWN_NAME,
+                    "the character set \"" + std::string(value) + "\" is unknown");
+    choices.characterSet = value;
+    return QELCAL_OK;
+}
+
 int chooseDistinctUids(Choices& choices, std::string_view value) {
     if (!value.empty() && value != "yes" && value != "no") return refuse(value, "it is yes or no");
     choices.distinctUids = value == "yes";
@@ -47,8 +56,7 @@ int choose(Choices& choices, int choice, const char* value) {
             case QELCAL_CHOOSE_ZONE:
                 return chooseZone(choices, text);
             case QELCAL_CHOOSE_CHARSET:
-                choices.characterSet = text;
-                return int{QELCAL_OK};
+                return chooseCharacterSet(choices, text);
             case QELCAL_CHOOSE_COUNT_MEANS:
                 return chooseCountMeans(choices, text);
             case QELCAL_CHOOSE_DISTINCT_UIDS:

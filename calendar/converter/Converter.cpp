@@ -89,12 +89,18 @@ class Converter::File {
     File(Converter& owner, std::string name)
         : owner_(owner),
           name_(std::move(name)),
-          choices_(owner.choices_),
+          choices_(withGuess(owner.choices_, owner.guess_)),
           observer_(owner.observer_),
           wantsLines_(observer_ != nullptr && observer_->wantsLines()),
           reader_(noteSink()),
           vCalReader_(owner.zones_->known, choices_, noteSink()),
           iCalReader_(owner.zones_->known, choices_, noteSink()) {}
+
+    void reportGuess() {
+        if (owner_.guess_ && owner_.choices_.characterSet.empty())
+            report(Note(NoteCode::CharacterSetGuessed, owner_.guess_->line,
+                        {owner_.guess_->set, owner_.guess_->letters}));
+    }
 
     // REQUIRES: at most kPiece bytes, so that what is kept of them stays small.
     void write(std::string_view piece) {
@@ -118,6 +124,11 @@ class Converter::File {
     }
 
   private:
+    static Choices withGuess(Choices choices, const std::optional<GuessedSet>& guess) {
+        if (choices.characterSet.empty() && guess) choices.characterSet = guess->set;
+        return choices;
+    }
+
     [[nodiscard]] NoteSink noteSink() {
         return [this](Note note) { report(std::move(note)); };
     }
@@ -178,7 +189,7 @@ class Converter::File {
 
     void takeProperty() {
         ContentLine& line = reader_.property();
-        decodeParameters(line);
+        decodeParameters(line, choices_.characterSet);
         if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
             if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
                 report(Note(NoteCode::CalendarScaleUnknown, line.number,
@@ -221,7 +232,7 @@ class Converter::File {
             return;
         }
         std::vector<Note> notes;
-        std::string value = decodedValue(line, notes);
+        std::string value = decodedValue(line, choices_.characterSet, notes);
         const bool vcalendar = isVCalendar();
         if (!vcalendar) value = unescapeICalendar(value);
         std::string name(line.name);
@@ -285,7 +296,7 @@ class Converter::File {
     void convertComponent() {
         Component& component = reader_.component();
         std::string uid = uids_.uidOf(component);
-        decodeParameters(component);
+        decodeParameters(component, choices_.characterSet);
         if (component.name == "VTIMEZONE") {
             owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
             return;
@@ -391,10 +402,12 @@ class Converter::File {
     bool inEntry_ = false;  // one has been read and is converted
 };
 
-// A file that is read for its zones only.
+// A file that is read for its zones, and for the character set of texts that name none.
 class Converter::Scan {
   public:
-    explicit Scan(ZoneStore& zones) : zones_(zones) {}
+    explicit Scan(ZoneStore& zones) : zones_(zones) {
+        reader_.watchTexts([this](const ContentLine& line) { weigh(line); });
+    }
 
     void write(std::string_view piece) {
         reader_.write(piece);
@@ -406,20 +419,31 @@ class Converter::Scan {
         takeZones();
     }
 
+    [[nodiscard]] std::optional<GuessedSet> guess() const { return guess_.result(); }
+
   private:
+    void weigh(const ContentLine& line) {
+        if (const std::string text = unlabelledText(line); !text.empty())
+            guess_.add(text, line.number);
+    }
+
     void takeZones() {
         using Item = CalendarReader::Item;
         for (;;) {
             const Item item = reader_.next();
             if (item == Item::NeedMore || item == Item::End) return;
-            if (item != Item::Entry || reader_.component().name != "VTIMEZONE") continue;
-            decodeParameters(reader_.component());
+            if (item == Item::CalendarProperty) weigh(reader_.property());
+            if (item != Item::Entry) continue;
+            for (const ContentLine& line : reader_.component().properties) weigh(line);
+            if (reader_.component().name != "VTIMEZONE") continue;
+            decodeParameters(reader_.component(), "");
             zones_.add(zoneFromVTimezone(reader_.component(), silent_));
         }
     }
 
     ZoneStore& zones_;
     const NoteSink silent_ = [](const Note&) {};
+    CharsetGuess guess_;
     CalendarReader reader_{silent_, CalendarReader::Contents::OfZones};
 };
 
@@ -433,6 +457,7 @@ Converter::~Converter() = default;
 
 void Converter::beginFile(const std::string& name) {
     file_ = std::make_unique<File>(*this, name);
+    file_->reportGuess();
 }
 
 void Converter::write(std::string_view bytes) {
@@ -445,10 +470,12 @@ void Converter::endFile() {
     file_->end();
     file_.reset();
     zones_->clear();
+    guess_.reset();
 }
 
 void Converter::beginScan() {
     scan_ = std::make_unique<Scan>(*zones_);
+    guess_.reset();
 }
 
 void Converter::scan(std::string_view bytes) {
@@ -459,6 +486,7 @@ void Converter::scan(std::string_view bytes) {
 void Converter::endScan() {
     assert(scan_ != nullptr);
     scan_->end();
+    guess_ = scan_->guess();
     scan_.reset();
 }
 

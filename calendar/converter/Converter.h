@@ -13,6 +13,7 @@
 
 #include "calendar/base/Choices.h"
 #include "calendar/base/Notes.h"
+#include "calendar/charsets/Guess.h"
 #include "calendar/converter/ConversionObserver.h"
 
 namespace qel::calendar {
@@ -75,6 +76,7 @@ class Converter {
     std::optional<CalendarFormat> to_;
     NoteSink sink_;
     Choices choices_;
+    std::optional<GuessedSet> guess_;  // of the file that was scanned
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;

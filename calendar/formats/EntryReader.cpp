@@ -341,7 +341,7 @@ void EntryReader::takeUid(const ContentLine& line) {
 std::string_view EntryReader::text(const ContentLine& line) {
     if (isPlainText(line)) return line.value;
     std::vector<Note> notes;
-    const std::string value = decodedValue(line, notes);
+    const std::string value = decodedValue(line, choices_.characterSet, notes);
     for (Note& note : notes) report(std::move(note));
     return texts_.keep(value);
 }

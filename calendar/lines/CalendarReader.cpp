@@ -61,15 +61,29 @@ LineReader::Result CalendarReader::readLine() {
     for (;;) {
         const Result result = lines_.next();
         if (result != Result::Line) return result;
-        if (!passesOver(lines_.line()) && parseLine()) return Result::Line;
+        if (passesOver(lines_.line()))
+            showText();
+        else if (parseLine())
+            return Result::Line;
     }
+}
+
+FoldStyle CalendarReader::foldStyle() const {
+    return inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
+}
+
+void CalendarReader::showText() {
+    if (textSink_ == nullptr) return;
+    const RawLine& raw = lines_.line();
+    if (!lines_.isQuotedPrintable() && (isAscii_ || isAscii(raw.text))) return;
+    // The usual label, seen without taking the line apart.
+    if (raw.text.find("CHARSET=UTF-8") < raw.colon) return;
+    if (parseContentLine(lines_.line(), foldStyle(), line_)) textSink_(line_);
 }
 
 bool CalendarReader::parseLine() {
     RawLine& raw = lines_.line();
-    const FoldStyle style =
-        inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
-    if (!parseContentLine(raw, style, line_)) {
+    if (!parseContentLine(raw, foldStyle(), line_)) {
         if (inCalendar_)
             report(NoteCode::LineNotProperty, raw.number, {head(raw.text)});
         else if (outsideLines_++ == 0)

@@ -6,12 +6,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "calendar/base/Ascii.h"
 #include "calendar/base/Notes.h"
 #include "calendar/lines/ContentLine.h"
 #include "calendar/lines/LineReader.h"
@@ -43,9 +45,15 @@ class CalendarReader {
     explicit CalendarReader(NoteSink sink, Contents contents = Contents::All)
         : sink_(std::move(sink)), contents_(contents) {}
 
+    // With OfZones: `sink` is given the lines that may hold text beyond ASCII and are passed over.
+    void watchTexts(std::function<void(const ContentLine&)> sink) { textSink_ = std::move(sink); }
+
     // The next bytes of the file, any number of them. They are not copied: they must stay until
     // next() asks for more. REQUIRES: next() has asked for more, or nothing has been written yet.
-    void write(std::string_view bytes) { lines_.write(bytes); }
+    void write(std::string_view bytes) {
+        if (textSink_) isAscii_ = isAscii_ && isAscii(bytes);
+        lines_.write(bytes);
+    }
     // The file ends after what was written.
     void end() { lines_.end(); }
 
@@ -68,6 +76,8 @@ class CalendarReader {
     bool parseLine();
     void reportUntidy(const RawLine& raw);
     [[nodiscard]] bool passesOver(const RawLine& raw) const;
+    void showText();
+    [[nodiscard]] FoldStyle foldStyle() const;
     std::optional<Item> takeLine();
     std::optional<Item> takeOutside();
     std::optional<Item> takeInCalendar();
@@ -88,6 +98,8 @@ class CalendarReader {
     LineReader lines_;
     NoteSink sink_;
     Contents contents_;
+    std::function<void(const ContentLine&)> textSink_;
+    bool isAscii_ = true;  // all that was written, where a sink wants to know
     ContentLine line_;
     Component component_;
     Arena texts_;  // of component_

@@ -51,6 +51,11 @@ class LineReader {
     [[nodiscard]] RawLine& line() { return line_; }
     [[nodiscard]] const RawLine& line() const { return line_; }
 
+    // True when its value is quoted-printable.
+    [[nodiscard]] bool isQuotedPrintable() const {
+        return encoding_ == LineEncoding::QuotedPrintable;
+    }
+
     [[nodiscard]] std::uint64_t bytesWritten() const { return bytesWritten_; }
 
   private:

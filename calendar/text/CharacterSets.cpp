@@ -9,7 +9,7 @@ namespace qel::calendar {
 namespace {
 
 bool isAsciiSet(std::string_view set) {
-    return set.empty() || equalsIgnoreCase(set, "US-ASCII") || equalsIgnoreCase(set, "ASCII");
+    return equalsIgnoreCase(set, "US-ASCII") || equalsIgnoreCase(set, "ASCII");
 }
 
 bool isUtf8Set(std::string_view set) {
@@ -43,10 +43,17 @@ std::string fromNamedSet(std::string text, std::string_view name, std::vector<No
 
 }  // namespace
 
-std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& notes) {
+bool isUnlabelled(std::string_view set) {
+    return set.empty() || isAsciiSet(set);
+}
+
+std::string toUtf8(std::string text, std::string_view set, std::string_view unlabelled,
+                   std::vector<Note>& notes) {
     const bool saysUtf8 = isUtf8Set(set);
-    if (!isAsciiSet(set) && !saysUtf8) return fromNamedSet(std::move(text), set, notes);
-    if (isUtf8(text)) return text;
+    if (!isUnlabelled(set) && !saysUtf8) return fromNamedSet(std::move(text), set, notes);
+    // Sets that switch by escapes are ASCII to look at.
+    if (isUtf8(text) && (unlabelled.empty() || text.find('\x1b') == std::string::npos)) return text;
+    if (!saysUtf8 && !unlabelled.empty()) return fromNamedSet(std::move(text), unlabelled, notes);
     notes.emplace_back(saysUtf8 ? NoteCode::TextNotUtf8 : NoteCode::CharacterSetMissing);
     return fromWindows1252(text);
 }

@@ -12,9 +12,11 @@
 namespace qel::calendar {
 
 // The text in UTF-8. `set` is its character set's MIME name, "" when the input names none: then the
-// bytes are taken as UTF-8 if they are valid, otherwise as windows-1252. So are those in a set that
-// nobody here knows. `notes` receives what was guessed or invalid.
-[[nodiscard]] std::string toUtf8(std::string text, std::string_view set, std::vector<Note>& notes);
+// bytes are taken as UTF-8 if they are valid, otherwise as `unlabelled`, which may be "" for
+// windows-1252. That is also what bytes in a set that nobody here knows are taken as. `notes`
+// receives what was assumed or invalid; `unlabelled` is known to the person already.
+[[nodiscard]] std::string toUtf8(std::string text, std::string_view set,
+                                 std::string_view unlabelled, std::vector<Note>& notes);
 
 // The same without any guess: nothing when the set is unknown, and invalid bytes become U+FFFD.
 [[nodiscard]] std::optional<std::string> fromCharacterSet(std::string_view text,
@@ -25,6 +27,9 @@ namespace qel::calendar {
 // A text whose character set is not known: unchanged when it is valid UTF-8, otherwise read as
 // windows-1252.
 [[nodiscard]] std::string utf8OrWindows1252(std::string text);
+
+// True when toUtf8 takes text with this label as text that names no set.
+[[nodiscard]] bool isUnlabelled(std::string_view set);
 
 }  // namespace qel::calendar
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Text.h"
 #include "calendar/text/CharacterSets.h"
 #include "calendar/text/TextCodec.h"
 
@@ -38,13 +39,34 @@ bool isPlainText(const ContentLine& line) {
                });
 }
 
-std::string decodedValue(const ContentLine& line, std::vector<Note>& notes) {
+std::string unlabelledText(const ContentLine& line) {
+    if (isPlainText(line) || isBase64(line) || !isUnlabelled(trimmed(line.parameter("CHARSET"))))
+        return {};
+    std::string text = hasEncoding(line, "QUOTED-PRINTABLE") ? undoQuotedPrintable(line.value)
+                                                             : std::string(line.value);
+    return isUtf8(text) ? std::string() : text;
+}
+
+bool isBinary(const ContentLine& line, std::string_view unlabelled) {
+    if (!isBase64(line)) return false;
+    const auto bytes = undoBase64(line.value);
+    if (!bytes) return false;
+    const bool controls = std::any_of(bytes->begin(), bytes->end(), [](char c) {
+        return isBlank(c) && c != ' ' && c != '\t' && c != '\n' && c != '\r' && c != '\x1b';
+    });
+    return controls || (unlabelled.empty() && isUnlabelled(trimmed(line.parameter("CHARSET"))) &&
+                        !isUtf8(*bytes));
+}
+
+std::string decodedValue(const ContentLine& line, std::string_view unlabelled,
+                         std::vector<Note>& notes) {
     const std::size_t before = notes.size();
     const TransferEncoding encoding = hasEncoding(line, "QUOTED-PRINTABLE")
                                           ? TransferEncoding::QuotedPrintable
                                       : isBase64(line) ? TransferEncoding::Base64
                                                        : TransferEncoding::None;
-    std::string text = decodedText(line.value, encoding, trimmed(line.parameter("CHARSET")), notes);
+    std::string text =
+        decodedText(line.value, encoding, trimmed(line.parameter("CHARSET")), unlabelled, notes);
     for (std::size_t each = before; each < notes.size(); ++each) {
         notes[each].line = line.number;
         notes[each].property = line.name;
@@ -52,14 +74,18 @@ std::string decodedValue(const ContentLine& line, std::vector<Note>& notes) {
     return text;
 }
 
-void decodeParameters(ContentLine& line) {
-    for (Parameter& each : line.parameters)
-        if (!isAscii(each.value)) each.value = utf8OrWindows1252(std::move(each.value));
+void decodeParameters(ContentLine& line, std::string_view unlabelled) {
+    for (Parameter& each : line.parameters) {
+        if (isUtf8(each.value)) continue;
+        const std::string set(trimmed(line.parameter("CHARSET")));
+        std::vector<Note> ignored;
+        each.value = toUtf8(std::move(each.value), set, unlabelled, ignored);
+    }
 }
 
-void decodeParameters(Component& component) {
-    for (ContentLine& each : component.properties) decodeParameters(each);
-    for (Component& each : component.children) decodeParameters(each);
+void decodeParameters(Component& component, std::string_view unlabelled) {
+    for (ContentLine& each : component.properties) decodeParameters(each, unlabelled);
+    for (Component& each : component.children) decodeParameters(each, unlabelled);
 }
 
 }  // namespace qel::calendar

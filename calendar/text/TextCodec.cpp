@@ -43,13 +43,14 @@ std::string withoutEncoding(std::string_view bytes, TransferEncoding encoding,
 }  // namespace
 
 std::string decodedText(std::string_view bytes, TransferEncoding encoding, std::string_view set,
-                        std::vector<Note>& notes) {
-    return withoutControls(toUtf8(withoutEncoding(bytes, encoding, notes), set, notes), notes);
+                        std::string_view unlabelled, std::vector<Note>& notes) {
+    return withoutControls(toUtf8(withoutEncoding(bytes, encoding, notes), set, unlabelled, notes),
+                           notes);
 }
 
 std::string decodedText(std::string_view bytes) {
     std::vector<Note> ignored;
-    return decodedText(bytes, TransferEncoding::None, "", ignored);
+    return decodedText(bytes, TransferEncoding::None, "", "", ignored);
 }
 
 }  // namespace qel::calendar

@@ -16,7 +16,8 @@ namespace qel::calendar {
 // that should be Base64 but is not is used unchanged. `notes` receives what was guessed or invalid,
 // without a line number.
 [[nodiscard]] std::string decodedText(std::string_view bytes, TransferEncoding encoding,
-                                      std::string_view set, std::vector<Note>& notes);
+                                      std::string_view set, std::string_view unlabelled,
+                                      std::vector<Note>& notes);
 
 // The same for bytes without an encoding and a named set, when nobody needs the notes.
 [[nodiscard]] std::string decodedText(std::string_view bytes);

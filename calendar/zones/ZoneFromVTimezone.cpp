@@ -104,7 +104,7 @@ class VTimezoneBuilder {
         ZoneChange change{0, *toOffset, observance.name == "DAYLIGHT", ""};
         if (name != nullptr) {
             std::vector<Note> ignored;
-            change.name = unescapeICalendar(decodedValue(*name, ignored));
+            change.name = unescapeICalendar(decodedValue(*name, "", ignored));
         }
         ++observances_;
         // The offset before the earliest change.

@@ -404,7 +404,9 @@ typedef enum qelcal_choice {
      * IANA name ("Europe/Berlin"). By default they stay local and in UTC. */
     QELCAL_CHOOSE_ZONE = 1,
     /** The character set of text that names none: a name of the WHATWG Encoding Standard
-     * ("Shift_JIS"). By default text that is not UTF-8 is guessed, or read as windows-1252. */
+     * ("Shift_JIS"), QELCAL_UNKNOWN_NAME for any other. By default text that is not UTF-8 is
+     * read in the set that all such text of the file is like, if the file was scanned, else as
+     * windows-1252. */
     QELCAL_CHOOSE_CHARSET = 2,
     /** What the number after # means in a vCalendar 1.0 rule with several days in a period:
      * "dates", the default, or "periods". */

@@ -75,6 +75,10 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_BASE64_INVALID = 207,
     /**< The file says that this value is Base64, a code for binary data, but it is not. It may have
      * been cut off or changed on its way. */
+    QELCAL_NOTE_CHARACTER_SET_GUESSED = 240,
+    /**< The file does not say which character set its texts are in, and they are not UTF-8. All of
+     * them together are far more like a language in this set than in any other. */
+    /**< The file has data such as a picture in a property that should be a text. */
     QELCAL_NOTE_RULE_EMPTY = 301,
     /**< The entry has an empty line for a recurrence rule. It occurs once. */
     QELCAL_NOTE_RULE_IS_ICALENDAR = 302,

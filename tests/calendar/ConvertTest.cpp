@@ -68,6 +68,25 @@ TEST(Convert, CharacterSets) {
     }
 }
 
+TEST(Convert, TextsThatNameNoCharacterSet) {
+    for (Row& row : list("calendar/unlabelled-texts.txt")) {
+        SCOPED_TRACE(row["text"]);
+        Choices choices;
+        choices.characterSet = row["chosen"];
+        const std::string calendar =
+            vcalendarWith("UID:1\nDTSTART:20050601\nSUMMARY:" + row["bytes"] + "\n");
+        const Conversion result =
+            convertText(calendar, CalendarFormat::ICalendar, 4096, nullptr, choices);
+        EXPECT_TRUE(holds(result.out, "SUMMARY:" + row["text"])) << result.out;
+        const auto isGuess = [](const Note& note) {
+            return note.code == NoteCode::CharacterSetGuessed;
+        };
+        const auto guess = std::find_if(result.messages.begin(), result.messages.end(), isGuess);
+        EXPECT_EQ(guess == result.messages.end() ? "" : guess->values.at(0), row["guessed"]);
+        EXPECT_EQ(result.messages.empty(), !row["chosen"].empty());
+    }
+}
+
 TEST(Convert, LinesAreFoldedBetweenCharacters) {
     std::string text;
     for (int each = 0; each < 200; ++each) text += each % 3 == 0 ? "=C3=A9" : "=E2=82=AC";
