@@ -14,6 +14,7 @@
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
+#include "calendar/text/TransferEncodings.h"
 
 namespace qel::calendar {
 
@@ -326,8 +327,24 @@ void EntryReader::takeLine(const ContentLine& line) {
         case Name::PAlarm:
             return AlarmReader(*this).takeLine(line);
         default:
+            if (line.id != Name::Attach && isBinary(line, choices_.characterSet))
+                return takeBytes(line);
             return takeProperty(line);
     }
+}
+
+// Bytes in a property of text have no place there; elsewhere they stay what they are.
+void EntryReader::takeBytes(const ContentLine& line) {
+    const bool isText =
+        propertyOf(line.id).held == HeldAs::Property && line.id != PropertyName::Image;
+    const bool keepsName =
+        !isText && (ruleForm() == RuleForm::ICalendar || line.name.starts_with("X-"));
+    const std::string name = keepsName ? std::string(line.name) : carriedName(line);
+    if (isText) report(Note(NoteCode::TextIsBinary, line.number, {line.name, name}));
+    std::vector<Parameter> parameters = carriedParameters(line);
+    std::erase_if(parameters, [](const Parameter& each) { return each.name.ends_with("-VALUE"); });
+    add(line, name, EntryProperty::Type::Base64, cleanBase64(line.value).value_or(""),
+        std::move(parameters));
 }
 
 void EntryReader::takeUid(const ContentLine& line) {
@@ -548,7 +565,7 @@ void EntryReader::carry(const ContentLine& line, NoteCode why, std::string_view 
     carry(line);
 }
 
-void EntryReader::carry(const ContentLine& line) {
+std::vector<Parameter> EntryReader::carriedParameters(const ContentLine& line) const {
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
         if (each.name == "ENCODING" || each.name == "CHARSET") continue;
@@ -559,7 +576,11 @@ void EntryReader::carry(const ContentLine& line) {
         parameters.push_back(
             {own.starts_with("X-") ? own : std::string(carryPrefix()) + own, each.value});
     }
-    add(line, carriedName(line), EntryProperty::Type::Text, text(line), std::move(parameters));
+    return parameters;
+}
+
+void EntryReader::carry(const ContentLine& line) {
+    add(line, carriedName(line), EntryProperty::Type::Text, text(line), carriedParameters(line));
 }
 
 void EntryReader::add(const ContentLine& line, std::string_view name, EntryProperty::Type type,

@@ -98,6 +98,8 @@ class EntryReader {
     // A duration, tidy or not; `text` is of `line`.
     [[nodiscard]] std::optional<Duration> duration(const ContentLine& line, std::string_view text);
     void takeUid(const ContentLine& line);
+    void takeBytes(const ContentLine& line);
+    [[nodiscard]] std::vector<Parameter> carriedParameters(const ContentLine& line) const;
     void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
     void takeDateList(const ContentLine& line);
     [[nodiscard]] ZonePtr zoneNamed(const ContentLine& line, std::string_view id);

@@ -141,7 +141,14 @@ void VCalEntry::addProperty(const EntryProperty& property) {
     const bool isOwn = known.held == HeldAs::Property && known.isOf(Property::kVCalendar);
     // Without a value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
-    if (name.starts_with(kVCalendarPrefix)) {
+    if (property.type == EntryProperty::Type::Base64 && id != PropertyName::Attach) {
+        if (name.starts_with(kVCalendarPrefix))
+            addBytes(std::string_view(name).substr(kVCalendarPrefix.size()), property);
+        else if (isOwn || name.starts_with("X-"))
+            addBytes(name, property);
+        else
+            addBytes(std::string(kICalendarPrefix) + name, property);
+    } else if (name.starts_with(kVCalendarPrefix)) {
         const std::string own = name.substr(kVCalendarPrefix.size());
         // Texts of vCalendar 1.0 come back as they were.
         line(own, parametersToVCalendar(property.parameters), property.value());
@@ -246,15 +253,17 @@ void VCalEntry::addWord(std::string_view name, std::string_view word, const Para
         parameters.push_back({std::string(name), std::string(word)});
 }
 
-void VCalEntry::addAttachment(const EntryProperty& property) {
+void VCalEntry::addBytes(std::string_view name, const EntryProperty& property) {
     std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
-    if (property.type == EntryProperty::Type::Base64) {
-        parameters.push_back({"VALUE", "INLINE"});
-        parameters.push_back({"ENCODING", "BASE64"});
-        lines_ += vCalendarBase64("ATTACH", parameters, property.value());
-        lines_ += "\r\n";
-        return;
-    }
+    parameters.push_back({"VALUE", "INLINE"});
+    parameters.push_back({"ENCODING", "BASE64"});
+    lines_ += vCalendarBase64(name, parameters, property.value());
+    lines_ += "\r\n";
+}
+
+void VCalEntry::addAttachment(const EntryProperty& property) {
+    if (property.type == EntryProperty::Type::Base64) return addBytes("ATTACH", property);
+    std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
     const std::string& value = property.value();
     const bool hasValue = !parameterOf(parameters, "VALUE").empty();
     if (startsWithIgnoreCase(value, "cid:")) {

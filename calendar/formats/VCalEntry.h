@@ -52,6 +52,7 @@ class VCalEntry {
     void addAttendee(const EntryProperty& property);
     static void addWord(std::string_view name, std::string_view word, const Parameter& parameter,
                         std::vector<Parameter>& parameters);
+    void addBytes(std::string_view name, const EntryProperty& property);
     void addAttachment(const EntryProperty& property);
     void addAlarms();
 

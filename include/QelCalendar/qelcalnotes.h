@@ -78,6 +78,7 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_CHARACTER_SET_GUESSED = 240,
     /**< The file does not say which character set its texts are in, and they are not UTF-8. All of
      * them together are far more like a language in this set than in any other. */
+    QELCAL_NOTE_TEXT_IS_BINARY = 241,
     /**< The file has data such as a picture in a property that should be a text. */
     QELCAL_NOTE_RULE_EMPTY = 301,
     /**< The entry has an empty line for a recurrence rule. It occurs once. */
