@@ -48,8 +48,12 @@ void FileZone::settle(Entry& entry, const NoteSink& sink) {
     if (!isLocal(entry.start) && !isLocal(entry.end) && !isLocal(entry.due)) return;
     const bool lines = zone_->parts().daylight.has_value();
     if (!lines && !naming_->hasWish()) return;
-    const Years years = yearsOf(entry, kLastYear);
-    const ZonePtr& named = naming_->zoneFor(years.first, years.last);
+    ZonePtr named = naming_->zoneFrom(firstYearOf(entry));
+    Years years{};
+    if (named == nullptr) {
+        years = yearsOf(entry, kLastYear);
+        named = naming_->zoneFor(years.first, years.last);
+    }
     if (named == zone_) {
         if (chosen_ != nullptr && !std::exchange(chosenReported_, true))
             sink(Note(NoteCode::ChosenZoneDiffers, line_, {chosen_->id()}));

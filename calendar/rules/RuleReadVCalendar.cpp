@@ -280,20 +280,20 @@ class RuleParser {
         Rule rule = rule_;
         rule.until = end_.until;
         if (rule.frequency == Frequency::Weekly) rule.weekStart = 1;
-        RuleLimits limits{std::numeric_limits<std::size_t>::max(), start_->year + kYearsCounted,
-                          number};
+        const RuleLimits limits{std::numeric_limits<std::size_t>::max(),
+                                start_->year + kYearsCounted, number};
+        // As many dates as that are the first of them.
         const std::vector<int> ofPeriods = expandRule(rule, *start_, limits);
-        limits = {number, limits.lastYear};
-        const std::vector<int> dates = expandRule(rule, *start_, limits);
-        if (dates == ofPeriods) return;
+        if (ofPeriods.size() <= number) return;
+        const int lastOfDates = ofPeriods[number - 1];
         const auto text = [](int day) { return formatMoment({day, 0, true, Clock::Floating}); };
         static constexpr std::string_view kPeriods[] = {"days", "weeks", "months", "years"};
         std::string periods;
         if (rule.interval > 1) periods = "times " + std::to_string(rule.interval) + " ";
         periods += kPeriods[static_cast<std::size_t>(rule.frequency)];
         const bool asDates = countMeans == CountMeans::Dates;
-        const int taken = asDates ? dates.back() : ofPeriods.back();
-        const int other = asDates ? ofPeriods.back() : dates.back();
+        const int taken = asDates ? lastOfDates : ofPeriods.back();
+        const int other = asDates ? ofPeriods.back() : lastOfDates;
         reading_.notes.push_back(
             Note(asDates ? NoteCode::RuleCountOfDates : NoteCode::RuleCountOfPeriods, 0,
                  {std::to_string(number), text(taken), periods, text(other)}));

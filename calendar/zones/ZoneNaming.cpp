@@ -12,16 +12,33 @@ namespace {
 
 // Most of those that agree with the lines are the same in all years.
 constexpr std::size_t kMostCandidates = 8;
+constexpr int kFirstYear = 1900;
+// As far as zones are known that are made of lines.
+constexpr int kLastYear = 2099;
 
 }  // namespace
 
 ZoneNaming::ZoneNaming(ZonePtr made, ZonePtr wanted, WorldZones& world)
     : made_(std::move(made)), wanted_(std::move(wanted)) {
     if (!made_->parts().daylight) return;
-    if (wanted_ == nullptr)
-        findCandidates(world);
-    else
+    if (wanted_ != nullptr) {
         alwaysWanted_ = agreesWithLines(*wanted_);
+        return;
+    }
+    findCandidates(world);
+    if (candidates_.empty()) return;
+    const auto agreesFrom = [this](int year) {
+        return agree(*made_, *candidates_.front(), yearBegin(year), yearBegin(kLastYear + 1));
+    };
+    for (int low = kFirstYear, high = kLastYear; low <= high && agreesFrom(high);) {
+        const int middle = low + (high - low) / 2;
+        if (!agreesFrom(middle)) {
+            low = middle + 1;
+            continue;
+        }
+        firstSteadyYear_ = middle;
+        high = middle - 1;
+    }
 }
 
 // A day before and after the lines too, where they are not cut off at the end of a year.

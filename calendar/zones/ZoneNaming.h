@@ -23,8 +23,14 @@ class ZoneNaming {
     // nothing is wanted, the first of the zones that Windows has whose clocks agree with the lines
     // and in those years; TZ alone means no place. Else the one that was made.
     [[nodiscard]] const ZonePtr& zoneFor(int first, int last) const;
+    // The same for an entry from `first` on without regard to its end; null where that matters.
+    [[nodiscard]] ZonePtr zoneFrom(int first) const {
+        return first >= firstSteadyYear_ ? candidates_.front() : nullptr;
+    }
 
   private:
+    static constexpr int kNever = 10000;
+
     void findCandidates(WorldZones& world);
     [[nodiscard]] bool agreesWithLines(const Zone& zone) const;
 
@@ -32,6 +38,8 @@ class ZoneNaming {
     ZonePtr wanted_;
     bool alwaysWanted_ = false;
     std::vector<ZonePtr> candidates_;
+    // From then on the first candidate agrees in all years.
+    int firstSteadyYear_ = kNever;
 };
 
 }  // namespace qel::calendar

@@ -10,11 +10,11 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string calendar(const std::string& lines) {
-    return "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nDTSTART:20050615T083000Z\r\n" +
-           lines + "END:VEVENT\r\nEND:VCALENDAR\r\n";
+    return "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nBEGIN:VEVENT\r\nDTSTART:20050615T083000\r\n" + lines +
+           "END:VEVENT\r\nEND:VCALENDAR\r\n";
 }
 
-const std::string kGood = calendar("SUMMARY:Good\r\nRRULE:W2 MO WE FR #10\r\n");
+const std::string kGood = calendar("SUMMARY:Good\r\nRRULE:W2 WE #10\r\n");
 const std::string kLossy = calendar("SUMMARY:Lossy\r\nPRIORITY:1\r\nno property\r\n");
 
 class ConvertFolders : public QelutilTest {
@@ -180,16 +180,16 @@ TEST_F(ConvertFolders, WithoutAnEntryNothingIsWritten) {
 TEST_F(ConvertFolders, TheReportShowsEveryEntryAndRunsNothing) {
     put("phone/odd.vcs",
         calendar("SUMMARY:<script>alert('1')</script>&\r\nRNUM:3\r\nno <property>\r\n"
-                 "EXDATE:20050617T083000Z\r\nRRULE:D1 #5\r\n"));
+                 "EXDATE:20050617T083000\r\nRRULE:D1 #5\r\n"));
     const std::string page = state_.file("report.html");
     const ProcessResult result = run({"convert", phone_, "-d", out_, "--report", page});
     EXPECT_EQ(result.exitCode, 1);
     const std::string text = read("report.html");
     for (const char* says :
          {"&lt;script&gt;alert(&#39;1&#39;)&lt;/script&gt;&amp;", "every day, 5 times",
-          "every 2 weeks on Monday, Wednesday and Friday, 10 times", "<code>W2 MO WE FR #10</code>",
-          "June 2005", "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>",
-          "X-VCAL-RNUM", "no &lt;property&gt;", "is not a property", "not all carried over",
+          "every 2 weeks on Wednesday, 10 times", "<code>W2 WE #10</code>", "June 2005",
+          "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>", "X-VCAL-RNUM",
+          "no &lt;property&gt;", "is not a property", "not all carried over",
           "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n"})
         EXPECT_TRUE(contains(text, says));
     for (const char* never : {"<script", "http:", "https:", "src=", "url("})
