@@ -183,6 +183,7 @@ class Converter::File {
         texts_.clear();
         header_.clear();
         settled_ = false;
+        begun_ = false;
         zoneName_.clear();
         zone_ = {};
     }
@@ -201,6 +202,8 @@ class Converter::File {
         if (settled_ && (isTz || isDaylight))
             report(Note(NoteCode::ZoneLineLate, line.number, {line.name}));
         if (isTz) {
+            if (tz_ && !settled_ && trimmed(tz_->value) != trimmed(line.value))
+                report(Note(NoteCode::ZoneLineReplaced, tz_->number, {tz_->value}));
             line.moveTo(texts_);
             tz_ = std::move(line);
             settled_ = false;
@@ -219,7 +222,7 @@ class Converter::File {
     }
 
     void takeHeader(const ContentLine& line) {
-        if (settled_) {
+        if (begun_) {
             report(Note(NoteCode::CalendarPropertyLate, line.number,
                         {line.name.substr(0, kLongestName)}));
             return;
@@ -255,6 +258,7 @@ class Converter::File {
     void settle(const Component* first = nullptr) {
         if (settled_) return;
         settled_ = true;
+        begun_ = true;
         if (first != nullptr) {
             iCalendarUnsaid_ = reader_.version().empty() && looksLikeICalendar(*first);
             if (iCalendarUnsaid_) report(Note(NoteCode::VersionMissing, first->number));
@@ -337,13 +341,21 @@ class Converter::File {
         const ContentLine* tz = nullptr;
         std::vector<ContentLine> daylight;
         for (const ContentLine& line : component.properties) {
-            if (line.id == PropertyName::Tz && tz == nullptr) tz = &line;
+            if (line.id == PropertyName::Tz && tz == nullptr)
+                tz = &line;
+            else if (line.id == PropertyName::Tz && trimmed(tz->value) != trimmed(line.value))
+                report(Note(NoteCode::ZoneLineReplaced, line.number, {line.value}));
             if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader)
                 daylight.push_back(line);
         }
         if (tz == nullptr && daylight.empty()) return zone_;
         if (tz == nullptr && tz_) tz = &*tz_;
-        if (tz == nullptr) return zone_;
+        if (tz == nullptr) {
+            for (const ContentLine& line : daylight)
+                if (!startsWithIgnoreCase(trimmed(line.value), "FALSE"))
+                    report(Note(NoteCode::DaylightWithoutZone, line.number));
+            return zone_;
+        }
         ZonePtr made = zoneFromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
         // Mostly all entries of a file have the same lines.
         if (made == nullptr || entryZone_.zone() == nullptr ||
@@ -362,16 +374,13 @@ class Converter::File {
     }
 
     void endCalendar() {
-        if (!settled_) {
-            settle();
-            report(Note(NoteCode::CalendarEmpty));
-        }
+        const bool empty = !begun_;
+        settle();
+        if (empty) report(Note(NoteCode::CalendarEmpty));
         if (!tz_ && !daylight_.empty()) {
             for (const ContentLine& line : daylight_)
-                if (startsWithIgnoreCase(trimmed(line.value), "TRUE")) {
+                if (!startsWithIgnoreCase(trimmed(line.value), "FALSE"))
                     report(Note(NoteCode::DaylightWithoutZone, line.number));
-                    break;
-                }
         }
     }
 
@@ -388,12 +397,13 @@ class Converter::File {
     std::optional<ContentLine> tz_;
     std::vector<ContentLine> daylight_;
     std::vector<EntryProperty> header_;
-    bool settled_ = false;
+    bool settled_ = false;          // what is known of the zone is used
+    bool begun_ = false;            // an entry came, or the end
     bool iCalendarUnsaid_ = false;  // without VERSION, but its first entry shows it
-    std::string zoneName_;        // that goes with TZ
-    FileZone zone_;               // of tz_ and daylight_
-    FileZone entryZone_;          // of the last entry that had lines of its own
-    std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
+    std::string zoneName_;          // that goes with TZ
+    FileZone zone_;                 // of tz_ and daylight_
+    FileZone entryZone_;            // of the last entry that had lines of its own
+    std::uint64_t shifting_ = 0;    // series in UTC, in a file without a zone
     std::size_t firstShifting_ = 0;
     MadeUids uids_;
     // For the observer, since the last entry.

@@ -19,10 +19,15 @@ void AlarmReader::takeComponent(const Component& component) {
     alarm_.line = component.number;
     alarm_.hasText = false;
     hasTrigger_ = false;
+    hasAction_ = false;
     usable_ = true;
     // What the other properties are for depends on it.
     for (const ContentLine& line : component.properties)
-        if (line.id == PropertyName::Action) takeAction(line);
+        if (line.id == PropertyName::Action) {
+            takeAction(line);
+            hasAction_ = true;
+            break;
+        }
     for (const ContentLine& line : component.properties) takeProperty(line);
     for (const Component& child : component.children)
         reader_.report(Note(NoteCode::EntryPartUnknown, child.number, {child.name}));
@@ -40,7 +45,8 @@ void AlarmReader::takeProperty(const ContentLine& line) {
     using Name = PropertyName;
     switch (line.id) {
         case Name::Action:
-            return;
+            if (std::exchange(hasAction_, false)) return;
+            return takeOther(line, EntryProperty::Type::Text);
         case Name::Trigger:
             return takeTrigger(line);
         case Name::Duration:

@@ -36,6 +36,7 @@ class AlarmReader {
     EntryReader& reader_;
     Alarm alarm_;
     bool hasTrigger_ = false;
+    bool hasAction_ = false;  // the one that counts comes yet
     bool usable_ = true;
 };
 

@@ -291,6 +291,9 @@ ZonePtr zoneFromVCalendar(const ContentLine& tz, const std::vector<ContentLine>&
     if (!standard) {
         if (!trimmed(tz.value).empty())
             sink(Note(NoteCode::UtcOffsetInvalid, tz.number, {tz.value}));
+        for (const ContentLine& line : daylight)
+            if (!startsWithIgnoreCase(trimmed(line.value), "FALSE"))
+                sink(Note(NoteCode::DaylightWithoutZone, line.number));
         return nullptr;
     }
     ZoneBuilder builder(*standard, sink);

@@ -386,6 +386,9 @@ typedef enum qelcal_note_code {
     /**< The calendar has no event, to-do or note. */
     QELCAL_NOTE_DAYLIGHT_WITHOUT_ZONE = 805,
     /**< The file describes daylight saving time, but not the time zone that it changes. */
+    QELCAL_NOTE_ZONE_LINE_REPLACED = 806,
+    /**< The file or the entry has two different TZ lines. A file's last one counts, and an entry's
+     * first one. */
 } qelcal_note_code;
 
 /* clang-format on */
