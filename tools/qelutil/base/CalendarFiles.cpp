@@ -130,6 +130,7 @@ class Collector {
         // Depth needs no bound of its own: links are not followed, and the system bounds a path.
         std::vector<std::string> waiting{""};
         std::vector<std::string> found;  // below the root
+        const std::size_t others = all_.others.size();
         bool readable = true;
         while (!waiting.empty()) {
             const std::string folder = std::move(waiting.back());
@@ -137,6 +138,10 @@ class Collector {
             readable &= look(root, folder, waiting, found);
         }
         std::sort(found.begin(), found.end());
+        // The system lists folders in any order.
+        std::sort(
+            all_.others.begin() + static_cast<std::ptrdiff_t>(others), all_.others.end(),
+            [](const OtherFile& one, const OtherFile& other) { return one.name < other.name; });
         for (const std::string& below : found) {
             const std::string name = inFolder(root, below);
             const fs::path path = pathOf(name);
@@ -164,7 +169,6 @@ class Collector {
         const std::string folderName = inFolder(root, folder);
         std::error_code failure;
         fs::directory_iterator each(pathOf(folderName), failure);
-        const std::size_t others = all_.others.size();
         for (; !failure && each != fs::directory_iterator(); each.increment(failure)) {
             const std::string name = nameOf(each->path().filename());
             const std::string below = folder.empty() ? name : folder + "/" + name;
@@ -183,10 +187,6 @@ class Collector {
                 all_.others.push_back({whole, kindOf(each->path())});
             }
         }
-        // The system lists a folder in any order.
-        std::sort(
-            all_.others.begin() + static_cast<std::ptrdiff_t>(others), all_.others.end(),
-            [](const OtherFile& one, const OtherFile& other) { return one.name < other.name; });
         if (!failure) return true;
         context_.error(folderName + ": this folder cannot be read: " + failure.message());
         return false;
