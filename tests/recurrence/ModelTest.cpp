@@ -235,10 +235,13 @@ class Comparison {
         repeat.endDate = found_[found_.size() - 2];
         // In a year every type lists all that it is asked for.
         const int to = std::min(found_.back(), repeat.startDate + 365);
+        // The record is packed, so its fields have no references.
+        const int endDate = repeat.endDate;
+        const int last = std::min(to, endDate);
         std::vector<int> expected;
         int expectedValid = 0;
         for (const int date : found_) {
-            if (date < repeat.startDate || date > std::min(to, repeat.endDate)) continue;
+            if (date < repeat.startDate || date > last) continue;
             const bool excluded =
                 std::count(std::begin(exclusions), std::end(exclusions), date) != 0;
             expected.push_back(excluded ? -date : date);
