@@ -49,8 +49,8 @@ struct EntryDays {
 // when it does not end after its start. REQUIRES: start.
 [[nodiscard]] std::optional<Moment> lastMoment(const Entry& entry);
 
-// The years of an entry's dates. The last one of a series without an end is `endless`; of a long one
-// it may be earlier than the true one. 2000 for an entry without any date.
+// The years of an entry's dates. The last one of a series without an end is `endless`; of a long
+// one it may be earlier than the true one. 2000 for an entry without any date.
 struct Years {
     int first;
     int last;

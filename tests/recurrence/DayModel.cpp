@@ -167,8 +167,8 @@ bool isOccurrence(const ZQTR_REPEAT& repeat, int code, int base, bool first) {
 }
 
 // Type 15 counts its months from the one that it is in; from December it goes to a month of the
-// year after next. The first day past 2080 is an occurrence whatever it is; the first of a month that is
-// reached over others is still looked at there, and the day after it is the occurrence.
+// year after next. The first day past 2080 is an occurrence whatever it is; the first of a month
+// that is reached over others is still looked at there, and the day after it is the occurrence.
 int nextOfWeeksMonthly(const ZQTR_REPEAT& repeat, int code, int monthIndex) {
     bool leftOut = false;
     for (; code < static_cast<int>(days().size()); ++code) {
