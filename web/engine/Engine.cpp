@@ -17,11 +17,10 @@ namespace {
 
 // Dates of one series, and of all together, that the month view is given.
 constexpr std::size_t kMostDates = 10000;
-constexpr std::size_t kMostDatesOfAll = 4000000;
+constexpr std::size_t kMostDatesOfAll = 1000000;
 constexpr std::size_t kFewDates = 60;
 // Days of 24 hours, in seconds.
 constexpr std::int64_t kDay = 86400;
-constexpr std::size_t kNextDates = 6;
 // Bytes of a description that a search looks at.
 constexpr std::size_t kSearched = 400;
 
@@ -47,7 +46,6 @@ int append(void* stream, const char* bytes, std::size_t size) {
 struct Conversion {
     qelcal_converter* converter = nullptr;
     qelcal_report* report = nullptr;
-    qelcal_time today{};
     qelcal_time horizon{};
     std::size_t dates = 0;
     std::size_t entries = 0;
@@ -201,29 +199,13 @@ void writeRule(Json& json, const qelcal_rules* rules, std::size_t rule) {
     json.endObject();
 }
 
-int addTime(void* context, const qelcal_time* time) {
-    char text[QELCAL_TIME_SIZE];
-    if (qelcal_time_write(time, text) == QELCAL_OK) static_cast<Json*>(context)->value(text);
-    return 0;
-}
-
-void writeSeries(Json& json, const qelcal_entry* entry, const qelcal_time& today) {
+void writeRules(Json& json, const qelcal_entry* entry) {
     json.key("rules");
     json.beginArray();
     for (std::size_t i = 0; i < qelcal_entry_rule_count(entry); ++i)
         if (qelcal_entry_rule_excludes(entry, i) == 0)
             for (std::size_t k = 0; k < qelcal_rules_count(qelcal_entry_rules(entry, i)); ++k)
                 writeRule(json, qelcal_entry_rules(entry, i), k);
-    json.endArray();
-    if (!recurs(entry)) return;
-    json.field("without", qelcal_entry_date_count(entry, 1));
-    json.key("first");
-    json.beginArray();
-    qelcal_entry_occurrences(entry, nullptr, nullptr, kNextDates, addTime, &json);
-    json.endArray();
-    json.key("next");
-    json.beginArray();
-    qelcal_entry_occurrences(entry, &today, nullptr, kNextDates, addTime, &json);
     json.endArray();
 }
 
@@ -245,7 +227,7 @@ void writeAlarms(Json& json, const qelcal_entry* entry) {
     json.endArray();
 }
 
-void describe(const Conversion& conversion, const qelcal_converted& converted) {
+void describe(const qelcal_converted& converted) {
     Json json(buffers[kDetails]);
     const qelcal_entry* const entry = converted.entry;
     json.beginObject();
@@ -254,7 +236,7 @@ void describe(const Conversion& conversion, const qelcal_converted& converted) {
     json.field("allDay", qelcal_entry_all_day(entry));
     writeTimes(json, entry);
     writeProperties(json, entry);
-    writeSeries(json, entry, conversion.today);
+    writeRules(json, entry);
     writeAlarms(json, entry);
     json.key("notes");
     json.beginArray();
@@ -272,7 +254,7 @@ int entryComes(void* context, const qelcal_converted* converted) {
     auto& conversion = *static_cast<Conversion*>(context);
     ++conversion.entries;
     summarise(conversion, converted->entry);
-    describe(conversion, *converted);
+    describe(*converted);
     return 0;
 }
 
@@ -326,13 +308,11 @@ QEL_ENGINE(engine_drop) void drop(int stream) {
         buffers[stream].clear();
 }
 
-// A conversion to `target`, a qelcal_format. `today` and `horizon` are dates: next dates come after
-// the one, the month view ends at the other. `more`: 1 for entries and the report, 0 for the
-// calendar alone. Null when memory is exhausted.
+// A conversion to `target`, a qelcal_format. `horizon` is the date that the dates of series end at.
+// `more`: 1 for entries and the report, 0 for the calendar alone.
 QEL_ENGINE(engine_begin)
-Conversion* begin(int target, const char* today, const char* horizon, int more) {
+Conversion* begin(int target, const char* horizon, int more) {
     auto* conversion = new Conversion;
-    qelcal_time_read(today, &conversion->today);
     qelcal_time_read(horizon, &conversion->horizon);
     conversion->converter = qelcal_converter_new(target, append, &buffers[kOutput]);
     qelcal_converter_on_note(conversion->converter, noteComes, conversion);

@@ -89,8 +89,12 @@ export function writtenTime(written) {
     const start = dayNumber(Number(year), Number(month) - 1, Number(day));
     if (hour === undefined) return mediumDay(start);
     const at = shownMinute(start * minutesOfDay + Number(hour) * 60 + Number(minute), utc ? 1 : 0, 0);
-    return `${mediumDay(dayOf(at))}, ${timeOfDay(at)}`;
+    return dayAndTime(at, 0);
 }
+
+/** @param {number} minute @param {number | undefined} allDay */
+export const dayAndTime = (minute, allDay) =>
+    allDay ? mediumDay(dayOf(minute)) : `${mediumDay(dayOf(minute))}, ${timeOfDay(minute)}`;
 
 /** A length in words. @param {number} minutes */
 export function lengthInWords(minutes) {

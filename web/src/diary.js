@@ -161,6 +161,21 @@ export class Diary {
         return this.order.filter((index) => wanted.every((word) => searched[index].includes(word)) && fits(index));
     }
 
+    /**
+     * The first dates of a series from a day on; at most so many.
+     * @param {number} index
+     * @param {number} from
+     * @param {number} most
+     */
+    starts(index, from, most) {
+        /** @type {number[]} */
+        const found = [];
+        this.eachStart(index, from, Number.MAX_SAFE_INTEGER / minutesOfDay - 1, (at) => {
+            if (found.length < most) found.push(at);
+        });
+        return found;
+    }
+
     /** @param {number} index @returns {Promise<import("./engine.js").Details>} */
     async details(index) {
         const { blobs, blob, start, size } = this.converted.details;

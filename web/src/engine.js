@@ -156,13 +156,13 @@ export class Engine {
 export class Conversion {
     /**
      * @param {Engine} engine
-     * @param {{target?: number, choices?: Choices, today?: string, horizon?: string, more?: boolean}} options
+     * @param {{target?: number, choices?: Choices, horizon?: string, more?: boolean}} options
      */
-    constructor(engine, { target = format.other, choices = {}, today = "", horizon = "", more = false } = {}) {
+    constructor(engine, { target = format.other, choices = {}, horizon = "", more = false } = {}) {
         this.engine = engine;
         for (const each of Object.values(stream)) engine.call("engine_drop", each);
-        this.handle = engine.withTexts([today, horizon], (a, b) =>
-            engine.call("engine_begin", target, a, b, more ? 1 : 0),
+        this.handle = engine.withTexts([horizon], (text) =>
+            engine.call("engine_begin", target, text, more ? 1 : 0),
         );
         for (const name of /** @type {(keyof Choices)[]} */ (Object.keys(choices))) {
             const number = choiceNumber[name];
@@ -258,9 +258,6 @@ export class Conversion {
  * @property {string} [zone]
  * @property {{name: string, values: string[]}[]} properties
  * @property {Rule[]} rules
- * @property {number} [without] dates that are taken out
- * @property {string[]} [first]
- * @property {string[]} [next]
  * @property {{time?: string, minutes?: number, fromEnd: number, text: string}[]} alarms
  * @property {Note[]} notes
  * @property {string} source

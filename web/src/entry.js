@@ -3,6 +3,9 @@ import * as dates from "./dates.js";
 import { byId, element, fill } from "./dom.js";
 import { text } from "./texts.js";
 
+/** Dates of a series that an entry shows. */
+const someDates = 6;
+
 /**
  * @typedef {import("./diary.js").Diary} Diary
  * @typedef {import("./engine.js").Details} Details
@@ -91,7 +94,8 @@ function side(name, lines, cut, where) {
 function facts(diary, index, details) {
     const entry = diary.entries[index];
     const property = (/** @type {string} */ name) => details.properties.find((each) => each.name === name)?.values.join(", ");
-    const upcoming = details.next?.length ? details.next : details.first;
+    const upcoming = entry.dates === undefined ? [] : diary.starts(index, dates.today(), someDates);
+    const shown = upcoming.length > 0 || entry.dates === undefined ? upcoming : diary.starts(index, 0, someDates);
     /** @type {[string, import("./dom.js").Child][]} */
     const rows = [
         [text("when"), whenText(entry, details)],
@@ -100,8 +104,8 @@ function facts(diary, index, details) {
         // The library's sentence is English.
         [text("repeats"), details.rules.map((rule) => element("div", { lang: "en" }, rule.words))],
         [
-            details.next?.length ? text("nextDates") : text("firstDates"),
-            upcoming !== undefined && upcoming.length > 0 && element("ul", { class: "dates" }, upcoming.map((each) => element("li", {}, dates.writtenTime(each)))),
+            upcoming.length > 0 ? text("nextDates") : text("firstDates"),
+            shown.length > 0 && element("ul", { class: "dates" }, shown.map((at) => element("li", {}, dates.dayAndTime(at, entry.day)))),
         ],
         [text("place"), property("LOCATION") && element("span", { dir: "auto" }, property("LOCATION") ?? "")],
         [text("about"), property("DESCRIPTION") && element("p", { class: "about", dir: "auto" }, property("DESCRIPTION") ?? "")],

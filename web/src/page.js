@@ -1,5 +1,5 @@
 /** The page: what is shown when, and what its buttons do. */
-import { compact, monthAndYear, sizeInWords, today } from "./dates.js";
+import { monthAndYear, sizeInWords, today } from "./dates.js";
 import { Diary, horizonOf, inPieces } from "./diary.js";
 import { byId, element, fill, saveAs } from "./dom.js";
 import { format } from "./engine.js";
@@ -35,6 +35,7 @@ let worker;
 /** @type {Map<number, {resolve: (result: any) => void, reject: (problem: Error) => void, progress?: (done: number) => void}>} */
 const waiting = new Map();
 let lastId = 0;
+let conversions = 0;
 
 function startWorker() {
     const source = /** @type {any} */ (globalThis).qelWorkerSource;
@@ -111,11 +112,14 @@ async function openFiles(given) {
  * @param {Uint8Array} [unclear]
  */
 async function convert(files, refused, choices, target, unclear) {
+    const mine = ++conversions;
     const total = files.reduce((sum, { data }) => sum + data.size, 0);
     showWorking(0, total);
-    const job = { files, target, choices, today: compact(today()), horizon: horizonOf(today()), output: "" };
+    const job = { files, target, choices, horizon: horizonOf(today()), output: "" };
     /** @type {import("./worker.js").Converted} */
     const converted = await ask({ task: "convert", job }, (done) => showWorking(done, total));
+    // Other files were given in the meantime.
+    if (mine !== conversions) return;
     const empty = files.filter((_, i) => converted.entriesOfFile[i] === 0);
     const all = [...refused, ...empty.map(({ name }) => ({ name: /** @type {const} */ ("noEntries"), file: name }))];
     if (converted.entries.length === 0) return showProblem(all);
@@ -209,9 +213,7 @@ function showOpened(refused) {
     fill(
         byId("opened"),
         element("section", { class: "summary card", "aria-labelledby": "found" },
-            element("div", { class: "found" },
-                title,
-                element("button", { class: "quiet", click: startAgain }, text("startAgain"))),
+            title,
             element("p", { class: "verdict" }, verdict(diary)),
             notesList(diary),
             diary.summary.seriesCut > 0 && element("p", { class: "faint" }, text("seriesCut", diary.summary.seriesCut)),
@@ -298,7 +300,8 @@ function takeAlong() {
             converted.output.size > 1e6 && open?.target === format.icalendar &&
                 element("button", { id: "pieces", click: () => run(downloadPieces()) }, text("inPieces")),
             several && element("button", { id: "each", click: () => run(downloadEach()) }, text("eachFile")),
-            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))));
+            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport")),
+            element("button", { id: "again", class: "quiet", click: startAgain }, text("startAgain"))));
 }
 
 function stepsPanel() {
@@ -325,7 +328,7 @@ async function downloadEach() {
     if (open === undefined) return;
     const { files, choices, target } = open;
     const extension = target === format.vcalendar ? ".vcs" : ".ics";
-    const job = { files, choices, target, today: "", horizon: "", output: "" };
+    const job = { files, choices, target, horizon: "", output: "" };
     /** @type {NamedFile[]} */
     const results = await ask({ task: "each", job });
     const used = new Set();

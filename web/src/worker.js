@@ -13,7 +13,7 @@ const blobSize = 1 << 22;
  * @typedef {import("./engine.js").Choices} Choices
  * @typedef {import("./engine.js").Engine} Engine
  * @typedef {import("./zip.js").NamedFile} NamedFile
- * @typedef {{files: NamedFile[], target: number, choices: Choices, today: string, horizon: string, output: string}} Job
+ * @typedef {{files: NamedFile[], target: number, choices: Choices, horizon: string, output: string}} Job
  * @typedef {{blobs: Blob[], blob: number[], start: number[], size: number[]}} Places
  * @typedef {object} Converted
  * @property {import("./engine.js").Summary} summary
@@ -191,10 +191,15 @@ async function perform(message) {
     return (message.task === "each" ? convertEach : convertFiles)(engine, message.job, say);
 }
 
+/** The engine has one conversion at a time: tasks wait for those before them. @type {Promise<void>} */
+let before = Promise.resolve();
+
 if (typeof self !== "undefined")
     self.onmessage = ({ data }) => {
-        perform(data).then(
-            (result) => self.postMessage({ id: data.id, result }),
-            (problem) => self.postMessage({ id: data.id, problem: String(problem?.message ?? problem) }),
-        );
+        before = before
+            .then(() => perform(data))
+            .then(
+                (result) => self.postMessage({ id: data.id, result }),
+                (problem) => self.postMessage({ id: data.id, problem: String(problem?.message ?? problem) }),
+            );
     };
