@@ -6,6 +6,55 @@
 
 namespace qel::cli {
 
+namespace {
+
+void addOutputOptions(CLI::App* command, ConvertOptions& options) {
+    command
+        ->add_option("--to", options.to,
+                     "ics for iCalendar, vcs for vCalendar 1.0; the other format than the first "
+                     "file's when it is missing")
+        ->check(CLI::IsMember({"ics", "vcs"}))
+        ->option_text("ics|vcs");
+    CLI::Option* output =
+        command
+            ->add_option(
+                "-o,--output", options.output,
+                "the file to write, whole or not at all; standard output when it is missing")
+            ->option_text("FILE");
+    command
+        ->add_option(
+            "-d,--output-dir", options.outputDir,
+            "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics;\n"
+            "--output with a folder means the same")
+        ->option_text("DIR")
+        ->excludes(output);
+}
+
+// How to read what the files leave open.
+void addReadingOptions(CLI::App* command, ConvertOptions& options) {
+    command
+        ->add_option("--zone", options.zone,
+                     "the time zone of times that name none, as Europe/Berlin; without it they\n"
+                     "stay local times, which every calendar shows at the same hour")
+        ->option_text("AREA/CITY");
+    command
+        ->add_option("--charset", options.charset,
+                     "the character set of text that names none, as Shift_JIS or windows-1251;\n"
+                     "without it text that is not UTF-8 is guessed where that is safe")
+        ->option_text("NAME");
+    command
+        ->add_option(
+            "--count-means", options.countMeans,
+            "what #10 means in a phone's rule with several days in a week, month or year:\n"
+            "10 dates, which is the default, or 10 weeks, months or years")
+        ->check(CLI::IsMember({"dates", "periods"}))
+        ->option_text("dates|periods");
+    command->add_flag("--distinct-uids", options.distinctUids,
+                      "give an entry another UID when an earlier one with other content has it");
+}
+
+}  // namespace
+
 void addConvertCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<ConvertOptions>();
     CLI::App* command = app.add_subcommand(
@@ -16,44 +65,8 @@ void addConvertCommand(CLI::App& app, Context& context) {
             "calendar files, or folders and ZIP archives with .vcs, .ics or .vnt files in\n"
             "them at any depth; - is standard input, the default")
         ->option_text("[FILE|FOLDER...|-]");
-    command
-        ->add_option("--to", options->to,
-                     "ics for iCalendar, vcs for vCalendar 1.0; the other format than the first "
-                     "file's when it is missing")
-        ->check(CLI::IsMember({"ics", "vcs"}))
-        ->option_text("ics|vcs");
-    CLI::Option* output =
-        command
-            ->add_option(
-                "-o,--output", options->output,
-                "the file to write, whole or not at all; standard output when it is missing")
-            ->option_text("FILE");
-    command
-        ->add_option(
-            "-d,--output-dir", options->outputDir,
-            "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics;\n"
-            "--output with a folder means the same")
-        ->option_text("DIR")
-        ->excludes(output);
-    command
-        ->add_option("--zone", options->zone,
-                     "the time zone of times that name none, as Europe/Berlin; without it they\n"
-                     "stay local times, which every calendar shows at the same hour")
-        ->option_text("AREA/CITY");
-    command
-        ->add_option("--charset", options->charset,
-                     "the character set of text that names none, as Shift_JIS or windows-1251;\n"
-                     "without it text that is not UTF-8 is guessed where that is safe")
-        ->option_text("NAME");
-    command
-        ->add_option(
-            "--count-means", options->countMeans,
-            "what #10 means in a phone's rule with several days in a week, month or year:\n"
-            "10 dates, which is the default, or 10 weeks, months or years")
-        ->check(CLI::IsMember({"dates", "periods"}))
-        ->option_text("dates|periods");
-    command->add_flag("--distinct-uids", options->distinctUids,
-                      "give an entry another UID when an earlier one with other content has it");
+    addOutputOptions(command, *options);
+    addReadingOptions(command, *options);
     command->add_flag("--overwrite", options->overwrite,
                       "replace files that the folder of --output-dir already has");
     command->add_flag("--strict", options->strict,

@@ -75,7 +75,7 @@ std::string summaryText(const std::vector<FileOutcome>& files) {
 
 std::string othersText(const std::vector<OtherFile>& others) {
     const std::uint64_t contacts = contactsIn(others);
-    const std::string text = counted(others.size(), "other file", "other files");
+    std::string text = counted(others.size(), "other file", "other files");
     if (contacts == 0) return text;
     return text + " (" +
            counted(contacts, "contact, which address books import as it is",
