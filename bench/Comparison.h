@@ -19,7 +19,7 @@ struct Work {
     std::string name;
     double goal = 0;        // nanoseconds for one operation, or GB/s where `bytes` is set; 0: none
     std::string floor;      // what no implementation can do without
-    std::size_t bytes = 0;  // that one operation moves, where the speed is told in GB/s
+    std::size_t bytes = 0;  // that one operation moves, where the speed is shown in GB/s
     // The goal was set on another machine, where this peer took so long (in the goal's unit). By
     // it the goal is carried over to this machine.
     std::string referencePeer = {};

@@ -30,7 +30,7 @@ std::string number(double value) {
     return text;
 }
 
-// Nanoseconds, or GB/s for work that is told by its bytes; both in the units of the goals.
+// Nanoseconds, or GB/s for work measured in bytes; both in the units of the goals.
 double inUnit(const Work& work, double nanoseconds) {
     return work.bytes == 0 ? nanoseconds : static_cast<double>(work.bytes) / nanoseconds;
 }

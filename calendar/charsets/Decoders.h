@@ -28,7 +28,7 @@ enum class Decoder : std::uint8_t {
 };
 
 // Appends the text in UTF-8, as decode() of CharacterSet.h does. `upperHalf` has the 128 characters
-// of the bytes from 0x80 on for SingleByte, 0 where there is none.
+// of the bytes from 0x80 on for SingleByte, 0 for a byte without one.
 std::size_t decodeBytes(Decoder decoder, const char16_t* upperHalf, std::string_view bytes,
                         std::string& text);
 

@@ -5,7 +5,8 @@
 
 namespace qel::calendar {
 
-// The character at a pointer of each index, as the standard counts them; 0 where there is none.
+// The character at a pointer of each index, as the standard counts them; 0 for a pointer without
+// one.
 [[nodiscard]] char32_t jis0208(unsigned pointer);
 [[nodiscard]] char32_t jis0212(unsigned pointer);
 [[nodiscard]] char32_t gb18030(unsigned pointer);

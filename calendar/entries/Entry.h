@@ -102,7 +102,7 @@ struct Entry {
 
     [[nodiscard]] const EntryProperty* find(std::string_view name) const;
     // What the properties of phones and PC programs say about whole days. Some phones say
-    // AtMidnight of any event that is no appointment: it is all-day when it starts at midnight.
+    // AtMidnight of every event but appointments: it is all-day when it starts at midnight.
     enum class WholeDays { Unsaid, No, AtMidnight, Yes };
     struct WholeDaysSaid {
         WholeDays what = WholeDays::Unsaid;

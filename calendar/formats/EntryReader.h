@@ -72,8 +72,8 @@ class EntryReader {
     // GEO. vCalendar 1.0 gives the longitude first, but its writers give the latitude first as
     // iCalendar does: the order that lies on Earth counts.
     void takePosition(const ContentLine& line, std::vector<Parameter> parameters);
-    // An ATTENDEE's or ORGANIZER's address and parameters, as iCalendar has them: an address is no
-    // name, and an organizer without an address has a name or is none.
+    // An ATTENDEE's or ORGANIZER's address and parameters, as iCalendar has them. An address is
+    // not kept as the name too; an organizer with neither address nor name is left out.
     void addPerson(const ContentLine& line, std::string_view value,
                    std::vector<Parameter> parameters);
     // The start becomes a date, the end the day after the last.

@@ -15,11 +15,11 @@ class MadeUids {
     // The UID of an entry of one file. It depends on the bytes of the entry's properties alone, as
     // they are before any decoding: how lines end and are folded, and DTSTAMP, which says when the
     // file was made, do not matter. So the same entry has the same UID in every export, on every
-    // system. Another entry with the same bytes in the same file is told apart by its number. ""
+    // system. Later entries with the same bytes in the same file get a number as well. ""
     // when the entry has a UID.
     [[nodiscard]] std::string uidOf(const Component& component);
 
-    // Entries that are told apart; those after them are by their line in the file.
+    // Entries that are compared by their bytes; later ones get a UID from their line.
     static constexpr std::size_t kMost = 20000;
 
   private:

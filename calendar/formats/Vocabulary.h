@@ -29,7 +29,7 @@ struct CalendarAddress {
 void addRoleFromVCalendar(const std::string& role, std::vector<Parameter>& parameters);
 void addParticipationFromVCalendar(const std::string& status, EntryKind kind,
                                    std::vector<Parameter>& parameters);
-// The vCalendar words; "" where there is none.
+// The vCalendar words; "" without one.
 [[nodiscard]] std::string_view roleToVCalendar(std::string_view role);
 [[nodiscard]] std::string_view participationToVCalendar(std::string_view status);
 

@@ -144,7 +144,6 @@ LineReader::LineEncoding LineReader::encodingBefore(std::size_t colon, std::stri
 }
 
 void LineReader::write(std::string_view bytes) {
-    bytesWritten_ += bytes.size();
     if (started_) {
         take(bytes);
     } else if (own_.empty() && bytes.size() >= kLongestMark) {
@@ -433,7 +432,7 @@ bool LineReader::takesBareLines() const {
     }
 }
 
-// True for a line that is no property. Prose has colons too: "Where: at home", "http://...".
+// True for a line of text, not a property. Prose has colons too: "Where: at home", "http://...".
 bool LineReader::isBareText() const {
     const std::string_view name = nameOf(ahead_);
     // A name alone: its value may be folded.

@@ -56,8 +56,6 @@ class LineReader {
         return encoding_ == LineEncoding::QuotedPrintable;
     }
 
-    [[nodiscard]] std::uint64_t bytesWritten() const { return bytesWritten_; }
-
   private:
     enum class FileEncoding { Bytes, Utf16LittleEndian, Utf16BigEndian };
     enum class LineEncoding { Plain, QuotedPrintable, Base64 };
@@ -89,7 +87,6 @@ class LineReader {
     // in the other one before it comes.
     std::size_t lineFeed_ = 0;
     std::size_t carriageReturn_ = 0;
-    std::uint64_t bytesWritten_ = 0;
     FileEncoding fileEncoding_ = FileEncoding::Bytes;
     bool started_ = false;  // the encoding is known
     bool ended_ = false;

@@ -30,7 +30,7 @@ struct Change {
 // The years after the last transition.
 struct Rule {
     std::int16_t standard;  // in kTypes
-    std::int16_t daylight;  // negative: there is none
+    std::int16_t daylight;  // negative for a zone without it
     Change begin;
     Change end;
 };

@@ -66,7 +66,7 @@ Standard standardAt(const ZoneParts& zone, std::int64_t begin) {
     return standard;
 }
 
-// The years that DAYLIGHT lines are about; all of them where there is none.
+// The years that DAYLIGHT lines are about; every year without such lines.
 std::pair<int, int> yearsOf(const std::vector<ZoneLine>& lines) {
     std::pair<int, int> years{kLatest, kEarliest};
     for (const auto& [name, value] : lines) {

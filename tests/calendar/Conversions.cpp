@@ -283,7 +283,7 @@ std::string faultOf(const std::string& icalendar) {
         if (end == std::string::npos) return "the last line has no end";
         const std::string line = icalendar.substr(at, end - at);
         if (line.size() > 75) return "longer than 75 octets: " + line;
-        if (!calendar::isUtf8(line)) return "a character is folded or is none: " + line;
+        if (!calendar::isUtf8(line)) return "not UTF-8, or a fold inside a character: " + line;
         for (const char c : line)
             if (static_cast<unsigned char>(c) < ' ' && c != '\t') return "a control: " + line;
         at = end + 2;

@@ -1,5 +1,5 @@
 // Input that no program wrote in good faith: cut off, binary, endless lines, wrong nesting. It is
-// quick, it stays within bounds, and the person is told.
+// read quickly and within bounds, and messages name what is wrong.
 #include <gtest/gtest.h>
 
 #include <chrono>

@@ -38,7 +38,7 @@ std::string decoded(const std::string& text) {
     return result;
 }
 
-// The result as a person could read it, without folds, as it stands and decoded.
+// The result as a person could read it, without folds, as written and decoded.
 std::string readable(const Conversion& conversion) {
     std::string lines;
     for (const std::string& each : unfolded(conversion.out)) lines += each + "\r\n";

@@ -29,7 +29,7 @@ inline constexpr char kStandardInput[] = "standard input";
 // The same, and the system's own name of standard output.
 [[nodiscard]] bool isStandardOutput(const std::string& name);
 
-// True when both names lead to one file, there or not. A device or a pipe is none.
+// True when both names lead to one file, whether it exists or not. False for devices and pipes.
 [[nodiscard]] bool isOneFile(const std::string& name, const std::string& other);
 
 // A file or standard input, open for reading. The constructor throws InputError, which names the

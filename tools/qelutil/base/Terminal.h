@@ -4,10 +4,10 @@
 
 namespace qel::cli {
 
-// Columns of the terminal on standard output, or 80 where there is none.
+// Columns of the terminal on standard output; 80 when it is not a terminal.
 [[nodiscard]] int outputWidth();
 
-// Columns of the terminal on standard error, or 80 where there is none.
+// Columns of the terminal on standard error; 80 when it is not a terminal.
 [[nodiscard]] int errorWidth();
 
 enum class Color {

@@ -34,7 +34,7 @@ class ZipArchive {
     // is damaged, or is made to fill a disk. Names that are not in UTF-8 are in the character set
     // `charset`; empty: code page 437, that of the first archives.
     ZipArchive(const std::string& name, const std::string& charset);
-    // The same of an archive that is no file.
+    // The same for an archive that `opener` gives, such as one inside another.
     ZipArchive(std::string name, Opener opener, const std::string& charset);
 
     [[nodiscard]] const std::string& name() const { return name_; }
