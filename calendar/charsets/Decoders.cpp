@@ -196,40 +196,58 @@ void decodeEucKr(Decoding& in) {
     }
 }
 
-void decodeIso2022Jp(Decoding& in) {
-    enum class Mode { Ascii, Roman, Katakana, Kanji } mode = Mode::Ascii;
-    while (!in.atEnd()) {
-        const unsigned byte = in.peek();
+enum class JpSet { Ascii, Roman, Katakana, Kanji };
+
+// Takes an escape sequence that changes the set.
+bool takesJpEscape(Decoding& in, JpSet& set) {
+    static constexpr struct {
+        std::string_view bytes;  // after ESC
+        JpSet set;
+    } kEscapes[] = {{"(B", JpSet::Ascii}, {"(J", JpSet::Roman}, {"(I", JpSet::Katakana},
+                    {"$@", JpSet::Kanji}, {"$B", JpSet::Kanji}, {"$(B", JpSet::Kanji}};
+    if (in.peek() != 0x1B) return false;
+    for (const auto& [bytes, next] : kEscapes) {
+        unsigned same = 0;
+        while (same < bytes.size() && in.peek(same + 1) == static_cast<unsigned char>(bytes[same]))
+            ++same;
+        if (same != bytes.size()) continue;
+        set = next;
+        in.skip(1 + same);
+        return true;
+    }
+    return false;
+}
+
+// Takes a character of a set that is not ASCII; false for what is the same there.
+bool takesJpCharacter(Decoding& in, JpSet set) {
+    const unsigned byte = in.peek();
+    if (set == JpSet::Kanji && within(byte, 0x21, 0x7E)) {
         const unsigned next = in.peek(1);
-        const unsigned last = in.peek(2);
-        if (byte == 0x1B && next == '(' && (last == 'B' || last == 'J' || last == 'I')) {
-            mode = last == 'B' ? Mode::Ascii : last == 'J' ? Mode::Roman : Mode::Katakana;
-            in.skip(3);
-        } else if (byte == 0x1B && next == '$' && (last == '@' || last == 'B')) {
-            mode = Mode::Kanji;
-            in.skip(3);
-        } else if (byte == 0x1B && next == '$' && last == '(' && in.peek(3) == 'B') {
-            mode = Mode::Kanji;
-            in.skip(4);
-        } else if (byte == '\n' || byte == '\r') {
-            // Each line begins in ASCII, whatever the last one forgot.
-            mode = Mode::Ascii;
-            in.put(1, byte);
-        } else if (mode == Mode::Kanji && within(byte, 0x21, 0x7E)) {
-            const bool pair = within(next, 0x21, 0x7E);
-            in.addOrBad(pair ? jis0208((byte - 0x21) * 94 + next - 0x21) : 0);
-            in.skip(pair ? 2 : 1);
-        } else if (mode == Mode::Katakana && within(byte, 0x21, 0x5F)) {
-            in.put(1, 0xFF61 - 0x21 + byte);
-        } else if (mode == Mode::Katakana && within(byte, 0x60, 0x7E)) {
+        const bool pair = within(next, 0x21, 0x7E);
+        in.addOrBad(pair ? jis0208((byte - 0x21) * 94 + next - 0x21) : 0);
+        in.skip(pair ? 2 : 1);
+    } else if (set == JpSet::Katakana && within(byte, 0x21, 0x7E)) {
+        in.put(1, byte < 0x60 ? 0xFF61 - 0x21 + byte : 0);
+    } else if (set == JpSet::Roman && (byte == '\\' || byte == '~')) {
+        in.put(1, byte == '~' ? 0x203E : 0xA5);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void decodeIso2022Jp(Decoding& in) {
+    JpSet set = JpSet::Ascii;
+    while (!in.atEnd()) {
+        if (takesJpEscape(in, set)) continue;
+        const unsigned byte = in.peek();
+        // Each line begins in ASCII, whatever the last one forgot.
+        if (byte == '\n' || byte == '\r') set = JpSet::Ascii;
+        if (takesJpCharacter(in, set)) continue;
+        if (byte == 0x0E || byte == 0x0F || byte == 0x1B)
             in.put(1, 0);
-        } else if (mode == Mode::Roman && (byte == '\\' || byte == '~')) {
-            in.put(1, byte == '~' ? 0x203E : 0xA5);
-        } else if (byte == 0x0E || byte == 0x0F || byte == 0x1B) {
-            in.put(1, 0);
-        } else {
+        else
             in.putAscii();
-        }
     }
 }
 
