@@ -20,6 +20,17 @@ std::string_view parameterOf(const std::vector<Parameter>& parameters, std::stri
     return {};
 }
 
+bool isOwn(PropertyName id) {
+    const Property& known = propertyOf(id);
+    return known.held == HeldAs::Property && known.isOf(Property::kVCalendar);
+}
+
+// A property's name in vCalendar 1.0, with a prefix where it has none of its own.
+std::string nameInVCalendar(const std::string& name, PropertyName id) {
+    if (name.starts_with(kVCalendarPrefix)) return name.substr(kVCalendarPrefix.size());
+    return isOwn(id) || name.starts_with("X-") ? name : std::string(kICalendarPrefix) + name;
+}
+
 }  // namespace
 
 std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& parameters) {
@@ -137,47 +148,38 @@ void VCalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
     const PropertyName id = propertyName(name);
-    const Property& known = propertyOf(id);
-    const bool isOwn = known.held == HeldAs::Property && known.isOf(Property::kVCalendar);
     // Without a value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
-    if (property.type == EntryProperty::Type::Base64 && id != PropertyName::Attach) {
-        if (name.starts_with(kVCalendarPrefix))
-            addBytes(std::string_view(name).substr(kVCalendarPrefix.size()), property);
-        else if (isOwn || name.starts_with("X-"))
-            addBytes(name, property);
-        else
-            addBytes(std::string(kICalendarPrefix) + name, property);
-    } else if (name.starts_with(kVCalendarPrefix)) {
-        const std::string own = name.substr(kVCalendarPrefix.size());
-        // Texts of vCalendar 1.0 come back as they were.
-        line(own, parametersToVCalendar(property.parameters), property.value());
-    } else if (id == PropertyName::Status) {
+    if (property.type == EntryProperty::Type::Base64 && id != PropertyName::Attach)
+        addBytes(nameInVCalendar(name, id), property);
+    else if (id == PropertyName::Status)
         addStatus(property);
-    } else if (id == PropertyName::Transp) {
-        if (ownTransparency_) return;
-        const std::string_view word = transparencyToVCalendar(property.value());
-        if (word.empty())
-            line("X-ICAL-TRANSP", parametersToVCalendar(property.parameters), property.value());
-        else
-            line(name, parametersToVCalendar(property.parameters), word);
-    } else if (id == PropertyName::Geo) {
+    else if (id == PropertyName::Transp)
+        addTransparency(property);
+    else if (id == PropertyName::Geo)
         addPosition(property);
-    } else if (id == PropertyName::Attendee) {
+    else if (id == PropertyName::Attendee)
         addAttendee(property);
-    } else if (id == PropertyName::Attach) {
+    else if (id == PropertyName::Attach)
         addAttachment(property);
-    } else if (property.type == EntryProperty::Type::TextList) {
+    else if (property.type == EntryProperty::Type::TextList && !name.starts_with(kVCalendarPrefix))
         addList(property);
-    } else if (property.type == EntryProperty::Type::Text && isOwn) {
+    else if (property.type == EntryProperty::Type::Text && isOwn(id))
         line(name, parametersToVCalendar(property.parameters),
              escapeVCalendar(property.value(), ""));
-    } else if (isOwn || name.starts_with("X-")) {
-        line(name, parametersToVCalendar(property.parameters), property.value());
-    } else {
-        line(std::string(kICalendarPrefix) + name, parametersToVCalendar(property.parameters),
+    else  // texts of vCalendar 1.0 under the prefix come back as they were
+        line(nameInVCalendar(name, id), parametersToVCalendar(property.parameters),
              property.value());
-    }
+}
+
+void VCalEntry::addTransparency(const EntryProperty& property) {
+    if (ownTransparency_) return;
+    const std::string_view word = transparencyToVCalendar(property.value());
+    const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
+    if (word.empty())
+        line("X-ICAL-TRANSP", parameters, property.value());
+    else
+        line("TRANSP", parameters, word);
 }
 
 void VCalEntry::addList(const EntryProperty& property) {

@@ -48,6 +48,7 @@ class VCalEntry {
     void addProperty(const EntryProperty& property);
     void addList(const EntryProperty& property);
     void addStatus(const EntryProperty& property);
+    void addTransparency(const EntryProperty& property);
     void addPosition(const EntryProperty& property);
     void addAttendee(const EntryProperty& property);
     static void addWord(std::string_view name, std::string_view word, const Parameter& parameter,
