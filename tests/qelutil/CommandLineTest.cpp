@@ -35,7 +35,8 @@ TEST_F(QelutilTest, EveryCommandHasHelpWithExamples) {
 }
 
 TEST_F(QelutilTest, ALongWordIsCutInItsMessage) {
-    const ProcessResult result = fails(2, {std::string(20000, 'x')}, "there is no command `xxxxx");
+    const ProcessResult result =
+        fails(2, {std::string(20000, 'x')}, "there is no command or file `xxxxx");
     EXPECT_LT(result.err.size(), 5000U);
 }
 

@@ -38,6 +38,10 @@ class ConvertFolders : public QelutilTest {
     [[nodiscard]] bool has(const std::string& name) const {
         return fs::exists(state_.path() / name);
     }
+    // As messages write it.
+    [[nodiscard]] std::string nameOf(const std::string& name) const {
+        return (state_.path() / name).generic_string();
+    }
     [[nodiscard]] std::string read(const std::string& name) const {
         return readFile(state_.file(name));
     }
@@ -46,6 +50,30 @@ class ConvertFolders : public QelutilTest {
     std::string out_ = state_.file("out");
     unsigned others_ = 3;  // in the folder, beside the calendars
 };
+
+// `qelutil FILE` and `qelutil FOLDER`: what is there already stays, the results have free names.
+TEST_F(ConvertFolders, ResultsBesideWhatWasNamed) {
+    const std::string file = state_.file("phone/a.vcs");
+    EXPECT_TRUE(contains(run({file}).err, "written: " + nameOf("phone/a.ics")));
+    EXPECT_TRUE(contains(run({file, "--to", "ics"}).err, nameOf("phone/a-report-2.html")));
+    EXPECT_TRUE(has("phone/a-report.html"));
+    EXPECT_EQ(read("phone/a.ics"), read("phone/a-2.ics"));
+    fs::remove(state_.path() / "phone/a-2.ics");
+    fs::remove(state_.path() / "phone/a.ics");
+    const ProcessResult all = run({phone_ + "/"});
+    EXPECT_EQ(all.exitCode, 0) << all.err;
+    EXPECT_TRUE(
+        contains(all.err, "what became of each entry: " + nameOf("phone-converted/report.html")));
+    EXPECT_TRUE(has("phone-converted/2005/b.ics"));
+    // Without a result there is no report.
+    fails(1, {state_.file("missing.vcs")}, "cannot be read");
+    EXPECT_FALSE(has("missing-report.html"));
+    ProcessOptions settings;
+    writeFile(state_.file("qelutil.toml"), "[convert]\nzone = \"Europe/Berlin\"\n");
+    settings.environment = {{"XDG_CONFIG_HOME", state_.path().string()},
+                            {"APPDATA", state_.path().string()}};
+    EXPECT_TRUE(contains(run({"convert", file}, settings).out, "TZID=Europe/Berlin"));
+}
 
 TEST_F(ConvertFolders, AResultForEachFile) {
     const ProcessResult result = run({"convert", phone_, "--output-dir", out_});

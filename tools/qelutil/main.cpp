@@ -6,6 +6,7 @@
 
 #include "base/Failure.h"
 #include "commands/Application.h"
+#include "commands/FirstWords.h"
 #include "platform/Console.h"
 
 namespace {
@@ -24,19 +25,29 @@ int usage(Context& context, const CLI::App& app, std::string text) {
     return qel::cli::kExitUsage;
 }
 
+// What the parser says of a line of the settings file, with the file's name.
+std::string badSettings(const CLI::App& app, std::string text) {
+    const std::string prefix = "INI was not able to parse ";
+    if (text.starts_with(prefix))
+        text = "\"" + text.substr(prefix.size()) + "\" is neither an option nor a section";
+    return app.get_config_ptr()->as<std::string>() + ": " + text;
+}
+
 int parseAndRun(Context& context, const std::vector<std::string>& words) {
     CLI::App app;
     qel::cli::addCommands(app, context);
-    if (!words.empty() && words[0].rfind('-', 0) != 0) {
-        const auto known =
-            app.get_subcommands([&](const CLI::App* each) { return each->check_name(words[0]); });
-        if (known.empty()) return usage(context, app, "there is no command `" + words[0] + "`");
-    }
+    std::vector<std::string> whole;
     try {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+        whole = qel::cli::completeWords(app, words);
+        app.parse(std::vector<std::string>(whole.rbegin(), whole.rend()));
     } catch (const CLI::ParseError& problem) {
         if (problem.get_exit_code() == 0) return app.exit(problem, context.out, std::cerr);
-        return usage(context, app, problem.what());
+        if (dynamic_cast<const CLI::ConfigError*>(&problem) != nullptr)
+            return usage(context, app, badSettings(app, problem.what()));
+        const bool isUnknown = dynamic_cast<const CLI::ExtrasError*>(&problem) != nullptr ||
+                               dynamic_cast<const CLI::RequiredError*>(&problem) != nullptr;
+        const std::string text = isUnknown ? qel::cli::unknownWords(app, whole) : "";
+        return usage(context, app, text.empty() ? problem.what() : text);
     } catch (const qel::cli::UsageError& problem) {
         return usage(context, app, problem.what());
     }

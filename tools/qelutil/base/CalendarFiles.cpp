@@ -90,7 +90,7 @@ class Collector {
 
     void add(const std::string& name) {
         if (isStandardInput(name)) {
-            all_.files.push_back({name, {}, 0, {}, {}, 0});
+            all_.files.push_back({name, {}, {}, 0, {}, {}, 0});
             return;
         }
         const fs::path path = pathOf(name);
@@ -104,9 +104,9 @@ class Collector {
                            ": there is no .vcs or .ics file in this folder; name files with other "
                            "endings themselves");
         } else if (isZipArchive(path)) {
-            addArchive(name, "");
+            addArchive(name, name, "");
         } else {
-            all_.files.push_back({name, place, sizeOf(path), {}, {}, 0});
+            all_.files.push_back({name, place, {}, sizeOf(path), {}, {}, 0});
         }
     }
 
@@ -149,11 +149,12 @@ class Collector {
             // Whoever writes to a pipe in a folder may never come.
             const bool isSpecial = fs::is_other(path, unknown);
             if (isArchiveName(below) && !isSpecial) {
-                addArchive(name, below.substr(0, below.rfind('.')) + "/");
+                addArchive(root, name, below.substr(0, below.rfind('.')) + "/");
                 continue;
             }
             all_.files.push_back({name,
                                   withoutExtension(below),
+                                  root,
                                   sizeOf(path),
                                   isSpecial ? name + ": is a pipe or a device, not a file; name it "
                                                      "itself to read it"
@@ -192,14 +193,16 @@ class Collector {
         return false;
     }
 
-    // The results of its files are below `place`.
-    void addArchive(const std::string& name, const std::string& place) {
+    // An archive that was named, or is in the folder that was; the results of its files are below
+    // `place`.
+    void addArchive(const std::string& root, const std::string& name, const std::string& place) {
         all_.anyFolder = true;
         std::shared_ptr<const ZipArchive> archive;
         try {
             archive = std::make_shared<const ZipArchive>(name, charset_);
         } catch (const InputError& problem) {
-            all_.files.push_back({name, withoutExtension(place + name), 0, problem.what(), {}, 0});
+            all_.files.push_back(
+                {name, withoutExtension(place + name), root, 0, problem.what(), {}, 0});
             return;
         }
         const std::vector<ZipArchive::Member>& members = archive->members();
@@ -220,7 +223,7 @@ class Collector {
                                                   : OtherFile::Kind::Unreadable});
             } else {
                 all_.files.push_back(
-                    {whole, place + tamed(withoutExtension(member.name)), member.size,
+                    {whole, place + tamed(withoutExtension(member.name)), root, member.size,
                      member.problem.empty() ? "" : whole + ": " + member.problem, archive, i});
             }
         }

@@ -22,6 +22,7 @@ struct CalendarFile {
     // named, without its extension; "2005/June" for PHONE/2005/June.vcs. Empty for a standard
     // stream.
     std::string place;
+    std::string root;                           // the folder or archive that was named, if any
     std::uint64_t size = 0;                     // in bytes, 0 where it is not known
     std::string problem;                        // why it is not read; empty when it is
     std::shared_ptr<const ZipArchive> archive;  // that it is in, or null

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "base/Text.h"
+#include "platform/Console.h"
 
 namespace qel::cli {
 
@@ -79,6 +80,9 @@ bool isOneFile(const std::string& name, const std::string& other) {
 
 InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
     if (isStandardInput(name)) {
+        if (platform::inputIsTerminal())
+            context.say("reading what is typed here; " + std::string(platform::endOfInputKeys()) +
+                        " ends it");
         stream_ = &context.in;
         name_ = kStandardInput;
         return;

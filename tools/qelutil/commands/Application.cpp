@@ -1,6 +1,7 @@
 #include "commands/Application.h"
 
 #include "QelCalendar/Zones.h"
+#include "base/Files.h"
 #include "base/Terminal.h"
 #include "commands/Commands.h"
 
@@ -39,10 +40,18 @@ void addCommands(CLI::App& app, Context& context) {
                         : when == "never" ? Color::Never
                                           : Color::Auto);
         });
+    // A file that is not there is no error unless it was named.
+    app.set_config("--config", nameOf(platform::settingsFolder() / "qelutil.toml"),
+                   "the file of your own defaults, with a section for each command; it is\n"
+                   "qelutil.toml in ~/.config, on Windows in %APPDATA%")
+        ->option_text("FILE");
+    app.allow_config_extras(CLI::config_extras_mode::error);
     app.get_formatter()->column_width(30);
     app.footer(
         "Exit status: 0 for success, 1 when some input was invalid, 2 for an invalid "
-        "command line.\nqelutil COMMAND --help shows a command's options with examples.");
+        "command line.\n\n"
+        "qelutil FILE... or qelutil FOLDER converts what is there; the results and a report lie\n"
+        "beside it. qelutil COMMAND --help shows a command's options with examples.");
     for (const AddCommand add : kCommands) add(app, context);
 }
 

@@ -8,6 +8,7 @@ namespace qel::cli {
 
 namespace {
 
+// Where the results go.
 void addOutputOptions(CLI::App* command, ConvertOptions& options) {
     command
         ->add_option("--to", options.to,
@@ -21,13 +22,20 @@ void addOutputOptions(CLI::App* command, ConvertOptions& options) {
                 "-o,--output", options.output,
                 "the file to write, whole or not at all; standard output when it is missing")
             ->option_text("FILE");
+    CLI::Option* folder =
+        command
+            ->add_option(
+                "-d,--output-dir", options.outputDir,
+                "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics;\n"
+                "--output with a folder means the same")
+            ->option_text("DIR")
+            ->excludes(output);
     command
-        ->add_option(
-            "-d,--output-dir", options.outputDir,
-            "the folder to write to, a file for each file: phone/a.vcs becomes DIR/a.ics;\n"
-            "--output with a folder means the same")
-        ->option_text("DIR")
-        ->excludes(output);
+        ->add_flag("--beside", options.beside,
+                   "write each result beside its file, under a name that is free, with a report;\n"
+                   "`qelutil FILE` means the same")
+        ->excludes(output)
+        ->excludes(folder);
 }
 
 // How to read what the files leave open.
@@ -79,6 +87,7 @@ void addConvertCommand(CLI::App& app, Context& context) {
                      "a page that shows for every entry what was converted, what changed and what\n"
                      "could not be carried over")
         ->option_text("FILE.html");
+    command->add_flag("--open", options->open, "show the report when it is written");
     command->add_flag("--json", options->json,
                       "print what became of each file as JSON; see docs/json/");
     command->add_flag("-v,--verbose", options->verbose,

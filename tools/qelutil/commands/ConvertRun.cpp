@@ -16,10 +16,12 @@
 #include "base/Json.h"
 #include "base/Progress.h"
 #include "base/Text.h"
+#include "commands/BesidePlaces.h"
 #include "commands/CalendarInput.h"
 #include "commands/ConvertMessages.h"
 #include "commands/ConvertSummary.h"
 #include "commands/ReportFile.h"
+#include "platform/Console.h"
 
 namespace qel::cli {
 
@@ -74,9 +76,7 @@ void choose(qelcal::Converter& converter, const ConvertOptions& options) {
 class ConvertRun {
   public:
     ConvertRun(Context& context, const ConvertOptions& options)
-        : context_(context), options_(options), messages_(context, options.verbose) {
-        if (!options.report.empty()) report_.emplace(context, options.report);
-    }
+        : context_(context), options_(options), messages_(context, options.verbose) {}
 
     void run() {
         CalendarFiles found =
@@ -85,13 +85,14 @@ class ConvertRun {
         others_ = std::move(found.others);
         protectInputs();
         nameOthers();
-        summary_ = found.anyFolder || files_.size() > 1 || !options_.outputDir.empty() ||
-                   options_.dryRun || report_;
+        openReport();
+        summary_ =
+            found.anyFolder || files_.size() > 1 || eachAlone() || options_.dryRun || report_;
         std::uint64_t size = 0;
         for (const CalendarFile& each : files_) size += each.size;
         Progress progress(context_, "", size);
         progress_ = &progress;
-        if (!options_.outputDir.empty())
+        if (eachAlone())
             oneByOne();
         else if (!files_.empty())
             joined();
@@ -101,6 +102,18 @@ class ConvertRun {
     }
 
   private:
+    // True when every file has a result of its own.
+    [[nodiscard]] bool eachAlone() const { return options_.beside || !options_.outputDir.empty(); }
+
+    void openReport() {
+        reportName_ = options_.report;
+        if (reportName_.empty() && options_.beside && !files_.empty() && !options_.dryRun) {
+            reportName_ = beside_.reportFor(files_.front());
+            makeFolderOf(reportName_);
+        }
+        if (!reportName_.empty()) report_.emplace(context_, reportName_);
+    }
+
     // No result may take the place of a file that is read, whatever its name there.
     void protectInputs() {
         for (const CalendarFile& each : files_)
@@ -111,9 +124,9 @@ class ConvertRun {
         const auto refuse = [](const std::string& what) {
             throw UsageError(what + " is itself one of the files to convert; name another file");
         };
-        if (report_ && context_.isInput(pathOf(options_.report)))
+        if (!options_.report.empty() && context_.isInput(pathOf(options_.report)))
             refuse("the file of --report, " + options_.report + ",");
-        if (!options_.outputDir.empty() || options_.dryRun) return;
+        if (eachAlone() || options_.dryRun) return;
         if (!isStandardOutput(options_.output) && context_.isInput(pathOf(options_.output)))
             refuse("the file of --output, " + options_.output + ",");
         if (isStandardOutput(options_.output) && context_.outputIsInput())
@@ -306,19 +319,15 @@ class ConvertRun {
     }
 
     void convertAlone(const CalendarFile& file) {
-        if (file.place.empty())
-            throw InputError(options_.outputDir +
-                             ": is a directory, and standard input has no name for a file in it; "
-                             "name the file to write");
+        const std::string place = placeOf(file);
         // The format is known when the file is read; its name is a good guess until then.
         const std::string guess = !options_.to.empty()                    ? options_.to
                                   : calendarExtension(file.name) == "ics" ? "vcs"
                                                                           : "ics";
         std::unique_ptr<OutputFile> output;
         if (!options_.dryRun) {
-            makeFolderFor(file);
-            output = OutputFile::inFolder(context_,
-                                          inFolder(options_.outputDir, file.place + "." + guess));
+            makeFolderOf(place);
+            output = OutputFile::inFolder(context_, place + "." + guess);
         }
         qelcal::Converter converter(targetOf(options_.to), writeTo(output.get()));
         listenTo(converter);
@@ -331,8 +340,7 @@ class ConvertRun {
         if (options_.strict && !outcome.clean())
             throw InputError(outcome.file + ": is left out: " + kStrictReason);
         const bool toPhone = converter.target() == QELCAL_VCALENDAR;
-        const std::string name =
-            inFolder(options_.outputDir, file.place + (toPhone ? ".vcs" : ".ics"));
+        const std::string name = nameAt(place, toPhone ? ".vcs" : ".ics");
         checkFree(outcome.file, name);
         settle(name, {});
         if (options_.dryRun) return;
@@ -340,13 +348,32 @@ class ConvertRun {
         output->commitAs(name);
     }
 
-    void makeFolderFor(const CalendarFile& file) {
-        const fs::path folder = pathOf(inFolder(options_.outputDir, file.place)).parent_path();
+    // The name of the file's result without its extension.
+    std::string placeOf(const CalendarFile& file) {
+        if (options_.beside) return beside_.placeOf(file);
+        if (file.place.empty())
+            throw InputError(options_.outputDir +
+                             ": is a directory, and standard input has no name for a file in it; "
+                             "name the file to write");
+        return inFolder(options_.outputDir, file.place);
+    }
+
+    [[nodiscard]] std::string nameAt(const std::string& place, const std::string& extension) const {
+        if (!options_.beside) return place + extension;
+        std::string name = BesidePlaces::freeName(place, extension);
+        // In a dry run the results so far are not there.
+        for (int number = 2; taken_.contains(lowerCase(name)); ++number)
+            name = place + "-" + std::to_string(number) + extension;
+        return name;
+    }
+
+    static void makeFolderOf(const std::string& name) {
+        const fs::path folder = pathOf(name).parent_path();
+        if (folder.empty()) return;
         std::error_code failure;
         fs::create_directories(folder, failure);
         if (failure && !fs::is_directory(folder))
-            throw InputError(options_.outputDir +
-                             ": this folder cannot be made: " + failure.message());
+            throw InputError(nameOf(folder) + ": this folder cannot be made: " + failure.message());
     }
 
     // Nothing is overwritten in silence, and no input ever.
@@ -406,13 +433,44 @@ class ConvertRun {
                          (options_.verbose ? "" : "; --verbose lists them"));
         for (const std::string& each : messages_.worthALook())
             context_.say("look first at " + each);
+        if (options_.beside && !options_.dryRun) sayWhere();
+        showReport();
+    }
+
+    // The results were not named by the person.
+    void sayWhere() const {
+        constexpr std::size_t kMost = 5;
+        const std::vector<std::string> names = written();
+        for (std::size_t i = 0; i < names.size() && i < kMost; ++i)
+            context_.say("written: " + names[i]);
+        if (names.size() > kMost)
+            context_.say("written: " + std::to_string(names.size() - kMost) + " more " +
+                         (files_.front().root.empty() ? "beside their files" : "in that folder"));
+        if (report_) context_.say("what became of each entry: " + reportName_);
+    }
+
+    void showReport() {
+        if (!report_ || !(options_.open || (options_.beside && platform::ownsItsWindow()))) return;
+        if (!platform::showFile(pathOf(reportName_)))
+            context_.warning({}, 0,
+                             "no program shows pages here; open " + reportName_ + " in a browser");
+    }
+
+    [[nodiscard]] std::vector<std::string> written() const {
+        std::vector<std::string> names;
+        for (const FileOutcome& each : outcomes_)
+            if (!each.output.empty()) names.push_back(each.output);
+        return names;
     }
 
     void finishReport() {
+        // Nobody asked by name for the report of `--beside`, and nothing was converted.
+        const bool needless = options_.report.empty() && written().empty();
+        if (needless) report_.reset();
         try {
             if (report_) report_->finish(remark(), outcomes_);
         } catch (...) {
-            context_.error(currentFailure(context_, options_.report));
+            context_.error(currentFailure(context_, reportName_));
         }
     }
 
@@ -427,6 +485,8 @@ class ConvertRun {
     Context& context_;
     const ConvertOptions& options_;
     ConvertMessages messages_;
+    BesidePlaces beside_;
+    std::string reportName_;
     std::optional<RunReport> report_;
     std::vector<CalendarFile> files_;
     std::vector<OtherFile> others_;
@@ -463,7 +523,11 @@ void runConvert(Context& context, ConvertOptions options) {
         throw UsageError("--report and --output name the same file");
     if (options.overwrite && options.outputDir.empty())
         throw UsageError("--overwrite goes with --output-dir");
-    if (options.json && !options.dryRun && options.outputDir.empty() &&
+    if (options.beside && !isStandardOutput(options.output))
+        throw UsageError("--beside and --output exclude each other");
+    if (options.open && options.report.empty() && !options.beside)
+        throw UsageError("--open shows the page of --report; name it");
+    if (options.json && !options.dryRun && options.outputDir.empty() && !options.beside &&
         isStandardOutput(options.output))
         throw UsageError(
             "--json prints to standard output, where the calendar goes; give --output, "

@@ -20,6 +20,8 @@ struct ConvertOptions {
     std::string charset;
     std::string countMeans;
     bool distinctUids = false;
+    bool beside = false;
+    bool open = false;
     bool overwrite = false;
     bool strict = false;
     bool dryRun = false;

@@ -24,14 +24,15 @@ _qelutil() {
     done
     case $command in
     '')
-        options='-h --help --version --color'
+        options='-h --help --version --color --config'
         case $previous in
         --color) COMPREPLY=($(compgen -W 'auto always never' -- "$current")); return ;;
+        --config) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         esac
         words='convert rule expand date zone encode decode charset field status stream log'
         ;;
     'convert')
-        options='-h --help --to -o --output -d --output-dir --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --json -v --verbose'
+        options='-h --help --to -o --output -d --output-dir --beside --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
         case $previous in
         --to) COMPREPLY=($(compgen -W 'ics vcs' -- "$current")); return ;;
         -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;

@@ -21,6 +21,7 @@ complete -c qelutil -f
 complete -c qelutil -n '__qelutil_at' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at' -l version -d 'Display program version information and exit'
 complete -c qelutil -n '__qelutil_at' -l color -x -a 'auto always never' -d 'when messages and month grids are coloured'
+complete -c qelutil -n '__qelutil_at' -l config -r -F -d 'the file of your own defaults, with a section for each command'
 complete -c qelutil -n '__qelutil_only' -a convert -d 'Converts vCalendar 1.0 files to iCalendar, and iCalendar to vCalendar 1.0'
 complete -c qelutil -n '__qelutil_only' -a rule -d 'Explain a recurrence rule'
 complete -c qelutil -n '__qelutil_only' -a expand -d 'List the dates of a rule inside a range'
@@ -39,6 +40,7 @@ complete -c qelutil -n '__qelutil_at convert' -F
 complete -c qelutil -n '__qelutil_at convert' -l to -x -a 'ics vcs' -d 'ics for iCalendar, vcs for vCalendar 1.0'
 complete -c qelutil -n '__qelutil_at convert' -s o -l output -r -F -d 'the file to write, whole or not at all'
 complete -c qelutil -n '__qelutil_at convert' -s d -l output-dir -x -a '(__fish_complete_directories)' -d 'the folder to write to, a file for each file'
+complete -c qelutil -n '__qelutil_at convert' -l beside -d 'write each result beside its file, under a name that is free, with a report'
 complete -c qelutil -n '__qelutil_at convert' -l zone -x -d 'the time zone of times that name none, as Europe/Berlin'
 complete -c qelutil -n '__qelutil_at convert' -l charset -x -d 'the character set of text that names none, as Shift_JIS or windows-1251'
 complete -c qelutil -n '__qelutil_at convert' -l count-means -x -a 'dates periods' -d 'what #10 means in a phone\'s rule with several days in a week, month or year'
@@ -47,6 +49,7 @@ complete -c qelutil -n '__qelutil_at convert' -l overwrite -d 'replace files tha
 complete -c qelutil -n '__qelutil_at convert' -l strict -d 'treat warnings and losses as errors'
 complete -c qelutil -n '__qelutil_at convert' -s n -l dry-run -d 'write no calendar, and show what would become of each file'
 complete -c qelutil -n '__qelutil_at convert' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
+complete -c qelutil -n '__qelutil_at convert' -l open -d 'show the report when it is written'
 complete -c qelutil -n '__qelutil_at convert' -l json -d 'print what became of each file as JSON'
 complete -c qelutil -n '__qelutil_at convert' -s v -l verbose -d 'also report how irregular input was read, and show every message'
 

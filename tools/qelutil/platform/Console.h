@@ -3,6 +3,7 @@
 #ifndef QELUTIL_PLATFORM_CONSOLE_H
 #define QELUTIL_PLATFORM_CONSOLE_H
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ void prepareStreams();
 // The command line's words after the program's name, as UTF-8.
 [[nodiscard]] std::vector<std::string> arguments(int argc, char** argv);
 
+[[nodiscard]] bool inputIsTerminal();
 [[nodiscard]] bool outputIsTerminal();
 [[nodiscard]] bool errorIsTerminal();
 // Columns of the terminal on standard output, or on standard error; 0 when there is none or it does
@@ -26,6 +28,16 @@ void prepareStreams();
 // True when the terminal there obeys ANSI escape sequences.
 [[nodiscard]] bool outputUnderstandsEscapes();
 [[nodiscard]] bool errorUnderstandsEscapes();
+
+// True when the window is this program's own and closes with it: it was started from the desktop,
+// by a file dropped on it.
+[[nodiscard]] bool ownsItsWindow();
+
+// Shows a file as the desktop does, a page in the browser. False when that cannot be done.
+bool showFile(const std::filesystem::path& file);
+
+// How a person ends the input that is typed: "Ctrl-D".
+[[nodiscard]] const char* endOfInputKeys();
 
 }  // namespace qel::cli::platform
 

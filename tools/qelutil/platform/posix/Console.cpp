@@ -1,13 +1,16 @@
 #include "platform/Console.h"
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 namespace qel::cli::platform {
 
@@ -37,6 +40,10 @@ std::vector<std::string> arguments(int argc, char** argv) {
     return {argv + 1, argv + argc};
 }
 
+bool inputIsTerminal() {
+    return ::isatty(STDIN_FILENO) == 1;
+}
+
 bool outputIsTerminal() {
     return ::isatty(STDOUT_FILENO) == 1;
 }
@@ -60,6 +67,31 @@ bool outputUnderstandsEscapes() {
 
 bool errorUnderstandsEscapes() {
     return outputUnderstandsEscapes();
+}
+
+bool ownsItsWindow() {
+    return false;
+}
+
+bool showFile(const std::filesystem::path& file) {
+    // What the desktop's program prints is not this program's output.
+    posix_spawn_file_actions_t actions;
+    if (::posix_spawn_file_actions_init(&actions) != 0) return false;
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        ::posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
+    std::string opener = "xdg-open";
+    std::string name = std::filesystem::absolute(file);
+    char* const words[] = {opener.data(), name.data(), nullptr};
+    pid_t child = 0;
+    const int failure = ::posix_spawnp(&child, opener.c_str(), &actions, nullptr, words, environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    int status = 0;
+    return failure == 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+           WEXITSTATUS(status) == 0;
+}
+
+const char* endOfInputKeys() {
+    return "Ctrl-D";
 }
 
 }  // namespace qel::cli::platform

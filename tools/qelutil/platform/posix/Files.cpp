@@ -245,6 +245,14 @@ FileId WritableFile::replace(const fs::path& target) {
     return id;
 }
 
+fs::path settingsFolder() {
+    // A relative path there is invalid and ignored.
+    const char* folder = std::getenv("XDG_CONFIG_HOME");
+    if (folder != nullptr && *folder == '/') return folder;
+    const char* home = std::getenv("HOME");
+    return home == nullptr || *home == '\0' ? fs::path() : fs::path(home) / ".config";
+}
+
 void endByClosedPipe() {
     removeUnfinished();
     std::signal(SIGPIPE, SIG_DFL);

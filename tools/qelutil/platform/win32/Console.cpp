@@ -70,6 +70,10 @@ std::vector<std::string> arguments(int, char**) {
     return words;
 }
 
+bool inputIsTerminal() {
+    return isConsole(STD_INPUT_HANDLE);
+}
+
 bool outputIsTerminal() {
     return isConsole(STD_OUTPUT_HANDLE);
 }
@@ -92,6 +96,23 @@ bool outputUnderstandsEscapes() {
 
 bool errorUnderstandsEscapes() {
     return understandsEscapes(STD_ERROR_HANDLE);
+}
+
+bool ownsItsWindow() {
+    DWORD processes[2];
+    return GetConsoleProcessList(processes, 2) == 1;
+}
+
+bool showFile(const std::filesystem::path& file) {
+    constexpr INT_PTR kLastFailure = 32;  // of ShellExecute
+    const std::wstring name = std::filesystem::absolute(file).wstring();
+    const HINSTANCE result =
+        ShellExecuteW(nullptr, L"open", name.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    return reinterpret_cast<INT_PTR>(result) > kLastFailure;
+}
+
+const char* endOfInputKeys() {
+    return "Ctrl-Z and Enter";
 }
 
 }  // namespace qel::cli::platform

@@ -222,6 +222,11 @@ FileId WritableFile::replace(const fs::path& target) {
     return id;
 }
 
+fs::path settingsFolder() {
+    const wchar_t* folder = _wgetenv(L"APPDATA");
+    return folder == nullptr ? fs::path() : fs::path(folder);
+}
+
 void endByClosedPipe() {
     constexpr UINT kBrokenPipe = 141;  // as where a signal says so
     removeUnfinished();
