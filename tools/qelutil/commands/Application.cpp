@@ -12,9 +12,9 @@ namespace {
 // Every command's function, in the order in which --help lists them.
 using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
-    addConvertCommand, addRuleCommand,   addExpandCommand, addDateCommand,
-    addZoneCommand,    addEncodeCommand, addDecodeCommand, addCharsetCommand,
-    addFieldCommand,   addStatusCommand, addStreamCommand, addLogCommand,
+    addConvertCommand, addShowCommand,   addRuleCommand,   addExpandCommand,  addDateCommand,
+    addZoneCommand,    addEncodeCommand, addDecodeCommand, addCharsetCommand, addFieldCommand,
+    addStatusCommand,  addStreamCommand, addLogCommand,
 };
 
 }  // namespace

@@ -29,7 +29,7 @@ _qelutil() {
         --color) COMPREPLY=($(compgen -W 'auto always never' -- "$current")); return ;;
         --config) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         esac
-        words='convert rule expand date zone encode decode charset field status stream log'
+        words='convert show rule expand date zone encode decode charset field status stream log'
         ;;
     'convert')
         options='-h --help --to -o --output -d --output-dir --beside --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
@@ -41,6 +41,19 @@ _qelutil() {
         --charset) COMPREPLY=(); return ;;
         --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --report) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        esac
+        files=1
+        ;;
+    'show')
+        options='-h --help --since --through --next --search --only --zone --charset --calendar --json'
+        case $previous in
+        --since) COMPREPLY=(); return ;;
+        --through) COMPREPLY=(); return ;;
+        --next) COMPREPLY=(); return ;;
+        --search) COMPREPLY=(); return ;;
+        --only) COMPREPLY=($(compgen -W 'events todos notes' -- "$current")); return ;;
+        --zone) COMPREPLY=(); return ;;
+        --charset) COMPREPLY=(); return ;;
         esac
         files=1
         ;;

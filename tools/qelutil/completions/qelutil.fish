@@ -23,6 +23,7 @@ complete -c qelutil -n '__qelutil_at' -l version -d 'Display program version inf
 complete -c qelutil -n '__qelutil_at' -l color -x -a 'auto always never' -d 'when messages and month grids are coloured'
 complete -c qelutil -n '__qelutil_at' -l config -r -F -d 'the file of your own defaults, with a section for each command'
 complete -c qelutil -n '__qelutil_only' -a convert -d 'Converts vCalendar 1.0 files to iCalendar, and iCalendar to vCalendar 1.0'
+complete -c qelutil -n '__qelutil_only' -a show -d 'Shows what is in a calendar, by days'
 complete -c qelutil -n '__qelutil_only' -a rule -d 'Explain a recurrence rule'
 complete -c qelutil -n '__qelutil_only' -a expand -d 'List the dates of a rule inside a range'
 complete -c qelutil -n '__qelutil_only' -a date -d 'Day numbers, date-time texts and durations'
@@ -52,6 +53,18 @@ complete -c qelutil -n '__qelutil_at convert' -l report -r -F -d 'a page that sh
 complete -c qelutil -n '__qelutil_at convert' -l open -d 'show the report when it is written'
 complete -c qelutil -n '__qelutil_at convert' -l json -d 'print what became of each file as JSON'
 complete -c qelutil -n '__qelutil_at convert' -s v -l verbose -d 'also report how irregular input was read, and show every message'
+
+complete -c qelutil -n '__qelutil_at show' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at show' -F
+complete -c qelutil -n '__qelutil_at show' -l since -x -d 'the first day'
+complete -c qelutil -n '__qelutil_at show' -l through -x -d 'the last day, a year after the first when it is missing'
+complete -c qelutil -n '__qelutil_at show' -l next -x -d 'the next so many from today on, or from --since'
+complete -c qelutil -n '__qelutil_at show' -l search -x -d 'only what has this in its title, text, place or categories'
+complete -c qelutil -n '__qelutil_at show' -l only -x -a 'events todos notes' -d 'only entries of one kind'
+complete -c qelutil -n '__qelutil_at show' -l zone -x -d 'the zone in which times are shown, as Europe/Berlin, and that of times without one'
+complete -c qelutil -n '__qelutil_at show' -l charset -x -d 'the character set of text that names none'
+complete -c qelutil -n '__qelutil_at show' -l calendar -d 'month grids with the days marked'
+complete -c qelutil -n '__qelutil_at show' -l json -d 'print each entry with its facts as JSON'
 
 complete -c qelutil -n '__qelutil_at rule' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at rule' -l start -x -d 'The date of the series\' first entry, or "today"'

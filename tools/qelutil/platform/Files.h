@@ -65,8 +65,8 @@ class WritableFile {
     std::filesystem::path path_;  // of createIn; empty otherwise
 };
 
-// The folder of the user's settings: $XDG_CONFIG_HOME or ~/.config, on Windows %APPDATA%. Empty when
-// the environment does not name it.
+// The folder of the user's settings: $XDG_CONFIG_HOME or ~/.config, on Windows %APPDATA%. Empty
+// when the environment does not name it.
 [[nodiscard]] std::filesystem::path settingsFolder();
 
 // Ends the program as a write to a pipe that nobody reads ends one, after removing its unfinished
