@@ -95,6 +95,8 @@ endfunction()
 
 if(QEL_BUILD_PROGRAM)
     install(TARGETS qelutil RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/json/qelutil.schema.json
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/qelutil COMPONENT program)
 endif()
 if(QEL_BUILD_PROGRAM AND NOT WIN32)
     if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -22,7 +22,7 @@ TEST_F(LogCommandTest, ShowsAndSetsTheOptions) {
     ASSERT_EQ(shown.exitCode, 0) << shown.err;
     auto facts = nlohmann::ordered_json::parse(shown.out);
     EXPECT_EQ(facts["log"], state_.file("trace.log"));
-    EXPECT_EQ(facts["options_file"], state_.file("BxOptions.opt"));
+    EXPECT_EQ(facts["optionsFile"], state_.file("BxOptions.opt"));
     EXPECT_EQ(facts["bytes"], nullptr);
     EXPECT_EQ(facts["options"]["MaxFileSize"], "5000000");
     EXPECT_EQ(facts["options"].size(), 10U);

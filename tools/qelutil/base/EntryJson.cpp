@@ -76,9 +76,11 @@ Json entryJson(const qelcal::Entry& entry) {
               {"excludingRules", rulesJson(entry.excluding())},
               {"dates", timesJson(entry.dates(false))},
               {"excludedDates", timesJson(entry.dates(true))},
-              {"alarms", alarmsJson(entry.alarms())}};
+              {"alarms", alarmsJson(entry.alarms())},
+              {"messages", Json::array()}};
     for (const std::string& each : entry.values("CATEGORIES"))
         json["categories"].push_back(jsonText(each));
+    for (const qelcal::Note& note : entry.notes()) json["messages"].push_back(noteJson(note));
     return json;
 }
 

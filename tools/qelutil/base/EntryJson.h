@@ -13,7 +13,7 @@ namespace qel::cli {
 
 [[nodiscard]] Json noteJson(const qelcal::Note& note);
 
-// Without its notes.
+// With its notes.
 [[nodiscard]] Json entryJson(const qelcal::Entry& entry);
 
 }  // namespace qel::cli

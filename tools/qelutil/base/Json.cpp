@@ -26,26 +26,35 @@ std::string jsonText(std::string_view text) {
     return value;
 }
 
-void writeJson(std::ostream& out, const Json& document) {
+void writeJson(std::ostream& out, std::string_view command, const Json& members) {
+    Json document{{"format", kJsonFormat}, {"command", command}};
+    document.update(members);
     // The replacement is for texts that did not come through jsonText: bad bytes never throw.
     out << document.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
+void JsonArrayWriter::begin() {
+    out_ << "{\n  \"format\": " << kJsonFormat << ",\n  \"command\": " << Json(command_).dump()
+         << ",\n  " << Json(member_).dump() << ": [";
+}
+
 void JsonArrayWriter::add(const Json& element) {
-    out_ << (begun_ ? ",\n  " : "[\n  ");
+    if (!begun_) begin();
+    out_ << (begun_ ? ",\n    " : "\n    ");
     begun_ = true;
     // Within a text a line feed is escaped: those that are left are the layout's.
     const std::string text = element.dump(2, ' ', false, Json::error_handler_t::replace);
     std::string_view rest = text;
     for (std::size_t end; (end = rest.find('\n')) != std::string_view::npos;) {
-        out_ << rest.substr(0, end + 1) << "  ";
+        out_ << rest.substr(0, end + 1) << "    ";
         rest.remove_prefix(end + 1);
     }
     out_ << rest;
 }
 
 void JsonArrayWriter::finish() {
-    out_ << (begun_ ? "\n]\n" : "[]\n");
+    if (!begun_) begin();
+    out_ << (begun_ ? "\n  ]\n}\n" : "]\n}\n");
 }
 
 }  // namespace qel::cli

@@ -14,7 +14,7 @@ using AddCommand = void (*)(CLI::App&, Context&);
 constexpr AddCommand kCommands[] = {
     addConvertCommand, addShowCommand,   addRuleCommand,   addExpandCommand,  addDateCommand,
     addZoneCommand,    addEncodeCommand, addDecodeCommand, addCharsetCommand, addFieldCommand,
-    addStatusCommand,  addStreamCommand, addLogCommand,
+    addStatusCommand,  addStreamCommand, addLogCommand,    addSchemaCommand,
 };
 
 }  // namespace

@@ -71,7 +71,7 @@ void listSets(Context& context, bool asJson) {
             context.out << name << std::string(10 - name.size(), ' ') << wordsOf(support) << '\n';
         }
     }
-    if (asJson) writeJson(context.out, document);
+    if (asJson) writeJson(context.out, "charset", {{"characterSets", document}});
 }
 
 // One direction of the library's converter, on the level that consumes its whole input or nothing.

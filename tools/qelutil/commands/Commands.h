@@ -18,6 +18,7 @@ void addExpandCommand(CLI::App& app, Context& context);
 void addFieldCommand(CLI::App& app, Context& context);
 void addLogCommand(CLI::App& app, Context& context);
 void addRuleCommand(CLI::App& app, Context& context);
+void addSchemaCommand(CLI::App& app, Context& context);
 void addShowCommand(CLI::App& app, Context& context);
 void addStatusCommand(CLI::App& app, Context& context);
 void addStreamCommand(CLI::App& app, Context& context);

@@ -11,6 +11,7 @@
 
 #include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
+#include "base/EntryJson.h"
 #include "base/Failure.h"
 #include "base/Files.h"
 #include "base/Json.h"
@@ -150,6 +151,10 @@ class ConvertRun {
         converter.onNote(
             [this](const qelcal::Note& note) { messages_.take(note, outcomes_.back()); });
         if (report_) converter.reportTo(&report_->page());
+        if (!options_.json) return;
+        converter.onEntry([this](const qelcal::Converted& each) {
+            outcomes_.back().entryList.push_back(entryJson(each.entry));
+        });
     }
 
     void beginFile(const CalendarFile& file) {
@@ -422,7 +427,7 @@ class ConvertRun {
             for (const OtherFile& each : others_)
                 document["otherFiles"].push_back(
                     {{"file", jsonText(each.name)}, {"kind", each.kindName()}});
-            writeJson(context_.out, document);
+            writeJson(context_.out, "convert", document);
         }
         finishReport();
         if (!summary_) return;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "base/NoteWords.h"
+#include "base/EntryJson.h"
 
 namespace qel::cli {
 
@@ -98,16 +98,14 @@ Json outcomeJson(const FileOutcome& file) {
               {"output", textOrNull(file.output)},
               {"leftOut", textOrNull(file.reason)}};
     json.update(countsJson(file.counts, file.converted()));
+    json["entryList"] = file.entryList;
     json["messages"] = Json::array();
-    for (const auto& [note, count] : file.shown)
-        json["messages"].push_back({{"code", note.code},
-                                    {"name", note.name},
-                                    {"severity", severityName(note.severity)},
-                                    {"fate", fateName(note.fate)},
-                                    {"line", note.line == 0 ? Json() : Json(note.line)},
-                                    {"text", jsonText(note.text)},
-                                    {"count", count},
-                                    {"notCarriedOver", note.fate == QELCAL_LOST}});
+    for (const auto& [note, count] : file.shown) {
+        Json message = noteJson(note);
+        message["count"] = count;
+        message["notCarriedOver"] = note.fate == QELCAL_LOST;
+        json["messages"].push_back(message);
+    }
     return json;
 }
 

@@ -21,11 +21,12 @@ struct NoteGroup {
 };
 
 struct FileOutcome {
-    std::string file;              // as messages name it
-    std::string output;            // the name of its result; may be empty
-    std::string reason;            // why it is in no result; empty when it is in one
-    qelcal_counts counts{};        // of this file alone
-    std::vector<NoteGroup> shown;  // its notes that were shown
+    std::string file;                // as messages name it
+    std::string output;              // the name of its result; may be empty
+    std::string reason;              // why it is in no result; empty when it is in one
+    qelcal_counts counts{};          // of this file alone
+    std::vector<NoteGroup> shown;    // its notes that were shown
+    Json entryList = Json::array();  // its entries, for --json
 
     // Entries that are in a result.
     [[nodiscard]] std::uint64_t converted() const { return reason.empty() ? counts.entries : 0; }

@@ -184,7 +184,7 @@ void run(Context& context, const Options& options) {
             context.error(problem.what());
         }
     }
-    if (options.json) writeJson(context.out, document);
+    if (options.json) writeJson(context.out, "date", {{"values", document}});
 }
 
 }  // namespace

@@ -122,7 +122,7 @@ void writeResult(Context& context, const Options& options, const Range& range,
                       {"excluded", Json::array()}};
         for (const MarkedDay& date : dates)
             document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
-        writeJson(context.out, document);
+        writeJson(context.out, "expand", document);
     } else if (options.calendar) {
         writeDateGrids(context.out, dates);
     } else {

@@ -114,13 +114,13 @@ Json jsonOf(const FieldData& field) {
     document["record"] = kRecords[field.recordType - 1].name;
     document["access"] = kAccess[field.accessType - 1];
     document["property"] = field.propertyName;
-    document["property_id"] = hex(field.propertyId, 8);
-    document["data_type"] = dataTypeName(field.dataType);
+    document["propertyId"] = hex(field.propertyId, 8);
+    document["dataType"] = dataTypeName(field.dataType);
     document["components"] = field.componentCount;
-    document["max_length"] = field.maxLength;
+    document["maxLength"] = field.maxLength;
     document["selector"] = hex(field.selector, 1);
     document["occurrence"] = field.occurrence;
-    document["value_index"] = field.valueIndex;
+    document["valueIndex"] = field.valueIndex;
     return document;
 }
 
@@ -178,7 +178,7 @@ void run(Context& context, const Options& options) {
     if (options.json) {
         Json document = Json::array();
         for (const FieldData& field : found) document.push_back(jsonOf(field));
-        writeJson(context.out, document);
+        writeJson(context.out, "field", {{"fields", document}});
     } else {
         for (const FieldData& field : found) writeRow(context.out, field);
     }

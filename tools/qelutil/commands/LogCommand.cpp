@@ -160,12 +160,12 @@ void showJson(Context& context, const Tail& tail) {
     document["log"] = jsonText(BxTrace_GetLogFilePath());
     document["bytes"] = nullptr;
     if (tail.size) document["bytes"] = *tail.size;
-    document["options_file"] = jsonText(BxTrace_GetOptionsFilePath());
+    document["optionsFile"] = jsonText(BxTrace_GetOptionsFilePath());
     for (const TraceOption& option : kOptions)
         document["options"][option.key] = textOf(option, valueOf(option));
     document["tail"] = Json::array();
     for (const std::string& line : tail.lines) document["tail"].push_back(jsonText(line));
-    writeJson(context.out, document);
+    writeJson(context.out, "log", document);
 }
 
 void run(Context& context, const Options& options) {

@@ -206,7 +206,7 @@ void run(Context& context, const Options& options) {
         for (const qelcal::Note& note : read.rules.notes())
             document["notes"].push_back(jsonText(note.text));
         for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
-        writeJson(context.out, document);
+        writeJson(context.out, "rule", document);
     } else if (!options.to.empty()) {
         writeOneForm(context, all, formOfName(options.to));
     } else {

@@ -66,7 +66,7 @@ class Show {
         : context_(context),
           options_(options),
           agenda_(rangeOf(options), zoneOf(options)),
-          json_(context.out) {
+          json_(context.out, "show", "entries") {
         for (const std::string& each : options.search) wanted_.push_back(lowerCase(each));
     }
 
@@ -150,8 +150,6 @@ class Show {
         if (ranged() && occurrences.empty()) return;
         Json json{{"file", jsonText(file)}};
         json.update(entryJson(entry));
-        json["messages"] = Json::array();
-        for (const qelcal::Note& note : entry.notes()) json["messages"].push_back(noteJson(note));
         json["occurrences"] = Json::array();
         for (std::size_t i = 0; i < occurrences.size(); ++i)
             if (options_.next == 0 || i < options_.next)

@@ -88,7 +88,7 @@ void run(Context& context, const Options& options) {
         Json document = Json::array();
         for (const Entry& entry : found)
             document.push_back({{"kind", entry.kind}, {"code", entry.code}, {"name", entry.name}});
-        writeJson(context.out, document);
+        writeJson(context.out, "status", {{"names", document}});
         return;
     }
     for (const Entry& entry : found) {

@@ -161,7 +161,7 @@ class Dump {
           input_(input),
           name_(input.name()),
           asJson_(asJson),
-          array_(context.out) {}
+          array_(context.out, "stream", "values") {}
 
     // Shows all values of the input, those with a type as it says and the others as they stand.
     void run(const std::vector<std::string>& types) {

@@ -81,7 +81,7 @@ void list(Context& context, const Options& options) {
                         << '\n';
         }
     }
-    if (options.json) writeJson(context.out, document);
+    if (options.json) writeJson(context.out, "zone list", {{"zones", document}});
 }
 
 // A time before and after, with the offsets from UTC that it has in the two zones.
@@ -161,7 +161,7 @@ void convert(Context& context, const Options& options) {
             context.error(problem.what());
         }
     }
-    if (options.json) writeJson(context.out, document);
+    if (options.json) writeJson(context.out, "zone convert", {{"times", document}});
 }
 
 int readYear(const std::string& text) {
@@ -198,7 +198,7 @@ void changes(Context& context, const Options& options) {
                         << '\n';
         }
     }
-    if (options.json) writeJson(context.out, document);
+    if (options.json) writeJson(context.out, "zone changes", {{"changes", document}});
 }
 
 constexpr char kZoneHelp[] =

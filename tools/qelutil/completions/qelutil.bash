@@ -29,7 +29,7 @@ _qelutil() {
         --color) COMPREPLY=($(compgen -W 'auto always never' -- "$current")); return ;;
         --config) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         esac
-        words='convert show rule expand date zone encode decode charset field status stream log'
+        words='convert show rule expand date zone encode decode charset field status stream log schema'
         ;;
     'convert')
         options='-h --help --to -o --output -d --output-dir --beside --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
@@ -158,6 +158,9 @@ _qelutil() {
         --set) COMPREPLY=(); return ;;
         --tail) COMPREPLY=(); return ;;
         esac
+        ;;
+    'schema')
+        options='-h --help'
         ;;
     *) return ;;
     esac

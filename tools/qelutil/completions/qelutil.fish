@@ -35,6 +35,7 @@ complete -c qelutil -n '__qelutil_only' -a field -d 'The fields of calendars, co
 complete -c qelutil -n '__qelutil_only' -a status -d 'The names of result statuses and operations'
 complete -c qelutil -n '__qelutil_only' -a stream -d 'Show the values of a serialised data stream'
 complete -c qelutil -n '__qelutil_only' -a log -d 'Where the trace log is, its options, and its last lines'
+complete -c qelutil -n '__qelutil_only' -a schema -d 'Prints the JSON Schema of what commands print with --json'
 
 complete -c qelutil -n '__qelutil_at convert' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at convert' -F
@@ -151,3 +152,5 @@ complete -c qelutil -n '__qelutil_at log' -s h -l help -d 'Print this help messa
 complete -c qelutil -n '__qelutil_at log' -l set -x -d 'set an option'
 complete -c qelutil -n '__qelutil_at log' -l tail -x -d 'how many of the last lines to show (0 to 100000)'
 complete -c qelutil -n '__qelutil_at log' -l json -d 'print the facts as JSON'
+
+complete -c qelutil -n '__qelutil_at schema' -s h -l help -d 'Print this help message and exit'
