@@ -29,6 +29,9 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
     std::filesystem::create_directory(state_.path() / "folder");
     writeFile(state_.file("folder/a.vcs"), calendar);
     writeFile(state_.file("folder/b.vcf"), "BEGIN:VCARD\n");
+    writeFile(state_.file("other.log"),
+              "[3B96] 11/22 06:09:00.481 004: 11/22 06:09:00.481 003: Error a.b.2005 at M line 18\n"
+              "[3B96] 11/22 08:09:00.481 000: done\nof old\n");
     const struct {
         std::vector<std::string> arguments;
         std::string input;
@@ -50,6 +53,8 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
         {{"status", "--list", "--json"}, ""},
         {{"stream", "--json", "--types", "int"}, "1a\x1fsome\x1f-"},
         {{"log", "--json"}, ""},
+        {{"log", "--json", state_.file("other.log")}, ""},
+        {{"log", "--json", "--summary", state_.file("other.log")}, ""},
     };
     Json documents = Json::array();
     for (const auto& [arguments, input] : kCases) documents.push_back(runJson(arguments, input));

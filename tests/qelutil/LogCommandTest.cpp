@@ -54,6 +54,43 @@ TEST_F(LogCommandTest, ShowsTheEndOfTheLog) {
     EXPECT_FALSE(contains(run({"log", "--tail", "0"}, at("trace.log")).out, "line"));
 }
 
+// A customer's folder: backups before their log, processes merged, a new year, errors in words, and
+// nothing is written there.
+TEST_F(LogCommandTest, ReadsTheLogsOfOthers) {
+    const std::string folder = state_.file("customer");
+    std::filesystem::create_directory(folder);
+    const auto put = [&](const std::string& name, const std::string& text) {
+        qel::test::writeFile(folder + "/" + name, text);
+    };
+    put("a_1.bk1", "[0001] 12/31 23:59:59.000 000: first\r\n");
+    put("a_1.bk0", "[0001] 01/01 00:00:01.000 000: third\r\n");
+    put("a_1.log",
+        "[0001] 01/01 02:00:00.000 001: 01/01 02:00:00.000 000: Error 5.x.y.2005 at Host line 3\r\n"
+        "[0001] 01/01 02:00:01.000 000: cut");
+    put("b_2.log", "[00A2] 01/01 00:00:00.500 000: not before January\n  more of it\n");
+    put("BxOptions.opt", "[LogSettings]\r\nMaxFileSize=77\r\n");
+    const ProcessResult all = run({"log", folder + "/a_1.log"});
+    EXPECT_EQ(
+        all.out,
+        "12/31 23:59:59.000 [0001] first\n01/01 00:00:01.000 [0001] third\n"
+        "01/01 02:00:00.000 [0001] Error 2005 (a file cannot be opened or created): 5.x.y, at "
+        "Host line 3\n01/01 02:00:01.000 [0001] cut\n");
+    EXPECT_TRUE(
+        contains(run({"log", folder, "--since", "01/01", "--through", "01/01 00:00"}).out,
+                 "b_2.log  01/01 00:00:00.500 [00A2] not before January\nb_2.log    more of "
+                 "it\na_1.bk0  01/01 00:00:01.000 [0001] third\n"));
+    EXPECT_EQ(run({"log", folder, "--errors", "--thread", "a2"}).out, "");
+    EXPECT_TRUE(contains(run({"log", folder + "/a_1.log", "--tail", "1", "--search", "THIRD"}).out,
+                         "third"));
+    const std::string summary = run({"log", folder + "/a_1.log", "--summary"}).out;
+    EXPECT_TRUE(contains(summary, "error 2005  1 time  a file"));
+    EXPECT_TRUE(contains(summary, "nothing from 01/01 00:00:01.000 to 01/01 02:00:00.000"));
+    EXPECT_TRUE(contains(summary, "option MaxFileSize = 77"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 5);
+    fails(1, {"log", folder + "/none.log"}, "cannot be read");
+    fails(2, {"log", folder, "--set", "MaxFileSize=1"}, "leave FILE out");
+}
+
 TEST_F(LogCommandTest, SaysWhenTheOptionsCannotBeWritten) {
     ProcessOptions options = at("trace");
     options.environment["BX_OPTIONS_FILE_PATH"] = state_.path().string();

@@ -1,4 +1,5 @@
-// qelutil log: where the trace goes, with which options, and the end of it.
+// qelutil log: where this computer's trace goes, with which options, and the end of it; and the
+// logs of other computers.
 #include <array>
 #include <cstdint>
 #include <deque>
@@ -12,12 +13,14 @@
 #include "base/Json.h"
 #include "base/Text.h"
 #include "commands/Commands.h"
+#include "commands/LogFiles.h"
 
 namespace qel::cli {
 
 namespace {
 
 constexpr char kSection[] = "LogSettings";
+constexpr std::size_t kUsualTail = 10;
 constexpr std::size_t kMostTail = 100000;
 // A trace line has no bound; what is looked through for the last lines has.
 constexpr std::streamoff kMostTailBytes = 16 << 20;
@@ -44,8 +47,7 @@ constexpr std::array<TraceOption, 10> kOptions = {{
 
 struct Options {
     std::vector<std::string> settings;
-    std::size_t tail = 10;
-    bool json = false;
+    LogFilesOptions log;
 };
 
 int valueOf(const TraceOption& option) {
@@ -169,12 +171,22 @@ void showJson(Context& context, const Tail& tail) {
 }
 
 void run(Context& context, const Options& options) {
+    if (!options.log.files.empty()) {
+        if (!options.settings.empty())
+            throw UsageError("--set changes the options of this computer; leave FILE out");
+        showLogFiles(context, options.log);
+        return;
+    }
+    if (options.log.errors || options.log.summary || options.log.follow ||
+        !(options.log.thread + options.log.since + options.log.through + options.log.search)
+             .empty())
+        throw UsageError("filters belong to a log; name its file");
     // Loads the settings, so that the paths are known.
     static_cast<void>(BxTrace_GetTracingOptions());
     for (const std::string& setting : options.settings) set(setting);
-    if (!options.settings.empty() && !options.json) return;
-    const Tail tail = tailOf(BxTrace_GetLogFilePath(), options.tail);
-    if (options.json)
+    if (!options.settings.empty() && !options.log.json) return;
+    const Tail tail = tailOf(BxTrace_GetLogFilePath(), options.log.tail.value_or(kUsualTail));
+    if (options.log.json)
         showJson(context, tail);
     else
         showText(context, tail);
@@ -184,23 +196,41 @@ void run(Context& context, const Options& options) {
 
 void addLogCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("log", "Where the trace log is, its options, and its last lines");
+    LogFilesOptions& log = options->log;
+    CLI::App* command = app.add_subcommand(
+        "log", "The trace log: where it is, its options, its last lines; and logs of others");
+    command
+        ->add_option("FILE", log.files,
+                     "logs of other computers, each with its backups, or folders with logs; those\n"
+                     "of several processes are merged by time. Nothing is written beside them")
+        ->option_text("[FILE|FOLDER...]");
+    command->add_flag("--errors", log.errors, "of FILE only the errors");
+    command->add_option("--thread", log.thread, "only what this thread wrote")->option_text("HEX");
+    command->add_option("--since", log.since, "from this time on: 06/15 or 06/15 14:02:11")
+        ->option_text("TIME");
+    command->add_option("--through", log.through, "up to and with this time")->option_text("TIME");
+    command->add_option("--search", log.search, "only lines with this text")->option_text("TEXT");
+    command->add_flag("--summary", log.summary,
+                      "the first and the last line, errors by code, gaps, starts, and the options");
+    command->add_flag("-f,--follow", log.follow, "go on with what is written to FILE later");
     command->add_option("--set", options->settings, "set an option; may be repeated")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
-    command->add_option("--tail", options->tail, "how many of the last lines to show")
-        ->capture_default_str()
+    command->add_option("--tail", log.tail, "only the last lines; 10 of this computer's log")
+        ->option_text("NUMBER")
         ->check(CLI::Range(std::size_t{0}, kMostTail));
-    command->add_flag("--json", options->json, "print the facts as JSON");
+    command->add_flag("--json", log.json, "print the facts as JSON");
     command->footer(
-        "BX_ERR_LOG_FILE_PATH names the log, which is otherwise in the user's profile directory;\n"
-        "BX_OPTIONS_FILE_PATH names the options file, otherwise beside the log. Running programs\n"
-        "read the options again within a minute.\n"
+        "Without FILE it is this computer's log. BX_ERR_LOG_FILE_PATH names it, otherwise it is "
+        "in\n"
+        "the user's profile directory; BX_OPTIONS_FILE_PATH names the options file, otherwise it "
+        "is\n"
+        "beside the log. Running programs read the options again within a minute.\n"
         "Examples:\n"
         "  qelutil log --tail 40\n"
         "  qelutil log --set VTraceVerbosity=3 --set TracingOptions=7\n"
-        "  BX_ERR_LOG_FILE_PATH=/tmp/trace.log qelutil log --json");
+        "  qelutil log customer/BxTrace.log --errors --since \"06/15 14:00\"\n"
+        "  qelutil log customer/ --summary");
     command->callback([options, &context] { run(context, *options); });
 }
 

@@ -153,11 +153,16 @@ _qelutil() {
         files=1
         ;;
     'log')
-        options='-h --help --set --tail --json'
+        options='-h --help --errors --thread --since --through --search --summary -f --follow --set --tail --json'
         case $previous in
+        --thread) COMPREPLY=(); return ;;
+        --since) COMPREPLY=(); return ;;
+        --through) COMPREPLY=(); return ;;
+        --search) COMPREPLY=(); return ;;
         --set) COMPREPLY=(); return ;;
         --tail) COMPREPLY=(); return ;;
         esac
+        files=1
         ;;
     'schema')
         options='-h --help'

@@ -34,7 +34,7 @@ complete -c qelutil -n '__qelutil_only' -a charset -d 'Text between UTF-8 and th
 complete -c qelutil -n '__qelutil_only' -a field -d 'The fields of calendars, contacts, notes, mail'
 complete -c qelutil -n '__qelutil_only' -a status -d 'The names of result statuses and operations'
 complete -c qelutil -n '__qelutil_only' -a stream -d 'Show the values of a serialised data stream'
-complete -c qelutil -n '__qelutil_only' -a log -d 'Where the trace log is, its options, and its last lines'
+complete -c qelutil -n '__qelutil_only' -a log -d 'The trace log: where it is, its options, its last lines; and logs of others'
 complete -c qelutil -n '__qelutil_only' -a schema -d 'Prints the JSON Schema of what commands print with --json'
 
 complete -c qelutil -n '__qelutil_at convert' -s h -l help -d 'Print this help message and exit'
@@ -149,8 +149,16 @@ complete -c qelutil -n '__qelutil_at stream' -l types -x -d 'the types of the fi
 complete -c qelutil -n '__qelutil_at stream' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at log' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at log' -F
+complete -c qelutil -n '__qelutil_at log' -l errors -d 'of FILE only the errors'
+complete -c qelutil -n '__qelutil_at log' -l thread -x -d 'only what this thread wrote'
+complete -c qelutil -n '__qelutil_at log' -l since -x -d 'from this time on'
+complete -c qelutil -n '__qelutil_at log' -l through -x -d 'up to and with this time'
+complete -c qelutil -n '__qelutil_at log' -l search -x -d 'only lines with this text'
+complete -c qelutil -n '__qelutil_at log' -l summary -d 'the first and the last line, errors by code, gaps, starts, and the options'
+complete -c qelutil -n '__qelutil_at log' -s f -l follow -d 'go on with what is written to FILE later'
 complete -c qelutil -n '__qelutil_at log' -l set -x -d 'set an option'
-complete -c qelutil -n '__qelutil_at log' -l tail -x -d 'how many of the last lines to show (0 to 100000)'
+complete -c qelutil -n '__qelutil_at log' -l tail -x -d 'only the last lines'
 complete -c qelutil -n '__qelutil_at log' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at schema' -s h -l help -d 'Print this help message and exit'
