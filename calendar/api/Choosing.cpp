@@ -47,6 +47,24 @@ int chooseDistinctUids(Choices& choices, std::string_view value) {
     return QELCAL_OK;
 }
 
+int chooseOnly(Choices& choices, std::string_view value) {
+    KindsWanted only{value.empty(), value.empty(), value.empty()};
+    while (!value.empty()) {
+        const std::string_view kind = value.substr(0, value.find(','));
+        if (kind == "events")
+            only.events = true;
+        else if (kind == "todos")
+            only.todos = true;
+        else if (kind == "notes")
+            only.notes = true;
+        else
+            return refuse(kind, "there are events, todos and notes");
+        value.remove_prefix(std::min(kind.size() + 1, value.size()));
+    }
+    choices.only = only;
+    return QELCAL_OK;
+}
+
 }  // namespace
 
 int choose(Choices& choices, int choice, const char* value) {
@@ -61,6 +79,8 @@ int choose(Choices& choices, int choice, const char* value) {
                 return chooseCountMeans(choices, text);
             case QELCAL_CHOOSE_DISTINCT_UIDS:
                 return chooseDistinctUids(choices, text);
+            case QELCAL_CHOOSE_ONLY:
+                return chooseOnly(choices, text);
             default:
                 return fail(QELCAL_INVALID_ARGUMENT, "this choice does not exist");
         }

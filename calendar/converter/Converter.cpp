@@ -114,6 +114,8 @@ class Converter::File {
         takeItems();
         if (shifting_ != 0)
             report(Note(NoteCode::UtcSeriesShifts, firstShifting_, {std::to_string(shifting_)}));
+        if (notChosen_ != 0)
+            report(Note(NoteCode::EntriesNotChosen, firstNotChosen_, {std::to_string(notChosen_)}));
     }
 
     // Passes a note on, and keeps it until the entry that it may be about is written.
@@ -306,6 +308,10 @@ class Converter::File {
             return;
         }
         settle(&component);
+        if (!isChosen(component.name)) {
+            if (notChosen_++ == 0) firstNotChosen_ = component.number;
+            return;
+        }
         FileZone& fileZone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
         if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE")
@@ -334,6 +340,11 @@ class Converter::File {
             converted.written = owner_.writer().entryLines();
         }
         observer_->entryConverted(converted);
+    }
+
+    [[nodiscard]] bool isChosen(std::string_view component) const {
+        if (component == "VEVENT") return choices_.only.events;
+        return component == "VTODO" ? choices_.only.todos : choices_.only.notes;
     }
 
     // The zone of an entry: its own TZ line, where it has one.
@@ -405,6 +416,8 @@ class Converter::File {
     FileZone entryZone_;            // of the last entry that had lines of its own
     std::uint64_t shifting_ = 0;    // series in UTC, in a file without a zone
     std::size_t firstShifting_ = 0;
+    std::uint64_t notChosen_ = 0;  // entries of kinds that nobody wants
+    std::size_t firstNotChosen_ = 0;
     MadeUids uids_;
     // For the observer, since the last entry.
     std::vector<Note> notes_;

@@ -389,6 +389,8 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_ZONE_LINE_REPLACED = 806,
     /**< The file or the entry has two different TZ lines. A file's last one counts, and an entry's
      * first one. */
+    QELCAL_NOTE_ENTRIES_NOT_CHOSEN = 820,
+    /**< A choice says which of events, to-dos and notes are read. The file has others too. */
 } qelcal_note_code;
 
 /* clang-format on */

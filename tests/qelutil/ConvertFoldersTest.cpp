@@ -75,6 +75,36 @@ TEST_F(ConvertFolders, ResultsBesideWhatWasNamed) {
     EXPECT_TRUE(contains(run({"convert", file}, settings).out, "TZID=Europe/Berlin"));
 }
 
+// Every entry is in one piece, each piece is a calendar with its zones, and what has one UID stays
+// together.
+TEST_F(ConvertFolders, PiecesOfALimitedSize) {
+    std::string input = "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nTZ:+01\r\n";
+    for (const char* uid : {"a", "b", "c", "d", "e", "a"})
+        input += std::string(
+                     "BEGIN:VEVENT\r\nDTSTART:20050615T083000\r\nSUMMARY:END:VCALENDAR\r\n"
+                     "UID:") +
+                 uid + "\r\nDESCRIPTION:" + std::to_string(input.size()) + "\r\nEND:VEVENT\r\n";
+    writeFile(state_.file("a.vcs"), input + "END:VCALENDAR\r\n");
+    const std::string out = state_.file("a.ics");
+    EXPECT_EQ(run({"convert", state_.file("a.vcs"), "-o", out, "--split", "1K"}).exitCode, 0);
+    EXPECT_FALSE(has("a.ics"));
+    int entries = 0;
+    for (int i = 1; has("a-" + std::to_string(i) + ".ics"); ++i) {
+        const std::string piece = read("a-" + std::to_string(i) + ".ics");
+        EXPECT_LE(piece.size(), 1024U);
+        EXPECT_TRUE(contains(piece, "BEGIN:VTIMEZONE"));
+        for (std::size_t at = 0; (at = piece.find("\r\nUID:", at)) != std::string::npos; ++at) {
+            ++entries;
+            if (piece[at + 6] == 'a') EXPECT_EQ(i, 1);
+        }
+    }
+    EXPECT_EQ(entries, 6);
+    EXPECT_EQ(run({"convert", state_.file("a.vcs"), "-o", out, "--split", "1M", "--only", "events"})
+                  .exitCode,
+              0);
+    EXPECT_TRUE(has("a.ics"));
+}
+
 TEST_F(ConvertFolders, AResultForEachFile) {
     const ProcessResult result = run({"convert", phone_, "--output-dir", out_});
     EXPECT_EQ(result.exitCode, 0) << result.err;

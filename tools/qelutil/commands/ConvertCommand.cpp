@@ -31,6 +31,13 @@ void addOutputOptions(CLI::App* command, ConvertOptions& options) {
             ->option_text("DIR")
             ->excludes(output);
     command
+        ->add_option("--split", options.split,
+                     "write calendars of at most so many bytes, FILE-1.ics and so on: 1M, 500K;\n"
+                     "some importers take no more")
+        ->transform(CLI::AsSizeValue(true))
+        ->option_text("SIZE")
+        ->needs(output);
+    command
         ->add_flag("--beside", options.beside,
                    "write each result beside its file, under a name that is free, with a report;\n"
                    "`qelutil FILE` means the same")
@@ -57,6 +64,10 @@ void addReadingOptions(CLI::App* command, ConvertOptions& options) {
             "10 dates, which is the default, or 10 weeks, months or years")
         ->check(CLI::IsMember({"dates", "periods"}))
         ->option_text("dates|periods");
+    command
+        ->add_option("--only", options.only,
+                     "take entries of these kinds alone, with commas between several")
+        ->option_text("events,todos,notes");
     command->add_flag("--distinct-uids", options.distinctUids,
                       "give an entry another UID when an earlier one with other content has it");
 }

@@ -11,6 +11,7 @@
 
 #include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
+#include "base/CalendarPieces.h"
 #include "base/EntryJson.h"
 #include "base/Failure.h"
 #include "base/Files.h"
@@ -71,6 +72,7 @@ void choose(qelcal::Converter& converter, const ConvertOptions& options) {
     converter.choose(QELCAL_CHOOSE_ZONE, options.zone);
     converter.choose(QELCAL_CHOOSE_CHARSET, options.charset);
     converter.choose(QELCAL_CHOOSE_COUNT_MEANS, options.countMeans);
+    converter.choose(QELCAL_CHOOSE_ONLY, options.only);
     converter.choose(QELCAL_CHOOSE_DISTINCT_UIDS, options.distinctUids ? "yes" : "no");
 }
 
@@ -190,7 +192,9 @@ class ConvertRun {
             readFile(converter, file, sizeBefore);
             if (converter.counts().entries == before.entries)
                 throw InputError(outcomes_.back().file +
-                                 ": there is no event, to-do or note in this calendar");
+                                 (options_.only.empty()
+                                      ? ": there is no event, to-do or note in this calendar"
+                                      : ": there is no entry of those that --only names"));
         } catch (const OutputError&) {
             count();
             throw;
@@ -248,7 +252,8 @@ class ConvertRun {
         if (!options_.dryRun) output = std::make_unique<OutputFile>(context_, options_.output);
         // What may have to be taken back cannot flow to standard output.
         std::string held;
-        const bool hold = output && options_.strict && isStandardOutput(options_.output);
+        const bool hold = output && (options_.split != 0 ||
+                                     (options_.strict && isStandardOutput(options_.output)));
         const auto keep = [&held](const char* bytes, std::size_t size) {
             held.append(bytes, size);
         };
@@ -277,14 +282,43 @@ class ConvertRun {
         if (failure.empty() && !options_.dryRun) {
             try {
                 converter.finish();
-                if (hold) output->stream() << held;
-                output->commit();
+                if (options_.split != 0)
+                    writePieces(held, *output);
+                else if (hold)
+                    output->stream() << held;
+                if (pieces_ < 2) output->commit();
             } catch (...) {
                 failure = currentFailure(context_, name);
             }
         }
         if (!failure.empty()) nothingWritten(failure);
         for (const FileOutcome& each : outcomes_) showOutcome(each);
+    }
+
+    // Into the file itself where it is small enough; else beside it, all pieces or none of them.
+    void writePieces(const std::string& calendar, OutputFile& whole) {
+        const std::vector<std::string> pieces = calendarPieces(calendar, options_.split);
+        pieces_ = pieces.size();
+        if (pieces_ < 2) {
+            whole.stream() << calendar;
+            return;
+        }
+        const fs::path name = pathOf(options_.output);
+        const std::string stem = nameOf(name.parent_path() / name.stem());
+        const std::string first = stem + "-1" + nameOf(name.extension());
+        std::vector<std::unique_ptr<OutputFile>> files;
+        for (std::size_t i = 0; i < pieces_; ++i) {
+            const std::string file = stem + "-" + std::to_string(i + 1) + nameOf(name.extension());
+            files.push_back(std::make_unique<OutputFile>(context_, file));
+            files.back()->stream() << pieces[i];
+            if (pieces[i].size() > options_.split)
+                context_.warning(file, 0,
+                                 "is larger than --split says: its entries belong together");
+        }
+        for (const auto& file : files) file->commit();
+        for (FileOutcome& each : outcomes_)
+            if (each.reason.empty()) each.output = first;
+        context_.say("written in " + std::to_string(pieces_) + " pieces: " + first + " and so on");
     }
 
     // Why there is to be no result of all files; nothing when there is one.
@@ -500,6 +534,7 @@ class ConvertRun {
     Progress* progress_ = nullptr;
     std::uint64_t sizeDone_ = 0;
     bool summary_ = false;
+    std::size_t pieces_ = 0;                    // of --split
     std::map<std::string, std::string> taken_;  // results of this run, and whose they are
 };
 
@@ -537,6 +572,8 @@ void runConvert(Context& context, ConvertOptions options) {
         throw UsageError(
             "--json prints to standard output, where the calendar goes; give --output, "
             "--output-dir or --dry-run with it");
+    if (options.split != 0 && !options.outputDir.empty())
+        throw UsageError("--split takes a file by --output, not a folder");
     checkChoices(options);
     ConvertRun(context, options).run();
 }

@@ -19,7 +19,9 @@ struct ConvertOptions {
     std::string zone;
     std::string charset;
     std::string countMeans;
+    std::string only;
     bool distinctUids = false;
+    std::size_t split = 0;  // bytes of one result at most; 0: all in one
     bool beside = false;
     bool open = false;
     bool overwrite = false;

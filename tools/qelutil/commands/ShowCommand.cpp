@@ -68,6 +68,12 @@ class Show {
           agenda_(rangeOf(options), zoneOf(options)),
           json_(context.out, "show", "entries") {
         for (const std::string& each : options.search) wanted_.push_back(lowerCase(each));
+        try {
+            qelcal::Reader nothing;
+            choose(nothing);
+        } catch (const qelcal::Error& refused) {
+            throw UsageError(refused.what());
+        }
     }
 
     void run() {
@@ -99,8 +105,7 @@ class Show {
     void read(const CalendarFile& file) {
         CalendarInput input(context_, file);
         qelcal::Reader reader;
-        reader.choose(QELCAL_CHOOSE_ZONE, options_.zone);
-        reader.choose(QELCAL_CHOOSE_CHARSET, options_.charset);
+        choose(reader);
         const auto take = [&] {
             while (const qelcal::Entry entry = reader.next()) {
                 count(entry.notes());
@@ -118,6 +123,12 @@ class Show {
         count(reader.notes());
     }
 
+    void choose(qelcal::Reader& reader) const {
+        reader.choose(QELCAL_CHOOSE_ZONE, options_.zone);
+        reader.choose(QELCAL_CHOOSE_CHARSET, options_.charset);
+        reader.choose(QELCAL_CHOOSE_ONLY, options_.only);
+    }
+
     void count(const std::vector<qelcal::Note>& notes) {
         for (const qelcal::Note& note : notes)
             // The zone is chosen to show times in: files may well have another one.
@@ -127,9 +138,6 @@ class Show {
 
     // Letters other than A to Z are compared as they are.
     [[nodiscard]] bool isWanted(const qelcal::Entry& entry) const {
-        constexpr const char* kNames[] = {"events", "todos", "notes"};
-        if (!options_.only.empty() && options_.only != kNames[entry.kind() - QELCAL_EVENT])
-            return false;
         if (wanted_.empty()) return true;
         std::string text = entry.text("SUMMARY") + "\n" + entry.text("DESCRIPTION") + "\n" +
                            entry.text("LOCATION");
@@ -195,9 +203,10 @@ void addShowCommand(CLI::App& app, Context& context) {
                      "repeated")
         ->option_text("WORD")
         ->allow_extra_args(false);
-    command->add_option("--only", options->only, "only entries of one kind")
-        ->check(CLI::IsMember({"events", "todos", "notes"}))
-        ->option_text("events|todos|notes");
+    command
+        ->add_option("--only", options->only,
+                     "only entries of these kinds, with commas between several")
+        ->option_text("events,todos,notes");
     command
         ->add_option("--zone", options->zone,
                      "the zone in which times are shown, as Europe/Berlin, and that of times\n"

@@ -32,14 +32,16 @@ _qelutil() {
         words='convert show rule expand date zone encode decode charset field status stream log schema'
         ;;
     'convert')
-        options='-h --help --to -o --output -d --output-dir --beside --zone --charset --count-means --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
+        options='-h --help --to -o --output -d --output-dir --split --beside --zone --charset --count-means --only --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
         case $previous in
         --to) COMPREPLY=($(compgen -W 'ics vcs' -- "$current")); return ;;
         -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         -d | --output-dir) compopt -o filenames; COMPREPLY=($(compgen -d -- "$current")); return ;;
+        --split) COMPREPLY=(); return ;;
         --zone) COMPREPLY=(); return ;;
         --charset) COMPREPLY=(); return ;;
         --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
+        --only) COMPREPLY=(); return ;;
         --report) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
         esac
         files=1
@@ -51,7 +53,7 @@ _qelutil() {
         --through) COMPREPLY=(); return ;;
         --next) COMPREPLY=(); return ;;
         --search) COMPREPLY=(); return ;;
-        --only) COMPREPLY=($(compgen -W 'events todos notes' -- "$current")); return ;;
+        --only) COMPREPLY=(); return ;;
         --zone) COMPREPLY=(); return ;;
         --charset) COMPREPLY=(); return ;;
         esac
