@@ -84,6 +84,11 @@ def own_days(qelutil, lines, start):
     return days([date.replace("-", "") for date in json.loads(output)["dates"]])
 
 
+def listed(lines, name):
+    """The dates of all lines of that name."""
+    return {date for _, value in values(lines, name) for date in value.split(",")}
+
+
 def has_zone(lines):
     return any(";TZID=" in line for line in lines)
 
@@ -103,6 +108,16 @@ REASONS = (
      lambda field, mine, usual, lines: field == "dates" and values(lines, "EXRULE")),
     ("ical.js", "takes no date out for an EXRULE, libical the first",
      lambda field, mine, usual, lines: field == "dates" and values(lines, "EXRULE")),
+    # Where two rules have one date, an EXDATE takes it out of one of them.
+    ("ical.js", "keeps a date of an EXDATE that several rules have",
+     lambda field, mine, usual, lines: field == "dates" and len(values(lines, "RRULE")) > 1
+     and set(usual["dates"]) < set(mine["dates"])
+     and set(mine["dates"]) - set(usual["dates"]) <= listed(lines, "EXDATE")),
+    ("kcalendarcore", "leaves out an RDATE before the start",
+     lambda field, mine, usual, lines: field == "dates"
+     and set(mine["dates"]) < set(usual["dates"])
+     and all(each in listed(lines, "RDATE") and each < values(lines, "DTSTART")[0][1]
+             for each in set(usual["dates"]) - set(mine["dates"]))),
     ("ical.js", "alone has a number for seconds of more than 68 years",
      lambda field, mine, usual, lines: field == "alarms"
      and any(abs(int(each)) >= 2 ** 31 for each in mine["alarms"] if "T" not in each)),

@@ -5,6 +5,7 @@
 
 #include "QelUtility/RRule.h"
 #include "calendar/api/Calls.h"
+#include "calendar/api/Choosing.h"
 #include "calendar/api/RulesHandle.h"
 #include "calendar/api/TimeValue.h"
 #include "calendar/base/Ascii.h"
@@ -141,10 +142,18 @@ std::optional<DateRange> rangeOf(const qelcal_time* since, const qelcal_time* th
 }  // namespace
 
 int qelcal_rules_read(const char* text, int form, const qelcal_time* start, qelcal_rules** rules) {
+    return qelcal_rules_read_counting(text, form, start, nullptr, rules);
+}
+
+int qelcal_rules_read_counting(const char* text, int form, const qelcal_time* start,
+                               const char* count_means, qelcal_rules** rules) {
     if (text == nullptr || rules == nullptr)
         return fail(QELCAL_INVALID_ARGUMENT, "the text or the result is null");
     *rules = nullptr;
     return guarded([=] {
+        calendar::Choices choices;
+        const int chosen = calendar::api::choose(choices, QELCAL_CHOOSE_COUNT_MEANS, count_means);
+        if (chosen != QELCAL_OK) return chosen;
         const std::string_view value = withoutProperty(calendar::trimmed(text));
         const auto readAs = formOf(form, value);
         if (!readAs) return fail(QELCAL_INVALID_ARGUMENT, "the form is unknown");
@@ -155,7 +164,8 @@ int qelcal_rules_read(const char* text, int form, const qelcal_time* start, qelc
             if (!moment) return fail(QELCAL_INVALID_ARGUMENT, "the start is invalid");
             ruleStart = ruleStartOf(*moment);
         }
-        calendar::RuleReading reading = calendar::readRules(value, *readAs, ruleStart);
+        calendar::RuleReading reading =
+            calendar::readRules(value, *readAs, ruleStart, choices.countMeans);
         if (reading.rules.empty())
             return fail(QELCAL_INVALID_TEXT, reading.notes.empty() ? std::string("no rule in it")
                                                                    : reading.notes.front().text());

@@ -265,7 +265,9 @@ std::optional<int> parseUtcOffset(std::string_view text) {
     text = trimmed(text);
     const int sign = !text.empty() && text.front() == '-' ? -1 : 1;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-    const auto hours = takeDigits(text, 2);
+    // "+1" and "+530" have no zero before the hour.
+    const auto digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    const auto hours = takeDigits(text, digits == 1 || digits == 3 ? 1 : 2);
     if (!hours) return std::nullopt;
     skip(text, ':');
     std::optional<int> minutes = 0;

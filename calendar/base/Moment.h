@@ -78,8 +78,8 @@ struct Duration {
 // The same, but days that were not given as days stay hours: "PT24H".
 [[nodiscard]] std::string formatDuration(const Duration& duration);
 
-// Reads +HH, +HHMM, +HH:MM, +HHMMSS, the sign optional, up to 15 hours either way, into seconds
-// east of UTC.
+// Reads +HH, +HHMM, +HH:MM, +HHMMSS, also with one digit for the hour, the sign optional, up to 15
+// hours either way, into seconds east of UTC.
 [[nodiscard]] std::optional<int> parseUtcOffset(std::string_view text);
 
 // "+0530"; with seconds only where they are not 0. `colon` gives "+05:30".

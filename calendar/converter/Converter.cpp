@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Days.h"
 #include "calendar/converter/FileZone.h"
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/ICalReader.h"
@@ -267,7 +268,7 @@ class Converter::File {
             dropUselessMethod(*first);
         }
         ZonePtr made;
-        if (tz_) made = zoneFromVCalendar(*tz_, daylight_, noteSink());
+        if (tz_) made = zoneOfLines(*tz_, daylight_, zoneName_);
         zone_ = FileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_,
                          vCalReader_.chosenZone(), owner_.zones_->known.world);
         if (!owner_.to_)
@@ -347,6 +348,33 @@ class Converter::File {
         return component == "VTODO" ? choices_.only.todos : choices_.only.notes;
     }
 
+    // Null where `name` says all of the zone, or where there is none.
+    [[nodiscard]] ZonePtr zoneOfLines(const ContentLine& tz,
+                                      const std::vector<ContentLine>& daylight, std::string& name) {
+        const bool isOffset = parseUtcOffset(tz.value) || offsetNamed(tz.value);
+        const auto meant = isOffset ? std::nullopt : worldZoneMeant(tz.value);
+        if (!meant) return zoneFromVCalendar(tz, daylight, noteSink());
+        if (!std::exchange(zoneNameReported_, true))
+            report(Note(NoteCode::ZoneNamedByTz, tz.number, {worldZoneName(*meant), tz.value}));
+        const ZonePtr& zone = owner_.zones_->known.world.zone(*meant);
+        // "EST" beside DAYLIGHT lines says no more than an offset.
+        const int winter = zone->offsetAtUtc(yearBegin(2000));
+        const bool described =
+            std::any_of(daylight.begin(), daylight.end(), [](const ContentLine& line) {
+                return startsWithIgnoreCase(trimmed(line.value), "TRUE");
+            });
+        const bool steady =
+            zone->offsetAtUtc(yearBegin(2000) + std::int64_t{182} * kDaySeconds) == winter;
+        if (!described || !steady) {
+            name = worldZoneName(*meant);
+            return nullptr;
+        }
+        const std::string offset = formatUtcOffset(winter);
+        ContentLine line = tz;
+        line.value = offset;
+        return zoneFromVCalendar(line, daylight, noteSink());
+    }
+
     // The zone of an entry: its own TZ line, where it has one.
     [[nodiscard]] FileZone& zoneOf(const Component& component) {
         const ContentLine* tz = nullptr;
@@ -367,11 +395,12 @@ class Converter::File {
                     report(Note(NoteCode::DaylightWithoutZone, line.number));
             return zone_;
         }
-        ZonePtr made = zoneFromVCalendar(*tz, daylight.empty() ? daylight_ : daylight, noteSink());
+        std::string name;
+        ZonePtr made = zoneOfLines(*tz, daylight.empty() ? daylight_ : daylight, name);
         // Mostly all entries of a file have the same lines.
         if (made == nullptr || entryZone_.zone() == nullptr ||
             entryZone_.zone()->id() != made->id())
-            entryZone_ = FileZone(std::move(made), tz->number, {}, vCalReader_.chosenZone(),
+            entryZone_ = FileZone(std::move(made), tz->number, name, vCalReader_.chosenZone(),
                                   owner_.zones_->known.world);
         return entryZone_;
     }
@@ -414,7 +443,8 @@ class Converter::File {
     std::string zoneName_;          // that goes with TZ
     FileZone zone_;                 // of tz_ and daylight_
     FileZone entryZone_;            // of the last entry that had lines of its own
-    std::uint64_t shifting_ = 0;    // series in UTC, in a file without a zone
+    bool zoneNameReported_ = false;
+    std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
     std::size_t firstShifting_ = 0;
     std::uint64_t notChosen_ = 0;  // entries of kinds that nobody wants
     std::size_t firstNotChosen_ = 0;

@@ -2,15 +2,17 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
+#include <limits>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/base/Strays.h"
 #include "calendar/base/Text.h"
+#include "calendar/entries/EntryDates.h"
 #include "calendar/formats/AlarmReader.h"
 #include "calendar/formats/OccurrenceMeant.h"
+#include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
@@ -217,6 +219,35 @@ void EntryReader::rememberSeries() {
         seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone};
 }
 
+std::set<int> EntryReader::daysOfSeries() const {
+    Entry series;
+    series.start = entry_.start;
+    series.zone = entry_.zone;
+    series.dates = entry_.dates;
+    for (const EntryRule& each : entry_.rules)
+        if (!each.exclude) series.rules.push_back(each);
+    const auto last =
+        std::max_element(entry_.excluded.begin(), entry_.excluded.end(),
+                         [](const Moment& a, const Moment& b) { return a.day < b.day; });
+    const Moment through{last->day + 1, 0, true, Clock::Floating};
+    std::set<int> days;
+    for (const Moment& each : occurrences(series, {std::nullopt, through, 0}))
+        days.insert(each.day);
+    return days;
+}
+
+// The occurrence on a day of UTC of a series that moved from UTC to a zone.
+std::optional<Moment> EntryReader::ofUtcDay(const Moment& day) const {
+    const Moment& start = *entry_.start;
+    if (start.isDate || start.clock != Clock::Zoned || entry_.zone == nullptr) return std::nullopt;
+    Moment local = start;
+    for (const int days : {1, -1}) {
+        local.day = day.day + days;
+        if (entry_.zone->toUtc(local).day == day.day) return local;
+    }
+    return std::nullopt;
+}
+
 void EntryReader::settleExcluded() {
     // Where a rule has times of day of its own, or is not understood, any time may be one of them.
     std::size_t lines = 0;
@@ -228,17 +259,25 @@ void EntryReader::settleExcluded() {
     // Days in UTC are settled with the start's.
     if (entry_.excluded.empty() || daysOfUtc_ || lines < ruleLines_.size()) return;
     const Moment& start = *entry_.start;
+    std::optional<std::set<int>> days;
     std::set<std::int64_t> added;
     for (const Moment& date : entry_.dates) added.insert(entry_.inClockOf(start, date).seconds());
     Strays moved;
     Strays useless;
+    Strays outside;
     for (Moment& date : entry_.excluded) {
         const Moment own = entry_.inClockOf(start, date);
         if (added.contains(own.seconds())) continue;
-        const Moment meant = occurrenceMeant(entry_, start, date);
+        Moment meant = occurrenceMeant(entry_, start, date);
         if (meant != own || date.isDate != start.isDate) {
+            if (!days) days = daysOfSeries();
+            if (date.isDate && !days->contains(meant.day))
+                if (const auto utc = ofUtcDay(date); utc && days->contains(utc->day)) meant = *utc;
             // Midnight of an all-day series is its day in other words.
-            if (!start.isDate || date.second != 0) moved.add(formatMoment(date));
+            if (!days->contains(meant.day))
+                outside.add(formatMoment(date));
+            else if (!start.isDate || date.second != 0)
+                moved.add(formatMoment(date));
             date = meant;
         } else if (meant.second != start.second) {
             useless.add(formatMoment(date));
@@ -247,6 +286,7 @@ void EntryReader::settleExcluded() {
     const std::string time = formatMoment(start);
     std::vector<Note> notes;
     moved.report(notes, NoteCode::ExceptionMeansDay, {"EXDATE"});
+    outside.report(notes, NoteCode::ExceptionOutsideSeries, {"EXDATE"});
     useless.report(notes, NoteCode::ExceptionMatchesNothing,
                    {"EXDATE", start.isDate ? "" : time.substr(9, 2) + ":" + time.substr(11, 2)});
     for (Note& note : notes) {
@@ -465,6 +505,12 @@ void EntryReader::readRuleLines() {
         }
         RuleReading reading = readRules(line.value, ruleForm(), start, choices_.countMeans);
         count += std::max<std::size_t>(reading.rules.size(), 1);
+        const bool otherForm =
+            std::any_of(reading.notes.begin(), reading.notes.end(), [](const Note& note) {
+                return note.code == NoteCode::RuleIsICalendar ||
+                       note.code == NoteCode::RuleIsVCalendar;
+            });
+        const bool isVCalendar = (ruleForm() == RuleForm::VCalendar10) != otherForm;
         for (Note& note : reading.notes) {
             note.line = line.number;
             note.property = line.name;
@@ -475,9 +521,45 @@ void EntryReader::readRuleLines() {
             if (!trimmed(line.value).empty()) carry(line);
             continue;
         }
+        if (isVCalendar && !start->isDate)
+            for (Rule& rule : reading.rules) settleUntil(rule, line);
         entry_.rules.push_back(
             {line.name.ends_with("EXRULE"), std::move(reading.rules), line.number});
     }
+}
+
+void EntryReader::settleUntil(Rule& rule, const ContentLine& line) {
+    const Moment& start = *entry_.start;
+    const auto until = parseMoment(rule.until);
+    if (!until || until->isDate || (entry_.zone == nullptr && until->clock != start.clock)) return;
+    Moment last = entry_.inClockOf(start, *until);
+    if (last.second >= start.second) return;
+    const bool midnight = last.second == 0;
+    last.second = kDaySeconds - 1;
+    Rule whole = rule;
+    whole.until = formatMoment(last);
+    RuleLimits limits;
+    limits.most = std::numeric_limits<std::size_t>::max();
+    limits.lastYear = civilOf(last.day).year;
+    const std::vector<int> days = expandRule(whole, entry_.ruleStart(), limits);
+    if (days.empty() || days.back() != last.day) return;
+    Note note(midnight ? NoteCode::RuleEndWholeDay : NoteCode::RuleEndBeforeTime, line.number,
+              {whole.until.substr(0, 8)});
+    note.property = line.name;
+    note.excerpt = trimmed(line.value).substr(0, kLongestExcerpt);
+    report(std::move(note));
+    if (midnight) rule = std::move(whole);
+}
+
+bool EntryReader::rulesYield(const Moment& start) const {
+    const Civil civil = civilOf(start.day);
+    const RuleStart ruleStart{civil.year, civil.month, civil.day, start.second};
+    return std::all_of(ruleLines_.begin(), ruleLines_.end(), [&](const ContentLine& line) {
+        const RuleReading reading = readRules(line.value, ruleForm(), ruleStart);
+        return line.name.ends_with("EXRULE") ||
+               std::all_of(reading.rules.begin(), reading.rules.end(),
+                           [&](const Rule& rule) { return yieldsStart(rule, ruleStart); });
+    });
 }
 
 void EntryReader::takeDateList(const ContentLine& line) {

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -86,6 +87,8 @@ class EntryReader {
     [[nodiscard]] bool fileDescribesZones() const { return !zones_.described.empty(); }
     // A series in UTC moves to the clock of the entry's zone.
     void moveSeriesToZone();
+    // False where a rule has no date on its start, were that `start`.
+    [[nodiscard]] bool rulesYield(const Moment& start) const;
 
     Entry entry_;
 
@@ -118,9 +121,14 @@ class EntryReader {
     void rememberSeries();
     // Gives dates of the series that are in another form than its start the start's.
     void settleExcluded();
+    // Those on which the series would be without its exceptions, up to the last of these.
+    [[nodiscard]] std::set<int> daysOfSeries() const;
+    [[nodiscard]] std::optional<Moment> ofUtcDay(const Moment& day) const;
     void reportAdditional();
     void takeRecurrence();
     void readRuleLines();
+    // A vCalendar 1.0 rule that ends before the time of day of a date of its series.
+    void settleUntil(Rule& rule, const ContentLine& line);
 
     KnownZones& zones_;
     const Choices& choices_;

@@ -231,6 +231,8 @@ void VCalReader::settleTimes() {
     if (entry_.recurrenceId && entry_.recurrenceId->isDate)
         entry_.recurrenceId = entry_.inClockOf(local, *entry_.recurrenceId);
     if (zone == nullptr || entry_.start->clock != Clock::Utc || !hasRecurrence()) return;
+    if (local.day != entry_.start->day && !rulesYield(local) && rulesYield(*entry_.start))
+        return report(Note(NoteCode::SeriesDaysOfUtc, entry_.line));
     moveSeriesToZone();
 }
 

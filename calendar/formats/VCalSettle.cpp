@@ -85,6 +85,11 @@ std::string VCalSettling::untilText(const std::string& until) const {
     moment = entry().inClockOf(start, moment);
     if (!moment.isDate && start.clock == Clock::Utc) moment.clock = Clock::Utc;
     if (start.clock == Clock::Floating) moment.clock = Clock::Floating;
+    // Phones take the whole of the last day.
+    if (!moment.isDate && moment.second < start.second && moment.day > start.day) {
+        --moment.day;
+        moment.second = start.second;
+    }
     return formatMoment(moment);
 }
 

@@ -245,6 +245,33 @@ std::string parameterValue(std::string_view text) {
     return value;
 }
 
+void takeParameters(std::string_view head, ContentLine& line) {
+    while (!head.empty()) {
+        const std::string_view parameter = nextParameter(head);
+        const std::size_t equals = parameter.find('=');
+        if (trimmed(parameter).empty()) continue;
+        if (equals == std::string_view::npos) {
+            line.parameters.push_back({"", parameterValue(trimmed(parameter))});
+        } else {
+            line.parameters.push_back({upper(trimmed(parameter.substr(0, equals))),
+                                       parameterValue(trimmed(parameter.substr(equals + 1)))});
+        }
+    }
+}
+
+// "TZID=GMT+01:00:20050601T090000": a zone's name with a colon that should be in quotes.
+void takeRestOfZone(ContentLine& line) {
+    constexpr std::size_t kDate = 8;
+    const std::size_t last = line.value.rfind(':');
+    if (last == std::string_view::npos || line.value.size() - last <= kDate ||
+        !allDigits(line.value.substr(last + 1, kDate)))
+        return;
+    std::string_view rest = line.value.substr(0, last);
+    line.value.remove_prefix(last + 1);
+    line.parameters.back().value += ":" + parameterValue(trimmed(nextParameter(rest)));
+    takeParameters(rest, line);
+}
+
 }  // namespace
 
 std::string_view ContentLine::parameter(std::string_view parameterName) const {
@@ -278,18 +305,9 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     if (line.name.empty()) return false;
     line.untidy = line.name.data() != raw.text.data() || isBlank(raw.text[line.name.size()]);
     line.id = propertyName(line.name);
-    while (!head.empty()) {
-        const std::string_view parameter = nextParameter(head);
-        const std::size_t equals = parameter.find('=');
-        if (trimmed(parameter).empty()) continue;
-        if (equals == std::string_view::npos) {
-            line.parameters.push_back({"", parameterValue(trimmed(parameter))});
-        } else {
-            line.parameters.push_back({upper(trimmed(parameter.substr(0, equals))),
-                                       parameterValue(trimmed(parameter.substr(equals + 1)))});
-        }
-    }
+    takeParameters(head, line);
     line.value = std::string_view(raw.text).substr(colon + 1);
+    if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
     return true;
 }
 

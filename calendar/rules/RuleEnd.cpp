@@ -7,6 +7,8 @@
 namespace qel::calendar {
 
 bool readUntil(std::string_view text, RuleEnd& end) {
+    // "20050624Z": a day is the same with it.
+    if (text.size() == 9 && (text.back() == 'Z' || text.back() == 'z')) text.remove_suffix(1);
     const auto moment = parseMoment(text);
     if (!moment) return false;
     end.until = formatMoment(*moment);

@@ -18,9 +18,9 @@ namespace qel::calendar {
 
 namespace {
 
-// Some programs write "W1.MO.TU".
+// Some programs write "W1.MO.TU" or "W1 MO,TU".
 bool separates(char c) {
-    return isBlank(c) || c == '.';
+    return isBlank(c) || c == '.' || c == ',';
 }
 
 std::vector<std::string_view> tokensOf(std::string_view text) {
@@ -32,8 +32,7 @@ std::vector<std::string_view> tokensOf(std::string_view text) {
         const std::size_t begin = at;
         while (at < text.size() && !separates(text[at])) ++at;
         std::string_view token = text.substr(begin, at - begin);
-        while (!token.empty() && (token.back() == ';' || token.back() == ','))
-            token.remove_suffix(1);
+        while (!token.empty() && token.back() == ';') token.remove_suffix(1);
         if (!token.empty()) tokens.push_back(token);
     }
     return tokens;
@@ -134,7 +133,8 @@ class RuleParser {
                 strays_.add(token);
             return true;
         }
-        if (token.size() < 8 || !allDigits(token.substr(0, 8))) return false;
+        const bool separated = token.size() >= 10 && token[4] == '-' && token[7] == '-';
+        if (token.size() < 8 || !allDigits(token.substr(0, separated ? 4 : 8))) return false;
         if (!readUntil(token, end_)) badEnd_ = token.substr(0, kLongestExcerpt);
         return true;
     }
@@ -339,7 +339,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
                         CountMeans countMeans, RuleReading& reading) {
     const std::vector<std::string_view> tokens = tokensOf(text);
     if (tokens.empty()) return;
-    const bool dots = text.find('.') != std::string_view::npos;
+    const bool dots = text.find_first_of(".,") != std::string_view::npos;
     std::optional<Head> head = readHead(tokens.front());
     if (!head) {
         reading.notes.emplace_back(NoteCode::RuleNotRecognised);

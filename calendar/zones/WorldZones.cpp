@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -20,6 +21,7 @@ constexpr int kLastYear = 2499;
 constexpr std::size_t kMostSuggestions = 5;
 // Longer texts are no names; they are not compared with all names.
 constexpr std::size_t kLongestName = 100;
+constexpr int kHour = 3600;
 
 struct Transition {
     std::int64_t utc = 0;
@@ -155,6 +157,18 @@ std::optional<std::size_t> worldZoneMeant(std::string_view tzid) {
     if (tzid.size() > 2 * kLongestName) return std::nullopt;
     for (const WindowsZone& each : windowsZones())
         if (equalsIgnoreCase(each.windows, tzid)) return findWorldZone(each.world);
+    constexpr std::string_view kDaylight = "Daylight Time";
+    if (tzid.ends_with(kDaylight)) {
+        std::string standard(tzid.substr(0, tzid.size() - kDaylight.size()));
+        standard += "Standard Time";
+        for (const WindowsZone& each : windowsZones())
+            if (standard == each.windows) return findWorldZone(each.world);
+    }
+    // The database's names of offsets have the other sign.
+    if (const auto offset = offsetNamed(tzid); offset && *offset % kHour == 0)
+        return findWorldZone(*offset == 0 ? "Etc/GMT"
+                                          : std::string("Etc/GMT") + (*offset > 0 ? '-' : '+') +
+                                                std::to_string(std::abs(*offset) / kHour));
     // From the whole text to its last part: the name is the longest one that there is.
     for (std::string_view rest = tzid; !rest.empty();) {
         if (const auto found = findWorldZone(rest)) return found;
@@ -170,6 +184,14 @@ std::optional<std::size_t> worldZoneMeant(std::string_view tzid) {
         if (rest.find('/') == std::string_view::npos && !equalsIgnoreCase(rest, "UTC")) break;
     }
     return std::nullopt;
+}
+
+std::optional<int> offsetNamed(std::string_view text) {
+    text = trimmed(text);
+    for (const std::string_view prefix : {"GMT", "UTC"})
+        if (startsWithIgnoreCase(text, prefix)) text.remove_prefix(prefix.size());
+    if (text.empty() || (text.front() != '+' && text.front() != '-')) return std::nullopt;
+    return parseUtcOffset(text);
 }
 
 std::string noWorldZone(std::string_view name) {

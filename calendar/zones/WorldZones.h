@@ -22,9 +22,12 @@ namespace qel::calendar {
 // By its name without regard to case: "europe/berlin".
 [[nodiscard]] std::optional<std::size_t> findWorldZone(std::string_view name);
 // The zone that a TZID means which the file does not describe: an IANA name, also after a prefix as
-// in "/mozilla.org/20050126_1/Europe/Berlin", with "-" for "/" or with blanks; or a name of Windows
-// ("W. Europe Standard Time").
+// in "/mozilla.org/20050126_1/Europe/Berlin", with "-" for "/" or with blanks; a name of Windows
+// ("W. Europe Standard Time", also with "Daylight"); or an offset of whole hours.
 [[nodiscard]] std::optional<std::size_t> worldZoneMeant(std::string_view tzid);
+// "GMT+0100", "UTC-5", "+01:00": seconds east of UTC, as a TZ line or a TZID has them instead of a
+// zone's name. The sign is required.
+[[nodiscard]] std::optional<int> offsetNamed(std::string_view text);
 // Why there is no zone of that name, with names that resemble it: `there is no time zone "berlin";
 // similar names: Europe/Berlin`.
 [[nodiscard]] std::string noWorldZone(std::string_view name);

@@ -11,6 +11,7 @@
 #include "calendar/rules/Rule.h"
 #include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/text/Digest.h"
+#include "calendar/zones/WorldZones.h"
 #include "calendar/zones/YearlyChange.h"
 
 namespace qel::calendar {
@@ -126,6 +127,8 @@ class ZoneBuilder {
             reject(line);
             return;
         }
+        if (*offset == standard_)
+            sink_(Note(NoteCode::DaylightWithoutChange, line.number, {line.value}));
         raw.period.offset = *offset;
         raw.begin = *begin;
         raw.end = *end;
@@ -144,7 +147,9 @@ class ZoneBuilder {
         // Before any change, and for all time where there is none.
         addObservance({false, firstYearBegin(), standard_, standard_,
                        periods_.empty() ? "" : periods_.front().standardName, ""});
-        if (!periods_.empty()) zone_.daylight = {periods_.front().beginUtc, periods_.back().endUtc};
+        if (std::any_of(periods_.begin(), periods_.end(),
+                        [this](const Period& each) { return each.offset != standard_; }))
+            zone_.daylight = {periods_.front().beginUtc, periods_.back().endUtc};
         const auto all = yearlyRule(periods_);
         if (all && (periods_.size() > 1 || isClear(periods_.front())))
             addYearly(*all);
@@ -287,7 +292,8 @@ class ZoneBuilder {
 
 ZonePtr zoneFromVCalendar(const ContentLine& tz, const std::vector<ContentLine>& daylight,
                           const NoteSink& sink) {
-    const auto standard = parseUtcOffset(tz.value);
+    auto standard = parseUtcOffset(tz.value);
+    if (!standard) standard = offsetNamed(tz.value);
     if (!standard) {
         if (!trimmed(tz.value).empty())
             sink(Note(NoteCode::UtcOffsetInvalid, tz.number, {tz.value}));

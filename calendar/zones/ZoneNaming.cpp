@@ -27,6 +27,11 @@ ZoneNaming::ZoneNaming(ZonePtr made, ZonePtr wanted, WorldZones& world)
     }
     findCandidates(world);
     if (candidates_.empty()) return;
+    // Lines without a rule say nothing about other years: a zone that has them knows more.
+    if (!made_->parts().continued) {
+        firstSteadyYear_ = kAlways;
+        return;
+    }
     const auto agreesFrom = [this](int year) {
         return agree(*made_, *candidates_.front(), yearBegin(year), yearBegin(kLastYear + 1));
     };

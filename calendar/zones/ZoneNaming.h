@@ -21,7 +21,8 @@ class ZoneNaming {
     // The zone for an entry of the years `first` to `last`. The wanted one, where the lines agree
     // with it; without lines for daylight time, where its clocks agree in those years. Else, where
     // nothing is wanted, the first of the zones that Windows has whose clocks agree with the lines
-    // and in those years; TZ alone means no place. Else the one that was made.
+    // and in those years, as far as the lines show a rule for them; TZ alone means no place. Else
+    // the one that was made.
     [[nodiscard]] const ZonePtr& zoneFor(int first, int last) const;
     // The same for an entry from `first` on without regard to its end; null where that matters.
     [[nodiscard]] ZonePtr zoneFrom(int first) const {
@@ -29,6 +30,7 @@ class ZoneNaming {
     }
 
   private:
+    static constexpr int kAlways = -10000;
     static constexpr int kNever = 10000;
 
     void findCandidates(WorldZones& world);
@@ -38,7 +40,7 @@ class ZoneNaming {
     ZonePtr wanted_;
     bool alwaysWanted_ = false;
     std::vector<ZonePtr> candidates_;
-    // From then on the first candidate agrees in all years.
+    // From then on the first candidate agrees in all years that the lines say something about.
     int firstSteadyYear_ = kNever;
 };
 

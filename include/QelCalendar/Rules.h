@@ -23,13 +23,15 @@ namespace qelcal {
 ///     rules.words();  // every 2 weeks on Monday, Wednesday and Friday, 10 times
 class Rules {
   public:
-    /// Reads a text whose series starts on `start`; see qelcal_rules_read. Throws Error.
-    Rules(const std::string& text, const Time& start, qelcal_form form = QELCAL_FORM_ANY) {
-        read(text, &start, form);
+    /// Reads a text whose series starts on `start`; see qelcal_rules_read, and
+    /// QELCAL_CHOOSE_COUNT_MEANS for `countMeans`. Throws Error.
+    Rules(const std::string& text, const Time& start, qelcal_form form = QELCAL_FORM_ANY,
+          const std::string& countMeans = {}) {
+        read(text, &start, form, countMeans);
     }
     /// The same without a start: words() is empty and dates() throws.
     explicit Rules(const std::string& text, qelcal_form form = QELCAL_FORM_ANY) {
-        read(text, nullptr, form);
+        read(text, nullptr, form, {});
     }
     /// Rules that belong to `owner`, which is kept alive.
     Rules(const qelcal_rules* rules, std::shared_ptr<const void> owner)
@@ -101,9 +103,11 @@ class Rules {
     const qelcal_rules* get() const noexcept { return rules_.get(); }
 
   private:
-    void read(const std::string& text, const Time* start, qelcal_form form) {
+    void read(const std::string& text, const Time* start, qelcal_form form,
+              const std::string& countMeans) {
         qelcal_rules* rules = nullptr;
-        detail::check(qelcal_rules_read(text.c_str(), form, start, &rules));
+        detail::check(
+            qelcal_rules_read_counting(text.c_str(), form, start, countMeans.c_str(), &rules));
         rules_ = std::shared_ptr<const qelcal_rules>(rules, [](const qelcal_rules* owned) {
             qelcal_rules_free(const_cast<qelcal_rules*>(owned));
         });

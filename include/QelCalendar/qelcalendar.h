@@ -215,6 +215,12 @@ typedef struct qelcal_rules qelcal_rules;
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_read(const char* text, int form,
                                                        const qelcal_time* start,
                                                        qelcal_rules** rules);
+/** The same with a choice of what the number after # of a vCalendar 1.0 rule counts: a value of
+ * QELCAL_CHOOSE_COUNT_MEANS, null for the default. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_rules_read_counting(const char* text, int form,
+                                                                const qelcal_time* start,
+                                                                const char* count_means,
+                                                                qelcal_rules** rules);
 /** Frees what qelcal_rules_read returned; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_rules_free(qelcal_rules* rules);
 /** The qelcal_form that the text was read as; QELCAL_FORM_ANY for the rules of an entry. */

@@ -161,7 +161,8 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_RECORD_SEVERAL = 345,
     /**< One record cannot express the rule. Each of them has the whole rule's count. */
     QELCAL_NOTE_RULE_DOTS = 346,
-    /**< Some programs separate the parts of a rule by dots. The format has blanks there. */
+    /**< Some programs separate the parts of a rule by dots or commas. The format has blanks
+     * there. */
     QELCAL_NOTE_RULE_END_OTHER_CLOCK = 347,
     /**< The file names no zone that relates the two clocks. The end is taken for the last date of
      * the series where some usual zone makes it that, else for a whole day. */
@@ -177,6 +178,14 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_EXCEPTION_RULE_CUT = 351,
     /**< The entry has a rule for dates on which it does not take place, which today's calendar
      * programs ignore. Its dates are listed one by one, but there are too many for that. */
+    QELCAL_NOTE_RULE_END_BEFORE_TIME = 352,
+    /**< The rule ends at a time of day at which the last date has not begun yet. Most phones mean
+     * the whole of the last day, but they write midnight or the entry's own time then. */
+    QELCAL_NOTE_SERIES_DAYS_OF_UTC = 353,
+    /**< The entry is given in UTC and is on another day on the clock of the file's zone. Its rule
+     * names the day of UTC. Read on the zone's clock, it would be on the wrong days. */
+    QELCAL_NOTE_EXCEPTION_OUTSIDE_SERIES = 354,
+    /**< The file takes a day out of the series on which the series does not take place. */
     QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
     /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
      * local times, without a time zone. */
@@ -222,6 +231,12 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_DAYLIGHT_LINES_END = 446,
     /**< The entry repeats for a long time, and vCalendar 1.0 describes daylight saving time year by
      * year. Reported once for each calendar. */
+    QELCAL_NOTE_ZONE_NAMED_BY_TZ = 447,
+    /**< The file gives its time zone by a name that is known. Its times are read as times of that
+     * zone, as the IANA time zone database describes it. */
+    QELCAL_NOTE_DAYLIGHT_WITHOUT_CHANGE = 448,
+    /**< The file describes daylight saving time, but its clocks are the same in summer and in
+     * winter. Some programs write the offset of the day of the export as that of the zone. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file contains something other than events, to-dos and notes, for example free and busy
      * times. Only those three are converted. */

@@ -46,6 +46,7 @@ TEST_F(QelutilTest, JsonIsAsItsSchemaSays) {
         {{"expand", "D1 #9", "--start", "20050613", "--exclude", "20050614", "--json"}, ""},
         {{"date", "20050615T083000Z", "20050615", "PT5M", "--json"}, ""},
         {{"zone", "list", "--json"}, ""},
+        {{"zone", "show", "Europe/Berlin", "--json"}, ""},
         {{"zone", "convert", "20050615T083000Z", "--to", "berlin", "--json"}, ""},
         {{"zone", "changes", "berlin", "--year", "2005", "--json"}, ""},
         {{"charset", "--list", "--json"}, ""},

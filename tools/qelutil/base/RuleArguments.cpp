@@ -30,13 +30,19 @@ void RuleArguments::addTo(CLI::App& command) {
     command.add_option("--from", from, "The form of TEXT; detected if not given")
         ->type_name("FORM")
         ->check(CLI::IsMember({"v10", "ical", "positional"}));
+    command
+        .add_option("--count-means", countMeans,
+                    "What #10 means in a vCalendar 1.0 rule with several days in a week, month or\n"
+                    "year: 10 dates, which is the default, or 10 weeks, months or years")
+        ->option_text("dates|periods")
+        ->check(CLI::IsMember({"dates", "periods"}));
 }
 
 ReadRules readRuleArguments(const RuleArguments& arguments) {
     const Time start = readMomentOf("--start", arguments.start);
     const qelcal_form form = arguments.from.empty() ? QELCAL_FORM_ANY : formOfName(arguments.from);
     try {
-        return {start, qelcal::Rules(arguments.text, start, form)};
+        return {start, qelcal::Rules(arguments.text, start, form, arguments.countMeans)};
     } catch (const qelcal::Error& problem) {
         throw InputError("\"" + printable(arguments.text, 200) + "\": " + problem.what());
     }

@@ -19,8 +19,9 @@ struct RuleArguments {
     std::string text;
     std::string start;
     std::string from;
+    std::string countMeans;
 
-    // Adds TEXT, --start and --from to the command.
+    // Adds TEXT, --start, --from and --count-means to the command.
     void addTo(CLI::App& command);
 };
 

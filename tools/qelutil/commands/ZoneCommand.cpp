@@ -1,4 +1,5 @@
-// qelutil zone: the table of time zones, times moved between them, and a year's changes of offset.
+// qelutil zone: the time zones, their rules, times moved between them, and a year's changes of
+// offset.
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -11,6 +12,8 @@
 #include "QelUtility/ZQDate.h"
 #include "base/Json.h"
 #include "base/Moment.h"
+#include "base/Text.h"
+#include "base/ZoneRules.h"
 #include "commands/Commands.h"
 
 namespace qel::cli {
@@ -34,6 +37,8 @@ struct Options {
     std::string to;
     std::string zone;
     std::string year;
+    bool table = false;
+    bool iana = false;
     bool json = false;
 };
 
@@ -58,30 +63,107 @@ void noteYear(Context& context, const Zone& zone, int year) {
                      " the offset of the nearest change is used");
 }
 
-void list(Context& context, const Options& options) {
-    Json document = Json::array();
-    for (const Zone& zone : Zone::all()) {
-        constexpr std::int64_t kJanuary2005 = 38352 * kDaySeconds;
-        const std::vector<qelcal_offset_change> changes = zone.changes(2005);
-        std::int64_t standard = zone.offset(kJanuary2005);
-        std::optional<std::int64_t> summer;
-        if (!changes.empty()) {
-            standard = std::min(changes[0].before, changes[0].after);
-            summer = std::max(changes[0].before, changes[0].after);
+// The offsets of a year: that of the winter, and that of the summer where it has one.
+struct Offsets {
+    std::int64_t standard;
+    std::optional<std::int64_t> summer;
+};
+
+Offsets offsetsOf(const Zone& zone, int year) {
+    Time january{};
+    january.year = year;
+    january.month = january.day = 1;
+    const std::vector<qelcal_offset_change> changes = zone.changes(year);
+    if (changes.empty()) return {zone.offset(january.seconds()), std::nullopt};
+    const auto [least, most] = std::minmax({changes[0].before, changes[0].after});
+    return {least, most};
+}
+
+bool isOfDatabase(const Zone& zone) {
+    return zone.number() >= QELCAL_FIRST_WORLD_ZONE;
+}
+
+// Those of the table and of the database, or one of them, with `options.zone` in their names.
+std::vector<Zone> listedZones(const Options& options) {
+    std::vector<Zone> zones;
+    if (!options.iana) zones = Zone::all();
+    if (!options.table)
+        for (const Zone& each : Zone::world()) zones.push_back(each);
+    const auto lower = [](std::string text) {
+        for (char& c : text) {
+            if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+            if (c == '_') c = ' ';
         }
+        return text;
+    };
+    const std::string part = lower(options.zone);
+    std::erase_if(zones, [&](const Zone& each) {
+        return lower(each.name()).find(part) == std::string::npos;
+    });
+    return zones;
+}
+
+void list(Context& context, const Options& options) {
+    constexpr int kTableYear = 2005;
+    const int year = thisYear();
+    Json document = Json::array();
+    const std::vector<Zone> zones = listedZones(options);
+    for (const Zone& zone : zones) {
+        const bool world = isOfDatabase(zone);
+        const auto [standard, summer] = offsetsOf(zone, world ? year : kTableYear);
         if (options.json) {
-            document.push_back({{"number", zone.number()},
+            document.push_back({{"number", world ? Json() : Json(zone.number())},
                                 {"name", zone.name()},
                                 {"standard", offsetText(standard)},
                                 {"summer", summer ? Json(offsetText(*summer)) : Json()}});
         } else {
-            const std::string number = std::to_string(zone.number());
-            context.out << (number.size() < 2 ? " " : "") << number << "  " << offsetText(standard)
-                        << "  " << (summer ? offsetText(*summer) : "      ") << "  " << zone.name()
-                        << '\n';
+            const std::string number = world ? "" : std::to_string(zone.number());
+            context.out << std::string(2 - std::min<std::size_t>(number.size(), 2), ' ') << number
+                        << "  " << offsetText(standard) << "  "
+                        << (summer ? offsetText(*summer) : "      ") << "  " << zone.name() << '\n';
         }
     }
     if (options.json) writeJson(context.out, "zone list", {{"zones", document}});
+    if (zones.empty()) context.error("no zone has \"" + printable(options.zone) + "\" in its name");
+}
+
+std::string yearsText(const ZoneRule& rule) {
+    const std::string first = std::to_string(rule.first);
+    if (rule.endless) return "from " + first + " on";
+    return rule.last == rule.first ? first : first + " to " + std::to_string(rule.last);
+}
+
+void show(Context& context, const Options& options) {
+    const Zone zone = zoneNamed(options.zone);
+    const std::vector<ZoneRule> rules = zoneRules(zone);
+    const std::string always = offsetText(offsetsOf(zone, thisYear()).standard);
+    if (options.json) {
+        Json document{{"name", zone.name()}, {"rules", Json::array()}};
+        if (rules.empty()) document["always"] = always;
+        for (const ZoneRule& rule : rules) {
+            Json json{{"first", rule.first},
+                      {"last", rule.endless ? Json() : Json(rule.last)},
+                      {"changes", Json::array()}};
+            for (const YearlyChange& each : rule.changes)
+                json["changes"].push_back({{"when", each.when},
+                                           {"before", offsetText(each.before)},
+                                           {"after", offsetText(each.after)}});
+            document["rules"].push_back(std::move(json));
+        }
+        return writeJson(context.out, "zone show", document);
+    }
+    context.out << zone.name() << '\n';
+    if (rules.empty()) context.out << "  always " << always << '\n';
+    for (const ZoneRule& rule : rules) {
+        constexpr std::size_t kWidth = 14;
+        std::string years = yearsText(rule);
+        for (const YearlyChange& each : rule.changes) {
+            years.resize(std::max(years.size(), kWidth), ' ');
+            context.out << "  " << years << "  " << offsetText(each.before) << " to "
+                        << offsetText(each.after) << "  " << each.when << '\n';
+            years.clear();
+        }
+    }
 }
 
 // A time before and after, with the offsets from UTC that it has in the two zones.
@@ -210,22 +292,37 @@ constexpr char kZoneHelp[] =
 void addZoneCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     CLI::App* command =
-        app.add_subcommand("zone", "Time zones: their list, conversions, changes of a year");
+        app.add_subcommand("zone", "Time zones: their list, rules, conversions, changes of a year");
     command->require_subcommand(1);
     command->footer(
         "The zones are those of the library's table, with its rules for 1990 to 2010, and by "
         "their\n"
         "whole names those of the IANA time zone database, with the rules of all years.\n"
         "Examples:\n"
-        "  qelutil zone list\n"
+        "  qelutil zone list berlin\n"
+        "  qelutil zone show Europe/Berlin\n"
         "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
         "  qelutil zone changes America/New_York --year 2030");
 
     CLI::App* listing = command->add_subcommand(
-        "list", "List the table's zones: number, standard and summer offset, name");
+        "list", "List the zones: number in the table, standard and summer offset, name");
+    listing->add_option("TEXT", options->zone, "a part of the names; all zones when it is missing");
+    CLI::Option* table =
+        listing->add_flag("--table", options->table, "only the library's table, as in 2005");
+    listing->add_flag("--iana", options->iana, "only the IANA time zone database, as in this year")
+        ->excludes(table);
     listing->add_flag("--json", options->json, "print the facts as JSON");
-    listing->footer("Example:\n  qelutil zone list --json");
+    listing->footer(
+        "Examples:\n  qelutil zone list --table\n  qelutil zone list berlin\n  qelutil zone list "
+        "--iana america/ --json");
     listing->callback([options, &context] { list(context, *options); });
+
+    CLI::App* showing =
+        command->add_subcommand("show", "Show the rules of a zone's changes of offset");
+    showing->add_option("ZONE", options->zone, kZoneHelp)->required();
+    showing->add_flag("--json", options->json, "print the facts as JSON");
+    showing->footer("Example:\n  qelutil zone show Europe/Berlin");
+    showing->callback([options, &context] { show(context, *options); });
 
     CLI::App* conversion = command->add_subcommand("convert", "Convert times between zones");
     conversion

@@ -17,7 +17,7 @@ _qelutil() {
         '') command=$previous ;;
         zone)
             case $previous in
-            list | convert | changes) command+=" $previous" ;;
+            list | show | convert | changes) command+=" $previous" ;;
             esac
             ;;
         esac
@@ -60,19 +60,21 @@ _qelutil() {
         files=1
         ;;
     'rule')
-        options='-h --help --start --from --to --count --calendar --json'
+        options='-h --help --start --from --count-means --to --count --calendar --json'
         case $previous in
         --start) COMPREPLY=(); return ;;
         --from) COMPREPLY=($(compgen -W 'v10 ical positional' -- "$current")); return ;;
+        --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --to) COMPREPLY=($(compgen -W 'v10 ical positional' -- "$current")); return ;;
         --count) COMPREPLY=(); return ;;
         esac
         ;;
     'expand')
-        options='-h --help --start --from --since --through --exclude --count --record --calendar --json'
+        options='-h --help --start --from --count-means --since --through --exclude --count --record --calendar --json'
         case $previous in
         --start) COMPREPLY=(); return ;;
         --from) COMPREPLY=($(compgen -W 'v10 ical positional' -- "$current")); return ;;
+        --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --since) COMPREPLY=(); return ;;
         --through) COMPREPLY=(); return ;;
         --exclude) COMPREPLY=(); return ;;
@@ -89,9 +91,12 @@ _qelutil() {
         ;;
     'zone')
         options='-h --help'
-        words='list convert changes'
+        words='list show convert changes'
         ;;
     'zone list')
+        options='-h --help --table --iana --json'
+        ;;
+    'zone show')
         options='-h --help --json'
         ;;
     'zone convert')
