@@ -8,6 +8,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/converter/FileZone.h"
+#include "calendar/converter/Namesakes.h"
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/ICalReader.h"
 #include "calendar/formats/ICalWriter.h"
@@ -320,6 +321,9 @@ class Converter::File {
         Entry* const entry = reader->read(component, fileZone.zone());
         if (entry == nullptr) return;
         fileZone.settle(*entry, noteSink());
+        if (const auto date = namesakes_.differs(*entry, owner_.zones_->known.world))
+            report(Note(NoteCode::ZoneDiffersFromName, entry->line,
+                        {formatMoment(*date), entry->zone->id()}));
         countShifting(*entry);
         entry->madeUid = std::move(uid);
         ++owner_.counts_.entries;
@@ -444,6 +448,7 @@ class Converter::File {
     FileZone zone_;                 // of tz_ and daylight_
     FileZone entryZone_;            // of the last entry that had lines of its own
     bool zoneNameReported_ = false;
+    Namesakes namesakes_;
     std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
     std::size_t firstShifting_ = 0;
     std::uint64_t notChosen_ = 0;  // entries of kinds that nobody wants
