@@ -211,6 +211,10 @@ bool changesAscii(const CharacterSet& set) {
     return set.changesAscii;
 }
 
+bool isSingleByte(const CharacterSet& set) {
+    return set.upperHalf != nullptr;
+}
+
 std::size_t decode(const CharacterSet& set, std::string_view bytes, std::string& text) {
     return decodeBytes(set.decoder, set.upperHalf, bytes, text);
 }

@@ -24,6 +24,9 @@ struct CharacterSet;
 // True when bytes below 0x80 need not be ASCII, in sets that switch by escapes or have wide units.
 [[nodiscard]] bool changesAscii(const CharacterSet& set);
 
+// True when each byte is a character.
+[[nodiscard]] bool isSingleByte(const CharacterSet& set);
+
 // Appends the text in UTF-8. Each invalid sequence becomes one U+FFFD, and an ASCII byte that
 // follows a lead byte by mistake is kept. Returns the number of invalid sequences.
 std::size_t decode(const CharacterSet& set, std::string_view bytes, std::string& text);

@@ -108,6 +108,9 @@ void AlarmReader::takeAddress(const ContentLine& line) {
     if (!alarm_.address.empty()) return takeOther(line, EntryProperty::Type::Raw);
     alarm_.address = std::string(trimmed(reader_.text(line)));
     if (startsWithIgnoreCase(alarm_.address, "mailto:")) alarm_.address.erase(0, 7);
+    for (const Parameter& each : line.parameters)
+        if (!each.name.empty() && each.name != "ENCODING" && each.name != "CHARSET")
+            alarm_.addressParameters.push_back(each);
 }
 
 void AlarmReader::takeOther(const ContentLine& line, EntryProperty::Type type) {
@@ -159,6 +162,7 @@ bool AlarmReader::restoreAs(Action action) {
     restored.fromEnd = alarm_.fromEnd;
     restored.line = alarm_.line;
     restored.summary = alarm_.summary;
+    restored.addressParameters = alarm_.addressParameters;
     restored.fields = own->value();
     for (const Parameter& each : own->parameters) {
         const bool carried = each.name.starts_with(kVCalendarPrefix);
@@ -195,6 +199,9 @@ void AlarmReader::takeLine(const ContentLine& line) {
     for (const Parameter& each : line.parameters)
         if (alarm_.action == Action::Email && each.name == kMailSummary)
             alarm_.summary = each.value;
+        else if (alarm_.action == Action::Email && each.name.starts_with(kICalendarPrefix))
+            alarm_.addressParameters.push_back(
+                {each.name.substr(kICalendarPrefix.size()), each.value});
         else if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
                  !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);

@@ -16,6 +16,8 @@ namespace {
 
 using Action = Alarm::Action;
 
+constexpr std::string_view kMailScheme = "mailto:";
+
 std::string keptName(const Alarm& alarm) {
     return std::string(kVCalendarPrefix) + std::string(alarmName(alarm.action));
 }
@@ -69,7 +71,7 @@ class ActionLines {
                 out_ += "ACTION:PROCEDURE\r\n";
                 return addSound();
             case Action::Email:
-                if (addressFromVCalendar(alarm_.address).uri.starts_with("mailto:"))
+                if (addressFromVCalendar(alarm_.address).uri.starts_with(kMailScheme))
                     return addEmail();
                 // There is nobody to write to: the person is reminded here.
                 [[fallthrough]];
@@ -94,11 +96,16 @@ class ActionLines {
 
     void addEmail() {
         out_ += "ACTION:EMAIL\r\n";
-        addICalendarLine(out_, "ATTENDEE", {}, "mailto:" + alarm_.address);
+        const CalendarAddress address = addressFromVCalendar(alarm_.address);
+        std::vector<Parameter> parameters = alarm_.addressParameters;
+        const bool hasName = std::any_of(parameters.begin(), parameters.end(),
+                                         [](const Parameter& each) { return each.name == "CN"; });
+        if (!address.name.empty() && !hasName) parameters.push_back({"CN", address.name});
+        addICalendarLine(out_, "ATTENDEE", parameters, address.uri);
         addICalendarLine(out_, "SUMMARY", {},
                          alarm_.summary.empty() ? summary_ : std::string_view(alarm_.summary),
                          Value::Escaped);
-        written_.address = alarm_.address;
+        written_.address = address.uri.substr(kMailScheme.size());
         addDescription();
     }
 
@@ -196,6 +203,8 @@ void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm)
     if (alarm.action == Alarm::Action::Email && !alarm.summary.empty() &&
         alarm.summary != (own == nullptr ? kReminder : std::string_view(own->value())))
         parameters.push_back({std::string(kMailSummary), alarm.summary});
+    for (const Parameter& each : alarm.addressParameters)
+        parameters.push_back({std::string(kICalendarPrefix) + each.name, each.value});
     // In binary the fields before the sound are on the first line.
     if (isBinary(alarm))
         out += vCalendarBase64(name, parameters, value);

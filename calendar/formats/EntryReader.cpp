@@ -12,6 +12,7 @@
 #include "calendar/entries/EntryDates.h"
 #include "calendar/formats/AlarmReader.h"
 #include "calendar/formats/OccurrenceMeant.h"
+#include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
 #include "calendar/text/ContentValue.h"
@@ -624,11 +625,15 @@ void EntryReader::addPerson(const ContentLine& line, std::string_view value,
             parameters.erase(name);
         else
             name->name = "X-VCAL-CN";
-    } else if (line.id == PropertyName::Organizer && withoutScheme(address).empty() &&
-               name != parameters.end() && !trimmed(name->value).empty()) {
-        address = "invalid:nomail";
+    } else if (withoutScheme(address).empty() && name != parameters.end() &&
+               !trimmed(name->value).empty()) {
+        address = kNoMail;
     }
-    if (line.id == PropertyName::Organizer && withoutScheme(address).empty()) return;
+    const bool named = std::any_of(parameters.begin(), parameters.end(), [](const Parameter& each) {
+        return each.name == "CN" && !trimmed(each.value).empty();
+    });
+    // Nobody.
+    if (withoutScheme(address).empty() || (address == kNoMail && !named)) return;
     add(line, line.name, EntryProperty::Type::Raw, address, std::move(parameters));
 }
 
@@ -645,6 +650,11 @@ void EntryReader::carry(const ContentLine& line, NoteCode why, std::string_view 
     report(
         Note(why, line.number, {line.name, carriedName(line), value.substr(0, kLongestExcerpt)}));
     carry(line);
+}
+
+void EntryReader::carryRaw(const ContentLine& line, NoteCode why) {
+    report(Note(why, line.number, {line.name, carriedName(line)}));
+    add(line, carriedName(line), EntryProperty::Type::Text, line.value, carriedParameters(line));
 }
 
 std::vector<Parameter> EntryReader::carriedParameters(const ContentLine& line) const {

@@ -64,6 +64,8 @@ class EntryReader {
     // The same, with a note whose values are the line's name, the name that it is kept under, and
     // `value`.
     void carry(const ContentLine& line, NoteCode why, std::string_view value = {});
+    // The same without decoding the value.
+    void carryRaw(const ContentLine& line, NoteCode why);
     // A property under `name`, which is the line's own or another.
     void add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
              std::string_view value, std::vector<Parameter> parameters);

@@ -45,7 +45,7 @@ std::vector<std::string> ICalReader::listItems(std::string_view value) const {
 void ICalReader::takeAttachment(const ContentLine& line) {
     const auto clean = cleanBase64(line.value);
     if (!clean)
-        carry(line, NoteCode::AttachmentInvalid);
+        carryRaw(line, NoteCode::AttachmentInvalid);
     else if (!clean->empty())
         add(line, line.name, EntryProperty::Type::Base64, *clean, ownParameters(line, true));
 }

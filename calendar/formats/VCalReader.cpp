@@ -134,7 +134,7 @@ void VCalReader::takeNumber(const ContentLine& line, int most) {
         add(line, line.name, EntryProperty::Type::Raw, std::to_string(*number),
             parametersFromVCalendar(line));
     } else if (!trimmed(line.value).empty()) {
-        carry(line);
+        carry(line, NoteCode::EntryNumberInvalid, line.value);
     }
 }
 
@@ -176,7 +176,7 @@ void VCalReader::takeAttachment(const ContentLine& line) {
     if (isBase64(line)) {
         const auto clean = cleanBase64(line.value);
         if (!clean)
-            carry(line, NoteCode::AttachmentInvalid);
+            carryRaw(line, NoteCode::AttachmentInvalid);
         else if (!clean->empty())
             add(line, line.name, EntryProperty::Type::Base64, *clean, parameters);
         return;

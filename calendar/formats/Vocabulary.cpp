@@ -51,8 +51,6 @@ bool isMailAddress(std::string_view text) {
            });
 }
 
-constexpr std::string_view kNoMail = "invalid:nomail";
-
 }  // namespace
 
 std::string_view statusFromVCalendar(std::string_view status, EntryKind kind) {

@@ -10,6 +10,9 @@
 
 namespace qel::calendar {
 
+// The URI of a person without an address.
+inline constexpr std::string_view kNoMail = "invalid:nomail";
+
 // STATUS of an entry; "" where the other format has no such word.
 [[nodiscard]] std::string_view statusFromVCalendar(std::string_view status, EntryKind kind);
 // "" for a word that neither format has.
@@ -17,7 +20,7 @@ namespace qel::calendar {
 [[nodiscard]] std::string_view statusToVCalendar(std::string_view status, EntryKind kind);
 
 // An ATTENDEE: vCalendar 1.0 has "John Smith <smith@host.com>", iCalendar a URI and a CN. A name
-// without an address has the URI "invalid:nomail".
+// without an address has the URI kNoMail.
 struct CalendarAddress {
     std::string name;
     std::string uri;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/Text.h"
 
 namespace qel::calendar {
 
@@ -27,9 +28,9 @@ std::string componentName(const ContentLine& line) {
 }
 
 // What a note mentions of a text: notes are kept, and lines may be very long.
+constexpr std::size_t kLongestMention = 200;
 std::string_view head(std::string_view text) {
-    constexpr std::size_t kLongest = 200;
-    return text.substr(0, kLongest);
+    return text.substr(0, kLongestMention);
 }
 
 std::size_t costOf(const ContentLine& line) {
@@ -76,17 +77,25 @@ void CalendarReader::showText() {
     if (textSink_ == nullptr) return;
     const RawLine& raw = lines_.line();
     if (!lines_.isQuotedPrintable() && (isAscii_ || isAscii(raw.text))) return;
-    // The usual label, seen without taking the line apart.
-    if (raw.text.find("CHARSET=UTF-8") < raw.colon) return;
+    // The usual label, seen without taking the line apart; in quoted-printable it is believed.
+    if (raw.text.find("CHARSET=UTF-8") < raw.colon &&
+        (lines_.isQuotedPrintable() || isUtf8(raw.text)))
+        return;
     if (parseContentLine(lines_.line(), foldStyle(), line_)) textSink_(line_);
 }
 
 bool CalendarReader::parseLine() {
     RawLine& raw = lines_.line();
+    std::string_view swallowed;
+    std::string afterBreak;
+    if (raw.swallowed != 0) {
+        afterBreak = raw.text.substr(raw.swallowed, kLongestMention);
+        swallowed = std::string_view(afterBreak).substr(0, afterBreak.find_first_of(":;"));
+    }
     if (!parseContentLine(raw, foldStyle(), line_)) {
         if (inCalendar_)
             report(NoteCode::LineNotProperty, raw.number, {head(raw.text)});
-        else if (outsideLines_++ == 0)
+        else if (contactDepth_ == 0 && outsideLines_++ == 0)
             firstOutside_ = raw.number;
         return false;
     }
@@ -94,6 +103,11 @@ bool CalendarReader::parseLine() {
         report(NoteCode::LineTooLong, raw.number,
                {head(line_.name), std::to_string(kLongestLine >> 20)});
     if (line_.openEnd) report(NoteCode::QuotedPrintableBreaksOff, raw.number, {head(line_.name)});
+    if (!swallowed.empty())
+        report(NoteCode::TextSwallowsProperty, raw.number, {head(line_.name), swallowed});
+    if (raw.group != 0)
+        report(NoteCode::GroupLeftOut, raw.number,
+               {head(line_.name), head(trimmed(std::string_view(raw.text).substr(0, raw.group)))});
     const bool marks = line_.id == PropertyName::Begin || line_.id == PropertyName::End;
     if (line_.wrapped || line_.untidy || raw.bare != 0 || raw.indented ||
         (marks && !line_.value.empty() && !isAlpha(line_.value.back())))
@@ -145,6 +159,8 @@ CalendarReader::Item CalendarReader::endFile() {
         return endEntry();
     }
     ended_ = true;
+    if (contacts_ != 0)
+        report(NoteCode::ContactsLeftOut, firstContact_, {std::to_string(contacts_)});
     if (inCalendar_) {
         if (!implicit_) report(NoteCode::CalendarNotClosed, 0);
         return endCalendar();
@@ -163,12 +179,25 @@ std::optional<CalendarReader::Item> CalendarReader::takeOutside() {
             return beginCalendar(true);
         }
     }
-    if (outsideLines_++ == 0) firstOutside_ = line_.number;
+    if (!takesContact() && outsideLines_++ == 0) firstOutside_ = line_.number;
     return std::nullopt;
+}
+
+// True for a line of a contact outside calendars.
+bool CalendarReader::takesContact() {
+    const bool isMark = (line_.id == PropertyName::Begin || line_.id == PropertyName::End) &&
+                        equalsIgnoreCase(trimmed(line_.value), "VCARD");
+    if (!isMark || (contactDepth_ == 0 && line_.id == PropertyName::End)) return contactDepth_ != 0;
+    if (line_.id == PropertyName::End)
+        --contactDepth_;
+    else if (contactDepth_++ == 0 && contacts_++ == 0)
+        firstContact_ = line_.number;
+    return true;
 }
 
 CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
     reportOutside();
+    contactDepth_ = 0;
     pending_ = keepLine;
     implicit_ = keepLine;
     inCalendar_ = true;

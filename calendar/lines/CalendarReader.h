@@ -80,6 +80,7 @@ class CalendarReader {
     [[nodiscard]] FoldStyle foldStyle() const;
     std::optional<Item> takeLine();
     std::optional<Item> takeOutside();
+    [[nodiscard]] bool takesContact();
     std::optional<Item> takeInCalendar();
     std::optional<Item> takeInEntry();
     Item beginCalendar(bool keepLine);
@@ -117,6 +118,9 @@ class CalendarReader {
     std::size_t skippedDepth_ = 0;
     std::size_t outsideLines_ = 0;
     std::size_t firstOutside_ = 0;
+    std::size_t contactDepth_ = 0;  // of the vCard that is read, outside calendars
+    std::size_t contacts_ = 0;
+    std::size_t firstContact_ = 0;
 };
 
 }  // namespace qel::calendar

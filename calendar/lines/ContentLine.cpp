@@ -53,11 +53,11 @@ class Folding {
         if (raw_.folds.size() == 1) return widest_ >= 74 && widest_ <= 76;
         const bool one = widest_ == narrowest_ || widestText_ == narrowestText_ ||
                          (widest_ - narrowest_ <= 3 && widest_ != widestText_);
-        return one && widest_ >= 70;
+        return one && (widest_ >= 70 || (raw_.folds.size() >= kSeveral && widest_ >= kNarrow));
     }
 
-    // A fold that a blank precedes is not where the text has its blank.
-    [[nodiscard]] bool afterBlank() const { return afterBlank_; }
+    // A fold beside a blank is not where the text has its blank.
+    [[nodiscard]] bool besideBlank() const { return afterBlank_ || beforeBlank_; }
 
     // No word would have fitted into the line before it, and the lines are of many widths: each
     // fold is the blank between two words.
@@ -80,6 +80,9 @@ class Folding {
 
   private:
     static constexpr std::size_t kLongestWord = 40;
+    // Lines that are broken between words are hardly ever all of one width.
+    static constexpr std::size_t kSeveral = 3;
+    static constexpr std::size_t kNarrow = 20;
 
     void measure(std::string_view line) {
         const auto bytes =
@@ -102,21 +105,22 @@ class Folding {
     bool beforeBlank_ = false;
 };
 
-// True where a blank at `at` would be within a character: between bytes of one in UTF-8, or within
-// the code of one in quoted-printable. No text has a blank there.
-bool dividesCharacter(const RawLine& raw, std::size_t at) {
+// True where `width` blanks at `at` would be within a character: between bytes of one in UTF-8, or
+// within the code of one in quoted-printable. No text has a blank there.
+bool dividesCharacter(const RawLine& raw, std::size_t at, std::size_t width = 1) {
     const std::string_view text = raw.text;
-    if (at == 0 || at + 1 >= text.size()) return false;
+    const std::size_t next = at + width;
+    if (at == 0 || next >= text.size()) return false;
     const auto isRest = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; };
-    if (isRest(text[at + 1]) && static_cast<unsigned char>(text[at - 1]) >= 0x80) return true;
+    if (isRest(text[next]) && static_cast<unsigned char>(text[at - 1]) >= 0x80) return true;
     if (!raw.quotedPrintable) return false;
-    const bool hexFollows = isHexDigit(text[at + 1]);
-    if (hexFollows && at + 2 < text.size() && isHexDigit(text[at + 2]) && text[at - 1] == '=')
+    const bool hexFollows = isHexDigit(text[next]);
+    if (hexFollows && next + 1 < text.size() && isHexDigit(text[next + 1]) && text[at - 1] == '=')
         return true;
     if (hexFollows && at >= 2 && text[at - 2] == '=' && isHexDigit(text[at - 1])) return true;
     const auto isHigh = [](char c) { return c > '7' && isHexDigit(c); };
-    return at >= 3 && at + 2 < text.size() && text[at - 3] == '=' && isHigh(text[at - 2]) &&
-           text[at + 1] == '=' && text[at + 2] >= '8' && toUpper(text[at + 2]) <= 'B';
+    return at >= 3 && next + 1 < text.size() && text[at - 3] == '=' && isHigh(text[at - 2]) &&
+           text[next] == '=' && text[next + 1] >= '8' && toUpper(text[next + 1]) <= 'B';
 }
 
 bool hasBlankBesidesFolds(const RawLine& raw, std::size_t from) {
@@ -136,16 +140,41 @@ bool keepsBlanks(const RawLine& raw, FoldStyle style, std::size_t colon, bool& b
         return false;
     const Folding folding(raw);
     if (style == FoldStyle::ICalendar) return byWords = folding.betweenWords();
-    return !folding.byWidth() && !folding.afterBlank();
+    return !folding.byWidth() && !folding.besideBlank();
 }
 
-// Blanks after soft line breaks are the text's, unless there is one after each of several, or one
-// divides a character.
+// Blanks after soft line breaks are the text's, unless they follow each of several, or divide a
+// character, or double the blank between two words.
 bool isIndent(const RawLine& raw) {
     constexpr std::size_t kSeveral = 3;
-    return raw.indents.size() >= kSeveral ||
-           std::any_of(raw.indents.begin(), raw.indents.end(),
-                       [&](std::size_t at) { return dividesCharacter(raw, at); });
+    const auto divides = [&](std::size_t at) { return dividesCharacter(raw, at, raw.indentWidth); };
+    return raw.indents.size() >= kSeveral || raw.indentShown ||
+           std::any_of(raw.indents.begin(), raw.indents.end(), divides);
+}
+
+// How many blanks each fold is of: one, or as many as all have where that many divide a character.
+std::size_t foldWidth(const RawLine& raw) {
+    constexpr std::size_t kMost = 8;
+    std::size_t width = kMost;
+    for (const std::size_t at : raw.folds) {
+        std::size_t length = 1;
+        while (length < width && at + length < raw.text.size() &&
+               isFoldBlank(raw.text[at + length]))
+            ++length;
+        if (length == 1) return 1;
+        width = length;
+    }
+    const auto divides = [&](std::size_t at) { return dividesCharacter(raw, at, width); };
+    return std::any_of(raw.folds.begin(), raw.folds.end(), divides) ? width : 1;
+}
+
+// The places of `width` blanks at each place.
+std::vector<std::size_t> blanksAt(std::vector<std::size_t> places, std::size_t width) {
+    if (width == 1) return places;
+    std::vector<std::size_t> blanks;
+    for (const std::size_t at : places)
+        for (std::size_t each = 0; each < width; ++each) blanks.push_back(at + each);
+    return blanks;
 }
 
 // Undoes the folds of the head always as iCalendar does, those of the value by `style`. True when
@@ -155,15 +184,17 @@ bool unfold(RawLine& raw, FoldStyle style) {
     if (raw.folds.empty() && !indents) return false;
     const std::size_t colon = std::min(raw.colon, raw.text.size());
     bool byWords = false;
-    const bool keeps = !raw.folds.empty() && keepsBlanks(raw, style, colon, byWords);
-    std::vector<std::size_t> erased = std::move(raw.folds);
+    const std::size_t width = raw.folds.empty() ? 1 : foldWidth(raw);
+    const bool keeps = !raw.folds.empty() && width == 1 && keepsBlanks(raw, style, colon, byWords);
+    std::vector<std::size_t> erased = blanksAt(std::move(raw.folds), width);
     if (keeps) {
         for (const std::size_t fold : erased)
             if (fold >= colon) raw.text[fold] = ' ';
         std::erase_if(erased, [&](std::size_t fold) { return fold >= colon; });
     }
     if (indents) {
-        const auto middle = erased.insert(erased.end(), raw.indents.begin(), raw.indents.end());
+        const std::vector<std::size_t> blanks = blanksAt(std::move(raw.indents), raw.indentWidth);
+        const auto middle = erased.insert(erased.end(), blanks.begin(), blanks.end());
         std::inplace_merge(erased.begin(), middle, erased.end());
     }
     eraseFolds(raw.text, erased);
@@ -272,6 +303,18 @@ void takeRestOfZone(ContentLine& line) {
     takeParameters(rest, line);
 }
 
+// Takes the group off a name, "item1.SUMMARY", where a property of calendars is left.
+void dropGroup(RawLine& raw, ContentLine& line) {
+    const std::size_t dot = line.name.rfind('.');
+    if (dot == std::string_view::npos || line.name.starts_with("X-")) return;
+    const std::string_view name = line.name.substr(dot + 1);
+    const PropertyName id = propertyName(name);
+    if (id == PropertyName::Unknown && !name.starts_with("X-")) return;
+    raw.group = static_cast<std::size_t>(name.data() - raw.text.data()) - 1;
+    line.name = name;
+    line.id = id;
+}
+
 }  // namespace
 
 std::string_view ContentLine::parameter(std::string_view parameterName) const {
@@ -305,9 +348,13 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     if (line.name.empty()) return false;
     line.untidy = line.name.data() != raw.text.data() || isBlank(raw.text[line.name.size()]);
     line.id = propertyName(line.name);
+    if (line.id == PropertyName::Unknown) dropGroup(raw, line);
     takeParameters(head, line);
     line.value = std::string_view(raw.text).substr(colon + 1);
     if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
+    // The blanks around a colon are not the text's.
+    if (line.untidy && colon > 0 && isFoldBlank(raw.text[colon - 1]))
+        line.value.remove_prefix(std::min(line.value.find_first_not_of(" \t"), line.value.size()));
     return true;
 }
 

@@ -95,21 +95,37 @@ std::string_view nameOf(std::string_view line) {
     return ends ? line.substr(0, length) : std::string_view();
 }
 
+// True for NAME: and NAME; of a property that calendars have, in capitals.
+bool beginsKnownProperty(std::string_view line) {
+    if (!beginsProperty(line)) return false;
+    const std::string_view name = line.substr(0, line.find_first_of(":;"));
+    return name.starts_with("X-") || propertyName(name) != PropertyName::Unknown;
+}
+
+// True for such a property after the name of a group and a dot.
+bool beginsGrouped(std::string_view line) {
+    std::size_t dot = line.find_first_of(".:; \t");
+    for (; dot != std::string_view::npos && line[dot] == '.'; dot = line.find_first_of(".:; \t")) {
+        line.remove_prefix(dot + 1);
+        if (beginsKnownProperty(line)) return true;
+    }
+    return false;
+}
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+
 }  // namespace
 
 bool isComponentMark(std::string_view line) {
     static constexpr std::string_view kNames[] = {"VCALENDAR", "VEVENT",    "VTODO",     "VJOURNAL",
                                                   "VNOTE",     "VTIMEZONE", "VFREEBUSY", "VALARM",
                                                   "STANDARD",  "DAYLIGHT"};
-    while (!line.empty() && isFoldBlank(line.back())) line.remove_suffix(1);
-    if (startsWithIgnoreCase(line, "BEGIN:"))
-        line.remove_prefix(6);
-    else if (startsWithIgnoreCase(line, "END:"))
-        line.remove_prefix(4);
-    else
-        return false;
+    if (!startsWithIgnoreCase(line, "BEGIN") && !startsWithIgnoreCase(line, "END")) return false;
+    const std::string_view word = trimmed(nextField(line, ':'));
+    if (!equalsIgnoreCase(word, "BEGIN") && !equalsIgnoreCase(word, "END")) return false;
+    const std::string_view begun = trimmed(line.substr(0, line.find_last_not_of(" \t:;") + 1));
     return std::any_of(std::begin(kNames), std::end(kNames),
-                       [line](std::string_view name) { return equalsIgnoreCase(name, line); });
+                       [begun](std::string_view name) { return equalsIgnoreCase(name, begun); });
 }
 
 std::size_t findColon(std::string_view text) {
@@ -171,9 +187,7 @@ void LineReader::take(std::string_view bytes) {
 void LineReader::start(std::string_view bytes) {
     started_ = true;
     std::size_t mark = 0;
-    if (bytes.starts_with("\xEF\xBB\xBF")) {
-        mark = 3;
-    } else if (bytes.starts_with("\xFF\xFE")) {
+    if (bytes.starts_with("\xFF\xFE")) {
         fileEncoding_ = FileEncoding::Utf16LittleEndian;
         mark = 2;
     } else if (bytes.starts_with("\xFE\xFF")) {
@@ -313,10 +327,20 @@ LineReader::Result LineReader::next() {
 void LineReader::beginLine() {
     line_.folds.clear();
     line_.indents.clear();
+    line_.indentShown = false;
+    line_.swallowed = 0;
+    line_.group = 0;
     line_.bare = 0;
     line_.openEnd = false;
     line_.indented = false;
     line_.number = aheadNumber_;
+    // Files that were put together have marks within.
+    while (ahead_.starts_with(kUtf8Mark)) ahead_.remove_prefix(kUtf8Mark.size());
+    if (!ahead_.empty() && isFoldBlank(ahead_.front()) && isComponentMark(trimmed(ahead_))) {
+        ahead_ = trimmed(ahead_);
+        line_.indented = !indented_;
+        indented_ = true;
+    }
     line_.text = ahead_;
     line_.cut = aheadCut_;
     line_.colon = findColon(line_.text);
@@ -347,6 +371,9 @@ bool LineReader::join() {
         append(ahead_);
     } else if (!ahead_.empty() && isFoldBlank(ahead_.front())) {
         if (startsIndented()) return false;
+        // One blank is the fold's.
+        if (indented_ && !trimmed(ahead_).empty())
+            ahead_.remove_prefix(ahead_.find_first_not_of(" \t") - 1);
         append(ahead_);
         if (line_.text.size() > begin) line_.folds.push_back(begin);
     } else if (!goesOnBare()) {
@@ -371,18 +398,43 @@ bool LineReader::join() {
 
 bool LineReader::joinSoft(std::size_t soft) {
     line_.text.erase(soft);
-    line_.openEnd = isComponentMark(ahead_);
+    line_.openEnd = endsAtSoftBreak(indented_ ? trimmed(ahead_) : ahead_);
     if (line_.openEnd) return false;
     const std::size_t begin = line_.text.size();
     append(ahead_);
-    const bool indented =
-        line_.text.size() > begin && isFoldBlank(ahead_.front()) && !trimmed(ahead_).empty();
-    if (indented && line_.indents.size() == softBreaks_)
-        line_.indents.push_back(begin);
-    else
-        line_.indents.clear();
+    noteIndent(begin);
     ++softBreaks_;
     return true;
+}
+
+// A soft line break may be there by mistake. No program breaks a short line without a line break of
+// the text there, so a property that follows one is not the text's.
+bool LineReader::endsAtSoftBreak(std::string_view next) {
+    constexpr std::size_t kShort = 60;
+    if (isComponentMark(next)) return true;
+    if (!beginsKnownProperty(next) && !beginsGrouped(next)) return false;
+    const bool breaks = line_.text.ends_with("=0A") || line_.text.ends_with("=0D") ||
+                        line_.text.ends_with("=0a") || line_.text.ends_with("=0d");
+    if (width_ < kShort && !breaks) return true;
+    if (line_.swallowed == 0) line_.swallowed = line_.text.size();
+    return false;
+}
+
+// Counts the blanks at the front of a line that was joined at `begin` after a soft line break.
+void LineReader::noteIndent(std::size_t begin) {
+    constexpr std::size_t kUsual = 2;
+    const std::string_view line = std::string_view(line_.text).substr(begin);
+    const std::size_t blanks = std::min(line.find_first_not_of(" \t"), line.size());
+    if (blanks == 0 || blanks == line.size() || line_.indents.size() != softBreaks_) {
+        line_.indents.clear();
+        return;
+    }
+    line_.indentWidth = line_.indents.empty() ? blanks : std::min(line_.indentWidth, blanks);
+    line_.indents.push_back(begin);
+    // One blank before the break is the one between two words.
+    const auto isBlankAt = [this](std::size_t at) { return isFoldBlank(line_.text[at]); };
+    const bool twice = begin > 1 && isBlankAt(begin - 1) && !isBlankAt(begin - 2);
+    line_.indentShown = line_.indentShown || indented_ || (twice && blanks <= kUsual);
 }
 
 // Some files indent what is in a component. Folds look the same, but nothing can be added to the
@@ -434,6 +486,7 @@ bool LineReader::takesBareLines() const {
 
 // True for a line of text, not a property. Prose has colons too: "Where: at home", "http://...".
 bool LineReader::isBareText() const {
+    if (beginsGrouped(ahead_)) return false;
     const std::string_view name = nameOf(ahead_);
     // A name alone: its value may be folded.
     if (name.empty()) return propertyName(upper(trimmed(ahead_))) == PropertyName::Unknown;

@@ -22,12 +22,17 @@ struct RawLine {
     std::vector<std::size_t> folds;  // where in text those blanks are
     // Where the blanks are that begin the lines after soft line breaks; empty unless all do.
     std::vector<std::size_t> indents;
-    std::size_t colon = 0;  // the one before the value; npos without one
-    std::size_t bare = 0;   // lines that were joined although nothing folds them
+    std::size_t indentWidth = 0;  // how many blanks all those lines begin with
+    bool indentShown = false;     // the blanks of one are surely not the text's
+    std::size_t colon = 0;        // the one before the value; npos without one
+    std::size_t bare = 0;         // lines that were joined although nothing folds them
     bool quotedPrintable = false;
     bool cut = false;       // longer than kLongestLine; the rest was skipped
     bool openEnd = false;   // a soft line break of quoted-printable with nothing after it
     bool indented = false;  // from the next line on, blanks begin lines that are not folded
+    // Where a line like a property begins that a soft line break leads to; 0 without one.
+    std::size_t swallowed = 0;
+    std::size_t group = 0;  // where the group before its name ends; 0 without one
 };
 
 class LineReader {
@@ -72,6 +77,8 @@ class LineReader {
     void beginLine();
     [[nodiscard]] bool join();
     [[nodiscard]] bool joinSoft(std::size_t soft);
+    [[nodiscard]] bool endsAtSoftBreak(std::string_view next);
+    void noteIndent(std::size_t begin);
     [[nodiscard]] bool startsIndented();
     [[nodiscard]] bool goesOnBare() const;
     [[nodiscard]] bool takesBareLines() const;
@@ -115,7 +122,8 @@ class LineReader {
     bool indented_ = false;  // blanks begin lines of this file that are not folded
 };
 
-// True for a whole line that begins or ends a calendar or one of its components, in any case.
+// True for a whole line that begins or ends a calendar or one of its components, in any case and
+// with blanks, colons or semicolons too many.
 [[nodiscard]] bool isComponentMark(std::string_view line);
 
 // Where the value's colon is: the first one outside quotes, or the first one where the quotes do

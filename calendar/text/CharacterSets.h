@@ -12,9 +12,11 @@
 namespace qel::calendar {
 
 // The text in UTF-8. `set` is its character set's MIME name, "" when the input names none: then the
-// bytes are taken as UTF-8 if they are valid, otherwise as `unlabelled`, which may be "" for
-// windows-1252. That is also what bytes in a set that nobody here knows are taken as. `notes`
-// receives what was assumed or invalid; `unlabelled` is known to the person already.
+// bytes are taken as UTF-8 if they are valid but for a few, as ISO-2022-JP and its like where they
+// have its escapes, and otherwise as `unlabelled`, which may be "" for windows-1252. So are bytes
+// that say UTF-8 and are not. Bytes in a set that nobody here knows are taken as UTF-8 or
+// windows-1252, and those that name another set as UTF-8 where that is certain. `notes` receives
+// what was assumed or invalid; `unlabelled` is known to the person already.
 [[nodiscard]] std::string toUtf8(std::string text, std::string_view set,
                                  std::string_view unlabelled, std::vector<Note>& notes);
 
@@ -30,6 +32,9 @@ namespace qel::calendar {
 
 // True when toUtf8 takes text with this label as text that names no set.
 [[nodiscard]] bool isUnlabelled(std::string_view set);
+
+// True when toUtf8 reads the text, labelled `set`, as `unlabelled`.
+[[nodiscard]] bool isUnexplained(std::string_view text, std::string_view set);
 
 }  // namespace qel::calendar
 

@@ -40,11 +40,10 @@ bool isPlainText(const ContentLine& line) {
 }
 
 std::string unlabelledText(const ContentLine& line) {
-    if (isPlainText(line) || isBase64(line) || !isUnlabelled(trimmed(line.parameter("CHARSET"))))
-        return {};
+    if (isPlainText(line) || isBase64(line)) return {};
     std::string text = hasEncoding(line, "QUOTED-PRINTABLE") ? undoQuotedPrintable(line.value)
                                                              : std::string(line.value);
-    return isUtf8(text) ? std::string() : text;
+    return isUnexplained(text, trimmed(line.parameter("CHARSET"))) ? text : std::string();
 }
 
 bool isBinary(const ContentLine& line, std::string_view unlabelled) {

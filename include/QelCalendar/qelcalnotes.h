@@ -58,14 +58,27 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_CALENDAR_INDENTED = 144,
     /**< The lines of the calendar begin with blanks, which usually join a line to the one before
      * it. Here they only show which part a line belongs to. */
+    QELCAL_NOTE_CONTACTS_LEFT_OUT = 146,
+    /**< The file has contacts beside its calendars. Only calendars are converted. */
+    QELCAL_NOTE_TEXT_SWALLOWS_PROPERTY = 147,
+    /**< The last line of a quoted-printable text says that another line follows, and the line that
+     * follows looks like a property. It was read as the rest of the text. */
+    QELCAL_NOTE_GROUP_LEFT_OUT = 148,
+    /**< The name of a property is preceded by that of a group and a dot, as in contacts. Calendars
+     * have no groups today. */
+    QELCAL_NOTE_TEXT_IS_UTF8 = 150,
+    /**< The file names a character set for this text in which it would be nonsense, and its bytes
+     * are valid UTF-8, which does not happen by chance. */
+    QELCAL_NOTE_TEXT_HAS_ESCAPES = 151,
+    /**< The file does not say which character set this text is in, but its bytes tell. */
     QELCAL_NOTE_TEXT_BYTES_INVALID = 201,
     /**< The file names a character set for this text, and some of the text's bytes mean nothing in
      * it. Each of them became the replacement character. */
     QELCAL_NOTE_CHARACTER_SET_UNKNOWN = 203,
     /**< The file names a character set that does not exist, or that this library does not know. */
     QELCAL_NOTE_TEXT_NOT_UTF8 = 204,
-    /**< The file says that this text is UTF-8, but its bytes are not. Most such texts are in the
-     * character set of Western European Windows. */
+    /**< The file says that this text is UTF-8, but its bytes are not. It was read in the character
+     * set of the file's other texts, or of Western European Windows. */
     QELCAL_NOTE_CHARACTER_SET_MISSING = 205,
     /**< The file does not say which character set this text is in. Most such texts are in the
      * character set of Western European Windows. */
@@ -309,6 +322,8 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_DURATION_WITHOUT_T = 545,
     /**< A length of time needs a "T" before its hours, minutes and seconds. Without it M could only
      * mean months, which no calendar has. */
+    QELCAL_NOTE_ENTRY_NUMBER_INVALID = 546,
+    /**< The property should be a number within narrow bounds, such as a priority from 0 to 9. */
     QELCAL_NOTE_ALL_DAY_BY_SIGN = 550,
     /**< A phone marks the event as an all-day one and gives its days as times from midnight on. */
     QELCAL_NOTE_ALL_DAY_WITHOUT_TIMES = 551,
