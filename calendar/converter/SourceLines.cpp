@@ -34,23 +34,20 @@ void SourceLines::add(std::string_view bytes) {
     held_ += bytes;
 }
 
-// Line ends as LineReader counts them: LF, CR LF, CR, CR CR LF. One may be divided between pieces.
-void SourceLines::skipRestOfLineEnd() {
-    while (afterCarriageReturn_ && at_ < held_.size()) {
-        afterCarriageReturn_ = held_[at_] == '\r';
-        if (held_[at_] == '\r' || held_[at_] == '\n') ++at_;
-    }
-}
-
 // The next line without its end; at_ is after that then. False when there is none.
 bool SourceLines::next(std::string_view& line) {
-    skipRestOfLineEnd();
+    lastEnd_.skipRest(held_, at_);
+    if (lastEnd_.takeEmptyLine(held_, at_)) {
+        line = {};
+        ++number_;
+        return true;
+    }
     const std::size_t end = held_.find_first_of("\r\n", at_);
     if (end == std::string::npos) return false;
     line = std::string_view(held_).substr(at_, end - at_);
     at_ = end + 1;
-    afterCarriageReturn_ = held_[end] == '\r';
-    skipRestOfLineEnd();
+    lastEnd_.begin(held_[end]);
+    lastEnd_.skipRest(held_, at_);
     ++number_;
     return true;
 }
@@ -61,7 +58,7 @@ SourceLines::Lines SourceLines::entry(std::size_t number, std::string_view compo
     std::string_view line;
     while (number_ < number && next(line)) {
     }
-    skipRestOfLineEnd();
+    lastEnd_.skipRest(held_, at_);
     const std::string last = "END:" + std::string(component);
     const std::size_t begin = at_;
     bool cut = true;

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "calendar/lines/LineEnd.h"
+
 namespace qel::calendar {
 
 class SourceLines {
@@ -27,13 +29,12 @@ class SourceLines {
 
   private:
     [[nodiscard]] bool next(std::string_view& line);
-    void skipRestOfLineEnd();
 
     std::string held_;
     std::size_t at_ = 0;      // in held_
     std::size_t number_ = 1;  // of the line there
+    LineEnd lastEnd_;
     bool unusable_ = false;
-    bool afterCarriageReturn_ = false;
 };
 
 }  // namespace qel::calendar

@@ -244,14 +244,6 @@ std::size_t LineReader::lineEnd() {
     return std::min(lineFeed_, carriageReturn_);
 }
 
-// Skips a character that still belongs to the last line end; false when there is none.
-bool LineReader::skipsRestOfLineEnd() {
-    afterCarriageReturn_ = chunk_[at_] == '\r';
-    if (chunk_[at_] != '\n' && chunk_[at_] != '\r') return false;
-    ++at_;
-    return true;
-}
-
 // Adds to the physical line what the chunk has of it. True when that is its end.
 bool LineReader::takePiece() {
     const std::size_t end = lineEnd();
@@ -267,7 +259,7 @@ bool LineReader::takePiece() {
         ahead_ = pieces_;
     }
     if (!whole) return false;
-    afterCarriageReturn_ = chunk_[end] == '\r';
+    lastEnd_.begin(chunk_[end]);
     ++at_;
     return true;
 }
@@ -282,13 +274,13 @@ LineReader::Result LineReader::nextPhysical() {
         inPhysical_ = true;
     }
     for (;;) {
+        lastEnd_.skipRest(chunk_, at_);
         if (at_ == chunk_.size()) {
             if (!ended_) return Result::NeedMore;
             break;
         }
-        if (afterCarriageReturn_ && skipsRestOfLineEnd()) continue;
         anyPhysical_ = true;
-        if (takePiece()) break;
+        if (lastEnd_.takeEmptyLine(chunk_, at_) || takePiece()) break;
     }
     inPhysical_ = false;
     hasAhead_ = anyPhysical_;

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "calendar/lines/LineEnd.h"
+
 namespace qel::calendar {
 
 // The most bytes of a line, before and after it is joined. The rest of a longer one is skipped, and
@@ -70,7 +72,6 @@ class LineReader {
     void decodeUtf16();
     [[nodiscard]] std::size_t find(char c) const;
     [[nodiscard]] std::size_t lineEnd();
-    [[nodiscard]] bool skipsRestOfLineEnd();
     [[nodiscard]] bool takePiece();
     [[nodiscard]] Result nextPhysical();
     [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
@@ -97,7 +98,7 @@ class LineReader {
     FileEncoding fileEncoding_ = FileEncoding::Bytes;
     bool started_ = false;  // the encoding is known
     bool ended_ = false;
-    bool afterCarriageReturn_ = false;
+    LineEnd lastEnd_;
     std::string halfUnit_;  // bytes of UTF-16 that wait for the rest of their character
 
     // One physical line is always looked at ahead: in the chunk, or in pieces_ when it came in
