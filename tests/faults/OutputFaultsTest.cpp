@@ -48,6 +48,9 @@ class OutputFaults : public testing::Test {
         if (child != 0) return child;
         const int error = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
         dup2(error, 2);
+        // Some of them are ignored under nohup or in a shell's background.
+        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE})
+            signal(number, SIG_DFL);
         if (prepare) prepare();
         execv(pointers[0], pointers.data());
         _exit(127);
