@@ -1,9 +1,9 @@
 #include "calendar/base/Moment.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/CalendarNames.h"
@@ -100,9 +100,11 @@ std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
     const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
     if (digits == 0) return failed(problem, "a number is missing before ", quoted(text));
     if (digits == text.size()) return failed(problem, "a unit is missing after ", quoted(text));
-    const std::int64_t number = *parseInt(text.substr(0, digits));
-    // parseInt returns its largest number for all that are larger.
-    if (number == std::numeric_limits<int>::max())
+    // Far beyond any calendar, and far from overflow in any unit.
+    constexpr std::int64_t kMost = 1'000'000'000'000;
+    std::int64_t number = 0;
+    const auto read = std::from_chars(text.data(), text.data() + digits, number);
+    if (read.ec != std::errc() || number > kMost)
         return failed(problem, text.substr(0, std::min<std::size_t>(digits, 40)),
                       " is too large a number");
     const auto unit = unitOf(text[digits], inTime);
@@ -212,9 +214,9 @@ std::optional<Duration> parseDuration(std::string_view text, std::string* proble
         if (!part) return std::nullopt;
         result.days += part->days;
         result.seconds += part->seconds;
-        // Far beyond any calendar, and far from overflow.
-        if (result.total() > 400LL * 366 * kDaySeconds)
-            return failed(problem, "it is longer than 400 years");
+        // The time between any two dates is a duration: an alarm may have it.
+        if (result.total() > 10'000LL * 366 * kDaySeconds)
+            return failed(problem, "it is longer than 10,000 years");
     }
     if (negative) {
         result.days = -result.days;

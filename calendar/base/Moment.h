@@ -65,8 +65,8 @@ struct Duration {
 };
 
 // Reads an RFC 5545 duration: "-P1DT2H", "PT15M", "P2W". Units may come in any order and repeat.
-// Nothing when it is not a duration or longer than 400 years; `*problem` as in parseMoment: "a unit
-// is missing after \"15\"".
+// Nothing when it is not a duration or longer than 10,000 years; `*problem` as in parseMoment: "a
+// unit is missing after \"15\"".
 [[nodiscard]] std::optional<Duration> parseDuration(std::string_view text,
                                                     std::string* problem = nullptr);
 

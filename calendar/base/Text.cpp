@@ -79,6 +79,22 @@ void appendUtf8(std::string& text, char32_t code) {
     }
 }
 
+namespace {
+
+// A character of two or three bytes that terminals obey and nobody sees: U+0080 to U+009F, which
+// are control characters too, and those that turn the direction of the text after them.
+bool isUnseen(std::string_view character) {
+    if (character.size() == 2)
+        return (character[0] == '\xC2' && static_cast<unsigned char>(character[1]) < 0xA0U) ||
+               character == "\u061C";
+    if (character.size() != 3 || character[0] != '\xE2') return false;
+    return character == "\u200E" || character == "\u200F" ||
+           (character >= "\u202A" && character <= "\u202E") ||
+           (character >= "\u2066" && character <= "\u2069");
+}
+
+}  // namespace
+
 std::string printable(std::string_view text, std::size_t longest) {
     constexpr char kDigits[] = "0123456789abcdef";
     std::string shown;
@@ -86,11 +102,8 @@ std::string printable(std::string_view text, std::size_t longest) {
         if (shown.size() >= longest) return shown + "...";
         const std::size_t length = utf8CharacterLength(text);
         const auto byte = static_cast<unsigned char>(text[0]);
-        // U+0080 to U+009F are control characters too, and some terminals obey them.
-        const bool isC1 =
-            length == 2 && byte == 0xC2U && static_cast<unsigned char>(text[1]) < 0xA0U;
         const std::size_t taken = length == 0 ? 1 : length;
-        if (length == 0 || isC1 || byte < 0x20U || byte == 0x7FU) {
+        if (length == 0 || byte < 0x20U || byte == 0x7FU || isUnseen(text.substr(0, length))) {
             for (std::size_t i = 0; i < taken; ++i) {
                 const auto each = static_cast<unsigned char>(text[i]);
                 switch (each) {

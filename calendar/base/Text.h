@@ -17,8 +17,9 @@ namespace qel::calendar {
 // Appends a character. REQUIRES: a code point, not a surrogate.
 void appendUtf8(std::string& text, char32_t code);
 
-// The text with control characters and bytes that are not UTF-8 written as \n, \r, \t or \xNN, so
-// that no input can steer the terminal; a very long text is cut and ends in "...".
+// The text with control characters, those that turn the direction of text, and bytes that are not
+// UTF-8 written as \n, \r, \t or \xNN, so that no input can steer the terminal or make text look
+// like another; a very long text is cut and ends in "...".
 [[nodiscard]] std::string printable(std::string_view text, std::size_t longest = 4096);
 
 }  // namespace qel::calendar

@@ -13,7 +13,7 @@ font:1rem/1.5 system-ui,-apple-system,"Segoe UI",Roboto,"Helvetica Neue",Arial,s
 h1{font-size:2rem;line-height:1.2;margin:0;letter-spacing:-.02em}
 h2{font-size:1.15rem;margin:2.5rem 0 .75rem;overflow-wrap:anywhere}
 h3{font-size:1.05rem;line-height:1.35;margin:0;overflow-wrap:anywhere}
-p{margin:.25rem 0}a{color:var(--mark)}
+p{margin:.25rem 0}a{color:var(--mark)}bdi,code{unicode-bidi:isolate}
 :focus-visible{outline:3px solid var(--mark);outline-offset:2px}
 .sub,.soft,.more{color:var(--soft)}
 .v{position:absolute;width:1px;height:1px;overflow:hidden;clip-path:inset(50%);white-space:nowrap}

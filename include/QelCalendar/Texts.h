@@ -53,8 +53,9 @@ inline qelcal_kind recognise(const std::string& bytes) {
     return static_cast<qelcal_kind>(qelcal_recognise(bytes.data(), bytes.size()));
 }
 
-/// The text with control characters and bytes that are not UTF-8 as \\n, \\r, \\t or \\xNN; longer
-/// than `longest` bytes (0: no limit) it is cut and ends in "...".
+/// The text with control characters, those that turn the direction of text, and bytes that are not
+/// UTF-8 as \\n, \\r, \\t or \\xNN; longer than `longest` bytes (0: no limit) it is cut and ends in
+/// "...".
 inline std::string printable(const std::string& text, std::size_t longest = 4096) {
     std::string result;
     detail::checkAppended(

@@ -669,7 +669,8 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_text_to_utf8(const char* name, const
                                                          void* context, int* replaced);
 /** 1 when the bytes are UTF-8 as RFC 3629 defines it. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_is_utf8(const void* bytes, size_t size);
-/** Hands the text to `text` in a form that is safe to show: control characters and bytes that are
+/** Hands the text to `text` in a form that is safe to show: control characters, those that turn the
+ * direction of text (U+202A to U+202E, U+2066 to U+2069, U+200E, U+200F, U+061C) and bytes that are
  * not UTF-8 become \\n, \\r, \\t or \\xNN; a text longer than `longest` bytes (0: no limit) is cut
  * and ends in "...". */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_printable(const void* bytes, size_t size,

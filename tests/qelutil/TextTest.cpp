@@ -24,6 +24,13 @@ TEST(Text, NothingShownSteersTheTerminal) {
     EXPECT_EQ(printable("plain caf\xC3\xA9"), "plain caf\xC3\xA9");
     EXPECT_EQ(printable("a\0b\x1b[2J\r\n\t\x7f\xFF\xC2\x9B"s),
               "a\\x00b\\x1b[2J\\r\\n\\t\\x7f\\xff\\xc2\\x9b");
+    // What turns the direction of text, and its neighbours.
+    EXPECT_EQ(
+        printable("\u200E\u200F\u202A\u202E\u2066\u2069\u061C"),
+        "\\xe2\\x80\\x8e\\xe2\\x80\\x8f\\xe2\\x80\\xaa\\xe2\\x80\\xae\\xe2\\x81\\xa6\\xe2\\x81\\xa9"
+        "\\xd8\\x9c");
+    const std::string seen = "\u00A0\u200D\u2010\u2029\u202F\u2065\u206A\u061B\u061D\u05D0";
+    EXPECT_EQ(printable(seen), seen);
     EXPECT_EQ(printable(std::string(100, 'x'), 10), "xxxxxxxxxx...");
     EXPECT_EQ(jsonText("a\xFFz\n\xC3\xA9"), "a\\xffz\n\xC3\xA9");
 }
