@@ -36,6 +36,9 @@ enum Stream : int {
     kStreams
 };
 
+constexpr int kWantsEntries = 1;
+constexpr int kWantsReport = 2;
+
 std::string buffers[kStreams];
 
 int append(void* stream, const char* bytes, std::size_t size) {
@@ -187,7 +190,6 @@ void writeProperties(Json& json, const qelcal_entry* entry) {
 }
 
 void writeRule(Json& json, const qelcal_rules* rules, std::size_t rule) {
-    json.beginObject();
     json.field("words", qelcal_rules_words(rules, rule));
     for (const int form : {QELCAL_FORM_ICALENDAR, QELCAL_FORM_VCALENDAR}) {
         json.key(form == QELCAL_FORM_ICALENDAR ? "icalendar" : "vcalendar");
@@ -196,7 +198,12 @@ void writeRule(Json& json, const qelcal_rules* rules, std::size_t rule) {
             json.value(qelcal_rules_text(rules, rule, form, i));
         json.endArray();
     }
-    json.endObject();
+}
+
+int addDate(void* json, const qelcal_time* time) {
+    char text[QELCAL_TIME_SIZE];
+    if (qelcal_time_write(time, text) == QELCAL_OK) static_cast<Json*>(json)->value(text);
+    return 0;
 }
 
 void writeRules(Json& json, const qelcal_entry* entry) {
@@ -204,8 +211,11 @@ void writeRules(Json& json, const qelcal_entry* entry) {
     json.beginArray();
     for (std::size_t i = 0; i < qelcal_entry_rule_count(entry); ++i)
         if (qelcal_entry_rule_excludes(entry, i) == 0)
-            for (std::size_t k = 0; k < qelcal_rules_count(qelcal_entry_rules(entry, i)); ++k)
+            for (std::size_t k = 0; k < qelcal_rules_count(qelcal_entry_rules(entry, i)); ++k) {
+                json.beginObject();
                 writeRule(json, qelcal_entry_rules(entry, i), k);
+                json.endObject();
+            }
     json.endArray();
 }
 
@@ -309,15 +319,16 @@ QEL_ENGINE(engine_drop) void drop(int stream) {
 }
 
 // A conversion to `target`, a qelcal_format. `horizon` is the date that the dates of series end at.
-// `more`: 1 for entries and the report, 0 for the calendar alone.
+// `more`: what is wanted besides the calendar, kWantsEntries and kWantsReport together or none.
 QEL_ENGINE(engine_begin)
 Conversion* begin(int target, const char* horizon, int more) {
     auto* conversion = new Conversion;
     qelcal_time_read(horizon, &conversion->horizon);
     conversion->converter = qelcal_converter_new(target, append, &buffers[kOutput]);
     qelcal_converter_on_note(conversion->converter, noteComes, conversion);
-    if (more != 0) {
+    if ((more & kWantsEntries) != 0)
         qelcal_converter_on_entry(conversion->converter, entryComes, conversion, 1);
+    if ((more & kWantsReport) != 0) {
         conversion->report = qelcal_report_new(append, &buffers[kReport]);
         qelcal_converter_report(conversion->converter, conversion->report);
     }
@@ -395,6 +406,11 @@ QEL_ENGINE(engine_end) void end(Conversion* conversion) {
     delete conversion;
 }
 
+// What a file seems to be, a qelcal_kind, from its first bytes.
+QEL_ENGINE(engine_recognise) int recognise(const void* piece, std::size_t length) {
+    return qelcal_recognise(piece, length);
+}
+
 // The answer is the entries of a small calendar as JSON, read with the character set.
 QEL_ENGINE(engine_texts) int texts(const void* piece, std::size_t length, const char* charset) {
     qelcal_reader* const reader = qelcal_reader_new();
@@ -415,8 +431,9 @@ QEL_ENGINE(engine_texts) int texts(const void* piece, std::size_t length, const 
     return checked(result);
 }
 
-// The answer is a rule in words and in both formats, as JSON.
-QEL_ENGINE(engine_rule) int rule(const char* text, const char* startText) {
+// The answer is a rule in words and in both formats, with its first dates, as JSON.
+QEL_ENGINE(engine_rule)
+int rule(const char* text, const char* startText, std::size_t most) {
     qelcal_time start{};
     int result = qelcal_time_read(startText, &start);
     if (result != QELCAL_OK) return checked(result);
@@ -426,10 +443,18 @@ QEL_ENGINE(engine_rule) int rule(const char* text, const char* startText) {
     buffers[kAnswer].clear();
     Json json(buffers[kAnswer]);
     json.beginArray();
-    for (std::size_t i = 0; i < qelcal_rules_count(rules); ++i) writeRule(json, rules, i);
+    for (std::size_t i = 0; i < qelcal_rules_count(rules) && result == QELCAL_OK; ++i) {
+        json.beginObject();
+        writeRule(json, rules, i);
+        json.key("dates");
+        json.beginArray();
+        if (most > 0) result = qelcal_rules_dates(rules, i, nullptr, nullptr, most, addDate, &json);
+        json.endArray();
+        json.endObject();
+    }
     json.endArray();
     qelcal_rules_free(rules);
-    return QELCAL_OK;
+    return checked(result);
 }
 
 // The answer is the catalogue of notes as JSON.

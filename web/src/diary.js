@@ -3,8 +3,6 @@ import { compact, dayOf, minutesOfDay, shownMinute } from "./dates.js";
 
 /** A multi-day entry is shown on so many of its days. */
 const mostDays = 100;
-/** What large importers take at once. */
-const pieceSize = 1000000;
 
 /**
  * @typedef {import("./engine.js").Entry} Entry
@@ -185,65 +183,6 @@ export class Diary {
 
 /** @param {string} words */
 const folded = (words) => words.normalize("NFD").replace(/\p{M}/gu, "").toLocaleLowerCase();
-
-/**
- * A calendar in pieces that large importers take. What belongs together, the entries of one UID,
- * stays together, and each piece has the zones that it uses.
- * @param {Blob} calendar
- * @returns {Promise<Blob[]>}
- */
-export async function inPieces(calendar) {
-    const { head, zones, groups } = components(await calendar.text());
-    const encoder = new TextEncoder();
-    const sizeOf = (/** @type {string} */ part) => encoder.encode(part).length;
-    const tail = "END:VCALENDAR\r\n";
-    /** @type {Blob[]} */
-    const pieces = [];
-    let body = "";
-    let used = new Set();
-    const frame = sizeOf(head) + tail.length;
-    let size = frame;
-    const seal = () => {
-        const described = [...used].map((id) => zones.get(id) ?? "").join("");
-        if (body !== "") pieces.push(new Blob([head, described, body, tail], { type: calendar.type }));
-        body = "";
-        used = new Set();
-        size = frame;
-    };
-    for (const group of groups) {
-        const ids = new Set([...group.matchAll(/;TZID="?([^":;]+)/g)].map((match) => match[1]));
-        const extra = () => [...ids].filter((id) => !used.has(id)).reduce((sum, id) => sum + sizeOf(zones.get(id) ?? ""), 0);
-        if (size + sizeOf(group) + extra() > pieceSize) seal();
-        size += sizeOf(group) + extra();
-        for (const id of ids) used.add(id);
-        body += group;
-    }
-    seal();
-    return pieces;
-}
-
-/** @param {string} calendar */
-function components(calendar) {
-    const pattern = /^BEGIN:(VEVENT|VTODO|VJOURNAL|VTIMEZONE)\r?\n[^]*?^END:\1\r?\n/gm;
-    /** @type {Map<string, string>} */
-    const groups = new Map();
-    /** @type {Map<string, string>} */
-    const zones = new Map();
-    let head;
-    for (const match of calendar.matchAll(pattern)) {
-        head ??= calendar.slice(0, match.index);
-        const [whole, name] = match;
-        const unfolded = whole.replace(/\r?\n[ \t]/g, "");
-        const property = (/** @type {string} */ key) => new RegExp(`^${key}[^:\\n]*:(.*)$`, "m").exec(unfolded)?.[1].trim();
-        if (name === "VTIMEZONE") {
-            zones.set(property("TZID") ?? "", whole);
-            continue;
-        }
-        const uid = property("UID") ?? `#${groups.size}`;
-        groups.set(uid, (groups.get(uid) ?? "") + whole);
-    }
-    return { head: head ?? "", zones, groups: groups.values() };
-}
 
 /** The last day that the month view knows series on. @param {number} today */
 export const horizonOf = (today) => compact(today + 366 * 5);

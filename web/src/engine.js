@@ -9,6 +9,11 @@ export const stream = { output: 0, entries: 1, details: 2, dates: 3, report: 4, 
 export const format = { other: 0, icalendar: 1, vcalendar: 2 };
 export const choiceNumber = { zone: 1, charset: 2, countMeans: 3, distinctUids: 4 };
 
+/** What a file seems to be. */
+export const fileKind = { text: 0, calendar: 1, contact: 2, empty: 3, zip: 4, html: 5, xml: 6, utf16: 7, binary: 8 };
+/** What a conversion yields besides the calendar; the numbers may be added. */
+export const wanted = { entries: 1, report: 2 };
+
 /** @typedef {Partial<Record<keyof typeof choiceNumber, string>>} Choices */
 
 /** The system's "no such function", for what a page does not have: files and processes. */
@@ -129,14 +134,20 @@ export class Engine {
     }
 
     /**
-     * A rule in words and in both formats.
+     * A rule in words and in both formats, with its first dates.
      * @param {string} text
      * @param {string} start a date or a time, "2005-06-15"
-     * @returns {Rule[]}
+     * @param {number} most dates
+     * @returns {(Rule & {dates: string[]})[]}
      */
-    rule(text, start) {
-        this.check(this.withTexts([text, start], (a, b) => this.call("engine_rule", a, b)));
+    rule(text, start, most) {
+        this.check(this.withTexts([text, start], (a, b) => this.call("engine_rule", a, b, most)));
         return JSON.parse(this.takeText(stream.answer));
+    }
+
+    /** What a file seems to be, a fileKind. @param {Uint8Array} head its first bytes */
+    recognise(head) {
+        return this.call("engine_recognise", this.put(head), head.length);
     }
 
     /**
@@ -156,19 +167,26 @@ export class Engine {
 export class Conversion {
     /**
      * @param {Engine} engine
-     * @param {{target?: number, choices?: Choices, horizon?: string, more?: boolean}} options
+     * @param {{target?: number, choices?: Choices, horizon?: string, more?: number}} options
      */
-    constructor(engine, { target = format.other, choices = {}, horizon = "", more = false } = {}) {
+    constructor(engine, { target = format.other, choices = {}, horizon = "", more = 0 } = {}) {
         this.engine = engine;
         for (const each of Object.values(stream)) engine.call("engine_drop", each);
         this.handle = engine.withTexts([horizon], (text) =>
-            engine.call("engine_begin", target, text, more ? 1 : 0),
+            engine.call("engine_begin", target, text, more),
         );
-        for (const name of /** @type {(keyof Choices)[]} */ (Object.keys(choices))) {
-            const number = choiceNumber[name];
-            const choose = (/** @type {number} */ text) => engine.call("engine_choose", this.handle, number, text);
-            if (choices[name]) engine.check(engine.withTexts([choices[name]], choose));
+        try {
+            for (const name of /** @type {(keyof Choices)[]} */ (Object.keys(choices))) this.choose(choiceNumber[name], choices[name]);
+        } catch (problem) {
+            this.free();
+            throw problem;
         }
+    }
+
+    /** @param {number} choice @param {string} [value] */
+    choose(choice, value) {
+        const choose = (/** @type {number} */ text) => this.engine.call("engine_choose", this.handle, choice, text);
+        if (value) this.engine.check(this.engine.withTexts([value], choose));
     }
 
     /** @param {string} name */

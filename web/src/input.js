@@ -1,4 +1,6 @@
 /** What a person gives the page: files, folders, archives and text, as a list of calendar files. */
+import { fileKind } from "./engine.js";
+import { text } from "./texts.js";
 import { isZip, readZip } from "./zip.js";
 
 /**
@@ -6,30 +8,60 @@ import { isZip, readZip } from "./zip.js";
  * @typedef {{name: import("./texts.js").TextName, file: string}} Refusal
  */
 
-/** The first bytes of a file, in which a calendar or an address book says what it is. */
-const headSize = 1 << 16;
+/** Why files of a kind are left out. @type {Record<number, import("./texts.js").TextName>} */
+const refusals = {
+    [fileKind.contact]: "addressBook", [fileKind.empty]: "emptyFile", [fileKind.zip]: "zipInside",
+    [fileKind.html]: "webPage", [fileKind.utf16]: "unmarkedUtf16",
+};
 /** Folders have no more files than that; what is dropped by mistake may. */
 const mostFiles = 20000;
 
+/** What went wrong, in words for the person. */
+export class Reason extends Error {}
+
 /** @param {DataTransfer} transfer @returns {Promise<NamedFile[]>} */
 export async function droppedFiles(transfer) {
-    const items = [...transfer.items].filter((item) => item.kind === "file");
-    const roots = items.map((item) => item.webkitGetAsEntry());
-    if (roots.every((root) => root === null || root.isFile))
-        return [...transfer.files].map((file) => ({ name: file.name, data: file }));
+    // All that the transfer has is asked for at once: it is empty after the event.
+    const roots = [...transfer.items].filter((item) => item.kind === "file").map((item) => ({
+        file: item.getAsFile(),
+        entry: item.webkitGetAsEntry(),
+        handle: /** @type {any} */ (item).getAsFileSystemHandle?.(),
+    }));
     /** @type {NamedFile[]} */
     const files = [];
-    for (const root of roots) if (root !== null) await walk(root, files);
+    for (const { file, entry, handle } of roots)
+        if (!entry?.isDirectory) {
+            if (file !== null) add(files, file.name, file);
+        } else if (handle !== undefined) await walkHandle(await handle, entry.name, files);
+        else await walk(entry, files);
     return files;
+}
+
+/** @param {NamedFile[]} files @param {string} name @param {File} data */
+function add(files, name, data) {
+    if (files.length >= mostFiles) throw new Reason(text("tooManyFiles", mostFiles));
+    files.push({ name, data });
+}
+
+/**
+ * A folder in the way that Chromium wants for pages from a disk; other browsers do not know it.
+ * @param {any} folder a FileSystemDirectoryHandle
+ * @param {string} path
+ * @param {NamedFile[]} files
+ */
+async function walkHandle(folder, path, files) {
+    for await (const each of folder.values()) {
+        const name = `${path}/${each.name}`;
+        if (each.kind === "directory") await walkHandle(each, name, files);
+        else add(files, name, await each.getFile());
+    }
 }
 
 /** @param {FileSystemEntry} entry @param {NamedFile[]} files */
 async function walk(entry, files) {
-    if (files.length >= mostFiles) return;
     if (entry.isFile) {
         const file = await new Promise((resolve, reject) => /** @type {FileSystemFileEntry} */ (entry).file(resolve, reject));
-        files.push({ name: entry.fullPath.replace(/^\//, ""), data: file });
-        return;
+        return add(files, entry.fullPath.replace(/^\//, ""), file);
     }
     const reader = /** @type {FileSystemDirectoryEntry} */ (entry).createReader();
     for (;;) {
@@ -46,8 +78,9 @@ export const chosenFiles = (list) => [...list].map((file) => ({ name: file.webki
 /**
  * The calendars among the files, with archives unpacked, and why the others are none.
  * @param {NamedFile[]} given
+ * @param {(files: NamedFile[]) => Promise<number[]>} kindsOf a fileKind for each
  */
-export async function calendarsAmong(given) {
+export async function calendarsAmong(given, kindsOf) {
     /** @type {NamedFile[]} */
     const files = [];
     /** @type {Refusal[]} */
@@ -65,23 +98,13 @@ export async function calendarsAmong(given) {
             refused.push({ name: name ?? "zipDamaged", file: file.name });
         }
     }
-    const calendars = [];
-    for (const file of files.sort((a, b) => (a.name < b.name ? -1 : 1))) {
-        const reason = await whyNot(file.data);
-        if (reason === undefined) calendars.push(file);
-        else refused.push({ name: reason, file: file.name });
-    }
+    files.sort((a, b) => (a.name < b.name ? -1 : 1));
+    const kinds = await kindsOf(files);
+    const calendars = files.filter((_, i) => kinds[i] === fileKind.calendar);
+    files.forEach(({ name }, i) => {
+        if (kinds[i] !== fileKind.calendar) refused.push({ name: refusals[kinds[i]] ?? "notCalendar", file: name });
+    });
     return { calendars, refused };
-}
-
-/** @param {Blob} data @returns {Promise<import("./texts.js").TextName | undefined>} */
-async function whyNot(data) {
-    if (data.size === 0) return "emptyFile";
-    const bytes = new Uint8Array(await data.slice(0, headSize).arrayBuffer());
-    // Of UTF-16 and UTF-32 every other byte is 0.
-    const head = new TextDecoder("latin1").decode(bytes).replaceAll("\0", "").toUpperCase();
-    if (/BEGIN\s*:\s*(VCALENDAR|VEVENT|VTODO|VJOURNAL|VNOTE)/.test(head)) return undefined;
-    return /BEGIN\s*:\s*VCARD/.test(head) ? "addressBook" : "notCalendar";
 }
 
 /**

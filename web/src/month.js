@@ -12,13 +12,16 @@ const mostInCell = 3;
  * @typedef {{diary: Diary, fits: (index: number) => boolean, show: (index: number) => void}} ViewOptions
  */
 
-/** @param {ViewOptions} options */
-export function monthView({ diary, fits, show }) {
+/**
+ * @param {ViewOptions} options
+ * @param {{day?: number}} kept the chosen day, from one drawing to the next
+ */
+export function monthView({ diary, fits, show }, kept) {
     const view = element("div", { class: "month" });
     const heading = element("h2", { class: "month-name", "aria-live": "polite" });
     const grid = element("table", { class: "grid" });
     const ofDay = element("div", { class: "of-day" });
-    let chosen = startingDay(diary, fits);
+    let chosen = (kept.day ??= startingDay(diary, fits));
 
     const span = diary.span() ?? { first: chosen, last: chosen };
     const thisYear = dates.dateOfDay(dates.today()).getUTCFullYear();
@@ -69,7 +72,7 @@ export function monthView({ diary, fits, show }) {
 
     /** @param {number} day @param {boolean} [focus] */
     function choose(day, focus = false) {
-        chosen = day;
+        chosen = kept.day = day;
         draw();
         if (focus) /** @type {HTMLElement} */ (grid.querySelector("[tabindex='0']")).focus();
     }

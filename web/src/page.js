@@ -1,11 +1,11 @@
 /** The page: what is shown when, and what its buttons do. */
 import { monthAndYear, sizeInWords, today } from "./dates.js";
-import { Diary, horizonOf, inPieces } from "./diary.js";
+import { Diary, horizonOf } from "./diary.js";
 import { byId, element, fill, saveAs } from "./dom.js";
 import { format } from "./engine.js";
 import { showEntry } from "./entry.js";
 import { example } from "./example.js";
-import { calendarsAmong, chosenFiles, droppedFiles, unclearEntries } from "./input.js";
+import { calendarsAmong, chosenFiles, droppedFiles, Reason, unclearEntries } from "./input.js";
 import { listView } from "./list.js";
 import { monthView } from "./month.js";
 import { language, languages, steps, text, useLanguage } from "./texts.js";
@@ -35,11 +35,15 @@ let worker;
 /** @type {Map<number, {resolve: (result: any) => void, reject: (problem: Error) => void, progress?: (done: number) => void}>} */
 const waiting = new Map();
 let lastId = 0;
-let conversions = 0;
+/** Counts what was begun, so that what is overtaken or cancelled shows nothing any more. */
+let begun = 0;
+/** @type {string | undefined} */
+let workerUrl;
 
 function startWorker() {
     const source = /** @type {any} */ (globalThis).qelWorkerSource;
-    worker = new Worker(URL.createObjectURL(new Blob([source], { type: "text/javascript" })));
+    workerUrl ??= URL.createObjectURL(new Blob([source], { type: "text/javascript" }));
+    worker = new Worker(workerUrl);
     worker.onmessage = ({ data }) => {
         const task = waiting.get(data.id);
         if (data.done !== undefined) return task?.progress?.(data.done);
@@ -77,9 +81,9 @@ function stopWorker() {
 
 /** @type {import("./engine.js").NoteKind[]} */
 let kinds = [];
-/** @type {{files: NamedFile[], refused: Refusal[], choices: Choices, target: number, diary: Diary, unclear?: Uint8Array} | undefined} */
+/** @type {{files: NamedFile[], refused: Refusal[], skipped: Refusal[], choices: Choices, target: number, diary: Diary, unclear?: Uint8Array} | undefined} */
 let open;
-const view = { name: "month", words: "", noted: false, /** @type {number | undefined} */ code: undefined };
+const view = { name: "month", words: "", noted: false, /** @type {number | undefined} */ code: undefined, /** @type {number | undefined} */ day: undefined };
 
 /** @param {string} message */
 function announce(message) {
@@ -91,16 +95,19 @@ function showState(state) {
     for (const each of ["start", "working", "problem", "opened"]) byId(each).hidden = each !== state;
 }
 
-/** @param {NamedFile[]} given */
+/** @param {NamedFile[] | Promise<NamedFile[]>} given */
 async function openFiles(given) {
+    const mine = ++begun;
     showWorking(0, 0);
-    const { calendars, refused } = await calendarsAmong(given);
+    const { calendars, refused } = await calendarsAmong(await given, (files) => ask({ task: "recognise", files }));
+    if (mine !== begun) return;
     if (calendars.length === 0) return showProblem(refused);
     const unclear = await unclearEntries(calendars);
     const isPhone = await Promise.all(calendars.map(async ({ data }) =>
         /VERSION\s*:\s*1\.0/i.test((await data.slice(0, 1 << 16).text()).replaceAll("\0", ""))));
-    const target = isPhone.some(Boolean) || calendars.length === 0 ? format.icalendar : format.other;
-    Object.assign(view, { name: "month", words: "", noted: false, code: undefined });
+    if (mine !== begun) return;
+    const target = isPhone.some(Boolean) ? format.icalendar : format.other;
+    Object.assign(view, { name: "month", words: "", noted: false, code: undefined, day: undefined });
     await convert(calendars, refused, {}, target, unclear);
 }
 
@@ -112,20 +119,20 @@ async function openFiles(given) {
  * @param {Uint8Array} [unclear]
  */
 async function convert(files, refused, choices, target, unclear) {
-    const mine = ++conversions;
+    const mine = ++begun;
     const total = files.reduce((sum, { data }) => sum + data.size, 0);
     showWorking(0, total);
     const job = { files, target, choices, horizon: horizonOf(today()), output: "" };
     /** @type {import("./worker.js").Converted} */
     const converted = await ask({ task: "convert", job }, (done) => showWorking(done, total));
     // Other files were given in the meantime.
-    if (mine !== conversions) return;
+    if (mine !== begun) return;
     const empty = files.filter((_, i) => converted.entriesOfFile[i] === 0);
     const all = [...refused, ...empty.map(({ name }) => ({ name: /** @type {const} */ ("noEntries"), file: name }))];
     if (converted.entries.length === 0) return showProblem(all);
     const diary = new Diary(converted, files.map(({ name }) => name), kinds);
-    open = { files, refused, choices, target: converted.summary.target, diary, unclear };
-    showOpened(all);
+    open = { files, refused, skipped: all, choices, target: converted.summary.target, diary, unclear };
+    showOpened();
 }
 
 /** @param {Choices} choices @param {number} [target] */
@@ -137,7 +144,7 @@ async function choose(choices, target) {
         await convert(files, refused, { ...open.choices, ...choices }, target ?? open.target, unclear);
     } catch (problem) {
         open = { ...open, diary };
-        showOpened(refused);
+        showOpened();
         byId("choice-problem").textContent = text("choiceFailed", problem instanceof Error ? problem.message : "");
     }
     byId("choices").setAttribute("open", "");
@@ -181,11 +188,12 @@ function showProblem(refused) {
 /** @param {unknown} problem */
 function showFailure(problem) {
     const reason = problem instanceof Error ? problem.message : String(problem);
+    const message = problem instanceof Reason ? reason : text("failure", reason);
     fill(
         byId("problem"),
         element("div", { class: "card problem" },
             element("h1", { tabindex: -1 }, text("wrong")),
-            element("p", {}, text("failure", reason)),
+            element("p", {}, message),
             element("button", { class: "primary", click: startAgain }, text("startAgain"))),
     );
     showState("problem");
@@ -205,10 +213,9 @@ function run(task) {
 
 // --- The opened calendar ---------------------------------------------------------------------------
 
-/** @param {Refusal[]} refused */
-function showOpened(refused) {
+function showOpened() {
     if (open === undefined) return;
-    const { diary } = open;
+    const { diary, skipped } = open;
     const title = element("h1", { id: "found", tabindex: -1 }, foundText(diary));
     fill(
         byId("opened"),
@@ -217,9 +224,9 @@ function showOpened(refused) {
             element("p", { class: "verdict" }, verdict(diary)),
             notesList(diary),
             diary.summary.seriesCut > 0 && element("p", { class: "faint" }, text("seriesCut", diary.summary.seriesCut)),
-            refused.length > 0 && element("details", {},
-                element("summary", {}, text("skippedFiles", refused.length)),
-                element("ul", {}, refused.slice(0, 100).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)))))),
+            skipped.length > 0 && element("details", {},
+                element("summary", {}, text("skippedFiles", skipped.length)),
+                element("ul", {}, skipped.slice(0, 100).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)))))),
         takeAlong(),
         open.target === format.icalendar && stepsPanel(),
         choicesPanel(),
@@ -316,12 +323,8 @@ function stepsPanel() {
 async function downloadPieces() {
     if (open === undefined) return;
     const name = resultName();
-    const pieces = await inPieces(open.diary.converted.output);
-    const digits = String(pieces.length).length;
-    const files = pieces.map((data, i) => ({
-        name: name.replace(/\.ics$/, `-${String(i + 1).padStart(digits, "0")}.ics`), data,
-    }));
-    saveAs(await writeZip(files), name.replace(/\.ics$/, ".zip"));
+    const archive = await ask({ task: "pieces", calendar: open.diary.converted.output, name });
+    saveAs(archive, name.replace(/\.ics$/, ".zip"));
 }
 
 async function downloadEach() {
@@ -426,7 +429,7 @@ function drawView() {
         count.textContent = "";
         fill(room, list
             ? listView({ diary, fits, show, words: view.words }, (found) => { count.textContent = text("matches", found); })
-            : monthView({ diary, fits, show }));
+            : monthView({ diary, fits, show }, view));
     };
     const tab = (/** @type {"month" | "list"} */ name) => element("button", {
         id: `view-${name}`, click: () => { view.name = name; view.words = ""; input.value = ""; draw(); },
@@ -494,9 +497,10 @@ function drawStart() {
 }
 
 function cancel() {
+    ++begun;
     stopWorker();
     if (open === undefined) startAgain();
-    else showOpened(open.refused);
+    else showOpened();
     announce(text("cancelled"));
 }
 
@@ -532,7 +536,7 @@ function changeLanguage(name) {
         // Remembering it is a convenience.
     }
     drawStart();
-    if (open !== undefined) showOpened(open.refused);
+    if (open !== undefined) showOpened();
     else if (!byId("problem").hidden) startAgain();
     /** @type {HTMLElement | null} */ (byId("languages").querySelector("[aria-pressed=true]"))?.focus();
 }
@@ -558,7 +562,7 @@ function listenForDrops() {
         event.preventDefault();
         inside = 0;
         mark();
-        if (event.dataTransfer) run(droppedFiles(event.dataTransfer).then(openFiles));
+        if (event.dataTransfer) run(openFiles(droppedFiles(event.dataTransfer)));
     });
     addEventListener("paste", (event) => {
         if (event.target instanceof HTMLInputElement || event.target instanceof HTMLTextAreaElement) return;
@@ -580,7 +584,7 @@ async function start() {
     drawStart();
     showState("start");
     if (typeof DecompressionStream === "undefined" || typeof Intl.supportedValuesOf === "undefined")
-        return showFailure(new Error(text("tooOld")));
+        return showFailure(new Reason(text("tooOld")));
     engineModule = await WebAssembly.compile(await engineBytes());
     ({ kinds } = await startWorker());
     listenForDrops();

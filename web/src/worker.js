@@ -3,8 +3,11 @@
  * which the browser keeps, on disk where they are large; so memory holds no more than what a list
  * shows of the entries.
  */
-import { Conversion, format, loadEngine, stream } from "./engine.js";
+import { Conversion, format, loadEngine, stream, wanted } from "./engine.js";
+import { inPieces } from "./pieces.js";
 
+/** The first bytes of a file, which show what it is. */
+const headSize = 1 << 16;
 /** Bytes that the engine is given at once, and those that one Blob collects. */
 const pieceSize = 1 << 18;
 const blobSize = 1 << 22;
@@ -81,7 +84,7 @@ class Lines {
  * @param {Blob} data
  * @param {(piece: Uint8Array) => void} use
  */
-async function inPieces(data, use) {
+async function eachPiece(data, use) {
     for (let at = 0; at < data.size; at += 16 * pieceSize) {
         const bytes = new Uint8Array(await data.slice(at, at + 16 * pieceSize).arrayBuffer());
         for (let start = 0; start < bytes.length; start += pieceSize) use(bytes.subarray(start, start + pieceSize));
@@ -96,7 +99,7 @@ async function inPieces(data, use) {
  * @returns {Promise<Converted>}
  */
 export async function convertFiles(engine, job, progress) {
-    const conversion = new Conversion(engine, { ...job, more: true });
+    const conversion = new Conversion(engine, { ...job, more: wanted.entries + wanted.report });
     const output = new Collector();
     const report = new Collector();
     const details = new Lines();
@@ -117,8 +120,8 @@ export async function convertFiles(engine, job, progress) {
     try {
         for (const { name, data } of job.files) {
             conversion.beginFile(name);
-            await inPieces(data, (piece) => conversion.scan(piece));
-            await inPieces(data, (piece) => {
+            await eachPiece(data, (piece) => conversion.scan(piece));
+            await eachPiece(data, (piece) => {
                 conversion.write(piece);
                 takeAll();
                 done += piece.length;
@@ -160,8 +163,8 @@ export async function convertEach(engine, job, progress) {
         try {
             const output = new Collector();
             conversion.beginFile(name);
-            await inPieces(data, (piece) => conversion.scan(piece));
-            await inPieces(data, (piece) => {
+            await eachPiece(data, (piece) => conversion.scan(piece));
+            await eachPiece(data, (piece) => {
                 conversion.write(piece);
                 output.add(engine.take(stream.output));
                 done += piece.length;
@@ -178,6 +181,17 @@ export async function convertEach(engine, job, progress) {
     return results;
 }
 
+/**
+ * What each file seems to be.
+ * @param {Engine} engine
+ * @param {NamedFile[]} files
+ */
+async function recognise(engine, files) {
+    const kinds = [];
+    for (const { data } of files) kinds.push(engine.recognise(new Uint8Array(await data.slice(0, headSize).arrayBuffer())));
+    return kinds;
+}
+
 /** @type {Promise<Engine> | undefined} */
 let engineComes;
 
@@ -187,6 +201,8 @@ async function perform(message) {
     engineComes ??= loadEngine(message.module);
     const engine = await engineComes;
     if (message.task === "load") return { kinds: engine.noteKinds(), version: engine.version() };
+    if (message.task === "recognise") return recognise(engine, message.files);
+    if (message.task === "pieces") return inPieces(message.calendar, message.name);
     if (message.task === "texts") return engine.texts(message.calendar, message.charset);
     return (message.task === "each" ? convertEach : convertFiles)(engine, message.job, say);
 }
