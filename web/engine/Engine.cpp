@@ -415,6 +415,8 @@ QEL_ENGINE(engine_recognise) int recognise(const void* piece, std::size_t length
 QEL_ENGINE(engine_texts) int texts(const void* piece, std::size_t length, const char* charset) {
     qelcal_reader* const reader = qelcal_reader_new();
     int result = qelcal_reader_choose(reader, QELCAL_CHOOSE_CHARSET, charset);
+    // With the empty name a set is guessed from what the scan finds.
+    if (result == QELCAL_OK) result = qelcal_reader_scan(reader, piece, length);
     if (result == QELCAL_OK) result = qelcal_reader_write(reader, piece, length);
     if (result == QELCAL_OK) result = qelcal_reader_end(reader);
     buffers[kAnswer].clear();

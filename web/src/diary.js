@@ -6,7 +6,7 @@ const mostDays = 100;
 
 /**
  * @typedef {import("./engine.js").Entry} Entry
- * @typedef {{entry: number, minute: number, first: boolean}} Occurrence
+ * @typedef {{entry: number, minute: number, begin: number, first: boolean, last: boolean}} Occurrence on one of its days
  */
 
 export class Diary {
@@ -43,6 +43,17 @@ export class Diary {
         let worst = 0;
         for (const code of this.entries[index].notes) worst = Math.max(worst, this.concernOf(code));
         return worst;
+    }
+
+    /**
+     * What the library advises, and whether it is one of the page's choices; the sentence that names the
+     * program's option for it is left out.
+     * @param {number} code
+     */
+    advice(code) {
+        const whole = this.kinds.get(code)?.advice ?? "";
+        const advice = whole.replace(/\s*[^.]*--[a-z][^.]*\./g, "");
+        return { advice, choice: advice !== whole };
     }
 
     /** @param {number} code */
@@ -100,11 +111,13 @@ export class Diary {
                 const first = dayOf(at);
                 const last = Math.min(first + mostDays, dayOf(at + Math.max(length, 1) - 1));
                 for (let day = Math.max(first, from); day <= last && day < from + count; ++day)
-                    days[day - from].push({ entry: index, minute: day === first ? at : day * minutesOfDay, first: day === first });
+                    days[day - from].push({
+                        entry: index, minute: day === first ? at : day * minutesOfDay, begin: at, first: day === first, last: day === last,
+                    });
             });
         }
         for (const day of days)
-            day.sort((a, b) => Number(this.isAllDay(b)) - Number(this.isAllDay(a)) || a.minute - b.minute);
+            day.sort((a, b) => Number(this.isAllDay(b)) - Number(this.isAllDay(a)) || a.begin - b.begin || a.entry - b.entry);
         return days;
     }
 

@@ -33,6 +33,10 @@ function nodes(children) {
 /** @param {string} id */
 export const byId = (id) => /** @type {HTMLElement} */ (document.getElementById(id));
 
+/** A drawing of page.html. @param {string} name its class */
+export const drawing = (name) =>
+    /** @type {Element} */ (/** @type {HTMLTemplateElement} */ (byId("drawings")).content.querySelector(`.${name}`)).cloneNode(true);
+
 /** @param {Element} parent @param {Child[]} children */
 export function fill(parent, ...children) {
     parent.replaceChildren(...nodes(children));

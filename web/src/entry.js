@@ -168,7 +168,7 @@ function notes(diary, details) {
                     "li",
                     { class: `note concern-${diary.concernOf(note.code)}` },
                     element("p", {}, note.text),
-                    element("p", { class: "faint" }, `${kind?.meaning ?? ""} ${kind?.advice ?? ""}`),
+                    element("p", { class: "faint" }, `${kind?.meaning ?? ""} ${diary.advice(note.code).advice}`),
                 );
             }),
         ),

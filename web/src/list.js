@@ -20,6 +20,7 @@ export function listView({ diary, fits, show, words }, counted) {
     const height = Math.min(found.length * rowHeight, 8000000);
     room.style.height = `${height}px`;
     const scroller = element("div", { class: "list", tabindex: -1, scroll: () => draw() }, room);
+    scroller.style.maxHeight = `${height + 2}px`;
     let active = 0;
     /** @type {string | undefined} */
     let drawn;
@@ -74,35 +75,26 @@ export function listView({ diary, fits, show, words }, counted) {
 
     /** @param {number} i */
     function row(i) {
-        const index = found[i];
-        const entry = diary.entries[index];
-        const key = diary.key(index);
-        const dated = key !== Infinity;
-        const day = dates.dayOf(key);
-        const facts = [
-            dated && (entry.day ? text("allDay") : dates.timeOfDay(key)),
-            entry.words,
-            entry.place,
-        ].filter(Boolean);
+        const { date, month, facts, title, concern } = shown(diary, found[i]);
         return element(
             "div",
             { class: "row", role: "listitem", "aria-setsize": found.length, "aria-posinset": i + 1 },
             element(
                 "button",
-                { class: "row-button", tabindex: i === active ? 0 : -1, click: () => { active = i; show(index); }, keydown: onKey },
+                { class: "row-button", tabindex: i === active ? 0 : -1, click: () => { active = i; show(found[i]); }, keydown: onKey },
                 element(
                     "span",
                     { class: "date" },
-                    dated ? element("b", {}, String(dates.dateOfDay(day).getUTCDate())) : "–",
-                    element("small", {}, dated ? dates.shortMonthAndYear(day) : text("undated")),
+                    element("b", {}, date),
+                    element("small", {}, month),
                 ),
                 element(
                     "span",
                     { class: "what" },
-                    element("span", { class: "name", dir: "auto" }, entry.title || text("untitled")),
-                    element("small", { dir: "auto" }, [kindText(entry.kind), ...facts].filter(Boolean).join(" · ")),
+                    element("span", { class: "name", dir: "auto" }, title),
+                    element("small", { dir: "auto" }, facts),
                 ),
-                concernMark(diary.concern(index)),
+                concernMark(concern),
             ),
         );
     }
@@ -114,4 +106,34 @@ export function listView({ diary, fits, show, words }, counted) {
         draw();
     });
     return scroller;
+}
+
+/** What a row shows of an entry. @param {import("./diary.js").Diary} diary @param {number} index */
+function shown(diary, index) {
+    const entry = diary.entries[index];
+    const key = diary.key(index);
+    const dated = key !== Infinity;
+    const day = dates.dayOf(key);
+    const time = dated && (entry.day ? text("allDay") : dates.timeOfDay(key));
+    return {
+        date: dated ? String(dates.dateOfDay(day).getUTCDate()) : "–",
+        month: dated ? dates.shortMonthAndYear(day) : text("undated"),
+        title: entry.title || text("untitled"),
+        facts: [kindText(entry.kind), time, entry.words, entry.place].filter(Boolean).join(" · "),
+        concern: diary.concern(index),
+    };
+}
+
+/**
+ * All entries, for paper.
+ * @param {import("./diary.js").Diary} diary
+ * @param {(index: number) => boolean} fits
+ * @param {string} words
+ */
+export function printedList(diary, fits, words) {
+    return element("ul", { id: "printed" }, diary.search(words, fits).map((index) => {
+        const { date, month, facts, title } = shown(diary, index);
+        return element("li", {}, element("span", {}, `${date} ${month}`),
+            element("span", {}, element("b", { dir: "auto" }, title), element("small", { dir: "auto" }, facts)));
+    }));
 }

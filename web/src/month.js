@@ -4,8 +4,9 @@ import { element, fill } from "./dom.js";
 import { entryButton, timeText } from "./entry.js";
 import { text } from "./texts.js";
 
-/** Entries of a day that have room in its cell. */
+/** Entries of a day that have room in its cell, and in the list below the month. */
 const mostInCell = 3;
+const mostBelow = 50;
 
 /**
  * @typedef {import("./diary.js").Diary} Diary
@@ -18,7 +19,7 @@ const mostInCell = 3;
  */
 export function monthView({ diary, fits, show }, kept) {
     const view = element("div", { class: "month" });
-    const heading = element("h2", { class: "month-name", "aria-live": "polite" });
+    const heading = element("h2", { class: "unseen", "aria-live": "polite" });
     const grid = element("table", { class: "grid" });
     const ofDay = element("div", { class: "of-day" });
     let chosen = (kept.day ??= startingDay(diary, fits));
@@ -112,8 +113,9 @@ export function monthView({ diary, fits, show }, kept) {
             element("h3", {}, dates.longDay(chosen)),
             entries.length === 0
                 ? element("p", { class: "faint" }, text("noneOnDay"))
-                : element("ul", { class: "rows" }, entries.slice(0, 200).map((each) =>
+                : element("ul", { class: "rows" }, entries.slice(0, mostBelow).map((each) =>
                       element("li", {}, entryButton(diary, each.entry, timeText(diary, each), show)))),
+            entries.length > mostBelow && element("p", { class: "faint" }, text("moreThatDay", entries.length - mostBelow)),
         );
     }
 
@@ -125,7 +127,7 @@ export function monthView({ diary, fits, show }, kept) {
      */
     function cell(day, entries, first, after) {
         const outside = day < first || day >= after;
-        const classes = [outside && "outside", day === chosen && "chosen", day === dates.today() && "today"];
+        const classes = [outside && "outside", dates.weekdayOf(day) > 4 && "weekend", day === chosen && "chosen", day === dates.today() && "today"];
         const shown = entries.length > mostInCell ? entries.slice(0, mostInCell - 1) : entries;
         const label = `${dates.longDay(day)}, ${text("matches", entries.length)}`;
         return element(
@@ -146,7 +148,7 @@ export function monthView({ diary, fits, show }, kept) {
                 element(
                     "span",
                     { class: "chips", "aria-hidden": "true" },
-                    shown.map((each) => chip(each)),
+                    shown.map((each) => chip(each, day)),
                     entries.length > shown.length &&
                         element("span", { class: "more" }, text("moreOfDay", entries.length - shown.length)),
                 ),
@@ -154,15 +156,23 @@ export function monthView({ diary, fits, show }, kept) {
         );
     }
 
-    /** @param {import("./diary.js").Occurrence} occurrence */
-    function chip(occurrence) {
+    /** @param {import("./diary.js").Occurrence} occurrence @param {number} day */
+    function chip(occurrence, day) {
         const { title, kind } = diary.entries[occurrence.entry];
         const allDay = diary.isAllDay(occurrence);
+        const classes = [
+            `chip kind-${kind} concern-${diary.concern(occurrence.entry)}`,
+            allDay && "all-day",
+            !occurrence.first && "from",
+            !occurrence.last && "on",
+        ];
+        // A bar of several days has its title on the first, and on each Monday.
+        const titled = occurrence.first || dates.weekdayOf(day) === 0;
         return element(
             "span",
-            { class: `chip kind-${kind} concern-${diary.concern(occurrence.entry)}${allDay ? " all-day" : ""}` },
+            { class: classes.filter(Boolean).join(" ") },
             !allDay && element("b", {}, dates.timeOfDay(occurrence.minute)),
-            element("span", { dir: "auto" }, title || text("untitled")),
+            element("span", { dir: "auto" }, titled ? title || text("untitled") : "\u00a0"),
         );
     }
 

@@ -1,12 +1,12 @@
 /** The page: what is shown when, and what its buttons do. */
 import { monthAndYear, sizeInWords, today } from "./dates.js";
 import { Diary, horizonOf } from "./diary.js";
-import { byId, element, fill, saveAs } from "./dom.js";
+import { byId, drawing, element, fill, saveAs } from "./dom.js";
 import { format } from "./engine.js";
 import { showEntry } from "./entry.js";
 import { example } from "./example.js";
 import { calendarsAmong, chosenFiles, droppedFiles, Reason, unclearEntries } from "./input.js";
-import { listView } from "./list.js";
+import { listView, printedList } from "./list.js";
 import { monthView } from "./month.js";
 import { language, languages, steps, text, useLanguage } from "./texts.js";
 import { writeZip } from "./zip.js";
@@ -176,6 +176,7 @@ function showProblem(refused) {
     fill(
         byId("problem"),
         element("div", { class: "card problem" },
+            element("span", { class: "sign", "aria-hidden": "true" }, "!"),
             element("h1", { tabindex: -1 }, refused.length > 0 ? text("noCalendar") : text("wrong")),
             reasons.length > 0 ? element("ul", {}, reasons) : element("p", {}, text("nothingChosen")),
             element("button", { class: "primary", click: startAgain }, text("startAgain"))),
@@ -192,6 +193,7 @@ function showFailure(problem) {
     fill(
         byId("problem"),
         element("div", { class: "card problem" },
+            element("span", { class: "sign", "aria-hidden": "true" }, "!"),
             element("h1", { tabindex: -1 }, text("wrong")),
             element("p", {}, message),
             element("button", { class: "primary", click: startAgain }, text("startAgain"))),
@@ -228,7 +230,6 @@ function showOpened() {
                 element("summary", {}, text("skippedFiles", skipped.length)),
                 element("ul", {}, skipped.slice(0, 100).map(({ name, file }) => element("li", { dir: "auto" }, text(name, file)))))),
         takeAlong(),
-        open.target === format.icalendar && stepsPanel(),
         choicesPanel(),
         element("section", { class: "card diary", id: "diary", "aria-label": text("view") }),
     );
@@ -243,7 +244,7 @@ function foundText(diary) {
     const entries = text("foundEntries", diary.entries.length);
     const span = diary.span();
     if (span === undefined) return entries;
-    const [first, last] = [monthAndYear(span.first), monthAndYear(span.last)];
+    const [first, last] = [span.first, span.last].map((day) => monthAndYear(day).replace(" ", "\u00a0"));
     return first === last ? `${entries}, ${first}` : text("foundSpan", entries, first, last);
 }
 
@@ -262,6 +263,7 @@ function notesList(diary) {
     if (notes.length === 0) return null;
     const item = (/** @type {typeof notes[number]} */ { code, count, first }) => {
         const kind = diary.kinds.get(code);
+        const { advice, choice } = diary.advice(code);
         const mark = text(kind?.fate === 2 ? "lost" : kind?.fate === 1 ? "kept" : "changedMark");
         const inEntries = diary.entries.some((entry) => entry.notes.includes(code));
         return element("li", { class: `note concern-${diary.concernOf(code)}` },
@@ -270,8 +272,9 @@ function notesList(diary) {
             element("p", { class: "faint", dir: "auto" },
                 text("firstExample", first.text),
                 first.line > 0 && ` (${text("exampleLine", first.file, String(first.line))})`),
-            element("p", { class: "faint", lang: "en" }, kind?.advice ?? ""),
-            inEntries && element("button", { class: "quiet", click: () => showOnly(code) }, text("showEntries")));
+            element("p", { class: "faint", lang: "en" }, advice),
+            inEntries && element("button", { class: "quiet", click: () => showOnly(code) }, text("showEntries")),
+            choice && element("button", { class: "quiet", click: showChoices }, text("readOtherwise")));
     };
     return element("div", { class: "notes" },
         element("h2", {}, text("lookFirst")),
@@ -279,6 +282,11 @@ function notesList(diary) {
         notes.length > fewNotes && element("details", {},
             element("summary", {}, text("moreNotes", notes.length - fewNotes)),
             element("ul", {}, notes.slice(fewNotes).map(item))));
+}
+
+function showChoices() {
+    byId("choices").setAttribute("open", "");
+    /** @type {HTMLElement} */ (byId("choices").querySelector("summary")).focus();
 }
 
 /** @param {number} code */
@@ -307,17 +315,19 @@ function takeAlong() {
             converted.output.size > 1e6 && open?.target === format.icalendar &&
                 element("button", { id: "pieces", click: () => run(downloadPieces()) }, text("inPieces")),
             several && element("button", { id: "each", click: () => run(downloadEach()) }, text("eachFile")),
-            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport")),
-            element("button", { id: "again", class: "quiet", click: startAgain }, text("startAgain"))));
+            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))),
+        open?.target === format.icalendar && stepsPanel(),
+        element("button", { id: "again", class: "quiet", click: startAgain }, text("startAgain")));
 }
 
+/** What to do with the download, one program at a time. */
 function stepsPanel() {
-    return element("details", { class: "card wide", id: "steps" },
-        element("summary", {}, text("intoCalendar")),
-        element("div", { class: "programs" }, Object.entries(steps()).map(([program, list]) =>
-            element("section", {},
-                element("h2", {}, program),
-                element("ol", {}, list.map((step) => element("li", {}, step)))))));
+    return element("div", { class: "programs", id: "steps" },
+        element("h3", {}, text("intoCalendar")),
+        element("p", { class: "faint" }, text("stepsHint")),
+        Object.entries(steps()).map(([program, list]) => element("details", { name: "program" },
+            element("summary", {}, program),
+            element("ol", {}, list.map((step) => element("li", {}, step))))));
 }
 
 async function downloadPieces() {
@@ -354,7 +364,7 @@ function choicesPanel() {
         element("label", {}, element("input", {
             type: "radio", name: "target", id: `target-${value}`, value, checked: target === value, change: () => run(choose({}, value)),
         }), label);
-    return element("details", { class: "card wide choices", id: "choices" },
+    return element("details", { class: "card choices", id: "choices" },
         element("summary", {}, text("choices")),
         element("p", { class: "faint" }, text("choicesIntro")),
         element("p", { id: "choice-problem", class: "concern-2", role: "alert" }),
@@ -414,12 +424,15 @@ function charsetChoice(unclear, chosen) {
 
 // --- The views -------------------------------------------------------------------------------------
 
+/** Whether the views show an entry, as the person wants. @param {Diary} diary */
+const fitting = (diary) => (/** @type {number} */ index) =>
+    (!view.noted || diary.concern(index) > 0) &&
+    (view.code === undefined || diary.entries[index].notes.includes(view.code));
+
 function drawView() {
     if (open === undefined) return;
     const { diary } = open;
-    const fits = (/** @type {number} */ index) =>
-        (!view.noted || diary.concern(index) > 0) &&
-        (view.code === undefined || diary.entries[index].notes.includes(view.code));
+    const fits = fitting(diary);
     const show = (/** @type {number} */ index) => run(showEntry(diary, index));
     const room = element("div", { class: "view" });
     const count = element("span", { class: "faint", "aria-live": "polite" });
@@ -469,13 +482,13 @@ function drawStart() {
         click: () => changeLanguage(/** @type {import("./texts.js").Language} */ (name)),
     }, name === "de" ? "Deutsch" : "English")));
     byId("languages").setAttribute("aria-label", text("language"));
-    const promise = (/** @type {import("./texts.js").TextName} */ name, /** @type {import("./texts.js").TextName} */ more) =>
-        element("li", {}, element("h2", {}, text(name)), element("p", {}, text(more)));
+    const promise = (/** @type {string} */ picture, /** @type {import("./texts.js").TextName} */ name, /** @type {import("./texts.js").TextName} */ more) =>
+        element("li", {}, drawing(picture), element("div", {}, element("h2", {}, text(name)), element("p", {}, text(more))));
     fill(byId("start"),
         element("h1", {}, text("title")),
         element("p", { class: "intro" }, text("intro")),
         element("div", { class: "drop", id: "drop" },
-            element("div", { class: "leaf", "aria-hidden": "true" }, element("i", {}), element("b", {}, "31")),
+            drawing("hero"),
             element("p", { class: "big" }, text("dropHere")),
             element("p", { class: "faint" }, text("dropKinds")),
             element("div", { class: "buttons" },
@@ -486,9 +499,9 @@ function drawStart() {
             element("button", { class: "quiet", id: "example", click: () =>
                 run(openFiles([{ name: "example.vcs", data: new Blob([example]) }])) }, text("example"))),
         element("ul", { class: "promises" },
-            promise("promisePrivate", "promisePrivateMore"),
-            promise("promiseWhole", "promiseWholeMore"),
-            promise("promiseFits", "promiseFitsMore")));
+            promise("home", "promisePrivate", "promisePrivateMore"),
+            promise("checked", "promiseWhole", "promiseWholeMore"),
+            promise("fit", "promiseFits", "promiseFitsMore")));
     fill(byId("working"), element("div", { class: "card working" },
         element("h1", {}, text("working")),
         element("progress", { id: "bar", "aria-label": text("working"), max: 1, value: 0 }),
@@ -573,6 +586,14 @@ function listenForDrops() {
     });
 }
 
+/** Paper has all entries, where the page draws those in sight. */
+function listenForPrinting() {
+    addEventListener("beforeprint", () => {
+        if (open !== undefined) byId("diary").append(printedList(open.diary, fitting(open.diary), view.words));
+    });
+    addEventListener("afterprint", () => byId("printed")?.remove());
+}
+
 /** The engine's bytes, which stand packed in the page. */
 async function engineBytes() {
     const packed = Uint8Array.from(atob(byId("engine").textContent ?? ""), (character) => character.charCodeAt(0));
@@ -588,6 +609,7 @@ async function start() {
     engineModule = await WebAssembly.compile(await engineBytes());
     ({ kinds } = await startWorker());
     listenForDrops();
+    listenForPrinting();
     document.body.dataset.ready = String(Math.round(performance.now()));
 }
 

@@ -3,8 +3,8 @@
  * caller gives; where a text has a "|", the part before it is for exactly one.
  */
 const english = {
-    title: "Open an old phone's calendar",
-    pageTitle: "Open an old phone's calendar – QelUtility",
+    title: "Open an old phone’s calendar",
+    pageTitle: "Open an old phone’s calendar – QelUtility",
     intro: "See the diary in it, and take it along into the calendar you use today.",
     dropHere: "Drop your files here",
     dropKinds: "Calendar files (.vcs or .ics), a folder, or a .zip of them",
@@ -16,11 +16,11 @@ const english = {
     promisePrivateMore: "This page works without a network. Your diary is sent to nobody.",
     promiseWhole: "Nothing disappears silently",
     promiseWholeMore: "Whatever your new calendar cannot hold is listed, entry by entry.",
-    promiseFits: "Fits today's calendars",
+    promiseFits: "Fits today’s calendars",
     promiseFitsMore: "Google Calendar, Apple Calendar, Thunderbird, Outlook and others.",
-    pasteTitle: "Paste a calendar's text",
+    pasteTitle: "Paste a calendar’s text",
     pasteHelp: "It begins with BEGIN:VCALENDAR.",
-    pasteLabel: "The calendar's text",
+    pasteLabel: "The calendar’s text",
     open: "Open",
     close: "Close",
     cancel: "Cancel",
@@ -40,6 +40,7 @@ const english = {
     changedMark: "Read differently",
     times: "once|{0} times",
     showEntries: "Show entries",
+    readOtherwise: "Read it another way",
     firstExample: "For example: {0}",
     exampleLine: "{0}, line {1}",
     moreNotes: "Show 1 more|Show {0} more",
@@ -55,7 +56,7 @@ const english = {
     charsetWhy: "Some letters could not be read for certain. Which line reads right?",
     charsetNone: "Automatic",
     direction: "Make",
-    toIcs: "iCalendar (.ics), for today's calendars",
+    toIcs: "iCalendar (.ics), for today’s calendars",
     toVcs: "vCalendar (.vcs), for an old phone",
     countMeans: "A count in a series of several days",
     countDates: "counts dates",
@@ -66,7 +67,8 @@ const english = {
     download: "Download {0}",
     inPieces: "In pieces of 1 MB",
     eachFile: "Each file by itself (.zip)",
-    showReport: "Report",
+    showReport: "What became of each entry",
+    stepsHint: "Three steps for each program:",
     intoCalendar: "Into your calendar",
     view: "View",
     month: "Month",
@@ -86,6 +88,7 @@ const english = {
     nothingFound: "No entry fits.",
     matches: "1 entry|{0} entries",
     dayEntries: "Entries on {0}",
+    moreThatDay: "and 1 more; the list has all of them|and {0} more; the list has all of them",
     noneOnDay: "Nothing on this day.",
     untitled: "(no title)",
     undated: "No date",
@@ -198,6 +201,7 @@ const german = {
     changedMark: "Anders gelesen",
     times: "einmal|{0}-mal",
     showEntries: "Einträge zeigen",
+    readOtherwise: "Anders lesen",
     firstExample: "Zum Beispiel: {0}",
     exampleLine: "{0}, Zeile {1}",
     moreNotes: "1 weitere Meldung|{0} weitere Meldungen",
@@ -224,7 +228,8 @@ const german = {
     download: "{0} herunterladen",
     inPieces: "In Stücken von 1 MB",
     eachFile: "Jede Datei für sich (.zip)",
-    showReport: "Bericht",
+    showReport: "Was aus jedem Eintrag wurde",
+    stepsHint: "Drei Schritte für jedes Programm:",
     intoCalendar: "In Ihren Kalender",
     view: "Ansicht",
     month: "Monat",
@@ -244,6 +249,7 @@ const german = {
     nothingFound: "Kein Eintrag passt.",
     matches: "1 Eintrag|{0} Einträge",
     dayEntries: "Einträge am {0}",
+    moreThatDay: "und 1 weiterer; die Liste hat alle|und {0} weitere; die Liste hat alle",
     noneOnDay: "Nichts an diesem Tag.",
     untitled: "(ohne Titel)",
     undated: "Ohne Datum",
@@ -334,7 +340,7 @@ export const language = () => current;
 export const steps = () => languages[current].steps;
 
 /**
- * A text in the page's language.
+ * A text in the page’s language.
  * @param {TextName} name
  * @param {(string | number)[]} values
  */
