@@ -25,6 +25,10 @@ std::size_t characterAt(std::string_view text) {
     return first == 0xF4 && byte(1) >= 0x90 ? 0 : 4;
 }
 
+bool isPlain(char c) {
+    return c >= 0x20 && c < 0x7F && c != '"' && c != '\\';
+}
+
 }  // namespace
 
 void Json::separate() {
@@ -53,6 +57,11 @@ void Json::value(std::string_view text) {
     separate();
     out_ += '"';
     while (!text.empty()) {
+        std::size_t plain = 0;
+        while (plain < text.size() && isPlain(text[plain])) ++plain;
+        out_.append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty()) break;
         const char c = text.front();
         std::size_t length = 1;
         if (c == '"' || c == '\\') {

@@ -12,12 +12,13 @@ const mostDays = 100;
 export class Diary {
     /**
      * @param {import("./worker.js").Converted} converted
+     * @param {Entry[]} entries
      * @param {string[]} names of the files
      * @param {import("./engine.js").NoteKind[]} kinds
      */
-    constructor(converted, names, kinds) {
+    constructor(converted, entries, names, kinds) {
         this.converted = converted;
-        this.entries = converted.entries;
+        this.entries = entries;
         this.summary = converted.summary;
         this.names = names;
         this.kinds = new Map(kinds.map((kind) => [kind.code, kind]));

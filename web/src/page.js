@@ -32,7 +32,7 @@ const charsets = [
 let engineModule;
 /** @type {Worker | undefined} */
 let worker;
-/** @type {Map<number, {resolve: (result: any) => void, reject: (problem: Error) => void, progress?: (done: number) => void}>} */
+/** @type {Map<number, {resolve: (result: any) => void, reject: (problem: Error) => void, progress?: (done: number, entries: string) => void}>} */
 const waiting = new Map();
 let lastId = 0;
 /** Counts what was begun, so that what is overtaken or cancelled shows nothing any more. */
@@ -46,7 +46,7 @@ function startWorker() {
     worker = new Worker(workerUrl);
     worker.onmessage = ({ data }) => {
         const task = waiting.get(data.id);
-        if (data.done !== undefined) return task?.progress?.(data.done);
+        if (data.done !== undefined) return task?.progress?.(data.done, data.entries);
         waiting.delete(data.id);
         if (data.problem === undefined) task?.resolve(data.result);
         else task?.reject(new Error(data.problem));
@@ -60,7 +60,7 @@ function startWorker() {
 
 /**
  * @param {object} message
- * @param {(done: number) => void} [progress]
+ * @param {(done: number, entries: string) => void} [progress]
  * @returns {Promise<any>}
  */
 function ask(message, progress) {
@@ -71,10 +71,38 @@ function ask(message, progress) {
     });
 }
 
+/** What the person has cancelled ends with this. */
+class Cancelled extends Error {}
+
 function stopWorker() {
     worker?.terminate();
+    for (const { reject } of waiting.values()) reject(new Cancelled());
     waiting.clear();
     void startWorker();
+}
+
+/**
+ * Asks while the page stays as it is; what takes longer shows its progress and can be cancelled.
+ * @param {{task: string, [more: string]: any}} message
+ */
+async function askBusily(message) {
+    const dialog = /** @type {HTMLDialogElement} */ (byId("busy"));
+    const total = open?.files.reduce((sum, { data }) => sum + data.size, 0) ?? 0;
+    const bar = element("progress", { max: Math.max(total, 1), "aria-label": text("preparing") });
+    fill(dialog,
+        element("h2", { id: "busy-title" }, text("preparing")),
+        element("p", {}, bar),
+        element("button", { click: () => dialog.close() }, text("cancel")));
+    let settled = false;
+    dialog.onclose = () => { if (!settled) stopWorker(); };
+    const timer = setTimeout(() => dialog.showModal(), 400);
+    try {
+        return await ask(message, (done) => { bar.value = done; });
+    } finally {
+        settled = true;
+        clearTimeout(timer);
+        dialog.close();
+    }
 }
 
 // --- What is open ----------------------------------------------------------------------------------
@@ -122,15 +150,20 @@ async function convert(files, refused, choices, target, unclear) {
     const mine = ++begun;
     const total = files.reduce((sum, { data }) => sum + data.size, 0);
     showWorking(0, total);
-    const job = { files, target, choices, horizon: horizonOf(today()), output: "" };
+    const job = { files, target, choices, horizon: horizonOf(today()) };
+    /** @type {import("./engine.js").Entry[]} */
+    const entries = [];
     /** @type {import("./worker.js").Converted} */
-    const converted = await ask({ task: "convert", job }, (done) => showWorking(done, total));
+    const converted = await ask({ task: "convert", job }, (done, lines) => {
+        for (const line of lines.split("\n")) if (line !== "") entries.push(JSON.parse(line));
+        showWorking(done, total);
+    });
     // Other files were given in the meantime.
     if (mine !== begun) return;
     const empty = files.filter((_, i) => converted.entriesOfFile[i] === 0);
     const all = [...refused, ...empty.map(({ name }) => ({ name: /** @type {const} */ ("noEntries"), file: name }))];
-    if (converted.entries.length === 0) return showProblem(all);
-    const diary = new Diary(converted, files.map(({ name }) => name), kinds);
+    if (entries.length === 0) return showProblem(all);
+    const diary = new Diary(converted, entries, files.map(({ name }) => name), kinds);
     open = { files, refused, skipped: all, choices, target: converted.summary.target, diary, unclear };
     showOpened();
 }
@@ -143,6 +176,7 @@ async function choose(choices, target) {
     try {
         await convert(files, refused, { ...open.choices, ...choices }, target ?? open.target, unclear);
     } catch (problem) {
+        if (problem instanceof Cancelled) throw problem;
         open = { ...open, diary };
         showOpened();
         byId("choice-problem").textContent = text("choiceFailed", problem instanceof Error ? problem.message : "");
@@ -210,7 +244,9 @@ function startAgain() {
 
 /** Runs what a button began; a failure becomes a state of the page. @param {Promise<unknown>} task */
 function run(task) {
-    task.catch(showFailure);
+    task.catch((problem) => {
+        if (!(problem instanceof Cancelled)) showFailure(problem);
+    });
 }
 
 // --- The opened calendar ---------------------------------------------------------------------------
@@ -315,7 +351,7 @@ function takeAlong() {
             converted.output.size > 1e6 && open?.target === format.icalendar &&
                 element("button", { id: "pieces", click: () => run(downloadPieces()) }, text("inPieces")),
             several && element("button", { id: "each", click: () => run(downloadEach()) }, text("eachFile")),
-            element("button", { id: "report", click: () => saveAs(converted.report, `${name}.html`) }, text("showReport"))),
+            element("button", { id: "report", click: () => run(downloadReport()) }, text("showReport"))),
         open?.target === format.icalendar && stepsPanel(),
         element("button", { id: "again", class: "quiet", click: startAgain }, text("startAgain")));
 }
@@ -333,17 +369,25 @@ function stepsPanel() {
 async function downloadPieces() {
     if (open === undefined) return;
     const name = resultName();
-    const archive = await ask({ task: "pieces", calendar: open.diary.converted.output, name });
+    const archive = await askBusily({ task: "pieces", calendar: open.diary.converted.output, name });
     saveAs(archive, name.replace(/\.ics$/, ".zip"));
+}
+
+async function downloadReport() {
+    if (open === undefined) return;
+    const { files, choices, target } = open;
+    const output = resultName();
+    const report = await askBusily({ task: "report", job: { files, choices, target, output } });
+    saveAs(report, `${output}.html`);
 }
 
 async function downloadEach() {
     if (open === undefined) return;
     const { files, choices, target } = open;
     const extension = target === format.vcalendar ? ".vcs" : ".ics";
-    const job = { files, choices, target, horizon: "", output: "" };
+    const job = { files, choices, target };
     /** @type {NamedFile[]} */
-    const results = await ask({ task: "each", job });
+    const results = await askBusily({ task: "each", job });
     const used = new Set();
     for (const result of results) {
         const stem = result.name.replace(/\.[^./\\]*$/, "");

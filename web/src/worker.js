@@ -16,15 +16,13 @@ const blobSize = 1 << 22;
  * @typedef {import("./engine.js").Choices} Choices
  * @typedef {import("./engine.js").Engine} Engine
  * @typedef {import("./zip.js").NamedFile} NamedFile
- * @typedef {{files: NamedFile[], target: number, choices: Choices, horizon: string, output: string}} Job
+ * @typedef {{files: NamedFile[], target: number, choices: Choices, horizon?: string, output?: string}} Job
  * @typedef {{blobs: Blob[], blob: number[], start: number[], size: number[]}} Places
  * @typedef {object} Converted
  * @property {import("./engine.js").Summary} summary
- * @property {import("./engine.js").Entry[]} entries
  * @property {Int32Array} dates
  * @property {Places} details
  * @property {Blob} output
- * @property {Blob} report
  * @property {number[]} entriesOfFile
  */
 
@@ -92,56 +90,45 @@ async function eachPiece(data, use) {
 }
 
 /**
- * All files into one calendar.
+ * All files into one calendar. The entries leave as they come, a line of JSON each.
  * @param {Engine} engine
  * @param {Job} job
- * @param {(done: number) => void} progress
+ * @param {(done: number, entries: string) => void} progress
  * @returns {Promise<Converted>}
  */
-export async function convertFiles(engine, job, progress) {
-    const conversion = new Conversion(engine, { ...job, more: wanted.entries + wanted.report });
+async function convertFiles(engine, job, progress) {
+    const conversion = new Conversion(engine, { ...job, more: wanted.entries });
     const output = new Collector();
-    const report = new Collector();
     const details = new Lines();
-    /** @type {import("./engine.js").Entry[]} */
-    const entries = [];
     /** @type {Uint8Array<ArrayBuffer>[]} */
     const dates = [];
+    let done = 0;
     const takeAll = () => {
         output.add(engine.take(stream.output));
-        report.add(engine.take(stream.report));
         details.add(engine.take(stream.details));
         dates.push(engine.take(stream.dates));
-        for (const line of engine.takeText(stream.entries).split("\n")) if (line !== "") entries.push(JSON.parse(line));
+        progress(done, engine.takeText(stream.entries));
     };
     const entriesOfFile = [];
-    let done = 0;
     let known = 0;
     try {
-        for (const { name, data } of job.files) {
-            conversion.beginFile(name);
-            await eachPiece(data, (piece) => conversion.scan(piece));
-            await eachPiece(data, (piece) => {
-                conversion.write(piece);
+        for (const file of job.files) {
+            const count = await convertFile(conversion, file, (size) => {
+                done += size;
                 takeAll();
-                done += piece.length;
-                progress(done);
             });
-            const count = conversion.endFile();
             takeAll();
             entriesOfFile.push(count - known);
             known = count;
         }
-        const summary = conversion.finish(job.output);
+        const summary = conversion.finish();
         takeAll();
         details.collector.seal();
         return {
             summary,
-            entries,
             dates: new Int32Array(await new Blob(dates).arrayBuffer()),
             details: details.places,
             output: output.whole(summary.target === format.vcalendar ? "text/x-vcalendar" : "text/calendar"),
-            report: report.whole("text/html", engine.take(stream.head)),
             entriesOfFile,
         };
     } finally {
@@ -150,35 +137,71 @@ export async function convertFiles(engine, job, progress) {
 }
 
 /**
+ * One file of a job, and what the conversion yields after each piece of it.
+ * @param {Conversion} conversion
+ * @param {NamedFile} file
+ * @param {(size: number) => void} taken
+ */
+async function convertFile(conversion, { name, data }, taken) {
+    conversion.beginFile(name);
+    await eachPiece(data, (piece) => conversion.scan(piece));
+    await eachPiece(data, (piece) => {
+        conversion.write(piece);
+        taken(piece.length);
+    });
+    return conversion.endFile();
+}
+
+/**
  * Each file as a calendar of its own.
  * @param {Engine} engine
  * @param {Job} job
  * @param {(done: number) => void} progress
  */
-export async function convertEach(engine, job, progress) {
+async function convertEach(engine, job, progress) {
     const results = [];
     let done = 0;
-    for (const { name, data } of job.files) {
+    for (const file of job.files) {
         const conversion = new Conversion(engine, job);
         try {
             const output = new Collector();
-            conversion.beginFile(name);
-            await eachPiece(data, (piece) => conversion.scan(piece));
-            await eachPiece(data, (piece) => {
-                conversion.write(piece);
+            const entries = await convertFile(conversion, file, (size) => {
                 output.add(engine.take(stream.output));
-                done += piece.length;
-                progress(done);
+                progress((done += size));
             });
-            const entries = conversion.endFile();
             conversion.finish();
             output.add(engine.take(stream.output));
-            if (entries > 0) results.push({ name, data: output.whole() });
+            if (entries > 0) results.push({ name: file.name, data: output.whole() });
         } finally {
             conversion.free();
         }
     }
     return results;
+}
+
+/**
+ * The report, which costs more than the conversion and is made when it is wanted.
+ * @param {Engine} engine
+ * @param {Job} job
+ * @param {(done: number) => void} progress
+ */
+async function reportOf(engine, job, progress) {
+    const conversion = new Conversion(engine, { ...job, more: wanted.report });
+    try {
+        const report = new Collector();
+        let done = 0;
+        const take = (/** @type {number} */ size) => {
+            engine.call("engine_drop", stream.output);
+            report.add(engine.take(stream.report));
+            progress((done += size));
+        };
+        for (const file of job.files) await convertFile(conversion, file, take);
+        conversion.finish(job.output);
+        take(0);
+        return report.whole("text/html", engine.take(stream.head));
+    } finally {
+        conversion.free();
+    }
 }
 
 /**
@@ -197,14 +220,16 @@ let engineComes;
 
 /** @param {{id: number, task: string, [more: string]: any}} message */
 async function perform(message) {
-    const say = (/** @type {number} */ done) => self.postMessage({ id: message.id, done });
+    const say = (/** @type {number} */ done, entries = "") => self.postMessage({ id: message.id, done, entries });
     engineComes ??= loadEngine(message.module);
     const engine = await engineComes;
     if (message.task === "load") return { kinds: engine.noteKinds(), version: engine.version() };
     if (message.task === "recognise") return recognise(engine, message.files);
     if (message.task === "pieces") return inPieces(message.calendar, message.name);
     if (message.task === "texts") return engine.texts(message.calendar, message.charset);
-    return (message.task === "each" ? convertEach : convertFiles)(engine, message.job, say);
+    if (message.task === "report") return reportOf(engine, message.job, say);
+    if (message.task === "each") return convertEach(engine, message.job, say);
+    return convertFiles(engine, message.job, say);
 }
 
 /** The engine has one conversion at a time: tasks wait for those before them. @type {Promise<void>} */

@@ -274,16 +274,20 @@ test("stays alive with a large file, can be cancelled, and hands it out in piece
     const count = 30000;
     const entries = Array.from({ length: count }, (_, i) => dentist.replace("Dentist", `UID:${i}\r\nSUMMARY:Entry ${i}`).replace("SUMMARY:UID", "UID"));
     const paths = written({ "large.vcs": phoneFile(entries.join("")) });
-    await choose(paths);
-    await page.waitForFunction(() => document.getElementById("bar").value > 0, { polling: 20 });
-    await accessible("working");
     const [busy] = page.workers();
-    await page.click("#cancel");
+    await choose(paths);
+    await page.waitForFunction(() => {
+        const begun = document.getElementById("bar").value > 0;
+        if (begun) document.getElementById("cancel").click();
+        return begun;
+    }, { polling: 10 });
     await page.waitForSelector("#start:not([hidden])");
     for (let tries = 0; page.workers().includes(busy); ++tries) {
         assert.ok(tries < 100, "the conversion goes on after it was cancelled");
         await new Promise((done) => setTimeout(done, 20));
     }
+    await page.evaluate(() => ["start", "working"].forEach((id) => { document.getElementById(id).hidden = id === "start"; }));
+    await accessible("working");
     await openPaths(paths);
     await page.click("#view-list");
     await page.waitForSelector(".row");
@@ -297,6 +301,17 @@ test("stays alive with a large file, can be cancelled, and hands it out in piece
     await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
     assert.equal((await page.$$("#printed li")).length, 1);
     await page.evaluate(() => dispatchEvent(new Event("afterprint")));
+    await page.$eval("#report", (button) => button.click());
+    await page.waitForFunction(() => {
+        const dialog = document.getElementById("busy");
+        const { open } = dialog;
+        if (open) dialog.querySelector("button").click();
+        return open;
+    }, { polling: 10 });
+    // The dialog again, for as long as it takes to look at them.
+    await page.evaluate(() => document.getElementById("busy").showModal());
+    await accessible("busy");
+    await page.keyboard.press("Escape");
     const pieces = unpacked((await download("#pieces")).bytes);
     assert.deepEqual([...pieces.values()].filter(({ length }) => length > 1e6).length, 0);
     const uids = [...pieces.values()].flatMap((piece) => piece.toString().match(/^UID:.*$/gm));
