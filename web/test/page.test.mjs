@@ -228,7 +228,7 @@ test("says why a file is not a calendar", async () => {
         assert.match(said, each);
     await accessible("problem");
     await openFiles({ ...others, "phone.vcs": phoneFile(dentist) });
-    assert.match(await textOf(".summary"), /5 files are not calendars and were left out/);
+    assert.match(await textOf(".summary"), /5 files without entries were left out/);
     assert.deepEqual((await download("#download")).bytes, native("--to", "ics", join(work, "phone.vcs")));
 });
 
