@@ -420,8 +420,8 @@ typedef enum qelcal_choice {
     /** "yes": an entry whose UID an earlier one with other content has is given another UID. By
      * default ("no") both keep it. */
     QELCAL_CHOOSE_DISTINCT_UIDS = 4,
-    /** The kinds of entries that are read, "events", "todos", "notes" or several of them with commas
-     * between; a note counts those that are left out. By default all. */
+    /** The kinds of entries that are read, "events", "todos", "notes" or several of them with
+     * commas between; a note counts those that are left out. By default all. */
     QELCAL_CHOOSE_ONLY = 5
 } qelcal_choice;
 

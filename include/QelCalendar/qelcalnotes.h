@@ -250,6 +250,10 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_DAYLIGHT_WITHOUT_CHANGE = 448,
     /**< The file describes daylight saving time, but its clocks are the same in summer and in
      * winter. Some programs write the offset of the day of the export as that of the zone. */
+    QELCAL_NOTE_ZONE_DIFFERS_FROM_NAME = 449,
+    /**< The entry's zone has a name that calendar programs know, but the file gives it other
+     * clocks: often those of other years, or without summer time. The description is used here;
+     * many programs go by the name. Reported once for each zone. */
     QELCAL_NOTE_ENTRY_COMPONENT_UNKNOWN = 501,
     /**< The file contains something other than events, to-dos and notes, for example free and busy
      * times. Only those three are converted. */
