@@ -629,11 +629,13 @@ void EntryReader::addPerson(const ContentLine& line, std::string_view value,
                !trimmed(name->value).empty()) {
         address = kNoMail;
     }
-    const bool named = std::any_of(parameters.begin(), parameters.end(), [](const Parameter& each) {
+    const auto isName = [](const Parameter& each) {
         return each.name == "CN" && !trimmed(each.value).empty();
-    });
+    };
     // Nobody.
-    if (withoutScheme(address).empty() || (address == kNoMail && !named)) return;
+    if (withoutScheme(address).empty() ||
+        (address == kNoMail && std::none_of(parameters.begin(), parameters.end(), isName)))
+        return;
     add(line, line.name, EntryProperty::Type::Raw, address, std::move(parameters));
 }
 

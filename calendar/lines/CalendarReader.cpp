@@ -33,6 +33,12 @@ std::string_view head(std::string_view text) {
     return text.substr(0, kLongestMention);
 }
 
+// The name of the property that a soft line break leads to.
+std::string swallowedName(const RawLine& raw) {
+    const std::string_view line = head(std::string_view(raw.text).substr(raw.swallowed));
+    return std::string(line.substr(0, line.find_first_of(":;")));
+}
+
 std::size_t costOf(const ContentLine& line) {
     std::size_t cost = sizeof(ContentLine) + line.name.size() + line.value.size();
     for (const Parameter& each : line.parameters)
@@ -86,12 +92,8 @@ void CalendarReader::showText() {
 
 bool CalendarReader::parseLine() {
     RawLine& raw = lines_.line();
-    std::string_view swallowed;
-    std::string afterBreak;
-    if (raw.swallowed != 0) {
-        afterBreak = raw.text.substr(raw.swallowed, kLongestMention);
-        swallowed = std::string_view(afterBreak).substr(0, afterBreak.find_first_of(":;"));
-    }
+    // Folds are undone, so its place changes.
+    const std::string swallowed = raw.swallowed == 0 ? std::string() : swallowedName(raw);
     if (!parseContentLine(raw, foldStyle(), line_)) {
         if (inCalendar_)
             report(NoteCode::LineNotProperty, raw.number, {head(raw.text)});
@@ -103,13 +105,10 @@ bool CalendarReader::parseLine() {
         report(NoteCode::LineTooLong, raw.number,
                {head(line_.name), std::to_string(kLongestLine >> 20)});
     if (line_.openEnd) report(NoteCode::QuotedPrintableBreaksOff, raw.number, {head(line_.name)});
+    const bool marks = line_.id == PropertyName::Begin || line_.id == PropertyName::End;
     if (!swallowed.empty())
         report(NoteCode::TextSwallowsProperty, raw.number, {head(line_.name), swallowed});
-    if (raw.group != 0)
-        report(NoteCode::GroupLeftOut, raw.number,
-               {head(line_.name), head(trimmed(std::string_view(raw.text).substr(0, raw.group)))});
-    const bool marks = line_.id == PropertyName::Begin || line_.id == PropertyName::End;
-    if (line_.wrapped || line_.untidy || raw.bare != 0 || raw.indented ||
+    if (line_.wrapped || line_.untidy || raw.bare != 0 || raw.indented || raw.group != 0 ||
         (marks && !line_.value.empty() && !isAlpha(line_.value.back())))
         reportUntidy(raw);
     return true;
@@ -119,6 +118,9 @@ void CalendarReader::reportUntidy(const RawLine& raw) {
     if (line_.wrapped) report(NoteCode::TextWrappedByWords, raw.number, {head(line_.name)});
     if (raw.bare != 0)
         report(NoteCode::LinesNotFolded, raw.number, {head(line_.name), std::to_string(raw.bare)});
+    if (raw.group != 0)
+        report(NoteCode::GroupLeftOut, raw.number,
+               {head(line_.name), head(trimmed(std::string_view(raw.text).substr(0, raw.group)))});
     if (raw.indented) report(NoteCode::CalendarIndented, raw.number);
     if (line_.untidy) report(NoteCode::BlanksAroundName, raw.number, {head(line_.name)});
     if (line_.id != PropertyName::Begin && line_.id != PropertyName::End) return;

@@ -305,8 +305,9 @@ void takeRestOfZone(ContentLine& line) {
 
 // Takes the group off a name, "item1.SUMMARY", where a property of calendars is left.
 void dropGroup(RawLine& raw, ContentLine& line) {
+    if (line.name.starts_with("X-")) return;
     const std::size_t dot = line.name.rfind('.');
-    if (dot == std::string_view::npos || line.name.starts_with("X-")) return;
+    if (dot == std::string_view::npos) return;
     const std::string_view name = line.name.substr(dot + 1);
     const PropertyName id = propertyName(name);
     if (id == PropertyName::Unknown && !name.starts_with("X-")) return;

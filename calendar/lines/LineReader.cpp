@@ -327,7 +327,8 @@ void LineReader::beginLine() {
     line_.indented = false;
     line_.number = aheadNumber_;
     // Files that were put together have marks within.
-    while (ahead_.starts_with(kUtf8Mark)) ahead_.remove_prefix(kUtf8Mark.size());
+    while (!ahead_.empty() && ahead_.front() == kUtf8Mark.front() && ahead_.starts_with(kUtf8Mark))
+        ahead_.remove_prefix(kUtf8Mark.size());
     if (!ahead_.empty() && isFoldBlank(ahead_.front()) && isComponentMark(trimmed(ahead_))) {
         ahead_ = trimmed(ahead_);
         line_.indented = !indented_;

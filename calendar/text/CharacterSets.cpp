@@ -1,5 +1,7 @@
 #include "calendar/text/CharacterSets.h"
 
+#include <algorithm>
+
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Text.h"
 #include "calendar/charsets/CharacterSet.h"
@@ -95,15 +97,25 @@ bool isNearlyUtf8(const RepairedUtf8& repaired, bool labelled) {
             (repaired.broken == 1 && repaired.endsBroken && repaired.whole >= enough));
 }
 
+// True for UTF-16 and UTF-32, in which a text hardly ever looks like ASCII.
+bool hasWideUnits(const CharacterSet& set) {
+    return nameOf(set).starts_with("UTF-16") || nameOf(set).starts_with("UTF-32");
+}
+
 // True when a text that names another set is surely UTF-8. Bytes of single characters in Latin sets
 // are never UTF-8 by chance; in others a few may be.
 bool isUtf8Despite(const CharacterSet& set, std::string_view text) {
     constexpr std::size_t kSure = 6;  // bytes
-    if (isAscii(text) || !isUtf8(text)) return false;
+    if (!isUtf8(text)) return false;
+    if (hasWideUnits(set))
+        return std::none_of(text.begin(), text.end(), [](char c) {
+            return isBlank(c) && c != ' ' && c != '\t' && c != '\r' && c != '\n';
+        });
+    if (isAscii(text)) return false;
     std::string letter;
     decode(set, "\xC3", letter);
     const bool isLatin = letter == "Ã" || letter == "Ă" || letter == "Ć";
-    if (isLatin || (changesAscii(set) && text.find('\0') == std::string_view::npos)) return true;
+    if (isLatin || changesAscii(set)) return true;
     std::size_t bytes = 0;
     while (!text.empty()) {
         const std::size_t length = utf8CharacterLength(text);
@@ -114,16 +126,18 @@ bool isUtf8Despite(const CharacterSet& set, std::string_view text) {
     return bytes >= kSure;
 }
 
-// The text in the set that its escape sequences belong to; nothing when they belong to none.
-std::optional<std::string> fromEscapes(std::string_view text, std::vector<Note>& notes) {
-    if (text.find("\x1b$") == text.npos && text.find("\x1b(I") == text.npos) return std::nullopt;
-    for (const std::string_view name : {"ISO-2022-JP", "ISO-2022-KR", "ISO-2022-CN"}) {
-        std::string converted;
-        if (decode(*findCharacterSet(name), text, converted) != 0) continue;
-        notes.push_back(Note(NoteCode::TextHasEscapes, 0, {name}));
-        return converted;
-    }
-    return std::nullopt;
+// The set that the escape sequences of a text belong to; "" for none.
+std::string_view setOfEscapes(std::string_view text) {
+    struct Escape {
+        std::string_view sequence;
+        std::string_view set;
+    };
+    constexpr Escape kEscapes[] = {{"\x1b$B", "ISO-2022-JP"},  {"\x1b$@", "ISO-2022-JP"},
+                                   {"\x1b$(D", "ISO-2022-JP"}, {"\x1b(I", "ISO-2022-JP"},
+                                   {"\x1b$)C", "ISO-2022-KR"}, {"\x1b$)A", "ISO-2022-CN"}};
+    for (const Escape& each : kEscapes)
+        if (text.find(each.sequence) != std::string_view::npos) return each.set;
+    return "";
 }
 
 std::string fromNamedSet(std::string text, std::string_view name, std::vector<Note>& notes) {
@@ -160,7 +174,10 @@ std::string toUtf8(std::string text, std::string_view set, std::string_view unla
         const CharacterSet* const chosen = findCharacterSet(unlabelled);
         if (chosen != nullptr && changesAscii(*chosen))
             return fromNamedSet(std::move(text), unlabelled, notes);
-        return fromEscapes(text, notes).value_or(text);
+        const std::string_view escaped = setOfEscapes(text);
+        if (escaped.empty()) return text;
+        notes.push_back(Note(NoteCode::TextHasEscapes, 0, {escaped}));
+        return fromNamedSet(std::move(text), escaped, notes);
     }
     if (RepairedUtf8 repaired = repairedUtf8(text); isNearlyUtf8(repaired, saysUtf8)) {
         if (repaired.broken != 0) notes.push_back(Note(NoteCode::TextBytesInvalid, 0, {"UTF-8"}));
