@@ -38,7 +38,8 @@ std::string problemOf(int code) {
         case QEL_RULE_UNSUPPORTED:
             return "a repeat record cannot hold week numbers";
         case QEL_REPEAT_ENGINE:
-            return "the series has fewer dates before the year 2500 than the rule counts";
+            return "the engine finds fewer dates for the record before the year 2500 than the rule "
+                   "counts";
         default:
             return "the library makes no repeat record of it (code " + std::to_string(code) + ")";
     }

@@ -1,5 +1,6 @@
 // qelutil rule: a recurrence rule explained: its forms, its repeat record, its dates.
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <ostream>
 
@@ -44,34 +45,41 @@ int rareDay(const Repeat& repeat) {
     return byDay && repeat.record.dayOfMonth > 28 ? repeat.record.dayOfMonth : 0;
 }
 
-// What the records do not say themselves: that their dates are not the rule's, which are shown.
-// `more`: the rule goes on after `dates`.
-void compareDates(const std::vector<Repeat>& repeats, const std::vector<int>& dates, bool more,
-                  std::vector<std::string>& warnings) {
+std::string counted(std::size_t number) {
+    return std::to_string(number) + (number == 1 ? " date" : " dates");
+}
+
+// How the dates that the records give through 2499 differ from the rule's; empty when they do not.
+std::string difference(const std::vector<Repeat>& repeats, const std::vector<int>& dates,
+                       int start) {
     const auto usable = [](const Repeat& repeat) { return repeat.code == 0; };
-    if (repeats.empty() || !std::all_of(repeats.begin(), repeats.end(), usable)) return;
-    const std::vector<int> given = repeatDates(repeats, dates.size() + (more ? 0 : 1), kLastDay);
-    if (given == dates) return;
-    const auto [ours, theirs] =
-        std::mismatch(dates.begin(), dates.end(), given.begin(), given.end());
-    const bool both = ours != dates.end() && theirs != given.end();
-    std::string text = "the record gives other dates than the rule";
-    if (ours == dates.begin() && both && dates.size() > 1 && *theirs == dates[1]) {
-        text =
-            "the start is not a day of the rule: calendars count it as the first date, the record "
-            "leaves it out";
-    } else if (both && rareDay(repeats.front()) != 0) {
-        text = "in a month without day " + std::to_string(rareDay(repeats.front())) +
-               " the record takes the last day (" + isoDate(*theirs) +
-               "), the rule has no date there";
-    } else if (both) {
-        text += ": " + isoDate(*theirs) + " where the rule has " + isoDate(*ours);
-    } else if (ours != dates.end()) {
-        text += ": it ends before " + isoDate(*ours);
-    } else {
-        text += ": it goes on with " + isoDate(*theirs);
-    }
-    warnings.push_back(text);
+    if (repeats.empty() || !std::all_of(repeats.begin(), repeats.end(), usable)) return {};
+    const std::vector<int> given = repeatDates(repeats, kLastDay + std::size_t{1}, kLastDay);
+    std::vector<int> missing;
+    std::vector<int> added;
+    std::set_difference(dates.begin(), dates.end(), given.begin(), given.end(),
+                        std::back_inserter(missing));
+    std::set_difference(given.begin(), given.end(), dates.begin(), dates.end(),
+                        std::back_inserter(added));
+    if (missing.empty() && added.empty()) return {};
+    if (added.empty() && missing == std::vector<int>{start})
+        return "the start is not a day of the rule: calendars count it as the first date, the "
+               "record leaves it out";
+    const int rare = rareDay(repeats.front());
+    const bool inShortMonths =
+        rare != 0 && !added.empty() &&
+        std::all_of(added.begin(), added.end(), [rare](int day) { return dateOf(day).day < rare; });
+    std::string text = inShortMonths
+                           ? "in a month without day " + std::to_string(rare) +
+                                 " the record takes the last day, where the rule has no date: "
+                           : "the record gives other dates than the rule: ";
+    if (!missing.empty())
+        text += counted(missing.size()) + " of " + std::to_string(dates.size()) +
+                " missing, the first " + isoDate(missing.front());
+    if (!missing.empty() && !added.empty()) text += ", and ";
+    if (!added.empty())
+        text += counted(added.size()) + " more, the first " + isoDate(added.front());
+    return text;
 }
 
 Explained explain(const ReadRules& read, std::size_t rule, std::size_t count) {
@@ -87,14 +95,18 @@ Explained explain(const ReadRules& read, std::size_t rule, std::size_t count) {
         auto& all = explained.warnings;
         if (std::find(all.begin(), all.end(), text) == all.end()) all.push_back(text);
     };
+    for (const Time& date : rules.dates(0, rule)) explained.dates.push_back(codeDateOf(date));
+    // Several times of a day are one date.
+    auto& dates = explained.dates;
+    dates.erase(std::unique(dates.begin(), dates.end()), dates.end());
+    // Other dates are the greatest loss: they come first.
+    const std::string other = difference(explained.repeats, dates, codeDateOf(read.start));
+    if (!other.empty()) warn(other);
     for (const qelcal::Note& note : rules.recordNotes(rule)) warn(note.text);
     for (const Repeat& repeat : explained.repeats)
         for (const std::string& warning : repeat.warnings) warn(warning);
-    for (const Time& date : rules.dates(count + 1, rule))
-        explained.dates.push_back(codeDateOf(date));
-    explained.more = explained.dates.size() > count;
-    if (explained.more) explained.dates.resize(count);
-    compareDates(explained.repeats, explained.dates, explained.more, explained.warnings);
+    explained.more = dates.size() > count;
+    if (explained.more) dates.resize(count);
     return explained;
 }
 
@@ -112,6 +124,11 @@ void writeForms(std::ostream& out, const Explained& explained) {
     for (const std::string& text : explained.positional) line(out, "positional", text);
 }
 
+// False for a part without a value, "BYDAY=", which the library writes of a record without days.
+bool isRule(const std::string& text) {
+    return !text.empty() && !text.ends_with('=') && text.find("=;") == std::string::npos;
+}
+
 void writeRepeats(std::ostream& out, const Explained& explained) {
     for (const Repeat& repeat : explained.repeats) {
         if (repeat.code != 0) {
@@ -122,7 +139,8 @@ void writeRepeats(std::ostream& out, const Explained& explained) {
              "type " + std::to_string(repeat.record.type) + ", " +
                  repeatTypeName(repeat.record.type));
         line(out, "", repeatFields(repeat.record));
-        line(out, "as a rule", ruleBack(repeat.record));
+        const std::string back = ruleBack(repeat.record);
+        line(out, "as a rule", isRule(back) ? back : "none: " + back + " is not valid");
     }
     if (explained.repeats.empty()) line(out, "repeat record", "none");
     for (const std::string& warning : explained.warnings) line(out, "warning", warning);
