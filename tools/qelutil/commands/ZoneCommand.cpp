@@ -12,6 +12,7 @@
 #include "QelUtility/ZQDate.h"
 #include "base/Json.h"
 #include "base/Moment.h"
+#include "base/RealZone.h"
 #include "base/Text.h"
 #include "base/ZoneRules.h"
 #include "commands/Commands.h"
@@ -49,6 +50,12 @@ int thisYear() {
 void noteYear(Context& context, const Zone& zone, int year) {
     constexpr int kFirstYear = 1990;
     if (zone.knows(year)) {
+        if (const auto real = realZoneOf(zone, year))
+            context.note({}, 0,
+                         zone.name() + ": the clocks of " + real->name() + " were others in " +
+                             std::to_string(year) +
+                             ", the table has one rule for all years; name " + real->name() +
+                             " to have them");
         const bool fromTable = zone.number() != 0 && zone.number() < QELCAL_FIRST_WORLD_ZONE;
         if (year == kFirstYear && fromTable && !zone.changes(kFirstYear + 1).empty()) {
             context.note({}, 0,
