@@ -1,7 +1,9 @@
 // The whole converter, through the library's interface: any file converts, in pieces as in one,
-// what it writes converts again without a loss of entries, its entries can be read, and no text
-// becomes an entry's begin or end.
+// what it writes converts again without a loss of entries and without an error that was not
+// reported before, notes are of lines that are there, its entries can be read, and no text becomes
+// an entry's begin or end.
 #include <iterator>
+#include <set>
 
 #include "Fuzz.h"
 #include "QelCalendar/All.h"
@@ -29,6 +31,7 @@ void inPieces(const std::string& text, std::string_view sizes, Call call) {
 struct Result {
     std::string text;
     std::string notes;
+    std::set<std::string> errors;  // the names of notes of that severity
     std::uint64_t entries = 0;
     std::uint64_t twice = 0;  // entries that were not written again
     bool operator==(const Result&) const = default;
@@ -36,10 +39,16 @@ struct Result {
 
 Result convertText(const std::string& text, qelcal_format to, std::string_view sizes) {
     Result result;
+    const auto lines = std::count_if(
+        text.begin(), text.end(), [](char c) { return c == '\n' || c == '\r'; });
     qelcal::Converter converter(
         to, [&](const char* bytes, std::size_t size) { result.text.append(bytes, size); });
     converter.onNote([&](const qelcal::Note& note) {
         FUZZ_CHECK(!note.text.empty());
+        FUZZ_CHECK(note.line <= static_cast<std::size_t>(lines) + 1);
+        // What is kept under such a name was reported when it was.
+        const bool kept = note.text.starts_with("X-ICAL-") || note.text.starts_with("X-VCAL-");
+        if (note.severity == QELCAL_ERROR && !kept) result.errors.insert(note.name);
         if (note.name == "entry-twice") ++result.twice;
         result.notes += std::to_string(note.line) + " " + note.text + "\n";
     });
@@ -168,6 +177,8 @@ QEL_FUZZ_TARGET(convert) {
     checkLines(first.text);
     const Result second = convertText(first.text, back, sizes);
     checkLines(second.text);
+    FUZZ_CHECK(std::includes(first.errors.begin(), first.errors.end(), second.errors.begin(),
+                             second.errors.end()));
     FUZZ_CHECK(second.entries == first.entries - first.twice);
     FUZZ_CHECK(entriesOf(text, sizes) == first.entries);
     checkTexts(text);

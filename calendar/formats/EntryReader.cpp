@@ -490,6 +490,10 @@ void EntryReader::takeDate(const ContentLine& line, std::optional<Moment>& slot)
 void EntryReader::keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines) {
     lines.push_back(line);
     lines.back().value = text(line);
+    // A rule that iCalendar keeps under another name is a text there.
+    const bool kept = line.id == PropertyName::XICalRRule || line.id == PropertyName::XICalExRule;
+    if (kept && ruleForm() == RuleForm::ICalendar)
+        lines.back().value = texts_.keep(unescapeICalendar(lines.back().value));
 }
 
 void EntryReader::readRuleLines() {

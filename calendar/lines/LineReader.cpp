@@ -146,12 +146,12 @@ LineReader::LineEncoding LineReader::encodingBefore(std::size_t colon, std::stri
     std::string_view head = text.substr(parameters + 1, colon - parameters - 1);
     while (!head.empty()) {
         std::string_view value = nextField(head, ';');
-        const std::string_view name = trimmed(nextField(value, '='));
+        const std::size_t equals = value.find('=');
+        if (equals != std::string_view::npos) {
+            if (!equalsIgnoreCase(trimmed(value.substr(0, equals)), "ENCODING")) continue;
+            value.remove_prefix(equals + 1);
+        }
         value = trimmed(value);
-        if (value.empty())
-            value = name;
-        else if (!equalsIgnoreCase(name, "ENCODING"))
-            continue;
         if (equalsIgnoreCase(value, "QUOTED-PRINTABLE")) return LineEncoding::QuotedPrintable;
         if (equalsIgnoreCase(value, "BASE64") || equalsIgnoreCase(value, "B"))
             return LineEncoding::Base64;
