@@ -60,6 +60,9 @@ TEST(HostileInput, LineEndsMarksAndFolds) {
         EXPECT_EQ(linesOf(std::string("\xFE\xFF\0A\0:\0\xE9", 8), piece),
                   std::vector<std::string>{"1 A:\xC3\xA9"});
     }
+    // Where lines are indented, what names no property goes on with the line before it.
+    EXPECT_EQ(linesOf("BEGIN:VEVENT\n  SUMMARY:a\n  b\nEND:VEVENT\n", 7),
+              (std::vector<std::string>{"1 BEGIN:VEVENT", "2 SUMMARY:a  b", "4 END:VEVENT"}));
 }
 
 TEST(HostileInput, WrongNestingIsMendedAndTold) {

@@ -21,6 +21,13 @@ TEST_F(CharsetCommandTest, WhatCannotBeConvertedIsNamedByItsLine) {
     EXPECT_TRUE(contains(decoded.err, "in.txt:1: holds bytes that are not 936"));
     EXPECT_TRUE(contains(decoded.err, "in.txt:2: "));
 
+    // The other way, a byte that is not UTF-8 and a character that has no place there.
+    const ProcessResult encoded =
+        runWithInput({"charset", "--to", "936"}, "a\xFF\xF0\x9F\x98\x80\xE4\xBD\xA0\n");
+    EXPECT_EQ(encoded.out, "a??\xC4\xE3\n");
+    EXPECT_TRUE(contains(encoded.err, "byte 2, \"\\xff\": is not UTF-8"));
+    EXPECT_TRUE(contains(encoded.err, "has no place in 936"));
+
     // Many faults are counted, not all told.
     std::string broken;
     for (int i = 0; i < 5000; ++i) broken += "\x81\n";

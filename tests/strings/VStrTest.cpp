@@ -101,6 +101,14 @@ TEST(VStr, FullBlocksGrowBeforeTheNextAppend) {
     EXPECT_EQ(shown(released += '+'), most + "+");
     released.Truncate(63);
     EXPECT_EQ(shown(released.Catstr(released, VStr("12"))), most + "12");
+    // A text that ends before its length: its length counts.
+    VStr cut("cdef");
+    cut.SetAt(2, '\0');
+    VStr joined("ab");
+    joined.Catstr(cut);
+    EXPECT_STREQ(joined, "abcd");
+    EXPECT_EQ(joined.GetLength(), 6);
+    EXPECT_STREQ(VStr().Catstr(cut, VStr("gh")), "cdgh");
 }
 
 TEST(VStr, BufferIsWrittenAndReleased) {
