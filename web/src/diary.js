@@ -57,6 +57,11 @@ export class Diary {
         return { advice, choice: advice !== whole };
     }
 
+    /** Whether some note advises an option of the program. @param {string} option */
+    advises(option) {
+        return this.summary.notes.some(({ code }) => this.kinds.get(code)?.advice.includes(option));
+    }
+
     /** @param {number} code */
     concernOf(code) {
         const kind = this.kinds.get(code);
@@ -168,6 +173,7 @@ export class Diary {
      */
     search(words, fits) {
         const wanted = folded(words).split(/\s+/).filter(Boolean);
+        if (wanted.length === 0) return this.order.filter(fits);
         this.searched ??= this.entries.map(({ title, place, about }) => folded(`${title}\n${place}\n${about ?? ""}`));
         const searched = this.searched;
         return this.order.filter((index) => wanted.every((word) => searched[index].includes(word)) && fits(index));

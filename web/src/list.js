@@ -6,6 +6,8 @@ import { text } from "./texts.js";
 
 const rowHeight = 64;
 const spare = 8;
+/** Entries that paper has; some hundred pages. */
+const mostPrinted = 10000;
 
 /**
  * @param {import("./month.js").ViewOptions & {words: string}} options
@@ -131,9 +133,12 @@ function shown(diary, index) {
  * @param {string} words
  */
 export function printedList(diary, fits, words) {
-    return element("ul", { id: "printed" }, diary.search(words, fits).map((index) => {
+    const found = diary.search(words, fits);
+    const rows = found.slice(0, mostPrinted).map((index) => {
         const { date, month, facts, title } = shown(diary, index);
         return element("li", {}, element("span", {}, `${date} ${month}`),
             element("span", {}, element("b", { dir: "auto" }, title), element("small", { dir: "auto" }, facts)));
-    }));
+    });
+    const more = found.length - rows.length;
+    return element("ul", { id: "printed" }, rows, more > 0 && element("li", {}, element("span"), text("moreInList", more)));
 }

@@ -115,7 +115,7 @@ export function monthView({ diary, fits, show }, kept) {
                 ? element("p", { class: "faint" }, text("noneOnDay"))
                 : element("ul", { class: "rows" }, entries.slice(0, mostBelow).map((each) =>
                       element("li", {}, entryButton(diary, each.entry, timeText(diary, each), show)))),
-            entries.length > mostBelow && element("p", { class: "faint" }, text("moreThatDay", entries.length - mostBelow)),
+            entries.length > mostBelow && element("p", { class: "faint" }, text("moreInList", entries.length - mostBelow)),
         );
     }
 

@@ -404,6 +404,7 @@ async function downloadEach() {
 function choicesPanel() {
     const { diary, choices, target, unclear } = /** @type {NonNullable<typeof open>} */ (open);
     const local = diary.entries.filter((entry) => entry.clock === 0 && !entry.day).length;
+    const shared = choices.distinctUids || new Set(diary.entries.map(({ uid }) => uid)).size < diary.entries.length;
     const radio = (/** @type {number} */ value, /** @type {string} */ label) =>
         element("label", {}, element("input", {
             type: "radio", name: "target", id: `target-${value}`, value, checked: target === value, change: () => run(choose({}, value)),
@@ -418,13 +419,13 @@ function choicesPanel() {
             element("legend", {}, text("direction")),
             radio(format.icalendar, text("toIcs")),
             radio(format.vcalendar, text("toVcs"))),
-        diary.entries.some((entry) => entry.words) && element("label", { class: "block" },
+        (diary.advises("--count-means") || choices.countMeans) && element("label", { class: "block" },
             text("countMeans"),
             element("select", { id: "count", change: (/** @type {Event} */ event) =>
                 run(choose({ countMeans: /** @type {HTMLSelectElement} */ (event.target).value })) },
                 element("option", { value: "dates" }, text("countDates")),
                 element("option", { value: "periods", selected: choices.countMeans === "periods" }, text("countPeriods")))),
-        element("label", {}, element("input", {
+        shared && element("label", {}, element("input", {
             type: "checkbox", id: "distinct", checked: choices.distinctUids === "yes",
             change: (/** @type {Event} */ event) =>
                 run(choose({ distinctUids: /** @type {HTMLInputElement} */ (event.target).checked ? "yes" : "no" })),
@@ -546,11 +547,24 @@ function drawStart() {
             promise("home", "promisePrivate", "promisePrivateMore"),
             promise("checked", "promiseWhole", "promiseWholeMore"),
             promise("fit", "promiseFits", "promiseFitsMore")));
+    byId("licences-button").textContent = text("licences");
+    byId("licences-button").onclick = showLicences;
     fill(byId("working"), element("div", { class: "card working" },
         element("h1", {}, text("working")),
         element("progress", { id: "bar", "aria-label": text("working"), max: 1, value: 0 }),
         element("p", { id: "done", class: "faint" }),
         element("button", { id: "cancel", click: cancel }, text("cancel"))));
+}
+
+/** The licences of what is in the page, which travels alone. */
+function showLicences() {
+    const dialog = /** @type {HTMLDialogElement} */ (byId("licences"));
+    const whole = /** @type {HTMLTemplateElement} */ (byId("licences-text")).content.textContent ?? "";
+    fill(dialog,
+        element("header", {}, element("h2", { id: "licences-title" }, text("licences")),
+            element("button", { class: "quiet icon", "aria-label": text("close"), title: text("close"), click: () => dialog.close() }, "×")),
+        element("pre", { lang: "en", tabindex: 0, "aria-label": text("licences") }, whole));
+    dialog.showModal();
 }
 
 function cancel() {
@@ -651,7 +665,9 @@ async function start() {
     if (typeof DecompressionStream === "undefined" || typeof Intl.supportedValuesOf === "undefined")
         return showFailure(new Reason(text("tooOld")));
     engineModule = await WebAssembly.compile(await engineBytes());
-    ({ kinds } = await startWorker());
+    let version;
+    ({ kinds, version } = await startWorker());
+    byId("version").textContent = `QelUtility ${version}`;
     listenForDrops();
     listenForPrinting();
     document.body.dataset.ready = String(Math.round(performance.now()));

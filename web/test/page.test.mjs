@@ -253,7 +253,8 @@ test("shows what a broken file lost, the source beside the result", async () => 
 
 test("applies choices at once", async () => {
     // "Мама" in windows-1251.
-    const russian = Buffer.from(phoneFile(dentist.replace("Dentist", "\xcc\xe0\xec\xe0")), "latin1");
+    const series = dentist.replace("Dentist", "Choir").replace("END:VEVENT", "RRULE:W1 MO WE #4\r\nEND:VEVENT");
+    const russian = Buffer.from(phoneFile(dentist.replace("Dentist", "\xcc\xe0\xec\xe0") + series), "latin1");
     await openFiles({ "russian.vcs": russian });
     await page.click("#choices > summary");
     await page.waitForFunction(() => document.getElementById("charset-windows-1251")?.closest("label").textContent.includes("Мама"));
@@ -266,8 +267,10 @@ test("applies choices at once", async () => {
     await chosen(() => page.$eval("#charset-windows-1251", (input) => input.click()), "--to", "ics", "--charset", "windows-1251");
     assert.match(await textOf(".of-day"), /Мама/);
     await chosen(() => page.select("#zone", "Europe/Berlin"), "--to", "ics", "--charset", "windows-1251", "--zone", "Europe/Berlin");
+    await chosen(() => page.select("#count", "periods"), "--to", "ics", "--charset", "windows-1251", "--zone", "Europe/Berlin",
+        "--count-means", "periods");
     await chosen(() => page.$eval("#target-2", (input) => input.click()),
-        "--to", "vcs", "--charset", "windows-1251", "--zone", "Europe/Berlin");
+        "--to", "vcs", "--charset", "windows-1251", "--zone", "Europe/Berlin", "--count-means", "periods");
 });
 
 test("stays alive with a large file, can be cancelled, and hands it out in pieces", async () => {
@@ -334,6 +337,11 @@ test("goes from a file to its download by keyboard, in German, in the dark and o
     await page.keyboard.press("Enter");
     await fits();
     await accessible("start");
+    await page.click("#licences-button");
+    assert.match(await textOf("#licences pre"), /Apache License 2\.0[^]*Unicode, Inc/);
+    await accessible("licences");
+    await page.keyboard.press("Escape");
+    await page.focus("[lang=de]");
     await tabTo("#example");
     await opens(() => page.keyboard.press("Enter"));
     assert.match(await textOf("#found"), /^11 Einträge von Mai\s2005/);

@@ -52,7 +52,8 @@ const policy = [
     "base-uri 'none'",
 ].join("; ");
 
-const parts = { POLICY: policy, STYLE: style, SCRIPT: script, ENGINE: deflateRawSync(readFileSync(engine), { level: 9 }).toString("base64") };
+const licences = readFileSync(join(folder, "../docs/licences.md"), "utf8").replaceAll("&", "&amp;").replaceAll("<", "&lt;");
+const parts = { POLICY: policy, STYLE: style, SCRIPT: script, LICENCES: licences, ENGINE: deflateRawSync(readFileSync(engine), { level: 9 }).toString("base64") };
 const page = readFileSync(join(folder, "page.html"), "utf8").replace(/%([A-Z]+)%/g, (whole, name) => parts[name] ?? whole);
 mkdirSync(dirname(resolve(result)), { recursive: true });
 writeFileSync(result, page);

@@ -11,10 +11,10 @@ const [packages, ...files] = process.argv.slice(2).map((path) => resolve(path));
 const puppeteer = createRequire(join(packages, "here.js"))("puppeteer-core");
 const megabytes = (bytes) => `${Math.round(bytes / 1e6)} MB`;
 
-/** The memory of the page and its worker: the browser's processes that draw, in bytes. */
-function memoryOf(browser) {
+/** The memory, in bytes, and the processor's seconds of the page and its worker: the browser's processes that draw. */
+function costsOf(browser) {
     const ours = new Set([browser.process().pid]);
-    let sum = 0;
+    const costs = { memory: 0, seconds: 0 };
     // A process comes after the one that has started it.
     for (const line of execFileSync("ps", ["-A", "-o", "pid=,ppid=,args=", "--sort=pid"], { encoding: "utf8" }).split("\n")) {
         const [, pid, parent, command] = /^\s*(\d+)\s+(\d+) (.*)$/.exec(line) ?? [];
@@ -22,12 +22,14 @@ function memoryOf(browser) {
         ours.add(Number(pid));
         if (!command.includes("--type=renderer")) continue;
         try {
-            sum += Number(/^RssAnon:\s*(\d+)/m.exec(readFileSync(`/proc/${pid}/status`, "utf8"))?.[1] ?? 0) * 1024;
+            costs.memory += Number(/^RssAnon:\s*(\d+)/m.exec(readFileSync(`/proc/${pid}/status`, "utf8"))?.[1] ?? 0) * 1024;
+            const [user, system] = readFileSync(`/proc/${pid}/stat`, "utf8").replace(/^.*\) /, "").split(" ").slice(11, 13);
+            costs.seconds += (Number(user) + Number(system)) / 100;
         } catch {
             // It has ended.
         }
     }
-    return sum;
+    return costs;
 }
 
 for (const file of files) {
@@ -39,7 +41,7 @@ for (const file of files) {
     await page.waitForSelector("body[data-ready]");
     const ready = await page.$eval("body", (body) => body.dataset.ready);
     let most = 0;
-    const watch = setInterval(() => { most = Math.max(most, memoryOf(browser)); }, 300);
+    const watch = setInterval(() => { most = Math.max(most, costsOf(browser).memory); }, 300);
     await page.evaluate(() => {
         let last = performance.now();
         globalThis.worst = 0;
@@ -53,8 +55,10 @@ for (const file of files) {
             if (!document.getElementById("opened").hidden) globalThis.took ??= performance.now() - started;
         }).observe(document.body, { attributes: true, subtree: true });
     });
+    const before = costsOf(browser).seconds;
     await (await page.$("#files")).uploadFile(file);
     await page.waitForSelector("#opened:not([hidden]), #problem:not([hidden])", { timeout: 900000 });
+    const seconds = costsOf(browser).seconds - before;
     const found = await page.$eval("#opened h1, #problem h1", (title) => title.textContent);
     await new Promise((done) => setTimeout(done, 1000));
     clearInterval(watch);
@@ -62,11 +66,12 @@ for (const file of files) {
         ({ took: globalThis.took, worst: globalThis.worst, heap: performance.memory.usedJSHeapSize }));
     await browser.close();
     const started = performance.now();
-    const { stderr } = spawnSync("/usr/bin/time", ["-f", "%M", join(root, "build/release/bin/qelutil"), "convert", "--to", "ics", file, "-o", "/dev/null"],
+    const { stderr } = spawnSync("/usr/bin/time", ["-f", "%U %S %M", join(root, "build/release/bin/qelutil"), "convert", "--to", "ics", file, "-o", "/dev/null"],
         { encoding: "utf8", maxBuffer: 1 << 30 });
     const native = performance.now() - started;
+    const [user, system, memory] = stderr.trim().split("\n").pop().split(" ").map(Number);
     console.log(`${file}: ${megabytes(statSync(file).size)}, ${found}
-  page: ready in ${ready} ms, opened in ${Math.round(took)} ms, silent for ${Math.round(worst)} ms at most,
+  page: ready in ${ready} ms, opened in ${Math.round(took)} ms (${seconds.toFixed(1)} s of the processor), silent for ${Math.round(worst)} ms at most,
         ${megabytes(most)} in the renderer at most, ${megabytes(heap)} of it the page's objects at the end
-  program: ${Math.round(native)} ms, ${megabytes(Number(stderr.trim().split("\n").pop()) * 1024)} at most`);
+  program: ${Math.round(native)} ms (${(user + system).toFixed(1)} s of the processor), ${megabytes(memory * 1024)} at most`);
 }

@@ -14,8 +14,9 @@ const files = {
     "index.d.ts": join(types, "npm/index.d.ts"),
     "engine.d.ts": join(types, "src/engine.d.ts"),
     "engine.wasm": engine,
-    "README.md": join(web, "npm/README.md"),
+    "README.md": join(web, "../docs/javascript.md"),
     LICENSE: join(web, "../LICENSE"),
+    "licences.md": join(web, "../docs/licences.md"),
 };
 for (const [name, from] of Object.entries(files)) copyFileSync(from, join(folder, name));
 const description = { ...JSON.parse(readFileSync(join(web, "npm/package.json"), "utf8")), version };
