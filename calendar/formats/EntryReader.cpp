@@ -40,6 +40,12 @@ Moment dayOfUtc(const Moment& moment) {
     return {noon.day, 0, true, Clock::Floating};
 }
 
+// "09:00"; nothing for a date.
+std::string timeOfDay(const Moment& moment) {
+    const std::string time = formatMoment(moment);
+    return moment.isDate ? "" : time.substr(9, 2) + ":" + time.substr(11, 2);
+}
+
 // A decimal number from -most to most.
 bool isDegrees(std::string_view text, int most) {
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
@@ -163,6 +169,10 @@ void EntryReader::makeAllDay() {
         if (!*each || (*each)->isDate) continue;
         const Moment local = onLocalClock(**each);
         const bool endsWithin = each == &entry_.end && local.second != 0;
+        constexpr int kLastMinute = 86340;
+        if (start.isDate && local.second != 0 && local.second < kLastMinute)
+            report(Note(NoteCode::TimeWithoutStart, entry_.line,
+                        {each == &entry_.end ? "DTEND" : "DUE", formatMoment(local)}));
         int day = local.day + (endsWithin ? 1 : 0);
         if (daysOfUtc_ && (*each)->clock == Clock::Utc) {
             const std::int64_t length = (*each)->seconds() - start.seconds();
@@ -201,23 +211,42 @@ void EntryReader::startSeriesAtDue() {
 }
 
 void EntryReader::settleRecurrenceId() {
-    if (!entry_.recurrenceId || seriesStarts_.empty()) return;
+    if (!entry_.recurrenceId) return;
     const auto series = seriesStarts_.find(entry_.uid);
-    if (series == seriesStarts_.end()) return;
-    const auto& [start, zone] = series->second;
+    if (series == seriesStarts_.end()) return reportUnknownSeries();
+    const auto& [start, zone, oneTime] = series->second;
     if (start.clock == Clock::Zoned && zone != entry_.zone) return;
+    const Moment own = entry_.inClockOf(start, *entry_.recurrenceId);
     const Moment meant = occurrenceMeant(entry_, start, *entry_.recurrenceId);
-    if (meant == entry_.inClockOf(start, *entry_.recurrenceId) && !entry_.recurrenceId->isDate)
+    if (meant == own && !entry_.recurrenceId->isDate) {
+        if (oneTime && own.clock == start.clock && own.second != start.second)
+            report(
+                Note(NoteCode::ExceptionMatchesNothing, entry_.line,
+                     {formatMoment(*entry_.recurrenceId), "0", "RECURRENCE-ID", timeOfDay(start)}));
         return;
+    }
     report(Note(NoteCode::ExceptionMeansDay, entry_.line,
                 {formatMoment(*entry_.recurrenceId), "0", "RECURRENCE-ID"}));
     entry_.recurrenceId = meant;
 }
 
+// The series may come later in the file, or not at all.
+void EntryReader::reportUnknownSeries() {
+    const Moment& date = *entry_.recurrenceId;
+    if (!entry_.start || entry_.start->isDate || entry_.start->second == 0) return;
+    if (date.isDate || date.second == 0)
+        report(Note(NoteCode::ReplacedDateUncertain, entry_.line, {formatMoment(date)}));
+}
+
 void EntryReader::rememberSeries() {
-    if (entry_.recurs() && !entry_.uid.empty() && !entry_.recurrenceId &&
-        entry_.uid.size() <= kLongestZone && seriesStarts_.size() < kMostSeries)
-        seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone};
+    if (!entry_.recurs() || entry_.uid.empty() || entry_.recurrenceId ||
+        entry_.uid.size() > kLongestZone || seriesStarts_.size() >= kMostSeries)
+        return;
+    bool oneTime = entry_.dates.empty();
+    for (const EntryRule& each : entry_.rules)
+        for (const Rule& rule : each.rules)
+            oneTime = oneTime && rule.hours.empty() && rule.minutes.empty() && rule.seconds.empty();
+    seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone, oneTime};
 }
 
 std::set<int> EntryReader::daysOfSeries() const {
@@ -284,12 +313,10 @@ void EntryReader::settleExcluded() {
             useless.add(formatMoment(date));
         }
     }
-    const std::string time = formatMoment(start);
     std::vector<Note> notes;
     moved.report(notes, NoteCode::ExceptionMeansDay, {"EXDATE"});
     outside.report(notes, NoteCode::ExceptionOutsideSeries, {"EXDATE"});
-    useless.report(notes, NoteCode::ExceptionMatchesNothing,
-                   {"EXDATE", start.isDate ? "" : time.substr(9, 2) + ":" + time.substr(11, 2)});
+    useless.report(notes, NoteCode::ExceptionMatchesNothing, {"EXDATE", timeOfDay(start)});
     for (Note& note : notes) {
         note.line = entry_.line;
         report(std::move(note));

@@ -120,6 +120,7 @@ class EntryReader {
     void settleDaysOfUtc();
     [[nodiscard]] Moment onLocalClock(const Moment& moment) const;
     void settleRecurrenceId();
+    void reportUnknownSeries();
     void rememberSeries();
     // Gives dates of the series that are in another form than its start the start's.
     void settleExcluded();
@@ -147,6 +148,7 @@ class EntryReader {
     struct SeriesStart {
         Moment start;
         ZonePtr zone;
+        bool oneTime = true;  // all of its dates are at the start's time of day
     };
     std::map<std::string, SeriesStart, std::less<>> seriesStarts_;
 };

@@ -199,6 +199,12 @@ typedef enum qelcal_note_code {
      * names the day of UTC. Read on the zone's clock, it would be on the wrong days. */
     QELCAL_NOTE_EXCEPTION_OUTSIDE_SERIES = 354,
     /**< The file takes a day out of the series on which the series does not take place. */
+    QELCAL_NOTE_REPLACED_DATE_UNCERTAIN = 355,
+    /**< The entry stands for one date of a series and names that date by its day alone. Which time
+     * the series has on that day is unknown here, so a calendar program may show both. */
+    QELCAL_NOTE_TIME_WITHOUT_START = 356,
+    /**< The entry's end has a time of day and its start has none. iCalendar allows only both or
+     * neither. */
     QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
     /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
      * local times, without a time zone. */
