@@ -21,6 +21,14 @@ void qelcal_report_free(qelcal_report* report) {
     delete report;
 }
 
+int qelcal_report_week_start(qelcal_report* report, int weekday) {
+    if (report == nullptr || weekday < 1 || weekday > 7)
+        return api::fail(QELCAL_INVALID_ARGUMENT,
+                         "the report is null, or there is no such weekday");
+    report->report.beginWeeksOn(weekday);
+    return QELCAL_OK;
+}
+
 int qelcal_report_add_file(qelcal_report* report, const char* name) {
     if (report == nullptr || name == nullptr)
         return api::fail(QELCAL_INVALID_ARGUMENT, "the report or the name is null");

@@ -14,6 +14,8 @@ namespace {
 // Bytes of an entry's text that are shown, on each side.
 constexpr std::size_t kMostText = 4000;
 constexpr std::size_t kMostNames = 50;
+// After so many entries, those without a message are a line each.
+constexpr std::size_t kMostArticles = 2000;
 
 // The first lines of an entry's bytes, each ended by "\n" alone.
 std::string plainLines(std::string_view bytes) {
@@ -78,8 +80,16 @@ void ConversionReport::entryConverted(const ConvertedEntry& converted) {
     const std::uint64_t known = entry.notes.count() + others.count();
     others.more = since.count() - std::min(since.count(), known);
     ofFile_.add(others);
-    entry.facts = entryFacts(converted.entry);
     entry.line = converted.entry.line;
+    // A page of everything about everything could not be opened.
+    if (entry.notes.count() == 0 && articles_ >= kMostArticles) {
+        entry.facts = entryHeading(converted.entry);
+        body_(entryLine(entry));
+        return;
+    }
+    ++articles_;
+    entry.weekStart = weekStart_;
+    entry.facts = entryFacts(converted);
     const std::string before = plainLines(converted.source);
     entry.kept = keptNames(converted.written, before);
     entry.before = firstLines(before, entry.cut);

@@ -25,6 +25,9 @@ class ConversionReport final : public ConversionObserver {
     // `body` receives the pieces of the body as they come.
     explicit ConversionReport(Write body) : body_(std::move(body)) {}
 
+    // The day on which the weeks of months begin, 1 Sunday to 7 Saturday; Monday by default.
+    void beginWeeksOn(int weekday) { weekStart_ = weekday; }
+
     void beginFile(const std::string& name);
     // Every note of the conversion, as the converter reports it: those about an entry before the
     // entry itself. The others are shown at the end of their file.
@@ -47,6 +50,8 @@ class ConversionReport final : public ConversionObserver {
     Tally tally_;
     NoteList pending_;  // since the last entry
     NoteList ofFile_;
+    int weekStart_ = 2;
+    std::size_t articles_ = 0;  // written so far
 };
 
 }  // namespace qel::calendar

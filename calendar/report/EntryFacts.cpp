@@ -1,5 +1,6 @@
 #include "calendar/report/EntryFacts.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "calendar/base/Ascii.h"
@@ -67,6 +68,25 @@ std::string whenText(const Entry& entry) {
     return text;
 }
 
+// The values of the lines of that name without parameters, unfolded.
+std::vector<std::string> valuesOf(std::string_view lines, std::string_view name) {
+    std::vector<std::string> values;
+    bool inside = false;
+    while (!lines.empty()) {
+        const std::size_t end = std::min(lines.find('\n'), lines.size());
+        std::string_view line = lines.substr(0, end);
+        lines.remove_prefix(std::min(end + 1, lines.size()));
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (inside && line.starts_with(' ')) {
+            values.back() += line.substr(1);
+            continue;
+        }
+        inside = line.starts_with(name) && line.substr(name.size()).starts_with(':');
+        if (inside) values.emplace_back(line.substr(name.size() + 1));
+    }
+    return values;
+}
+
 std::string titleOf(const Entry& entry) {
     for (const char* name : {"SUMMARY", "DESCRIPTION", "LOCATION"}) {
         const EntryProperty* property = entry.find(name);
@@ -79,16 +99,23 @@ std::string titleOf(const Entry& entry) {
 
 }  // namespace
 
-EntryFacts entryFacts(const Entry& entry) {
+EntryFacts entryHeading(const Entry& entry) {
     EntryFacts facts;
     facts.kind = entry.kind == EntryKind::Event  ? "Event"
                  : entry.kind == EntryKind::Todo ? "To-do"
                                                  : "Note";
     facts.title = titleOf(entry);
     facts.when = whenText(entry);
+    return facts;
+}
+
+EntryFacts entryFacts(const ConvertedEntry& converted) {
+    const Entry& entry = converted.entry;
+    EntryFacts facts = entryHeading(entry);
     facts.furtherDates = entry.dates.size();
     facts.exclusions = entry.excluded.size();
     facts.alarms = entry.alarms.size();
+    bool endless = false;
     if (entry.start) {
         const RuleStart start = entry.ruleStart();
         for (const EntryRule& each : entry.rules) {
@@ -96,10 +123,24 @@ EntryFacts entryFacts(const Entry& entry) {
                 const VCalendarRule texts = vCalendarTexts(rule, start);
                 facts.rules.push_back({each.exclude, ruleSentence(rule, start), texts.texts,
                                        texts.reason, iCalendarText(rule)});
+                endless = endless || (!each.exclude && rule.endless());
             }
         }
     }
+    // The writer settles ends on the clock of the start, and readers write them in other ways too.
+    if (facts.rules.size() == 1 && !facts.rules[0].exclude) {
+        RuleFacts& rule = facts.rules[0];
+        const std::vector<std::string> before = valuesOf(converted.source, "RRULE");
+        const std::vector<std::string> after = valuesOf(converted.written, "RRULE");
+        const bool toPhone = converted.target == CalendarFormat::VCalendar10;
+        const auto& iCalendar = toPhone ? before : after;
+        const auto& vCalendar = toPhone ? after : before;
+        if (iCalendar.size() == 1) rule.iCalendar = iCalendar[0];
+        if (vCalendar.size() == 1 && !rule.vCalendar.empty()) rule.vCalendar = vCalendar;
+    }
     facts.days = markedDays(entry, kMostDays);
+    // Dates are looked for until the year 2499, where a series without end does not end.
+    facts.days.more = facts.days.more || endless;
     return facts;
 }
 

@@ -5,8 +5,10 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "calendar/converter/ConversionObserver.h"
 #include "calendar/entries/Entry.h"
 #include "calendar/entries/EntryDates.h"
 
@@ -31,7 +33,11 @@ struct EntryFacts {
     EntryDays days;
 };
 
-[[nodiscard]] EntryFacts entryFacts(const Entry& entry);
+// A rule's texts are those of the entry's lines in the file and in the result, where these have one
+// rule each.
+[[nodiscard]] EntryFacts entryFacts(const ConvertedEntry& converted);
+// Without rules and days, for a list of many.
+[[nodiscard]] EntryFacts entryHeading(const Entry& entry);
 
 }  // namespace qel::calendar
 

@@ -10,9 +10,15 @@ namespace qel::calendar {
 
 namespace {
 
-// Monday is column 0: iCalendar's weeks begin with it.
-int columnOf(int day) {
-    return (weekdayOf(day) + 5) % 7;
+int columnOf(int day, int weekStart) {
+    return (weekdayOf(day) + 7 - weekStart) % 7;
+}
+
+std::string weekdayHeads(int weekStart) {
+    std::string heads;
+    for (int column = 0; column < 7; ++column)
+        heads += "<th>" + std::string(weekdayName((weekStart + column - 1) % 7 + 1).substr(0, 2));
+    return heads;
 }
 
 // The table's marks in words, for screen readers.
@@ -30,17 +36,18 @@ std::string spoken(std::span<const MarkedDay> days) {
 }
 
 // End tags that HTML does not require are left out: a page may hold thousands of months.
-std::string monthTable(const MarkedMonth& month) {
+std::string monthTable(const MarkedMonth& month, int weekStart) {
     const int first = dayNumber(month.year, month.month, 1);
     const int length = daysInMonth(month.year, month.month);
     std::string text = "<table class=m><caption>" + std::string(monthName(month.month)) + " " +
-                       std::to_string(month.year) + spoken(month.days) +
-                       "</caption><tr><th>Mo<th>Tu<th>We<th>Th<th>Fr<th>Sa<th>Su<tr>";
-    if (columnOf(first) > 0) text += "<td colspan=" + std::to_string(columnOf(first)) + ">";
+                       std::to_string(month.year) + spoken(month.days) + "</caption><tr>" +
+                       weekdayHeads(weekStart) + "<tr>";
+    if (const int column = columnOf(first, weekStart); column > 0)
+        text += "<td colspan=" + std::to_string(column) + ">";
     auto mark = month.days.begin();
     for (int number = 1; number <= length; ++number) {
         const int day = first + number - 1;
-        if (number > 1 && columnOf(day) == 0) text += "<tr>";
+        if (number > 1 && columnOf(day, weekStart) == 0) text += "<tr>";
         const std::string digits = std::to_string(number);
         if (mark != month.days.end() && mark->day == day) {
             text += mark->excluded ? "<td class=x><s>" + digits + "</s>"
@@ -55,12 +62,13 @@ std::string monthTable(const MarkedMonth& month) {
 
 }  // namespace
 
-MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most) {
+MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most,
+                        int weekStart) {
     MonthTables tables;
     std::size_t left = 0;
     for (const MarkedMonth& month : monthsOf(days)) {
         if (tables.count < most) {
-            tables.html += monthTable(month);
+            tables.html += monthTable(month, weekStart);
             ++tables.count;
         } else {
             for (const MarkedDay& each : month.days) left += each.excluded ? 0 : 1;

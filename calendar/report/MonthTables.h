@@ -16,8 +16,10 @@ struct MonthTables {
 };
 
 // The months that contain a day of `days`, at most `most` of them, each a <table>, and in words
-// what comes after them. `more`: the series continues after `days`. REQUIRES: days ascend.
-[[nodiscard]] MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most);
+// what comes after them. `more`: the series continues after `days`. `weekStart`: 1 Sunday to 7
+// Saturday. REQUIRES: days ascend.
+[[nodiscard]] MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t most,
+                                      int weekStart);
 
 }  // namespace qel::calendar
 

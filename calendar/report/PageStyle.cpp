@@ -31,17 +31,19 @@ border-radius:.75rem;padding:.85rem .8rem}
 .files td:first-child{overflow-wrap:anywhere;min-width:9rem}
 .zero{color:var(--soft)}
 .pick{position:absolute;opacity:0}
-.pick+label{display:inline-block;margin:1.75rem .35rem 0 0;padding:.3rem .9rem;border:1px solid var(--line);
+.pick+label{display:inline-block;margin:.75rem .35rem 0 0;padding:.3rem .9rem;border:1px solid var(--line);
 border-radius:2rem;background:var(--card);cursor:pointer;font-size:.9375rem}
 .pick:checked+label{background:var(--mark);border-color:var(--mark);color:var(--onmark)}
 .pick:focus-visible+label{outline:3px solid var(--mark);outline-offset:2px}
-#some:checked~main .fine,#few:checked~main .fine,#few:checked~main .changed{display:none}
-#some:checked~main section:not(:has(.changed,.lost,.about)),
+#some:checked~main .fine,#few:checked~main .fine,#few:checked~main .changed,#bad:checked~main .fine,
+#bad:checked~main article:not(.serious){display:none}
+#some:checked~main section:not(:has(.changed,.lost,.about)),#bad:checked~main section:not(:has(.serious,.about)),
 #few:checked~main section:not(:has(.lost,.about)){display:none}
 article{display:grid;grid-template-columns:minmax(0,1fr) auto;gap:.25rem 1.5rem;background:var(--card);
 border:1px solid var(--line);border-left:4px solid var(--good);border-radius:.5rem .75rem .75rem .5rem;
 padding:1rem 1.25rem;margin:0 0 .75rem;content-visibility:auto;contain-intrinsic-size:auto 13rem}
 article.changed{border-left-color:var(--change)}article.lost{border-left-color:var(--lost)}
+.one{padding:.2rem .25rem;border-top:1px solid var(--line);overflow-wrap:anywhere}
 .kind{display:flex;gap:.75rem;font-size:.8125rem;color:var(--soft)}
 .state{font-weight:600;color:var(--good)}.changed .state{color:var(--change)}.lost .state{color:var(--lost)}
 .grids{display:flex;flex-wrap:wrap;gap:1rem 1.25rem;justify-content:flex-end;max-width:27rem;

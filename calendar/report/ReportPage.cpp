@@ -179,6 +179,7 @@ std::string entriesBegin() {
            "<input class=pick type=radio name=show id=all checked><label for=all>All "
            "entries</label>"
            "<input class=pick type=radio name=show id=some><label for=some>With changes</label>"
+           "<input class=pick type=radio name=show id=bad><label for=bad>With warnings</label>"
            "<input class=pick type=radio name=show id=few><label for=few>Not all carried "
            "over</label>\n<main>\n";
 }
@@ -192,22 +193,36 @@ std::string entryArticle(const ReportEntry& entry) {
     static constexpr const char* kWords[] = {"converted", "changed", "not all carried over"};
     const auto state = static_cast<std::size_t>(stateOf(entry));
     const EntryFacts& facts = entry.facts;
-    std::string text = std::string("<article class=") + kClasses[state] +
-                       "><div><div class=kind><span>" + facts.kind + ", line " +
-                       std::to_string(entry.line) + "</span><span class=state>" + kWords[state] +
-                       "</span></div><h3><bdi>" +
+    const std::vector<Note>& notes = entry.notes.shown;
+    const bool serious = std::any_of(notes.begin(), notes.end(), [](const Note& each) {
+        return each.severity() != Severity::Note;
+    });
+    std::string text = std::string("<article class='") + kClasses[state] +
+                       (serious ? " serious" : "") + "'><div><div class=kind><span>" + facts.kind +
+                       ", line " + std::to_string(entry.line) + "</span><span class=state>" +
+                       kWords[state] + "</span></div><h3><bdi>" +
                        (facts.title.empty() ? "<span class=soft>without a title</span>"
                                             : html(facts.title, kLongestTitle)) +
                        "</bdi></h3>";
     if (!facts.when.empty()) text += "<p>" + html(facts.when) + "</p>";
     if (facts.alarms != 0)
         text += "<p class=soft>" + counted(facts.alarms, "alarm", "alarms") + "</p>";
-    const MonthTables months = monthTables(facts.days.days, facts.days.more, kMostMonths);
+    const MonthTables months =
+        monthTables(facts.days.days, facts.days.more, kMostMonths, entry.weekStart);
     text += ruleList(facts) + noteList(entry.notes, entry.kept) +
             (months.count > kMonthsBeside ? "</div><div class='grids wide'>"
                                           : "</div><div class=grids>") +
             months.html + "</div>" + beforeAndAfter(entry) + "</article>\n";
     return text;
+}
+
+std::string entryLine(const ReportEntry& entry) {
+    const EntryFacts& facts = entry.facts;
+    return "<p class='fine one'><bdi>" +
+           (facts.title.empty() ? "<span class=soft>without a title</span>"
+                                : html(facts.title, kLongestTitle)) +
+           "</bdi> <span class=soft>" + html(facts.when) + (facts.when.empty() ? "" : ", ") +
+           facts.kind + ", line " + std::to_string(entry.line) + "</span></p>\n";
 }
 
 std::string fileEnd(const NoteList& notes) {

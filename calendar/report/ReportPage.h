@@ -25,6 +25,7 @@ struct NoteList {
 
 struct ReportEntry {
     EntryFacts facts;
+    int weekStart = 2;     // of the months: 1 Sunday to 7 Saturday
     std::size_t line = 0;  // where it begins in its file
     NoteList notes;
     std::vector<std::string> kept;  // names under which the result keeps what its format lacks
@@ -44,6 +45,8 @@ struct ReportEntry {
 // The body: of each file its beginning, its entries and its end; the page's end.
 [[nodiscard]] std::string fileBegin(std::size_t number, const std::string& name);
 [[nodiscard]] std::string entryArticle(const ReportEntry& entry);
+// The same in one line, for an entry without a message.
+[[nodiscard]] std::string entryLine(const ReportEntry& entry);
 [[nodiscard]] std::string fileEnd(const NoteList& notes);
 [[nodiscard]] std::string pageEnd();
 

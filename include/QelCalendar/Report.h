@@ -27,6 +27,8 @@ class Report {
         : body_(new Output(std::move(body))),
           report_(detail::made(qelcal_report_new(&write, body_.get()))) {}
 
+    /// The day on which weeks begin in its months, 1 Sunday to 7 Saturday; Monday by default.
+    void weekStart(int weekday) { detail::check(qelcal_report_week_start(report_.get(), weekday)); }
     /// Adds a file that no converter reads, as one that cannot be opened; result() says why. Not
     /// while a file is being converted.
     void addFile(const std::string& name) {

@@ -583,6 +583,9 @@ QELCALENDAR_API qelcal_report* QELCALENDAR_CALL qelcal_report_new(qelcal_write_f
                                                                   void* context);
 /** Frees it; null is ignored. */
 QELCALENDAR_API void QELCALENDAR_CALL qelcal_report_free(qelcal_report* report);
+/** The day on which weeks begin in the report's months, 1 Sunday to 7 Saturday; Monday by default.
+ */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_week_start(qelcal_report* report, int weekday);
 /** From the next file on `report` (null: none) receives all that `converter` converts. The report
  * must outlive the converter or be taken off it. Several converters may share one report while only
  * one of them is within a file: write() and end_file() of another return QELCAL_WRONG_ORDER. */

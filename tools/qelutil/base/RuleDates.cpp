@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "base/Terminal.h"
+#include "platform/Console.h"
 
 namespace qel::cli {
 
@@ -25,6 +26,8 @@ void writeDateGrids(std::ostream& out, const std::vector<MarkedDay>& dates) {
     MonthGridLayout layout;
     layout.width = outputWidth();
     layout.highlight = outputHighlights();
+    layout.firstDayOfWeek =
+        std::chrono::weekday(static_cast<unsigned>(platform::firstWeekday() - 1));
     writeMonths(out, dates, layout);
 }
 

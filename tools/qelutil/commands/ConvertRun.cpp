@@ -16,6 +16,7 @@
 #include "base/Failure.h"
 #include "base/Files.h"
 #include "base/Json.h"
+#include "base/Moment.h"
 #include "base/Progress.h"
 #include "base/Text.h"
 #include "commands/BesidePlaces.h"
@@ -49,7 +50,9 @@ class RunReport {
     RunReport(Context& context, const std::string& name)
         : file_(context, name), page_([this](const char* bytes, std::size_t size) {
               file_.addToBody({bytes, size});
-          }) {}
+          }) {
+        page_.weekStart(platform::firstWeekday());
+    }
 
     [[nodiscard]] qelcal::Report& page() { return page_; }
 
@@ -514,9 +517,19 @@ class ConvertRun {
     }
 
     [[nodiscard]] std::string remark() const {
-        std::string text = "What became of the calendars that qelutil converted.";
+        std::string text = "What became of the calendars that qelutil " QELUTIL_VERSION
+                           " converted on " +
+                           momentWords(readMoment("today")) + ".";
         if (options_.dryRun) text = "What would become of the calendars: this was a dry run.";
         if (options_.strict) text += " With --strict, what has warnings or errors is not written.";
+        if (!options_.zone.empty())
+            text += " Times without a zone are those of " + options_.zone + ".";
+        if (!options_.charset.empty())
+            text += " Texts without a label are in " + options_.charset + ".";
+        if (!options_.countMeans.empty())
+            text += " The number after # in a rule means " + options_.countMeans + ".";
+        if (!options_.only.empty()) text += " Only these are taken: " + options_.only + ".";
+        if (options_.distinctUids) text += " Entries that share a UID by mistake have new ones.";
         if (!others_.empty()) text += " Not converted: " + othersText(others_) + ".";
         return text;
     }

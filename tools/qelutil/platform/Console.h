@@ -36,6 +36,9 @@ void prepareStreams();
 // Shows a file as the desktop does, a page in the browser. False when that cannot be done.
 bool showFile(const std::filesystem::path& file);
 
+// The day on which weeks begin where this person lives, 1 Sunday to 7 Saturday.
+[[nodiscard]] int firstWeekday();
+
 // How a person ends the input that is typed: "Ctrl-D".
 [[nodiscard]] const char* endOfInputKeys();
 

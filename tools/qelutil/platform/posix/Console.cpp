@@ -1,6 +1,8 @@
 #include "platform/Console.h"
 
 #include <fcntl.h>
+#include <langinfo.h>
+#include <locale.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -8,6 +10,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -88,6 +91,22 @@ bool showFile(const std::filesystem::path& file) {
     int status = 0;
     return failure == 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status) &&
            WEXITSTATUS(status) == 0;
+}
+
+int firstWeekday() {
+    int first = 1;
+#ifdef _NL_TIME_FIRST_WEEKDAY
+    const locale_t locale = ::newlocale(LC_TIME_MASK, "", nullptr);
+    if (locale == nullptr) return first;
+    // A day counted from another one, which the locale gives as a date.
+    const char* offset = ::nl_langinfo_l(_NL_TIME_FIRST_WEEKDAY, locale);
+    const auto origin =
+        reinterpret_cast<std::uintptr_t>(::nl_langinfo_l(_NL_TIME_WEEK_1STDAY, locale));
+    constexpr std::uintptr_t kMonday = 19971201;
+    first = (offset[0] - 1 + (static_cast<std::uint32_t>(origin) == kMonday ? 1 : 0)) % 7 + 1;
+    ::freelocale(locale);
+#endif
+    return first;
 }
 
 const char* endOfInputKeys() {

@@ -111,6 +111,14 @@ bool showFile(const std::filesystem::path& file) {
     return reinterpret_cast<INT_PTR>(result) > kLastFailure;
 }
 
+int firstWeekday() {
+    // 0 is Monday there.
+    DWORD day = 6;
+    GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_IFIRSTDAYOFWEEK | LOCALE_RETURN_NUMBER,
+                    reinterpret_cast<wchar_t*>(&day), sizeof(day) / sizeof(wchar_t));
+    return static_cast<int>((day + 1) % 7) + 1;
+}
+
 const char* endOfInputKeys() {
     return "Ctrl-Z and Enter";
 }
