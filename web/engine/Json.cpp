@@ -1,7 +1,5 @@
 #include "Json.h"
 
-#include <cstdio>
-
 namespace qel::web {
 
 namespace {
@@ -68,9 +66,7 @@ void Json::value(std::string_view text) {
             out_ += '\\';
             out_ += c;
         } else if (static_cast<unsigned char>(c) < 0x20) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
-            out_ += escape;
+            escape(c);
         } else if (const std::size_t whole = characterAt(text); whole > 0) {
             out_.append(text.substr(0, whole));
             length = whole;
@@ -80,6 +76,19 @@ void Json::value(std::string_view text) {
         text.remove_prefix(length);
     }
     out_ += '"';
+}
+
+void Json::escape(char control) {
+    constexpr std::string_view kDigits = "0123456789abcdef";
+    if (control == '\n') {
+        out_ += "\\n";
+    } else if (control == '\r') {
+        out_ += "\\r";
+    } else {
+        out_ += "\\u00";
+        out_ += kDigits[static_cast<unsigned char>(control) >> 4U];
+        out_ += kDigits[static_cast<unsigned char>(control) & 15U];
+    }
 }
 
 void Json::value(std::int64_t number) {

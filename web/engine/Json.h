@@ -39,6 +39,7 @@ class Json {
     void open(char bracket);
     void close(char bracket);
     void separate();
+    void escape(char control);
 
     std::string& out_;
     bool first_ = true;

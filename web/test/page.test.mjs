@@ -130,6 +130,10 @@ function native(...options) {
 async function accessible(state) {
     await page.evaluate(axe);
     const { violations } = await page.evaluate(() => globalThis.axe.run());
+    // axe asks no name of a dialog element.
+    const unnamed = await page.$$eval("dialog[open]", (all) =>
+        all.filter((each) => !document.getElementById(each.getAttribute("aria-labelledby"))?.textContent).length);
+    assert.equal(unnamed, 0, state);
     assert.deepEqual(violations.map(({ id, nodes }) => `${state}: ${id}: ${nodes[0].html}`), []);
 }
 
