@@ -27,7 +27,7 @@ _qelutil() {
         options='-h --help --version --color --config'
         case $previous in
         --color) COMPREPLY=($(compgen -W 'auto always never' -- "$current")); return ;;
-        --config) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --config) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         esac
         words='convert show rule expand date zone encode decode charset field status stream log schema'
         ;;
@@ -35,14 +35,14 @@ _qelutil() {
         options='-h --help --to -o --output -d --output-dir --split --beside --zone --charset --count-means --only --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
         case $previous in
         --to) COMPREPLY=($(compgen -W 'ics vcs' -- "$current")); return ;;
-        -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
-        -d | --output-dir) compopt -o filenames; COMPREPLY=($(compgen -d -- "$current")); return ;;
+        -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+        -d | --output-dir) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
         --split) COMPREPLY=(); return ;;
         --zone) COMPREPLY=(); return ;;
         --charset) COMPREPLY=(); return ;;
         --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --only) COMPREPLY=(); return ;;
-        --report) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         esac
         files=1
         ;;
@@ -116,7 +116,7 @@ _qelutil() {
         options='-h --help -t --text -o --output --wrap --value --column'
         case $previous in
         -t | --text) COMPREPLY=(); return ;;
-        -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         --wrap) COMPREPLY=(); return ;;
         --column) COMPREPLY=(); return ;;
         esac
@@ -127,7 +127,7 @@ _qelutil() {
         options='-h --help -t --text -o --output'
         case $previous in
         -t | --text) COMPREPLY=(); return ;;
-        -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         esac
         words='base64 qp cipher'
         files=1
@@ -136,7 +136,7 @@ _qelutil() {
         options='-h --help -t --text -o --output --from --to --list --json'
         case $previous in
         -t | --text) COMPREPLY=(); return ;;
-        -o | --output) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")); return ;;
+        -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         --from) COMPREPLY=(); return ;;
         --to) COMPREPLY=(); return ;;
         esac
@@ -174,15 +174,17 @@ _qelutil() {
     'schema')
         options='-h --help'
         ;;
-    *) return ;;
+    *) files=1 ;;
     esac
+    [ "$command" ] || files=1
     case $current in
     -*) COMPREPLY=($(compgen -W "$options" -- "$current")) ;;
     *)
         COMPREPLY=($(compgen -W "$words" -- "$current"))
         if [ "$files" ] && [ ${#COMPREPLY[@]} -eq 0 ]; then
             compopt -o filenames
-            COMPREPLY=($(compgen -f -- "$current"))
+            # A line for each name: names have blanks.
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
         fi
         ;;
     esac

@@ -18,6 +18,7 @@ function __qelutil_only
 end
 
 complete -c qelutil -f
+complete -c qelutil -n '__qelutil_only' -F
 complete -c qelutil -n '__qelutil_at' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at' -l version -d 'Display program version information and exit'
 complete -c qelutil -n '__qelutil_at' -l color -x -a 'auto always never' -d 'when messages and month grids are coloured'

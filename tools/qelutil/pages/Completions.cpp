@@ -70,9 +70,9 @@ std::string bashArgument(const PageOption& option) {
             return "COMPREPLY=($(compgen -W '" + joined(option.choices, " ") +
                    "' -- \"$current\"))";
         case Argument::File:
-            return "compopt -o filenames; COMPREPLY=($(compgen -f -- \"$current\"))";
+            return "compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- \"$current\")";
         case Argument::Folder:
-            return "compopt -o filenames; COMPREPLY=($(compgen -d -- \"$current\"))";
+            return "compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- \"$current\")";
         case Argument::None:
         case Argument::Other:
             break;
@@ -216,15 +216,18 @@ _qelutil() {
     visitCommands(program, "", [&](const PageCommand& command, const std::string& words) {
         text += bashCommand(command, words);
     });
-    return text + R"(    *) return ;;
+    // A file may stand where a command does.
+    return text + R"(    *) files=1 ;;
     esac
+    [ "$command" ] || files=1
     case $current in
     -*) COMPREPLY=($(compgen -W "$options" -- "$current")) ;;
     *)
         COMPREPLY=($(compgen -W "$words" -- "$current"))
         if [ "$files" ] && [ ${#COMPREPLY[@]} -eq 0 ]; then
             compopt -o filenames
-            COMPREPLY=($(compgen -f -- "$current"))
+            # A line for each name: names have blanks.
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
         fi
         ;;
     esac
@@ -243,7 +246,8 @@ _qelutil() {
     text +=
         " \\\n            ': :->command' '*:: :->rest'\n    case $state in\n    command)\n       "
         " " +
-        zshDescribe(program) + "\n        ;;\n    rest)\n        case $line[1] in\n";
+        zshDescribe(program) +
+        "\n        _files\n        ;;\n    rest)\n        case $line[1] in\n";
     for (const PageCommand& command : program.commands) {
         text += "        " + command.name + ")\n            ";
         if (command.commands.empty())
@@ -291,6 +295,7 @@ function __qelutil_only
 end
 
 complete -c qelutil -f
+complete -c qelutil -n '__qelutil_only' -F
 )";
     for (const PageOption& option : program.options) text += fishOption(option, "__qelutil_at");
     const auto commandsOf = [&](const PageCommand& command, const std::string& words) {
