@@ -278,16 +278,26 @@ std::optional<Moment> EntryReader::ofUtcDay(const Moment& day) const {
     return std::nullopt;
 }
 
+Moment EntryReader::onDayOfSeries(const Moment& date, const Moment& meant,
+                                  const std::set<int>& days) const {
+    if (!date.isDate || days.contains(meant.day)) return meant;
+    const auto utc = ofUtcDay(date);
+    return utc && days.contains(utc->day) ? *utc : meant;
+}
+
+bool EntryReader::rulesKeepTime() const {
+    if (entry_.rules.size() < ruleLines_.size()) return false;
+    const auto ownTimes = [](const Rule& rule) {
+        return !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
+    };
+    return std::none_of(entry_.rules.begin(), entry_.rules.end(), [&](const EntryRule& each) {
+        return std::any_of(each.rules.begin(), each.rules.end(), ownTimes);
+    });
+}
+
 void EntryReader::settleExcluded() {
-    // Where a rule has times of day of its own, or is not understood, any time may be one of them.
-    std::size_t lines = 0;
-    for (const EntryRule& each : entry_.rules) {
-        ++lines;
-        for (const Rule& rule : each.rules)
-            if (!rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty()) return;
-    }
     // Days in UTC are settled with the start's.
-    if (entry_.excluded.empty() || daysOfUtc_ || lines < ruleLines_.size()) return;
+    if (entry_.excluded.empty() || daysOfUtc_ || !rulesKeepTime()) return;
     const Moment& start = *entry_.start;
     std::optional<std::set<int>> days;
     std::set<std::int64_t> added;
@@ -301,8 +311,7 @@ void EntryReader::settleExcluded() {
         Moment meant = occurrenceMeant(entry_, start, date);
         if (meant != own || date.isDate != start.isDate) {
             if (!days) days = daysOfSeries();
-            if (date.isDate && !days->contains(meant.day))
-                if (const auto utc = ofUtcDay(date); utc && days->contains(utc->day)) meant = *utc;
+            meant = onDayOfSeries(date, meant, *days);
             // Midnight of an all-day series is its day in other words.
             if (!days->contains(meant.day))
                 outside.add(formatMoment(date));

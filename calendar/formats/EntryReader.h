@@ -123,6 +123,12 @@ class EntryReader {
     void reportUnknownSeries();
     void rememberSeries();
     // Gives dates of the series that are in another form than its start the start's.
+    // False where a rule has times of day of its own or is not understood: any time may be one of
+    // its occurrences.
+    [[nodiscard]] bool rulesKeepTime() const;
+    // `meant`, or where a day alone is the day in UTC of an occurrence, that.
+    [[nodiscard]] Moment onDayOfSeries(const Moment& date, const Moment& meant,
+                                       const std::set<int>& days) const;
     void settleExcluded();
     // Those on which the series would be without its exceptions, up to the last of these.
     [[nodiscard]] std::set<int> daysOfSeries() const;

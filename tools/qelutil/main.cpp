@@ -5,6 +5,7 @@
 #include <new>
 
 #include "base/Failure.h"
+#include "base/Files.h"
 #include "commands/Application.h"
 #include "commands/FirstWords.h"
 #include "platform/Console.h"
@@ -36,6 +37,9 @@ std::string badSettings(const CLI::App& app, std::string text) {
 int parseAndRun(Context& context, const std::vector<std::string>& words) {
     CLI::App app;
     qel::cli::addCommands(app, context);
+    // A file that is not there is no error unless it was named.
+    app.get_config_ptr()->default_str(
+        qel::cli::nameOf(qel::cli::platform::settingsFolder() / "qelutil.toml"));
     std::vector<std::string> whole;
     try {
         whole = qel::cli::completeWords(app, words);

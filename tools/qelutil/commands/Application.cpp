@@ -1,7 +1,6 @@
 #include "commands/Application.h"
 
 #include "QelCalendar/Zones.h"
-#include "base/Files.h"
 #include "base/Terminal.h"
 #include "commands/Commands.h"
 
@@ -40,8 +39,7 @@ void addCommands(CLI::App& app, Context& context) {
                         : when == "never" ? Color::Never
                                           : Color::Auto);
         });
-    // A file that is not there is no error unless it was named.
-    app.set_config("--config", nameOf(platform::settingsFolder() / "qelutil.toml"),
+    app.set_config("--config", "",
                    "the file of your own defaults, with a section for each command; it is\n"
                    "qelutil.toml in ~/.config, on Windows in %APPDATA%")
         ->option_text("FILE");
@@ -50,6 +48,9 @@ void addCommands(CLI::App& app, Context& context) {
     app.footer(
         "Exit status: 0 for success, 1 when some input was invalid, 2 for an invalid "
         "command line.\n\n"
+        "Files: ~/.config/qelutil.toml (on Windows %APPDATA%\\qelutil.toml), such as\n"
+        "  [convert]\n"
+        "  zone = \"Europe/Berlin\"\n\n"
         "qelutil FILE... or qelutil FOLDER converts what is there; the results and a report lie\n"
         "beside it. qelutil COMMAND --help shows a command's options with examples.");
     for (const AddCommand add : kCommands) add(app, context);

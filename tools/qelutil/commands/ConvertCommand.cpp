@@ -104,6 +104,8 @@ void addConvertCommand(CLI::App& app, Context& context) {
     command->add_flag("-v,--verbose", options->verbose,
                       "also report how irregular input was read, and show every message");
     command->footer(
+        "Calendars of old phones and organisers (.vcs) become .ics files, which Google Calendar,\n"
+        "Apple Calendar, Thunderbird and Outlook import, and back.\n\n"
         "All events, to-dos and notes of all files go into one, unless --output-dir is given. "
         "Nothing\n"
         "is left out silently: what the other format cannot express is kept as an X- property or\n"
