@@ -152,18 +152,35 @@ std::optional<std::size_t> findWorldZone(std::string_view name) {
     return static_cast<std::size_t>(found - zonedata::kNames);
 }
 
+namespace {
+
+// The database's name for a zone of Windows, also for its summer time; null for another text.
+const char* worldNameOfWindows(std::string_view name) {
+    constexpr std::string_view kDaylight = "Daylight Time";
+    std::string standard(name);
+    if (name.ends_with(kDaylight))
+        standard.replace(name.size() - kDaylight.size(), kDaylight.size(), "Standard Time");
+    for (const WindowsZone& each : windowsZones())
+        if (equalsIgnoreCase(each.windows, standard)) return each.world;
+    return nullptr;
+}
+
+// A name as it is, with blanks for "_", or with "-" for "/".
+std::optional<std::size_t> findTidied(std::string_view name) {
+    if (const auto found = findWorldZone(name)) return found;
+    std::string tidied(name);
+    std::replace(tidied.begin(), tidied.end(), ' ', '_');
+    if (const auto found = findWorldZone(tidied)) return found;
+    std::replace(tidied.begin(), tidied.end(), '-', '/');
+    return findWorldZone(tidied);
+}
+
+}  // namespace
+
 std::optional<std::size_t> worldZoneMeant(std::string_view tzid) {
     tzid = trimmed(tzid);
     if (tzid.size() > 2 * kLongestName) return std::nullopt;
-    for (const WindowsZone& each : windowsZones())
-        if (equalsIgnoreCase(each.windows, tzid)) return findWorldZone(each.world);
-    constexpr std::string_view kDaylight = "Daylight Time";
-    if (tzid.ends_with(kDaylight)) {
-        std::string standard(tzid.substr(0, tzid.size() - kDaylight.size()));
-        standard += "Standard Time";
-        for (const WindowsZone& each : windowsZones())
-            if (standard == each.windows) return findWorldZone(each.world);
-    }
+    if (const char* world = worldNameOfWindows(tzid)) return findWorldZone(world);
     // The database's names of offsets have the other sign.
     if (const auto offset = offsetNamed(tzid); offset && *offset % kHour == 0)
         return findWorldZone(*offset == 0 ? "Etc/GMT"
@@ -171,12 +188,7 @@ std::optional<std::size_t> worldZoneMeant(std::string_view tzid) {
                                                 std::to_string(std::abs(*offset) / kHour));
     // From the whole text to its last part: the name is the longest one that there is.
     for (std::string_view rest = tzid; !rest.empty();) {
-        if (const auto found = findWorldZone(rest)) return found;
-        std::string tidied(rest);
-        std::replace(tidied.begin(), tidied.end(), ' ', '_');
-        if (const auto found = findWorldZone(tidied)) return found;
-        std::replace(tidied.begin(), tidied.end(), '-', '/');
-        if (const auto found = findWorldZone(tidied)) return found;
+        if (const auto found = findTidied(rest)) return found;
         const std::size_t slash = rest.find('/');
         if (slash == std::string_view::npos) break;
         rest.remove_prefix(slash + 1);
