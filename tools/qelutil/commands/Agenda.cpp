@@ -60,7 +60,7 @@ std::optional<Time> endFor(const qelcal::Entry& entry, const Time& at) {
 
 std::vector<Time> Agenda::occurrencesOf(const qelcal::Entry& entry) const {
     if (!range_.everyDate) {
-        const auto first = entry.occurrences(1);
+        auto first = entry.occurrences(1);
         if (!first.empty()) return first;
     } else if (entry.has(QELCAL_START)) {
         return entry.occurrences(range_.since.value_or(dateOf(0)),

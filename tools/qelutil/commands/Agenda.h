@@ -27,7 +27,7 @@ class Agenda {
     };
 
     // Times that are known in UTC are shown in `zone`; without one, each on its own clock.
-    Agenda(Range range, std::optional<qelcal::Zone> zone) : range_(std::move(range)), zone_(zone) {}
+    Agenda(const Range& range, std::optional<qelcal::Zone> zone) : range_(range), zone_(zone) {}
 
     // The entry's occurrences in the range; of an entry that does not recur, its start or due time.
     [[nodiscard]] std::vector<Time> occurrencesOf(const qelcal::Entry& entry) const;

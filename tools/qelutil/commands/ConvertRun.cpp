@@ -249,6 +249,29 @@ class ConvertRun {
         };
     }
 
+    // Why one of the files has no part in the result, or nothing; `failure`: why there is to be no
+    // result at all.
+    std::string joinFile(qelcal::Converter& converter, const CalendarFile& file,
+                         std::string& failure) {
+        try {
+            const std::string reason = convertFile(converter, file);
+            // Entries that were converted before a failure are in the result.
+            return outcomes_.back().counts.entries != 0 ? "" : reason;
+        } catch (...) {
+            failure = currentFailure(context_, outcomes_.back().file);
+            return failure;
+        }
+    }
+
+    // `held`: what has not gone to the file yet.
+    void writeJoined(OutputFile& output, const std::string& held) {
+        if (options_.split != 0)
+            writePieces(held, output);
+        else
+            output.stream() << held;
+        if (pieces_ < 2) output.commit();
+    }
+
     // All files into one result.
     void joined() {
         std::unique_ptr<OutputFile> output;
@@ -267,16 +290,8 @@ class ConvertRun {
         std::string failure;  // of the result
         for (const CalendarFile& file : files_) {
             beginFile(file);
-            std::string reason = failure;
-            if (failure.empty()) {
-                try {
-                    reason = convertFile(converter, file);
-                    // Entries that were converted before a failure are in the result.
-                    if (outcomes_.back().counts.entries != 0) reason.clear();
-                } catch (...) {
-                    reason = failure = currentFailure(context_, outcomes_.back().file);
-                }
-            }
+            const std::string reason =
+                failure.empty() ? joinFile(converter, file, failure) : failure;
             settle(name, reason);
             endFile();
         }
@@ -285,11 +300,7 @@ class ConvertRun {
         if (failure.empty() && !options_.dryRun) {
             try {
                 converter.finish();
-                if (options_.split != 0)
-                    writePieces(held, *output);
-                else if (hold)
-                    output->stream() << held;
-                if (pieces_ < 2) output->commit();
+                writeJoined(*output, held);
             } catch (...) {
                 failure = currentFailure(context_, name);
             }
@@ -585,8 +596,8 @@ void runConvert(Context& context, ConvertOptions options) {
         throw UsageError(
             "--json prints to standard output, where the calendar goes; give --output, "
             "--output-dir or --dry-run with it");
-    if (options.split != 0 && !options.outputDir.empty())
-        throw UsageError("--split takes a file by --output, not a folder");
+    if (options.split != 0 && (!options.outputDir.empty() || isStandardOutput(options.output)))
+        throw UsageError("--split needs a file by --output, whose name its pieces have");
     checkChoices(options);
     ConvertRun(context, options).run();
 }

@@ -294,23 +294,7 @@ constexpr char kZoneHelp[] =
     "a zone's number or name, a part of the name, UTC,\na name such as Europe/Berlin,\nor local: "
     "the computer's own";
 
-}  // namespace
-
-void addZoneCommand(CLI::App& app, Context& context) {
-    auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("zone", "Time zones: their list, rules, conversions, changes of a year");
-    command->require_subcommand(1);
-    command->footer(
-        "The zones are those of the library's table, with its rules for 1990 to 2010, and by "
-        "their\n"
-        "whole names those of the IANA time zone database, with the rules of all years.\n"
-        "Examples:\n"
-        "  qelutil zone list berlin\n"
-        "  qelutil zone show Europe/Berlin\n"
-        "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
-        "  qelutil zone changes America/New_York --year 2030");
-
+void addList(CLI::App* command, const std::shared_ptr<Options>& options, Context& context) {
     CLI::App* listing = command->add_subcommand(
         "list", "List the zones: number in the table, standard and summer offset, name");
     listing->add_option("TEXT", options->zone, "a part of the names; all zones when it is missing");
@@ -323,14 +307,18 @@ void addZoneCommand(CLI::App& app, Context& context) {
         "Examples:\n  qelutil zone list --table\n  qelutil zone list berlin\n  qelutil zone list "
         "--iana america/ --json");
     listing->callback([options, &context] { list(context, *options); });
+}
 
+void addShow(CLI::App* command, const std::shared_ptr<Options>& options, Context& context) {
     CLI::App* showing =
         command->add_subcommand("show", "Show the rules of a zone's changes of offset");
     showing->add_option("ZONE", options->zone, kZoneHelp)->required();
     showing->add_flag("--json", options->json, "print the facts as JSON");
     showing->footer("Example:\n  qelutil zone show Europe/Berlin");
     showing->callback([options, &context] { show(context, *options); });
+}
 
+void addConvert(CLI::App* command, const std::shared_ptr<Options>& options, Context& context) {
     CLI::App* conversion = command->add_subcommand("convert", "Convert times between zones");
     conversion
         ->add_option("TIME", options->texts,
@@ -348,7 +336,9 @@ void addZoneCommand(CLI::App& app, Context& context) {
         "  qelutil zone convert 20050615T123000Z --to 11\n"
         "  qelutil zone convert 2005-06-15T08:30 --from kathmandu --to tokyo --json");
     conversion->callback([options, &context] { convert(context, *options); });
+}
 
+void addChanges(CLI::App* command, const std::shared_ptr<Options>& options, Context& context) {
     CLI::App* year = command->add_subcommand("changes", "List the changes of offset in a year");
     year->add_option("ZONE", options->zone, kZoneHelp)->required();
     year->add_option("--year", options->year, "the year; this year by default")->type_name("YEAR");
@@ -357,6 +347,28 @@ void addZoneCommand(CLI::App& app, Context& context) {
         "Examples:\n  qelutil zone changes \"eastern time\" --year 2005\n  qelutil zone changes "
         "local");
     year->callback([options, &context] { changes(context, *options); });
+}
+
+}  // namespace
+
+void addZoneCommand(CLI::App& app, Context& context) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command =
+        app.add_subcommand("zone", "Time zones: their list, rules, conversions, changes of a year");
+    command->require_subcommand(1);
+    command->footer(
+        "The zones are those of the library's table, with its rules for 1990 to 2010, and by "
+        "their\n"
+        "whole names those of the IANA time zone database, with the rules of all years.\n"
+        "Examples:\n"
+        "  qelutil zone list berlin\n"
+        "  qelutil zone show Europe/Berlin\n"
+        "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
+        "  qelutil zone changes America/New_York --year 2030");
+    addList(command, options, context);
+    addShow(command, options, context);
+    addConvert(command, options, context);
+    addChanges(command, options, context);
 }
 
 }  // namespace qel::cli
