@@ -352,7 +352,7 @@ class Converter::File {
         return component == "VTODO" ? choices_.only.todos : choices_.only.notes;
     }
 
-    // Null where `name` says all of the zone, or where there is none.
+    // Null without a zone, and when `name` says all of it.
     [[nodiscard]] ZonePtr zoneOfLines(const ContentLine& tz,
                                       const std::vector<ContentLine>& daylight, std::string& name) {
         const bool isOffset = parseUtcOffset(tz.value) || offsetNamed(tz.value);

@@ -38,7 +38,7 @@ bool isContinuation(char c) {
 struct RepairedUtf8 {
     std::string text;         // with U+FFFD for what is broken
     std::size_t whole = 0;    // characters beyond ASCII
-    std::size_t broken = 0;   // sequences that are none
+    std::size_t broken = 0;   // sequences that are not characters
     bool endsBroken = false;  // the last one of them is cut off by the end
 };
 

@@ -263,7 +263,7 @@ class ConvertRun {
         }
     }
 
-    // `held`: what has not gone to the file yet.
+    // `held`: what still has to go to the file.
     void writeJoined(OutputFile& output, const std::string& held) {
         if (options_.split != 0)
             writePieces(held, output);
