@@ -85,8 +85,9 @@ TEST_F(CommandCases, WhatIsPrintedIsReadAgain) {
     std::vector<std::string> words = {"field", "--json"};
     for (const Json& field : all["fields"]) words.push_back(field["id"]);
     EXPECT_EQ(runJson(words), all);
-    for (const auto& there :
-         runJson({"zone", "convert", "20050115T120000", "20050715T120000", "--json"})["times"]) {
+    const Json moved =
+        runJson({"zone", "convert", "20050115T120000", "20050715T120000", "--json"})["times"];
+    for (const auto& there : moved) {
         const auto back = runJson({"zone", "convert", there["output"], "--json"});
         EXPECT_EQ(back["times"][0]["output"], there["input"]);
     }
