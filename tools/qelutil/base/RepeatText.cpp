@@ -5,6 +5,7 @@
 
 #include "QelUtility/BxRepeat.h"
 #include "QelUtility/VStr.h"
+#include "platform/Console.h"
 
 namespace qel::cli {
 
@@ -169,6 +170,8 @@ std::string ruleBack(const ZQTR_REPEAT& record) {
     _rruleRepeat rule;
     VStr exclusions;
     VStr startText;
+    // Of a record without dates the library prints a line.
+    const platform::OutputDiversion diversion;
     if (BxUtil_BxRepeatToRRule(&copy, &rule, exclusions, startText, 0, nullptr) != 0) return {};
     VStr text;
     const char* written = BxUtil_RRULEtoIETF(&rule, text, false);

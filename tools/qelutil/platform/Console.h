@@ -29,6 +29,18 @@ void prepareStreams();
 [[nodiscard]] bool outputUnderstandsEscapes();
 [[nodiscard]] bool errorUnderstandsEscapes();
 
+// While it lives, what the C library writes to standard output goes to standard error.
+class OutputDiversion {
+  public:
+    OutputDiversion();
+    ~OutputDiversion();
+    OutputDiversion(const OutputDiversion&) = delete;
+    OutputDiversion& operator=(const OutputDiversion&) = delete;
+
+  private:
+    int kept_;  // standard output itself; negative when it cannot be kept, and nothing is diverted
+};
+
 // True when the window is this program's own and closes with it: it was started from the desktop,
 // by a file dropped on it.
 [[nodiscard]] bool ownsItsWindow();

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -70,6 +71,18 @@ bool outputUnderstandsEscapes() {
 
 bool errorUnderstandsEscapes() {
     return outputUnderstandsEscapes();
+}
+
+OutputDiversion::OutputDiversion() : kept_(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)) {
+    std::fflush(stdout);
+    if (kept_ >= 0) ::dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+OutputDiversion::~OutputDiversion() {
+    if (kept_ < 0) return;
+    std::fflush(stdout);
+    ::dup2(kept_, STDOUT_FILENO);
+    ::close(kept_);
 }
 
 bool ownsItsWindow() {

@@ -98,6 +98,18 @@ bool errorUnderstandsEscapes() {
     return understandsEscapes(STD_ERROR_HANDLE);
 }
 
+OutputDiversion::OutputDiversion() : kept_(_dup(_fileno(stdout))) {
+    std::fflush(stdout);
+    if (kept_ >= 0) _dup2(_fileno(stderr), _fileno(stdout));
+}
+
+OutputDiversion::~OutputDiversion() {
+    if (kept_ < 0) return;
+    std::fflush(stdout);
+    _dup2(kept_, _fileno(stdout));
+    _close(kept_);
+}
+
 bool ownsItsWindow() {
     DWORD processes[2];
     return GetConsoleProcessList(processes, 2) == 1;
