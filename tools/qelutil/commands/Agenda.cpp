@@ -44,6 +44,13 @@ std::string firstLine(const std::string& text) {
     return printable(std::string_view(text).substr(0, text.find('\n')), kLongestText);
 }
 
+// Nothing outside the years that calendars have.
+std::optional<Time> moved(const Time& time, std::int64_t seconds) {
+    qelcal_time result{};
+    if (qelcal_time_add(&time, seconds, &result) != QELCAL_OK) return std::nullopt;
+    return Time(result);
+}
+
 // The time that lies as far from `at` as the entry's end from its start.
 std::optional<Time> endFor(const qelcal::Entry& entry, const Time& at) {
     const auto start = timeOf(entry, QELCAL_START);
@@ -53,7 +60,12 @@ std::optional<Time> endFor(const qelcal::Entry& entry, const Time& at) {
         length = end->seconds() - start->seconds();
     else if (qelcal_entry_duration(entry.get(), &length) != QELCAL_OK)
         return std::nullopt;
-    return at.plus(length);
+    return moved(at, length);
+}
+
+// The day of a moment, from 1 January 1900 on, also before it.
+std::int64_t dayOf(std::int64_t seconds) {
+    return seconds / kDaySeconds - (seconds % kDaySeconds < 0 ? 1 : 0);
 }
 
 }  // namespace
@@ -133,7 +145,7 @@ Agenda::Line Agenda::lineOf(const qelcal::Entry& entry, const std::optional<Time
     const std::optional<Time> end = endFor(entry, *at);
     if (end && entry.kind() == QELCAL_EVENT) {
         // The day after the last one ends whole days.
-        const Time last = shown(entry, line.timed ? *end : end->plus(-1));
+        const Time last = shown(entry, line.timed ? *end : moved(*end, -1).value_or(*end));
         if (codeDateOf(last) > codeDateOf(start)) line.what += ", until " + dayText(last);
     }
     if (!entry.has(QELCAL_RECURRENCE_ID)) {
@@ -158,7 +170,7 @@ void Agenda::settle(std::size_t most) {
         });
     std::stable_sort(lines_.begin(), lines_.end(), [](const Line& one, const Line& other) {
         const auto day = [](const Line& line) {
-            return line.at == kDateless ? kDateless : line.at / kDaySeconds;
+            return line.at == kDateless ? kDateless : dayOf(line.at);
         };
         if (day(one) != day(other)) return day(one) < day(other);
         if (one.timed != other.timed) return other.timed;
@@ -171,7 +183,7 @@ void Agenda::writeDays(std::ostream& out) const {
     const bool highlight = outputHighlights();
     std::int64_t last = -1;
     for (const Line& line : lines_) {
-        const std::int64_t day = line.at == kDateless ? kDateless : line.at / kDaySeconds;
+        const std::int64_t day = line.at == kDateless ? kDateless : dayOf(line.at);
         if (day != last) {
             const Time date = day == kDateless ? Time() : dateOf(static_cast<int>(day));
             const std::string title =
@@ -190,7 +202,8 @@ void Agenda::writeDays(std::ostream& out) const {
 void Agenda::writeMonths(std::ostream& out) const {
     std::vector<int> days;
     for (const Line& line : lines_)
-        if (line.at != kDateless) days.push_back(static_cast<int>(line.at / kDaySeconds));
+        if (line.at >= 0 && line.at < kEndOfTime)
+            days.push_back(codeDateOf(momentAt(line.at, false)));
     days.erase(std::unique(days.begin(), days.end()), days.end());
     writeDateGrids(out, listed(days));
 }
