@@ -46,6 +46,8 @@ int encipherToHex(const char* text, char* out, int outSize, const TeaKey& key) {
             *out++ = platform::kHexDigits[byteOf(block, i) & 0x0F];
         }
     }
+    // With room for the digits alone this is the byte after them.
+    if (length > 0) *out = '\0';
     return 0;
 }
 

@@ -94,7 +94,7 @@ class Operation {
         ServiceStatus status;
         const std::uint32_t error = interrogate(status);
         if (error == platform::kErrorServiceNotActive) return act(whenNotActive);
-        if (error != 0 || status.state >= transitions.size()) return false;
+        if (!tellsState(error) || status.state >= transitions.size()) return false;
         const Transition& step = transitions.at(status.state);
         const bool done = act(step.first);
         return step.pending == 0 ? done : wait(step.pending, step.expected, step.then);
@@ -105,9 +105,15 @@ class Operation {
         return system_.control(service_, ServiceControl::kInterrogate, status);
     }
 
+    // A service that starts or stops refuses to be interrogated, and its state comes with that.
+    static bool tellsState(std::uint32_t error) {
+        return error == 0 || error == platform::kErrorCannotAcceptControl;
+    }
+
     bool ask(ServiceStatus& status) {
-        return (asks_ == Asks::kByQuery ? system_.query(service_, status) : interrogate(status)) ==
-               0;
+        status = {};
+        return asks_ == Asks::kByQuery ? system_.query(service_, status) == 0
+                                       : tellsState(interrogate(status));
     }
 
     // The first question is free; then a poll a second while the state is pending.

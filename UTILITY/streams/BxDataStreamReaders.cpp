@@ -55,7 +55,7 @@ unsigned long long CBxDataStream::ReadNumber() {
     const unsigned char* end = ContentEnd();
     if (m_position < end && *m_position == '-' &&
         (m_position + 1 == end || qel::streams::endsValue(m_position[1]))) {
-        ValueLength(__LINE__);  // throws where the content ends with the "-"
+        if (m_position + 1 == end) FailPastEnd(__LINE__);
         // Past what follows too, be it the terminator: what comes after "-" at the end is the end.
         m_position += 2;
         return ~0ULL;
@@ -70,20 +70,21 @@ unsigned long long CBxDataStream::ReadNumber() {
         }
         value = value << 4 | static_cast<unsigned>(digit);
     }
-    if (p >= end || p - m_position > INT_MAX) ValueLength(__LINE__);  // throws
+    if (p >= end || p - m_position > INT_MAX) FailPastEnd(__LINE__);
     m_position = *p == static_cast<unsigned char>(qel::streams::kSeparator) ? p + 1 : p;
     return value;
 }
 
-// The length of the value at the position, which ends inside the content; otherwise logs and throws
-// 2023.
+// The length of the text at the position, 0 where nothing ends it before the end of the storage.
 int CBxDataStream::ValueLength(int line) {
+    const int length = m_position < ContentEnd() ? CBxstrlen(m_position) : 0;
+    if (length >= ContentEnd() - m_position) FailPastEnd(line);
+    return length;
+}
+
+// Logs and throws 2023 for the value at the position, which does not end inside the content.
+void CBxDataStream::FailPastEnd(int line) {
     const unsigned char* end = ContentEnd();
-    const unsigned char* valueEnd = m_position < end ? std::find_if<const unsigned char*>(
-                                                           m_position, end, qel::streams::endsValue)
-                                                     : end;
-    if (valueEnd < end && valueEnd - m_position <= INT_MAX)
-        return static_cast<int>(valueEnd - m_position);
     const auto length = m_position < end ? end - m_position : 0;
     throw BxTrace_Error_SL(kStreamSourceName, line, Excerpt(m_storage, ContentSize()).text,
                            static_cast<long>(std::min<std::ptrdiff_t>(length, INT_MAX)),

@@ -199,10 +199,11 @@ class QELUTILITY_API CBxDataStream : public CBxBuffer {
     CBxDataStream& operator>>(long long& value);
     CBxDataStream& operator>>(unsigned long long& value);
     ///@}
-    /// Reads a text; "" at the terminator. `text` must have room for the value and a terminator; a
-    /// null one skips the value.
+    /// Reads a text; "" at the terminator. Where neither a separator nor a zero byte follows before
+    /// the end of the storage the text is "" and the position stays. `text` must have room for the
+    /// value and a terminator; a null one skips the value.
     CBxDataStream& operator>>(char* text);
-    /// Reads a text; an allocated empty one at the terminator and for an empty value.
+    /// Reads a text likewise; an allocated empty one for "".
     CBxDataStream& operator>>(VStr& text);
     ///@{
     /// Appends the elements of a list; a negative count is an empty list.
@@ -226,6 +227,7 @@ class QELUTILITY_API CBxDataStream : public CBxBuffer {
     QELUTILITY_LOCAL unsigned long long ReadNumber();
     QELUTILITY_LOCAL int ReadCount();
     QELUTILITY_LOCAL int ValueLength(int line);
+    [[noreturn]] QELUTILITY_LOCAL void FailPastEnd(int line);
     QELUTILITY_LOCAL void PassValue(int length);
 
     unsigned char* ContentEnd() const { return m_storage + ContentSize(); }

@@ -40,8 +40,9 @@ QELUTILITY_API const char* QELUTILITY_CALL MD5String(const char* text, char* out
 
 /// Enciphers a text: 16 lower-case hexadecimal digits for each 8 characters or part of them.
 /// 0, or ZQUT_OUTPUT_TOO_SMALL when outSize is below the number of digits (`out` stays as it was).
-/// `out` is cleared over all of outSize; a terminator needs one byte more than the digits, and with
-/// outSize equal to their number none is written. A null text counts as empty.
+/// `out` is cleared over all of outSize. The digits are always terminated: with outSize equal to
+/// their number the NUL is written to out[outSize], for which the caller has room. With outSize 0
+/// an empty text writes nothing. A null text counts as empty.
 ///
 /// The code is for texts whose enciphered blocks hold no zero byte: such a block, about one in
 /// forty, will not decode to its text. The cipher is no protection against anyone who has this

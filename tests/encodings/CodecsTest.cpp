@@ -187,7 +187,10 @@ TEST(EncipheredCode, HasItsCodes) {
     EXPECT_EQ(out[0], '~') << "not cleared";
     EXPECT_EQ(ZQUT_EncodeToString("123456789", out.data(), -1), ZQUT_OUTPUT_TOO_SMALL);
     EXPECT_EQ(ZQUT_EncodeToString("123456789", out.data(), 32), 0);
-    EXPECT_EQ(out[32], '~') << "no terminator beyond the size";
+    EXPECT_EQ(std::strlen(out.c_str()), 32U) << "terminated beyond the size";
+    EXPECT_EQ(out[33], '~');
+    EXPECT_EQ(ZQUT_EncodeToString("", &out[33], 0), 0);
+    EXPECT_EQ(out[33], '~');
 
     const struct {
         const char* hex;

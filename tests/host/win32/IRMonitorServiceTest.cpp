@@ -42,6 +42,12 @@ class InstalledService {
         SERVICE_STATUS status{};
         return QueryServiceStatus(service_, &status) != FALSE ? status.dwCurrentState : 0;
     }
+    // Asks for the start or the stop and does not wait for it.
+    bool beginStart() { return StartServiceA(service_, 0, nullptr) != FALSE; }
+    bool beginStop() {
+        SERVICE_STATUS status{};
+        return ControlService(service_, SERVICE_CONTROL_STOP, &status) != FALSE;
+    }
     bool pause() {
         SERVICE_STATUS status{};
         if (ControlService(service_, SERVICE_CONTROL_PAUSE, &status) == FALSE) return false;
@@ -67,6 +73,22 @@ TEST(IRMonitorRealService, IsFoundStartedPausedAndStopped) {
     EXPECT_TRUE(manager->startIrMon());
     EXPECT_EQ(service.state(), static_cast<DWORD>(SERVICE_RUNNING));
     EXPECT_TRUE(manager->startIrMon()) << "running already";
+    EXPECT_TRUE(manager->stopIrMon());
+    EXPECT_EQ(service.state(), static_cast<DWORD>(SERVICE_STOPPED));
+
+    // One that is starting or stopping is waited for, though it refuses to be asked.
+    ASSERT_TRUE(service.beginStart());
+    ASSERT_EQ(service.state(), static_cast<DWORD>(SERVICE_START_PENDING));
+    EXPECT_TRUE(manager->stopIrMon());
+    EXPECT_EQ(service.state(), static_cast<DWORD>(SERVICE_STOPPED));
+    ASSERT_TRUE(service.beginStart());
+    ASSERT_EQ(service.state(), static_cast<DWORD>(SERVICE_START_PENDING));
+    EXPECT_TRUE(manager->startIrMon());
+    ASSERT_TRUE(service.beginStop());
+    ASSERT_EQ(service.state(), static_cast<DWORD>(SERVICE_STOP_PENDING));
+    EXPECT_TRUE(manager->startIrMon());
+    ASSERT_TRUE(service.beginStop());
+    ASSERT_EQ(service.state(), static_cast<DWORD>(SERVICE_STOP_PENDING));
     EXPECT_TRUE(manager->stopIrMon());
     EXPECT_EQ(service.state(), static_cast<DWORD>(SERVICE_STOPPED));
 

@@ -4,6 +4,8 @@
 
 namespace {
 
+constexpr DWORD kPending = 700;  // milliseconds
+
 SERVICE_STATUS_HANDLE statusHandle = nullptr;
 HANDLE stopped = nullptr;
 
@@ -42,10 +44,10 @@ void WINAPI serviceMain(DWORD, LPSTR*) {
     char name[] = "IrMon";
     statusHandle = RegisterServiceCtrlHandlerA(name, handle);
     report(SERVICE_START_PENDING);
-    Sleep(300);
+    Sleep(kPending);
     report(SERVICE_RUNNING);
     WaitForSingleObject(stopped, INFINITE);
-    Sleep(300);
+    Sleep(kPending);
     report(SERVICE_STOPPED);
 }
 
