@@ -80,6 +80,7 @@ class ZoneStore {
     }
 
     KnownZones known;
+    ZoneNamings namings;
 
   private:
     std::size_t bytes_ = 0;
@@ -270,8 +271,9 @@ class Converter::File {
         }
         ZonePtr made;
         if (tz_) made = zoneOfLines(*tz_, daylight_, zoneName_);
-        zone_ = FileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_,
-                         vCalReader_.chosenZone(), owner_.zones_->known.world);
+        zone_ =
+            FileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_, vCalReader_.chosenZone(),
+                     owner_.zones_->namings, owner_.zones_->known.world);
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
         owner_.writer().makeUidsDistinct(choices_.distinctUids);
@@ -405,7 +407,7 @@ class Converter::File {
         if (made == nullptr || entryZone_.zone() == nullptr ||
             entryZone_.zone()->id() != made->id())
             entryZone_ = FileZone(std::move(made), tz->number, name, vCalReader_.chosenZone(),
-                                  owner_.zones_->known.world);
+                                  owner_.zones_->namings, owner_.zones_->known.world);
         return entryZone_;
     }
 

@@ -27,7 +27,7 @@ ZonePtr renamed(const ZonePtr& zone, const std::string& name) {
 }  // namespace
 
 FileZone::FileZone(ZonePtr made, std::size_t line, const std::string& name, const ZonePtr& chosen,
-                   WorldZones& world)
+                   ZoneNamings& namings, WorldZones& world)
     : zone_(std::move(made)), line_(line) {
     const auto known = findWorldZone(name);
     if (zone_ == nullptr) {
@@ -40,14 +40,15 @@ FileZone::FileZone(ZonePtr made, std::size_t line, const std::string& name, cons
     }
     if (!known) chosen_ = chosen;
     nameReported_ = known.has_value();
-    naming_.emplace(zone_, known ? world.zone(*known) : chosen, world);
+    naming_ = namings.of(std::move(zone_), known ? world.zone(*known) : chosen, world);
+    zone_ = naming_->made();
 }
 
 void FileZone::settle(Entry& entry, const NoteSink& sink) {
-    if (!naming_ || entry.zone != zone_) return;
+    if (naming_ == nullptr || entry.zone != zone_) return;
     if (!isLocal(entry.start) && !isLocal(entry.end) && !isLocal(entry.due)) return;
     const bool lines = zone_->parts().daylight.has_value();
-    if (!lines && !naming_->hasWish()) return;
+    if (!lines && naming_->wanted() == nullptr) return;
     ZonePtr named = naming_->zoneFrom(firstYearOf(entry));
     Years years{};
     if (named == nullptr) {

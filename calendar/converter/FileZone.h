@@ -4,7 +4,7 @@
 #define QEL_CALENDAR_CONVERTER_FILEZONE_H
 
 #include <cstddef>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "calendar/base/Notes.h"
@@ -20,7 +20,7 @@ class FileZone {
     // `made` comes from the lines, or is null; `line` is the number of TZ; `name` is what the file
     // calls it, or empty; `chosen` is what a person chose for times without a zone, or null.
     FileZone(ZonePtr made, std::size_t line, const std::string& name, const ZonePtr& chosen,
-             WorldZones& world);
+             ZoneNamings& namings, WorldZones& world);
 
     // For reading the entries.
     [[nodiscard]] const ZonePtr& zone() const { return zone_; }
@@ -34,7 +34,7 @@ class FileZone {
     ZonePtr zone_;
     std::size_t line_ = 0;
     ZonePtr chosen_;
-    std::optional<ZoneNaming> naming_;
+    std::shared_ptr<const ZoneNaming> naming_;
     bool nameReported_ = false;
     bool chosenReported_ = false;
     bool yearsReported_ = false;

@@ -81,4 +81,13 @@ const ZonePtr& ZoneNaming::zoneFor(int first, int last) const {
     return found == candidates_.end() ? made_ : *found;
 }
 
+std::shared_ptr<const ZoneNaming> ZoneNamings::of(ZonePtr made, ZonePtr wanted, WorldZones& world) {
+    // All of a zone made of lines follows from them.
+    const bool same = last_ != nullptr && last_->wanted() == wanted &&
+                      last_->made()->parts().ownLines == made->parts().ownLines;
+    if (!same)
+        last_ = std::make_shared<const ZoneNaming>(std::move(made), std::move(wanted), world);
+    return last_;
+}
+
 }  // namespace qel::calendar

@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_ZONES_ZONENAMING_H
 #define QEL_CALENDAR_ZONES_ZONENAMING_H
 
+#include <memory>
 #include <vector>
 
 #include "calendar/zones/WorldZones.h"
@@ -16,7 +17,8 @@ class ZoneNaming {
     // REQUIRES: `made` comes from zoneFromVCalendar.
     ZoneNaming(ZonePtr made, ZonePtr wanted, WorldZones& world);
 
-    [[nodiscard]] bool hasWish() const { return wanted_ != nullptr; }
+    [[nodiscard]] const ZonePtr& made() const { return made_; }
+    [[nodiscard]] const ZonePtr& wanted() const { return wanted_; }
 
     // The zone for an entry of the years `first` to `last`. The wanted one, where the lines agree
     // with it; without lines for daylight time, where its clocks agree in those years. Else, where
@@ -42,6 +44,17 @@ class ZoneNaming {
     std::vector<ZonePtr> candidates_;
     // From then on the first candidate agrees in all years that the lines say something about.
     int firstSteadyYear_ = kNever;
+};
+
+// Keeps what it found last: to look through all zones takes longer than to convert an entry, and a
+// phone that writes a calendar for each entry writes the same lines in all of them. One thread.
+class ZoneNamings {
+  public:
+    // As the constructor of ZoneNaming takes them.
+    std::shared_ptr<const ZoneNaming> of(ZonePtr made, ZonePtr wanted, WorldZones& world);
+
+  private:
+    std::shared_ptr<const ZoneNaming> last_;
 };
 
 }  // namespace qel::calendar
