@@ -14,6 +14,7 @@
 
 #include "QelCalendar/All.h"
 #include "QelUtility/RRule.h"
+#include "support/Resources.h"
 
 namespace {
 
@@ -109,6 +110,35 @@ TEST(Interface, PiecesOfAnySizeConvertAlike) {
                   converted(whole.text, QELCAL_VCALENDAR, whole.text.size()));
     }
     EXPECT_EQ(qelcal::convert(phone), whole.text);
+}
+
+// Of a calendar that has ended, no more stays than what finds an entry that comes a second time.
+TEST(Interface, MemoryStaysWithinBoundsOverManyCalendars) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer keeps what was freed";
+#endif
+    qelcal::Converter converter(QELCAL_OTHER, [](const char*, std::size_t) {});
+    converter.beginFile("phone.vcs");
+    int calendars = 0;
+    const auto convert = [&](int count) {
+        for (const int end = calendars + count; calendars < end; ++calendars) {
+            const std::string text =
+                "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nTZ:+01\r\n"
+                "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z;CET;CEST\r\n"
+                "BEGIN:VEVENT\r\nUID:" +
+                std::to_string(calendars) +
+                "\r\nDTSTART:20050601T090000\r\nSUMMARY:" + std::string(500, 'a') +
+                "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+            converter.write(text.data(), text.size());
+        }
+        return qel::test::memoryInUse();
+    };
+    constexpr int kMore = 10000;
+    const std::size_t before = convert(1000);
+    const std::size_t after = convert(kMore);
+    converter.endFile();
+    converter.finish();
+    EXPECT_LT(after, before + std::size_t{kMore} * 300);
 }
 
 TEST(Interface, EntriesOfAPhone) {
