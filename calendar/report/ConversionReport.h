@@ -1,4 +1,4 @@
-// The report of a conversion as one HTML page: no script, no other file. One thread.
+// The report of a conversion as one HTML page without other files. One thread.
 #ifndef QEL_CALENDAR_REPORT_CONVERSIONREPORT_H
 #define QEL_CALENDAR_REPORT_CONVERSIONREPORT_H
 

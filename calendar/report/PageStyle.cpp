@@ -14,6 +14,10 @@ h1{font-size:2rem;line-height:1.2;margin:0;letter-spacing:-.02em}
 h2{font-size:1.15rem;margin:2.5rem 0 .75rem;overflow-wrap:anywhere}
 h3{font-size:1.05rem;line-height:1.35;margin:0;overflow-wrap:anywhere}
 p{margin:.25rem 0}a{color:var(--mark)}bdi,code{unicode-bidi:isolate}
+[hidden]{display:none!important}
+.find{margin:1.5rem 0 0;display:flex;flex-wrap:wrap;align-items:center;gap:.35rem .75rem}
+.find input{font:inherit;flex:0 1 20rem;min-width:0;padding:.35rem .75rem;border:1px solid var(--soft);border-radius:.5rem;
+background:var(--card);color:var(--ink)}.find output{color:var(--soft)}
 :focus-visible{outline:3px solid var(--mark);outline-offset:2px}
 .sub,.soft,.more{color:var(--soft)}
 .v{position:absolute;width:1px;height:1px;overflow:hidden;clip-path:inset(50%);white-space:nowrap}
@@ -35,10 +39,10 @@ border-radius:.75rem;padding:.85rem .8rem}
 border-radius:2rem;background:var(--card);cursor:pointer;font-size:.9375rem}
 .pick:checked+label{background:var(--mark);border-color:var(--mark);color:var(--onmark)}
 .pick:focus-visible+label{outline:3px solid var(--mark);outline-offset:2px}
-#some:checked~main .fine,#few:checked~main .fine,#few:checked~main .changed,#bad:checked~main .fine,
-#bad:checked~main article:not(.serious){display:none}
-#some:checked~main section:not(:has(.changed,.lost,.about)),#bad:checked~main section:not(:has(.serious,.about)),
-#few:checked~main section:not(:has(.lost,.about)){display:none}
+#some:checked~#entries .fine,#few:checked~#entries .fine,#few:checked~#entries .changed,#bad:checked~#entries .fine,
+#bad:checked~#entries article:not(.serious){display:none}
+#some:checked~#entries section:not(:has(.changed,.lost,.about)),#bad:checked~#entries section:not(:has(.serious,.about)),
+#few:checked~#entries section:not(:has(.lost,.about)){display:none}
 article{display:grid;grid-template-columns:minmax(0,1fr) auto;gap:.25rem 1.5rem;background:var(--card);
 border:1px solid var(--line);border-left:4px solid var(--good);border-radius:.5rem .75rem .75rem .5rem;
 padding:1rem 1.25rem;margin:0 0 .75rem;content-visibility:auto;contain-intrinsic-size:auto 13rem}
@@ -85,7 +89,7 @@ footer{margin-top:3rem;color:var(--soft);font-size:.875rem}
 .tiles div{padding:.6rem .75rem}.tiles dd{font-size:1.35rem}.tiles dt{font-size:.8125rem;line-height:1.3;white-space:normal}}
 @media print{:root{color-scheme:light;--page:#fff;--card:#fff;--ink:#000;--soft:#444;--line:#bbb;--fill:#f4f4f4;
 --good:#1a6b4a;--mark:#1f5fbf;--onmark:#fff;--change:#8a5a00;--lost:#b3261e}
-body{max-width:none;padding:0;font-size:10pt}.pick,.pick+label{display:none}
+body{max-width:none;padding:0;font-size:10pt}.find,.pick,.pick+label{display:none}
 article,.files tr,.m{break-inside:avoid}article{content-visibility:visible}h2{break-after:avoid}
 details:not([open]){display:none}.m .o{print-color-adjust:exact;-webkit-print-color-adjust:exact}}
 )css";

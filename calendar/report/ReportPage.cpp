@@ -5,6 +5,7 @@
 
 #include "calendar/report/Html.h"
 #include "calendar/report/MonthTables.h"
+#include "calendar/report/PageScript.h"
 #include "calendar/report/PageStyle.h"
 #include "calendar/zones/WorldZones.h"
 
@@ -129,11 +130,13 @@ std::string pageBegin(const std::string& remark, const Totals& totals) {
         "<!DOCTYPE html>\n<html lang=en><head><meta charset=utf-8>\n"
         "<meta name=viewport content='width=device-width,initial-scale=1'>\n"
         "<meta http-equiv=Content-Security-Policy content=\"default-src 'none'; style-src "
-        "'unsafe-inline'\">\n<title>Conversion report</title><style>";
+        "'unsafe-inline'; script-src '";
+    text += kPageScriptDigest;
+    text += "'\">\n<title>Conversion report</title><style>";
     text += kPageStyle;
     text += "</style></head>\n<body><header><h1>Conversion report</h1>";
     if (!remark.empty()) text += "<p class=sub>" + html(remark) + "</p>";
-    return text + tiles(totals) + "</header>\n";
+    return text + tiles(totals) + "</header>\n<main>\n";
 }
 
 std::string lookFirst(const std::vector<NoteGroup>& groups) {
@@ -176,12 +179,14 @@ std::string fileRow(std::size_t number, const FileOutcome& file) {
 
 std::string entriesBegin() {
     return "</table></div></details>\n"
+           "<p class=find hidden><label for=find>Search the entries</label> <input type=search "
+           "id=find> <output id=found for=find></output></p>\n"
            "<input class=pick type=radio name=show id=all checked><label for=all>All "
            "entries</label>"
            "<input class=pick type=radio name=show id=some><label for=some>With changes</label>"
            "<input class=pick type=radio name=show id=bad><label for=bad>With warnings</label>"
            "<input class=pick type=radio name=show id=few><label for=few>Not all carried "
-           "over</label>\n<main>\n";
+           "over</label>\n<div id=entries>\n";
 }
 
 std::string fileBegin(std::size_t number, const std::string& name) {
@@ -234,7 +239,8 @@ std::string fileEnd(const NoteList& notes) {
 }
 
 std::string pageEnd() {
-    return "</main><footer><p>Converted: the entry is in the result. Changed: a message says what "
+    return "</div></main><footer><p>Converted: the entry is in the result. Changed: a message says "
+           "what "
            "was corrected or kept under another name. Not carried over: part of the entry is "
            "missing from the result.</p><p>In the months, days on which an entry takes place are "
            "filled, and days excluded from its series are struck through. The first " +
@@ -242,7 +248,8 @@ std::string pageEnd() {
            " months of a series are shown.</p><p>Time zones by name are those of the IANA "
            "database, "
            "version " +
-           html(worldZoneVersion()) + ".</p></footer></body></html>\n";
+           html(worldZoneVersion()) + ".</p></footer><script>" + kPageScript +
+           "</script></body></html>\n";
 }
 
 }  // namespace qel::calendar

@@ -1,7 +1,7 @@
 /// @file
-/// A page (HTML, no script, nothing from outside) about every entry of one or several conversions.
-/// It is written in two streams, because its top is known only at the end: the page is the head
-/// followed by the body. One object belongs to one thread at a time.
+/// A page (HTML, nothing from outside, no script but that of its own search box) about every entry
+/// of one or several conversions. It is written in two streams, because its top is known only at
+/// the end: the page is the head followed by the body. One object belongs to one thread at a time.
 #ifndef QELCALENDAR_REPORT_H
 #define QELCALENDAR_REPORT_H
 

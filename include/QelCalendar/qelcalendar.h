@@ -572,9 +572,9 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_counts(const qelcal_conver
 /* --- The report --------------------------------------------------------------------------------
  */
 
-/** A page (HTML, no script, nothing from outside) about every entry of one or several conversions.
- * It is written in two streams, because its top is known only at the end and memory stays bounded:
- * the page is the head followed by the body. */
+/** A page (HTML, nothing from outside, no script but that of its own search box) about every entry
+ * of one or several conversions. It is written in two streams, because its top is known only at the
+ * end and memory stays bounded: the page is the head followed by the body. */
 typedef struct qelcal_report qelcal_report;
 
 /** A report whose body goes to `body` as it comes. Null when memory is exhausted or `body` is null.
