@@ -97,6 +97,9 @@ if(QEL_BUILD_PROGRAM)
     install(TARGETS qelutil RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/json/qelutil.schema.json
             DESTINATION ${CMAKE_INSTALL_DATADIR}/qelutil COMPONENT program)
+    # PowerShell has no folder for the completions of others: a person's profile names the file.
+    install(FILES ${PROJECT_SOURCE_DIR}/tools/qelutil/completions/qelutil.ps1
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/qelutil COMPONENT program)
 endif()
 if(QEL_BUILD_PROGRAM AND NOT WIN32)
     if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")

@@ -187,6 +187,35 @@ std::string fishOption(const PageOption& option, const std::string& condition) {
     return text + "\n";
 }
 
+// "--to|ics for iCalendar": one string of a PowerShell list.
+std::string powerShellWord(const std::string& name, const std::string& description) {
+    return "                '" + name + "|" + quoted(shortened(description), "''") + "'\n";
+}
+
+std::string powerShellCommand(const PageCommand& command, const std::string& words) {
+    std::string options;
+    std::string values;
+    std::string own;
+    for (const PageOption& option : command.options) {
+        const std::string choices = "'" + joined(option.choices, "', '") + "'";
+        if (option.positional) {
+            for (const std::string& each : option.choices)
+                own += "                '" + each + "|'\n";
+            continue;
+        }
+        for (const std::string& name : option.names) {
+            options += powerShellWord(name, option.description);
+            if (option.argument == Argument::Choice)
+                values += "                '" + name + "' = @(" + choices + ")\n";
+        }
+    }
+    for (const PageCommand& each : command.commands)
+        own += powerShellWord(each.name, each.description);
+    return "        '" + words + "' = @{\n            Options = @(\n" + options +
+           "            )\n            Values = @{\n" + values +
+           "            }\n            Words = @(\n" + own + "            )\n        }\n";
+}
+
 }  // namespace
 
 std::string bashCompletion(const PageCommand& program) {
@@ -311,6 +340,58 @@ complete -c qelutil -n '__qelutil_only' -F
             text += fishOption(option, "__qelutil_at " + words);
     });
     return text;
+}
+
+std::string powerShellCompletion(const PageCommand& program) {
+    std::string text = std::string(
+                           "# PowerShell completion for qelutil: the line\n"
+                           "#     . FOLDER\\qelutil.ps1\n"
+                           "# in the file that $PROFILE names loads it.\n") +
+                       kHead + R"(
+Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -ScriptBlock {
+    param($current, $line, $cursor)
+
+    # Of each command: its options, the values that an option takes, and the words that follow it. What
+    # follows a bar explains the word before it.
+    $commands = @{
+)" + powerShellCommand(program, "");
+    visitCommands(program, "", [&](const PageCommand& command, const std::string& words) {
+        text += powerShellCommand(command, words);
+    });
+    // PowerShell completes the names of files where nothing else is offered.
+    return text + R"(    }
+
+    $command = ''
+    $previous = ''
+    foreach ($element in $line.CommandElements | Select-Object -Skip 1) {
+        if ($element.Extent.EndOffset -ge $cursor) { break }
+        $previous = $element.Extent.Text
+        if ($commands.ContainsKey("$command $previous".Trim())) {
+            $command = "$command $previous".Trim()
+        }
+    }
+
+    $known = $commands[$command]
+    $option = ''
+    if ($current -match '^(--[a-z-]+)=(.*)$') {
+        # "--to=ics" is one word.
+        $option = $Matches[1] + '='
+        $previous = $Matches[1]
+        $current = $Matches[2]
+    }
+    if ($known.Values.ContainsKey($previous)) { $offered = $known.Values[$previous] }
+    elseif ($option) { $offered = @() }
+    elseif ($current.StartsWith('-')) { $offered = $known.Options }
+    else { $offered = $known.Words }
+
+    foreach ($each in $offered) {
+        $word, $explanation = $each -split '\|', 2
+        if (-not $word.StartsWith($current, 'Ordinal')) { continue }
+        if (-not $explanation) { $explanation = $word }
+        [System.Management.Automation.CompletionResult]::new("$option$word", $word, 'ParameterValue', $explanation)
+    }
+}
+)";
 }
 
 }  // namespace qel::cli

@@ -17,6 +17,7 @@ namespace qel::cli {
 [[nodiscard]] std::string bashCompletion(const PageCommand& program);
 [[nodiscard]] std::string zshCompletion(const PageCommand& program);
 [[nodiscard]] std::string fishCompletion(const PageCommand& program);
+[[nodiscard]] std::string powerShellCompletion(const PageCommand& program);
 
 // docs/notes.md: each note of the calendar library, what it means and what to do.
 [[nodiscard]] std::string notesDocument();

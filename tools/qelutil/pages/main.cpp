@@ -43,6 +43,7 @@ int main(int argc, char** argv) {
         write(completions / "qelutil.bash", bashCompletion(program));
         write(completions / "_qelutil", zshCompletion(program));
         write(completions / "qelutil.fish", fishCompletion(program));
+        write(completions / "qelutil.ps1", powerShellCompletion(program));
         write(fs::path(argv[1]) / "docs" / "notes.md", notesDocument());
         write(fs::path(argv[1]) / "include" / "QelCalendar" / "qelcalnotes.h", notesHeader());
     } catch (const std::exception& problem) {
