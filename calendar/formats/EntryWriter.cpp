@@ -31,11 +31,14 @@ void EntryWriter::beginEntry() {
 
 EntryWriter::Verdict EntryWriter::judge(const Entry& entry,
                                         std::initializer_list<std::string_view> content) {
-    if (entry.uid.empty()) return {};
+    // The same entry of two files has the same made UID.
+    const bool made = entry.uid.empty();
+    const std::string& own = made ? entry.madeUid : entry.uid;
+    if (own.empty()) return {};
     std::string instance;
     if (entry.recurrenceId)
         instance = formatMoment(entry.toUtc(*entry.recurrenceId).value_or(*entry.recurrenceId));
-    const ContentDigest key = contentDigest({entry.uid, instance, entry.component});
+    const ContentDigest key = contentDigest({own, instance, entry.component});
     const ContentDigest body = contentDigest(content);
     const ContentDigest all{key.low ^ body.low, key.high + body.high};
     const WrittenEntries::Found found = written_.add(key, all);
@@ -43,16 +46,17 @@ EntryWriter::Verdict EntryWriter::judge(const Entry& entry,
         report(Note(NoteCode::EntryTwice, entry.line));
         return {true, ""};
     }
-    const auto series = newUids_.find(entry.uid);
+    const auto series = newUids_.find(own);
     if (entry.recurrenceId && series != newUids_.end()) return {false, series->second};
     if (found == WrittenEntries::Found::Nothing) return {};
-    if (!distinctUids_) {
+    if (!made && !distinctUids_) {
         report(Note(NoteCode::UidShared, entry.line, {entry.uid.substr(0, kLongestExcerpt)}));
         return {};
     }
     constexpr std::string_view kHex = "0123456789abcdef";
-    std::string uid = entry.uid + "-";
+    std::string uid = own + "-";
     for (unsigned shift = 0; shift < 64; shift += 4) uid += kHex[(body.low >> shift) & 0x0FU];
+    if (made) return {false, uid};
     report(Note(NoteCode::UidMadeDistinct, entry.line,
                 {entry.uid.substr(0, kLongestExcerpt), uid.substr(0, 2 * kLongestExcerpt)}));
     if (!entry.recurrenceId && newUids_.size() < kMostNewUids) newUids_[entry.uid] = uid;

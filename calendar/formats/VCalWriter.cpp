@@ -142,13 +142,19 @@ void VCalWriter::write(const Entry& read) {
     SettledEntry settled = settledForVCalendar(read);
     report(std::move(settled.notes));
     addLines(settled);
-    // An export has a DTSTAMP of its own.
-    const std::string_view lines = lines_;
+    // An export has a DTSTAMP of its own, and may have made the UID, which comes first.
+    std::string_view lines = lines_;
+    if (!read.uid.empty()) lines.remove_prefix(lines.find('\n') + 1);
     const std::size_t stamp = std::min(lines.find("X-ICAL-DTSTAMP:"), lines.size());
     const std::size_t rest = std::min(lines.find('\n', stamp), lines.size());
-    const Verdict verdict = judge(settled.entry(), {lines.substr(0, stamp), lines.substr(rest)});
+    // What a local time means stands in the calendar's lines and not in the entry's.
+    const std::string_view zone =
+        read.zone != nullptr && uses(read, Clock::Zoned) ? read.zone->id() : std::string_view();
+    const Verdict verdict =
+        judge(settled.entry(), {lines.substr(0, stamp), lines.substr(rest), zone});
     if (verdict.twice) return beginEntry();
-    if (!verdict.uid.empty()) {
+    // This format demands no UID of an entry that came without one.
+    if (!verdict.uid.empty() && !read.uid.empty()) {
         settled.change().uid = verdict.uid;
         addLines(settled);
     }

@@ -248,6 +248,30 @@ TEST(Convert, FilesBecomeOneCalendarAndEachEntryIsInItOnce) {
     }
 }
 
+// A copy of a file is written once; the same lines in another zone are another entry.
+TEST(Convert, EntriesWithoutUidAreKnownAgain) {
+    const std::string lines = "SUMMARY:a\nDTSTART:20050601T090000\n";
+    const std::string file = vcalendarWith(lines);
+    const std::string zoned = vcalendarWith(lines, "TZ:+01\n");
+    for (const CalendarFormat to : {CalendarFormat::ICalendar, CalendarFormat::VCalendar10}) {
+        std::ostringstream out;
+        Converter converter(out, to, [](const Note&) {});
+        for (const std::string& each : {file, zoned, file, toICalendar(file).out}) {
+            converter.beginFile("test");
+            converter.write(each);
+            converter.endFile();
+        }
+        converter.finish();
+        EXPECT_EQ(countOf(out.str(), "BEGIN:VEVENT"), 2u) << out.str();
+        const std::size_t uid = out.str().find("UID:");
+        if (to == CalendarFormat::ICalendar)
+            EXPECT_EQ(
+                countOf(out.str(), out.str().substr(uid, out.str().find("\r\n", uid) + 2 - uid)),
+                1u)
+                << out.str();
+    }
+}
+
 TEST(Convert, CalendarsAreReadAsWhatTheyAre) {
     const std::string entry =
         "BEGIN:VEVENT\nUID:1\nDTSTAMP:20050101T000000Z\nDTSTART:20050601T090000Z\n"
