@@ -92,9 +92,10 @@ class Entry {
     }
     /// Its first `most` occurrences (0: all through 2499), without those that are taken out.
     std::vector<Time> occurrences(std::size_t most) const { return list(nullptr, nullptr, most); }
-    /// Its occurrences from `since` through `through`.
-    std::vector<Time> occurrences(const Time& since, const Time& through) const {
-        return list(&since, &through, 0);
+    /// Its occurrences from `since` through `through`, the first `most` of them (0: all).
+    std::vector<Time> occurrences(const Time& since, const Time& through,
+                                  std::size_t most = 0) const {
+        return list(&since, &through, most);
     }
     /// Its alarms; their texts last as long as the entry.
     std::vector<qelcal_alarm> alarms() const {

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t kWhenColumns = 13;
 constexpr std::size_t kLongestText = 200;  // of one line
+constexpr int kMostDaysMarked = 366;       // of one event
 
 std::string clockText(const Time& time) {
     const auto two = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
@@ -70,13 +71,31 @@ std::int64_t dayOf(std::int64_t seconds) {
 
 }  // namespace
 
+std::vector<Time> Agenda::occurrencesInRange(const qelcal::Entry& entry) const {
+    const Time since = range_.since.value_or(dateOf(0));
+    std::vector<Time> all;
+    const auto end = endFor(entry, since);
+    if (end && entry.kind() == QELCAL_EVENT && end->seconds() > since.seconds()) {
+        const std::int64_t length = end->seconds() - since.seconds();
+        const auto earliest = moved(since, -length);
+        const auto justBefore =
+            moved(since.is_date != 0 ? momentAt(since.seconds(), false) : since, -1);
+        if (earliest && justBefore) all = entry.occurrences(*earliest, *justBefore);
+        std::erase_if(all,
+                      [&](const Time& each) { return each.seconds() + length <= since.seconds(); });
+    }
+    for (const Time& each :
+         entry.occurrences(since, range_.through.value_or(dateOf(kLastDay)), range_.most))
+        all.push_back(each);
+    return all;
+}
+
 std::vector<Time> Agenda::occurrencesOf(const qelcal::Entry& entry) const {
     if (!range_.everyDate) {
         auto first = entry.occurrences(1);
         if (!first.empty()) return first;
     } else if (entry.has(QELCAL_START)) {
-        return entry.occurrences(range_.since.value_or(dateOf(0)),
-                                 range_.through.value_or(dateOf(kLastDay)));
+        return occurrencesInRange(entry);
     }
     const std::optional<Time> place = placeOf(entry);
     if (!place) return {};
@@ -143,16 +162,28 @@ Agenda::Line Agenda::lineOf(const qelcal::Entry& entry, const std::optional<Time
     else if (line.timed && start.clock == QELCAL_ZONED && !entry.zone().empty())
         line.what += " (" + firstLine(entry.zone()) + ")";
     const std::optional<Time> end = endFor(entry, *at);
-    if (end && entry.kind() == QELCAL_EVENT) {
-        // The day after the last one ends whole days.
-        const Time last = shown(entry, line.timed ? *end : moved(*end, -1).value_or(*end));
-        if (codeDateOf(last) > codeDateOf(start)) line.what += ", until " + dayText(last);
-    }
+    if (end && entry.kind() == QELCAL_EVENT && end->seconds() > at->seconds())
+        addEnd(line, start, shown(entry, line.timed ? *end : moved(*end, -1).value_or(*end)));
     if (!entry.has(QELCAL_RECURRENCE_ID)) {
         line.uid = entry.uid();
         line.original = at->text();
     }
     return line;
+}
+
+// The day after the last one ends whole days: `last` is before it.
+void Agenda::addEnd(Line& line, const Time& start, const Time& last) const {
+    line.end = last.seconds() - (line.timed ? 1 : 0);
+    int day = codeDateOf(start);
+    if (range_.since && start.seconds() < range_.since->seconds()) {
+        day = codeDateOf(*range_.since);
+        const bool endsThen = line.timed && codeDateOf(last) == day;
+        line.when = endsThen ? "until " + clockText(last) : "goes on";
+        line.what += ", since " + dayText(start);
+        line.at = range_.since->seconds();
+        line.timed = false;
+    }
+    if (codeDateOf(last) > day) line.what += ", until " + dayText(last);
 }
 
 void Agenda::add(const qelcal::Entry& entry) {
@@ -201,9 +232,18 @@ void Agenda::writeDays(std::ostream& out) const {
 
 void Agenda::writeMonths(std::ostream& out) const {
     std::vector<int> days;
-    for (const Line& line : lines_)
-        if (line.at >= 0 && line.at < kEndOfTime)
-            days.push_back(codeDateOf(momentAt(line.at, false)));
+    for (const Line& line : lines_) {
+        if (line.at < 0 || line.at >= kEndOfTime) continue;
+        const int first = codeDateOf(momentAt(line.at, false));
+        int last = line.end > line.at && line.end < kEndOfTime
+                       ? codeDateOf(momentAt(line.end, false))
+                       : first;
+        // What goes on for years need not fill a page for each.
+        last = std::min(last, first + kMostDaysMarked);
+        if (range_.through) last = std::min(last, std::max(first, codeDateOf(*range_.through)));
+        for (int day = first; day <= last; ++day) days.push_back(day);
+    }
+    std::sort(days.begin(), days.end());
     days.erase(std::unique(days.begin(), days.end()), days.end());
     writeDateGrids(out, listed(days));
 }

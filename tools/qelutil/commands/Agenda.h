@@ -24,12 +24,14 @@ class Agenda {
         std::optional<Time> through;
         // False: an entry is shown once, on its first date, with its rule in words.
         bool everyDate = false;
+        std::size_t most = 0;  // dates of each entry from `since` on; 0: all
     };
 
     // Times that are known in UTC are shown in `zone`; without one, each on its own clock.
     Agenda(const Range& range, std::optional<qelcal::Zone> zone) : range_(range), zone_(zone) {}
 
-    // The entry's occurrences in the range; of an entry that does not recur, its start or due time.
+    // The entry's occurrences in the range, one that began before it and goes on included; of an
+    // entry that does not recur, its start or due time.
     [[nodiscard]] std::vector<Time> occurrencesOf(const qelcal::Entry& entry) const;
     void add(const qelcal::Entry& entry);
 
@@ -43,9 +45,10 @@ class Agenda {
 
   private:
     struct Line {
-        std::int64_t at = 0;  // seconds since 1900 on the clock that is shown; kDateless without
-        bool timed = false;   // what takes whole days comes first
-        std::string uid;      // of a series, to find what is replaced
+        std::int64_t at = 0;   // seconds since 1900 on the clock that is shown; kDateless without
+        std::int64_t end = 0;  // of an event that has one
+        bool timed = false;    // what takes whole days comes first
+        std::string uid;       // of a series, to find what is replaced
         std::string original;
         std::string when;  // "09:30-10:30"
         std::string what;
@@ -53,6 +56,9 @@ class Agenda {
     };
     static constexpr std::int64_t kDateless = INT64_MAX;
 
+    [[nodiscard]] std::vector<Time> occurrencesInRange(const qelcal::Entry& entry) const;
+    // What began before the range is shown on its first day.
+    void addEnd(Line& line, const Time& start, const Time& last) const;
     [[nodiscard]] Time shown(const qelcal::Entry& entry, const Time& time) const;
     [[nodiscard]] Line lineOf(const qelcal::Entry& entry, const std::optional<Time>& at) const;
     [[nodiscard]] std::string whenText(const qelcal::Entry& entry,

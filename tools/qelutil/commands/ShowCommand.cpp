@@ -14,6 +14,7 @@
 #include "commands/Agenda.h"
 #include "commands/CalendarInput.h"
 #include "commands/Commands.h"
+#include "platform/Letters.h"
 
 namespace qel::cli {
 
@@ -25,7 +26,7 @@ struct Options {
     std::string through;
     std::vector<std::string> search;
     std::string only;
-    std::size_t next = 0;
+    std::size_t next = 0;  // 0: all
     std::string zone;
     std::string charset;
     bool calendar = false;
@@ -37,6 +38,8 @@ Agenda::Range rangeOf(const Options& options) {
     if (!options.since.empty()) range.since = readMomentOf("--since", options.since);
     if (!options.through.empty()) range.through = readMomentOf("--through", options.through);
     if (options.next != 0 && !range.since) range.since = readMoment("today");
+    range.most = options.next;
+    if (options.next != 0 && !range.through) range.through = dateOf(kLastDay);
     if (range.since && !range.through) {
         // A series may have no end: a year shows its pattern.
         const Time last = later(*range.since, 366 * kDaySeconds);
@@ -60,6 +63,10 @@ std::optional<qelcal::Zone> zoneOf(const Options& options) {
     }
 }
 
+std::string withoutCase(const std::string& text) {
+    return lowerCase(platform::smallLetters(text));
+}
+
 class Show {
   public:
     Show(Context& context, const Options& options)
@@ -67,7 +74,7 @@ class Show {
           options_(options),
           agenda_(rangeOf(options), zoneOf(options)),
           json_(context.out, "show", "entries") {
-        for (const std::string& each : options.search) wanted_.push_back(lowerCase(each));
+        for (const std::string& each : options.search) wanted_.push_back(withoutCase(each));
         try {
             qelcal::Reader nothing;
             choose(nothing);
@@ -136,13 +143,12 @@ class Show {
                 ++remarks_;
     }
 
-    // Letters other than A to Z are compared as they are.
     [[nodiscard]] bool isWanted(const qelcal::Entry& entry) const {
         if (wanted_.empty()) return true;
         std::string text = entry.text("SUMMARY") + "\n" + entry.text("DESCRIPTION") + "\n" +
                            entry.text("LOCATION");
         for (const std::string& each : entry.values("CATEGORIES")) text += "\n" + each;
-        text = lowerCase(std::move(text));
+        text = withoutCase(text);
         return std::all_of(wanted_.begin(), wanted_.end(), [&](const std::string& each) {
             return text.find(each) != std::string::npos;
         });
@@ -196,11 +202,12 @@ void addShowCommand(CLI::App& app, Context& context) {
                      "the last day, a year after the first when it is missing")
         ->option_text("DATE");
     command->add_option("--next", options->next, "the next so many from today on, or from --since")
+        ->check(CLI::Range(1, 100000))
         ->option_text("NUMBER");
     command
         ->add_option("--search", options->search,
-                     "only what has this in its title, text, place or categories; may be\n"
-                     "repeated")
+                     "only what has this in its title, text, place or categories; of\n"
+                     "several --search, all of them")
         ->option_text("WORD")
         ->allow_extra_args(false);
     command
@@ -216,7 +223,9 @@ void addShowCommand(CLI::App& app, Context& context) {
         ->add_option("--charset", options->charset,
                      "the character set of text that names none; see convert")
         ->option_text("NAME");
-    command->add_flag("--calendar", options->calendar, "month grids with the days marked");
+    command->add_flag("--calendar", options->calendar,
+                      "month grids with the days marked; without a range the\n"
+                      "first date of each series");
     command->add_flag("--json", options->json, "print each entry with its facts as JSON");
     command->footer(
         "Examples:\n"

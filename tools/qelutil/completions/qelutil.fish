@@ -62,7 +62,7 @@ complete -c qelutil -n '__qelutil_at show' -s h -l help -d 'Print this help mess
 complete -c qelutil -n '__qelutil_at show' -F
 complete -c qelutil -n '__qelutil_at show' -l since -x -d 'the first day'
 complete -c qelutil -n '__qelutil_at show' -l through -x -d 'the last day, a year after the first when it is missing'
-complete -c qelutil -n '__qelutil_at show' -l next -x -d 'the next so many from today on, or from --since'
+complete -c qelutil -n '__qelutil_at show' -l next -x -d 'the next so many from today on, or from --since (1 to 100000)'
 complete -c qelutil -n '__qelutil_at show' -l search -x -d 'only what has this in its title, text, place or categories'
 complete -c qelutil -n '__qelutil_at show' -l only -x -d 'only entries of these kinds, with commas between several'
 complete -c qelutil -n '__qelutil_at show' -l zone -x -d 'the zone in which times are shown, as Europe/Berlin, and that of times without one'
