@@ -105,6 +105,16 @@ class Collector {
                            "endings themselves");
         } else if (isZipArchive(path)) {
             addArchive(name, name, "");
+        } else if (!path.has_filename()) {
+            // "phone/": what only a folder's name can end with.
+            const fs::path folder = path.parent_path();
+            all_.files.push_back({nameOf(folder),
+                                  nameOf(folder.filename()),
+                                  {},
+                                  0,
+                                  name + ": there is no such folder",
+                                  {},
+                                  0});
         } else {
             all_.files.push_back({name, place, {}, sizeOf(path), {}, {}, 0});
         }
