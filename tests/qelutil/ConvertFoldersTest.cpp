@@ -73,6 +73,17 @@ TEST_F(ConvertFolders, ResultsBesideWhatWasNamed) {
     settings.environment = {{"XDG_CONFIG_HOME", state_.path().string()},
                             {"APPDATA", state_.path().string()}};
     EXPECT_TRUE(contains(run({"convert", file}, settings).out, "TZID=Europe/Berlin"));
+    EXPECT_TRUE(contains(run({"--dry-run", "--color", "never", file}).err, "nothing written"));
+    // What does not concern the run, or goes with another option, does not stop it.
+    writeFile(state_.file("qelutil.toml"),
+              "nonsense\n[convrt]\nzone = 1\n[show]\nnext = \"x\"\n[convert]\nsplit = \"1M\"\n"
+              "only = [\"todos\", \"notes\"]\n");
+    const ProcessResult defaults = run({"convert", file}, settings);
+    EXPECT_FALSE(contains(defaults.out, "BEGIN:VEVENT"));
+    EXPECT_TRUE(contains(defaults.err, "[convrt]"));
+    writeFile(state_.file("qelutil.toml"), "[convert]\nto = \"doc\"\n");
+    EXPECT_TRUE(contains(run({"convert", file}, settings).err, "qelutil.toml: to: doc"));
+    EXPECT_EQ(run({"convert", "--help"}, settings).exitCode, 0);
 }
 
 // Every entry is in one piece, each piece is a calendar with its zones, and what has one UID stays

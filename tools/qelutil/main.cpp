@@ -2,12 +2,14 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
+#include <memory>
 #include <new>
 
 #include "base/Failure.h"
 #include "base/Files.h"
 #include "commands/Application.h"
 #include "commands/FirstWords.h"
+#include "commands/Settings.h"
 #include "platform/Console.h"
 
 namespace {
@@ -26,28 +28,21 @@ int usage(Context& context, const CLI::App& app, std::string text) {
     return qel::cli::kExitUsage;
 }
 
-// What the parser says of a line of the settings file, with the file's name.
-std::string badSettings(const CLI::App& app, std::string text) {
-    const std::string prefix = "INI was not able to parse ";
-    if (text.starts_with(prefix))
-        text = "\"" + text.substr(prefix.size()) + "\" is neither an option nor a section";
-    return app.get_config_ptr()->as<std::string>() + ": " + text;
-}
-
 int parseAndRun(Context& context, const std::vector<std::string>& words) {
     CLI::App app;
     qel::cli::addCommands(app, context);
     // A file that is not there is no error unless it was named.
     app.get_config_ptr()->default_str(
         qel::cli::nameOf(qel::cli::platform::settingsFolder() / "qelutil.toml"));
+    const auto settings = std::make_shared<qel::cli::Settings>(app, context);
+    app.config_formatter(settings);
+    app.parse_complete_callback([&settings] { settings->check(); });
     std::vector<std::string> whole;
     try {
         whole = qel::cli::completeWords(app, words);
         app.parse(std::vector<std::string>(whole.rbegin(), whole.rend()));
     } catch (const CLI::ParseError& problem) {
         if (problem.get_exit_code() == 0) return app.exit(problem, context.out, std::cerr);
-        if (dynamic_cast<const CLI::ConfigError*>(&problem) != nullptr)
-            return usage(context, app, badSettings(app, problem.what()));
         const bool isUnknown = dynamic_cast<const CLI::ExtrasError*>(&problem) != nullptr ||
                                dynamic_cast<const CLI::RequiredError*>(&problem) != nullptr;
         const std::string text = isUnknown ? qel::cli::unknownWords(app, whole) : "";

@@ -56,6 +56,13 @@ std::vector<std::string> namesOf(const std::vector<const CLI::App*>& commands) {
     return names;
 }
 
+std::vector<std::string> longNamesOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* each : command.get_options())
+        for (const std::string& name : each->get_lnames()) names.push_back("--" + name);
+    return names;
+}
+
 bool isThere(const std::string& name) {
     std::error_code unknown;
     return std::filesystem::exists(pathOf(name), unknown);
@@ -83,17 +90,42 @@ std::vector<std::string> completeWords(const CLI::App& app, std::vector<std::str
         words.erase(words.begin());
         words.emplace_back("--help");
     }
-    const std::string& first = words[0];
-    if (first.starts_with('-') && !isStandardInput(first)) return words;
-    const auto known = app.get_subcommands([](const CLI::App*) { return true; });
-    if (std::any_of(known.begin(), known.end(),
-                    [&](const CLI::App* each) { return each->check_name(first); }))
-        return words;
-    if (!isStandardInput(first) && !isThere(first) && !looksLikeFile(first))
-        throw UsageError("there is no command or file `" + first + "`" +
-                         didYouMean(nearest(first, namesOf(known))));
-    std::vector<std::string> whole{"convert"};
-    if (!sayWhere(words)) whole.emplace_back("--beside");
+    const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+    const auto isCommand = [&](const std::string& word) {
+        return std::any_of(commands.begin(), commands.end(),
+                           [&](const CLI::App* each) { return each->check_name(word); });
+    };
+    // Options may come before the file: those of the program stay in front of the command.
+    const CLI::App* convert = app.get_subcommand("convert");
+    std::vector<std::string> ofProgram;
+    std::size_t at = 0;
+    while (at < words.size() && words[at].starts_with('-') && !isStandardInput(words[at])) {
+        const std::string name = words[at].substr(0, words[at].find('='));
+        const CLI::Option* own = app.get_option_no_throw(name);
+        const CLI::Option* option = own != nullptr ? own : convert->get_option_no_throw(name);
+        if (option == nullptr)
+            throw UsageError(name + " is unknown here" +
+                             didYouMean(nearest(name, longNamesOf(*convert))));
+        const bool takesNext = option->get_items_expected_max() > 0 && name == words[at];
+        const std::size_t count = std::min<std::size_t>(takesNext ? 2 : 1, words.size() - at);
+        const auto from = words.begin() + static_cast<std::ptrdiff_t>(at);
+        if (own == nullptr) {
+            at += count;
+            continue;
+        }
+        ofProgram.insert(ofProgram.end(), from, from + static_cast<std::ptrdiff_t>(count));
+        words.erase(from, from + static_cast<std::ptrdiff_t>(count));
+    }
+    std::vector<std::string> whole = std::move(ofProgram);
+    const bool isWhole = at == words.size() || isCommand(words[at]);
+    if (!isWhole) {
+        const std::string& first = words[at];
+        if (!isStandardInput(first) && !isThere(first) && !looksLikeFile(first))
+            throw UsageError("there is no command or file `" + first + "`" +
+                             didYouMean(nearest(first, namesOf(commands))));
+        whole.emplace_back("convert");
+        if (!sayWhere(words)) whole.emplace_back("--beside");
+    }
     whole.insert(whole.end(), words.begin(), words.end());
     return whole;
 }
@@ -117,8 +149,7 @@ std::string unknownWords(const CLI::App& app, const std::vector<std::string>& wo
         for (const std::string& each : known) list += (list.empty() ? "" : ", ") + each;
         return "say what to do: " + list;
     }
-    for (const CLI::Option* each : command->get_options())
-        for (const std::string& name : each->get_lnames()) known.push_back("--" + name);
+    for (std::string& each : longNamesOf(*command)) known.push_back(std::move(each));
     return unknown.empty() ? ""
                            : unknown + " is unknown here" + didYouMean(nearest(unknown, known));
 }
