@@ -35,7 +35,7 @@ std::string_view head(std::string_view text) {
 
 // The name of the property that a soft line break leads to.
 std::string swallowedName(const RawLine& raw) {
-    const std::string_view line = head(std::string_view(raw.text).substr(raw.swallowed));
+    const std::string_view line = head(raw.text.view().substr(raw.swallowed));
     return std::string(line.substr(0, line.find_first_of(":;")));
 }
 
@@ -51,8 +51,10 @@ std::size_t costOf(const ContentLine& line) {
 // True for a line that nobody asks for: a property of an entry that is not a zone. BEGIN and END
 // are looked at in every entry.
 bool CalendarReader::passesOver(const RawLine& raw) const {
-    if (contents_ == Contents::All || !inEntry() || component_.name == "VTIMEZONE") return false;
-    const char first = toUpper(trimmed(raw.text).front());
+    if (contents_ == Contents::All || !inEntry() || inZone_) return false;
+    if (raw.id != PropertyName::Unknown)
+        return raw.id != PropertyName::Begin && raw.id != PropertyName::End;
+    const char first = toUpper(trimmed(raw.text.view()).front());
     return first != 'B' && first != 'E';
 }
 
@@ -66,6 +68,7 @@ LineReader::Result CalendarReader::readLine() {
     using Result = LineReader::Result;
     if (std::exchange(pending_, false)) return Result::Line;
     for (;;) {
+        if (contents_ == Contents::OfZones && isAscii_ && inEntry() && !inZone_) lines_.passOver();
         const Result result = lines_.next();
         if (result != Result::Line) return result;
         if (passesOver(lines_.line()))
@@ -76,16 +79,16 @@ LineReader::Result CalendarReader::readLine() {
 }
 
 FoldStyle CalendarReader::foldStyle() const {
-    return inCalendar_ && version_ != "2.0" ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
+    return inCalendar_ && !isICalendar_ ? FoldStyle::VCalendar10 : FoldStyle::ICalendar;
 }
 
 void CalendarReader::showText() {
     if (textSink_ == nullptr) return;
     const RawLine& raw = lines_.line();
-    if (!lines_.isQuotedPrintable() && (isAscii_ || isAscii(raw.text))) return;
+    if (!lines_.isQuotedPrintable() && (isAscii_ || isAscii(raw.text.view()))) return;
     // The usual label, seen without taking the line apart; in quoted-printable it is believed.
-    if (raw.text.find("CHARSET=UTF-8") < raw.colon &&
-        (lines_.isQuotedPrintable() || isUtf8(raw.text)))
+    if (raw.text.view().find("CHARSET=UTF-8") < raw.colon &&
+        (lines_.isQuotedPrintable() || isUtf8(raw.text.view())))
         return;
     if (parseContentLine(lines_.line(), foldStyle(), line_)) textSink_(line_);
 }
@@ -93,10 +96,10 @@ void CalendarReader::showText() {
 bool CalendarReader::parseLine() {
     RawLine& raw = lines_.line();
     // Folds are undone, so its place changes.
-    const std::string swallowed = raw.swallowed == 0 ? std::string() : swallowedName(raw);
+    if (raw.swallowed != 0) swallowed_ = swallowedName(raw);
     if (!parseContentLine(raw, foldStyle(), line_)) {
         if (inCalendar_)
-            report(NoteCode::LineNotProperty, raw.number, {head(raw.text)});
+            report(NoteCode::LineNotProperty, raw.number, {head(raw.text.view())});
         else if (contactDepth_ == 0 && outsideLines_++ == 0)
             firstOutside_ = raw.number;
         return false;
@@ -106,8 +109,8 @@ bool CalendarReader::parseLine() {
                {head(line_.name), std::to_string(kLongestLine >> 20)});
     if (line_.openEnd) report(NoteCode::QuotedPrintableBreaksOff, raw.number, {head(line_.name)});
     const bool marks = line_.id == PropertyName::Begin || line_.id == PropertyName::End;
-    if (!swallowed.empty())
-        report(NoteCode::TextSwallowsProperty, raw.number, {head(line_.name), swallowed});
+    if (raw.swallowed != 0 && !swallowed_.empty())
+        report(NoteCode::TextSwallowsProperty, raw.number, {head(line_.name), swallowed_});
     if (line_.wrapped || line_.untidy || raw.bare != 0 || raw.indented || raw.group != 0 ||
         (marks && !line_.value.empty() && !isAlpha(line_.value.back())))
         reportUntidy(raw);
@@ -120,7 +123,7 @@ void CalendarReader::reportUntidy(const RawLine& raw) {
         report(NoteCode::LinesNotFolded, raw.number, {head(line_.name), std::to_string(raw.bare)});
     if (raw.group != 0)
         report(NoteCode::GroupLeftOut, raw.number,
-               {head(line_.name), head(trimmed(std::string_view(raw.text).substr(0, raw.group)))});
+               {head(line_.name), head(trimmed(raw.text.view().substr(0, raw.group)))});
     if (raw.indented) report(NoteCode::CalendarIndented, raw.number);
     if (line_.untidy) report(NoteCode::BlanksAroundName, raw.number, {head(line_.name)});
     if (line_.id != PropertyName::Begin && line_.id != PropertyName::End) return;
@@ -205,6 +208,7 @@ CalendarReader::Item CalendarReader::beginCalendar(bool keepLine) {
     inCalendar_ = true;
     anyCalendar_ = true;
     version_.clear();
+    isICalendar_ = false;
     return Item::CalendarBegin;
 }
 
@@ -229,18 +233,24 @@ std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
         pending_ = true;
         return endCalendar();
     }
-    if (line_.id == PropertyName::Version) version_ = std::string(trimmed(line_.value));
+    if (line_.id == PropertyName::Version) {
+        version_ = std::string(trimmed(line_.value));
+        isICalendar_ = version_ == "2.0";
+    }
     return Item::CalendarProperty;
 }
 
 // The component whose BEGIN is in line_.
 void CalendarReader::beginEntry() {
     texts_.clear();
-    std::vector<ContentLine> lines = std::move(component_.properties);
+    std::vector<ContentLine>& lines = component_.properties;
     lines.clear();
     if (lines.capacity() > kUsualLines) lines = {};
     lines.reserve(kUsualLines);
-    component_ = {componentName(line_), line_.number, std::move(lines), {}};
+    component_.children.clear();
+    component_.name = componentName(line_);
+    component_.number = line_.number;
+    inZone_ = component_.name == "VTIMEZONE";
     entrySize_ = 0;
     entryFull_ = false;
     skippedDepth_ = 0;

@@ -107,7 +107,10 @@ class CalendarReader {
     // The components that are open, from component_ inward; empty outside entries. None gets
     // another child while one of its children is open, so the pointers stay valid.
     std::vector<Component*> open_;
+    bool inZone_ = false;    // component_ is one
+    std::string swallowed_;  // by the line that was read last, where that swallows a property
     std::string version_;
+    bool isICalendar_ = false;  // version_ is 2.0
     bool inCalendar_ = false;
     bool implicit_ = false;  // entries without a calendar around them
     bool pending_ = false;   // line_ is to be looked at once more

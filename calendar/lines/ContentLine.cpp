@@ -10,8 +10,9 @@ namespace qel::calendar {
 namespace {
 
 // Takes the characters at `folds`, ascending, out of `text`.
-void eraseFolds(std::string& text, const std::vector<std::size_t>& folds) {
+void eraseFolds(LineText& text, const std::vector<std::size_t>& folds) {
     if (folds.empty()) return;
+    char* const bytes = text.change();
     std::size_t write = folds.front();
     auto fold = folds.begin();
     for (std::size_t read = write; read < text.size(); ++read) {
@@ -19,9 +20,9 @@ void eraseFolds(std::string& text, const std::vector<std::size_t>& folds) {
             ++fold;
             continue;
         }
-        text[write++] = text[read];
+        bytes[write++] = bytes[read];
     }
-    text.resize(write);
+    text.truncate(write);
 }
 
 bool isFoldBlank(char c) {
@@ -39,7 +40,7 @@ class Folding {
         std::size_t last = 0;
         for (std::size_t each = 0; each < raw.folds.size(); ++each) {
             const std::size_t fold = raw.folds[each];
-            measure(std::string_view(raw.text).substr(last, fold - last));
+            measure(raw.text.view().substr(last, fold - last));
             afterBlank_ = afterBlank_ || (fold > 0 && isFoldBlank(raw.text[fold - 1]));
             beforeBlank_ =
                 beforeBlank_ || (fold + 1 < raw.text.size() && isFoldBlank(raw.text[fold + 1]));
@@ -108,7 +109,7 @@ class Folding {
 // True where `width` blanks at `at` would be within a character: between bytes of one in UTF-8, or
 // within the code of one in quoted-printable. No text has a blank there.
 bool dividesCharacter(const RawLine& raw, std::size_t at, std::size_t width = 1) {
-    const std::string_view text = raw.text;
+    const std::string_view text = raw.text.view();
     const std::size_t next = at + width;
     if (at == 0 || next >= text.size()) return false;
     const auto isRest = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80; };
@@ -189,7 +190,7 @@ bool unfold(RawLine& raw, FoldStyle style) {
     std::vector<std::size_t> erased = blanksAt(std::move(raw.folds), width);
     if (keeps) {
         for (const std::size_t fold : erased)
-            if (fold >= colon) raw.text[fold] = ' ';
+            if (fold >= colon) raw.text.change()[fold] = ' ';
         std::erase_if(erased, [&](std::size_t fold) { return fold >= colon; });
     }
     if (indents) {
@@ -200,7 +201,7 @@ bool unfold(RawLine& raw, FoldStyle style) {
     eraseFolds(raw.text, erased);
     raw.folds.clear();
     raw.indents.clear();
-    raw.colon = findColon(raw.text);
+    raw.colon = findColon(raw.text.view());
     return byWords;
 }
 
@@ -223,8 +224,8 @@ std::size_t nameLength(std::string_view text) {
 }
 
 // Removes the name at the front of `head`, and the ";" after it, and returns it in capitals. Empty
-// when it is not a valid name. REQUIRES: a part of `owner`.
-std::string_view takeName(std::string& owner, std::string_view& head) {
+// when it is not a valid name. REQUIRES: `head` is a part of `text`.
+std::string_view takeName(char* text, std::string_view& head) {
     std::size_t length = nameLength(head);
     std::string_view name = head.substr(0, length);
     if (length < head.size() && head[length] == ';') {
@@ -236,7 +237,7 @@ std::string_view takeName(std::string& owner, std::string_view& head) {
         length = nameLength(name);
     }
     if (length == 0 || length < name.size()) return {};
-    char* const begin = owner.data() + (name.data() - owner.data());
+    char* const begin = text + (name.data() - text);
     for (std::size_t at = 0; at < length; ++at)
         begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
     return name;
@@ -277,6 +278,8 @@ std::string parameterValue(std::string_view text) {
 }
 
 void takeParameters(std::string_view head, ContentLine& line) {
+    constexpr std::size_t kUsual = 4;
+    line.parameters.reserve(kUsual);
     while (!head.empty()) {
         const std::string_view parameter = nextParameter(head);
         const std::size_t equals = parameter.find('=');
@@ -311,7 +314,7 @@ void dropGroup(RawLine& raw, ContentLine& line) {
     const std::string_view name = line.name.substr(dot + 1);
     const PropertyName id = propertyName(name);
     if (id == PropertyName::Unknown && !name.starts_with("X-")) return;
-    raw.group = static_cast<std::size_t>(name.data() - raw.text.data()) - 1;
+    raw.group = static_cast<std::size_t>(name.data() - raw.text.view().data()) - 1;
     line.name = name;
     line.id = id;
 }
@@ -331,7 +334,8 @@ bool ContentLine::hasParameter(std::string_view parameterName) const {
 }
 
 void ContentLine::moveTo(Arena& texts) {
-    name = texts.keep(name);
+    // Names that are known stay anyway.
+    if (id == PropertyName::Unknown) name = texts.keep(name);
     value = texts.keep(value);
 }
 
@@ -342,19 +346,31 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     line.value = {};
     line.cut = raw.cut;
     line.openEnd = raw.openEnd;
+    line.untidy = false;
     const std::size_t colon = raw.colon;
     if (colon == std::string::npos) return false;
-    std::string_view head = std::string_view(raw.text).substr(0, colon);
-    line.name = takeName(raw.text, head);
-    if (line.name.empty()) return false;
-    line.untidy = line.name.data() != raw.text.data() || isBlank(raw.text[line.name.size()]);
-    line.id = propertyName(line.name);
-    if (line.id == PropertyName::Unknown) dropGroup(raw, line);
-    takeParameters(head, line);
-    line.value = std::string_view(raw.text).substr(colon + 1);
+    std::string_view head;  // the parameters
+    line.id = raw.id;
+    if (line.id != PropertyName::Unknown) {
+        line.name = propertyOf(line.id).name;
+        if (raw.nameEnd < colon)
+            head = raw.text.view().substr(raw.nameEnd + 1, colon - raw.nameEnd - 1);
+    } else {
+        char* const bytes = raw.text.change();
+        head = raw.text.view().substr(0, colon);
+        line.name = takeName(bytes, head);
+        if (line.name.empty()) return false;
+        line.untidy = line.name.data() != bytes || isBlank(bytes[line.name.size()]);
+        line.id = propertyName(line.name);
+        if (line.id == PropertyName::Unknown) dropGroup(raw, line);
+        if (line.id != PropertyName::Unknown) line.name = propertyOf(line.id).name;
+    }
+    if (!head.empty()) takeParameters(head, line);
+    const std::string_view text = raw.text.view();
+    line.value = text.substr(colon + 1);
     if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
     // The blanks around a colon are not the text's.
-    if (line.untidy && colon > 0 && isFoldBlank(raw.text[colon - 1]))
+    if (line.untidy && colon > 0 && isFoldBlank(text[colon - 1]))
         line.value.remove_prefix(std::min(line.value.find_first_not_of(" \t"), line.value.size()));
     return true;
 }

@@ -13,6 +13,15 @@ class LineEnd {
     // `c` ends a line.
     void begin(char c) { seen_ = c == '\r' ? Seen::CarriageReturn : Seen::All; }
 
+    // Takes the line end at `at` of `text`, as far as one look ahead shows it.
+    void take(std::string_view text, std::size_t& at) {
+        const bool pair = text[at] == '\r' && at + 1 < text.size() && text[at + 1] == '\n';
+        seen_ = pair || text[at] == '\n' ? Seen::All : Seen::CarriageReturn;
+        at += pair ? 2 : 1;
+    }
+    // True when nothing of a line end is to come.
+    [[nodiscard]] bool isWhole() const { return seen_ == Seen::All; }
+
     // Skips what still belongs to the line end, and the carriage return that ends an empty line.
     void skipRest(std::string_view text, std::size_t& at) {
         while (seen_ != Seen::All && at < text.size()) {

@@ -37,6 +37,10 @@ bool isFoldBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
+bool isCapital(char c) {
+    return c >= 'A' && c <= 'Z';
+}
+
 bool hasLowerCase(std::string_view text) {
     return std::any_of(
         text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
@@ -128,17 +132,6 @@ bool isComponentMark(std::string_view line) {
                        [begun](std::string_view name) { return equalsIgnoreCase(name, begun); });
 }
 
-std::size_t findColon(std::string_view text) {
-    static_assert('"' < ':');
-    bool inQuotes = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] > ':') continue;  // letters, nearly always
-        if (text[at] == ':' && !inQuotes) return at;
-        if (text[at] == '"') inQuotes = !inQuotes;
-    }
-    return text.find(':');
-}
-
 // What the part of a line before its value says of the value's encoding. Folds may still be in it.
 LineReader::LineEncoding LineReader::encodingBefore(std::size_t colon, std::string_view text) {
     const std::size_t parameters = text.find(';');
@@ -180,8 +173,6 @@ void LineReader::take(std::string_view bytes) {
     chunk_ = bytes;
     at_ = 0;
     if (fileEncoding_ != FileEncoding::Bytes) decodeUtf16();
-    lineFeed_ = find('\n');
-    carriageReturn_ = find('\r');
 }
 
 void LineReader::start(std::string_view bytes) {
@@ -231,25 +222,13 @@ void LineReader::decodeUtf16() {
     chunk_ = own_;
 }
 
-std::size_t LineReader::find(char c) const {
-    const void* const found = std::memchr(chunk_.data() + at_, c, chunk_.size() - at_);
-    if (found == nullptr) return chunk_.size();
-    return static_cast<std::size_t>(static_cast<const char*>(found) - chunk_.data());
-}
-
-// Where the line at at_ ends in the chunk; the chunk's end when it continues after it.
-std::size_t LineReader::lineEnd() {
-    if (lineFeed_ < at_) lineFeed_ = find('\n');
-    if (carriageReturn_ < at_) carriageReturn_ = find('\r');
-    return std::min(lineFeed_, carriageReturn_);
-}
-
 // Adds to the physical line what the chunk has of it. True when that is its end.
 bool LineReader::takePiece() {
-    const std::size_t end = lineEnd();
-    const std::string_view piece = chunk_.substr(at_, end - at_);
-    at_ = end;
-    const bool whole = end < chunk_.size();
+    const std::string_view rest = chunk_.substr(at_);
+    marks_ = marksOf(rest);
+    const std::string_view piece = rest.substr(0, marks_.end);
+    at_ += piece.size();
+    const bool whole = piece.size() < rest.size();
     if (whole && pieces_.empty()) {
         ahead_ = piece;
     } else {
@@ -259,15 +238,72 @@ bool LineReader::takePiece() {
         ahead_ = pieces_;
     }
     if (!whole) return false;
-    lastEnd_.begin(chunk_[end]);
+    lastEnd_.begin(chunk_[at_]);
     ++at_;
     return true;
 }
 
+// What is to be known of a physical line that is whole.
+void LineReader::markAhead() {
+    // A line of several pieces, or without what was in front of it.
+    if (ahead_.size() != marks_.end) marks_ = marksOf(ahead_);
+    nameAhead();
+}
+
+void LineReader::nameAhead() {
+    const bool named =
+        !ahead_.empty() && isCapital(ahead_.front()) && marks_.nameEnd != std::string_view::npos;
+    aheadId_ = named ? propertyName(ahead_.substr(0, marks_.nameEnd)) : PropertyName::Unknown;
+}
+
+// The next physical line where all of it is in the chunk, as nearly all are. What its name is
+// remains to be found.
+bool LineReader::takeWhole() {
+    if (inPhysical_) return false;
+    lastEnd_.skipRest(chunk_, at_);
+    if (!lastEnd_.isWhole()) return false;
+    const std::string_view rest(chunk_.data() + at_, chunk_.size() - at_);
+    const LineMarks marks = marksOf(rest);
+    if (marks.end == rest.size()) return false;
+    marks_ = marks;
+    ahead_ = {rest.data(), marks.end};
+    at_ += marks.end;
+    lastEnd_.take(chunk_, at_);
+    pieces_.clear();
+    aheadCut_ = false;
+    hasAhead_ = true;
+    ++aheadNumber_;
+    return true;
+}
+
+bool LineReader::isPassedOver() const {
+    if (!hasAhead_ || !pieces_.empty() || ahead_.empty()) return false;
+    const char first = ahead_.front();
+    return isCapital(first) && first != 'B' && first != 'E' && marks_.nameEnd == marks_.colon &&
+           marks_.colon != std::string_view::npos && at_ < chunk_.size();
+}
+
+void LineReader::passOver() {
+    if (inLine_ || inPhysical_) return;
+    bool any = false;
+    while (isPassedOver()) {
+        lastEnd_.skipRest(chunk_, at_);
+        // What begins in another way may be the rest of the line.
+        if (at_ == chunk_.size() || !isCapital(chunk_[at_]) || !takeWhole()) break;
+        any = true;
+    }
+    if (any) nameAhead();
+}
+
 LineReader::Result LineReader::nextPhysical() {
+    if (takeWhole()) {
+        nameAhead();
+        return Result::Line;
+    }
     if (!inPhysical_) {
         pieces_.clear();
         ahead_ = {};
+        marks_ = {};
         aheadCut_ = false;
         hasAhead_ = false;
         anyPhysical_ = false;
@@ -286,6 +322,7 @@ LineReader::Result LineReader::nextPhysical() {
     hasAhead_ = anyPhysical_;
     if (!hasAhead_) return Result::End;
     ++aheadNumber_;
+    markAhead();
     return Result::Line;
 }
 
@@ -296,12 +333,12 @@ void LineReader::append(std::string_view text) {
     const std::size_t used = line_.text.size() + folds * kFoldCost;
     const std::size_t room = kLongestLine - std::min(used, kLongestLine);
     line_.cut = line_.cut || aheadCut_ || text.size() > room;
-    line_.text += text.substr(0, room);
+    line_.text.append(text.substr(0, room));
 }
 
 LineReader::Result LineReader::next() {
     if (!inLine_) {
-        while (!hasAhead_ || trimmed(ahead_).empty()) {
+        while (!hasAhead_ || (aheadId_ == PropertyName::Unknown && trimmed(ahead_).empty())) {
             const Result result = nextPhysical();
             if (result != Result::Line) return result;
         }
@@ -309,7 +346,10 @@ LineReader::Result LineReader::next() {
     }
     for (;;) {
         const Result result = nextPhysical();
-        if (result == Result::NeedMore) return result;
+        if (result == Result::NeedMore) {
+            line_.text.keep();
+            return result;
+        }
         if (result == Result::End || !join()) break;
     }
     finishLine();
@@ -334,15 +374,20 @@ void LineReader::beginLine() {
         line_.indented = !indented_;
         indented_ = true;
     }
-    line_.text = ahead_;
+    if (ahead_.size() != marks_.end) markAhead();
+    line_.text.refer(ahead_);
+    if (!pieces_.empty()) line_.text.keep();
     line_.cut = aheadCut_;
-    line_.colon = findColon(line_.text);
+    line_.colon = marks_.colon;
+    line_.nameEnd = marks_.nameEnd;
+    line_.id = aheadId_;
     width_ = line_.text.size();
     headEnd_ = line_.colon == std::string::npos ? 0 : width_;
     pieceBegin_ = 0;
     softBreaks_ = 0;
     emptyLines_ = 0;
-    encoding_ = encodingBefore(line_.colon, line_.text);
+    encoding_ =
+        line_.nameEnd < line_.colon ? encodingBefore(line_.colon, ahead_) : LineEncoding::Plain;
     inLine_ = true;
     joined_ = false;
 }
@@ -350,11 +395,14 @@ void LineReader::beginLine() {
 // Adds the physical line to the joined one; false when another one begins with it.
 bool LineReader::join() {
     // Most lines are done here.
+    if (encoding_ == LineEncoding::Plain && aheadId_ != PropertyName::Unknown &&
+        line_.colon != std::string_view::npos)
+        return false;
     if (encoding_ == LineEncoding::Plain && !ahead_.empty() && !isFoldBlank(ahead_.front()) &&
-        line_.bare == 0 && !mayBeText(line_.text))
+        line_.bare == 0 && !mayBeText(line_.text.view()))
         return false;
     const std::size_t soft = encoding_ == LineEncoding::QuotedPrintable
-                                 ? softBreak(line_.text, pieceBegin_)
+                                 ? softBreak(line_.text.view(), pieceBegin_)
                                  : std::string::npos;
     const std::size_t begin = line_.text.size();
     if (soft != std::string::npos) {
@@ -383,14 +431,14 @@ bool LineReader::join() {
     joined_ = true;
     // A property's name and parameters are not that long; looking on would take time.
     if (line_.colon == std::string::npos && line_.text.size() < kLongestHead) {
-        line_.colon = findColon(line_.text);
-        encoding_ = encodingBefore(line_.colon, line_.text);
+        line_.colon = findColon(line_.text.view());
+        encoding_ = encodingBefore(line_.colon, line_.text.view());
     }
     return true;
 }
 
 bool LineReader::joinSoft(std::size_t soft) {
-    line_.text.erase(soft);
+    line_.text.truncate(soft);
     line_.openEnd = endsAtSoftBreak(indented_ ? trimmed(ahead_) : ahead_);
     if (line_.openEnd) return false;
     const std::size_t begin = line_.text.size();
@@ -406,8 +454,9 @@ bool LineReader::endsAtSoftBreak(std::string_view next) {
     constexpr std::size_t kShort = 60;
     if (isComponentMark(next)) return true;
     if (!beginsKnownProperty(next) && !beginsGrouped(next)) return false;
-    const bool breaks = line_.text.ends_with("=0A") || line_.text.ends_with("=0D") ||
-                        line_.text.ends_with("=0a") || line_.text.ends_with("=0d");
+    const std::string_view text = line_.text.view();
+    const bool breaks = text.ends_with("=0A") || text.ends_with("=0D") || text.ends_with("=0a") ||
+                        text.ends_with("=0d");
     if (width_ < kShort && !breaks) return true;
     if (line_.swallowed == 0) line_.swallowed = line_.text.size();
     return false;
@@ -416,7 +465,7 @@ bool LineReader::endsAtSoftBreak(std::string_view next) {
 // Counts the blanks at the front of a line that was joined at `begin` after a soft line break.
 void LineReader::noteIndent(std::size_t begin) {
     constexpr std::size_t kUsual = 2;
-    const std::string_view line = std::string_view(line_.text).substr(begin);
+    const std::string_view line = line_.text.view().substr(begin);
     const std::size_t blanks = std::min(line.find_first_not_of(" \t"), line.size());
     if (blanks == 0 || blanks == line.size() || line_.indents.size() != softBreaks_) {
         line_.indents.clear();
@@ -434,7 +483,7 @@ void LineReader::noteIndent(std::size_t begin) {
 // first line of a component, so the first indented line after one tells.
 bool LineReader::startsIndented() {
     if (!indented_) {
-        if (joined_ || !isComponentMark(line_.text) || nameOf(trimmed(ahead_)).empty())
+        if (joined_ || !isComponentMark(line_.text.view()) || nameOf(trimmed(ahead_)).empty())
             return false;
         indented_ = line_.indented = true;
     }
@@ -449,7 +498,9 @@ bool LineReader::startsIndented() {
 
 // True when the physical line is the rest of the line although it is not folded.
 bool LineReader::goesOnBare() const {
-    if (line_.colon != std::string::npos && beginsProperty(ahead_)) return false;
+    if (line_.colon != std::string::npos &&
+        (aheadId_ != PropertyName::Unknown || beginsProperty(ahead_)))
+        return false;
     return takesBareLines() && (ahead_.empty() || isBareText());
 }
 
@@ -458,8 +509,8 @@ bool LineReader::goesOnBare() const {
 bool LineReader::takesBareLines() const {
     if (line_.bare != 0) return true;
     if (encoding_ == LineEncoding::Base64) return false;
-    const std::size_t end = std::min(line_.text.find_first_of(";:"), line_.text.size());
-    const std::string name = upper(trimmed(std::string_view(line_.text).substr(0, end)));
+    const std::size_t end = std::min(line_.text.view().find_first_of(";:"), line_.text.size());
+    const std::string name = upper(trimmed(line_.text.view().substr(0, end)));
     switch (propertyName(name)) {
         case PropertyName::Description:
         case PropertyName::Summary:
@@ -485,8 +536,8 @@ bool LineReader::isBareText() const {
     if (name.empty()) return propertyName(upper(trimmed(ahead_))) == PropertyName::Unknown;
     // A parameter has been broken off; "NEEDS ACTION" is the only one with a blank.
     if (line_.colon == std::string::npos)
-        return equalsIgnoreCase(name, "ACTION") && line_.text.ends_with("NEEDS");
-    const std::string_view own = std::string_view(line_.text).substr(0, name.size());
+        return equalsIgnoreCase(name, "ACTION") && line_.text.view().ends_with("NEEDS");
+    const std::string_view own = line_.text.view().substr(0, name.size());
     if (!hasLowerCase(name) || hasLowerCase(own) || isComponentMark(ahead_)) return false;
     const std::string_view rest = ahead_.substr(name.size());
     if (rest.starts_with("://") || rest.starts_with(": ")) return true;
@@ -497,7 +548,7 @@ bool LineReader::isBareText() const {
 void LineReader::appendBare() {
     const bool byWidth = emptyLines_ == 0 && width_ >= 70 && width_ <= 80;
     const bool broken = encoding_ == LineEncoding::QuotedPrintable &&
-                        (line_.text.ends_with("=0A") || line_.text.ends_with("=0D"));
+                        (line_.text.view().ends_with("=0A") || line_.text.view().ends_with("=0D"));
     if (line_.colon == std::string::npos) {
         if (!byWidth) append(" ");
     } else if (!byWidth && !(broken && emptyLines_ == 0)) {
@@ -510,12 +561,12 @@ void LineReader::appendBare() {
 void LineReader::finishLine() {
     inLine_ = false;
     // Quotes that do not close before the end of the first line may close after it.
-    if (joined_) line_.colon = findColon(line_.text);
+    if (joined_) line_.colon = findColon(line_.text.view());
     line_.quotedPrintable = encoding_ == LineEncoding::QuotedPrintable;
     if (hasAhead_ || !line_.quotedPrintable) return;
-    const std::size_t soft = softBreak(line_.text, pieceBegin_);
+    const std::size_t soft = softBreak(line_.text.view(), pieceBegin_);
     if (soft == std::string::npos) return;
-    line_.text.erase(soft);
+    line_.text.truncate(soft);
     line_.openEnd = true;
 }
 

@@ -10,6 +10,9 @@
 #include <vector>
 
 #include "calendar/lines/LineEnd.h"
+#include "calendar/lines/LineMarks.h"
+#include "calendar/lines/LineText.h"
+#include "calendar/lines/Property.h"
 
 namespace qel::calendar {
 
@@ -19,8 +22,11 @@ inline constexpr std::size_t kLongestLine = std::size_t{32} << 20;
 
 // One joined line. Folds are not undone yet, because the two formats undo them differently.
 struct RawLine {
-    std::size_t number = 0;          // of its first physical line, from 1
-    std::string text;                // each fold's first blank is still there
+    std::size_t number = 0;  // of its first physical line, from 1
+    LineText text;           // each fold's first blank is still there
+    // Of a name in capitals that a colon or a semicolon follows; Unknown for any other.
+    PropertyName id = PropertyName::Unknown;
+    std::size_t nameEnd = 0;         // where that name ends
     std::vector<std::size_t> folds;  // where in text those blanks are
     // Where the blanks are that begin the lines after soft line breaks; empty unless all do.
     std::vector<std::size_t> indents;
@@ -54,7 +60,12 @@ class LineReader {
     // text over lines that are not properties.
     [[nodiscard]] Result next();
 
-    // Until next() is called again; the caller may change it.
+    // Passes over lines that are by themselves, begin with a capital other than B and E and have no
+    // parameters; for a caller who looks for other ones. next() goes on after them.
+    void passOver();
+
+    // Until next() is called again; the caller may change it. Its text may be a view of the bytes
+    // that were written last.
     [[nodiscard]] RawLine& line() { return line_; }
     [[nodiscard]] const RawLine& line() const { return line_; }
 
@@ -70,9 +81,11 @@ class LineReader {
     void take(std::string_view bytes);
     void start(std::string_view bytes);
     void decodeUtf16();
-    [[nodiscard]] std::size_t find(char c) const;
-    [[nodiscard]] std::size_t lineEnd();
+    [[nodiscard]] bool takeWhole();
+    [[nodiscard]] bool isPassedOver() const;
     [[nodiscard]] bool takePiece();
+    void markAhead();
+    void nameAhead();
     [[nodiscard]] Result nextPhysical();
     [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
     void beginLine();
@@ -91,10 +104,6 @@ class LineReader {
     std::string_view chunk_;  // in the caller's bytes or in own_
     std::string own_;         // the first bytes of a file, or what UTF-16 was read as
     std::size_t at_ = 0;      // in chunk_
-    // The next one of each from at_ on, or the chunk's end: looked for once, however many lines end
-    // in the other one before it comes.
-    std::size_t lineFeed_ = 0;
-    std::size_t carriageReturn_ = 0;
     FileEncoding fileEncoding_ = FileEncoding::Bytes;
     bool started_ = false;  // the encoding is known
     bool ended_ = false;
@@ -104,6 +113,8 @@ class LineReader {
     // One physical line is always looked at ahead: in the chunk, or in pieces_ when it came in
     // several of them.
     std::string_view ahead_;
+    LineMarks marks_;                               // of ahead_
+    PropertyName aheadId_ = PropertyName::Unknown;  // of ahead_, as RawLine::id
     std::string pieces_;
     std::size_t aheadNumber_ = 0;
     bool aheadCut_ = false;
@@ -126,10 +137,6 @@ class LineReader {
 // True for a whole line that begins or ends a calendar or one of its components, in any case and
 // with blanks, colons or semicolons too many.
 [[nodiscard]] bool isComponentMark(std::string_view line);
-
-// Where the value's colon is: the first one outside quotes, or the first one where the quotes do
-// not close before it. npos when there is none.
-[[nodiscard]] std::size_t findColon(std::string_view text);
 
 }  // namespace qel::calendar
 

@@ -31,7 +31,8 @@ std::vector<std::string> linesOf(const std::string& text, std::size_t piece) {
             reader.end();
         LineReader::Result result = reader.next();
         for (; result == LineReader::Result::Line; result = reader.next())
-            lines.push_back(std::to_string(reader.line().number) + " " + reader.line().text);
+            lines.push_back(std::to_string(reader.line().number) + " " +
+                            std::string(reader.line().text.view()));
         if (result == LineReader::Result::End) return lines;
     }
 }
