@@ -13,8 +13,10 @@ namespace qel::calendar {
 
 namespace {
 
-const std::int64_t kFirstSecond = std::int64_t{dayNumber(1, 1, 1)} * kDaySeconds;
-const std::int64_t kLastSecond = std::int64_t{dayNumber(10000, 1, 1)} * kDaySeconds - 1;
+constexpr int kFirstDay = dayNumber(1, 1, 1);
+constexpr int kLastDay = dayNumber(10000, 1, 1) - 1;
+constexpr std::int64_t kFirstSecond = std::int64_t{kFirstDay} * kDaySeconds;
+constexpr std::int64_t kLastSecond = std::int64_t{kLastDay + 1} * kDaySeconds - 1;
 
 // Says what is wrong, if anybody asks, and is what a failed reader returns.
 template <class... Parts>
@@ -127,6 +129,13 @@ void putTwo(char* text, int number) {
 
 Moment momentAt(const Moment& moment, std::int64_t seconds) {
     Moment result = moment;
+    // Nothing to carry, as of nearly all.
+    const std::int64_t second = seconds - std::int64_t{moment.day} * kDaySeconds;
+    if (second >= 0 && second < kDaySeconds && moment.day >= kFirstDay && moment.day <= kLastDay) {
+        result.second = static_cast<int>(second);
+        if (second != 0) result.isDate = false;
+        return result;
+    }
     seconds = std::clamp(seconds, kFirstSecond, kLastSecond);
     std::int64_t day = seconds / kDaySeconds;
     if (seconds % kDaySeconds < 0) --day;

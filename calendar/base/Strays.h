@@ -3,6 +3,7 @@
 #define QEL_CALENDAR_BASE_STRAYS_H
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,7 @@ class Strays {
     // Adds a note with the first item, the number of the others and `more` as its values; nothing
     // without any.
     void report(std::vector<Note>& notes, NoteCode code,
-                const std::vector<std::string>& more = {}) const {
+                std::initializer_list<std::string_view> more = {}) const {
         if (count_ == 0) return;
         notes.push_back(Note(code, 0, {first_, std::to_string(count_ - 1)}));
         notes.back().values.insert(notes.back().values.end(), more.begin(), more.end());

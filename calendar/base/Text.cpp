@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+#include "calendar/base/Ascii.h"
+
 namespace qel::calendar {
 
 namespace {
@@ -50,10 +52,8 @@ std::size_t utf8CharacterLength(std::string_view text) {
 bool isUtf8(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         // Most text is ASCII.
-        if (static_cast<unsigned char>(text[at]) < 0x80U) {
-            ++at;
-            continue;
-        }
+        at += asciiLength(text.substr(at));
+        if (at == text.size()) break;
         const std::size_t length = utf8CharacterLength(text.substr(at));
         if (length == 0) return false;
         at += length;

@@ -41,6 +41,11 @@ bool hasTimes(const Rule& rule) {
     return !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
 }
 
+// True for a rule without an occurrence on its start.
+bool isOdd(const Rule& rule, const RuleStart& start) {
+    return !hasTimes(rule) && !yieldsStart(rule, start);
+}
+
 class ICalSettling {
   public:
     explicit ICalSettling(const Entry& entry) : settled_(entry) {}
@@ -88,9 +93,10 @@ class ICalSettling {
     [[nodiscard]] std::string untilText(const std::string& until) const;
     // Readers disagree about a start that its rule does not yield, and about its place in a count:
     // it becomes a date of its own, and the count an end date, so that all find the same series.
-    void settleOddStart(std::vector<EntryRule>& rules);
+    void settleOddStart();
     // Gives a counted rule that does not yield the start its last date in place of the count.
     void countToEnd(Rule& rule, const RuleStart& start) const;
+    [[nodiscard]] std::string ruleText(const Rule& rule, bool exclude) const;
     void settleRules();
     // Today's calendar programs ignore EXRULE: its dates become EXDATEs.
     void settleExceptions(const std::string& rule);
@@ -99,6 +105,7 @@ class ICalSettling {
     void settleAlarms();
 
     SettledEntry settled_;
+    bool odd_ = false;  // a rule that adds dates does not yield the start
     std::bitset<static_cast<std::size_t>(kLastPropertyName) + 1> seen_;  // that may stand once
 };
 
@@ -194,22 +201,16 @@ std::string ICalSettling::untilText(const std::string& until) const {
     return formatMoment(moment);
 }
 
-void ICalSettling::settleOddStart(std::vector<EntryRule>& rules) {
+void ICalSettling::settleOddStart() {
     const RuleStart start = entry().ruleStart();
-    bool odd = false;
     bool yielded = false;
-    for (EntryRule& each : rules) {
-        if (each.exclude) continue;
-        for (Rule& rule : each.rules) {
-            if (hasTimes(rule) || yieldsStart(rule, start)) {
+    for (const EntryRule& each : settled_.read().rules)
+        for (const Rule& rule : each.rules)
+            if (!each.exclude && !isOdd(rule, start))
                 yielded = true;
-            } else {
-                odd = true;
-                countToEnd(rule, start);
-            }
-        }
-    }
-    if (!odd || yielded) return;
+            else if (!each.exclude)
+                odd_ = true;
+    if (!odd_ || yielded) return;
     const auto isStart = [this](const Moment& date) {
         return entry().inClockOf(*entry().start, date) == *entry().start;
     };
@@ -232,14 +233,12 @@ void ICalSettling::countToEnd(Rule& rule, const RuleStart& start) const {
 }
 
 void ICalSettling::settleRules() {
-    if (!entry().start) return;
-    std::vector<EntryRule> rules = entry().rules;
-    settleOddStart(rules);
+    if (!entry().start || entry().rules.empty()) return;
+    settleOddStart();
     std::string exception;
-    for (EntryRule& each : rules) {
-        for (Rule& rule : each.rules) {
-            if (!rule.until.empty()) rule.until = untilText(rule.until);
-            std::string text = iCalendarText(rule);
+    for (const EntryRule& each : settled_.read().rules) {
+        for (const Rule& rule : each.rules) {
+            std::string text = ruleText(rule, each.exclude);
             if (text.empty())
                 addNote(NoteCode::EntryRuleNotWritable, {}, each.line);
             else
@@ -248,6 +247,16 @@ void ICalSettling::settleRules() {
         }
     }
     if (!exception.empty()) settleExceptions(exception);
+}
+
+std::string ICalSettling::ruleText(const Rule& rule, bool exclude) const {
+    const bool odd = odd_ && !exclude && rule.count != 0;
+    if (!odd && rule.until.empty()) return iCalendarText(rule);
+    Rule settled = rule;
+    const RuleStart start = entry().ruleStart();
+    if (odd && isOdd(rule, start)) countToEnd(settled, start);
+    if (!settled.until.empty()) settled.until = untilText(settled.until);
+    return iCalendarText(settled);
 }
 
 void ICalSettling::settleExceptions(const std::string& rule) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bitset>
 #include <cstdint>
+#include <optional>
 
 #include "calendar/base/Days.h"
 #include "calendar/base/Moment.h"
@@ -353,11 +354,30 @@ class Expander {
 
 }  // namespace
 
+namespace {
+
+// The same as yieldsStart of a rule that has at most weekdays to choose from, as most have; nothing
+// for any other rule.
+std::optional<bool> yieldsWeekday(const Rule& rule, const RuleStart& start) {
+    const bool daily = rule.frequency == Frequency::Daily || rule.frequency == Frequency::Weekly;
+    if (!daily || !rule.until.empty() || start.year > 2499) return std::nullopt;
+    for (const auto* list :
+         {&rule.months, &rule.monthDays, &rule.yearDays, &rule.weekNumbers, &rule.setPositions})
+        if (!list->empty()) return std::nullopt;
+    const int weekday = weekdayOf(dayNumber(start.year, start.month, start.day));
+    return rule.days.empty() ||
+           std::any_of(rule.days.begin(), rule.days.end(),
+                       [&](const RuleDay& each) { return each.weekday == weekday; });
+}
+
+}  // namespace
+
 std::vector<int> expandRule(const Rule& rule, const RuleStart& start, const RuleLimits& limits) {
     return Expander(rule, start, limits).run();
 }
 
 bool yieldsStart(const Rule& rule, const RuleStart& start) {
+    if (const auto weekday = yieldsWeekday(rule, start)) return *weekday;
     const RuleLimits limits;
     return Expander(rule, start, limits).yieldsStart();
 }

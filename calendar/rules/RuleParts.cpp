@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cassert>
+#include <charconv>
 #include <utility>
 
 #include "calendar/base/CalendarNames.h"
@@ -25,28 +26,25 @@ static_assert(
     }(),
     "each part has its own field");
 
-template <class Item, class Add>
-std::string listText(const std::vector<Item>& items, Add add) {
-    std::string text;
-    for (const Item& item : items) {
-        if (!text.empty()) text += ',';
-        add(text, item);
+void addNumber(std::string& text, int number) {
+    std::array<char, 12> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    text.append(digits.data(), end.ptr);
+}
+
+void addNumbers(std::string& text, const std::vector<int>& numbers) {
+    for (std::size_t each = 0; each < numbers.size(); ++each) {
+        if (each != 0) text += ',';
+        addNumber(text, numbers[each]);
     }
-    return text;
 }
 
-std::string numbersText(const std::vector<int>& numbers) {
-    return listText(
-        numbers, [](std::string& text, int number) { text += std::to_string(number); });
-}
-
-std::string daysText(const std::vector<RuleDay>& days) {
-    return listText(
-        days,
-        [](std::string& text, const RuleDay& day) {
-            if (day.position != 0) text += std::to_string(day.position);
-            text += weekdayCode(day.weekday);
-        });
+void addDays(std::string& text, const std::vector<RuleDay>& days) {
+    for (std::size_t each = 0; each < days.size(); ++each) {
+        if (each != 0) text += ',';
+        if (days[each].position != 0) addNumber(text, days[each].position);
+        text += weekdayCode(days[each].weekday);
+    }
 }
 
 }  // namespace
@@ -56,26 +54,39 @@ const RulePart& partOfField(std::size_t field) {
     return *kByField[field];
 }
 
-std::string partText(const RulePart& part, const Rule& rule, bool ordered) {
+void addPartText(std::string& text, const RulePart& part, const Rule& rule, bool ordered) {
+    if (!hasPart(part, rule)) return;
     switch (part.kind) {
         case RulePart::Kind::Frequency:
-            return std::string(kFrequencyNames[static_cast<std::size_t>(rule.frequency)]);
+            text += kFrequencyNames[static_cast<std::size_t>(rule.frequency)];
+            break;
         case RulePart::Kind::Until:
-            return rule.until;
+            text += rule.until;
+            break;
         case RulePart::Kind::Count:
-            return rule.count > 0 ? std::to_string(rule.count) : std::string();
+            addNumber(text, rule.count);
+            break;
         case RulePart::Kind::Interval:
-            return std::to_string(rule.interval);
+            addNumber(text, rule.interval);
+            break;
         case RulePart::Kind::Days:
-            return daysText(ordered ? inCalendarOrder(rule.days) : rule.days);
+            if (ordered && rule.days.size() > 1)
+                addDays(text, inCalendarOrder(rule.days));
+            else
+                addDays(text, rule.days);
+            break;
         case RulePart::Kind::Numbers: {
             const std::vector<int>& numbers = rule.*part.numbers;
-            return numbersText(ordered && part.isSet ? inCalendarOrder(numbers) : numbers);
+            if (ordered && part.isSet && numbers.size() > 1)
+                addNumbers(text, inCalendarOrder(numbers));
+            else
+                addNumbers(text, numbers);
+            break;
         }
         case RulePart::Kind::WeekStart:
-            return std::string(rule.weekStart != 0 ? weekdayCode(rule.weekStart) : "");
+            text += weekdayCode(rule.weekStart);
+            break;
     }
-    return "";
 }
 
 std::vector<int> inCalendarOrder(std::vector<int> numbers) {

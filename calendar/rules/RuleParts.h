@@ -54,9 +54,28 @@ inline constexpr std::array<RulePart, 14> kRuleParts = {{
 inline constexpr std::array<std::string_view, 4> kFrequencyNames = {"DAILY", "WEEKLY", "MONTHLY",
                                                                     "YEARLY"};
 
-// What a part of `rule` is in text: "WEEKLY", "1MO,-1FR"; "" if the rule has no such part. Sets are
-// in calendar order if `ordered`, else as they arrived.
-[[nodiscard]] std::string partText(const RulePart& part, const Rule& rule, bool ordered);
+// True if the rule has the part.
+[[nodiscard]] inline bool hasPart(const RulePart& part, const Rule& rule) {
+    switch (part.kind) {
+        case RulePart::Kind::Frequency:
+        case RulePart::Kind::Interval:
+            return true;
+        case RulePart::Kind::Until:
+            return !rule.until.empty();
+        case RulePart::Kind::Count:
+            return rule.count > 0;
+        case RulePart::Kind::Days:
+            return !rule.days.empty();
+        case RulePart::Kind::Numbers:
+            return !(rule.*part.numbers).empty();
+        case RulePart::Kind::WeekStart:
+            return rule.weekStart != 0;
+    }
+    return false;
+}
+// Adds what a part of `rule` is in text: "WEEKLY", "1MO,-1FR"; nothing if the rule has no such
+// part. Sets are in calendar order if `ordered`, else as they arrived.
+void addPartText(std::string& text, const RulePart& part, const Rule& rule, bool ordered);
 
 // From the period's start on, then those that count from its end, the last one first: 1, 15, -1,
 // -2. Weekdays without a position come first, Sunday to Saturday, then the others as they arrived.

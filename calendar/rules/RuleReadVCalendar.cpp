@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
 #include "calendar/base/Moment.h"
@@ -56,8 +57,10 @@ std::optional<Head> readHead(std::string_view token) {
                                       {"MP", Kind::ByPosition}, {"MD", Kind::ByMonthDay},
                                       {"M", Kind::ByMonthDay},  {"YM", Kind::ByMonth},
                                       {"Y", Kind::ByMonth},     {"YD", Kind::ByYearDay}};
+    constexpr std::size_t kLongestCode = 2;
     std::size_t digits = 0;
     while (digits < token.size() && !isDigit(token[digits])) ++digits;
+    if (digits == 0 || digits > kLongestCode) return std::nullopt;
     const std::string_view code = token.substr(0, digits);
     const std::string_view number = token.substr(digits);
     for (const Code& each : kCodes) {
@@ -339,7 +342,7 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
                         CountMeans countMeans, RuleReading& reading) {
     const std::vector<std::string_view> tokens = tokensOf(text);
     if (tokens.empty()) return;
-    const bool dots = text.find_first_of(".,") != std::string_view::npos;
+    const bool dots = hasAny<'.', ','>(text);
     std::optional<Head> head = readHead(tokens.front());
     if (!head) {
         reading.notes.emplace_back(NoteCode::RuleNotRecognised);

@@ -1,6 +1,7 @@
 #include "calendar/rules/RuleReader.h"
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/rules/RuleReadICalendar.h"
 #include "calendar/rules/RuleReadVCalendar.h"
 
@@ -30,6 +31,8 @@ void markLostRules(std::vector<Note>& notes) {
 }  // namespace
 
 RuleForm guessRuleForm(std::string_view text) {
+    if (startsWithIgnoreCase(text, "FREQ=")) return RuleForm::ICalendar;
+    if (!hasAny<'=', ';'>(text)) return RuleForm::VCalendar10;
     const std::string capitals = upper(text.substr(0, 4096));
     if (capitals.find("FREQ=") != std::string::npos) return RuleForm::ICalendar;
     return capitals.find(';') != std::string::npos ? RuleForm::Positional : RuleForm::VCalendar10;

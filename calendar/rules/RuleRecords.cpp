@@ -54,8 +54,10 @@ std::vector<Rule> piecesOf(const Rule& rule) {
 
 std::string positionalText(const Rule& piece) {
     std::string text;
-    for (std::size_t field = 0; field < kRuleParts.size(); ++field)
-        text += partText(partOfField(field), piece, false) + ";";
+    for (std::size_t field = 0; field < kRuleParts.size(); ++field) {
+        addPartText(text, partOfField(field), piece, false);
+        text += ';';
+    }
     return text;
 }
 

@@ -29,13 +29,11 @@ bool isWritten(const RulePart& part, const Rule& rule) {
 }
 
 void addPart(std::string& text, const RulePart& part, const Rule& rule) {
-    if (!isWritten(part, rule)) return;
-    const std::string value = partText(part, rule, true);
-    if (value.empty()) return;
+    if (!hasPart(part, rule) || !isWritten(part, rule)) return;
     if (!text.empty()) text += ';';
     text += part.name;
     text += '=';
-    text += value;
+    addPartText(text, part, rule, true);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/Text.h"
 #include "calendar/text/CharacterSets.h"
 #include "calendar/text/Escapes.h"
@@ -17,12 +18,15 @@ namespace {
 constexpr std::size_t kWidth = 75;
 constexpr std::size_t kLongestPlain = 990;
 
-// Each character in the form that a name allows: a capital, a digit or "-".
-constexpr auto kNameCharacters = [] {
-    std::array<char, 256> table{};
+// A character in the form that a name allows: a capital, a digit or "-".
+constexpr char nameCharacter(char c) {
+    return isAlpha(c) || isDigit(c) ? toUpper(c) : '-';
+}
+constexpr auto kOddInName = [] {
+    std::array<unsigned char, 256> table{};
     for (std::size_t each = 0; each < table.size(); ++each) {
-        const char c = toUpper(static_cast<char>(each));
-        table[each] = isAlpha(c) || isDigit(c) ? c : '-';
+        const char c = static_cast<char>(each);
+        table[each] = nameCharacter(c) != c ? 1 : 0;
     }
     return table;
 }();
@@ -30,9 +34,11 @@ constexpr auto kNameCharacters = [] {
 void addName(std::string& out, std::string_view name) {
     if (name.empty()) name = "X";
     out += name;
+    unsigned odd = 0;
+    for (const char c : name) odd |= kOddInName[static_cast<unsigned char>(c)];
+    if (odd == 0) return;
     char* const begin = out.data() + (out.size() - name.size());
-    for (std::size_t at = 0; at < name.size(); ++at)
-        begin[at] = kNameCharacters[static_cast<unsigned char>(begin[at])];
+    for (std::size_t at = 0; at < name.size(); ++at) begin[at] = nameCharacter(begin[at]);
 }
 
 bool needsQuotes(std::string_view value) {
@@ -74,7 +80,7 @@ void addParameter(std::string& out, const Parameter& parameter) {
     out += parameterListText(parameter);
 }
 
-// The characters of a text that must be escaped or encoded in a value.
+// The characters of a text that must be escaped or looked at in a value.
 enum : unsigned char { kEscape = 1, kOther = 2 };
 constexpr auto kTextCharacters = [] {
     std::array<unsigned char, 256> table{};
@@ -84,23 +90,47 @@ constexpr auto kTextCharacters = [] {
     return table;
 }();
 
+// Which of them a text has.
+unsigned charactersOf(std::string_view text) {
+    constexpr std::size_t kShort = 16;
+    unsigned found = 0;
+    if (text.size() < kShort) {
+        for (const char c : text) found |= kTextCharacters[static_cast<unsigned char>(c)];
+        return found;
+    }
+    if (!isPrintableAscii(text)) found |= kOther;
+    if (hasAny<'\\', ';', ','>(text)) found |= kEscape;
+    return found;
+}
+
+// A value that was copied from the input can contain anything. A line end within it would begin
+// another property, and other control characters are invalid.
+void addWithoutControls(std::string& out, std::string_view value) {
+    std::string utf8;
+    if (!isUtf8(value)) value = utf8 = utf8OrWindows1252(std::string(value));
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; };
+    while (!value.empty()) {
+        const auto* const end = std::find_if(value.begin(), value.end(), isControl);
+        const auto length = static_cast<std::size_t>(end - value.begin());
+        out += value.substr(0, length);
+        value.remove_prefix(std::min(length + 1, value.size()));
+    }
+}
+
 void addUnfolded(std::string& out, std::string_view name, const std::vector<Parameter>& parameters,
                  std::string_view value, Value how) {
     addName(out, name);
     for (const Parameter& each : parameters) addParameter(out, each);
     out += ':';
-    unsigned found = 0;
-    for (const char c : value) found |= kTextCharacters[static_cast<unsigned char>(c)];
+    const unsigned found = charactersOf(value);
     if (found == 0 || (found == kEscape && how == Value::AsItIs)) {
         out += value;
         return;
     }
-    // A value that was copied from the input can contain anything. A line end within it would begin
-    // another property, and other control characters are invalid.
-    std::string text = how == Value::Escaped ? escapeICalendar(value) : std::string(value);
-    if (!isUtf8(text)) text = utf8OrWindows1252(std::move(text));
-    std::copy_if(text.begin(), text.end(), std::back_inserter(out),
-                 [](char c) { return static_cast<unsigned char>(c) >= ' ' || c == '\t'; });
+    if (how == Value::Escaped)
+        addWithoutControls(out, escapeICalendar(value));
+    else
+        addWithoutControls(out, value);
 }
 
 }  // namespace

@@ -12,12 +12,12 @@ namespace qel::calendar {
 namespace {
 
 bool hasEncoding(const ContentLine& line, std::string_view encoding) {
-    return std::any_of(
-        line.parameters.begin(), line.parameters.end(),
-        [encoding](const Parameter& each) {
-            return (each.name.empty() || each.name == "ENCODING") &&
-                   equalsIgnoreCase(each.value, encoding);
-        });
+    if (line.parameters.empty()) return false;
+    return std::any_of(line.parameters.begin(), line.parameters.end(),
+                       [encoding](const Parameter& each) {
+                           return (each.name.empty() || each.name == "ENCODING") &&
+                                  equalsIgnoreCase(each.value, encoding);
+                       });
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "calendar/base/ByteSearch.h"
+
 namespace qel::calendar {
 
 namespace {
@@ -50,6 +52,7 @@ std::string escapeICalendar(std::string_view text) {
 }
 
 std::vector<std::string> splitICalendarList(std::string_view text) {
+    if (!hasAny<'\\', ','>(text)) return {std::string(text)};
     std::vector<std::string> items;
     std::size_t begin = 0;
     for (std::size_t at = 0; at <= text.size(); ++at) {
@@ -91,8 +94,7 @@ std::string escapeVCalendar(std::string_view text, std::string_view separators) 
 }
 
 std::vector<std::string> splitVCalendar(std::string_view text, std::string_view separators) {
-    const auto isSpecial = [](char c) { return c == ';' || c == ',' || c == '\\'; };
-    if (std::none_of(text.begin(), text.end(), isSpecial)) return {std::string(text)};
+    if (!hasAny<';', ',', '\\'>(text)) return {std::string(text)};
     std::vector<std::string> fields;
     fields.reserve(4);
     fields.emplace_back();
