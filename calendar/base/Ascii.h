@@ -37,10 +37,11 @@ namespace qel::calendar {
 }
 
 [[nodiscard]] inline bool equalsIgnoreCase(std::string_view one, std::string_view other) {
-    return one.size() == other.size() &&
-           std::equal(
-               one.begin(), one.end(), other.begin(),
-               [](char a, char b) { return toUpper(a) == toUpper(b); });
+    // Nearly always they are the same or differ at once.
+    if (one.size() != other.size()) return false;
+    if (one == other) return true;
+    return std::equal(one.begin(), one.end(), other.begin(),
+                      [](char a, char b) { return toUpper(a) == toUpper(b); });
 }
 
 [[nodiscard]] inline bool startsWithIgnoreCase(std::string_view text, std::string_view head) {

@@ -9,6 +9,25 @@
 
 namespace qel::calendar {
 
+void Entry::clear() {
+    kind = EntryKind::Event;
+    component.clear();
+    line = 0;
+    zone.reset();
+    for (std::optional<Moment>* each :
+         {&start, &end, &due, &completed, &created, &modified, &stamp, &recurrenceId})
+        each->reset();
+    duration.reset();
+    thisAndFuture = false;
+    uid.clear();
+    madeUid.clear();
+    rules.clear();
+    dates.clear();
+    excluded.clear();
+    alarms.clear();
+    properties.clear();
+}
+
 const EntryProperty* Entry::find(std::string_view name) const {
     const auto found =
         std::find_if(properties.begin(), properties.end(),

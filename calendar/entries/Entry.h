@@ -101,6 +101,9 @@ struct Entry {
     std::vector<Alarm> alarms;
     std::vector<EntryProperty> properties;
 
+    // As it was made; its lists keep their memory.
+    void clear();
+
     [[nodiscard]] const EntryProperty* find(std::string_view name) const;
     // What the properties of phones and PC programs say about whole days. Some phones say
     // AtMidnight of every event but appointments: it is all-day when it starts at midnight.

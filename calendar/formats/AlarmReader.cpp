@@ -179,7 +179,6 @@ bool AlarmReader::restoreAs(Action action) {
 }
 
 void AlarmReader::takeLine(const ContentLine& line) {
-    alarm_ = {};
     alarm_.line = line.number;
     alarm_.action = line.id == PropertyName::AAlarm   ? Action::Audio
                     : line.id == PropertyName::DAlarm ? Action::Display

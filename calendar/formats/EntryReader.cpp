@@ -58,6 +58,13 @@ bool isDegrees(std::string_view text, int most) {
 
 }  // namespace
 
+void dropBlankItems(std::vector<std::string>& items) {
+    for (std::string& each : items)
+        if (const std::string_view inside = trimmed(each); inside.size() != each.size())
+            each = std::string(inside);
+    std::erase_if(items, [](const std::string& each) { return each.empty(); });
+}
+
 bool isEncodingWord(std::string_view value) {
     static constexpr std::string_view kWords[] = {
         "QUOTED-PRINTABLE", "BASE64", "B", "8BIT", "8-BIT", "7BIT"};
@@ -89,12 +96,9 @@ Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
 }
 
 bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
-    std::vector<EntryProperty> properties = std::move(entry_.properties);
-    properties.clear();
-    if (properties.capacity() > kUsualProperties) properties = {};
-    properties.reserve(kUsualProperties);
-    entry_ = {};
-    entry_.properties = std::move(properties);
+    if (entry_.properties.capacity() > kUsualProperties) entry_.properties = {};
+    entry_.clear();
+    entry_.properties.reserve(kUsualProperties);
     ruleLines_.clear();
     dateLines_.clear();
     texts_.clear();
@@ -333,7 +337,7 @@ void EntryReader::settleExcluded() {
 }
 
 void EntryReader::reportAdditional() {
-    if (entry_.zone != nullptr || entry_.start->isDate) return;
+    if (entry_.dates.empty() || entry_.zone != nullptr || entry_.start->isDate) return;
     Strays other;
     for (const Moment& date : entry_.dates)
         if (!date.isDate && date.clock != entry_.start->clock) other.add(formatMoment(date));
@@ -404,7 +408,8 @@ void EntryReader::takeLine(const ContentLine& line) {
         case Name::PAlarm:
             return AlarmReader(*this).takeLine(line);
         default:
-            if (line.id != Name::Attach && isBinary(line, choices_.characterSet))
+            if (!line.parameters.empty() && line.id != Name::Attach &&
+                isBinary(line, choices_.characterSet))
                 return takeBytes(line);
             return takeProperty(line);
     }
@@ -719,19 +724,23 @@ void EntryReader::carry(const ContentLine& line) {
 
 void EntryReader::add(const ContentLine& line, std::string_view name, EntryProperty::Type type,
                       std::string_view value, std::vector<Parameter> parameters) {
-    entry_.properties.push_back(
-        {std::string(name), std::move(parameters), type, std::string(value), {}, line.number});
+    EntryProperty& property = entry_.properties.emplace_back();
+    property.name = name;
+    property.parameters = std::move(parameters);
+    property.type = type;
+    property.text = value;
+    property.line = line.number;
 }
 
 void EntryReader::addList(const ContentLine& line, std::vector<std::string> items,
                           std::vector<Parameter> parameters) {
     if (items.empty()) return;
-    entry_.properties.push_back({std::string(line.name),
-                                 std::move(parameters),
-                                 EntryProperty::Type::TextList,
-                                 {},
-                                 std::move(items),
-                                 line.number});
+    EntryProperty& property = entry_.properties.emplace_back();
+    property.name = line.name;
+    property.parameters = std::move(parameters);
+    property.type = EntryProperty::Type::TextList;
+    property.items = std::move(items);
+    property.line = line.number;
 }
 
 }  // namespace qel::calendar

@@ -4,11 +4,13 @@
 #ifndef QEL_CALENDAR_FORMATS_ENTRYREADER_H
 #define QEL_CALENDAR_FORMATS_ENTRYREADER_H
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "calendar/base/Choices.h"
@@ -156,8 +158,17 @@ class EntryReader {
         ZonePtr zone;
         bool oneTime = true;  // all of its dates are at the start's time of day
     };
-    std::map<std::string, SeriesStart, std::less<>> seriesStarts_;
+    struct HashOfText {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const {
+            return std::hash<std::string_view>()(text);
+        }
+    };
+    std::unordered_map<std::string, SeriesStart, HashOfText, std::equal_to<>> seriesStarts_;
 };
+
+// Takes the blanks off the items of a list, and those away that are nothing else.
+void dropBlankItems(std::vector<std::string>& items);
 
 // True for the words that name an encoding, where a value is given without its parameter's name.
 [[nodiscard]] bool isEncodingWord(std::string_view value);

@@ -73,9 +73,8 @@ void ICalReader::takeProperty(const ContentLine& line) {
     const Property& property = propertyOf(line.id);
     const bool known = property.held == HeldAs::Property;
     if (known && property.type == ValueType::TextList) {
-        std::vector<std::string> items;
-        for (const std::string& item : splitICalendarList(value))
-            if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+        std::vector<std::string> items = splitICalendarList(value);
+        dropBlankItems(items);
         addList(line, std::move(items), std::move(parameters));
     } else if (known && property.type == ValueType::Raw) {
         add(line, line.name, property.type, trimmed(value), std::move(parameters));

@@ -82,9 +82,8 @@ void VCalReader::takeProperty(const ContentLine& line) {
 }
 
 void VCalReader::takeList(const ContentLine& line) {
-    std::vector<std::string> items;
-    for (const std::string& item : splitVCalendar(text(line), ";,"))
-        if (!trimmed(item).empty()) items.emplace_back(trimmed(item));
+    std::vector<std::string> items = splitVCalendar(text(line), ";,");
+    dropBlankItems(items);
     addList(line, std::move(items), parametersFromVCalendar(line));
 }
 

@@ -151,6 +151,11 @@ std::string_view alarmName(Alarm::Action action) {
 
 bool readAlarmFields(Alarm& alarm) {
     alarm.fromVCalendar = true;
+    if (alarm.fields.find_first_not_of(';') == std::string::npos) {
+        alarm.fields.clear();
+        alarm.hasText = false;
+        return true;
+    }
     const std::vector<std::string> fields = splitVCalendar(alarm.fields, ";");
     const bool any = std::any_of(fields.begin(), fields.end(),
                                  [](const std::string& field) { return !trimmed(field).empty(); });

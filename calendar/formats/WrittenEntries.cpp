@@ -1,5 +1,6 @@
 #include "calendar/formats/WrittenEntries.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "calendar/base/Ascii.h"
@@ -52,13 +53,35 @@ ContentDigest contentDigest(std::initializer_list<std::string_view> texts) {
     return {finished(digest.low), finished(digest.high ^ digest.low)};
 }
 
+std::size_t WrittenEntries::Digests::placeOf(const ContentDigest& digest) const {
+    const std::size_t last = places_.size() - 1;
+    std::size_t place = static_cast<std::size_t>(digest.low) & last;
+    while (places_[place] != digest && places_[place] != ContentDigest{})
+        place = (place + 1) & last;
+    return place;
+}
+
+bool WrittenEntries::Digests::insert(const ContentDigest& digest) {
+    if (2 * (size_ + 1) > places_.size()) grow();
+    ContentDigest& place = places_[placeOf(digest)];
+    if (place == digest) return false;
+    place = digest;
+    ++size_;
+    return true;
+}
+
+void WrittenEntries::Digests::grow() {
+    constexpr std::size_t kFirst = 16;
+    std::vector<ContentDigest> old(std::max(2 * places_.size(), kFirst));
+    old.swap(places_);
+    for (const ContentDigest& each : old)
+        if (each != ContentDigest{}) places_[placeOf(each)] = each;
+}
+
 WrittenEntries::Found WrittenEntries::add(const ContentDigest& key, const ContentDigest& content) {
-    if (contents_.contains(content)) return Found::Same;
-    const bool known = keys_.contains(key);
-    if (contents_.size() < kMost) {
-        contents_.insert(content);
-        keys_.insert(key);
-    }
+    const bool full = contents_.size() >= kMost;
+    if (full ? contents_.contains(content) : !contents_.insert(content)) return Found::Same;
+    const bool known = full ? keys_.contains(key) : !keys_.insert(key);
     return known ? Found::OtherContent : Found::Nothing;
 }
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string_view>
-#include <unordered_set>
+#include <vector>
 
 namespace qel::calendar {
 
@@ -31,13 +31,27 @@ class WrittenEntries {
     static constexpr std::size_t kMost = 500000;
 
   private:
-    struct Hash {
-        std::size_t operator()(const ContentDigest& digest) const {
-            return static_cast<std::size_t>(digest.low);
+    // Digests in one block of memory, each at the place that its bits say or at the next free one.
+    class Digests {
+      public:
+        [[nodiscard]] bool contains(const ContentDigest& digest) const {
+            return !places_.empty() && places_[placeOf(digest)] == digest;
         }
+        // False when it is in already.
+        bool insert(const ContentDigest& digest);
+        [[nodiscard]] std::size_t size() const { return size_; }
+
+      private:
+        // Its own place, or the free one where it belongs. REQUIRES: a free place.
+        [[nodiscard]] std::size_t placeOf(const ContentDigest& digest) const;
+        void grow();
+
+        std::vector<ContentDigest> places_;  // a power of two of them; free ones hold zeros
+        std::size_t size_ = 0;
     };
-    std::unordered_set<ContentDigest, Hash> keys_;
-    std::unordered_set<ContentDigest, Hash> contents_;
+
+    Digests keys_;
+    Digests contents_;
 };
 
 }  // namespace qel::calendar
