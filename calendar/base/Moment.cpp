@@ -119,6 +119,37 @@ std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
     return Duration{number * unit->days, number * unit->seconds};
 }
 
+// The number of two digits; 100 or more when they are none.
+unsigned twoDigits(const char* text) {
+    const unsigned tens = static_cast<unsigned char>(text[0]) - unsigned{'0'};
+    const unsigned ones = static_cast<unsigned char>(text[1]) - unsigned{'0'};
+    return tens > 9 || ones > 9 ? 100 : tens * 10 + ones;
+}
+
+// YYYYMMDDTHHMMSS with or without a Z, as nearly all moments are written. Nothing for any other
+// form, and for a moment that has to be looked at more closely.
+std::optional<Moment> parseUsual(std::string_view text) {
+    constexpr std::size_t kLocal = 15;
+    const bool utc = text.size() == kLocal + 1 && text.back() == 'Z';
+    if ((text.size() != kLocal && !utc) || text[8] != 'T') return std::nullopt;
+    const unsigned century = twoDigits(text.data());
+    const unsigned year = twoDigits(text.data() + 2);
+    const unsigned month = twoDigits(text.data() + 4);
+    const unsigned day = twoDigits(text.data() + 6);
+    const unsigned hour = twoDigits(text.data() + 9);
+    const unsigned minute = twoDigits(text.data() + 11);
+    const unsigned second = twoDigits(text.data() + 13);
+    if (century - 1 > 98 || year > 99 || month - 1 > 11 || day - 1 > 27 || hour > 23 ||
+        minute > 59 || second > 59)
+        return std::nullopt;
+    Moment moment;
+    moment.day = dayNumber(static_cast<int>(century * 100 + year), static_cast<int>(month),
+                           static_cast<int>(day));
+    moment.second = static_cast<int>(hour * 3600 + minute * 60 + second);
+    moment.clock = utc ? Clock::Utc : Clock::Floating;
+    return moment;
+}
+
 // REQUIRES: 0..99.
 void putTwo(char* text, int number) {
     text[0] = static_cast<char>('0' + number / 10);
@@ -146,6 +177,7 @@ Moment momentAt(const Moment& moment, std::int64_t seconds) {
 }
 
 std::optional<Moment> parseMoment(std::string_view text, std::string* problem) {
+    if (const auto usual = parseUsual(text)) return usual;
     text = trimmed(text);
     Moment moment;
     const auto day = takeDate(text, problem);

@@ -15,12 +15,8 @@ namespace qel::calendar {
 using Action = Alarm::Action;
 
 void AlarmReader::takeComponent(const Component& component) {
-    alarm_ = {};
     alarm_.line = component.number;
     alarm_.hasText = false;
-    hasTrigger_ = false;
-    hasAction_ = false;
-    usable_ = true;
     // What the other properties are for depends on it.
     for (const ContentLine& line : component.properties)
         if (line.id == PropertyName::Action) {
@@ -146,6 +142,7 @@ void AlarmReader::takeAttachment() {
 }
 
 void AlarmReader::restore() {
+    if (alarm_.others.empty()) return;
     for (const Action action : {Action::Audio, Action::Display, Action::Email, Action::Procedure})
         if (restoreAs(action)) return;
 }

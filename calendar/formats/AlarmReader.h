@@ -10,7 +10,7 @@ namespace qel::calendar {
 
 class EntryReader;
 
-// Each function adds the alarm to the reader's entry, or reports why not.
+// Of one alarm: either function adds it to the reader's entry, or reports why not.
 class AlarmReader {
   public:
     explicit AlarmReader(EntryReader& reader) : reader_(reader) {}

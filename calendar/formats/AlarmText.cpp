@@ -38,12 +38,12 @@ bool isBinary(const Alarm& alarm) {
         [](const Parameter& each) { return equalsIgnoreCase(each.value, "BASE64"); });
 }
 
-std::string triggerLine(const AlarmTrigger& trigger) {
+void addTrigger(std::string& out, const AlarmTrigger& trigger) {
     if (trigger.at)
-        return iCalendarLine("TRIGGER", {{"VALUE", "DATE-TIME"}}, formatMoment(*trigger.at));
+        return addICalendarLine(out, "TRIGGER", {{"VALUE", "DATE-TIME"}}, MomentText(*trigger.at));
     std::vector<Parameter> parameters;
     if (trigger.fromEnd) parameters.push_back({"RELATED", "END"});
-    return iCalendarLine("TRIGGER", parameters, formatDuration(trigger.offset));
+    addICalendarLine(out, "TRIGGER", parameters, formatDuration(trigger.offset));
 }
 
 // The lines of a VALARM for what an alarm does.
@@ -148,8 +148,7 @@ std::optional<AlarmTrigger> iCalendarTrigger(const Entry& entry, const Alarm& al
 void addICalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm,
                        std::string_view summary) {
     out += "BEGIN:VALARM\r\n";
-    out += triggerLine(iCalendarTrigger(entry, alarm).value());
-    out += "\r\n";
+    addTrigger(out, iCalendarTrigger(entry, alarm).value());
     ActionLines action(out, alarm, summary);
     action.addRepetition();
     action.addAction();

@@ -62,6 +62,15 @@ void ICalReader::settleTimes() {
     moveSeriesToZone();
 }
 
+void ICalReader::addText(const ContentLine& line, std::string_view value,
+                         std::vector<Parameter> parameters) {
+    constexpr auto kText = EntryProperty::Type::Text;
+    if (value.find('\\') == std::string_view::npos)
+        add(line, line.name, kText, value, std::move(parameters));
+    else
+        add(line, line.name, kText, unescapeICalendar(value), std::move(parameters));
+}
+
 void ICalReader::takeProperty(const ContentLine& line) {
     const bool binary = isBase64(line);
     if (binary && line.id == PropertyName::Attach) return takeAttachment(line);
@@ -79,8 +88,7 @@ void ICalReader::takeProperty(const ContentLine& line) {
     } else if (known && property.type == ValueType::Raw) {
         add(line, line.name, property.type, trimmed(value), std::move(parameters));
     } else if (known || line.name.starts_with("X-")) {
-        add(line, line.name, EntryProperty::Type::Text, unescapeICalendar(value),
-            std::move(parameters));
+        addText(line, value, std::move(parameters));
     } else {
         // A property of some other standard, kept unchanged.
         add(line, line.name, EntryProperty::Type::Raw, value, std::move(parameters));

@@ -22,6 +22,8 @@ class ICalReader final : public EntryReader {
     [[nodiscard]] std::vector<std::string> listItems(std::string_view value) const override;
     void settleTimes() override;
 
+    void addText(const ContentLine& line, std::string_view value,
+                 std::vector<Parameter> parameters);
     // A Base64 value.
     void takeAttachment(const ContentLine& line);
 };

@@ -84,14 +84,21 @@ std::string VCalEntry::dateText(const Moment& moment) const {
     return text;
 }
 
+void VCalEntry::dateLine(std::string_view name, const Moment& moment) {
+    if (moment.isDate && allDay_)
+        line(name, {}, dateText(moment));
+    else
+        line(name, {}, MomentText(moment));
+}
+
 void VCalEntry::addDates() {
     if (entry_.duration) line("X-ICAL-DURATION", {}, formatDuration(*entry_.duration));
-    if (entry_.start) line("DTSTART", {}, dateText(*entry_.start));
-    if (entry_.end) line("DTEND", {}, dateText(*entry_.end));
-    if (entry_.due) line("DUE", {}, dateText(*entry_.due));
-    if (entry_.completed) line("COMPLETED", {}, formatMoment(*entry_.completed));
-    if (entry_.created) line("DCREATED", {}, formatMoment(*entry_.created));
-    if (entry_.modified) line("LAST-MODIFIED", {}, formatMoment(*entry_.modified));
+    if (entry_.start) dateLine("DTSTART", *entry_.start);
+    if (entry_.end) dateLine("DTEND", *entry_.end);
+    if (entry_.due) dateLine("DUE", *entry_.due);
+    if (entry_.completed) line("COMPLETED", {}, MomentText(*entry_.completed));
+    if (entry_.created) line("DCREATED", {}, MomentText(*entry_.created));
+    if (entry_.modified) line("LAST-MODIFIED", {}, MomentText(*entry_.modified));
     if (entry_.recurrenceId) {
         std::vector<Parameter> parameters;
         if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
@@ -165,11 +172,19 @@ void VCalEntry::addProperty(const EntryProperty& property) {
     else if (property.type == EntryProperty::Type::TextList && !name.starts_with(kVCalendarPrefix))
         addList(property);
     else if (property.type == EntryProperty::Type::Text && isOwn(id))
-        line(name, parametersToVCalendar(property.parameters),
-             escapeVCalendar(property.value(), ""));
+        addText(property);
     else  // texts of vCalendar 1.0 under the prefix come back as they were
         line(nameInVCalendar(name, id), parametersToVCalendar(property.parameters),
              property.value());
+}
+
+// Only a backslash needs to be protected.
+void VCalEntry::addText(const EntryProperty& property) {
+    const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
+    if (property.value().find('\\') == std::string::npos)
+        line(property.name, parameters, property.value());
+    else
+        line(property.name, parameters, escapeVCalendar(property.value(), ""));
 }
 
 void VCalEntry::addTransparency(const EntryProperty& property) {

@@ -40,12 +40,14 @@ class VCalEntry {
     void addUid();
     // The dates of an all-day event are midnights, as phones write them.
     [[nodiscard]] std::string dateText(const Moment& moment) const;
+    void dateLine(std::string_view name, const Moment& moment);
     void addDates();
     // DTSTAMP, unless iCalendar would get the same one again from the other dates.
     void addStamp();
     void addRecurrence();
     void addDateList(std::string_view name, const std::vector<Moment>& dates);
     void addProperty(const EntryProperty& property);
+    void addText(const EntryProperty& property);
     void addList(const EntryProperty& property);
     void addStatus(const EntryProperty& property);
     void addTransparency(const EntryProperty& property);

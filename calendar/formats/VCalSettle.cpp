@@ -1,6 +1,7 @@
 #include "calendar/formats/VCalSettle.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -98,8 +99,10 @@ void VCalSettling::settleRules() {
     RuleStart start = entry().ruleStart();
     start.utcOffset = 0;
     for (const EntryRule& each : settled_.read().rules) {
-        for (Rule rule : each.rules) {
-            if (!rule.until.empty()) rule.until = untilText(rule.until);
+        for (const Rule& own : each.rules) {
+            std::optional<Rule> ended;
+            if (!own.until.empty()) ended.emplace(own).until = untilText(own.until);
+            const Rule& rule = ended ? *ended : own;
             VCalendarRule texts = vCalendarTexts(rule, start);
             for (std::string& text : texts.texts)
                 settled_.rules.push_back({each.exclude ? "EXRULE" : "RRULE", std::move(text)});

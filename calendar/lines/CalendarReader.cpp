@@ -68,7 +68,7 @@ LineReader::Result CalendarReader::readLine() {
     using Result = LineReader::Result;
     if (std::exchange(pending_, false)) return Result::Line;
     for (;;) {
-        if (contents_ == Contents::OfZones && isAscii_ && inEntry() && !inZone_) lines_.passOver();
+        if (contents_ == Contents::OfZones && inEntry() && !inZone_) lines_.passOver();
         const Result result = lines_.next();
         if (result != Result::Line) return result;
         if (passesOver(lines_.line()))

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 
 namespace qel::calendar {
 
@@ -246,7 +247,7 @@ std::string_view takeName(char* text, std::string_view& head) {
 // The part of `head` up to a ";" outside quotes, which is taken off with it.
 std::string_view nextParameter(std::string_view& head) {
     bool inQuotes = false;
-    std::size_t end = 0;
+    std::size_t end = findAny<'"', ';'>(head);
     for (; end < head.size(); ++end) {
         if (head[end] == '"') inQuotes = !inQuotes;
         if (head[end] == ';' && !inQuotes) break;
@@ -259,8 +260,7 @@ std::string_view nextParameter(std::string_view& head) {
 
 // Takes quotes off and undoes RFC 6868: ^n, ^' and ^^.
 std::string parameterValue(std::string_view text) {
-    const auto isSpecial = [](char c) { return c == '"' || c == '^'; };
-    if (std::none_of(text.begin(), text.end(), isSpecial)) return std::string(text);
+    if (!hasAny<'"', '^'>(text)) return std::string(text);
     std::string value;
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') continue;

@@ -280,7 +280,7 @@ bool LineReader::isPassedOver() const {
     if (!hasAhead_ || !pieces_.empty() || ahead_.empty()) return false;
     const char first = ahead_.front();
     return isCapital(first) && first != 'B' && first != 'E' && marks_.nameEnd == marks_.colon &&
-           marks_.colon != std::string_view::npos && at_ < chunk_.size();
+           marks_.colon != std::string_view::npos && at_ < chunk_.size() && isAscii(ahead_);
 }
 
 void LineReader::passOver() {

@@ -60,8 +60,8 @@ class LineReader {
     // text over lines that are not properties.
     [[nodiscard]] Result next();
 
-    // Passes over lines that are by themselves, begin with a capital other than B and E and have no
-    // parameters; for a caller who looks for other ones. next() goes on after them.
+    // Passes over lines of ASCII that are by themselves, begin with a capital other than B and E
+    // and have no parameters; for a caller who looks for other ones. next() goes on after them.
     void passOver();
 
     // Until next() is called again; the caller may change it. Its text may be a view of the bytes

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/CalendarNames.h"
 #include "calendar/base/Strays.h"
 #include "calendar/rules/RuleEnd.h"
@@ -194,7 +195,7 @@ void readICalendarRules(std::string_view text, const std::optional<RuleStart>& s
     std::size_t rules = 1;
     std::optional<PartReader> part(reading);
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of("; \t\r\n"), text.size());
+        const std::size_t end = findAny<';', ' ', '\t', '\r', '\n'>(text);
         const std::string_view item = text.substr(0, end);
         text.remove_prefix(std::min(end + 1, text.size()));
         if (trimmed(item).empty()) continue;

@@ -246,6 +246,18 @@ std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start)
     return text + " " + (isDate ? shape.until.substr(0, 8) + "T000000" : shape.until);
 }
 
+// True for a rule that has one of the format's shapes as it is, and whose text surely is read as
+// the same dates: every day, or weekdays of every week.
+bool isPlain(const Rule& rule) {
+    const bool daily = rule.frequency == Frequency::Daily && rule.days.empty();
+    if (!daily && rule.frequency != Frequency::Weekly) return false;
+    if (rule.interval != 1 || !rule.until.empty() || anyPosition(rule.days)) return false;
+    const auto isEmpty = [&](auto list) { return (rule.*list).empty(); };
+    return isEmpty(&Rule::monthDays) && isEmpty(&Rule::yearDays) && isEmpty(&Rule::weekNumbers) &&
+           isEmpty(&Rule::months) && isEmpty(&Rule::setPositions) && isEmpty(&Rule::hours) &&
+           isEmpty(&Rule::minutes) && isEmpty(&Rule::seconds);
+}
+
 // Compares 400 dates or 60 years.
 bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
     if (one == other) return true;
@@ -260,6 +272,10 @@ bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
 
 VCalendarRule vCalendarTexts(const Rule& rule, const std::optional<RuleStart>& start) {
     VCalendarRule result;
+    if (isPlain(rule)) {
+        result.texts.push_back(writeShape(rule, start));
+        return result;
+    }
     Reshaper reshaper(rule, start);
     const auto shape = reshaper.run();
     if (!shape) {

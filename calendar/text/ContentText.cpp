@@ -202,7 +202,8 @@ void addVCalendarLine(std::string& out, std::string_view name,
     }
     // Programs compare these byte by byte, and some phones never decode them.
     const std::size_t room = name == "UID" || name == "URL" ? kLongestPlain : kWidth;
-    if (printable && out.size() - begin + 1 + value.size() <= room && trimmed(value) == value) {
+    if (printable && out.size() - begin + 1 + value.size() <= room &&
+        (value.empty() || (value.front() != ' ' && value.back() != ' '))) {
         out += ':';
         out += value;
         return;

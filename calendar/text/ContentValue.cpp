@@ -12,17 +12,18 @@ namespace qel::calendar {
 namespace {
 
 bool hasEncoding(const ContentLine& line, std::string_view encoding) {
-    if (line.parameters.empty()) return false;
-    return std::any_of(line.parameters.begin(), line.parameters.end(),
-                       [encoding](const Parameter& each) {
-                           return (each.name.empty() || each.name == "ENCODING") &&
-                                  equalsIgnoreCase(each.value, encoding);
-                       });
+    return std::any_of(
+        line.parameters.begin(), line.parameters.end(),
+        [encoding](const Parameter& each) {
+            return (each.name.empty() || each.name == "ENCODING") &&
+                   equalsIgnoreCase(each.value, encoding);
+        });
 }
 
 }  // namespace
 
 bool isBase64(const ContentLine& line) {
+    if (line.parameters.empty()) return false;
     return hasEncoding(line, "BASE64") || hasEncoding(line, "B");
 }
 
@@ -83,7 +84,8 @@ void decodeParameters(ContentLine& line, std::string_view unlabelled) {
 }
 
 void decodeParameters(Component& component, std::string_view unlabelled) {
-    for (ContentLine& each : component.properties) decodeParameters(each, unlabelled);
+    for (ContentLine& each : component.properties)
+        if (!each.parameters.empty()) decodeParameters(each, unlabelled);
     for (Component& each : component.children) decodeParameters(each, unlabelled);
 }
 

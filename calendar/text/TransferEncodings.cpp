@@ -68,10 +68,11 @@ std::string withoutMarks(std::string text) {
 }  // namespace
 
 std::string quotedPrintable(std::string_view text, std::size_t startColumn) {
+    // Three octets for each, and a soft line break of three for each line of 76 at most.
     std::size_t length = 0;
-    if (encodeQP(text.data(), text.size(), startColumn, nullptr, 0, &length) != 0) return "";
-    std::string result(length + 1, '\0');
-    encodeQP(text.data(), text.size(), startColumn, result.data(), result.size(), &length);
+    std::string result(3 * text.size() + 3 * (text.size() / 16 + 2) + 1, '\0');
+    if (encodeQP(text.data(), text.size(), startColumn, result.data(), result.size(), &length) != 0)
+        return "";
     result.resize(length);
     return withoutMarks(std::move(result));
 }
