@@ -2,6 +2,7 @@
 #ifndef QEL_CALENDAR_API_REPORTHANDLE_H
 #define QEL_CALENDAR_API_REPORTHANDLE_H
 
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -21,7 +22,11 @@ inline auto writeTo(qelcal_write_fn write, void* context) {
 
 struct qelcal_report {
     qelcal_report(qelcal_write_fn body, void* context)
-        : report(qel::calendar::api::writeTo(body, context)) {}
+        : made(std::make_unique<qel::calendar::ConversionReport>(
+              qel::calendar::api::writeTo(body, context))),
+          report(*made) {}
+    explicit qelcal_report(const qel::calendar::ConversionReport& whole)
+        : made(qel::calendar::ConversionReport::partOf(whole)), report(*made) {}
 
     // Ends the file that has begun, if one has.
     void endFile() {
@@ -29,7 +34,8 @@ struct qelcal_report {
         if (std::exchange(inFile, false)) report.endFile();
     }
 
-    qel::calendar::ConversionReport report;
+    const std::unique_ptr<qel::calendar::ConversionReport> made;
+    qel::calendar::ConversionReport& report;
     bool inFile = false;
     const qelcal_converter* reading = nullptr;  // whose file it is; null when that one gave up
     bool finished = false;

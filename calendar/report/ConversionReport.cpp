@@ -55,11 +55,18 @@ std::vector<std::string> keptNames(std::string_view after, std::string_view befo
 
 }  // namespace
 
+std::unique_ptr<ConversionReport> ConversionReport::partOf(const ConversionReport& whole) {
+    auto part = std::make_unique<ConversionReport>(nullptr);
+    part->weekStart_ = whole.weekStart_;
+    part->articles_ = whole.articles_.load();
+    return part;
+}
+
 void ConversionReport::beginFile(const std::string& name) {
     tally_.beginFile(name);
     pending_ = {};
     ofFile_ = {};
-    body_(fileBegin(tally_.files().size(), name));
+    put(Held::What::File, name);
 }
 
 void ConversionReport::note(const Note& note) {
@@ -82,29 +89,50 @@ void ConversionReport::entryConverted(const ConvertedEntry& converted) {
     ofFile_.add(others);
     entry.line = converted.entry.line;
     // A page of everything about everything could not be opened.
-    if (entry.notes.count() == 0 && articles_ >= kMostArticles) {
+    const bool mayBeLine = entry.notes.count() == 0;
+    std::string line;
+    if (mayBeLine && (isPart() || articles_ >= kMostArticles)) {
         entry.facts = entryHeading(converted.entry);
-        body_(entryLine(entry));
-        return;
+        line = entryLine(entry);
+        if (articles_ >= kMostArticles) return put(Held::What::Other, std::move(line));
     }
-    ++articles_;
     entry.weekStart = weekStart_;
     entry.facts = entryFacts(converted);
     const std::string before = plainLines(converted.source);
     entry.kept = keptNames(converted.written, before);
     entry.before = firstLines(before, entry.cut);
     entry.after = firstLines(converted.written, entry.cut);
-    body_(entryArticle(entry));
+    put(Held::What::Article, entryArticle(entry), std::move(line));
 }
 
 void ConversionReport::endFile() {
     ofFile_.add(pending_);
     pending_ = {};
-    body_(fileEnd(ofFile_));
+    put(Held::What::Other, fileEnd(ofFile_));
+}
+
+void ConversionReport::put(Held::What what, std::string text, std::string line) {
+    if (what == Held::What::Article) ++articles_;
+    if (isPart())
+        held_.push_back({what, std::move(text), std::move(line)});
+    else
+        body_(what == Held::What::File ? fileBegin(tally_.files().size(), text) : text);
+}
+
+void ConversionReport::join(ConversionReport& part) {
+    std::size_t file = tally_.files().size();
+    tally_.join(part.tally_);
+    for (Held& each : part.held_)
+        if (each.what == Held::What::File)
+            body_(fileBegin(++file, each.text));
+        else if (!each.line.empty() && articles_ >= kMostArticles)
+            body_(each.line);
+        else
+            put(each.what, std::move(each.text));
 }
 
 void ConversionReport::finish(const std::string& remark, const Write& head) {
-    body_(pageEnd());
+    put(Held::What::Other, pageEnd());
     const std::vector<FileOutcome>& files = tally_.files();
     const Totals totals = tally_.totals();
     head(pageBegin(remark, totals));

@@ -2,10 +2,13 @@
 #ifndef QEL_CALENDAR_REPORT_CONVERSIONREPORT_H
 #define QEL_CALENDAR_REPORT_CONVERSIONREPORT_H
 
+#include <atomic>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "calendar/converter/ConversionObserver.h"
 #include "calendar/report/Outcome.h"
@@ -24,6 +27,9 @@ class ConversionReport final : public ConversionObserver {
 
     // `body` receives the pieces of the body as they come.
     explicit ConversionReport(Write body) : body_(std::move(body)) {}
+    // A part of `whole`, held until that takes it by join(). Any thread, also while another one
+    // uses `whole`; each part belongs to one.
+    [[nodiscard]] static std::unique_ptr<ConversionReport> partOf(const ConversionReport& whole);
 
     // The day on which the weeks of months begin, 1 Sunday to 7 Saturday; Monday by default.
     void beginWeeksOn(int weekday) { weekStart_ = weekday; }
@@ -35,6 +41,9 @@ class ConversionReport final : public ConversionObserver {
     [[nodiscard]] bool wantsLines() const override { return true; }
     void entryConverted(const ConvertedEntry& converted) override;
     void endFile();
+    // The files of `part`, as if they had been reported here one after the other. REQUIRES: this is
+    // no part and `part` is one of it; no file is begun in either.
+    void join(ConversionReport& part);
     // See Tally::settle(). Possible until finish().
     void settle(std::size_t file, std::string output, std::string reason) {
         tally_.settle(file, std::move(output), std::move(reason));
@@ -44,14 +53,26 @@ class ConversionReport final : public ConversionObserver {
     void finish(const std::string& remark, const Write& head);
 
     [[nodiscard]] const Tally& tally() const { return tally_; }
+    [[nodiscard]] bool isPart() const { return body_ == nullptr; }
 
   private:
-    Write body_;
+    struct Held {
+        enum class What { File, Article, Other };
+        What what;
+        std::string text;  // of a file its name
+        std::string line;  // of an article that may be a line instead
+    };
+
+    void put(Held::What what, std::string text, std::string line = {});
+
+    Write body_;              // empty for a part
+    std::vector<Held> held_;  // of a part
     Tally tally_;
     NoteList pending_;  // since the last entry
     NoteList ofFile_;
     int weekStart_ = 2;
-    std::size_t articles_ = 0;  // written so far
+    // Written so far; of a part also those of the whole when the part began.
+    std::atomic<std::size_t> articles_{0};
 };
 
 }  // namespace qel::calendar

@@ -24,13 +24,26 @@ void Tally::note(const Note& note) {
     if (note.severity() == Severity::Error) ++counts.errors;
     if (note.fate() == Fate::Lost) ++counts.lost;
     if (note.severity() == Severity::Note) return;
-    const auto group = std::find_if(groups_.begin(), groups_.end(), [&note](const NoteGroup& each) {
-        return each.first.code == note.code;
-    });
-    if (group != groups_.end())
-        ++group->count;
+    add({note, files_.size(), 1});
+}
+
+void Tally::add(const NoteGroup& group) {
+    const auto known = std::find_if(
+        groups_.begin(), groups_.end(),
+        [&group](const NoteGroup& each) { return each.first.code == group.first.code; });
+    if (known != groups_.end())
+        known->count += group.count;
     else
-        groups_.push_back({note, files_.size(), 1});
+        groups_.push_back(group);
+}
+
+void Tally::join(const Tally& other) {
+    const std::size_t before = files_.size();
+    files_.insert(files_.end(), other.files_.begin(), other.files_.end());
+    for (NoteGroup group : other.groups_) {
+        group.file += before;
+        add(group);
+    }
 }
 
 void Tally::entryConverted(const ConvertedEntry& converted) {

@@ -57,6 +57,9 @@ class Tally : public ConversionObserver {
     // again; REQUIRES: the file was begun.
     void settle(std::size_t file, std::string output, std::string reason);
 
+    // Adds the files of `other`, and their notes, after those here.
+    void join(const Tally& other);
+
     // In the order in which they were begun.
     [[nodiscard]] const std::vector<FileOutcome>& files() const { return files_; }
     [[nodiscard]] Totals totals() const;
@@ -65,6 +68,8 @@ class Tally : public ConversionObserver {
     [[nodiscard]] std::vector<NoteGroup> worthALook() const;
 
   private:
+    void add(const NoteGroup& group);
+
     std::vector<FileOutcome> files_;
     std::vector<NoteGroup> groups_;  // in the order of their first notes
 };

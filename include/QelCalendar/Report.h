@@ -34,6 +34,14 @@ class Report {
     void addFile(const std::string& name) {
         detail::check(qelcal_report_add_file(report_.get(), name.c_str()));
     }
+    /// A part of this report: with it another thread may convert the next files, while this report
+    /// is used. Any thread may call this; each part belongs to one.
+    Report part() const { return Report(detail::made(qelcal_report_part(report_.get()))); }
+    /// Adds the files of `part`, as if they had been converted for this report one after the other.
+    /// The part is of no further use.
+    void join(Report& part) {
+        detail::check(qelcal_report_join(report_.get(), part.report_.get()));
+    }
     /// Says what became of a file, 0 for the first: the name of its result, and, where it has no
     /// part in any result, the reason why.
     void result(std::size_t file, const std::string& output, const std::string& reason) {
@@ -47,6 +55,7 @@ class Report {
     qelcal_report* get() const noexcept { return report_.get(); }
 
   private:
+    explicit Report(qelcal_report* part) : report_(part) {}
     static int QELCALENDAR_CALL write(void* context, const char* bytes, std::size_t size) {
         try {
             (*static_cast<Output*>(context))(bytes, size);

@@ -577,8 +577,8 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_counts(const qelcal_conver
  * end and memory stays bounded: the page is the head followed by the body. */
 typedef struct qelcal_report qelcal_report;
 
-/** A report whose body goes to `body` as it comes. Null when memory is exhausted or `body` is null.
- */
+/** A report whose body goes to `body` as it comes. Without `body` it is a part of a report, which
+ * is held in memory until qelcal_report_join(). Null when memory is exhausted. */
 QELCALENDAR_API qelcal_report* QELCALENDAR_CALL qelcal_report_new(qelcal_write_fn body,
                                                                   void* context);
 /** Frees it; null is ignored. */
@@ -596,6 +596,15 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_report(qelcal_converter* c
  * while a converter is within a file. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_add_file(qelcal_report* report,
                                                             const char* name);
+/** A part of `report`, to be freed as a report: with it another thread may convert the next files
+ * while this report is used. It holds in memory what it is given, until qelcal_report_join(). Its
+ * weeks begin on the day chosen for `report` before. Any thread may call it. Null when memory is
+ * exhausted, or `report` is null or itself a part. */
+QELCALENDAR_API qelcal_report* QELCALENDAR_CALL qelcal_report_part(const qelcal_report* report);
+/** Adds the files of `part`, as if they had been converted for `report` one after the other. The
+ * part is of no further use. QELCAL_INVALID_ARGUMENT when it is no part, QELCAL_WRONG_ORDER while a
+ * converter is within a file of either. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_report_join(qelcal_report* report, qelcal_report* part);
 /** Says what became of a file, 0 for the first one that was converted: the name of its result, and,
  * where it has no part in any result, the reason why. Both may be empty. Possible until
  * qelcal_report_finish(), and more than once. */

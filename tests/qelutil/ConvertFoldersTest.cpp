@@ -1,5 +1,6 @@
 // qelutil convert over folders: results, names, what is never overwritten, --strict, --dry-run, and
 // the report.
+#include <algorithm>
 #include <filesystem>
 
 #include "Qelutil.h"
@@ -266,6 +267,52 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntry) {
     fails(1, {"convert", phone_, "-n", "--report", state_.file("no/such/report.html")},
           "cannot be written");
     fails(2, {"convert", phone_, "--report", page, "-o", page}, "name the same file");
+}
+
+// Whole conversions, and among them files that fail, lose entries, or are long.
+TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoes) {
+    const fs::path golden = fs::path(QEL_TEST_SOURCE_DIR) / "tests/calendar/golden";
+    for (const char* copy : {"1", "2", "3", "4"}) fs::copy(golden, state_.path() / "phone" / copy);
+    put("phone/1/empty.ics", "");
+    put("phone/2/text.vcs", "no calendar");
+    put("phone/2/x.ics", kGood);
+    put("phone/2/x.vcs", kGood);
+    put("phone/3/lossy.vcs", kLossy);
+    std::string entries;
+    for (int i = 0; i < 2100; ++i)
+        entries += "BEGIN:VEVENT\r\nUID:" + std::to_string(i) +
+                   "\r\nDTSTART:20050615T083000\r\nEND:VEVENT\r\n";
+    put("phone/4/long.vcs", calendar(entries + "BEGIN:VEVENT\r\n"));
+    ProcessOptions here;
+    here.directory = state_.path().string();
+    const auto all = [&](const std::string& threads, std::vector<std::string> words) {
+        fs::remove_all(out_);
+        fs::remove_all(state_.path() / "phone-converted");
+        fs::remove(state_.path() / "r.html");
+        words.insert(words.end(), {"phone", "--threads", threads});
+        const ProcessResult result = run(words, here);
+        std::string text = std::to_string(result.exitCode) + result.out + result.err;
+        std::vector<fs::path> files;
+        for (const char* folder : {"out", "phone-converted"})
+            if (has(folder))
+                for (const auto& each : fs::recursive_directory_iterator(state_.path() / folder))
+                    if (each.is_regular_file()) files.push_back(each.path());
+        if (has("r.html")) files.push_back(state_.path() / "r.html");
+        std::sort(files.begin(), files.end());
+        for (const fs::path& each : files)
+            text += each.generic_string() + "\n" + readFile(each.string());
+        return text;
+    };
+    const std::vector<std::vector<std::string>> ways = {
+        {"convert", "-d", "out", "--report", "r.html"},
+        {"convert", "-d", "out", "--strict", "--verbose", "--json", "--to", "ics"},
+        {"convert", "-d", "out", "--dry-run"},
+        {"convert", "--beside"}};
+    for (const auto& words : ways) {
+        const std::string one = all("1", words);
+        EXPECT_GT(one.size(), 10000U);
+        EXPECT_EQ(one == all("5", words), true) << words.back();
+    }
 }
 
 }  // namespace

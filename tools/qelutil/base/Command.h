@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <iosfwd>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -71,7 +72,7 @@ class Context {
     [[nodiscard]] int exitCode() const { return exitCode_; }
 
     // The files that this run reads and those that it has written, known by what they are, not by
-    // their names: no result replaces one of them.
+    // their names: no result replaces one of them. setInput() in any thread.
     void setInput(const std::optional<platform::FileId>& file);
     [[nodiscard]] bool isInput(const std::filesystem::path& path) const;
     // Of what standard output goes to.
@@ -83,11 +84,13 @@ class Context {
     friend class Progress;
     // What a message is: its word before the text, and the colour that goes with it.
     struct Kind;
+    [[nodiscard]] bool isInput(const std::optional<platform::FileId>& file) const;
     void message(const Kind& kind, std::string_view file, std::size_t line, std::string_view text);
 
     std::ostream& err_;
     Progress* progress_ = nullptr;
     int exitCode_ = kExitFine;
+    mutable std::mutex inputsLock_;
     std::set<platform::FileId> inputs_;
     std::set<platform::FileId> written_;
 };

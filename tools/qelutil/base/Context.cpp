@@ -11,16 +11,21 @@ Context::Context(std::istream& inStream, std::ostream& outStream, std::ostream& 
     : in(inStream), out(outStream), err_(errStream) {}
 
 void Context::setInput(const std::optional<platform::FileId>& file) {
-    if (file) inputs_.insert(*file);
+    if (!file) return;
+    const std::lock_guard lock(inputsLock_);
+    inputs_.insert(*file);
 }
 
 bool Context::isInput(const std::filesystem::path& path) const {
-    const auto file = platform::identityOf(path);
-    return file && inputs_.contains(*file);
+    return isInput(platform::identityOf(path));
 }
 
 bool Context::outputIsInput() const {
-    const auto file = platform::identityOfOutput();
+    return isInput(platform::identityOfOutput());
+}
+
+bool Context::isInput(const std::optional<platform::FileId>& file) const {
+    const std::lock_guard lock(inputsLock_);
     return file && inputs_.contains(*file);
 }
 

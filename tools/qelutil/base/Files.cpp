@@ -37,6 +37,14 @@ fs::path behindLinks(fs::path path) {
     return path;
 }
 
+// `folder`, or the nearest folder above it that is there: where files for it can be made before it.
+fs::path presentFolder(fs::path folder) {
+    std::error_code failure;
+    while (!folder.empty() && !fs::exists(folder, failure) && folder != folder.parent_path())
+        folder = folder.parent_path();
+    return folder;
+}
+
 bool isSpecial(const fs::path& path) {
     std::error_code failure;
     const fs::file_status status = fs::status(path, failure);
@@ -196,22 +204,22 @@ OutputFile::OutputFile(Context& context, const std::string& name) : context_(con
     if (context.isInput(target_))
         throw OutputError(name + ": is the file that is read; name another file to write");
     special_ = isSpecial(target_);
-    create();
+    create(target_.parent_path());
 }
 
 std::unique_ptr<OutputFile> OutputFile::inFolder(Context& context, const std::string& likely) {
     std::unique_ptr<OutputFile> file(new OutputFile(context));
     file->name_ = likely;
     file->target_ = behindLinks(pathOf(likely));
-    file->create();
+    file->create(presentFolder(file->target_.parent_path()));
     return file;
 }
 
-void OutputFile::create() {
+void OutputFile::create(const fs::path& folder) {
     try {
         buffer_ = std::make_unique<Buffer>(
             name_, special_ ? platform::WritableFile::open(target_)
-                            : platform::WritableFile::createIn(target_.parent_path(), target_));
+                            : platform::WritableFile::createIn(folder, target_));
     } catch (const std::system_error& failure) {
         throw writeError(name_, failure.code());
     }
@@ -247,6 +255,15 @@ void OutputFile::replace() {
     if (context_.isWritten(target_))
         throw OutputError(name_ + ": has just been written by this run; name another file");
     context_.setWritten(buffer_->file().replace(target_));
+}
+
+void OutputFile::sync() {
+    stream_->flush();
+    try {
+        buffer_->file().sync();
+    } catch (const std::system_error& failure) {
+        throw writeError(name_, failure.code());
+    }
 }
 
 void OutputFile::commitAs(const std::string& name) {

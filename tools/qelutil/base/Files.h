@@ -1,5 +1,6 @@
 // Files as the command line names them: "-" is a standard stream, names are UTF-8 on every
-// platform, bytes are never translated. One thread.
+// platform, bytes are never translated. One thread, but for files that are read by name and those
+// of OutputFile::inFolder: each of them may be in a thread of its own.
 #ifndef QELUTIL_BASE_FILES_H
 #define QELUTIL_BASE_FILES_H
 
@@ -76,8 +77,8 @@ class OutputFile {
   public:
     // A file that the command line names. It must not be one that has been opened by an InputFile.
     OutputFile(Context& context, const std::string& name);
-    // A result in a folder of results: commitAs() says its name, `likely` is what it will mostly
-    // be. A device or a pipe in its place is left alone.
+    // A result in a folder of results, which need not be there yet: commitAs() says its name,
+    // `likely` is what it will mostly be. A device or a pipe in its place is left alone.
     [[nodiscard]] static std::unique_ptr<OutputFile> inFolder(Context& context,
                                                               const std::string& likely);
     ~OutputFile();
@@ -88,14 +89,17 @@ class OutputFile {
     // Where temporary files for it may be: the folder of the file.
     [[nodiscard]] std::filesystem::path folder() const;
     void commit();
-    // REQUIRES: of inFolder.
+    // Waits until all that was written is on the disk; so commitAs() need not. REQUIRES: of
+    // inFolder.
+    void sync();
+    // REQUIRES: of inFolder; the folder is there.
     void commitAs(const std::string& name);
 
   private:
     class Buffer;
 
     explicit OutputFile(Context& context);
-    void create();
+    void create(const std::filesystem::path& folder);
     void replace();
 
     Context& context_;

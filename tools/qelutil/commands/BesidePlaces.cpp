@@ -1,5 +1,6 @@
 #include "commands/BesidePlaces.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -30,6 +31,18 @@ std::string BesidePlaces::freeName(const std::string& place, const std::string& 
     return name;
 }
 
+// Folders of this run may not be there yet.
+std::string BesidePlaces::freeFolder(const std::string& wanted) const {
+    const auto isOurs = [this](const std::string& name) {
+        return std::any_of(folders_.begin(), folders_.end(),
+                           [&](const auto& each) { return each.second == name; });
+    };
+    std::string name = freeName(wanted, "");
+    for (int number = 2; isOurs(name); ++number)
+        name = freeName(wanted + "-" + std::to_string(number), "");
+    return name;
+}
+
 std::string BesidePlaces::folderFor(const std::string& root) {
     std::string& folder = folders_[root];
     if (!folder.empty()) return folder;
@@ -39,7 +52,7 @@ std::string BesidePlaces::folderFor(const std::string& root) {
     if (path == "." || path.filename() == "..") path = fs::canonical(path);
     const std::string name = nameOf(path);
     const bool isArchive = lowerCase(name).ends_with(".zip");
-    folder = freeName((isArchive ? name.substr(0, name.size() - 4) : name) + "-converted", "");
+    folder = freeFolder((isArchive ? name.substr(0, name.size() - 4) : name) + "-converted");
     return folder;
 }
 

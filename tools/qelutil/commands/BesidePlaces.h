@@ -26,6 +26,7 @@ class BesidePlaces {
 
   private:
     std::string folderFor(const std::string& root);
+    [[nodiscard]] std::string freeFolder(const std::string& wanted) const;
 
     std::map<std::string, std::string> folders_;  // of results, for each folder or archive
 };

@@ -1,6 +1,7 @@
 // qelutil convert: vCalendar 1.0 files to iCalendar and back.
 #include <memory>
 
+#include "base/Workers.h"
 #include "commands/Commands.h"
 #include "commands/ConvertRun.h"
 
@@ -99,6 +100,13 @@ void addConvertCommand(CLI::App& app, Context& context) {
                      "could not be carried over")
         ->option_text("FILE.html");
     command->add_flag("--open", options->open, "show the report when it is written");
+    options->threads = usualThreads();
+    command
+        ->add_option("--threads", options->threads,
+                     "how many files are converted at a time, at most; as many as this computer\n"
+                     "has cores when it is missing. The results are the same with any number")
+        ->check(CLI::Range(1, 64))
+        ->option_text("N");
     command->add_flag("--json", options->json,
                       "print what became of each file as JSON; see docs/json/");
     command->add_flag("-v,--verbose", options->verbose,

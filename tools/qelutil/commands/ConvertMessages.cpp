@@ -21,34 +21,22 @@ std::string place(const qelcal::Note& note) {
 
 }  // namespace
 
-void ConvertMessages::take(const qelcal::Note& note, FileOutcome& outcome) {
-    if (note.severity == QELCAL_ERROR) context_.setBadInput();
-    if (verbose_) {
-        show(note, note.text);
-        outcome.shown.push_back({note, 1});
-        return;
-    }
-    if (note.severity == QELCAL_NOTE) {
-        ++hidden_;
-        return;
-    }
-    const auto sameCode = [&note](const NoteGroup& group) { return group.first.code == note.code; };
-    const auto group = std::find_if(outcome.shown.begin(), outcome.shown.end(), sameCode);
-    if (group != outcome.shown.end()) {
-        ++group->count;
-        ++hidden_;
-    } else {
-        outcome.shown.push_back({note, 1});
-    }
-    const auto kind = std::find_if(kinds_.begin(), kinds_.end(),
-                                   [&](const Kind& each) { return sameCode(each.group); });
-    if (kind == kinds_.end()) {
-        kinds_.push_back({{note, 1}, 1, note.file});
-        return;
-    }
-    ++kind->group.count;
-    if (kind->lastFile != note.file) {
-        kind->lastFile = note.file;
+void ConvertMessages::add(const FileOutcome& outcome) {
+    hidden_ += outcome.hidden;
+    for (const auto& [note, count] : outcome.shown) {
+        if (note.severity == QELCAL_ERROR) context_.setBadInput();
+        if (verbose_) {
+            show(note, note.text);
+            continue;
+        }
+        const auto kind = std::find_if(
+            kinds_.begin(), kinds_.end(),
+            [&note = note](const Kind& each) { return each.group.first.code == note.code; });
+        if (kind == kinds_.end()) {
+            kinds_.push_back({{note, count}, 1});
+            continue;
+        }
+        kind->group.count += count;
         ++kind->files;
     }
 }

@@ -14,11 +14,11 @@ namespace qel::cli {
 
 class ConvertMessages {
   public:
-    // `verbose`: every note is shown by itself and at once, those of severity "note" included.
+    // `verbose`: every note of a file is shown when the file is added.
     ConvertMessages(Context& context, bool verbose) : context_(context), verbose_(verbose) {}
 
-    // A note of the file whose outcome this is. One that is shown is added to it.
-    void take(const qelcal::Note& note, FileOutcome& outcome);
+    // The notes of the next file.
+    void add(const FileOutcome& outcome);
 
     // Shows what has been held back until all files were read.
     void finish();
@@ -35,7 +35,6 @@ class ConvertMessages {
     struct Kind {
         NoteGroup group;
         std::uint64_t files = 1;  // that have such notes
-        std::string lastFile;
     };
 
     void show(const qelcal::Note& note, const std::string& text);

@@ -1,6 +1,8 @@
 #include "commands/ConvertRun.h"
 
 #include <algorithm>
+#include <atomic>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -12,17 +14,17 @@
 #include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
 #include "base/CalendarPieces.h"
-#include "base/EntryJson.h"
 #include "base/Failure.h"
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Moment.h"
 #include "base/Progress.h"
 #include "base/Text.h"
+#include "base/Workers.h"
 #include "commands/BesidePlaces.h"
-#include "commands/CalendarInput.h"
 #include "commands/ConvertMessages.h"
 #include "commands/ConvertSummary.h"
+#include "commands/FileConversion.h"
 #include "commands/ReportFile.h"
 #include "platform/Console.h"
 
@@ -34,10 +36,9 @@ namespace {
 
 constexpr char kStrictReason[] = "there are warnings or errors, and --strict allows none";
 
-qelcal_format targetOf(const std::string& name) {
-    if (name == "ics") return QELCAL_ICALENDAR;
-    return name == "vcs" ? QELCAL_VCALENDAR : QELCAL_OTHER;
-}
+// A larger file whose entries the report or the JSON document shows is converted when it is its
+// turn, so that memory stays bounded.
+constexpr std::uint64_t kMostHeld = std::uint64_t{1} << 20;
 
 std::string inFolder(const std::string& folder, const std::string& name) {
     const bool ends = folder.ends_with('/') || folder.ends_with('\\');
@@ -70,14 +71,6 @@ class RunReport {
     ReportFile file_;
     qelcal::Report page_;
 };
-
-void choose(qelcal::Converter& converter, const ConvertOptions& options) {
-    converter.choose(QELCAL_CHOOSE_ZONE, options.zone);
-    converter.choose(QELCAL_CHOOSE_CHARSET, options.charset);
-    converter.choose(QELCAL_CHOOSE_COUNT_MEANS, options.countMeans);
-    converter.choose(QELCAL_CHOOSE_ONLY, options.only);
-    converter.choose(QELCAL_CHOOSE_DISTINCT_UIDS, options.distinctUids ? "yes" : "no");
-}
 
 class ConvertRun {
   public:
@@ -150,30 +143,20 @@ class ConvertRun {
         }
     }
 
-    // Connects `converter` with the summary, the report and the messages.
-    void listenTo(qelcal::Converter& converter) {
-        choose(converter, options_);
-        converter.onNote(
-            [this](const qelcal::Note& note) { messages_.take(note, outcomes_.back()); });
-        if (report_) converter.reportTo(&report_->page());
-        if (!options_.json) return;
-        converter.onEntry([this](const qelcal::Converted& each) {
-            outcomes_.back().entryList.push_back(entryJson(each.entry));
-        });
+    [[nodiscard]] static std::string shownName(const CalendarFile& file) {
+        return isStandardInput(file.name) ? kStandardInput : file.name;
     }
 
-    void beginFile(const CalendarFile& file) {
-        const std::string name = isStandardInput(file.name) ? kStandardInput : file.name;
-        outcomes_.emplace_back().file = name;
-        reported_ = false;
-        progress_->relabel(files_.size() == 1 ? name
-                                              : std::to_string(outcomes_.size()) + "/" +
-                                                    std::to_string(files_.size()) + " " + name);
+    void showTurn(const CalendarFile& file) {
+        progress_->relabel(files_.size() == 1
+                               ? shownName(file)
+                               : std::to_string(outcomes_.size() + 1) + "/" +
+                                     std::to_string(files_.size()) + " " + shownName(file));
     }
 
     // The report has every file, also those that no converter has seen.
     void endFile() {
-        if (report_ && !reported_) report_->page().addFile(outcomes_.back().file);
+        if (report_ && !outcomes_.back().begun) report_->page().addFile(outcomes_.back().file);
     }
 
     // What became of the file that was begun last. A file with a reason is in no result.
@@ -182,57 +165,9 @@ class ConvertRun {
         outcomes_.back().reason = reason;
     }
 
-    // Converts one file; the reason why it has no part in the result, or nothing. Throws what ends
-    // the whole result.
-    std::string convertFile(qelcal::Converter& converter, const CalendarFile& file) {
-        const std::uint64_t sizeBefore = std::exchange(sizeDone_, sizeDone_ + file.size);
-        const qelcal_counts before = converter.counts();
-        const auto count = [&] {
-            outcomes_.back().counts = difference(converter.counts(), before);
-        };
-        std::string problem;
-        try {
-            readFile(converter, file, sizeBefore);
-            if (converter.counts().entries == before.entries)
-                throw InputError(outcomes_.back().file +
-                                 (options_.only.empty()
-                                      ? ": there is no event, to-do or note in this calendar"
-                                      : ": there is no entry of those that --only names"));
-        } catch (const OutputError&) {
-            count();
-            throw;
-        } catch (const InputError& failure) {
-            // The other files are converted all the same.
-            problem = failure.what();
-            context_.error(problem);
-        } catch (...) {
-            count();
-            throw;
-        }
-        count();
-        return problem;
-    }
-
-    void readFile(qelcal::Converter& converter, const CalendarFile& file,
-                  std::uint64_t sizeBefore) {
-        CalendarInput input(context_, file);
-        converter.beginFile(input.name());
-        reported_ = true;
-        try {
-            input.read([&](const char* bytes, std::size_t size,
-                           std::uint64_t) { converter.scan(bytes, size); },
-                       [&](const char* bytes, std::size_t size, std::uint64_t done) {
-                           converter.write(bytes, size);
-                           progress_->update(sizeBefore + done);
-                       });
-        } catch (const OutputError&) {
-            throw;
-        } catch (const InputError&) {
-            // What was read before the failure is converted.
-            converter.endFile();
-            throw;
-        }
-        converter.endFile();
+    void settleFailed(const std::string& problem) {
+        context_.error(problem);
+        settle({}, problem);
     }
 
     [[nodiscard]] bool allClean() const {
@@ -241,26 +176,24 @@ class ConvertRun {
             [](const FileOutcome& each) { return each.clean(); });
     }
 
-    // Where the calendar goes: nowhere in a dry run.
-    static qelcal::Converter::Output writeTo(OutputFile* output) {
-        if (output == nullptr) return {};
-        return [output](const char* bytes, std::size_t size) {
-            output->stream().write(bytes, static_cast<std::streamsize>(size));
-        };
-    }
-
     // Why one of the files has no part in the result, or nothing; `failure`: why there is to be no
     // result at all.
     std::string joinFile(qelcal::Converter& converter, const CalendarFile& file,
                          std::string& failure) {
+        const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
+        std::string problem;
         try {
-            const std::string reason = convertFile(converter, file);
-            // Entries that were converted before a failure are in the result.
-            return outcomes_.back().counts.entries != 0 ? "" : reason;
+            problem = convertFile(
+                context_, options_, converter, file, outcomes_.back(),
+                [&](std::uint64_t done) { progress_->update(before + done); });
         } catch (...) {
             failure = currentFailure(context_, outcomes_.back().file);
-            return failure;
         }
+        messages_.add(outcomes_.back());
+        if (!failure.empty()) return failure;
+        if (!problem.empty()) context_.error(problem);
+        // Entries that were converted before a failure are in the result.
+        return outcomes_.back().counts.entries != 0 ? "" : problem;
     }
 
     // `held`: what still has to go to the file.
@@ -283,13 +216,22 @@ class ConvertRun {
         const auto keep = [&held](const char* bytes, std::size_t size) {
             held.append(bytes, size);
         };
-        qelcal::Converter converter(targetOf(options_.to),
-                                    hold ? qelcal::Converter::Output(keep) : writeTo(output.get()));
-        listenTo(converter);
+        const auto write = [&output](const char* bytes, std::size_t size) {
+            output->stream().write(bytes, static_cast<std::streamsize>(size));
+        };
+        qelcal::Converter::Output sink;  // none in a dry run
+        if (hold)
+            sink = keep;
+        else if (output)
+            sink = write;
+        qelcal::Converter converter(targetOf(options_.to), std::move(sink));
+        listenTo(converter, options_, [this]() -> FileOutcome& { return outcomes_.back(); });
+        if (report_) converter.reportTo(&report_->page());
         const std::string name = isStandardOutput(options_.output) ? "" : options_.output;
         std::string failure;  // of the result
         for (const CalendarFile& file : files_) {
-            beginFile(file);
+            showTurn(file);
+            outcomes_.emplace_back().file = shownName(file);
             const std::string reason =
                 failure.empty() ? joinFile(converter, file, failure) : failure;
             settle(name, reason);
@@ -354,51 +296,104 @@ class ConvertRun {
         }
     }
 
+    // A file that has a result of its own, before its turn and in it.
+    struct Turn {
+        std::string place;           // of its result, without the extension
+        std::exception_ptr noPlace;  // why there is none
+        bool ahead = false;          // it may be converted before its turn
+        std::optional<AloneFile> alone;
+        std::optional<qelcal::Report> part;  // of the report
+    };
+
     // A result for each file.
     void oneByOne() {
-        for (const CalendarFile& file : files_) {
-            beginFile(file);
-            try {
-                convertAlone(file);
-            } catch (...) {
-                const std::string problem = currentFailure(context_, outcomes_.back().file);
-                context_.error(problem);
-                settle({}, problem);
-            }
-            showOutcome(outcomes_.back());
-            endFile();
+        std::vector<Turn> turns = planTurns();
+        std::atomic<std::uint64_t> read{0};
+        const auto convertAhead = [&](std::size_t number) {
+            Turn& turn = turns[number];
+            if (!turn.ahead) return;
+            std::uint64_t before = 0;
+            turn.alone = convert(files_[number], turn, [&](std::uint64_t done) {
+                read += done - std::exchange(before, done);
+            });
+        };
+        const bool many = options_.threads > 1 && files_.size() > 1;
+        std::optional<Workers> workers;
+        if (many) workers.emplace(options_.threads, files_.size(), convertAhead);
+        for (std::size_t i = 0; i < files_.size(); ++i) {
+            showTurn(files_[i]);
+            if (workers) workers->take([&] { progress_->update(read); });
+            Turn turn = std::move(turns[i]);
+            if (!turn.alone && turn.noPlace == nullptr)
+                turn.alone =
+                    convert(files_[i], turn, [&, before = read.load()](std::uint64_t done) {
+                        progress_->update(before + done);
+                    });
+            takeTurn(files_[i], turn);
+            progress_->update(read);
         }
         messages_.finish();
     }
 
-    void convertAlone(const CalendarFile& file) {
-        const std::string place = placeOf(file);
-        // The format is known when the file is read; its name is a good guess until then.
-        const std::string guess = !options_.to.empty()                    ? options_.to
-                                  : calendarExtension(file.name) == "ics" ? "vcs"
-                                                                          : "ics";
-        std::unique_ptr<OutputFile> output;
-        if (!options_.dryRun) {
-            makeFolderOf(place);
-            output = OutputFile::inFolder(context_, place + "." + guess);
+    std::vector<Turn> planTurns() {
+        std::vector<Turn> turns(files_.size());
+        const bool many = options_.threads > 1 && files_.size() > 1;
+        for (std::size_t i = 0; i < files_.size(); ++i) {
+            Turn& turn = turns[i];
+            try {
+                turn.place = placeOf(files_[i]);
+            } catch (const InputError&) {
+                turn.noPlace = std::current_exception();
+                continue;
+            }
+            const bool isShown = report_ || options_.json;
+            turn.ahead = many && (!isShown || files_[i].size <= kMostHeld);
         }
-        qelcal::Converter converter(targetOf(options_.to), writeTo(output.get()));
-        listenTo(converter);
-        const std::string problem = convertFile(converter, file);
-        if (!problem.empty()) {
-            settle({}, problem);
-            return;
+        return turns;
+    }
+
+    // Before its turn, in any thread, or in it.
+    AloneFile convert(const CalendarFile& file, Turn& turn, const OnProgress& onProgress) {
+        qelcal::Report* report = nullptr;
+        if (report_ && turn.ahead)
+            report = &turn.part.emplace(report_->page().part());
+        else if (report_)
+            report = &report_->page();
+        return convertAlone(context_, options_, file, shownName(file), turn.place, report,
+                            onProgress);
+    }
+
+    void takeTurn(const CalendarFile& file, Turn& turn) {
+        FileOutcome& outcome = outcomes_.emplace_back();
+        if (turn.alone)
+            outcome = std::move(turn.alone->outcome);
+        else
+            outcome.file = shownName(file);
+        messages_.add(outcome);
+        try {
+            if (turn.noPlace != nullptr) std::rethrow_exception(turn.noPlace);
+            nameResult(turn);
+        } catch (...) {
+            settleFailed(currentFailure(context_, outcome.file));
         }
+        showOutcome(outcome);
+        if (turn.part && outcome.begun) report_->page().join(*turn.part);
+        endFile();
+    }
+
+    void nameResult(Turn& turn) {
+        AloneFile& alone = *turn.alone;
+        if (alone.failure != nullptr) std::rethrow_exception(alone.failure);
+        if (!alone.problem.empty()) return settleFailed(alone.problem);
         const FileOutcome& outcome = outcomes_.back();
         if (options_.strict && !outcome.clean())
             throw InputError(outcome.file + ": is left out: " + kStrictReason);
-        const bool toPhone = converter.target() == QELCAL_VCALENDAR;
-        const std::string name = nameAt(place, toPhone ? ".vcs" : ".ics");
+        const std::string name = nameAt(turn.place, alone.toPhone ? ".vcs" : ".ics");
         checkFree(outcome.file, name);
         settle(name, {});
         if (options_.dryRun) return;
-        converter.finish();
-        output->commitAs(name);
+        makeFolderOf(name);
+        alone.result->commitAs(name);
     }
 
     // The name of the file's result without its extension.
@@ -554,7 +549,6 @@ class ConvertRun {
     std::vector<CalendarFile> files_;
     std::vector<OtherFile> others_;
     std::vector<FileOutcome> outcomes_;  // of each file that was begun
-    bool reported_ = false;              // the report has heard of the last of them
     Progress* progress_ = nullptr;
     std::uint64_t sizeDone_ = 0;
     bool summary_ = false;

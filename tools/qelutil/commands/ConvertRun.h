@@ -1,5 +1,6 @@
-// One run of `qelutil convert`: reads the files, writes the results, shows what became of them. One
-// thread.
+// One run of `qelutil convert`: reads the files, writes the results, shows what became of them.
+// Belongs to one thread; others convert files before their turn, each for itself, and all that is
+// seen of a file happens in its turn.
 #ifndef QELUTIL_COMMANDS_CONVERTRUN_H
 #define QELUTIL_COMMANDS_CONVERTRUN_H
 
@@ -21,6 +22,7 @@ struct ConvertOptions {
     std::string countMeans;
     std::string only;
     bool distinctUids = false;
+    unsigned threads = 1;
     std::size_t split = 0;  // bytes of one result at most; 0: all in one
     bool beside = false;
     bool open = false;

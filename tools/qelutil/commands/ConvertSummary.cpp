@@ -51,6 +51,22 @@ std::uint64_t contactsIn(const std::vector<OtherFile>& others) {
 
 }  // namespace
 
+void FileOutcome::take(const qelcal::Note& note, bool verbose) {
+    if (!verbose && note.severity == QELCAL_NOTE) {
+        ++hidden;
+        return;
+    }
+    const auto group = std::find_if(shown.begin(), shown.end(), [&](const NoteGroup& each) {
+        return !verbose && each.first.code == note.code;
+    });
+    if (group == shown.end()) {
+        shown.push_back({note, 1});
+    } else {
+        ++group->count;
+        ++hidden;
+    }
+}
+
 qelcal_counts difference(const qelcal_counts& after, const qelcal_counts& before) {
     return {after.calendars - before.calendars,
             after.entries - before.entries,

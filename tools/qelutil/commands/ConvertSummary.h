@@ -25,9 +25,14 @@ struct FileOutcome {
     std::string output;              // the name of its result; may be empty
     std::string reason;              // why it is in no result; empty when it is in one
     qelcal_counts counts{};          // of this file alone
-    std::vector<NoteGroup> shown;    // its notes that were shown
+    std::vector<NoteGroup> shown;    // its notes that are shown; alike ones are one, unless verbose
+    std::uint64_t hidden = 0;        // its notes that are not shown by themselves
     Json entryList = Json::array();  // its entries, for --json
+    bool begun = false;              // a converter has read of it, or has tried to
 
+    // Adds a note of the file. `verbose`: every note is shown by itself, those of severity "note"
+    // included.
+    void take(const qelcal::Note& note, bool verbose);
     // Entries that are in a result.
     [[nodiscard]] std::uint64_t converted() const { return reason.empty() ? counts.entries : 0; }
     // No warning and no error.

@@ -32,7 +32,7 @@ _qelutil() {
         words='convert show rule expand date zone encode decode charset field status stream log schema'
         ;;
     'convert')
-        options='-h --help --to -o --output -d --output-dir --split --beside --zone --charset --count-means --only --distinct-uids --overwrite --strict -n --dry-run --report --open --json -v --verbose'
+        options='-h --help --to -o --output -d --output-dir --split --beside --zone --charset --count-means --only --distinct-uids --overwrite --strict -n --dry-run --report --open --threads --json -v --verbose'
         case $previous in
         --to) COMPREPLY=($(compgen -W 'ics vcs' -- "$current")); return ;;
         -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
@@ -43,6 +43,7 @@ _qelutil() {
         --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
         --only) COMPREPLY=(); return ;;
         --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+        --threads) COMPREPLY=(); return ;;
         esac
         files=1
         ;;

@@ -1,5 +1,5 @@
 // Files as the system keeps them: what makes two names one file, and files that stand under no name
-// of the caller's until they are whole. One thread.
+// of the caller's until they are whole. Any thread, each file in one at a time.
 #ifndef QELUTIL_PLATFORM_FILES_H
 #define QELUTIL_PLATFORM_FILES_H
 
@@ -49,6 +49,8 @@ class WritableFile {
     void rewind();
     [[nodiscard]] std::size_t read(char* bytes, std::size_t room);
     void close();
+    // Writes everything to the disk; so replace() need not wait for it. REQUIRES: of createIn.
+    void sync();
     // Writes everything to the disk and gives the file the name `target`, in its folder; an older
     // file of that name is replaced, and decides who may read and write the new one. Gives its
     // identity. REQUIRES: of createIn.
@@ -61,6 +63,7 @@ class WritableFile {
     void discard() noexcept;
 
     std::intptr_t handle_ = kClosed;
+    bool onDisk_ = false;         // all that was written
     std::size_t slot_ = 0;        // of `path_` in the list of what is removed at the end
     std::filesystem::path path_;  // of createIn; empty otherwise
 };

@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <mutex>
 #include <system_error>
 #include <utility>
 
@@ -27,11 +29,18 @@ namespace {
 
 // The names of files that are not finished. Each is owned by its slot, so that it can be read
 // whenever a signal comes.
-constexpr std::size_t kSlots = 16;
+constexpr std::size_t kSlots = 256;
 std::array<std::atomic<const char*>, kSlots> unfinished;
 static_assert(std::atomic<const char*>::is_always_lock_free);
+// Threads that change the list, or are about to. Nobody begins to when the program is ending.
+std::atomic<int> changing{0};
+std::atomic<bool> ending{false};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
+// REQUIRES: this thread does not change the list.
 void removeUnfinished() {
+    ending = true;
+    while (changing != 0) ::sched_yield();
     for (std::atomic<const char*>& each : unfinished)
         if (const char* const path = each.exchange(nullptr)) ::unlink(path);
 }
@@ -46,7 +55,8 @@ void endBySignal(int number) {
 // Signals that end a program and that it can see.
 constexpr int kEnds[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGALRM, SIGUSR1, SIGUSR2, SIGXCPU};
 
-// Keeps them waiting, so that a file and its place in the list come and go together.
+// Keeps them waiting, so that a file and its place in the list come and go together: a signal that
+// comes to this thread, and the end of the program in another one.
 class SignalsWait {
   public:
     SignalsWait() {
@@ -54,8 +64,15 @@ class SignalsWait {
         ::sigemptyset(&ends);
         for (const int each : kEnds) ::sigaddset(&ends, each);
         ::pthread_sigmask(SIG_BLOCK, &ends, &before_);
+        ++changing;
+        if (!ending) return;
+        --changing;
+        for (;;) ::pause();
     }
-    ~SignalsWait() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    ~SignalsWait() {
+        --changing;
+        ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    }
     SignalsWait(const SignalsWait&) = delete;
     SignalsWait& operator=(const SignalsWait&) = delete;
 
@@ -64,15 +81,17 @@ class SignalsWait {
 };
 
 void watchSignals() {
-    static bool watched = false;
-    if (std::exchange(watched, true)) return;
-    for (const int each : kEnds) {
-        struct sigaction action {};
-        // What the caller had the program ignore (nohup, a job in the background) stays ignored.
-        if (::sigaction(each, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
-        action.sa_handler = endBySignal;
-        ::sigaction(each, &action, nullptr);
-    }
+    static std::once_flag watched;
+    std::call_once(watched, [] {
+        for (const int each : kEnds) {
+            struct sigaction action {};
+            // What the caller had the program ignore (nohup, a job in the background) stays
+            // ignored.
+            if (::sigaction(each, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;
+            action.sa_handler = endBySignal;
+            ::sigaction(each, &action, nullptr);
+        }
+    });
 }
 
 std::size_t enlist(const char* path) {
@@ -80,7 +99,7 @@ std::size_t enlist(const char* path) {
         const char* none = nullptr;
         if (unfinished[slot].compare_exchange_strong(none, path)) return slot;
     }
-    return kSlots;  // never more than three at once
+    return kSlots;  // never so many at once
 }
 
 std::optional<FileId> idOf(const struct stat& facts) {
@@ -186,6 +205,7 @@ WritableFile& WritableFile::operator=(WritableFile&& other) noexcept {
     path_ = std::move(other.path_);
     other.path_.clear();
     slot_ = other.slot_;
+    onDisk_ = other.onDisk_;
     if (!path_.empty() && slot_ < kSlots) unfinished[slot_] = path_.c_str();
     return *this;
 }
@@ -204,6 +224,7 @@ void WritableFile::discard() noexcept {
 }
 
 void WritableFile::write(const char* bytes, std::size_t size) {
+    onDisk_ = false;
     while (size != 0) {
         const ssize_t done = ::write(static_cast<int>(handle_), bytes, size);
         if (done < 0 && errno == EINTR) continue;
@@ -232,10 +253,14 @@ void WritableFile::close() {
         fail(errno);
 }
 
+void WritableFile::sync() {
+    if (!std::exchange(onDisk_, true)) platform::sync(static_cast<int>(handle_));
+}
+
 FileId WritableFile::replace(const fs::path& target) {
     const int file = static_cast<int>(handle_);
     makeLike(file, target);
-    sync(file);
+    sync();
     const FileId id = idOf(file).value_or(FileId{});
     close();
     const SignalsWait wait;

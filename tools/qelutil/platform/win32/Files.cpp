@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstdlib>
+#include <mutex>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -32,10 +33,31 @@ std::intptr_t numberOf(HANDLE handle) {
 }
 
 // The names of files that are not finished. The console's thread reads them.
-constexpr std::size_t kSlots = 16;
+constexpr std::size_t kSlots = 256;
 std::array<std::atomic<const wchar_t*>, kSlots> unfinished;
+// Threads that change the list, or are about to. Nobody begins to when the program is ending.
+std::atomic<int> changing{0};
+std::atomic<bool> ending{false};
 
+// Keeps the end of the program waiting, so that a file and its place in the list come and go
+// together.
+class EndWaits {
+  public:
+    EndWaits() {
+        ++changing;
+        if (!ending) return;
+        --changing;
+        Sleep(INFINITE);
+    }
+    ~EndWaits() { --changing; }
+    EndWaits(const EndWaits&) = delete;
+    EndWaits& operator=(const EndWaits&) = delete;
+};
+
+// REQUIRES: this thread does not change the list.
 void removeUnfinished() {
+    ending = true;
+    while (changing != 0) Sleep(0);
     for (std::atomic<const wchar_t*>& each : unfinished)
         if (const wchar_t* const path = each.exchange(nullptr)) DeleteFileW(path);
 }
@@ -52,8 +74,8 @@ BOOL WINAPI endByConsole(DWORD event) {
 }
 
 void watchConsole() {
-    static bool watched = false;
-    if (!std::exchange(watched, true)) SetConsoleCtrlHandler(endByConsole, TRUE);
+    static std::once_flag watched;
+    std::call_once(watched, [] { SetConsoleCtrlHandler(endByConsole, TRUE); });
 }
 
 std::size_t enlist(const wchar_t* path) {
@@ -61,7 +83,7 @@ std::size_t enlist(const wchar_t* path) {
         const wchar_t* none = nullptr;
         if (unfinished[slot].compare_exchange_strong(none, path)) return slot;
     }
-    return kSlots;  // never more than three at once
+    return kSlots;  // never so many at once
 }
 
 std::optional<FileId> idOf(HANDLE file) {
@@ -125,9 +147,10 @@ WritableFile WritableFile::createIn(const fs::path& folder, const fs::path& like
     for (int tries = 0; !file.isOpen(); ++tries) {
         if (tries == kTries) fail(ERROR_FILE_EXISTS);
         file.path_ = folder / randomName();
+        const EndWaits wait;
         file.handle_ = numberOf(create(file.path_, FILE_ATTRIBUTE_NORMAL));
+        if (file.isOpen()) file.slot_ = enlist(file.path_.c_str());
     }
-    file.slot_ = enlist(file.path_.c_str());
     makeLike(file.path_, like);
     return file;
 }
@@ -157,7 +180,9 @@ WritableFile::WritableFile(WritableFile&& other) noexcept {
 WritableFile& WritableFile::operator=(WritableFile&& other) noexcept {
     if (this == &other) return *this;
     discard();
+    const EndWaits wait;
     slot_ = other.slot_;
+    onDisk_ = other.onDisk_;
     const bool listed = !other.path_.empty() && slot_ < kSlots;
     if (listed) unfinished[slot_] = nullptr;
     handle_ = std::exchange(other.handle_, kClosed);
@@ -174,6 +199,7 @@ WritableFile::~WritableFile() {
 void WritableFile::discard() noexcept {
     if (isOpen()) CloseHandle(handleOf(std::exchange(handle_, kClosed)));
     if (path_.empty()) return;
+    const EndWaits wait;
     if (slot_ < kSlots) unfinished[slot_] = nullptr;
     DeleteFileW(path_.c_str());
     path_.clear();
@@ -181,6 +207,7 @@ void WritableFile::discard() noexcept {
 
 void WritableFile::write(const char* bytes, std::size_t size) {
     constexpr std::size_t kMost = std::size_t{1} << 20;
+    onDisk_ = false;
     while (size != 0) {
         DWORD done = 0;
         if (WriteFile(handleOf(handle_), bytes, static_cast<DWORD>(std::min(size, kMost)), &done,
@@ -210,11 +237,17 @@ void WritableFile::close() {
         fail(GetLastError());
 }
 
+void WritableFile::sync() {
+    if (!std::exchange(onDisk_, true) && FlushFileBuffers(handleOf(handle_)) == 0)
+        fail(GetLastError());
+}
+
 FileId WritableFile::replace(const fs::path& target) {
-    if (FlushFileBuffers(handleOf(handle_)) == 0) fail(GetLastError());
+    sync();
     const FileId id = idOf(handleOf(handle_)).value_or(FileId{});
     makeLike(path_, target);
     close();
+    const EndWaits wait;
     if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
         fail(GetLastError());
     if (slot_ < kSlots) unfinished[slot_] = nullptr;

@@ -1,0 +1,127 @@
+#include "commands/FileConversion.h"
+
+#include <ostream>
+
+#include "base/EntryJson.h"
+#include "commands/CalendarInput.h"
+
+namespace qel::cli {
+
+namespace {
+
+void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
+              FileOutcome& outcome, const OnProgress& onProgress) {
+    CalendarInput input(context, file);
+    converter.beginFile(input.name());
+    outcome.begun = true;
+    try {
+        input.read([&](const char* bytes, std::size_t size,
+                       std::uint64_t) { converter.scan(bytes, size); },
+                   [&](const char* bytes, std::size_t size, std::uint64_t done) {
+                       converter.write(bytes, size);
+                       onProgress(done);
+                   });
+    } catch (const OutputError&) {
+        throw;
+    } catch (const InputError&) {
+        // What was read before the failure is converted.
+        converter.endFile();
+        throw;
+    }
+    converter.endFile();
+}
+
+// Where the calendar goes: nowhere in a dry run.
+qelcal::Converter::Output writeTo(OutputFile* output) {
+    if (output == nullptr) return {};
+    return [output](const char* bytes, std::size_t size) {
+        output->stream().write(bytes, static_cast<std::streamsize>(size));
+    };
+}
+
+void convertInto(AloneFile& alone, Context& context, const ConvertOptions& options,
+                 const CalendarFile& file, const std::string& place, qelcal::Report* report,
+                 const OnProgress& onProgress) {
+    // The format is known when the file is read; its name is a good guess until then.
+    const std::string guess = !options.to.empty()                     ? options.to
+                              : calendarExtension(file.name) == "ics" ? "vcs"
+                                                                      : "ics";
+    if (!options.dryRun) alone.result = OutputFile::inFolder(context, place + "." + guess);
+    qelcal::Converter converter(targetOf(options.to), writeTo(alone.result.get()));
+    listenTo(converter, options, [&alone]() -> FileOutcome& { return alone.outcome; });
+    if (report != nullptr) converter.reportTo(report);
+    alone.problem = convertFile(context, options, converter, file, alone.outcome, onProgress);
+    if (!alone.problem.empty()) return;
+    alone.toPhone = converter.target() == QELCAL_VCALENDAR;
+    if (alone.result == nullptr) return;
+    converter.finish();
+    alone.result->sync();
+}
+
+}  // namespace
+
+qelcal_format targetOf(const std::string& name) {
+    if (name == "ics") return QELCAL_ICALENDAR;
+    return name == "vcs" ? QELCAL_VCALENDAR : QELCAL_OTHER;
+}
+
+void choose(qelcal::Converter& converter, const ConvertOptions& options) {
+    converter.choose(QELCAL_CHOOSE_ZONE, options.zone);
+    converter.choose(QELCAL_CHOOSE_CHARSET, options.charset);
+    converter.choose(QELCAL_CHOOSE_COUNT_MEANS, options.countMeans);
+    converter.choose(QELCAL_CHOOSE_ONLY, options.only);
+    converter.choose(QELCAL_CHOOSE_DISTINCT_UIDS, options.distinctUids ? "yes" : "no");
+}
+
+void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
+              const std::function<FileOutcome&()>& current) {
+    choose(converter, options);
+    converter.onNote([current, verbose = options.verbose](const qelcal::Note& note) {
+        current().take(note, verbose);
+    });
+    if (!options.json) return;
+    converter.onEntry([current](const qelcal::Converted& each) {
+        current().entryList.push_back(entryJson(each.entry));
+    });
+}
+
+std::string convertFile(Context& context, const ConvertOptions& options,
+                        qelcal::Converter& converter, const CalendarFile& file,
+                        FileOutcome& outcome, const OnProgress& onProgress) {
+    const qelcal_counts before = converter.counts();
+    const auto count = [&] { outcome.counts = difference(converter.counts(), before); };
+    std::string problem;
+    try {
+        readFile(context, converter, file, outcome, onProgress);
+        if (converter.counts().entries == before.entries)
+            problem = outcome.file + (options.only.empty()
+                                          ? ": there is no event, to-do or note in this calendar"
+                                          : ": there is no entry of those that --only names");
+    } catch (const OutputError&) {
+        count();
+        throw;
+    } catch (const InputError& failure) {
+        // The other files are converted all the same.
+        problem = failure.what();
+    } catch (...) {
+        count();
+        throw;
+    }
+    count();
+    return problem;
+}
+
+AloneFile convertAlone(Context& context, const ConvertOptions& options, const CalendarFile& file,
+                       const std::string& name, const std::string& place, qelcal::Report* report,
+                       const OnProgress& onProgress) {
+    AloneFile alone;
+    try {
+        alone.outcome.file = name;
+        convertInto(alone, context, options, file, place, report, onProgress);
+    } catch (...) {
+        alone.failure = std::current_exception();
+    }
+    return alone;
+}
+
+}  // namespace qel::cli
