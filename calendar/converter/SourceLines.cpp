@@ -1,5 +1,7 @@
 #include "calendar/converter/SourceLines.h"
 
+#include <algorithm>
+
 #include "calendar/base/Ascii.h"
 
 namespace qel::calendar {
@@ -10,7 +12,20 @@ namespace {
 constexpr std::size_t kMostHeld = std::size_t{8} << 20;
 constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
+// Looked at together for either of the two: about a line.
+constexpr std::size_t kStretch = 128;
+
 }  // namespace
+
+std::size_t findLineEnd(std::string_view text, std::size_t at) {
+    for (; at < text.size(); at += kStretch) {
+        const std::string_view stretch = text.substr(at, kStretch);
+        const std::size_t feed = stretch.find('\n');
+        const std::size_t end = std::min(stretch.substr(0, feed).find('\r'), feed);
+        if (end != std::string_view::npos) return at + end;
+    }
+    return std::string_view::npos;
+}
 
 void SourceLines::add(std::string_view bytes) {
     if (unusable_) return;
@@ -42,7 +57,7 @@ bool SourceLines::next(std::string_view& line) {
         ++number_;
         return true;
     }
-    const std::size_t end = held_.find_first_of("\r\n", at_);
+    const std::size_t end = findLineEnd(held_, at_);
     if (end == std::string::npos) return false;
     line = std::string_view(held_).substr(at_, end - at_);
     at_ = end + 1;

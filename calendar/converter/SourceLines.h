@@ -11,6 +11,9 @@
 
 namespace qel::calendar {
 
+// Where the first CR or LF at `at` or after it is; npos when there is none.
+[[nodiscard]] std::size_t findLineEnd(std::string_view text, std::size_t at);
+
 class SourceLines {
   public:
     struct Lines {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <map>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -25,6 +24,17 @@ constexpr int kLongestSpan = 31;
 // Dates of all rules together among which those of the rules of exceptions are looked for.
 constexpr std::size_t kMostLookedAt = 8000;
 
+// On the start's clock.
+struct Occurrence {
+    int day;
+    int second;
+    bool excluded = false;
+
+    [[nodiscard]] auto at() const { return std::tie(day, second); }
+    bool operator<(const Occurrence& other) const { return at() < other.at(); }
+    bool operator==(const Occurrence& other) const { return at() == other.at(); }
+};
+
 // All occurrences of an entry, those that are taken out too.
 class Series {
   public:
@@ -34,6 +44,11 @@ class Series {
         add(*entry.start);
         addRules(false);
         for (const Moment& date : entry.dates) add(inClock(date));
+        // Rules give their days in order, so that mostly nothing is to be sorted.
+        if (!std::is_sorted(occurrences_.begin(), occurrences_.end()))
+            std::sort(occurrences_.begin(), occurrences_.end());
+        occurrences_.erase(std::unique(occurrences_.begin(), occurrences_.end()),
+                           occurrences_.end());
         addRules(true);
     }
 
@@ -42,10 +57,8 @@ class Series {
         for (const Moment& date : entry_.excluded) exclude(inClock(date));
     }
 
-    // By day and second of the day on the start's clock; true when it is taken out.
-    [[nodiscard]] const std::map<std::pair<int, int>, bool>& occurrences() const {
-        return occurrences_;
-    }
+    // Ascending, each once.
+    [[nodiscard]] const std::vector<Occurrence>& occurrences() const { return occurrences_; }
     // After this day there may be occurrences that are missing here, or not taken out.
     [[nodiscard]] int completeThrough() const { return completeThrough_; }
     // A rule that adds occurrences has more of them.
@@ -86,15 +99,16 @@ class Series {
         moment.day = day;
         return moment;
     }
-    void add(const Moment& moment) { occurrences_.try_emplace({moment.day, moment.second}, false); }
+    void add(const Moment& moment) { occurrences_.push_back({moment.day, moment.second}); }
     void exclude(const Moment& moment) {
-        const auto found = occurrences_.find({moment.day, moment.second});
-        if (found != occurrences_.end()) found->second = true;
+        const Occurrence wanted{moment.day, moment.second};
+        const auto found = std::lower_bound(occurrences_.begin(), occurrences_.end(), wanted);
+        if (found != occurrences_.end() && *found == wanted) found->excluded = true;
     }
 
     const Entry& entry_;
     RuleLimits limits_;
-    std::map<std::pair<int, int>, bool> occurrences_;
+    std::vector<Occurrence> occurrences_;
     int completeThrough_ = kLastDay;
     int lastException_ = std::numeric_limits<int>::min();
     bool goesOn_ = false;
@@ -129,12 +143,24 @@ std::size_t firstGuess(const Entry& entry, const OccurrenceRange& range, const S
            static_cast<std::size_t>(std::max<std::int64_t>(before, 0)) + 1;
 }
 
-void addSpans(std::map<int, bool>& days, int length) {
-    const std::map<int, bool> starts = days;
-    for (const auto& [day, excluded] : starts) {
-        if (excluded) continue;
-        for (int each = 1; each <= length; ++each) days[day + each] = false;
-    }
+// The days of occurrences that go on for `length` days after their first. REQUIRES: days ascend,
+// each once.
+void addSpans(std::vector<MarkedDay>& days, int length) {
+    if (length <= 0) return;
+    const std::size_t starts = days.size();
+    for (std::size_t i = 0; i < starts; ++i)
+        for (int each = 1; each <= length && !days[i].excluded; ++each)
+            days.push_back({days[i].day + each, false});
+    // A day that is taken up comes before the same day taken out.
+    std::sort(
+        days.begin(), days.end(),
+        [](const MarkedDay& one, const MarkedDay& other) {
+            return std::tie(one.day, one.excluded) < std::tie(other.day, other.excluded);
+        });
+    const auto sameDay = [](const MarkedDay& one, const MarkedDay& other) {
+        return one.day == other.day;
+    };
+    days.erase(std::unique(days.begin(), days.end(), sameDay), days.end());
 }
 
 // Days after its first that an occurrence takes up.
@@ -199,9 +225,10 @@ std::vector<Moment> occurrences(const Entry& entry, const OccurrenceRange& range
         series.excludeListed();
         const bool complete = series.completeThrough() == kLastDay;
         found.clear();
-        for (const auto& [at, excluded] : series.occurrences()) {
+        for (const auto& [day, second, excluded] : series.occurrences()) {
             Moment moment = *entry.start;
-            std::tie(moment.day, moment.second) = at;
+            moment.day = day;
+            moment.second = second;
             if (moment.day > series.completeThrough() && !complete) break;
             if (moment.seconds() > seconds.last) return found;
             if (excluded || moment.seconds() < seconds.first) continue;
@@ -219,18 +246,18 @@ Exclusions excludedByRules(const Entry& entry, std::size_t most) {
     const Series series(entry, std::max<std::size_t>(kMostLookedAt / rules, 100), kLastYear);
     Exclusions result;
     result.through = series.completeThrough();
-    const bool goesOn =
-        series.goesOn() || series.occurrences().rbegin()->first.first > result.through;
+    const bool goesOn = series.goesOn() || series.occurrences().back().day > result.through;
     result.more = goesOn && series.lastException() > result.through;
-    for (const auto& [at, excluded] : series.occurrences()) {
-        if (!excluded || at.first > series.completeThrough()) continue;
+    for (const auto& [day, second, excluded] : series.occurrences()) {
+        if (!excluded || day > series.completeThrough()) continue;
         if (result.dates.size() == most) {
             result.more = true;
             result.through = result.dates.back().day;
             break;
         }
         Moment moment = *entry.start;
-        std::tie(moment.day, moment.second) = at;
+        moment.day = day;
+        moment.second = second;
         result.dates.push_back(moment);
     }
     return result;
@@ -244,20 +271,20 @@ EntryDays markedDays(const Entry& entry, std::size_t most) {
     }
     Series series(entry, most, kLastYear);
     series.excludeListed();
-    std::map<int, bool> days;
-    for (const auto& [at, excluded] : series.occurrences()) {
-        bool& excludedDay = days[at.first];
-        excludedDay = excludedDay || excluded;
-    }
+    std::vector<MarkedDay>& days = result.days;
+    for (const auto& [day, second, excluded] : series.occurrences())
+        if (days.empty() || days.back().day != day)
+            days.push_back({day, excluded});
+        else
+            days.back().excluded = days.back().excluded || excluded;
     addSpans(days, spanOf(entry));
     result.more = series.goesOn();
-    for (const auto& [day, excluded] : days) {
-        if (day > series.completeThrough() || result.days.size() >= most) {
-            result.more = true;
-            break;
-        }
-        result.days.push_back({day, excluded});
-    }
+    const auto end = std::find_if(days.begin(), days.end(), [&](const MarkedDay& each) {
+        return each.day > series.completeThrough();
+    });
+    const auto kept = std::min(most, static_cast<std::size_t>(end - days.begin()));
+    result.more = result.more || kept < days.size();
+    days.resize(kept);
     return result;
 }
 

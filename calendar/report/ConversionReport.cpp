@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "calendar/converter/SourceLines.h"
 #include "calendar/entries/Entry.h"
 
 namespace qel::calendar {
@@ -21,7 +22,7 @@ constexpr std::size_t kMostArticles = 2000;
 std::string plainLines(std::string_view bytes) {
     std::string text;
     while (!bytes.empty() && text.size() <= kMostText) {
-        std::size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
+        std::size_t end = std::min(findLineEnd(bytes, 0), bytes.size());
         text.append(bytes.substr(0, end)).append("\n");
         while (end < bytes.size() && bytes[end] == '\r') ++end;
         if (end < bytes.size() && bytes[end] == '\n') ++end;

@@ -1,7 +1,6 @@
 #include "calendar/report/EntryFacts.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/CalendarNames.h"
@@ -14,8 +13,10 @@ namespace qel::calendar {
 
 namespace {
 
-// Days of one entry that are looked for.
+// Days of one entry that are looked for; of one rule without end, those of the months that are
+// shown and one more.
 constexpr std::size_t kMostDays = 500;
+constexpr std::size_t kMostDaysOfEndless = 31 * kMostMonths + 1;
 
 std::string dateWords(int day) {
     const Civil civil = civilOf(day);
@@ -24,14 +25,17 @@ std::string dateWords(int day) {
 }
 
 std::string timeWords(int second) {
-    char text[48];
-    const int seconds = second % 60;
-    if (seconds == 0) {
-        std::snprintf(text, sizeof text, "%02d:%02d", second / 3600, second / 60 % 60);
-    } else {
-        std::snprintf(text, sizeof text, "%02d:%02d:%02d", second / 3600, second / 60 % 60,
-                      seconds);
-    }
+    std::string text;
+    const auto add = [&text](int number) {
+        text += static_cast<char>('0' + number / 10);
+        text += static_cast<char>('0' + number % 10);
+    };
+    add(second / 3600);
+    text += ':';
+    add(second / 60 % 60);
+    if (second % 60 == 0) return text;
+    text += ':';
+    add(second % 60);
     return text;
 }
 
@@ -138,7 +142,8 @@ EntryFacts entryFacts(const ConvertedEntry& converted) {
         if (iCalendar.size() == 1) rule.iCalendar = iCalendar[0];
         if (vCalendar.size() == 1 && !rule.vCalendar.empty()) rule.vCalendar = vCalendar;
     }
-    facts.days = markedDays(entry, kMostDays);
+    const bool alone = facts.rules.size() == 1;
+    facts.days = markedDays(entry, endless && alone ? kMostDaysOfEndless : kMostDays);
     // Dates are looked for until the year 2499, where a series without end does not end.
     facts.days.more = facts.days.more || endless;
     return facts;

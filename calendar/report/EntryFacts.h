@@ -14,6 +14,9 @@
 
 namespace qel::calendar {
 
+// Months of an entry that are shown: those in a row on a wide screen.
+inline constexpr std::size_t kMostMonths = 5;
+
 struct RuleFacts {
     bool exclude = false;
     std::string sentence;                // "every 2 weeks on Monday, 10 times"

@@ -13,8 +13,11 @@ namespace qel::calendar {
 // about `longest` bytes is cut and ends in "...".
 [[nodiscard]] std::string html(std::string_view text, std::size_t longest = 1000);
 
+// The same, added to `page`.
+void addHtml(std::string& page, std::string_view text, std::size_t longest = 1000);
+
 // The same line by line, for a <pre>.
-[[nodiscard]] std::string htmlLines(std::string_view text);
+void addHtmlLines(std::string& page, std::string_view text);
 
 // "3 dates", "1 date"
 [[nodiscard]] std::string counted(std::uint64_t number, std::string_view one,

@@ -1,6 +1,7 @@
 #include "calendar/report/MonthTables.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "calendar/base/CalendarNames.h"
 #include "calendar/base/Days.h"
@@ -10,54 +11,71 @@ namespace qel::calendar {
 
 namespace {
 
+// Of days that are not marked, by their numbers.
+constexpr std::string_view kPlainCells[] = {
+    "",       "<td>1",  "<td>2",  "<td>3",  "<td>4",  "<td>5",  "<td>6",  "<td>7",
+    "<td>8",  "<td>9",  "<td>10", "<td>11", "<td>12", "<td>13", "<td>14", "<td>15",
+    "<td>16", "<td>17", "<td>18", "<td>19", "<td>20", "<td>21", "<td>22", "<td>23",
+    "<td>24", "<td>25", "<td>26", "<td>27", "<td>28", "<td>29", "<td>30", "<td>31",
+};
+
 int columnOf(int day, int weekStart) {
     return (weekdayOf(day) + 7 - weekStart) % 7;
 }
 
-std::string weekdayHeads(int weekStart) {
-    std::string heads;
-    for (int column = 0; column < 7; ++column)
-        heads += "<th>" + std::string(weekdayName((weekStart + column - 1) % 7 + 1).substr(0, 2));
-    return heads;
+// REQUIRES: 1 to 31.
+void addDay(std::string& text, int number) {
+    if (number >= 10) text += static_cast<char>('0' + number / 10);
+    text += static_cast<char>('0' + number % 10);
 }
 
-// The table's marks in words, for screen readers.
-std::string spoken(std::span<const MarkedDay> days) {
-    std::string dates;
-    std::string excluded;
-    for (const MarkedDay& each : days) {
-        std::string& list = each.excluded ? excluded : dates;
-        list += (list.empty() ? "" : ", ") + std::to_string(civilOf(each.day).day);
-    }
-    std::string text = "<span class=v>";
-    if (!dates.empty()) text += ": on " + dates;
-    if (!excluded.empty()) text += "; not on " + excluded;
-    return text + "</span>";
+void addWeekdayHeads(std::string& text, int weekStart) {
+    for (int column = 0; column < 7; ++column)
+        text.append("<th>").append(weekdayName((weekStart + column - 1) % 7 + 1).substr(0, 2));
+}
+
+// The table's marks in words, for screen readers; `first` is the month's first day.
+void addSpoken(std::string& text, std::span<const MarkedDay> days, int first) {
+    text += "<span class=v>";
+    const auto add = [&](bool excluded, const char* words) {
+        const char* before = words;
+        for (const MarkedDay& each : days) {
+            if (each.excluded != excluded) continue;
+            text += before;
+            addDay(text, each.day - first + 1);
+            before = ", ";
+        }
+    };
+    add(false, ": on ");
+    add(true, "; not on ");
+    text += "</span>";
 }
 
 // End tags that HTML does not require are left out: a page may hold thousands of months.
-std::string monthTable(const MarkedMonth& month, int weekStart) {
+void addMonthTable(std::string& text, const MarkedMonth& month, int weekStart) {
     const int first = dayNumber(month.year, month.month, 1);
     const int length = daysInMonth(month.year, month.month);
-    std::string text = "<table class=m><caption>" + std::string(monthName(month.month)) + " " +
-                       std::to_string(month.year) + spoken(month.days) + "</caption><tr>" +
-                       weekdayHeads(weekStart) + "<tr>";
-    if (const int column = columnOf(first, weekStart); column > 0)
-        text += "<td colspan=" + std::to_string(column) + ">";
+    text.append("<table class=m><caption>").append(monthName(month.month)).append(" ");
+    text += std::to_string(month.year);
+    addSpoken(text, month.days, first);
+    text += "</caption><tr>";
+    addWeekdayHeads(text, weekStart);
+    text += "<tr>";
+    int column = columnOf(first, weekStart);
+    if (column > 0) text.append("<td colspan=").append(std::to_string(column)).append(">");
     auto mark = month.days.begin();
-    for (int number = 1; number <= length; ++number) {
-        const int day = first + number - 1;
-        if (number > 1 && columnOf(day, weekStart) == 0) text += "<tr>";
-        const std::string digits = std::to_string(number);
-        if (mark != month.days.end() && mark->day == day) {
-            text += mark->excluded ? "<td class=x><s>" + digits + "</s>"
-                                   : "<td class=o><b>" + digits + "</b>";
-            ++mark;
-        } else {
-            text += "<td>" + digits;
+    for (int number = 1; number <= length; ++number, ++column) {
+        if (number > 1 && column % 7 == 0) text += "<tr>";
+        if (mark == month.days.end() || mark->day != first + number - 1) {
+            text += kPlainCells[static_cast<std::size_t>(number)];
+            continue;
         }
+        text += mark->excluded ? "<td class=x><s>" : "<td class=o><b>";
+        addDay(text, number);
+        text += mark->excluded ? "</s>" : "</b>";
+        ++mark;
     }
-    return text + "</table>\n";
+    text += "</table>\n";
 }
 
 }  // namespace
@@ -68,7 +86,7 @@ MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t 
     std::size_t left = 0;
     for (const MarkedMonth& month : monthsOf(days)) {
         if (tables.count < most) {
-            tables.html += monthTable(month, weekStart);
+            addMonthTable(tables.html, month, weekStart);
             ++tables.count;
         } else {
             for (const MarkedDay& each : month.days) left += each.excluded ? 0 : 1;

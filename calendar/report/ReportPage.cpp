@@ -16,60 +16,79 @@ namespace {
 constexpr std::size_t kMostNotes = 50;
 // Kinds of messages at the top; the others are folded away at first.
 constexpr std::size_t kMostLookedAt = 3;
-constexpr std::size_t kMostMonths = 5;  // in a row on a wide screen
 // With more months than these they are shown below an entry's text and not beside it.
 constexpr std::size_t kMonthsBeside = 2;
 // A longer list of files is folded away at first.
 constexpr std::size_t kMostFilesShown = 20;
 constexpr std::size_t kLongestTitle = 200;
+// Bytes of an entry's article beside its lines.
+constexpr std::size_t kUsualArticle = 4096;
 
 // `file` is its number where the item is not among those of the file itself.
-std::string noteItem(const Note& note, std::size_t file = 0) {
-    const std::string_view kind =
-        note.fate() == Fate::Lost ? "gone" : severityName(note.severity());
-    std::string text = "<li class=" + std::string(kind) + ">" + html(note.text());
-    std::string place = note.line == 0 ? "" : "line " + std::to_string(note.line);
-    if (file != 0)
-        place = "<a href='#f" + std::to_string(file) + "'><bdi>" + html(note.file) + "</bdi></a>" +
-                (place.empty() ? "" : ", ") + place;
-    if (!place.empty()) text += " <span class=soft>(" + place + ")</span>";
-    return text;
+void addNoteItem(std::string& text, const Note& note, std::size_t file = 0) {
+    text.append("<li class=");
+    text += note.fate() == Fate::Lost ? "gone" : severityName(note.severity());
+    text += '>';
+    addHtml(text, note.text());
+    if (note.line == 0 && file == 0) return;
+    text += " <span class=soft>(";
+    if (file != 0) {
+        text.append("<a href='#f").append(std::to_string(file)).append("'><bdi>");
+        addHtml(text, note.file);
+        text += note.line == 0 ? "</bdi></a>" : "</bdi></a>, ";
+    }
+    if (note.line != 0) text.append("line ").append(std::to_string(note.line));
+    text += ")</span>";
 }
 
-std::string noteList(const NoteList& notes, const std::vector<std::string>& kept) {
-    if (notes.shown.empty() && kept.empty()) return {};
-    std::string text = "<ul class=told>";
-    for (const Note& each : notes.shown) text += noteItem(each);
+void addNoteList(std::string& text, const NoteList& notes, const std::vector<std::string>& kept) {
+    if (notes.shown.empty() && kept.empty()) return;
+    text += "<ul class=told>";
+    for (const Note& each : notes.shown) addNoteItem(text, each);
     if (notes.more != 0)
         text += "<li class=note>" + counted(notes.more, "more message", "more messages");
     if (!kept.empty()) {
         text += "<li class=note>Kept for the way back: ";
-        for (const std::string& name : kept)
-            text += (&name == &kept.front() ? "<code>" : ", <code>") + html(name) + "</code>";
+        for (const std::string& name : kept) {
+            text += &name == &kept.front() ? "<code>" : ", <code>";
+            addHtml(text, name);
+            text += "</code>";
+        }
     }
-    return text + "</ul>";
+    text += "</ul>";
 }
 
-std::string ruleList(const EntryFacts& facts) {
-    std::string text;
-    for (const RuleFacts& rule : facts.rules) {
-        text += std::string("<li><div class=say>") + (rule.exclude ? "except " : "") +
-                html(rule.sentence) + "</div><dl class=texts><dt>vCalendar<dd>";
-        for (const std::string& each : rule.vCalendar)
-            text += (&each == &rule.vCalendar.front() ? "<code>" : "<br><code>") + html(each) +
-                    "</code>";
-        if (rule.vCalendar.empty())
-            text += "<span class=soft>none: " + html(rule.whyNot) + "</span>";
-        text += "<dt>iCalendar<dd><code>" + html(rule.iCalendar) + "</code></dl>";
+void addRule(std::string& text, const RuleFacts& rule) {
+    text.append("<li><div class=say>").append(rule.exclude ? "except " : "");
+    addHtml(text, rule.sentence);
+    text += "</div><dl class=texts><dt>vCalendar<dd>";
+    for (const std::string& each : rule.vCalendar) {
+        text += &each == &rule.vCalendar.front() ? "<code>" : "<br><code>";
+        addHtml(text, each);
+        text += "</code>";
     }
+    if (rule.vCalendar.empty()) {
+        text += "<span class=soft>none: ";
+        addHtml(text, rule.whyNot);
+        text += "</span>";
+    }
+    text += "<dt>iCalendar<dd><code>";
+    addHtml(text, rule.iCalendar);
+    text += "</code></dl>";
+}
+
+void addRuleList(std::string& text, const EntryFacts& facts) {
+    if (facts.rules.empty() && facts.furtherDates == 0 && facts.exclusions == 0) return;
+    text += "<ul class=rule>";
+    for (const RuleFacts& rule : facts.rules) addRule(text, rule);
     std::string dates;
     if (facts.furtherDates != 0)
         dates = counted(facts.furtherDates, "date", "dates") + " more on a list";
     if (facts.exclusions != 0)
         dates += (dates.empty() ? "" : ", ") +
                  counted(facts.exclusions, "date taken out", "dates taken out");
-    if (!dates.empty()) text += "<li>" + dates;
-    return text.empty() ? text : "<ul class=rule>" + text + "</ul>";
+    if (!dates.empty()) text.append("<li>").append(dates);
+    text += "</ul>";
 }
 
 enum class State { Fine, Changed, Lost };
@@ -82,15 +101,26 @@ State stateOf(const ReportEntry& entry) {
     return shown.empty() ? State::Fine : State::Changed;
 }
 
-std::string beforeAndAfter(const ReportEntry& entry) {
-    if (entry.after.empty() && entry.before.empty()) return {};
-    std::string text = "<details><summary>Before and after</summary><div class=sides><div><h4>";
-    text += "In the file</h4><pre>" +
-            (entry.before.empty() ? "not at hand" : htmlLines(entry.before)) +
-            "</pre></div><div><h4>In the result</h4><pre>" + htmlLines(entry.after) +
-            "</pre></div></div>";
+void addBeforeAndAfter(std::string& text, const ReportEntry& entry) {
+    if (entry.after.empty() && entry.before.empty()) return;
+    text += "<details><summary>Before and after</summary><div class=sides><div><h4>";
+    text += "In the file</h4><pre>";
+    if (entry.before.empty()) text += "not at hand";
+    addHtmlLines(text, entry.before);
+    text += "</pre></div><div><h4>In the result</h4><pre>";
+    addHtmlLines(text, entry.after);
+    text += "</pre></div></div>";
     if (entry.cut) text += "<p class=soft>The first lines of a long entry.";
-    return text + "</details>";
+    text += "</details>";
+}
+
+void addTitle(std::string& text, const EntryFacts& facts) {
+    text += "<bdi>";
+    if (facts.title.empty())
+        text += "<span class=soft>without a title</span>";
+    else
+        addHtml(text, facts.title, kLongestTitle);
+    text += "</bdi>";
 }
 
 std::string tile(const char* label, std::uint64_t number, const char* emphasis) {
@@ -146,7 +176,7 @@ std::string lookFirst(const std::vector<NoteGroup>& groups) {
     for (const NoteGroup& group : groups) {
         if (shown++ == kMostLookedAt)
             text += "</ul><details><summary>Other kinds of messages</summary><ul class=told>";
-        text += noteItem(group.first, group.file);
+        addNoteItem(text, group.first, group.file);
         if (group.count > 1) text += " and " + std::to_string(group.count - 1) + " more like it";
         const NoteKind& kind = noteKind(group.first.code);
         text += "<p class=soft>" + html(kind.meaning) + " " + html(kind.advice) + "</p>";
@@ -202,39 +232,50 @@ std::string entryArticle(const ReportEntry& entry) {
     const bool serious = std::any_of(notes.begin(), notes.end(), [](const Note& each) {
         return each.severity() != Severity::Note;
     });
-    std::string text = std::string("<article class='") + kClasses[state] +
-                       (serious ? " serious" : "") + "'><div><div class=kind><span>" + facts.kind +
-                       ", line " + std::to_string(entry.line) + "</span><span class=state>" +
-                       kWords[state] + "</span></div><h3><bdi>" +
-                       (facts.title.empty() ? "<span class=soft>without a title</span>"
-                                            : html(facts.title, kLongestTitle)) +
-                       "</bdi></h3>";
-    if (!facts.when.empty()) text += "<p>" + html(facts.when) + "</p>";
+    std::string text;
+    text.reserve(kUsualArticle + 2 * (entry.before.size() + entry.after.size()));
+    text.append("<article class='").append(kClasses[state]).append(serious ? " serious" : "");
+    text.append("'><div><div class=kind><span>").append(facts.kind).append(", line ");
+    text.append(std::to_string(entry.line)).append("</span><span class=state>");
+    text.append(kWords[state]).append("</span></div><h3>");
+    addTitle(text, facts);
+    text += "</h3>";
+    if (!facts.when.empty()) {
+        text += "<p>";
+        addHtml(text, facts.when);
+        text += "</p>";
+    }
     if (facts.alarms != 0)
         text += "<p class=soft>" + counted(facts.alarms, "alarm", "alarms") + "</p>";
     const MonthTables months =
         monthTables(facts.days.days, facts.days.more, kMostMonths, entry.weekStart);
-    text += ruleList(facts) + noteList(entry.notes, entry.kept) +
-            (months.count > kMonthsBeside ? "</div><div class='grids wide'>"
-                                          : "</div><div class=grids>") +
-            months.html + "</div>" + beforeAndAfter(entry) + "</article>\n";
+    addRuleList(text, facts);
+    addNoteList(text, entry.notes, entry.kept);
+    text +=
+        months.count > kMonthsBeside ? "</div><div class='grids wide'>" : "</div><div class=grids>";
+    text.append(months.html).append("</div>");
+    addBeforeAndAfter(text, entry);
+    text += "</article>\n";
     return text;
 }
 
 std::string entryLine(const ReportEntry& entry) {
     const EntryFacts& facts = entry.facts;
-    return "<p class='fine one'><bdi>" +
-           (facts.title.empty() ? "<span class=soft>without a title</span>"
-                                : html(facts.title, kLongestTitle)) +
-           "</bdi> <span class=soft>" + html(facts.when) + (facts.when.empty() ? "" : ", ") +
-           facts.kind + ", line " + std::to_string(entry.line) + "</span></p>\n";
+    std::string text = "<p class='fine one'>";
+    addTitle(text, facts);
+    text += " <span class=soft>";
+    addHtml(text, facts.when);
+    text.append(facts.when.empty() ? "" : ", ").append(facts.kind).append(", line ");
+    return text.append(std::to_string(entry.line)).append("</span></p>\n");
 }
 
 std::string fileEnd(const NoteList& notes) {
     std::string text;
-    if (!notes.shown.empty())
-        text = "<div class=about><p class=soft>About the file itself</p>" + noteList(notes, {}) +
-               "</div>";
+    if (!notes.shown.empty()) {
+        text = "<div class=about><p class=soft>About the file itself</p>";
+        addNoteList(text, notes, {});
+        text += "</div>";
+    }
     return text + "</section>\n";
 }
 
