@@ -25,9 +25,11 @@ char emptyText[1] = {'\0'};
 char spareCharacter = '\0';
 char nullValueError[] = "VStr null-value error";
 
+constexpr std::uint32_t kGrain = 64;
+
 // Always above the request: a multiple of 64 gets a whole further 64 bytes.
 constexpr std::uint32_t grainSize(std::uint32_t n) {
-    return (n & ~63U) + 64U;
+    return (n & ~(kGrain - 1)) + kGrain;
 }
 
 static_assert(grainSize(0) == 64 && grainSize(63) == 64 && grainSize(64) == 128);
@@ -148,8 +150,19 @@ VStr& VStr::Copy(const char* s, int n) {
     return Assign(s, s == nullptr ? 0 : textLength(s, static_cast<std::size_t>(n)), n);
 }
 
-// The first `count` bytes of s, padded to `length`.
+// The first `count` bytes of s, padded to `length`. A block of the size that the text needs is
+// written anew, to its end.
 VStr& VStr::Assign(const char* s, int count, int length) {
+    const std::size_t size = grainSize(asUnsigned(length) + 1U);
+    const std::size_t present = m_buffer == nullptr ? 0 : stringBlockSize(m_buffer);
+    const auto bytes = static_cast<std::size_t>(count);
+    if (s != nullptr && present >= size && present - size < kGrain) {
+        std::memmove(m_buffer, s, bytes);
+        std::memset(m_buffer + bytes, 0, present - bytes);
+        m_length = length;
+        m_capacity = static_cast<unsigned int>(size);
+        return *this;
+    }
     unsigned int capacity = 0;
     char* block = s == nullptr || length > kMaxLength ? nullptr : ModAlloc(length + 1, &capacity);
     if (block == nullptr) {
@@ -157,7 +170,7 @@ VStr& VStr::Assign(const char* s, int count, int length) {
         return *this;
     }
     // The block is zero-filled, which is the padding and the terminator.
-    std::memcpy(block, s, static_cast<std::size_t>(count));
+    std::memcpy(block, s, bytes);
     Adopt(block, length, capacity);
     return *this;
 }
