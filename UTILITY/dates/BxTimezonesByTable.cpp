@@ -13,6 +13,7 @@
 #include "QelUtility/ZQDate.h"
 #include "dates/BxTimezoneTable.h"
 #include "dates/CivilDate.h"
+#include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
 #include "dates/ZoneLookup.h"
 #include "platform/AsciiText.h"
@@ -36,6 +37,7 @@ constexpr int kBadZoneNumber = 2016;
 constexpr int kNotUtc = 2098;
 
 constexpr std::size_t kTextRoom = 48;
+constexpr std::size_t kLocalLength = 15;  // "20050615T083000"
 
 int reportBadZone(int line, int zone) {
     return BxTrace_Error_SL(kSourceName, line, "invalid timezoneID", zone, kBadZoneNumber);
@@ -47,31 +49,46 @@ struct TimeText {
     std::size_t length = 0;
     bool timed = false;  // has a T
     bool utc = false;    // has a Z
+    ZoneTime time;       // where it is timed
 
     explicit TimeText(const char* t) : text(t) {
-        for (; t != nullptr && t[length] != '\0'; ++length) {
+        if (t == nullptr || takeOrdinary()) return;
+        for (; t[length] != '\0'; ++length) {
             timed = timed || t[length] == 'T';
             utc = utc || t[length] == 'Z';
         }
+        if (!timed) return;
+        time.date = qel::dates::decimalField(t, 8);
+        time.hour = partAt(9);
+        time.minute = partAt(11);
     }
+    [[nodiscard]] std::string_view whole() const { return {text, length}; }
     // From a position on, empty when the text ends before it.
     [[nodiscard]] const char* tail(std::size_t position) const {
         return position < length ? text + position : "";
     }
-};
 
-ZoneTime parseZoneTime(const TimeText& in) {
-    ZoneTime time;
-    if (in.text == nullptr) return time;
-    time.date = qel::dates::decimalField(in.text, 8);
-    if (in.timed) {
-        // A signed field is not a time of day; it counts as 0.
-        time.hour = static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(9), 2), 0));
-        time.minute =
-            static_cast<std::uint8_t>(std::max(qel::dates::decimalField(in.tail(11), 2), 0));
+  private:
+    // Takes a text that has all its digits and nothing else, as nearly every one does.
+    bool takeOrdinary() {
+        qel::dates::DateTimeFields fields;
+        if (!qel::dates::takeDateTime(text, fields)) return false;
+        const bool z = text[kLocalLength] == 'Z';
+        const std::size_t end = kLocalLength + (z ? 1 : 0);
+        if (text[end] != '\0') return false;
+        length = end;
+        timed = true;
+        utc = z;
+        time.date = fields.year * 10000 + fields.month * 100 + fields.day;
+        time.hour = static_cast<std::uint8_t>(fields.hour);
+        time.minute = static_cast<std::uint8_t>(fields.minute);
+        return true;
     }
-    return time;
-}
+    // A signed field is not a time of day; it counts as 0.
+    [[nodiscard]] std::uint8_t partAt(std::size_t position) const {
+        return static_cast<std::uint8_t>(std::max(qel::dates::decimalField(tail(position), 2), 0));
+    }
+};
 
 // The date `step` days from an eight-digit date; the date itself when the calendar does not hold
 // both.
@@ -86,18 +103,17 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
 
 // "%8dT%02d%02d"; returns the position for its terminator.
 char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextRoom]) {
-    const bool ordinary =
-        date >= 0 && date <= 99999999 && hour >= 0 && hour <= 99 && minute >= 0 && minute <= 99;
+    const bool ordinary = date >= 10000000 && date <= 99999999 && hour >= 0 && hour <= 99 &&
+                          minute >= 0 && minute <= 99;
     if (!ordinary) {
         return text + std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date),
                                     hour, minute);
     }
-    std::memset(text, ' ', 8);
-    int at = 8;
-    do {
-        text[--at] = static_cast<char>('0' + date % 10);
-        date /= 10;
-    } while (date != 0);
+    const auto digits = static_cast<unsigned>(date);
+    qel::dates::putPair(text, digits / 1000000);
+    qel::dates::putPair(text + 2, digits / 10000 % 100);
+    qel::dates::putPair(text + 4, digits / 100 % 100);
+    qel::dates::putPair(text + 6, digits % 100);
     text[8] = 'T';
     qel::dates::putPair(text + 9, static_cast<unsigned>(hour));
     qel::dates::putPair(text + 11, static_cast<unsigned>(minute));
@@ -155,22 +171,24 @@ std::string_view secondDigits(const TimeText& in) {
     return {seconds, count};
 }
 
-// Sets `out` to a text, which may be its own: 0, or 2001 and a null string.
-int setText(const char* text, VStr& out) {
-    VStr copy(text);
-    const bool lost = copy.IsEmpty() && text != nullptr && *text != '\0';
-    out <<= copy;
-    return lost ? QEL_OUT_OF_MEMORY : QEL_OK;
+// Sets `out` to a text, which may be its own: 0, or 2001 and a null string. No text gives a null
+// string too.
+int setText(std::string_view text, VStr& out) {
+    if (text.empty()) {
+        out.Empty();
+        return QEL_OK;
+    }
+    out.Copy(text.data(), static_cast<int>(text.size()));
+    return out.IsEmpty() ? QEL_OUT_OF_MEMORY : QEL_OK;
 }
 
 // Sets `out` to a zone time less an offset, its seconds those of `in`, followed by `mark`.
-int convert(const TimeText& in, const ZoneTime& time, int hours, int minutes, const char* mark,
-            VStr& out) {
+int convert(const TimeText& in, int hours, int minutes, std::string_view mark, VStr& out) {
     char whole[kTextRoom];
-    char* end = writeLessOffset(time, hours, minutes, whole);
+    char* end = writeLessOffset(in.time, hours, minutes, whole);
     for (const char digit : secondDigits(in)) *end++ = digit;
-    std::strcpy(end, mark);
-    return setText(whole, out);
+    end += mark.copy(end, mark.size());
+    return setText({whole, static_cast<std::size_t>(end - whole)}, out);
 }
 
 // Whether a text needs no conversion to UTC: one without a time, or in UTC.
@@ -230,41 +248,40 @@ void BxTZ_GetZoneList(VStrArray& names, std::vector<int>& numbers) {
 }
 
 int BxTZ_LocalToUTC(int zone, const char* text, VStr& out) {
-    const TimeText in(text);
+    TimeText in(text);
     if (in.timed && !qel::dates::isZoneNumber(zone)) {
         reportBadZone(kLineLocalOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;
     }
-    if (needsNoUtc(in, kLineUtcToUtc)) return setText(text, out);
-    ZoneTime time = parseZoneTime(in);
+    if (needsNoUtc(in, kLineUtcToUtc)) return setText(in.whole(), out);
+    ZoneTime& time = in.time;
     if (const int code = qel::dates::zoneOffsetAt(zone, ZoneColumn::Local, time); code != 0)
         return code;
-    return convert(in, time, time.offsetHours, time.offsetMinutes, "Z", out);
+    return convert(in, time.offsetHours, time.offsetMinutes, "Z", out);
 }
 
 int BxTZ_LocalToUTCByOffset(int offsetHours, int offsetMinutes, const char* text, VStr& out) {
     const TimeText in(text);
-    if (needsNoUtc(in, kLineUtcToUtcByOffset)) return setText(text, out);
-    return convert(in, parseZoneTime(in), clampOffset(offsetHours), clampOffset(offsetMinutes), "Z",
-                   out);
+    if (needsNoUtc(in, kLineUtcToUtcByOffset)) return setText(in.whole(), out);
+    return convert(in, clampOffset(offsetHours), clampOffset(offsetMinutes), "Z", out);
 }
 
 int BxTZ_UTCToLocal(int zone, const char* text, VStr& out) {
-    const TimeText in(text);
+    TimeText in(text);
     if (in.timed && !qel::dates::isZoneNumber(zone)) {
         reportBadZone(kLineUtcOfBadZone, zone);
         out.Empty();
         return kBadZoneNumber;
     }
     if (!in.timed || !in.utc) {
-        const int result = setText(text, out);
+        const int result = setText(in.whole(), out);
         return result == QEL_OK && in.timed ? kNotUtc : result;
     }
-    ZoneTime time = parseZoneTime(in);
+    ZoneTime& time = in.time;
     if (const int code = qel::dates::zoneOffsetAt(zone, ZoneColumn::Utc, time); code != 0)
         return code;
-    return convert(in, time, -time.offsetHours, -time.offsetMinutes, "", out);
+    return convert(in, -time.offsetHours, -time.offsetMinutes, "", out);
 }
 
 int BxTZ_ConvertZone(VStr& text, int fromZone, int toZone) {
