@@ -34,6 +34,12 @@ ZoneChangeMoment momentOf(const CBxTimeZoneUtility::SYSTEMTIME& time) {
             time.wHour, time.wMinute, time.wSecond,    time.wMilliseconds};
 }
 
+// What became of the computer's zone in a year, by the version of the zone.
+struct KnownYear {
+    std::uint32_t version = 0;
+    qel::dates::DaylightYear year;
+};
+
 bool isDateTime(const char* text, std::size_t length) {
     return text != nullptr && std::strlen(text) == length && text[kTPosition] == 'T';
 }
@@ -122,14 +128,21 @@ __int64 CBxTimeZoneUtility::GetAdjustment(__int64 fileTime) {
     return IsDaylightSavingTime(time) != 0 ? m_nDaylightOffset : m_nStandardOffset;
 }
 
-// The rules are always those of the computer's zone, read anew; only the offsets are this object's.
+// The rules are always those of the computer's zone, as they are now; only the offsets are this
+// object's. A thread keeps the year that it needed last.
 int CBxTimeZoneUtility::IsDaylightSavingTime(FILETIME time) {
     const auto fileTime =
         static_cast<std::int64_t>(std::uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
     if (fileTime <= 0) return 0;
-    const int year = qel::dates::splitFileTime(fileTime).year;
-    const TimeZoneDescription zone = qel::platform::currentTimeZone(year);
-    return qel::dates::isDaylightTime(fileTime, zone, m_nDaylightOffset) ? 1 : 0;
+    constinit thread_local KnownYear last;
+    // Asked for first: rules that change meanwhile are then asked for again.
+    const std::uint32_t version = qel::platform::timeZoneVersion();
+    if (version != last.version || !last.year.has(fileTime)) {
+        const int year = qel::dates::splitFileTime(fileTime).year;
+        last.year = qel::dates::daylightYear(fileTime, qel::platform::currentTimeZone(year));
+        last.version = version;
+    }
+    return last.year.isDaylight(fileTime, m_nDaylightOffset) ? 1 : 0;
 }
 
 const char* CBxTimeZoneUtility::LocalToUTC(const char* text) {

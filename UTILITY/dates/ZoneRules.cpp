@@ -12,6 +12,7 @@ namespace {
 
 namespace chr = std::chrono;
 
+constexpr int kLastFileTimeYear = 30828;
 constexpr std::int64_t kFileTimePerDay = kSecondsPerDay * kFileTimePerSecond;
 constexpr chr::sys_days kFileTimeEpoch = chr::year(1601) / chr::January / 1;
 static_assert((chr::sys_days(chr::year(1900) / chr::January / 1) - kFileTimeEpoch).count() *
@@ -82,20 +83,26 @@ ZoneOffsets zoneOffsets(const platform::TimeZoneDescription& zone, bool followsD
     return offsets;
 }
 
-bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
-                    std::int64_t daylightOffset) {
-    if (fileTime <= 0) return false;
+DaylightYear daylightYear(std::int64_t fileTime, const platform::TimeZoneDescription& zone) {
     const int year = splitFileTime(fileTime).year;
     const bool absolute = zone.standardDate.year != 0;
     const auto standardChange = momentIn(year, zone.standardDate, absolute);
     const auto daylightChange = momentIn(year, zone.daylightDate, absolute);
-    if (!standardChange || !daylightChange) return false;
-    // The daylight offset for both changes, the one to daylight saving too: what is converted is
-    // compared as a time of the daylight half of the year.
-    const bool beforeStandard = fileTime < *standardChange - daylightOffset;
-    const bool fromDaylight = fileTime >= *daylightChange - daylightOffset;
-    const bool southern = zone.standardDate.month <= zone.daylightDate.month;
-    return southern ? beforeStandard || fromDaylight : beforeStandard && fromDaylight;
+    DaylightYear result;
+    result.begin = fileTimeOfDay(chr::year(year) / chr::January / 1);
+    // The last year is cut short by the largest file time.
+    result.end = year < kLastFileTimeYear ? fileTimeOfDay(chr::year(year + 1) / chr::January / 1)
+                                          : INT64_MAX;
+    result.changes = standardChange && daylightChange;
+    result.southern = zone.standardDate.month <= zone.daylightDate.month;
+    result.toStandard = standardChange.value_or(0);
+    result.toDaylight = daylightChange.value_or(0);
+    return result;
+}
+
+bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
+                    std::int64_t daylightOffset) {
+    return fileTime > 0 && daylightYear(fileTime, zone).isDaylight(fileTime, daylightOffset);
 }
 
 }  // namespace qel::dates

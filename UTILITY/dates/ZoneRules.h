@@ -38,9 +38,35 @@ struct ZoneOffsets {
 [[nodiscard]] ZoneOffsets zoneOffsets(const platform::TimeZoneDescription& zone,
                                       bool followsDaylight);
 
-// Whether a time lies in the daylight saving of a zone's rules. Both changes are taken
-// `daylightOffset` before their local time, so that the time is treated as if it were UTC. False
-// for times up to 0, and for rules that name no date.
+// When daylight saving holds in one year.
+struct DaylightYear {
+    std::int64_t begin = 0;       // of the year
+    std::int64_t end = 0;         // of the year: the first file time after it
+    bool changes = false;         // the rules name both dates
+    bool southern = false;        // the year begins and ends in daylight saving
+    std::int64_t toStandard = 0;  // in the local time that ends
+    std::int64_t toDaylight = 0;
+
+    [[nodiscard]] bool has(std::int64_t fileTime) const {
+        return fileTime >= begin && fileTime < end;
+    }
+    // Whether a time of the year lies in daylight saving. Both changes are taken `daylightOffset`
+    // before their local time, so that the time is treated as if it were UTC.
+    [[nodiscard]] bool isDaylight(std::int64_t fileTime, std::int64_t daylightOffset) const {
+        // The daylight offset for both changes, the one to daylight saving too: what is converted
+        // is compared as a time of the daylight half of the year.
+        const bool beforeStandard = fileTime < toStandard - daylightOffset;
+        const bool fromDaylight = fileTime >= toDaylight - daylightOffset;
+        return changes &&
+               (southern ? beforeStandard || fromDaylight : beforeStandard && fromDaylight);
+    }
+};
+
+// The year of a file time by a zone's rules. REQUIRES: fileTime >= 0
+[[nodiscard]] DaylightYear daylightYear(std::int64_t fileTime,
+                                        const platform::TimeZoneDescription& zone);
+
+// Whether a time lies in the daylight saving of a zone's rules; false for times up to 0.
 [[nodiscard]] bool isDaylightTime(std::int64_t fileTime, const platform::TimeZoneDescription& zone,
                                   std::int64_t daylightOffset);
 

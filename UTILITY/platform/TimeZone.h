@@ -2,6 +2,8 @@
 #ifndef QEL_PLATFORM_TIME_ZONE_H
 #define QEL_PLATFORM_TIME_ZONE_H
 
+#include <cstdint>
+
 namespace qel::platform {
 
 // The moment of a yearly change of offset, in the wall-clock time that it ends. With `year` 0 a
@@ -32,6 +34,12 @@ struct TimeZoneDescription {
 // of a month, both changes come as the dates of `year`. UTC when the system does not know. May read
 // a file; callable from any thread that no other thread changes the environment under.
 [[nodiscard]] TimeZoneDescription currentTimeZone(int year) noexcept;
+
+// A number that changes, for the calling thread, whenever currentTimeZone might describe another
+// zone than before. Costs little: it neither searches the environment nor opens a file each time. A
+// zone that is set in the environment counts at once, a replaced zone file and the system's
+// settings a few milliseconds later.
+[[nodiscard]] std::uint32_t timeZoneVersion() noexcept;
 
 // Whether the computer follows daylight saving: true unless its settings say otherwise.
 [[nodiscard]] bool followsDaylightSaving() noexcept;

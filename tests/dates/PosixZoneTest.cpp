@@ -1,9 +1,12 @@
 // Zone rule texts, and the class in zones that the TZ variable names.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "QelUtility/BxTimezones.h"
@@ -120,6 +123,39 @@ TEST(CurrentZone, FollowsTheVariable) {
         const ZoneVariable utc("");
         EXPECT_EQ(utcOf("20050615T083000"), "20050615T083000Z");
     }
+}
+
+// However the environment is changed, the next call knows.
+TEST(CurrentZone, NoticesEveryChangeOfTheEnvironment) {
+    const ZoneVariable variable("NPT-5:45");
+    ::unsetenv("TZDIR");
+    const auto here = [] { return utcOf("20050301T120000"); };
+    EXPECT_EQ(here(), "20050301T061500Z");
+    ::unsetenv("TZ");
+    ::setenv("QEL_FIRST", "1", 1);
+    ::setenv("QEL_LAST", "1", 1);
+    const std::string system = here();
+    ::unsetenv("QEL_FIRST");  // as many variables as before, TZ in the place of the last
+    ::setenv("TZ", "EST5", 1);
+    EXPECT_EQ(here(), "20050301T170000Z");
+    ::setenv("TZ", "EST4", 1);
+    EXPECT_EQ(here(), "20050301T160000Z");
+    char own[] = "TZ=EST3";
+    ::putenv(own);
+    EXPECT_EQ(here(), "20050301T150000Z");
+    own[6] = '2';
+    EXPECT_EQ(here(), "20050301T140000Z");
+    ::unsetenv("QEL_LAST");
+    EXPECT_EQ(here(), "20050301T140000Z");
+    char other[] = "TZ=EST1";
+    char* others[] = {other, nullptr};
+    char** const before = std::exchange(environ, others);
+    EXPECT_EQ(here(), "20050301T130000Z");
+    others[0] = nullptr;
+    EXPECT_EQ(here(), system);
+    environ = before;
+    ::unsetenv("TZ");
+    EXPECT_EQ(here(), system);
 }
 
 TEST(CurrentZone, ReadsTheLastLineOfAZoneFile) {

@@ -85,54 +85,100 @@ TimeZoneDescription presentOffset() {
     return zone;
 }
 
-TimeZoneDescription describe(const char* rule, int year) noexcept {
-    TimeZoneDescription zone;
-    return parsePosixZoneRule(rule, year, zone) ? zone : presentOffset();
-}
-
-// A thread's last answer. It holds for as long as TZ says the same and the clock's tick is the
-// same: a zone file that is replaced counts a few milliseconds later.
-struct KnownZone {
-    bool known = false;
-    bool named = false;  // TZ is set
-    std::uint32_t tick = 0;
-    int year = 0;
-    TimeZoneDescription zone;
-    char name[48] = "";   // the value of TZ
-    char rule[128] = "";  // its rule text
-
-    [[nodiscard]] bool answers(const char* value, std::uint32_t now) const noexcept {
-        return known && tick == now && named == (value != nullptr) &&
-               (value == nullptr || std::strcmp(name, value) == 0);
+// Where the environment holds TZ, or that it does not: a look at one entry in place of a search
+// through all. Whoever sets, changes or removes a variable leaves a mark there: another array,
+// another entry, or another last one. Who moves entries by hand may be missed until the clock's
+// next tick.
+class VariablePlace {
+  public:
+    // Looks for the variable; null where it is not set.
+    const char* find() noexcept {
+        entries_ = environ;
+        value_ = nullptr;
+        count_ = 0;
+        entry_ = nullptr;
+        for (char** at = entries_; at != nullptr && *at != nullptr; ++at, ++count_) {
+            entry_ = *at;
+            if (std::strncmp(entry_, kName, kNameLength) != 0) continue;
+            value_ = entry_ + kNameLength;
+            break;
+        }
+        return value_;
     }
-    void learn(const char* value, std::uint32_t now, const char* text) noexcept {
-        known = std::strlen(text) < sizeof rule &&
-                (value == nullptr ||
-                 (std::strlen(value) < sizeof name && std::getenv("TZDIR") == nullptr));
-        if (!known) return;
-        named = value != nullptr;
-        tick = now;
-        std::strcpy(name, named ? value : "");
-        std::strcpy(rule, text);
+    // Whether the last answer still holds, as far as can be seen here.
+    [[nodiscard]] bool holds() const noexcept {
+        if (entries_ != environ || entries_ == nullptr) return false;
+        if (value_ != nullptr) return entries_[count_] == entry_;
+        return entries_[count_] == nullptr && (count_ == 0 || entries_[count_ - 1] == entry_);
     }
+    [[nodiscard]] const char* value() const noexcept { return value_; }
+
+  private:
+    static constexpr char kName[] = "TZ=";
+    static constexpr std::size_t kNameLength = sizeof kName - 1;
+
+    char** entries_ = nullptr;
+    std::size_t count_ = 0;        // of the entries before the variable, or of all
+    const char* entry_ = nullptr;  // the variable's, or the last one
+    const char* value_ = nullptr;
 };
+
+// What a thread knows of the zone. It holds for as long as TZ says the same and the clock's tick is
+// the same: a zone file that is replaced counts a few milliseconds later.
+class KnownZone {
+  public:
+    std::uint32_t version() noexcept {
+        const std::uint32_t now = tickCount();
+        if (known_ && tick_ == now && place_.holds() && saysTheSame(place_.value()))
+            return version_;
+        const char* const value = place_.find();
+        if (!known_ || tick_ != now || !saysTheSame(value)) learn(value, now);
+        return version_;
+    }
+    [[nodiscard]] TimeZoneDescription describe(int year) noexcept {
+        version();
+        TimeZoneDescription zone;
+        return parsePosixZoneRule(rule_.text, year, zone) ? zone : presentOffset();
+    }
+
+  private:
+    [[nodiscard]] bool saysTheSame(const char* value) const noexcept {
+        return named_ == (value != nullptr) && (value == nullptr || std::strcmp(name_, value) == 0);
+    }
+    void learn(const char* value, std::uint32_t now) noexcept {
+        const RuleText rule = currentRuleText();
+        TimeZoneDescription zone;
+        // Without a rule the offset is the system's, which may change.
+        const bool same = known_ && saysTheSame(value) && std::strcmp(rule_.text, rule.text) == 0 &&
+                          parsePosixZoneRule(rule.text, 0, zone);
+        if (!same) ++version_;
+        known_ = value == nullptr ||
+                 (std::strlen(value) < sizeof name_ && std::getenv("TZDIR") == nullptr);
+        named_ = value != nullptr;
+        tick_ = now;
+        rule_ = rule;
+        if (known_) std::strcpy(name_, named_ ? value : "");
+    }
+
+    bool known_ = false;
+    bool named_ = false;  // TZ is set
+    std::uint32_t tick_ = 0;
+    std::uint32_t version_ = 0;
+    VariablePlace place_;
+    char name_[48] = "";  // the value of TZ
+    RuleText rule_;
+};
+
+constinit thread_local KnownZone lastZone;
 
 }  // namespace
 
+std::uint32_t timeZoneVersion() noexcept {
+    return lastZone.version();
+}
+
 TimeZoneDescription currentTimeZone(int year) noexcept {
-    thread_local KnownZone last;
-    const char* const value = std::getenv("TZ");
-    const std::uint32_t now = tickCount();
-    if (!last.answers(value, now)) {
-        const RuleText rule = currentRuleText();
-        last.learn(value, now, rule.text);
-        last.zone = describe(rule.text, year);
-        last.year = year;
-    } else if (last.year != year) {
-        last.zone = describe(last.rule, year);
-        last.year = year;
-    }
-    return last.zone;
+    return lastZone.describe(year);
 }
 
 // There is no setting here that turns a zone's daylight saving off.

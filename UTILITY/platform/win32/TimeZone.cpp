@@ -26,6 +26,11 @@ TimeZoneDescription currentTimeZone(int /*year*/) noexcept {
     return zone;
 }
 
+std::uint32_t timeZoneVersion() noexcept {
+    // The settings are asked for once in a tick of the clock, every 16 milliseconds.
+    return GetTickCount();
+}
+
 bool followsDaylightSaving() noexcept {
     HKEY key = nullptr;
     if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, "System\\CurrentControlSet\\control\\TimezoneInformation",
