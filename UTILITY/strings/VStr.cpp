@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "platform/Memory.h"
 #include "strings/VStrInternal.h"
@@ -49,6 +50,27 @@ bool liesIn(const char* text, const char* block) {
            distance < stringBlockSize(block);
 }
 
+template <typename Word>
+void copyEnds(char* to, const char* from, std::size_t count) {
+    Word first = 0;
+    Word last = 0;
+    std::memcpy(&first, from, sizeof first);
+    std::memcpy(&last, from + count - sizeof last, sizeof last);
+    std::memcpy(to, &first, sizeof first);
+    std::memcpy(to + count - sizeof last, &last, sizeof last);
+}
+
+// A copy of a piece, mostly a short one that has just been written. It is read in words as it was
+// written, where a longer read would wait for the memory.
+void copyPiece(char* to, const char* from, std::size_t count) {
+    if (count > 16 || count < 4)
+        std::memcpy(to, from, count);
+    else if (count >= 8)
+        copyEnds<std::uint64_t>(to, from, count);
+    else
+        copyEnds<std::uint32_t>(to, from, count);
+}
+
 }  // namespace
 
 char* VStr::ModAlloc(int n, unsigned int* capacityOut) {
@@ -70,7 +92,8 @@ char* VStr::ModGrow(int n) {
     // The test uses the block that a string of this length would have been given. A block that
     // is filled to its last byte is smaller than that, so the block itself is asked as well.
     const std::uint32_t current = grainSize(asUnsigned(m_length) + 1U);
-    if (size > current || stringBlockSize(m_buffer) < asUnsigned(n)) {
+    // No block is shorter than a grain, so for a short text the block's size need not be asked.
+    if (size > current || (asUnsigned(n) > kGrain && stringBlockSize(m_buffer) < asUnsigned(n))) {
         char* grown = stringRealloc(m_buffer, size);
         if (grown == nullptr) {
             Empty();
@@ -91,15 +114,18 @@ VStr::VStr() : m_buffer(nullptr), m_length(0), m_capacity(0) {
 }
 
 VStr::VStr(const char* s) : VStr() {
-    if (s != nullptr && *s != '\0') Copy(s);
+    const std::size_t length = s == nullptr ? 0 : std::strlen(s);
+    if (length > 0 && length <= static_cast<std::size_t>(kMaxLength))
+        Make(s, static_cast<int>(length), static_cast<int>(length));
 }
 
 VStr::VStr(const char* s, int n) : VStr() {
-    if (s != nullptr && n > 0) Copy(s, n);
+    if (s != nullptr && n > 0) Make(s, textLength(s, static_cast<std::size_t>(n)), n);
 }
 
 VStr::VStr(const VStr& o) : VStr() {
-    if (o.m_buffer != nullptr && o.m_length > 0) Copy(o.m_buffer, o.m_length);
+    if (o.m_buffer != nullptr && o.m_length > 0)
+        Make(o.m_buffer, textLength(o.m_buffer, static_cast<std::size_t>(o.m_length)), o.m_length);
 }
 
 VStr::VStr(char c, int n) : VStr() {
@@ -150,28 +176,40 @@ VStr& VStr::Copy(const char* s, int n) {
     return Assign(s, s == nullptr ? 0 : textLength(s, static_cast<std::size_t>(n)), n);
 }
 
-// The first `count` bytes of s, padded to `length`. A block of the size that the text needs is
-// written anew, to its end.
-VStr& VStr::Assign(const char* s, int count, int length) {
+// The first `count` bytes of s, padded to `length`, in the block that is there; false when it has
+// not the size that the text needs.
+bool VStr::Rewrite(const char* s, int count, int length) {
     const std::size_t size = grainSize(asUnsigned(length) + 1U);
-    const std::size_t present = m_buffer == nullptr ? 0 : stringBlockSize(m_buffer);
+    const std::size_t present = stringBlockSize(m_buffer);
+    if (present < size || present - size >= kGrain) return false;
     const auto bytes = static_cast<std::size_t>(count);
-    if (s != nullptr && present >= size && present - size < kGrain) {
-        std::memmove(m_buffer, s, bytes);
-        std::memset(m_buffer + bytes, 0, present - bytes);
-        m_length = length;
-        m_capacity = static_cast<unsigned int>(size);
-        return *this;
-    }
-    unsigned int capacity = 0;
-    char* block = s == nullptr || length > kMaxLength ? nullptr : ModAlloc(length + 1, &capacity);
-    if (block == nullptr) {
-        Empty();
-        return *this;
-    }
+    std::memmove(m_buffer, s, bytes);
+    std::memset(m_buffer + bytes, 0, present - bytes);
+    m_length = length;
+    m_capacity = static_cast<unsigned int>(size);
+    return true;
+}
+
+// A null string becomes the first `count` bytes of s, padded to `length`.
+void VStr::Make(const char* s, int count, int length) {
+    if (length > kMaxLength) return;
+    const std::uint32_t size = grainSize(asUnsigned(length) + 1U);
+    m_buffer = stringAlloc(size);
+    if (m_buffer == nullptr) return;
     // The block is zero-filled, which is the padding and the terminator.
-    std::memcpy(block, s, bytes);
-    Adopt(block, length, capacity);
+    std::memcpy(m_buffer, s, static_cast<std::size_t>(count));
+    m_length = length;
+    m_capacity = size;
+}
+
+// The first `count` bytes of s, padded to `length`.
+VStr& VStr::Assign(const char* s, int count, int length) {
+    if (m_buffer != nullptr && s != nullptr && Rewrite(s, count, length)) return *this;
+    VStr made;
+    if (s != nullptr) made.Make(s, count, length);
+    std::swap(m_buffer, made.m_buffer);
+    m_length = made.m_length;
+    m_capacity = made.m_capacity;
     return *this;
 }
 
@@ -333,7 +371,7 @@ VStr& VStr::Append(const char* s, int count) {
         return *this;
     }
     char* end = m_buffer + headLength;
-    if (count > 0) std::memcpy(end, s, static_cast<std::size_t>(count));
+    if (count > 0) copyPiece(end, s, static_cast<std::size_t>(count));
     end[count] = '\0';
     m_length = static_cast<int>(total);
     m_buffer[m_length] = '\0';

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "QelUtility/VStr.h"
+
 namespace qel::strings {
 
 // The longest text whose size with the terminator is still an `int`.
@@ -18,6 +20,15 @@ inline int textLength(const char* text, std::size_t room) {
     if (end == nullptr) return static_cast<int>(most);
     return static_cast<int>(static_cast<const char*>(end) - text);
 }
+
+// For the library's own writers, which know how long their text is: it is not measured again. The
+// text has no NUL.
+struct Writer {
+    // As VStr::Copy with a count.
+    static void assign(VStr& to, const char* text, int length) { to.Assign(text, length, length); }
+    // As VStr::Catstr.
+    static void append(VStr& to, const char* text, int length) { to.Append(text, length); }
+};
 
 }  // namespace qel::strings
 

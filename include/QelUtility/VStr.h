@@ -21,6 +21,10 @@
 
 #ifdef __cplusplus
 
+namespace qel::strings {
+struct Writer;
+}
+
 /// A byte string with an owned block: null, allocated empty or a text (see VStr.h).
 class QELUTILITY_API VStr {
   public:
@@ -209,7 +213,10 @@ class QELUTILITY_API VStr {
     void Format(const char* fmt, ...) QELUTILITY_PRINTF(2, 3);
 
   private:
+    friend struct qel::strings::Writer;  // the library's own
     QELUTILITY_LOCAL void Adopt(char* block, int length, unsigned int capacity);
+    QELUTILITY_LOCAL void Make(const char* s, int count, int length);
+    QELUTILITY_LOCAL bool Rewrite(const char* s, int count, int length);
     QELUTILITY_LOCAL VStr& Assign(const char* s, int count, int length);
     QELUTILITY_LOCAL VStr& Append(const char* s, int count);
 
