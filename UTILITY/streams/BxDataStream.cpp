@@ -137,8 +137,7 @@ int CBxDataStream::CBxstrlen(unsigned char* p) {
     if (p == nullptr) return 0;
     std::size_t room = m_capacity;
     if (pointsInto(p, m_storage, m_capacity)) room -= static_cast<std::size_t>(p - m_storage);
-    const unsigned char* end = std::find_if(p, p + room, qel::streams::endsValue);
-    const auto length = static_cast<std::size_t>(end - p);
+    const std::size_t length = qel::streams::lengthOfValue(p, room);
     return length == room || length > INT_MAX ? 0 : static_cast<int>(length);
 }
 

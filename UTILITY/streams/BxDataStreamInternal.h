@@ -6,6 +6,7 @@
 #include <array>
 #include <climits>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 
@@ -20,6 +21,22 @@ constexpr char kSeparator = '\x1F';
 
 constexpr bool endsValue(unsigned char c) {
     return c == static_cast<unsigned char>(kSeparator) || c == 0;
+}
+
+// The number of bytes before the first that ends a value; `room` where none of so many does. Eight
+// at a time as long as none of them does.
+inline std::size_t lengthOfValue(const unsigned char* p, std::size_t room) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    const auto hasZero = [](std::uint64_t word) {
+        return ((word - kOnes) & ~word & (kOnes << 7)) != 0;
+    };
+    std::size_t length = 0;
+    for (std::uint64_t word = 0; room - length >= sizeof word; length += sizeof word) {
+        std::memcpy(&word, p + length, sizeof word);
+        if (hasZero(word) || hasZero(word ^ kOnes * static_cast<unsigned char>(kSeparator))) break;
+    }
+    while (length < room && !endsValue(p[length])) ++length;
+    return length;
 }
 
 // The head of bytes that need not end in a zero, as a log line shows it.

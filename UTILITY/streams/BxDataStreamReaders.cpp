@@ -6,6 +6,7 @@
 
 #include "QelUtility/BxDataStream.h"
 #include "streams/BxDataStreamInternal.h"
+#include "strings/VStrInternal.h"
 
 namespace {
 
@@ -180,7 +181,7 @@ CBxDataStream& CBxDataStream::operator>>(char* text) {
 
 CBxDataStream& CBxDataStream::operator>>(VStr& text) {
     const int length = ValueLength(__LINE__);
-    text.Copy(reinterpret_cast<const char*>(m_position), length);
+    qel::strings::Writer::assign(text, reinterpret_cast<const char*>(m_position), length);
     // Without memory even an empty text is null, which has the shared text of all null strings.
     const bool missing =
         length == 0 && static_cast<const char*>(text) == static_cast<const char*>(VStr());

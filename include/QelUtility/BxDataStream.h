@@ -67,7 +67,10 @@ class QELUTILITY_API CBxBuffer {
 
   protected:
     /// The bytes of content that lie within the storage.
-    QELUTILITY_LOCAL unsigned int ContentSize() const;
+    QELUTILITY_LOCAL unsigned int ContentSize() const {
+        if (m_storage == nullptr) return 0;
+        return m_length < m_capacity ? m_length : m_capacity;
+    }
 
     unsigned char* m_storage;   ///< allocated with malloc when owned
     unsigned char* m_position;  ///< where the next value is written or read
