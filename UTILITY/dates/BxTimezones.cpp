@@ -1,14 +1,15 @@
 // The conversion by the rules of the computer's own zone.
 #include "QelUtility/BxTimezones.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
+#include "QelUtility/ZQDate.h"
 #include "dates/CivilDate.h"
 #include "dates/DateTimeFields.h"
 #include "dates/DecimalField.h"
-#include "dates/ZQDateInternal.h"
 #include "dates/ZoneRules.h"
 #include "platform/LocalClock.h"
 #include "platform/TimeZone.h"
@@ -75,10 +76,12 @@ std::int64_t fileTimeOf(const char* text) {
 // now.
 const char* writeDateTime(std::int64_t fileTime, bool utc, char* result) {
     const qel::dates::FileTimeFields fields = qel::dates::splitFileTime(fileTime);
-    qel::dates::ZQ_DateToAlpha(fields.month, fields.day, fields.year, result);
-    result[kTPosition] = 'T';
-    qel::dates::ZQ_TimeToAlpha(fields.hour, fields.minute, fields.second, result + kTPosition + 1);
-    if (utc) std::memcpy(result + kLocalLength, "Z", 2);
+    // There are four places for the year.
+    qel::dates::putDateTime(result,
+                            {std::min(fields.year, 9999), fields.month, fields.day, fields.hour,
+                             fields.minute, fields.second},
+                            utc ? 'Z' : '\0');
+    if (utc) result[kUtcLength] = '\0';
     return result;
 }
 

@@ -4,9 +4,12 @@
 #define QEL_DATES_DECIMALFIELD_H
 
 #include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
+#include "dates/DateTimeFields.h"
 #include "platform/AsciiText.h"
 
 namespace qel::dates {
@@ -35,6 +38,24 @@ inline constexpr auto kPairs = [] {
 // Writes two digits. REQUIRES: value <= 99
 inline void putPair(char* buffer, unsigned value) noexcept {
     std::memcpy(buffer, kPairs.data() + std::size_t{2} * value, 2);
+}
+
+// Writes "20050615T083000" and a last character, without a terminator: in two words, because what
+// reads single digits again as a whole at once waits for each of them to reach the memory.
+// REQUIRES: year in [0, 9999], the other fields in [0, 99]
+inline void putDateTime(char* buffer, const DateTimeFields& fields, char last) noexcept {
+    const auto pair = [](int value) {
+        const char* digits = kPairs.data() + std::size_t{2} * static_cast<unsigned>(value);
+        return std::uint64_t{static_cast<unsigned char>(digits[0])} |
+               std::uint64_t{static_cast<unsigned char>(digits[1])} << 8;
+    };
+    const std::uint64_t words[2] = {pair(fields.year / 100) | pair(fields.year % 100) << 16 |
+                                        pair(fields.month) << 32 | pair(fields.day) << 48,
+                                    std::uint64_t{'T'} | pair(fields.hour) << 8 |
+                                        pair(fields.minute) << 24 | pair(fields.second) << 40 |
+                                        std::uint64_t{static_cast<unsigned char>(last)} << 56};
+    static_assert(std::endian::native == std::endian::little);
+    std::memcpy(buffer, words, sizeof words);
 }
 
 }  // namespace qel::dates

@@ -11,6 +11,7 @@
 #include "dates/DecimalField.h"
 #include "dates/ZQDateTimeInternal.h"
 #include "platform/AsciiText.h"
+#include "strings/VStrInternal.h"
 
 namespace {
 
@@ -54,24 +55,19 @@ DateTimeFields scanDateTime(const char* text) {
 std::size_t writeDateTime(std::int64_t codeDate, std::int64_t codeTime, char* text, bool noUtc) {
     if (qel::dates::isCodeDate(codeDate) && codeTime >= 0) {
         const qel::dates::CivilDate date = qel::dates::decodeCivilDate(static_cast<int>(codeDate));
-        const auto year = static_cast<unsigned>(date.year);
-        const auto time = static_cast<unsigned>(codeTime);  // [0, 86399]
-        qel::dates::putPair(text, year / 100);
-        qel::dates::putPair(text + 2, year % 100);
-        qel::dates::putPair(text + 4, static_cast<unsigned>(date.month));
-        qel::dates::putPair(text + 6, static_cast<unsigned>(date.day));
-        qel::dates::putPair(text + 9, time / 3600);
-        qel::dates::putPair(text + 11, time / 60 % 60);
-        qel::dates::putPair(text + 13, time % 60);
+        const auto time = static_cast<int>(codeTime);  // [0, 86399]
+        qel::dates::putDateTime(
+            text, {date.year, date.month, date.day, time / 3600, time / 60 % 60, time % 60},
+            noUtc ? '\0' : 'Z');
     } else {
         // A day number outside the calendar, however large, is written as the day that does not
         // decode.
         ZQ_CodeDateToAlpha(qel::dates::isCodeDate(codeDate) ? static_cast<int>(codeDate) : -1,
                            text);
         ZQ_CodeTimeToAlpha(static_cast<int>(codeTime), text + 9);
+        text[8] = 'T';
+        text[15] = noUtc ? '\0' : 'Z';
     }
-    text[8] = 'T';
-    text[15] = noUtc ? '\0' : 'Z';
     text[16] = '\0';
     return noUtc ? 15 : 16;
 }
@@ -93,8 +89,8 @@ __int64 QELUTILITY_CALL ZQ_DateTimeToSeconds(const char* text) {
 
 void QELUTILITY_CALL ZQ_SecondsToDateTime(__int64 seconds, VStr& out, int noUtc) {
     char text[qel::dates::kDateTimeRoom];
-    qel::dates::secondsToAlpha(seconds, text, noUtc != 0);
-    out += text;
+    const std::size_t length = qel::dates::secondsToAlpha(seconds, text, noUtc != 0);
+    qel::strings::Writer::append(out, text, static_cast<int>(length));
 }
 
 int QELUTILITY_CALL ZQ_DateTimeToUnixTime(const char* text) {
@@ -107,9 +103,10 @@ int QELUTILITY_CALL ZQ_DateTimeToUnixTime(const char* text) {
 
 const char* QELUTILITY_CALL ZQ_UnixTimeToDateTime(int seconds, VStr& out, int noUtc) {
     char text[qel::dates::kDateTimeRoom];
-    writeDateTime(seconds / qel::dates::kSecondsPerDay + qel::dates::kUnixEpochCodeDate,
-                  seconds % qel::dates::kSecondsPerDay, text, noUtc != 0);
-    out += text;
+    const std::size_t length =
+        writeDateTime(seconds / qel::dates::kSecondsPerDay + qel::dates::kUnixEpochCodeDate,
+                      seconds % qel::dates::kSecondsPerDay, text, noUtc != 0);
+    qel::strings::Writer::append(out, text, static_cast<int>(length));
     return out;
 }
 
