@@ -92,11 +92,13 @@ void appendUntil(__int64 until, RRuleOutput& out, bool withTime) {
 // is exhausted `out` is null.
 template <typename Write>
 const char* deliver(VStr& out, Write write) {
-    out.Empty();
     RRuleOutput output;
     const bool isRule = write(output);
     const std::string_view text = output.text();
-    if (!text.empty()) out.Copy(text.data(), static_cast<int>(text.size()));
+    if (text.empty())
+        out.Empty();
+    else
+        out.Copy(text.data(), static_cast<int>(text.size()));
     return isRule && !out.IsEmpty() ? static_cast<const char*>(out) : nullptr;
 }
 
