@@ -135,14 +135,16 @@ Bx_VStrArray::~Bx_VStrArray() = default;
 Bx_VStrArray& Bx_VStrArray::operator=(const Bx_VStrArray& o) = default;
 
 int Bx_VStrArray::AddVStr(VStr& v) {
-    // Taken before the block grows: `v` may be one of its elements.
-    VStr taken;
-    taken <<= v;
-    if (!GrowForOne(true)) {
-        v <<= taken;
-        return -1;
+    if (m_size > m_lastIndex) {
+        // Taken before the block grows: `v` may be one of its elements.
+        VStr taken;
+        taken <<= v;
+        const bool grown = GrowForOne(true);
+        VStr& place = grown ? *new (m_data + m_size) VStr : v;
+        place <<= taken;
+        return grown ? m_size++ : -1;
     }
-    *new (m_data + m_size) VStr <<= taken;
+    *new (m_data + m_size) VStr <<= v;
     return m_size++;
 }
 
