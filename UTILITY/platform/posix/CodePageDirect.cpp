@@ -59,6 +59,56 @@ std::uint32_t convert(const unsigned char* in, std::uint32_t length, char* out, 
     return size;
 }
 
+// Whether a unit has three bytes in UTF-8.
+constexpr bool isThreeBytes(std::uint32_t point) {
+    return point - 0x800 < 0xD800 - 0x800 || point - 0xE000 < 0x10000 - 0xE000;
+}
+
+// How far a conversion has come: the next byte of the text, and of the result.
+struct Place {
+    std::uint32_t at;
+    std::uint32_t size;
+};
+
+// Converts on from a place for as long as a character has three bytes in UTF-8 and two in the page,
+// as most of a text in Asia. What it stops at may be anything. Each character is read and written
+// as one word; what is beyond it there still belongs to the text, and to the result's room.
+inline Place fromUtf8Run(const unsigned char* in, std::uint32_t length, Page& page, char* out,
+                         std::uint32_t room, Place place) {
+    std::uint32_t word = 0;
+    while (length - place.at >= sizeof word && room - place.size >= 2) {
+        std::memcpy(&word, in + place.at, sizeof word);
+        const std::uint32_t point = (word & 0x0F) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F);
+        if ((word & 0xC0C0F0) != 0x8080E0 || !isThreeBytes(point)) break;
+        const auto* row = page.codes(point >> 8);
+        if (row == nullptr || (*row)[point & 0xFF] < 0x100) break;
+        const std::uint16_t code = (*row)[point & 0xFF];
+        const auto bytes = static_cast<std::uint16_t>(code << 8 | code >> 8);
+        std::memcpy(out + place.size, &bytes, sizeof bytes);
+        place.at += 3;
+        place.size += 2;
+    }
+    return place;
+}
+
+inline Place toUtf8Run(const unsigned char* in, std::uint32_t length, Page& page,
+                       const Rows<char16_t>::Row& singles, char* out, std::uint32_t room,
+                       Place place) {
+    std::uint32_t word = 0;
+    while (length - place.at >= 2 && room - place.size >= sizeof word) {
+        const unsigned char* const pair = in + place.at;
+        const auto* row = singles[pair[0]] == 0 ? page.pairs(pair[0]) : nullptr;
+        if (row == nullptr || !isThreeBytes((*row)[pair[1]])) break;
+        const std::uint32_t point = (*row)[pair[1]];
+        word = 0x8080E0 | point >> 12 | (point << 2 & 0x3F00) | (point & 0x3F) << 16;
+        std::memcpy(out + place.size, &word, sizeof word);
+        place.at += 2;
+        place.size += 3;
+    }
+    return place;
+}
+static_assert(std::endian::native == std::endian::little);
+
 std::uint32_t fromUtf8(const unsigned char* in, std::uint32_t length, Page& page, char* out,
                        std::uint32_t room) {
     return convert(
@@ -79,6 +129,10 @@ std::uint32_t fromUtf8(const unsigned char* in, std::uint32_t length, Page& page
             const std::uint32_t code = (*row)[point & 0xFF];
             if (code > 0xFF) out[size++] = static_cast<char>(code >> 8);
             out[size++] = code != 0 ? static_cast<char>(code & 0xFF) : '?';
+            if (code <= 0xFF) return true;
+            const Place end = fromUtf8Run(in, length, page, out, room, {at, size});
+            at = end.at;
+            size = end.size;
             return true;
         });
 }
@@ -102,6 +156,9 @@ std::uint32_t toUtf8(const unsigned char* in, std::uint32_t length, Page& page, 
             out[size++] = static_cast<char>(0xE0 | point >> 12);
             out[size++] = static_cast<char>(0x80 | (point >> 6 & 0x3F));
             out[size++] = static_cast<char>(0x80 | (point & 0x3F));
+            const Place end = toUtf8Run(in, length, page, *singles, out, room, {at, size});
+            at = end.at;
+            size = end.size;
         }
         return true;
     });
