@@ -69,16 +69,19 @@ TEST(Base64, DecodesSpacedTextAndRefusesTheMalformed) {
 
 // Blanks between the digits keep the decoder from reading several at once.
 TEST(Base64, ReadsLongRunsAsItReadsDigitByDigit) {
-    std::string all;
-    for (int i = 0; i < 96; ++i) all += static_cast<char>(i * 37);
-    const std::string text = base64(all);
-    for (std::size_t at = 0; at < 80; ++at) {
-        for (int c = 1; c < 256; ++c) {
-            std::string changed = text;
-            changed[at] = static_cast<char>(c);
-            std::string spaced;
-            for (const char digit : changed) spaced += {digit, ' '};
-            ASSERT_EQ(unbase64(changed), unbase64(spaced)) << at << ' ' << c;
+    for (const int size : {96, 320}) {
+        std::string all;
+        for (int i = 0; i < size; ++i) all += static_cast<char>(i * 37);
+        const std::string text = base64(all);
+        EXPECT_EQ(unbase64(text), all);
+        for (std::size_t at = 0; at < 80; ++at) {
+            for (int c = 1; c < 256; ++c) {
+                std::string changed = text;
+                changed[at] = static_cast<char>(c);
+                std::string spaced;
+                for (const char digit : changed) spaced += {digit, ' '};
+                ASSERT_EQ(unbase64(changed), unbase64(spaced)) << at << ' ' << c;
+            }
         }
     }
 }
