@@ -21,9 +21,11 @@
 
 #ifdef __cplusplus
 
-namespace qel::strings {
+namespace qel {
+namespace strings {
 struct Writer;
-}
+}  // namespace strings
+}  // namespace qel
 
 /// A byte string with an owned block: null, allocated empty or a text (see VStr.h).
 class QELUTILITY_API VStr {
