@@ -49,8 +49,7 @@ int qelcal_report_add_file(qelcal_report* report, const char* name) {
         return api::fail(QELCAL_WRONG_ORDER, "a file of the report has not ended");
     return api::guarded([=] {
         report->endFile();
-        report->report.beginFile(name);
-        report->report.endFile();
+        report->report.addFile(name);
         return int{QELCAL_OK};
     });
 }

@@ -137,6 +137,7 @@ void ConversionReport::finish(const std::string& remark, const Write& head) {
     const std::vector<FileOutcome>& files = tally_.files();
     const Totals totals = tally_.totals();
     head(pageBegin(remark, totals));
+    head(filesLeftOut(files));
     head(lookFirst(tally_.worthALook()));
     head(filesBegin(totals));
     for (std::size_t i = 0; i < files.size(); ++i) head(fileRow(i + 1, files[i]));

@@ -35,6 +35,8 @@ class ConversionReport final : public ConversionObserver {
     void beginWeeksOn(int weekday) { weekStart_ = weekday; }
 
     void beginFile(const std::string& name);
+    // A file that is not read, between others.
+    void addFile(const std::string& name) { tally_.addFile(name); }
     // Every note of the conversion, as the converter reports it: those about an entry before the
     // entry itself. The others are shown at the end of their file.
     void note(const Note& note);

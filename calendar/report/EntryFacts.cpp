@@ -72,8 +72,9 @@ std::string whenText(const Entry& entry) {
     return text;
 }
 
-// The values of the lines of that name without parameters, unfolded.
-std::vector<std::string> valuesOf(std::string_view lines, std::string_view name) {
+// The values of the lines of that name without parameters, unfolded. A phone folds its lines at a
+// blank, which stays then.
+std::vector<std::string> valuesOf(std::string_view lines, std::string_view name, bool ofPhone) {
     std::vector<std::string> values;
     bool inside = false;
     while (!lines.empty()) {
@@ -82,7 +83,7 @@ std::vector<std::string> valuesOf(std::string_view lines, std::string_view name)
         lines.remove_prefix(std::min(end + 1, lines.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
         if (inside && line.starts_with(' ')) {
-            values.back() += line.substr(1);
+            values.back() += line.substr(ofPhone ? 0 : 1);
             continue;
         }
         inside = line.starts_with(name) && line.substr(name.size()).starts_with(':');
@@ -134,9 +135,9 @@ EntryFacts entryFacts(const ConvertedEntry& converted) {
     // The writer settles ends on the clock of the start, and readers write them in other ways too.
     if (facts.rules.size() == 1 && !facts.rules[0].exclude) {
         RuleFacts& rule = facts.rules[0];
-        const std::vector<std::string> before = valuesOf(converted.source, "RRULE");
-        const std::vector<std::string> after = valuesOf(converted.written, "RRULE");
         const bool toPhone = converted.target == CalendarFormat::VCalendar10;
+        const std::vector<std::string> before = valuesOf(converted.source, "RRULE", !toPhone);
+        const std::vector<std::string> after = valuesOf(converted.written, "RRULE", toPhone);
         const auto& iCalendar = toPhone ? before : after;
         const auto& vCalendar = toPhone ? after : before;
         if (iCalendar.size() == 1) rule.iCalendar = iCalendar[0];

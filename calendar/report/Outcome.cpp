@@ -18,6 +18,11 @@ void Tally::beginFile(std::string name) {
     files_.emplace_back().file = std::move(name);
 }
 
+void Tally::addFile(std::string name) {
+    beginFile(std::move(name));
+    files_.back().read = false;
+}
+
 void Tally::note(const Note& note) {
     OutcomeCounts& counts = files_.back().counts;
     if (note.severity() == Severity::Warning) ++counts.warnings;

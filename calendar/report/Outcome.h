@@ -28,6 +28,7 @@ struct FileOutcome {
     std::string file;    // as the caller named it
     std::string output;  // the name of its result; may be empty
     std::string reason;  // why the file is in no result; empty when it is in one
+    bool read = true;    // false for a file that no converter has read
     OutcomeCounts counts;
 };
 
@@ -48,6 +49,8 @@ struct Totals {
 class Tally : public ConversionObserver {
   public:
     void beginFile(std::string name);
+    // A file that is not read.
+    void addFile(std::string name);
     // Every note of the conversion, as the converter reports it. REQUIRES: a file was begun.
     void note(const Note& note);
     // REQUIRES: a file was begun.

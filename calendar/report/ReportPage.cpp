@@ -134,7 +134,15 @@ std::string tiles(const Totals& totals) {
            tile("Entries", counts.entries, "some") + tile("Converted", counts.converted, "some") +
            tile("Changed", counts.changed, "warn") + tile("Warnings", counts.warnings, "warn") +
            tile("Errors", counts.errors, "bad") + tile("Not carried over", counts.lost, "bad") +
-           "</dl>";
+           (totals.leftOut == 0 ? "" : tile("Files left out", totals.leftOut, "bad")) + "</dl>";
+}
+
+// Mostly the reason begins with the file's name.
+std::string_view reasonOf(const FileOutcome& file) {
+    const std::string_view reason = file.reason;
+    const std::size_t name = file.file.size();
+    const bool named = reason.starts_with(file.file) && reason.substr(name).starts_with(": ");
+    return named ? reason.substr(name + 2) : reason;
 }
 
 std::string countCell(std::uint64_t value) {
@@ -169,6 +177,20 @@ std::string pageBegin(const std::string& remark, const Totals& totals) {
     return text + tiles(totals) + "</header>\n<main>\n";
 }
 
+std::string filesLeftOut(const std::vector<FileOutcome>& files) {
+    std::string text;
+    std::size_t count = 0;
+    for (const FileOutcome& file : files) {
+        if (file.reason.empty() || ++count > kMostFilesShown) continue;
+        text += "<li class=gone><bdi>" + html(file.file) + "</bdi>: " + html(reasonOf(file));
+    }
+    if (text.empty()) return text;
+    if (count > kMostFilesShown)
+        text += "<li class=note>" + counted(count - kMostFilesShown, "more file", "more files") +
+                " below";
+    return "<h2>Files left out</h2><div class=about><ul class=told>" + text + "</ul></div>\n";
+}
+
 std::string lookFirst(const std::vector<NoteGroup>& groups) {
     if (groups.empty()) return {};
     std::string text = "<h2>What to look at first</h2><div class=about><ul class=told>";
@@ -195,10 +217,12 @@ std::string filesBegin(const Totals& totals) {
 }
 
 std::string fileRow(std::size_t number, const FileOutcome& file) {
+    const std::string name = "<bdi>" + html(file.file) + "</bdi>";
     std::string text =
-        "<tr><td><a href='#f" + std::to_string(number) + "'><bdi>" + html(file.file) + "</bdi></a>";
+        "<tr><td>" +
+        (file.read ? "<a href='#f" + std::to_string(number) + "'>" + name + "</a>" : name);
     if (!file.reason.empty())
-        text += "<br><span class=soft>left out: " + html(file.reason) + "</span>";
+        text += "<br><span class=soft>left out: " + html(reasonOf(file)) + "</span>";
     if (!file.output.empty())
         text += "<br><span class=soft>to <bdi>" + html(file.output) + "</bdi></span>";
     const OutcomeCounts& counts = file.counts;

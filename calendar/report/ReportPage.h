@@ -37,6 +37,7 @@ struct ReportEntry {
 // The head: the page's beginning, what to look at first, a row for each file (1 for the first), the
 // beginning of the entries.
 [[nodiscard]] std::string pageBegin(const std::string& remark, const Totals& totals);
+[[nodiscard]] std::string filesLeftOut(const std::vector<FileOutcome>& files);
 [[nodiscard]] std::string lookFirst(const std::vector<NoteGroup>& groups);
 [[nodiscard]] std::string filesBegin(const Totals& totals);
 [[nodiscard]] std::string fileRow(std::size_t number, const FileOutcome& file);
