@@ -247,6 +247,26 @@ TEST_F(ConvertFolders, WithoutAnEntryNothingIsWritten) {
     EXPECT_TRUE(contains(run({"convert", state_.file("other.vcs")}).out, "SUMMARY:Good"));
 }
 
+// One run writes one format: that of the result's name, or of today where a phone's file is among
+// them.
+TEST_F(ConvertFolders, WhatIsWrittenWithoutBeingNamed) {
+    const std::string own = state_.file("mixed/a.ics");
+    const std::string phone = state_.file("phone/a.vcs");
+    fs::create_directories(state_.path() / "mixed");
+    EXPECT_EQ(run({"convert", phone, "-o", own}).exitCode, 0);
+    fs::copy_file(phone, state_.path() / "mixed/b.vcs");
+    for (const char* name : {"again.ics", "phone.vcs"}) {
+        EXPECT_EQ(run({"convert", own, "-o", state_.file(name)}).exitCode, 0);
+        EXPECT_TRUE(
+            contains(read(name), std::string(name) == "phone.vcs" ? "VERSION:1" : "VERSION:2"));
+    }
+    EXPECT_EQ(run({"convert", state_.file("mixed"), "-d", out_}).exitCode, 0);
+    EXPECT_TRUE(has("out/a.ics"));
+    EXPECT_TRUE(has("out/b.ics"));
+    fails(1, {state_.file("gone/x.vcs")}, "cannot be read");
+    EXPECT_FALSE(has("gone"));
+}
+
 TEST_F(ConvertFolders, TheReportShowsEveryEntry) {
     put("phone/odd.vcs",
         calendar("SUMMARY:<script>alert('1')</script>&\r\nRNUM:3\r\nno <property>\r\n"

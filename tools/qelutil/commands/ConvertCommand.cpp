@@ -12,9 +12,11 @@ namespace {
 // Where the results go.
 void addOutputOptions(CLI::App* command, ConvertOptions& options) {
     command
-        ->add_option("--to", options.to,
-                     "ics for iCalendar, vcs for vCalendar 1.0; the other format than the first "
-                     "file's when it is missing")
+        ->add_option(
+            "--to", options.to,
+            "ics for iCalendar, vcs for vCalendar 1.0; without it what the ending of\n"
+            "--output says, or ics for several files with a phone's .vcs among them, else\n"
+            "the other format than the first file's")
         ->check(CLI::IsMember({"ics", "vcs"}))
         ->option_text("ics|vcs");
     CLI::Option* output =

@@ -82,6 +82,7 @@ class ConvertRun {
             calendarFiles(context_, options_.files, options_.outputDir, options_.charset);
         files_ = std::move(found.files);
         others_ = std::move(found.others);
+        if (options_.to.empty()) options_.to = usualTarget();
         protectInputs();
         nameOthers();
         openReport();
@@ -104,10 +105,31 @@ class ConvertRun {
     // True when every file has a result of its own.
     [[nodiscard]] bool eachAlone() const { return options_.beside || !options_.outputDir.empty(); }
 
+    // The format that a person expects who names none: what the result's name says, or calendars of
+    // today from a phone's files, whatever lies beside them. Else the other one than a file's own.
+    [[nodiscard]] std::string usualTarget() const {
+        if (!eachAlone() && !isStandardOutput(options_.output)) {
+            const std::string named = calendarExtension(options_.output);
+            if (!named.empty()) return named;
+        }
+        const bool fromPhone =
+            files_.size() > 1 &&
+            std::any_of(files_.begin(), files_.end(), [](const CalendarFile& each) {
+                return calendarExtension(each.name) == "vcs";
+            });
+        return fromPhone ? "ics" : "";
+    }
+
     void openReport() {
         reportName_ = options_.report;
         if (reportName_.empty() && options_.beside && !files_.empty() && !options_.dryRun) {
-            reportName_ = beside_.reportFor(files_.front());
+            const CalendarFile& first = files_.front();
+            std::error_code unknown;
+            // Nothing is made for a file that is not there.
+            if (first.root.empty() && !fs::exists(pathOf(first.name), unknown) &&
+                !isStandardInput(first.name))
+                return;
+            reportName_ = beside_.reportFor(first);
             makeFolderOf(reportName_);
         }
         if (!reportName_.empty()) report_.emplace(context_, reportName_);
@@ -519,6 +541,7 @@ class ConvertRun {
             if (report_) report_->finish(remark(), outcomes_);
         } catch (...) {
             context_.error(currentFailure(context_, reportName_));
+            report_.reset();
         }
     }
 
@@ -541,7 +564,7 @@ class ConvertRun {
     }
 
     Context& context_;
-    const ConvertOptions& options_;
+    ConvertOptions options_;
     ConvertMessages messages_;
     BesidePlaces beside_;
     std::string reportName_;
@@ -579,7 +602,7 @@ void runConvert(Context& context, ConvertOptions options) {
         throw UsageError("--report writes a file; name it");
     if (!options.report.empty() && isOneFile(options.report, options.output))
         throw UsageError("--report and --output name the same file");
-    if (options.overwrite && options.outputDir.empty())
+    if (options.overwrite && options.outputDir.empty() && isStandardOutput(options.output))
         throw UsageError("--overwrite goes with --output-dir");
     if (options.beside && !isStandardOutput(options.output))
         throw UsageError("--beside and --output exclude each other");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <istream>
+#include <iterator>
 
 namespace qel::cli {
 
@@ -21,6 +22,12 @@ const CLI::App* partOf(const CLI::App& command, const std::string& name) {
         command.get_subcommands([&](const CLI::App* each) { return each->get_name() == name; });
     return parts.empty() ? nullptr : parts.front();
 }
+
+// Options that go with one of several others, which the parser cannot know.
+constexpr struct {
+    const char* name;
+    const char* with[2];
+} kCompanions[] = {{"open", {"--report", "--beside"}}, {"overwrite", {"--output-dir", "--output"}}};
 
 // "" when the option takes the value.
 std::string refusalOf(const CLI::Option& option, std::string value) {
@@ -65,6 +72,12 @@ bool Settings::fits(const CLI::App& command, const CLI::ConfigItem& item,
                    return other.parents == item.parents && optionOf(command, other.name) == each;
                });
     };
+    for (const auto& [name, with] : kCompanions)
+        if (item.name == name && command.get_name() == "convert" &&
+            std::none_of(std::begin(with), std::end(with), [&](const char* each) {
+                return isThere(command.get_option_no_throw(each));
+            }))
+            return false;
     const auto needs = option->get_needs();
     const auto excludes = option->get_excludes();
     return std::all_of(needs.begin(), needs.end(), isThere) &&
