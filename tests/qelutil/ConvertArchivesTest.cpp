@@ -131,7 +131,7 @@ TEST_F(ConvertArchives, WhatIsWrongIsNamedAndTheRestIsConverted) {
         {{{"a.vcs"}, {"b.vcs", kCalendar, 8, 0, {}, 0, 0}},
          "this archive would unpack",
          "1 file (1 left out)"},
-        {{{"a.txt"}}, "there is no .vcs or .ics file in this archive", "0 files"},
+        {{{"a.txt"}}, "there is no calendar (.vcs, .ics, .vnt, .ical) in this archive", "0 files"},
     };
     for (const auto& [members, says, summary] : kArchives) {
         put("a.zip", zip(members));

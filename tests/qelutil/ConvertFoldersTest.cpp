@@ -137,7 +137,8 @@ TEST_F(ConvertFolders, AResultForEachFile) {
     EXPECT_TRUE(contains(one.err, "qelutil: 5 files, 5 entries: 5 converted"));
     fails(1, {"convert", state_.file("phone/.trash"), state_.file("none")}, "none: cannot be read");
     fs::create_directories(state_.path() / "empty");
-    fails(1, {"convert", state_.file("empty")}, "there is no .vcs or .ics file in this folder");
+    fails(1, {"convert", state_.file("empty")},
+          "there is no calendar (.vcs, .ics, .vnt, .ical) in this folder");
 }
 
 TEST_F(ConvertFolders, NothingIsOverwrittenInSilence) {

@@ -101,7 +101,8 @@ class Collector {
             all_.anyFolder = true;
             if (!addFolder(name) || all_.files.size() != before) return;
             context_.error(name +
-                           ": there is no .vcs or .ics file in this folder; name files with other "
+                           ": there is no calendar (.vcs, .ics, .vnt, .ical) in this folder; name "
+                           "files with other "
                            "endings themselves");
         } else if (isZipArchive(path)) {
             addArchive(name, name, "");
@@ -238,7 +239,8 @@ class Collector {
             }
         }
         if (all_.files.size() == before && place.empty())
-            context_.error(name + ": there is no .vcs or .ics file in this archive");
+            context_.error(name +
+                           ": there is no calendar (.vcs, .ics, .vnt, .ical) in this archive");
     }
 
     static OtherFile::Kind kindOf(const ZipArchive& archive, const ZipArchive::Member& member) {

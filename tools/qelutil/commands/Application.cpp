@@ -22,7 +22,9 @@ void addCommands(CLI::App& app, Context& context) {
     app.name("qelutil");
     app.description(
         "Turns a phone's calendar files into iCalendar and back, explains recurrence rules,\n"
-        "and converts times, texts and codes.");
+        "and converts times, texts and codes.\n\n"
+        "qelutil FILE... or qelutil FOLDER converts what is there; the results and a report lie\n"
+        "beside it. qelutil help COMMAND shows a command's options with examples.\n");
     // A path such as /tmp/a.vcs is not an option, on any platform.
     app.allow_windows_style_options(false);
     app.set_version_flag("--version",
@@ -50,9 +52,7 @@ void addCommands(CLI::App& app, Context& context) {
         "command line.\n\n"
         "Files: ~/.config/qelutil.toml (on Windows %APPDATA%\\qelutil.toml), such as\n"
         "  [convert]\n"
-        "  zone = \"Europe/Berlin\"\n\n"
-        "qelutil FILE... or qelutil FOLDER converts what is there; the results and a report lie\n"
-        "beside it. qelutil COMMAND --help shows a command's options with examples.");
+        "  zone = \"Europe/Berlin\"");
     for (const AddCommand add : kCommands) add(app, context);
 }
 

@@ -308,10 +308,13 @@ class ConvertRun {
     }
 
     void nothingWritten(const std::string& reason) {
-        context_.error(options_.dryRun ? reason + "; nothing would be written"
-                       : isStandardOutput(options_.output)
-                           ? reason + "; nothing is written"
-                           : reason + "; " + options_.output + " is left as it was");
+        std::error_code unknown;
+        const bool isThere =
+            !isStandardOutput(options_.output) && fs::exists(pathOf(options_.output), unknown);
+        context_.error(reason + "; " +
+                       (options_.dryRun ? "nothing would be written"
+                        : isThere       ? options_.output + " is left as it was"
+                                        : "nothing is written"));
         for (FileOutcome& each : outcomes_) {
             each.output.clear();
             if (each.reason.empty()) each.reason = reason;

@@ -191,7 +191,8 @@ struct Section {
 constexpr Section kSections[] = {
     {"convert",
      ".SH FOLDERS\n"
-     "A folder means the files in it, at any depth, whose names end in .vcs or .ics, in the order "
+     "A folder means the files in it, at any depth, whose names end as those of calendars do "
+     "(.vcs, .ics, .vnt, .vcal, .ical, .icalendar, .ifb), and in ZIP archives, in the order "
      "of "
      "their paths.\nFiles and folders whose name begins with a dot are ignored, and links to "
      "folders are not followed.\n.PP\n"
@@ -223,7 +224,9 @@ std::string programManPage(const PageCommand& program) {
     std::string text = heading(program.name, program.name);
     text += ".SH NAME\nqelutil \\- calendars of phones, recurrence rules, times and texts\n";
     text += ".SH SYNOPSIS\n.SY qelutil\n[" + bold("--color") + "\\ " + italic("WHEN") + "]\n" +
-            italic("COMMAND") + "\n" + italic("ARGUMENT") + " ...\n.YS\n";
+            italic("COMMAND") + "\n" + italic("ARGUMENT") + " ...\n.YS\n.SY qelutil\n" +
+            italic("FILE") + "|" + italic("FOLDER") + " ...\n.YS\n.SY qelutil\n" + bold("help") +
+            "\n[" + italic("COMMAND") + "]\n.YS\n";
     text += ".SH DESCRIPTION\n" + paragraph(program.description);
     text += ".SH COMMANDS\n";
     for (const PageCommand& command : program.commands)
