@@ -26,6 +26,11 @@ namespace qel::calendar {
     return static_cast<unsigned char>(c) <= ' ' || c == '\x7f';
 }
 
+// The blanks that a line continues with.
+[[nodiscard]] constexpr bool isFoldBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+
 [[nodiscard]] constexpr char toUpper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/CalendarNames.h"
@@ -152,8 +153,15 @@ std::optional<Moment> parseUsual(std::string_view text) {
 
 // REQUIRES: 0..99.
 void putTwo(char* text, int number) {
-    text[0] = static_cast<char>('0' + number / 10);
-    text[1] = static_cast<char>('0' + number % 10);
+    static constexpr auto kPairs = [] {
+        std::array<char, 200> pairs{};
+        for (std::size_t each = 0; each < 100; ++each) {
+            pairs[2 * each] = static_cast<char>('0' + each / 10);
+            pairs[2 * each + 1] = static_cast<char>('0' + each % 10);
+        }
+        return pairs;
+    }();
+    std::memcpy(text, kPairs.data() + 2 * static_cast<std::size_t>(number), 2);
 }
 
 }  // namespace

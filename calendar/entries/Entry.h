@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "calendar/base/Moment.h"
@@ -36,7 +37,16 @@ struct EntryProperty {
     std::string text;                // the value, except in a list
     std::vector<std::string> items;  // of a list, at least one
     std::size_t line = 0;
+    // Of its name, where that was looked up already.
+    PropertyName known = PropertyName::Unknown;
 
+    [[nodiscard]] PropertyName id() const {
+        return known == PropertyName::Unknown ? propertyName(name) : known;
+    }
+    void rename(std::string other) {
+        name = std::move(other);
+        known = PropertyName::Unknown;
+    }
     // Of a list the first item.
     [[nodiscard]] const std::string& value() const {
         return type == Type::TextList ? items.front() : text;

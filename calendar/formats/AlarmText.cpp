@@ -43,7 +43,7 @@ void addTrigger(std::string& out, const AlarmTrigger& trigger) {
         return addICalendarLine(out, "TRIGGER", {{"VALUE", "DATE-TIME"}}, MomentText(*trigger.at));
     std::vector<Parameter> parameters;
     if (trigger.fromEnd) parameters.push_back({"RELATED", "END"});
-    addICalendarLine(out, "TRIGGER", parameters, formatDuration(trigger.offset));
+    addICalendarLine(out, PropertyName::Trigger, parameters, formatDuration(trigger.offset));
 }
 
 // The lines of a VALARM for what an alarm does.

@@ -726,6 +726,7 @@ void EntryReader::add(const ContentLine& line, std::string_view name, EntryPrope
                       std::string_view value, std::vector<Parameter> parameters) {
     EntryProperty& property = entry_.properties.emplace_back();
     property.name = name;
+    if (name.data() == line.name.data()) property.known = line.id;
     property.parameters = std::move(parameters);
     property.type = type;
     property.text = value;
@@ -737,6 +738,7 @@ void EntryReader::addList(const ContentLine& line, std::vector<std::string> item
     if (items.empty()) return;
     EntryProperty& property = entry_.properties.emplace_back();
     property.name = line.name;
+    property.known = line.id;
     property.parameters = std::move(parameters);
     property.type = EntryProperty::Type::TextList;
     property.items = std::move(items);

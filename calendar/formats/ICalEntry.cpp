@@ -11,6 +11,15 @@
 
 namespace qel::calendar {
 
+namespace {
+
+LineName lineName(const EntryProperty& property) {
+    const PropertyName id = property.id();
+    return id == PropertyName::Unknown ? LineName(property.name) : LineName(id);
+}
+
+}  // namespace
+
 bool saysNothing(std::string_view text) {
     return trimmed(text).empty() && text.find('\n') == std::string_view::npos;
 }
@@ -49,7 +58,7 @@ std::string ICalEntry::uid() const {
     return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
 }
 
-void ICalEntry::addMoment(std::string_view name, const Moment& moment,
+void ICalEntry::addMoment(PropertyName name, const Moment& moment,
                           std::vector<Parameter> parameters) {
     if (moment.isDate) {
         parameters.insert(parameters.begin(), {"VALUE", "DATE"});
@@ -60,7 +69,7 @@ void ICalEntry::addMoment(std::string_view name, const Moment& moment,
     addICalendarLine(lines_, name, parameters, MomentText(moment));
 }
 
-void ICalEntry::addUtc(std::string_view name, const std::optional<Moment>& moment) {
+void ICalEntry::addUtc(PropertyName name, const std::optional<Moment>& moment) {
     if (!moment) return;
     Moment utc = entry_.toUtc(*moment).value_or(*moment);
     std::vector<Parameter> parameters;
@@ -79,18 +88,18 @@ void ICalEntry::addDates() {
     Moment utc = stamp ? entry_.toUtc(*stamp).value_or(*stamp) : kNoStamp;
     utc.isDate = false;
     utc.clock = Clock::Utc;
-    addICalendarLine(lines_, "DTSTAMP", {}, MomentText(utc));
-    if (entry_.start) addMoment("DTSTART", *entry_.start);
-    if (entry_.end) addMoment("DTEND", *entry_.end);
-    if (entry_.due) addMoment("DUE", *entry_.due);
+    addICalendarLine(lines_, PropertyName::DtStamp, {}, MomentText(utc));
+    if (entry_.start) addMoment(PropertyName::DtStart, *entry_.start);
+    if (entry_.end) addMoment(PropertyName::DtEnd, *entry_.end);
+    if (entry_.due) addMoment(PropertyName::Due, *entry_.due);
     addDuration();
-    addUtc("CREATED", entry_.created);
-    addUtc("LAST-MODIFIED", entry_.modified);
-    if (entry_.kind == EntryKind::Todo) addUtc("COMPLETED", entry_.completed);
+    addUtc(PropertyName::Created, entry_.created);
+    addUtc(PropertyName::LastModified, entry_.modified);
+    if (entry_.kind == EntryKind::Todo) addUtc(PropertyName::Completed, entry_.completed);
     if (entry_.recurrenceId) {
         std::vector<Parameter> parameters;
         if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
-        addMoment("RECURRENCE-ID", *entry_.recurrenceId, parameters);
+        addMoment(PropertyName::RecurrenceId, *entry_.recurrenceId, parameters);
     }
 }
 
@@ -104,7 +113,10 @@ void ICalEntry::addDuration() {
 void ICalEntry::addRecurrence() {
     if (!entry_.start) return;
     for (const SettledRule& rule : settled_.rules)
-        addICalendarLine(lines_, rule.name, {}, rule.text);
+        if (rule.name == "RRULE")
+            addICalendarLine(lines_, PropertyName::RRule, {}, rule.text);
+        else
+            addICalendarLine(lines_, rule.name, {}, rule.text);
     addDateList("RDATE", entry_.dates);
     addDateList("EXDATE", entry_.excluded);
 }
@@ -156,18 +168,20 @@ void ICalEntry::addProperty(const EntryProperty& property) {
         case EntryProperty::Type::Text:
             // Empty texts say nothing, and some readers take them for a fault.
             if (!saysNothing(property.text))
-                addICalendarLine(lines_, property.name, property.parameters, property.text,
+                addICalendarLine(lines_, lineName(property), property.parameters, property.text,
                                  Value::Escaped);
             break;
         case EntryProperty::Type::TextList:
+            addICalendarLine(lines_, lineName(property), property.parameters, valueText(property));
+            break;
         case EntryProperty::Type::Raw:
-            addICalendarLine(lines_, property.name, property.parameters, valueText(property));
+            addICalendarLine(lines_, lineName(property), property.parameters, property.text);
             break;
         case EntryProperty::Type::Base64: {
             std::vector<Parameter> parameters = property.parameters;
             parameters.push_back({"ENCODING", "BASE64"});
             parameters.push_back({"VALUE", "BINARY"});
-            addICalendarLine(lines_, property.name, parameters, property.text);
+            addICalendarLine(lines_, lineName(property), parameters, property.text);
             break;
         }
     }

@@ -31,10 +31,9 @@ class ICalEntry {
     [[nodiscard]] bool usesZone() const { return usesZone_; }
 
   private:
-    void addMoment(std::string_view name, const Moment& moment,
-                   std::vector<Parameter> parameters = {});
+    void addMoment(PropertyName name, const Moment& moment, std::vector<Parameter> parameters = {});
     // Properties that iCalendar has in UTC only.
-    void addUtc(std::string_view name, const std::optional<Moment>& moment);
+    void addUtc(PropertyName name, const std::optional<Moment>& moment);
     void addDates();
     void addDuration();
     void addRecurrence();

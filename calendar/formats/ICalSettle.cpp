@@ -280,12 +280,12 @@ void ICalSettling::settleProperties() {
         const EntryProperty& property = entry().properties[at];
         if (isFineRule(property) && entry().start) {
             EntryProperty& rule = settled_.change().properties[at];
-            rule.name.erase(0, kICalendarPrefix.size());
+            rule.rename(rule.name.substr(kICalendarPrefix.size()));
             rule.parameters.clear();
             rule.type = EntryProperty::Type::Raw;
         } else if (!allowed(property)) {
             EntryProperty& kept = settled_.change().properties[at];
-            kept.name.insert(0, kVCalendarPrefix);
+            kept.rename(keptName(kept.name));
             // Its name no longer says that the value is not a text.
             if (kept.type == EntryProperty::Type::Raw) kept.text = escapeICalendar(kept.text);
         }
@@ -295,7 +295,7 @@ void ICalSettling::settleProperties() {
 bool ICalSettling::allowed(const EntryProperty& property) {
     // Empty texts are not written.
     if (property.type == EntryProperty::Type::Text && saysNothing(property.value())) return true;
-    const PropertyName id = propertyName(property.name);
+    const PropertyName id = property.id();
     const Property& known = propertyOf(id);
     bool result = true;
     if (known.held == HeldAs::Property) {

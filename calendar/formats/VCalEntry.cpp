@@ -68,14 +68,14 @@ void VCalEntry::addNoteLines() {
     addAlarms();
 }
 
-void VCalEntry::line(std::string_view name, const std::vector<Parameter>& parameters,
+void VCalEntry::line(LineName name, const std::vector<Parameter>& parameters,
                      std::string_view value) {
     addVCalendarLine(lines_, name, parameters, value);
     lines_ += "\r\n";
 }
 
 void VCalEntry::addUid() {
-    if (!entry_.uid.empty()) line("UID", {}, entry_.uid);
+    if (!entry_.uid.empty()) line(PropertyName::Uid, {}, entry_.uid);
 }
 
 std::string VCalEntry::dateText(const Moment& moment) const {
@@ -84,7 +84,7 @@ std::string VCalEntry::dateText(const Moment& moment) const {
     return text;
 }
 
-void VCalEntry::dateLine(std::string_view name, const Moment& moment) {
+void VCalEntry::dateLine(PropertyName name, const Moment& moment) {
     if (moment.isDate && allDay_)
         line(name, {}, dateText(moment));
     else
@@ -93,12 +93,12 @@ void VCalEntry::dateLine(std::string_view name, const Moment& moment) {
 
 void VCalEntry::addDates() {
     if (entry_.duration) line("X-ICAL-DURATION", {}, formatDuration(*entry_.duration));
-    if (entry_.start) dateLine("DTSTART", *entry_.start);
-    if (entry_.end) dateLine("DTEND", *entry_.end);
-    if (entry_.due) dateLine("DUE", *entry_.due);
-    if (entry_.completed) line("COMPLETED", {}, MomentText(*entry_.completed));
-    if (entry_.created) line("DCREATED", {}, MomentText(*entry_.created));
-    if (entry_.modified) line("LAST-MODIFIED", {}, MomentText(*entry_.modified));
+    if (entry_.start) dateLine(PropertyName::DtStart, *entry_.start);
+    if (entry_.end) dateLine(PropertyName::DtEnd, *entry_.end);
+    if (entry_.due) dateLine(PropertyName::Due, *entry_.due);
+    if (entry_.completed) line(PropertyName::Completed, {}, MomentText(*entry_.completed));
+    if (entry_.created) line(PropertyName::DCreated, {}, MomentText(*entry_.created));
+    if (entry_.modified) line(PropertyName::LastModified, {}, MomentText(*entry_.modified));
     if (entry_.recurrenceId) {
         std::vector<Parameter> parameters;
         if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
@@ -154,7 +154,7 @@ void VCalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
 
 void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
-    const PropertyName id = propertyName(name);
+    const PropertyName id = property.id();
     // Without a value, parsers of the time take the next line for it.
     if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
     if (property.type == EntryProperty::Type::Base64 && id != PropertyName::Attach)
@@ -182,9 +182,9 @@ void VCalEntry::addProperty(const EntryProperty& property) {
 void VCalEntry::addText(const EntryProperty& property) {
     const std::vector<Parameter> parameters = parametersToVCalendar(property.parameters);
     if (property.value().find('\\') == std::string::npos)
-        line(property.name, parameters, property.value());
+        line(property.id(), parameters, property.value());
     else
-        line(property.name, parameters, escapeVCalendar(property.value(), ""));
+        line(property.id(), parameters, escapeVCalendar(property.value(), ""));
 }
 
 void VCalEntry::addTransparency(const EntryProperty& property) {
@@ -194,7 +194,7 @@ void VCalEntry::addTransparency(const EntryProperty& property) {
     if (word.empty())
         line("X-ICAL-TRANSP", parameters, property.value());
     else
-        line("TRANSP", parameters, word);
+        line(PropertyName::Transp, parameters, word);
 }
 
 void VCalEntry::addList(const EntryProperty& property) {

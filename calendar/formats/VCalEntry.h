@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "calendar/formats/SettledEntry.h"
+#include "calendar/text/ContentText.h"
 
 namespace qel::calendar {
 
@@ -33,14 +34,13 @@ class VCalEntry {
     void addNoteLines();
 
   private:
-    void line(std::string_view name, const std::vector<Parameter>& parameters,
-              std::string_view value);
+    void line(LineName name, const std::vector<Parameter>& parameters, std::string_view value);
     // Neither folded nor encoded.
     void plainLine(std::string_view name, std::string_view value);
     void addUid();
     // The dates of an all-day event are midnights, as phones write them.
     [[nodiscard]] std::string dateText(const Moment& moment) const;
-    void dateLine(std::string_view name, const Moment& moment);
+    void dateLine(PropertyName name, const Moment& moment);
     void addDates();
     // DTSTAMP, unless iCalendar would get the same one again from the other dates.
     void addStamp();

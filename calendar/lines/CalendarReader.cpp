@@ -225,8 +225,9 @@ std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
         return std::nullopt;
     }
     if (line_.id == PropertyName::Begin) {
-        if (componentName(line_) != "VCALENDAR") {
-            beginEntry();
+        std::string name = componentName(line_);
+        if (name != "VCALENDAR") {
+            beginEntry(std::move(name));
             return std::nullopt;
         }
         if (!implicit_) report(NoteCode::CalendarInCalendar, line_.number);
@@ -241,14 +242,14 @@ std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
 }
 
 // The component whose BEGIN is in line_.
-void CalendarReader::beginEntry() {
+void CalendarReader::beginEntry(std::string name) {
     texts_.clear();
     std::vector<ContentLine>& lines = component_.properties;
     lines.clear();
     if (lines.capacity() > kUsualLines) lines = {};
     lines.reserve(kUsualLines);
     component_.children.clear();
-    component_.name = componentName(line_);
+    component_.name = std::move(name);
     component_.number = line_.number;
     inZone_ = component_.name == "VTIMEZONE";
     entrySize_ = 0;
@@ -265,6 +266,11 @@ CalendarReader::Item CalendarReader::endEntry() {
 std::optional<CalendarReader::Item> CalendarReader::takeInEntry() {
     if (line_.id != PropertyName::Begin && line_.id != PropertyName::End) {
         if (skippedDepth_ == 0) addProperty(*open_.back());
+        return std::nullopt;
+    }
+    if (line_.id == PropertyName::End && skippedDepth_ == 0 && line_.value == open_.back()->name) {
+        open_.pop_back();
+        if (open_.empty()) return Item::Entry;
         return std::nullopt;
     }
     const std::string name = componentName(line_);

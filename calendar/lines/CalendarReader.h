@@ -85,7 +85,7 @@ class CalendarReader {
     std::optional<Item> takeInEntry();
     Item beginCalendar(bool keepLine);
     Item endCalendar();
-    void beginEntry();
+    void beginEntry(std::string name);
     void beginChild(const std::string& name);
     Item endEntry();
     std::optional<Item> takeEnd(const std::string& name);

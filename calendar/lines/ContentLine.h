@@ -12,6 +12,7 @@
 #include "calendar/base/Arena.h"
 #include "calendar/lines/LineReader.h"
 #include "calendar/lines/Property.h"
+#include "calendar/lines/Unfolding.h"
 
 namespace qel::calendar {
 
@@ -39,12 +40,6 @@ struct ContentLine {
     // Copies name and value to `texts`; the line is valid as long as that then.
     void moveTo(Arena& texts);
 };
-
-// How a fold is undone. iCalendar (RFC 5545 section 3.1) takes the blank away that begins the next
-// line. vCalendar 1.0 keeps it, as RFC 822 does. Many writers of either format fold in the other
-// way, and their lines give themselves away: all of one width, or just as wide as their words
-// allow.
-enum class FoldStyle { ICalendar, VCalendar10 };
 
 // False when `raw` is not a property: it has no colon or no valid name. `line` refers to the text
 // of `raw`, which is unfolded in place, its name in capitals.

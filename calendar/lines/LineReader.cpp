@@ -33,10 +33,6 @@ std::size_t softBreak(std::string_view text, std::size_t begin) {
     return end > begin && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
 }
 
-bool isFoldBlank(char c) {
-    return c == ' ' || c == '\t';
-}
-
 bool isCapital(char c) {
     return c >= 'A' && c <= 'Z';
 }

@@ -31,7 +31,12 @@ constexpr auto kOddInName = [] {
     return table;
 }();
 
-void addName(std::string& out, std::string_view name) {
+void addName(std::string& out, LineName written) {
+    std::string_view name = written.text();
+    if (written.known()) {
+        out += name;
+        return;
+    }
     if (name.empty()) name = "X";
     out += name;
     unsigned odd = 0;
@@ -103,6 +108,12 @@ unsigned charactersOf(std::string_view text) {
     return found;
 }
 
+// True for a value that is written as it is.
+bool isReady(std::string_view value, Value how) {
+    const unsigned found = charactersOf(value);
+    return found == 0 || (found == kEscape && how == Value::AsItIs);
+}
+
 // A value that was copied from the input can contain anything. A line end within it would begin
 // another property, and other control characters are invalid.
 void addWithoutControls(std::string& out, std::string_view value) {
@@ -117,17 +128,25 @@ void addWithoutControls(std::string& out, std::string_view value) {
     }
 }
 
-void addUnfolded(std::string& out, std::string_view name, const std::vector<Parameter>& parameters,
+// Adds a line of known length that is written as it is.
+void addShort(std::string& out, std::string_view name, std::string_view value,
+              std::string_view lineEnd) {
+    const std::size_t begin = out.size();
+    out.resize(begin + name.size() + 1 + value.size() + lineEnd.size());
+    char* at = std::copy(name.begin(), name.end(), out.data() + begin);
+    *at++ = ':';
+    at = std::copy(value.begin(), value.end(), at);
+    std::copy(lineEnd.begin(), lineEnd.end(), at);
+}
+
+void addUnfolded(std::string& out, LineName name, const std::vector<Parameter>& parameters,
                  std::string_view value, Value how) {
     addName(out, name);
     for (const Parameter& each : parameters) addParameter(out, each);
     out += ':';
-    const unsigned found = charactersOf(value);
-    if (found == 0 || (found == kEscape && how == Value::AsItIs)) {
+    if (isReady(value, how))
         out += value;
-        return;
-    }
-    if (how == Value::Escaped)
+    else if (how == Value::Escaped)
         addWithoutControls(out, escapeICalendar(value));
     else
         addWithoutControls(out, value);
@@ -153,8 +172,11 @@ void addFolded(std::string& out, std::string_view line) {
     out += line;
 }
 
-void addICalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value, Value how) {
+void addICalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value, Value how) {
+    if (name.known() && parameters.empty() && name.text().size() + 1 + value.size() <= kWidth &&
+        isReady(value, how))
+        return addShort(out, name.text(), value, "\r\n");
     const std::size_t begin = out.size();
     addUnfolded(out, name, parameters, value, how);
     if (out.size() - begin > kWidth) {
@@ -183,9 +205,13 @@ std::string unfolded(std::string_view lines) {
     return text;
 }
 
-void addVCalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value) {
+void addVCalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value) {
     const bool printable = isPrintableAscii(value);
+    const bool bare = printable && (value.empty() || (value.front() != ' ' && value.back() != ' '));
+    if (name.known() && bare && parameters.empty() &&
+        name.text().size() + 1 + value.size() <= kWidth)
+        return addShort(out, name.text(), value, "");
     std::string converted;
     if (!printable && !isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
     const std::size_t begin = out.size();
@@ -201,9 +227,9 @@ void addVCalendarLine(std::string& out, std::string_view name,
         }
     }
     // Programs compare these byte by byte, and some phones never decode them.
-    const std::size_t room = name == "UID" || name == "URL" ? kLongestPlain : kWidth;
-    if (printable && out.size() - begin + 1 + value.size() <= room &&
-        (value.empty() || (value.front() != ' ' && value.back() != ' '))) {
+    const bool compared = name.text() == "UID" || name.text() == "URL";
+    const std::size_t room = compared ? kLongestPlain : kWidth;
+    if (bare && out.size() - begin + 1 + value.size() <= room) {
         out += ':';
         out += value;
         return;

@@ -14,10 +14,25 @@ namespace qel::calendar {
 // Escaped: the value is a text, and is escaped for iCalendar. AsItIs: it has its final form.
 enum class Value { AsItIs, Escaped };
 
+// The name of a line to write: of a property by its number, which needs no look, or any text.
+class LineName {
+  public:
+    LineName(PropertyName id) : text_(propertyOf(id).name), known_(true) {}
+    LineName(std::string_view text) : text_(text) {}
+    LineName(const std::string& text) : text_(text) {}
+    LineName(const char* text) : text_(text) {}
+
+    [[nodiscard]] std::string_view text() const { return text_; }
+    [[nodiscard]] bool known() const { return known_; }
+
+  private:
+    std::string_view text_;
+    bool known_ = false;
+};
+
 // Adds a content line of iCalendar to `out`, folded and ended.
-void addICalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value,
-                      Value how = Value::AsItIs);
+void addICalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value, Value how = Value::AsItIs);
 // The line by itself, neither folded nor ended.
 [[nodiscard]] std::string iCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
@@ -30,8 +45,8 @@ void addFolded(std::string& out, std::string_view line);
 
 // Adds a vCalendar 1.0 property with a text value: one line, or several with quoted-printable soft
 // line breaks. The last one is not ended.
-void addVCalendarLine(std::string& out, std::string_view name,
-                      const std::vector<Parameter>& parameters, std::string_view value);
+void addVCalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value);
 [[nodiscard]] std::string vCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);
