@@ -85,7 +85,7 @@ FoldStyle CalendarReader::foldStyle() const {
 void CalendarReader::showText() {
     if (textSink_ == nullptr) return;
     const RawLine& raw = lines_.line();
-    if (!lines_.isQuotedPrintable() && (isAscii_ || isAscii(raw.text.view()))) return;
+    if (!lines_.isQuotedPrintable() && isAscii(raw.text.view())) return;
     // The usual label, seen without taking the line apart; in quoted-printable it is believed.
     if (raw.text.view().find("CHARSET=UTF-8") < raw.colon &&
         (lines_.isQuotedPrintable() || isUtf8(raw.text.view())))

@@ -50,10 +50,7 @@ class CalendarReader {
 
     // The next bytes of the file, any number of them. They are not copied: they must stay until
     // next() asks for more. REQUIRES: next() has asked for more, or nothing has been written yet.
-    void write(std::string_view bytes) {
-        if (textSink_) isAscii_ = isAscii_ && isAscii(bytes);
-        lines_.write(bytes);
-    }
+    void write(std::string_view bytes) { lines_.write(bytes); }
     // The file ends after what was written.
     void end() { lines_.end(); }
 
@@ -100,7 +97,6 @@ class CalendarReader {
     NoteSink sink_;
     Contents contents_;
     std::function<void(const ContentLine&)> textSink_;
-    bool isAscii_ = true;  // all that was written, where a sink wants to know
     ContentLine line_;
     Component component_;
     Arena texts_;  // of component_

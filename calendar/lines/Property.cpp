@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
@@ -130,10 +131,19 @@ constexpr std::size_t slotOf(std::string_view name) {
            kSlots;
 }
 
+std::uint32_t fourBytes(const char* text) {
+    std::uint32_t word = 0;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
 // Names are short: calling a function takes longer than the comparison. REQUIRES: not empty.
 bool isSame(std::string_view one, std::string_view other) {
     if (one.size() != other.size()) return false;
     const std::size_t size = one.size();
+    if (size >= 4 && size < 8)
+        return fourBytes(one.data()) == fourBytes(other.data()) &&
+               fourBytes(one.data() + size - 4) == fourBytes(other.data() + size - 4);
     if (size >= 8) {
         for (std::size_t at = 0; at + 8 < size; at += 8)
             if (eightBytes(one.data() + at) != eightBytes(other.data() + at)) return false;

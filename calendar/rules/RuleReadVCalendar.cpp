@@ -50,24 +50,26 @@ struct Head {
 // "W2", "MP", "D1"; nothing for a token that does not begin a rule.
 std::optional<Head> readHead(std::string_view token) {
     struct Code {
-        std::string_view text;
+        char first;
+        char second;  // 0 without one
         Kind kind;
     };
-    static constexpr Code kCodes[] = {{"D", Kind::Daily},       {"W", Kind::Weekly},
-                                      {"MP", Kind::ByPosition}, {"MD", Kind::ByMonthDay},
-                                      {"M", Kind::ByMonthDay},  {"YM", Kind::ByMonth},
-                                      {"Y", Kind::ByMonth},     {"YD", Kind::ByYearDay}};
+    static constexpr Code kCodes[] = {{'D', 0, Kind::Daily},        {'W', 0, Kind::Weekly},
+                                      {'M', 'P', Kind::ByPosition}, {'M', 'D', Kind::ByMonthDay},
+                                      {'M', 0, Kind::ByMonthDay},   {'Y', 'M', Kind::ByMonth},
+                                      {'Y', 0, Kind::ByMonth},      {'Y', 'D', Kind::ByYearDay}};
     constexpr std::size_t kLongestCode = 2;
     std::size_t digits = 0;
     while (digits < token.size() && !isDigit(token[digits])) ++digits;
     if (digits == 0 || digits > kLongestCode) return std::nullopt;
-    const std::string_view code = token.substr(0, digits);
+    const char first = toUpper(token[0]);
+    const char second = digits == 2 ? toUpper(token[1]) : '\0';
     const std::string_view number = token.substr(digits);
     for (const Code& each : kCodes) {
-        if (!equalsIgnoreCase(code, each.text)) continue;
+        if (first != each.first || second != each.second) continue;
         if (!number.empty() && !allDigits(number)) return std::nullopt;
         return Head{each.kind, number.empty() ? 1 : std::max(*parseInt(number), 1),
-                    each.text == "M"};
+                    first == 'M' && second == '\0'};
     }
     return std::nullopt;
 }

@@ -28,8 +28,9 @@ bool isWritten(const RulePart& part, const Rule& rule) {
     }
 }
 
+// REQUIRES: hasPart(part, rule)
 void addPart(std::string& text, const RulePart& part, const Rule& rule) {
-    if (!hasPart(part, rule) || !isWritten(part, rule)) return;
+    if (!isWritten(part, rule)) return;
     if (!text.empty()) text += ';';
     text += part.name;
     text += '=';
@@ -46,7 +47,7 @@ std::string iCalendarText(const Rule& rule) {
     text.reserve(80);
     for (const RulePart& part : kRuleParts) {
         if (isCountLate && &part == &count) continue;
-        addPart(text, part, rule);
+        if (hasPart(part, rule)) addPart(text, part, rule);
         if (isCountLate && part.numbers == &Rule::setPositions) addPart(text, count, rule);
     }
     return text;
