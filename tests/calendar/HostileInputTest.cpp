@@ -2,10 +2,13 @@
 // read quickly and within bounds, and messages name what is wrong.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <random>
 
 #include "calendar/Conversions.h"
+#include "calendar/base/ByteSearch.h"
+#include "calendar/lines/LineMarks.h"
 #include "calendar/lines/LineReader.h"
 #include "support/Tables.h"
 #include "support/TempDir.h"
@@ -64,6 +67,26 @@ TEST(HostileInput, LineEndsMarksAndFolds) {
     // Where lines are indented, what names no property goes on with the line before it.
     EXPECT_EQ(linesOf("BEGIN:VEVENT\n  SUMMARY:a\n  b\nEND:VEVENT\n", 7),
               (std::vector<std::string>{"1 BEGIN:VEVENT", "2 SUMMARY:a b", "4 END:VEVENT"}));
+}
+
+// Sixteen bytes at a time and one by one.
+TEST(HostileInput, MarksAreFoundAsOneByOne) {
+    std::mt19937 random(7);
+    const std::string special = ":;\"\r\n\xC3";
+    for (int round = 0; round < 3000; ++round) {
+        std::string text(random() % 70, 'x');
+        for (char& c : text)
+            if (random() % 12 == 0) c = special[random() % special.size()];
+        const std::size_t at = random() % (text.size() + 1);
+        EXPECT_EQ((findAny<':', ';', '\n'>(text, at)),
+                  std::min(text.find_first_of(":;\n", at), text.size()))
+            << text;
+        const std::string_view line = std::string_view(text).substr(0, text.find_first_of("\r\n"));
+        const LineMarks marks = marksOf(text);
+        EXPECT_EQ(marks.end, line.size()) << text;
+        EXPECT_EQ(marks.colon, findColon(line)) << text;
+        EXPECT_EQ(marks.nameEnd, line.find_first_of(":;")) << text;
+    }
 }
 
 TEST(HostileInput, WrongNestingIsMendedAndTold) {
