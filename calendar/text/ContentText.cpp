@@ -121,8 +121,8 @@ void addWithoutControls(std::string& out, std::string_view value) {
     if (!isUtf8(value)) value = utf8 = utf8OrWindows1252(std::string(value));
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; };
     while (!value.empty()) {
-        const auto* const end = std::find_if(value.begin(), value.end(), isControl);
-        const auto length = static_cast<std::size_t>(end - value.begin());
+        std::size_t length = 0;
+        while (length < value.size() && !isControl(value[length])) ++length;
         out += value.substr(0, length);
         value.remove_prefix(std::min(length + 1, value.size()));
     }
