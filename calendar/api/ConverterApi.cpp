@@ -11,6 +11,7 @@
 #include "calendar/api/EntryHandle.h"
 #include "calendar/api/ReportHandle.h"
 #include "calendar/converter/Converter.h"
+#include "calendar/converter/HeldFiles.h"
 #include "calendar/report/Outcome.h"
 
 using qel::calendar::CalendarFormat;
@@ -62,11 +63,20 @@ struct qelcal_converter final : private qel::calendar::ConversionObserver {
     qelcal_converter(int target, qelcal_write_fn output, void* context)
         : buffer_(output, context),
           out_(&buffer_),
-          converter(out_, formatOf(target), [this](Note note) { hear(std::move(note)); }) {
+          own_(std::make_unique<qel::calendar::Converter>(
+              out_, formatOf(target), [this](Note note) { hear(std::move(note)); })),
+          converter(*own_) {
         // A callback that asks to stop does so through the stream.
         out_.exceptions(std::ios::badbit);
         converter.observe(this);
     }
+    // A part of `whole`, which holds what it reads.
+    explicit qelcal_converter(const qelcal_converter& whole)
+        : buffer_(nullptr, nullptr),
+          out_(&buffer_),
+          holder(std::make_unique<qel::calendar::FileHolder>(whole.converter.choices(),
+                                                             whole.wantsLines())),
+          converter(holder->converter()) {}
 
     // Runs one step; after one that fails the result is incomplete and nothing can follow.
     template <class Step>
@@ -87,14 +97,31 @@ struct qelcal_converter final : private qel::calendar::ConversionObserver {
         if (report != nullptr && (report->finished || report->reading != nullptr)) return false;
         if (state == State::Scanning) converter.endScan();
         state = State::Reading;
-        tally_.beginFile(name);
-        if (report != nullptr) {
-            report->endFile();
-            report->reading = this;
-            report->inFile = true;
-            report->report.beginFile(name);
-        }
+        beginInReport(name);
+        if (holder != nullptr) holder->beginFile(name);
         converter.beginFile(name);
+        return true;
+    }
+
+    void beginInReport(const std::string& file) {
+        tally_.beginFile(file);
+        if (report == nullptr) return;
+        report->endFile();
+        report->reading = this;
+        report->inFile = true;
+        report->report.beginFile(file);
+    }
+
+    // The files that `part` has read. False when the report cannot take them now.
+    [[nodiscard]] bool join(qelcal_converter& part) {
+        if (report != nullptr && (report->finished || report->reading != nullptr)) return false;
+        state = State::Reading;
+        for (qel::calendar::HeldFile& file : part.holder->take()) {
+            beginInReport(file.name);
+            converter.take(std::move(file));
+            if (report != nullptr) report->endFile();
+        }
+        state = State::BetweenFiles;
         return true;
     }
 
@@ -156,9 +183,11 @@ struct qelcal_converter final : private qel::calendar::ConversionObserver {
     CallbackBuffer buffer_;
     std::ostream out_;
     qel::calendar::Tally tally_;
+    const std::unique_ptr<qel::calendar::Converter> own_;  // null for a part
 
   public:
-    qel::calendar::Converter converter;
+    const std::unique_ptr<qel::calendar::FileHolder> holder;  // of a part, else null
+    qel::calendar::Converter& converter;
     State state = State::BetweenFiles;
     std::string name;  // of the file
     qelcal_report* report = nullptr;
@@ -175,6 +204,10 @@ using State = qelcal_converter::State;
 
 int refuseNull() {
     return api::fail(QELCAL_INVALID_ARGUMENT, "the converter or an argument is null");
+}
+
+int refusePart() {
+    return api::fail(QELCAL_INVALID_ARGUMENT, "a part of a converter only reads files");
 }
 
 int refuseOrder(const char* why) {
@@ -208,6 +241,32 @@ qelcal_converter* qelcal_converter_new(int target, qelcal_write_fn output, void*
         });
 }
 
+qelcal_converter* qelcal_converter_part(const qelcal_converter* converter) {
+    return api::guardedValue(
+        static_cast<qelcal_converter*>(nullptr),
+        [=]() -> qelcal_converter* {
+            if (converter == nullptr || converter->holder != nullptr) {
+                api::fail(QELCAL_INVALID_ARGUMENT, "the converter is null, or itself a part");
+                return nullptr;
+            }
+            return std::make_unique<qelcal_converter>(*converter).release();
+        });
+}
+
+int qelcal_converter_join(qelcal_converter* converter, qelcal_converter* part) {
+    if (converter == nullptr || part == nullptr) return refuseNull();
+    if (converter->holder != nullptr || part->holder == nullptr)
+        return api::fail(QELCAL_INVALID_ARGUMENT, "a converter takes parts, and a part does not");
+    return converter->run([=] {
+        if (converter->state != State::BetweenFiles || part->state != State::BetweenFiles)
+            return refuseOrder(
+                "a file of the converter or its part has not ended, or the "
+                "calendar is finished already");
+        if (!converter->join(*part)) return refuseReport();
+        return int{QELCAL_OK};
+    });
+}
+
 void qelcal_converter_free(qelcal_converter* converter) {
     if (converter != nullptr) converter->leaveReport();
     delete converter;
@@ -215,6 +274,7 @@ void qelcal_converter_free(qelcal_converter* converter) {
 
 int qelcal_converter_on_note(qelcal_converter* converter, qelcal_note_fn note, void* context) {
     if (converter == nullptr) return refuseNull();
+    if (converter->holder != nullptr) return refusePart();
     converter->onNote = note;
     converter->noteContext = context;
     return QELCAL_OK;
@@ -223,6 +283,7 @@ int qelcal_converter_on_note(qelcal_converter* converter, qelcal_note_fn note, v
 int qelcal_converter_on_entry(qelcal_converter* converter, qelcal_converted_fn converted,
                               void* context, int lines) {
     if (converter == nullptr) return refuseNull();
+    if (converter->holder != nullptr) return refusePart();
     if (converter->state == State::Reading)
         return refuseOrder("a file is being read: choose who receives entries before it begins");
     converter->onEntry = converted;
@@ -244,6 +305,7 @@ int qelcal_converter_choose(qelcal_converter* converter, int choice, const char*
 
 int qelcal_converter_report(qelcal_converter* converter, qelcal_report* report) {
     if (converter == nullptr) return refuseNull();
+    if (converter->holder != nullptr) return refusePart();
     if (converter->state == State::Reading)
         return refuseOrder("a file is being read; its report is chosen before");
     if (report != nullptr && report->finished) return refuseOrder("the report is finished");
@@ -296,6 +358,7 @@ int qelcal_converter_end_file(qelcal_converter* converter) {
 
 int qelcal_converter_finish(qelcal_converter* converter) {
     if (converter == nullptr) return refuseNull();
+    if (converter->holder != nullptr) return refusePart();
     return converter->run([=] {
         if (converter->state != State::BetweenFiles)
             return refuseOrder("a file has not ended, or the calendar is finished already");

@@ -8,6 +8,7 @@
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Days.h"
 #include "calendar/converter/FileZone.h"
+#include "calendar/converter/HeldFiles.h"
 #include "calendar/converter/Namesakes.h"
 #include "calendar/converter/SourceLines.h"
 #include "calendar/formats/ICalReader.h"
@@ -551,10 +552,60 @@ void Converter::endScan() {
 }
 
 void Converter::report(Note note) {
-    if (file_ != nullptr)
-        file_->report(std::move(note));
-    else
-        sink_(std::move(note));
+    if (file_ != nullptr) return file_->report(std::move(note));
+    if (heldName_ != nullptr) note.file = *heldName_;
+    if (heldEntry_ != nullptr && observer_ != nullptr) {
+        if (heldEntry_->notes.size() < ConvertedEntry::kMostNotes)
+            heldEntry_->notes.push_back(note);
+        else
+            ++heldEntry_->moreNotes;
+    }
+    sink_(std::move(note));
+}
+
+void Converter::take(HeldFile file) {
+    assert(file_ == nullptr);
+    // Also where writing fails.
+    struct Taking {
+        explicit Taking(Converter& converter) : owner(converter) {}
+        ~Taking() {
+            owner.heldName_ = nullptr;
+            owner.heldEntry_ = nullptr;
+        }
+        Converter& owner;
+    } const taking(*this);
+    heldName_ = &file.name;
+    const bool lines = observer_ != nullptr && observer_->wantsLines();
+    const std::uint64_t before = counts_.calendars;
+    for (HeldFile::Item& item : file.items) {
+        counts_.calendars = before + item.calendars;
+        if (auto* const note = std::get_if<Note>(&item.what))
+            sink_(std::move(*note));
+        else if (const auto* const calendar = std::get_if<HeldCalendar>(&item.what))
+            takeCalendar(*calendar, file.distinctUids);
+        else
+            takeEntry(std::get<HeldEntry>(item.what), lines);
+    }
+    counts_.calendars = before + file.calendars;
+}
+
+void Converter::takeCalendar(const HeldCalendar& calendar, bool distinctUids) {
+    if (!to_) to_ = calendar.target;
+    writer().makeUidsDistinct(distinctUids);
+    writer().calendar(calendar.properties);
+}
+
+void Converter::takeEntry(HeldEntry& held, bool lines) {
+    const Entry& entry = held.entry;
+    ++counts_.entries;
+    counts_.alarms += entry.alarms.size();
+    heldEntry_ = &held;
+    writer().keepEntryLines(lines);
+    writer().write(entry);
+    heldEntry_ = nullptr;
+    if (observer_ == nullptr) return;
+    observer_->entryConverted({entry, *to_, held.notes, held.moreNotes, held.source, held.sourceCut,
+                               lines ? writer().entryLines() : std::string_view()});
 }
 
 EntryWriter& Converter::writer() {

@@ -19,6 +19,9 @@
 namespace qel::calendar {
 
 class EntryWriter;
+struct HeldCalendar;
+struct HeldEntry;
+struct HeldFile;
 
 struct ConvertCounts {
     std::uint64_t calendars = 0;  // those begun; an entry outside any calendar counts as one
@@ -50,6 +53,10 @@ class Converter {
     void scan(std::string_view bytes);
     void endScan();
 
+    // Writes a file that was read before its turn, as if it had been read here. REQUIRES: no file
+    // is begun.
+    void take(HeldFile file);
+
     // `observer` is called for each entry of the files that follow. It may be null; it must outlive
     // the converter or the next call of this.
     void observe(ConversionObserver* observer) { observer_ = observer; }
@@ -71,6 +78,8 @@ class Converter {
 
     void report(Note note);
     EntryWriter& writer();
+    void takeCalendar(const HeldCalendar& calendar, bool distinctUids);
+    void takeEntry(HeldEntry& held, bool lines);
 
     std::ostream* out_ = nullptr;  // null when the writer came from outside
     std::optional<CalendarFormat> to_;
@@ -83,6 +92,9 @@ class Converter {
     ConversionObserver* observer_ = nullptr;
     std::unique_ptr<File> file_;
     std::unique_ptr<Scan> scan_;
+    // Of take().
+    const std::string* heldName_ = nullptr;
+    HeldEntry* heldEntry_ = nullptr;  // that is being written
 };
 
 }  // namespace qel::calendar

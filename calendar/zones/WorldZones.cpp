@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdlib>
 #include <limits>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -244,6 +245,14 @@ ZonePtr makeWorldZone(std::size_t number) {
         last = each.type;
     }
     return std::make_shared<const Zone>(std::move(parts));
+}
+
+ZonePtr worldZone(std::size_t number) {
+    static std::mutex lock;
+    static std::vector<ZonePtr> built(worldZoneCount());
+    const std::lock_guard guard(lock);
+    if (built[number] == nullptr) built[number] = makeWorldZone(number);
+    return built[number];
 }
 
 bool isUtc(const Zone& zone) {

@@ -36,22 +36,24 @@ namespace qel::calendar {
 [[nodiscard]] int worldZoneOffset(std::size_t number, std::int64_t utc);
 // Its changes of the years 1900 to 2499.
 [[nodiscard]] ZonePtr makeWorldZone(std::size_t number);
+// The same, built when it is first asked for and kept as long as the library is there.
+[[nodiscard]] ZonePtr worldZone(std::size_t number);
 
 // True for the zone that is UTC itself, by whatever name.
 [[nodiscard]] bool isUtc(const Zone& zone);
 
-// Builds each zone once, when it is first asked for. One thread.
+// The zones that one caller has asked for, without a lock from the second time on. One thread.
 class WorldZones {
   public:
     // REQUIRES: a number below the count.
     [[nodiscard]] const ZonePtr& zone(std::size_t number) {
-        ZonePtr& place = built_[number];
-        if (place == nullptr) place = makeWorldZone(number);
+        ZonePtr& place = known_[number];
+        if (place == nullptr) place = worldZone(number);
         return place;
     }
 
   private:
-    std::map<std::size_t, ZonePtr> built_;
+    std::map<std::size_t, ZonePtr> known_;
 };
 
 // Zones of Windows, each with the zone that most of its people live in (CLDR).

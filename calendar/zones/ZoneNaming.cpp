@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <utility>
+#include <vector>
 
 #include "calendar/base/Days.h"
 
@@ -15,6 +16,17 @@ constexpr std::size_t kMostCandidates = 8;
 constexpr int kFirstYear = 1900;
 // As far as zones are known that are made of lines.
 constexpr int kLastYear = 2099;
+
+// The zones that most people of a zone of Windows live in, in the order of that list.
+const std::vector<std::size_t>& usualZones() {
+    static const std::vector<std::size_t> numbers = [] {
+        std::vector<std::size_t> all;
+        for (const WindowsZone& each : windowsZones())
+            if (const auto number = findWorldZone(each.world)) all.push_back(*number);
+        return all;
+    }();
+    return numbers;
+}
 
 }  // namespace
 
@@ -58,15 +70,13 @@ bool ZoneNaming::agreesWithLines(const Zone& zone) const {
 
 void ZoneNaming::findCandidates(WorldZones& world) {
     const auto& [begin, end] = *made_->parts().daylight;
-    for (const WindowsZone& each : windowsZones()) {
+    for (const std::size_t number : usualZones()) {
         if (candidates_.size() == kMostCandidates) return;
-        const auto number = findWorldZone(each.world);
         // To build a zone takes longer than to see that it is another one.
-        if (!number || worldZoneOffset(*number, begin) != made_->offsetAtUtc(begin) ||
-            worldZoneOffset(*number, begin - kDaySeconds) !=
-                made_->offsetAtUtc(begin - kDaySeconds))
+        if (worldZoneOffset(number, begin) != made_->offsetAtUtc(begin) ||
+            worldZoneOffset(number, begin - kDaySeconds) != made_->offsetAtUtc(begin - kDaySeconds))
             continue;
-        const ZonePtr& zone = world.zone(*number);
+        const ZonePtr& zone = world.zone(number);
         if (agreesWithLines(*zone)) candidates_.push_back(zone);
     }
 }

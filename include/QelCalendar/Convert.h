@@ -87,6 +87,14 @@ class Converter {
     }
     /// The file ends here.
     void endFile() { finish(qelcal_converter_end_file(converter_.get())); }
+    /// A part of this converter: with it another thread may read the next files, while this one is
+    /// used. It holds what it reads until join(), and only reads. Any thread may call this; each
+    /// part belongs to one.
+    Converter part() const { return Converter(detail::made(qelcal_converter_part(get()))); }
+    /// Converts the files that `part` has read, as if this converter had read them.
+    void join(Converter& part) {
+        finish(qelcal_converter_join(converter_.get(), part.converter_.get()));
+    }
     /// Ends the calendar and hands on what is left of it.
     void finish() { finish(qelcal_converter_finish(converter_.get())); }
     /// What is written; QELCAL_OTHER before the first file has shown it.
@@ -101,6 +109,9 @@ class Converter {
     }
 
   private:
+    explicit Converter(qelcal_converter* part) : state_(new State({})), converter_(part) {}
+    const qelcal_converter* get() const noexcept { return converter_.get(); }
+
     // Where the callbacks find the caller's functions, and leave what they throw.
     struct State {
         explicit State(Output sink) : output(std::move(sink)) {}

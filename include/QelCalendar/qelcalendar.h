@@ -563,6 +563,19 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_end_file(qelcal_converter*
 /** Ends the calendar and passes on what is left of it. A result without any entry is a calendar all
  * the same; look at the counts before. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_finish(qelcal_converter* converter);
+/** A part of `converter`, to be freed as a converter: with it another thread may read the next
+ * files while `converter` is used. It reads them (begin_file, scan, write, end_file) as `converter`
+ * would with what is chosen for it now, and holds in memory what it has read until
+ * qelcal_converter_join(); it writes and calls nothing, and its other functions return
+ * QELCAL_INVALID_ARGUMENT. Any thread may call it, while nothing is being chosen for `converter`.
+ * Null when memory is exhausted, or `converter` is null or itself a part. */
+QELCALENDAR_API qelcal_converter* QELCALENDAR_CALL
+qelcal_converter_part(const qelcal_converter* converter);
+/** Converts the files that `part` has read since the last call, as if `converter` had read them one
+ * after the other. QELCAL_INVALID_ARGUMENT when it is no part, QELCAL_WRONG_ORDER while a file of
+ * either has begun. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_join(qelcal_converter* converter,
+                                                           qelcal_converter* part);
 /** The qelcal_format that is written; QELCAL_OTHER before the first file has shown it. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_target(const qelcal_converter* converter);
 /** The counts of all files so far. */

@@ -287,6 +287,50 @@ TEST(Interface, ZonesAndTextsByName) {
     EXPECT_EQ(qelcal_text_to_utf8("utf-8", "a", 1, stopAtOnce, nullptr, nullptr), QELCAL_STOPPED);
 }
 
+// A file that another thread reads has the same calendar, notes and page; a part does nothing else.
+TEST(Interface, PartsAreJoinedInOrder) {
+    const std::string first =
+        "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nTZ:+01\r\nBEGIN:VEVENT\r\nUID:1\r\nRRULE:D1 #3\r\n"
+        "DTSTART:20050615T083000\r\nno property\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+    const auto convert = [&](bool parts) {
+        std::string all;
+        const auto add = [&all](const char* bytes, std::size_t size) { all.append(bytes, size); };
+        qelcal::Report report(add);
+        qelcal::Converter converter(QELCAL_OTHER, add);
+        converter.onNote([&](const qelcal::Note& note) { all += note.file + note.text; });
+        converter.onEntry(
+            [&](const qelcal::Converted& each) {
+                all += each.source + each.written + std::to_string(each.entry.notes().size());
+            },
+            true);
+        converter.reportTo(&report);
+        for (const std::string& text : {first, std::string("BEGIN:VCALENDAR\n"), first}) {
+            qelcal::Converter part = converter.part();
+            qelcal::Converter& reader = parts ? part : converter;
+            reader.beginFile("name");
+            reader.scan(text.data(), text.size());
+            reader.write(text.data(), text.size());
+            if (parts) EXPECT_THROW(converter.join(part), qelcal::Error);
+            reader.endFile();
+            if (parts) converter.join(part);
+        }
+        converter.finish();
+        report.finish("", add);
+        const qelcal_counts counts = converter.counts();
+        return all + std::to_string(counts.calendars) + std::to_string(counts.entries) +
+               std::to_string(counts.warnings);
+    };
+    EXPECT_EQ(convert(true), convert(false));
+    qelcal::Report page([](const char*, std::size_t) {});
+    qelcal::Report held = page.part();
+    EXPECT_THROW(held.finish("", {}), qelcal::Error);
+    EXPECT_THROW(held.join(page), qelcal::Error);
+    qelcal::Converter part = qelcal::Converter(QELCAL_OTHER, {}).part();
+    EXPECT_THROW(part.finish(), qelcal::Error);
+    EXPECT_THROW(part.reportTo(&page), qelcal::Error);
+    EXPECT_EQ(qelcal_report_part(held.get()), nullptr);
+}
+
 TEST(Interface, NullHandlesAreAnswered) {
     qelcal_note_kind kind;
     EXPECT_EQ(qelcal_note_kind_at(qelcal_note_kind_count(), &kind), QELCAL_INVALID_ARGUMENT);

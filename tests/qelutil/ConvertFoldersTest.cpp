@@ -309,7 +309,7 @@ TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoes) {
     const auto all = [&](const std::string& threads, std::vector<std::string> words) {
         fs::remove_all(out_);
         fs::remove_all(state_.path() / "phone-converted");
-        fs::remove(state_.path() / "r.html");
+        for (const char* each : {"r.html", "all.vcs"}) fs::remove(state_.path() / each);
         words.insert(words.end(), {"phone", "--threads", threads});
         const ProcessResult result = run(words, here);
         std::string text = std::to_string(result.exitCode) + result.out + result.err;
@@ -318,7 +318,8 @@ TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoes) {
             if (has(folder))
                 for (const auto& each : fs::recursive_directory_iterator(state_.path() / folder))
                     if (each.is_regular_file()) files.push_back(each.path());
-        if (has("r.html")) files.push_back(state_.path() / "r.html");
+        for (const char* each : {"r.html", "all.vcs"})
+            if (has(each)) files.push_back(state_.path() / each);
         std::sort(files.begin(), files.end());
         for (const fs::path& each : files)
             text += each.generic_string() + "\n" + readFile(each.string());
@@ -328,7 +329,10 @@ TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoes) {
         {"convert", "-d", "out", "--report", "r.html"},
         {"convert", "-d", "out", "--strict", "--verbose", "--json", "--to", "ics"},
         {"convert", "-d", "out", "--dry-run"},
-        {"convert", "--beside"}};
+        {"convert", "--beside"},
+        {"convert", "-o", "all.vcs", "--json", "--distinct-uids"},
+        {"convert", "-o", "all.vcs", "--to", "vcs", "--report", "r.html", "--verbose"},
+        {"convert", "--only", "todos"}};
     for (const auto& words : ways) {
         const std::string one = all("1", words);
         EXPECT_GT(one.size(), 10000U);

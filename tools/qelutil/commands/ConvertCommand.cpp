@@ -104,9 +104,10 @@ void addConvertCommand(CLI::App& app, Context& context) {
     command->add_flag("--open", options->open, "show the report when it is written");
     options->threads = usualThreads();
     command
-        ->add_option("--threads", options->threads,
-                     "how many files are converted at a time, at most; as many as this computer\n"
-                     "has cores when it is missing. The results are the same with any number")
+        ->add_option(
+            "--threads", options->threads,
+            "how many files are worked on at a time, at most; as many as this computer has\n"
+            "cores when it is missing. The results are the same with any number")
         ->check(CLI::Range(1, 64))
         ->option_text("N");
     command->add_flag("--json", options->json,

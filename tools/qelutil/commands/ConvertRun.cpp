@@ -36,9 +36,9 @@ namespace {
 
 constexpr char kStrictReason[] = "there are warnings or errors, and --strict allows none";
 
-// A larger file whose entries the report or the JSON document shows is converted when it is its
-// turn, so that memory stays bounded.
-constexpr std::uint64_t kMostHeld = std::uint64_t{1} << 20;
+// A larger file whose entries are needed in its turn, for a report or a result of several files, is
+// read then, so that memory stays bounded.
+constexpr std::uint64_t kMostHeld = std::uint64_t{512} << 10;
 
 std::string inFolder(const std::string& folder, const std::string& name) {
     const bool ends = folder.ends_with('/') || folder.ends_with('\\');
@@ -198,24 +198,69 @@ class ConvertRun {
             [](const FileOutcome& each) { return each.clean(); });
     }
 
+    // Whether a file is done before its turn. `held`: it waits for that in memory. What has no size
+    // may be a pipe, whose bytes come when they come.
+    [[nodiscard]] bool isAhead(const CalendarFile& file, bool held) const {
+        return options_.threads > 1 && files_.size() > 1 && file.size != 0 &&
+               (!held || file.size <= kMostHeld);
+    }
+
     // Why one of the files has no part in the result, or nothing; `failure`: why there is to be no
-    // result at all.
+    // result at all. `read`: what was read of it before its turn.
     std::string joinFile(qelcal::Converter& converter, const CalendarFile& file,
-                         std::string& failure) {
+                         std::optional<ReadFile>& read, std::string& failure) {
         const std::uint64_t before = std::exchange(sizeDone_, sizeDone_ + file.size);
+        FileOutcome& outcome = outcomes_.back();
         std::string problem;
         try {
             problem = convertFile(
-                context_, options_, converter, file, outcomes_.back(),
-                [&](std::uint64_t done) { progress_->update(before + done); });
+                options_, converter, outcome,
+                [&] {
+                    if (read) return takeRead(converter, *read, outcome);
+                    readFile(
+                        context_, converter, file, outcome,
+                        [&](std::uint64_t done) { progress_->update(before + done); });
+                });
         } catch (...) {
-            failure = currentFailure(context_, outcomes_.back().file);
+            failure = currentFailure(context_, outcome.file);
         }
-        messages_.add(outcomes_.back());
+        messages_.add(outcome);
         if (!failure.empty()) return failure;
         if (!problem.empty()) context_.error(problem);
         // Entries that were converted before a failure are in the result.
-        return outcomes_.back().counts.entries != 0 ? "" : problem;
+        return outcome.counts.entries != 0 ? "" : problem;
+    }
+
+    // Gives the reason why there is to be no result of all files, or nothing.
+    std::string joinAll(qelcal::Converter& converter) {
+        std::vector<std::optional<ReadFile>> read(files_.size());
+        IdleParts parts(converter);
+        const auto readNext = [&](std::size_t number) {
+            if (isAhead(files_[number], true))
+                read[number] = readAhead(context_, parts, files_[number]);
+        };
+        std::optional<Workers> workers;
+        if (options_.threads > 1 && files_.size() > 1)
+            workers.emplace(options_.threads, files_.size(), readNext);
+        const std::string name = isStandardOutput(options_.output) ? "" : options_.output;
+        std::string failure;
+        for (std::size_t i = 0; i < files_.size(); ++i) {
+            showTurn(files_[i]);
+            outcomes_.emplace_back().file = shownName(files_[i]);
+            // After a failure nothing more is converted.
+            if (workers && failure.empty())
+                workers->take([&] { progress_->update(sizeDone_); });
+            else
+                workers.reset();
+            const std::string reason =
+                failure.empty() ? joinFile(converter, files_[i], read[i], failure) : failure;
+            if (read[i] && failure.empty() && read[i]->failure == nullptr)
+                parts.give(std::move(*read[i]->part));
+            read[i].reset();
+            settle(name, reason);
+            endFile();
+        }
+        return failure;
     }
 
     // `held`: what still has to go to the file.
@@ -249,16 +294,7 @@ class ConvertRun {
         qelcal::Converter converter(targetOf(options_.to), std::move(sink));
         listenTo(converter, options_, [this]() -> FileOutcome& { return outcomes_.back(); });
         if (report_) converter.reportTo(&report_->page());
-        const std::string name = isStandardOutput(options_.output) ? "" : options_.output;
-        std::string failure;  // of the result
-        for (const CalendarFile& file : files_) {
-            showTurn(file);
-            outcomes_.emplace_back().file = shownName(file);
-            const std::string reason =
-                failure.empty() ? joinFile(converter, file, failure) : failure;
-            settle(name, reason);
-            endFile();
-        }
+        std::string failure = joinAll(converter);
         messages_.finish();
         if (failure.empty()) failure = whyNothing(converter);
         if (failure.empty() && !options_.dryRun) {
@@ -266,7 +302,8 @@ class ConvertRun {
                 converter.finish();
                 writeJoined(*output, held);
             } catch (...) {
-                failure = currentFailure(context_, name);
+                failure = currentFailure(context_,
+                                         isStandardOutput(options_.output) ? "" : options_.output);
             }
         }
         if (!failure.empty()) nothingWritten(failure);
@@ -362,7 +399,6 @@ class ConvertRun {
 
     std::vector<Turn> planTurns() {
         std::vector<Turn> turns(files_.size());
-        const bool many = options_.threads > 1 && files_.size() > 1;
         for (std::size_t i = 0; i < files_.size(); ++i) {
             Turn& turn = turns[i];
             try {
@@ -371,8 +407,7 @@ class ConvertRun {
                 turn.noPlace = std::current_exception();
                 continue;
             }
-            const bool isShown = report_ || options_.json;
-            turn.ahead = many && (!isShown || files_[i].size <= kMostHeld);
+            turn.ahead = isAhead(files_[i], report_ || options_.json);
         }
         return turns;
     }

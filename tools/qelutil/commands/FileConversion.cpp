@@ -1,6 +1,7 @@
 #include "commands/FileConversion.h"
 
 #include <ostream>
+#include <utility>
 
 #include "base/EntryJson.h"
 #include "commands/CalendarInput.h"
@@ -8,28 +9,6 @@
 namespace qel::cli {
 
 namespace {
-
-void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
-              FileOutcome& outcome, const OnProgress& onProgress) {
-    CalendarInput input(context, file);
-    converter.beginFile(input.name());
-    outcome.begun = true;
-    try {
-        input.read([&](const char* bytes, std::size_t size,
-                       std::uint64_t) { converter.scan(bytes, size); },
-                   [&](const char* bytes, std::size_t size, std::uint64_t done) {
-                       converter.write(bytes, size);
-                       onProgress(done);
-                   });
-    } catch (const OutputError&) {
-        throw;
-    } catch (const InputError&) {
-        // What was read before the failure is converted.
-        converter.endFile();
-        throw;
-    }
-    converter.endFile();
-}
 
 // Where the calendar goes: nowhere in a dry run.
 qelcal::Converter::Output writeTo(OutputFile* output) {
@@ -50,7 +29,9 @@ void convertInto(AloneFile& alone, Context& context, const ConvertOptions& optio
     qelcal::Converter converter(targetOf(options.to), writeTo(alone.result.get()));
     listenTo(converter, options, [&alone]() -> FileOutcome& { return alone.outcome; });
     if (report != nullptr) converter.reportTo(report);
-    alone.problem = convertFile(context, options, converter, file, alone.outcome, onProgress);
+    alone.problem = convertFile(options, converter, alone.outcome, [&] {
+        readFile(context, converter, file, alone.outcome, onProgress);
+    });
     if (!alone.problem.empty()) return;
     alone.toPhone = converter.target() == QELCAL_VCALENDAR;
     if (alone.result == nullptr) return;
@@ -85,14 +66,35 @@ void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
     });
 }
 
-std::string convertFile(Context& context, const ConvertOptions& options,
-                        qelcal::Converter& converter, const CalendarFile& file,
-                        FileOutcome& outcome, const OnProgress& onProgress) {
+void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
+              FileOutcome& outcome, const OnProgress& onProgress) {
+    CalendarInput input(context, file);
+    converter.beginFile(input.name());
+    outcome.begun = true;
+    try {
+        input.read([&](const char* bytes, std::size_t size,
+                       std::uint64_t) { converter.scan(bytes, size); },
+                   [&](const char* bytes, std::size_t size, std::uint64_t done) {
+                       converter.write(bytes, size);
+                       onProgress(done);
+                   });
+    } catch (const OutputError&) {
+        throw;
+    } catch (const InputError&) {
+        // What was read before the failure is converted.
+        converter.endFile();
+        throw;
+    }
+    converter.endFile();
+}
+
+std::string convertFile(const ConvertOptions& options, qelcal::Converter& converter,
+                        FileOutcome& outcome, const std::function<void()>& read) {
     const qelcal_counts before = converter.counts();
     const auto count = [&] { outcome.counts = difference(converter.counts(), before); };
     std::string problem;
     try {
-        readFile(context, converter, file, outcome, onProgress);
+        read();
         if (converter.counts().entries == before.entries)
             problem = outcome.file + (options.only.empty()
                                           ? ": there is no event, to-do or note in this calendar"
@@ -109,6 +111,42 @@ std::string convertFile(Context& context, const ConvertOptions& options,
     }
     count();
     return problem;
+}
+
+qelcal::Converter IdleParts::take() {
+    {
+        const std::lock_guard guard(lock_);
+        if (!parts_.empty()) {
+            qelcal::Converter part = std::move(parts_.back());
+            parts_.pop_back();
+            return part;
+        }
+    }
+    return whole_.part();
+}
+
+void IdleParts::give(qelcal::Converter part) {
+    const std::lock_guard guard(lock_);
+    parts_.push_back(std::move(part));
+}
+
+ReadFile readAhead(Context& context, IdleParts& parts, const CalendarFile& file) {
+    ReadFile read;
+    FileOutcome outcome;
+    try {
+        read.part.emplace(parts.take());
+        readFile(context, *read.part, file, outcome, [](std::uint64_t) {});
+    } catch (...) {
+        read.failure = std::current_exception();
+    }
+    read.begun = outcome.begun;
+    return read;
+}
+
+void takeRead(qelcal::Converter& converter, ReadFile& file, FileOutcome& outcome) {
+    outcome.begun = file.begun;
+    if (file.begun) converter.join(*file.part);
+    if (file.failure != nullptr) std::rethrow_exception(file.failure);
 }
 
 AloneFile convertAlone(Context& context, const ConvertOptions& options, const CalendarFile& file,

@@ -7,7 +7,10 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "QelCalendar/Convert.h"
 #include "base/CalendarFiles.h"
@@ -31,11 +34,41 @@ void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
 // Receives how many bytes of the file are read.
 using OnProgress = std::function<void(std::uint64_t done)>;
 
-// Converts `file`; `outcome` has its name and gets its counts. Gives the reason why the file has no
-// part in the result, or nothing; throws what ends the whole result.
-[[nodiscard]] std::string convertFile(Context& context, const ConvertOptions& options,
-                                      qelcal::Converter& converter, const CalendarFile& file,
-                                      FileOutcome& outcome, const OnProgress& onProgress);
+// Reads `file` into `converter`; `outcome` has its name. Throws InputError when it cannot be read;
+// what was read before is converted.
+void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
+              FileOutcome& outcome, const OnProgress& onProgress);
+
+// What `read`, which is one of those here, converts of a file; `outcome` gets its counts. Gives the
+// reason why the file has no part in the result, or nothing; throws what ends the whole result.
+[[nodiscard]] std::string convertFile(const ConvertOptions& options, qelcal::Converter& converter,
+                                      FileOutcome& outcome, const std::function<void()>& read);
+
+// A file that is read before its turn, for a result of several files.
+struct ReadFile {
+    std::optional<qelcal::Converter> part;  // of the converter
+    bool begun = false;                     // as FileOutcome has it
+    std::exception_ptr failure;             // why not all of it is read
+};
+
+// The parts of a converter that wait for the next file: they know the zones of the last one. Any
+// thread.
+class IdleParts {
+  public:
+    explicit IdleParts(const qelcal::Converter& whole) : whole_(whole) {}
+    [[nodiscard]] qelcal::Converter take();
+    void give(qelcal::Converter part);
+
+  private:
+    const qelcal::Converter& whole_;
+    std::mutex lock_;
+    std::vector<qelcal::Converter> parts_;
+};
+
+// Throws nothing.
+[[nodiscard]] ReadFile readAhead(Context& context, IdleParts& parts, const CalendarFile& file);
+// Converts it. Throws as readFile() does.
+void takeRead(qelcal::Converter& converter, ReadFile& file, FileOutcome& outcome);
 
 // A file that has a result of its own, once it is converted.
 struct AloneFile {

@@ -55,7 +55,7 @@ complete -c qelutil -n '__qelutil_at convert' -l strict -d 'treat warnings and l
 complete -c qelutil -n '__qelutil_at convert' -s n -l dry-run -d 'write no calendar, and show what would become of each file'
 complete -c qelutil -n '__qelutil_at convert' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
 complete -c qelutil -n '__qelutil_at convert' -l open -d 'show the report when it is written'
-complete -c qelutil -n '__qelutil_at convert' -l threads -x -d 'how many files are converted at a time, at most'
+complete -c qelutil -n '__qelutil_at convert' -l threads -x -d 'how many files are worked on at a time, at most'
 complete -c qelutil -n '__qelutil_at convert' -l json -d 'print what became of each file as JSON'
 complete -c qelutil -n '__qelutil_at convert' -s v -l verbose -d 'also report how irregular input was read, and show every message'
 
