@@ -89,6 +89,10 @@ void CBxBuffer::DisownBuffer() {
     m_external = 1;
 }
 
+unsigned int CBxBuffer::ContentSize() const {
+    return m_storage == nullptr ? 0 : std::min(m_length, m_capacity);
+}
+
 // --- CBxIntList ----------------------------------------------------------------------------------
 
 CBxIntList::CBxIntList() = default;

@@ -67,10 +67,7 @@ class QELUTILITY_API CBxBuffer {
 
   protected:
     /// The bytes of content that lie within the storage.
-    QELUTILITY_LOCAL unsigned int ContentSize() const {
-        if (m_storage == nullptr) return 0;
-        return m_length < m_capacity ? m_length : m_capacity;
-    }
+    QELUTILITY_LOCAL unsigned int ContentSize() const;
 
     unsigned char* m_storage;   ///< allocated with malloc when owned
     unsigned char* m_position;  ///< where the next value is written or read
@@ -233,7 +230,10 @@ class QELUTILITY_API CBxDataStream : public CBxBuffer {
     [[noreturn]] QELUTILITY_LOCAL void FailPastEnd(int line);
     QELUTILITY_LOCAL void PassValue(int length);
 
-    unsigned char* ContentEnd() const { return m_storage + ContentSize(); }
+    unsigned char* ContentEnd() const {
+        return m_storage == nullptr ? nullptr
+                                    : m_storage + (m_length < m_capacity ? m_length : m_capacity);
+    }
 };
 
 #endif
