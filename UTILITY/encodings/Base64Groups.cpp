@@ -6,10 +6,11 @@
 #include <cstdint>
 #include <cstring>
 
-// Processors of 64 bits alone: 32-bit Windows does not align the stack for wide registers.
-#if defined(__x86_64__)
+#if defined(__x86_64__) || defined(__i386__)
 #define QEL_BASE64_WIDE
 #include <immintrin.h>
+// 32-bit Windows does not align the stack for wide registers, so each function does.
+#define QEL_WIDE_CODE(processor) __attribute__((target(processor), force_align_arg_pointer))
 #endif
 
 namespace qel::encodings {
@@ -79,8 +80,8 @@ constexpr std::size_t kWidestGroups = 8;
 constexpr std::size_t kLongRun = 64;
 
 // As encodeWide, whose constants are explained there, in both halves of a register at once.
-__attribute__((target("avx2"))) std::size_t encodeWidest(const unsigned char* src,
-                                                         std::size_t groups, char* dst) {
+QEL_WIDE_CODE("avx2")
+std::size_t encodeWidest(const unsigned char* src, std::size_t groups, char* dst) {
     const __m256i spread = _mm256_broadcastsi128_si256(
         _mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
     const __m256i offsets = _mm256_broadcastsi128_si256(
@@ -108,8 +109,8 @@ __attribute__((target("avx2"))) std::size_t encodeWidest(const unsigned char* sr
 }
 
 // As decodeWide, in both halves of a register at once.
-__attribute__((target("avx2"))) std::size_t decodeWidest(const char* src, std::size_t groups,
-                                                         unsigned char* dst) {
+QEL_WIDE_CODE("avx2")
+std::size_t decodeWidest(const char* src, std::size_t groups, unsigned char* dst) {
     const __m256i badByLow =
         _mm256_broadcastsi128_si256(_mm_setr_epi8(0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11,
                                                   0x11, 0x11, 0x13, 0x1A, 0x1B, 0x1B, 0x1B, 0x1A));
@@ -143,8 +144,8 @@ __attribute__((target("avx2"))) std::size_t decodeWidest(const char* src, std::s
 }
 
 // Four groups at a time while 16 bytes can be read; the number of groups.
-__attribute__((target("ssse3"))) std::size_t encodeWide(const unsigned char* src,
-                                                        std::size_t groups, char* dst) {
+QEL_WIDE_CODE("ssse3")
+std::size_t encodeWide(const unsigned char* src, std::size_t groups, char* dst) {
     // Each group's bytes 1 0 2 1 in a lane of 32 bits; then each digit's bits in a byte of its own.
     const __m128i spread = _mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10);
     // What is added to a digit's value to give its character, by the range that the value is in.
@@ -171,8 +172,8 @@ __attribute__((target("ssse3"))) std::size_t encodeWide(const unsigned char* src
 }
 
 // Four groups at a time while every character is a digit; the number of groups.
-__attribute__((target("ssse3"))) std::size_t decodeWide(const char* src, std::size_t groups,
-                                                        unsigned char* dst) {
+QEL_WIDE_CODE("ssse3")
+std::size_t decodeWide(const char* src, std::size_t groups, unsigned char* dst) {
     // For each half of a character the set of halves that it does not go with, as bits: a character
     // is a digit when the sets of its two halves share none.
     const __m128i badByLow = _mm_setr_epi8(0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11,
