@@ -1,8 +1,10 @@
 // Trace lines: switched off, into a log that is kept open, and in the ordinary mode that opens and
 // closes the log for each line; beside spdlog and the bare system calls.
 #include <fcntl.h>
+#ifdef QEL_BENCH_ALL_PEERS
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/spdlog.h>
+#endif
 #include <unistd.h>
 
 #include <cstdio>
@@ -15,6 +17,7 @@
 
 #include "Comparison.h"
 #include "QelUtility/BxTrace.h"
+#include "support/Environment.h"
 #include "trace/TraceSystem.h"
 
 namespace qel::bench {
@@ -61,8 +64,8 @@ void useMode(int keepOpen) {
     std::ofstream(options) << "[LogSettings]\nKeepLogFileOpen=" << keepOpen
                            << "\nSeparateLogForEachProcess=" << (keepOpen != 0 ? 1 : 0)
                            << "\nMaxFileSize=100000000\nTracingOptions=1\n";
-    ::setenv("BX_OPTIONS_FILE_PATH", options.c_str(), 1);
-    ::setenv("BX_ERR_LOG_FILE_PATH", log.c_str(), 1);
+    test::setEnvironment("BX_OPTIONS_FILE_PATH", options);
+    test::setEnvironment("BX_ERR_LOG_FILE_PATH", log);
     // Never destroyed, because it stays installed.
     static auto& system = *new std::optional<trace::TraceSystem>;
     trace::installTraceSystem(&system.emplace());
@@ -70,7 +73,7 @@ void useMode(int keepOpen) {
 }
 
 std::string contentOf(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(path);
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
@@ -82,6 +85,7 @@ bool linesArrive(int keepOpen) {
     return contentOf(log).find(std::string(": ") + kMessage + "\n") != std::string::npos;
 }
 
+#ifdef QEL_BENCH_ALL_PEERS
 std::shared_ptr<spdlog::logger> spdlogTo(const std::string& name, bool flush) {
     static int count = 0;
     auto logger =
@@ -91,36 +95,50 @@ std::shared_ptr<spdlog::logger> spdlogTo(const std::string& name, bool flush) {
     return logger;
 }
 
-auto bySpdlog(const char* name, bool flush) {
-    return [logger = spdlogTo(name, flush)] { logger->info("{}", kMessage); };
+void addSpdlogSwitchedOff(Comparison& row) {
+    row.peer(
+        "spdlog", [logger = spdlogTo("off.log", false)] { logger->debug("{}", kMessage); });
+}
+
+void addSpdlog(Comparison& row, bool flush) {
+    row.peer(
+        "spdlog", [logger = spdlogTo(flush ? "flushed.log" : "kept.log",
+                                     flush)] { logger->info("{}", kMessage); });
+}
+#else
+void addSpdlogSwitchedOff(Comparison& /*row*/) {}
+void addSpdlog(Comparison& /*row*/, bool /*flush*/) {}
+#endif
+
+int openToAppend(const std::string& path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
 }
 
 void addKept(const char* name, int mode, double goal, bool flush, double spdlogTook,
              const char* floor) {
-    Comparison(
-        {name, goal, floor, 0, "spdlog", spdlogTook}, [mode] { return linesArrive(mode); })
-        .ours([mode] {
-            useMode(mode);
-            benchmark::DoNotOptimize(BxTrace_Tracef("%s", kMessage));
-        })
-        .peer("spdlog", bySpdlog(flush ? "flushed.log" : "kept.log", flush))
-        .peer(
-            "bare write",
-            [handle =
-                 ::open(folder().file("bare.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600)] {
-                benchmark::DoNotOptimize(::write(handle, kBareLine, sizeof kBareLine - 1));
-            });
+    Comparison row({name, goal, floor, 0, "spdlog", spdlogTook},
+                   [mode] { return linesArrive(mode); });
+    row.ours([mode] {
+        useMode(mode);
+        benchmark::DoNotOptimize(BxTrace_Tracef("%s", kMessage));
+    });
+    addSpdlog(row, flush);
+    row.peer("bare write", [handle = openToAppend(folder().file("bare.log"))] {
+        benchmark::DoNotOptimize(::write(handle, kBareLine, sizeof kBareLine - 1));
+    });
 }
 
 }  // namespace
 
 void addTraces() {
-    Comparison({"trace that is switched off", 8, "one option read", 0, "spdlog", 6}, [] {
-        useMode(1);
-        return BxTrace_VTrace(5, "%s", kMessage) == 0;
-    }).ours([] {
-          benchmark::DoNotOptimize(BxTrace_VTrace(5, "%s", kMessage));
-      }).peer("spdlog", [logger = spdlogTo("off.log", false)] { logger->debug("{}", kMessage); });
+    Comparison off(
+        {"trace that is switched off", 8, "one option read", 0, "spdlog", 6},
+        [] {
+            useMode(1);
+            return BxTrace_VTrace(5, "%s", kMessage) == 0;
+        });
+    off.ours([] { benchmark::DoNotOptimize(BxTrace_VTrace(5, "%s", kMessage)); });
+    addSpdlogSwitchedOff(off);
     addKept("trace line, log kept open", 1, 200, false, 219, "75 bytes into a buffer");
     addKept("trace line, log kept open, flushed", 3, 750, true, 940, "one write");
     Comparison(
@@ -132,7 +150,7 @@ void addTraces() {
         })
         .peer("open, write, close",
               [path = folder().file("bare.log")] {
-                  const int handle = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+                  const int handle = openToAppend(path);
                   benchmark::DoNotOptimize(::write(handle, kBareLine, sizeof kBareLine - 1));
                   ::close(handle);
               })

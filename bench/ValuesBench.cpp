@@ -1,6 +1,8 @@
 // One line of separated values into its items.
+#ifdef QEL_BENCH_ALL_PEERS
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
+#endif
 #include <cstring>
 #include <string>
 #include <vector>
@@ -27,7 +29,7 @@ void byStrcspn(const char* text, std::vector<std::string>& items) {
 }  // namespace
 
 void addValues() {
-    Comparison(
+    Comparison row(
         {"12 items of a line, parser reused", 110, "62 bytes moved, 12 blocks", 0,
          "std::string by strcspn", 119},
         [] {
@@ -40,23 +42,21 @@ void addValues() {
                 if (peer[static_cast<std::size_t>(i)] != static_cast<const char*>(ours[i]))
                     return false;
             return true;
-        })
-        .ours([parser = CBxParseValues()]() mutable {
-            parser.RemoveSymbols();
-            benchmark::DoNotOptimize(parser.BuildSymbolArray(kLine));
-        })
-        .peer(
-            "std::string by strcspn",
-            [items = std::vector<std::string>()]() mutable {
-                byStrcspn(kLine, items);
-                benchmark::DoNotOptimize(items.data());
-            })
-        .peer(
-            "Boost",
-            [items = std::vector<std::string>()]() mutable {
-                boost::algorithm::split(items, kLine, boost::algorithm::is_any_of(","));
-                benchmark::DoNotOptimize(items.data());
-            });
+        });
+    row.ours([parser = CBxParseValues()]() mutable {
+           parser.RemoveSymbols();
+           benchmark::DoNotOptimize(parser.BuildSymbolArray(kLine));
+       })
+        .peer("std::string by strcspn", [items = std::vector<std::string>()]() mutable {
+            byStrcspn(kLine, items);
+            benchmark::DoNotOptimize(items.data());
+        });
+#ifdef QEL_BENCH_ALL_PEERS
+    row.peer("Boost", [items = std::vector<std::string>()]() mutable {
+        boost::algorithm::split(items, kLine, boost::algorithm::is_any_of(","));
+        benchmark::DoNotOptimize(items.data());
+    });
+#endif
 }
 
 }  // namespace qel::bench
