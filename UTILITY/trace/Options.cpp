@@ -16,7 +16,6 @@ namespace qel::trace {
 namespace {
 
 constexpr char kSection[] = "LogSettings";
-constexpr std::uint32_t kReloadMilliseconds = 60000;
 constexpr std::size_t kSystemPathRoom = 260;  // the most that a system call is asked for
 
 // A path under construction: text that does not fit is cut.
@@ -280,14 +279,6 @@ void Options::release() {
         mutex_.unlock();
     else
         loadingThread_.store(platform::threadId());  // it has another number in the child
-}
-
-void Options::load() {
-    const std::uint32_t now = ticks_();
-    if (!initialised_.load(std::memory_order_acquire)) return firstLoad(now);
-    const std::uint32_t last = lastLoad_.load(std::memory_order_relaxed);
-    if (now > last && now - last < kReloadMilliseconds) return;
-    reload(now);
 }
 
 }  // namespace qel::trace

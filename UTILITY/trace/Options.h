@@ -28,7 +28,12 @@ class Options {
     // Finds the log and the options file at the first call; reads the options then, and again when
     // a minute has passed or the clock has wrapped. Does nothing while the calling thread is inside
     // a message or a load.
-    void load();
+    void load() {
+        const std::uint32_t now = ticks_();
+        if (!initialised_.load(std::memory_order_acquire)) return firstLoad(now);
+        const std::uint32_t last = lastLoad_.load(std::memory_order_relaxed);
+        if (now <= last || now - last >= kReloadMilliseconds) reload(now);
+    }
 
     // Makes `name` the log, with ".log" appended where it is missing, and derives the SyncML logs
     // and the run directory from it. The options file stays. Ignores null and an empty name.
@@ -44,6 +49,8 @@ class Options {
     void release();
 
   private:
+    static constexpr std::uint32_t kReloadMilliseconds = 60000;
+
     [[nodiscard]] bool loadsHere() const noexcept;
     void firstLoad(std::uint32_t now);
     void reload(std::uint32_t now);
