@@ -79,7 +79,8 @@ TEST_F(LogCommandTest, ReadsTheLogsOfOthers) {
         contains(run({"log", folder, "--since", "01/01", "--through", "01/01 00:00"}).out,
                  "b_2.log  01/01 00:00:00.500 [00A2] not before January\nb_2.log    more of "
                  "it\na_1.bk0  01/01 00:00:01.000 [0001] third\n"));
-    EXPECT_EQ(run({"log", folder, "--errors", "--thread", "a2"}).out, "");
+    const ProcessResult none = run({"log", folder, "--errors", "--thread", "a2"});
+    EXPECT_EQ(none.out + none.err, "qelutil: no line of the log fits\n");
     EXPECT_TRUE(contains(run({"log", folder + "/a_1.log", "--tail", "1", "--search", "THIRD"}).out,
                          "third"));
     const std::string summary = run({"log", folder + "/a_1.log", "--summary"}).out;
@@ -88,7 +89,43 @@ TEST_F(LogCommandTest, ReadsTheLogsOfOthers) {
     EXPECT_TRUE(contains(summary, "option MaxFileSize = 77"));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 5);
     fails(1, {"log", folder + "/none.log"}, "cannot be read");
+    fails(2, {"log", folder, "--thread", "zz"}, "not a thread's number");
     fails(2, {"log", folder, "--set", "MaxFileSize=1"}, "leave FILE out");
+}
+
+// The lines have no year: what several logs have in common, and the range, follow their order.
+TEST_F(LogCommandTest, CountsFromTheBeginningOfTheLogs) {
+    const std::string folder = state_.file("logs");
+    std::filesystem::create_directories(folder + "/phones/old");
+    qel::test::writeFile(folder + "/a.log",
+                         "[0001] 12/30 10:00:00.000 000: one\n[0001] 12/31 23:59:59.000 000: two\n"
+                         "[0001] 01/02 00:00:01.000 000: six\n");
+    qel::test::writeFile(folder + "/phones/old/b.log",
+                         "[00A2] 01/01 00:00:00.500 000: three\n"
+                         "[00A2] 01/01 02:00:00.000 000: 01/01 02:00:00.000 000: Error 9.7 at X\n");
+    qel::test::writeFile(folder + "/s.log", "01/01 00:00:02.000 000: SyncML Input:\n<SyncML/>\n");
+    const std::string middle =
+        "a.log  12/31 23:59:59.000 [0001] two\nb.log  01/01 00:00:00.500 [00A2] three\n"
+        "s.log  01/01 00:00:02.000 SyncML Input:\ns.log  <SyncML/>\n"
+        "b.log  01/01 02:00:00.000 [00A2] Error 7: 9, at X\n";
+    // Twice, and read once.
+    const std::vector<std::string> both = {"log", folder, folder + "/./phones/old/b.log"};
+    const auto with = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), both.begin(), both.end());
+        return run(more).out;
+    };
+    EXPECT_EQ(with({"--since", "12/31", "--through", "01/01"}), middle);
+    EXPECT_EQ(with({"--since", "12/31"}), middle + "a.log  01/02 00:00:01.000 [0001] six\n");
+    EXPECT_TRUE(contains(run({"log", folder, "--since", "01/02", "--through", "12/31"}).err,
+                         "--through is before --since"));
+    EXPECT_EQ(runWithInput({"log", "-", "--since", "01/01"},
+                           "[0001] 12/31 00:00:00.000 000: a\n[0001] 01/02 00:00:00.000 000: b\n")
+                  .out,
+              "01/02 00:00:00.000 [0001] b\n");
+    fails(1, {"log", "-"}, "a calendar, not a trace log", "BEGIN:VCALENDAR\nEND:VCALENDAR\n");
+    fails(1, {"log", "-"}, "the options of a trace log", "[LogSettings]\nMaxFileSize=7\n");
+    // Without a name, this computer's log.
+    EXPECT_TRUE(contains(run({"log", "--errors"}, at("logs/phones/old/b.log")).out, "Error 7"));
 }
 
 TEST_F(LogCommandTest, SaysWhenTheOptionsCannotBeWritten) {

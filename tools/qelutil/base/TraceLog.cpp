@@ -1,8 +1,10 @@
 #include "base/TraceLog.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -19,7 +21,6 @@ namespace {
 
 constexpr std::int64_t kSecond = 1000;
 constexpr std::int64_t kDay = 86400 * kSecond;
-constexpr std::int64_t kYear = 366 * kDay;  // so that 29 February has its place in each
 
 constexpr struct {
     int code;
@@ -110,9 +111,15 @@ void readError(TraceMessage& message, std::string_view text) {
 TraceMessage messageOf(std::string_view line) {
     TraceMessage message;
     std::string_view rest = line;
-    if (!takeThread(rest, message.thread) || !takeStamp(rest, message.stamp, message.at)) {
+    // The line before a SyncML document has a stamp and no thread.
+    const bool hasThread = takeThread(rest, message.thread);
+    if (!takeStamp(rest, message.stamp, message.at)) {
         message.thread.clear();
         message.text = line;
+        return message;
+    }
+    if (!hasThread) {
+        message.text = rest;
         return message;
     }
     // An error has the stamp of its own moment after that of its line.
@@ -121,7 +128,9 @@ TraceMessage messageOf(std::string_view line) {
     std::int64_t at = 0;
     if (takeStamp(inner, stamp, at)) readError(message, inner);
     message.text = message.isError ? inner : rest;
-    message.isStart = rest.find(" Log File, TracingOptions=") != std::string_view::npos;
+    message.isStart =
+        rest.starts_with(" -- ") &&
+        (rest.find(" Log File, TracingOptions=") != rest.npos || rest.ends_with(" Log File --"));
     return message;
 }
 
@@ -147,6 +156,18 @@ std::optional<std::int64_t> traceTime(std::string_view text) {
     return millisecondsOf(fields);
 }
 
+bool looksLikeTrace(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+        if (!messageOf(text.substr(0, end)).stamp.empty()) return true;
+        text.remove_prefix(end + 1);
+    }
+    return false;
+}
+
+TraceLog::TraceLog(std::string name, std::unique_ptr<std::istream> stream)
+    : name_(std::move(name)), files_{name_}, at_(1), stream_(std::move(stream)), isFile_(false) {}
+
 TraceLog::TraceLog(const std::string& name) : name_(name) {
     std::error_code unknown;
     if (lowerCase(name).ends_with(".log")) {
@@ -161,15 +182,20 @@ TraceLog::TraceLog(const std::string& name) : name_(name) {
                      ": cannot be read; see that the name is right and that you may read it");
 }
 
+void TraceLog::beginNear(std::int64_t at) {
+    last_ = at;
+    year_ = at / kTraceYear;
+}
+
 bool TraceLog::openNext() {
     if (at_ >= files_.size()) return false;
     const fs::path path = pathOf(files_[at_]);
-    std::ifstream next(path, std::ios::binary);
-    if (!next || next.peek() == std::ifstream::traits_type::eof()) {
+    auto next = std::make_unique<std::ifstream>(path, std::ios::binary);
+    if (!*next || next->peek() == std::ifstream::traits_type::eof()) {
         // An empty log is a log all the same; a directory is not.
         std::error_code unknown;
-        if (!next.is_open() || !fs::is_regular_file(path, unknown)) return false;
-        next.clear();
+        if (!next->is_open() || !fs::is_regular_file(path, unknown)) return false;
+        next->clear();
     }
     ++at_;
     stream_ = std::move(next);
@@ -181,10 +207,10 @@ bool TraceLog::openNext() {
 
 bool TraceLog::readLine(std::string& line) {
     for (;;) {
-        stream_.clear();
+        stream_->clear();
         std::string more;
-        std::getline(stream_, more);
-        const bool whole = !stream_.eof();
+        std::getline(*stream_, more);
+        const bool whole = !stream_->eof();
         partial_ += more;
         if (whole) {
             line = std::exchange(partial_, {});
@@ -194,7 +220,7 @@ bool TraceLog::readLine(std::string& line) {
         }
         // At the end of the log itself: another one has its name when it became a backup.
         const bool isLast = at_ >= files_.size();
-        const bool rotated = isLast && platform::identityOf(pathOf(name_)) != id_;
+        const bool rotated = isLast && isFile_ && platform::identityOf(pathOf(name_)) != id_;
         if (isLast && !rotated) return false;
         if (rotated) files_.push_back(name_);
         const std::string rest = std::exchange(partial_, {});
@@ -226,8 +252,8 @@ TraceMessage TraceLog::take(const std::string& line) {
     message.line = line_;
     if (!message.stamp.empty()) {
         // A stamp has no year: half a year back is a new one.
-        if (year_ * kYear + message.at < last_ - kYear / 2) ++year_;
-        last_ = year_ * kYear + message.at;
+        if (year_ * kTraceYear + message.at < last_ - kTraceYear / 2) ++year_;
+        last_ = year_ * kTraceYear + message.at;
     }
     message.at = last_;
     return message;

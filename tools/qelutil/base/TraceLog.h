@@ -4,8 +4,9 @@
 #define QELUTIL_BASE_TRACELOG_H
 
 #include <cstdint>
-#include <fstream>
+#include <istream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,17 +33,30 @@ struct TraceMessage {
 // "a file cannot be opened or created" for 2005; empty for a code that is not the libraries'.
 [[nodiscard]] std::string_view resultWords(int code);
 
-// Milliseconds as TraceMessage::at counts them, of "06/15", "06/15 14:02" and all between that and
+// The length of a year as TraceMessage::at counts it: 29 February has its place in each.
+inline constexpr std::int64_t kTraceYear = std::int64_t{366} * 86400 * 1000;
+
+// Milliseconds since the beginning of a year, of "06/15", "06/15 14:02" and all between that and
 // a whole stamp. Nothing for another text.
 [[nodiscard]] std::optional<std::int64_t> traceTime(std::string_view text);
+
+// True when one of the lines begins as a trace log's do.
+[[nodiscard]] bool looksLikeTrace(std::string_view text);
 
 class TraceLog {
   public:
     // NAME.log with NAME.bk0 to NAME.bkf; another name is a log by itself. Throws InputError when
     // it cannot be read.
     explicit TraceLog(const std::string& name);
+    // What is not a file; `name` is for messages.
+    TraceLog(std::string name, std::unique_ptr<std::istream> stream);
 
     [[nodiscard]] const std::string& name() const { return name_; }
+    // The log and its backups, the oldest first.
+    [[nodiscard]] const std::vector<std::string>& files() const { return files_; }
+    // The first message's time is near `at`, which settles its year; lines before it without a time
+    // take `at` for theirs. To be called before next().
+    void beginNear(std::int64_t at);
     // The next message; nothing at the end. What is written later is found by the next call, also
     // when the log became a backup meanwhile.
     [[nodiscard]] std::optional<TraceMessage> next();
@@ -57,7 +71,8 @@ class TraceLog {
     std::string name_;
     std::vector<std::string> files_;  // the oldest first
     std::size_t at_ = 0;              // of files_, the one after `stream_`
-    std::ifstream stream_;
+    std::unique_ptr<std::istream> stream_;
+    bool isFile_ = true;
     std::optional<platform::FileId> id_;
     std::string partial_;  // a line whose end is not written yet
     std::uint64_t line_ = 0;

@@ -3,13 +3,16 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <system_error>
 #include <vector>
 
 #include "QelUtility/BxTrace.h"
+#include "base/Files.h"
 #include "base/Json.h"
 #include "base/Text.h"
 #include "commands/Commands.h"
@@ -94,7 +97,7 @@ int parseValue(const TraceOption& option, const std::string& text) {
     return static_cast<int>(static_cast<std::uint32_t>(value & 0xFFFFFFFFLL));
 }
 
-void set(const std::string& setting) {
+void set(Context& context, const std::string& setting) {
     const std::size_t equals = setting.find('=');
     if (equals == std::string::npos)
         throw UsageError("\"" + setting + "\" is not of the form KEY=VALUE");
@@ -110,6 +113,11 @@ void set(const std::string& setting) {
     if (valueOf(other) != wanted)
         throw InputError(std::string(BxTrace_GetOptionsFilePath()) +
                          ": cannot be written; check that you may write to its directory");
+    constexpr int kMostBackups = 16;
+    if (std::string_view(option.key) == "MaxBackupCount" && wanted > kMostBackups)
+        context.note({}, 0,
+                     "a rotation keeps 16 backups at most; " + std::to_string(wanted) +
+                         " is stored and counts as 16");
 }
 
 // The file's size and its last lines; no size when it cannot be read.
@@ -170,6 +178,18 @@ void showJson(Context& context, const Tail& tail) {
     writeJson(context.out, "log", document);
 }
 
+// This computer's log, by lines.
+void showOwnLog(Context& context, LogFilesOptions options) {
+    // In the system's own character set.
+    const std::filesystem::path path(BxTrace_GetLogFilePath());
+    std::error_code unknown;
+    if (std::filesystem::exists(path, unknown))
+        options.files = {nameOf(path)};
+    else
+        context.error(nameOf(path) + ": nothing has been logged on this computer yet");
+    if (options.json || !options.files.empty()) showLogFiles(context, options);
+}
+
 void run(Context& context, const Options& options) {
     if (!options.log.files.empty()) {
         if (!options.settings.empty())
@@ -177,13 +197,17 @@ void run(Context& context, const Options& options) {
         showLogFiles(context, options.log);
         return;
     }
-    if (options.log.errors || options.log.summary || options.log.follow ||
-        !(options.log.thread + options.log.since + options.log.through + options.log.search)
-             .empty())
-        throw UsageError("filters belong to a log; name its file");
     // Loads the settings, so that the paths are known.
     static_cast<void>(BxTrace_GetTracingOptions());
-    for (const std::string& setting : options.settings) set(setting);
+    if (options.log.errors || options.log.summary || options.log.follow ||
+        !(options.log.thread + options.log.since + options.log.through + options.log.search)
+             .empty()) {
+        if (!options.settings.empty())
+            throw UsageError("--set changes options, the others show lines; give one of them");
+        showOwnLog(context, options.log);
+        return;
+    }
+    for (const std::string& setting : options.settings) set(context, setting);
     if (!options.settings.empty() && !options.log.json) return;
     const Tail tail = tailOf(BxTrace_GetLogFilePath(), options.log.tail.value_or(kUsualTail));
     if (options.log.json)
@@ -201,10 +225,11 @@ void addLogCommand(CLI::App& app, Context& context) {
         "log", "The trace log: where it is, its options, its last lines; and logs of others");
     command
         ->add_option("FILE", log.files,
-                     "logs of other computers, each with its backups, or folders with logs; those\n"
-                     "of several processes are merged by time. Nothing is written beside them")
-        ->option_text("[FILE|FOLDER...]");
-    command->add_flag("--errors", log.errors, "of FILE only the errors");
+                     "logs of other computers, each with its backups, or folders with logs at any\n"
+                     "depth, or - for standard input; those of several processes are merged by\n"
+                     "time. Nothing is written beside them")
+        ->option_text("[FILE|FOLDER...|-]");
+    command->add_flag("--errors", log.errors, "only the errors");
     command->add_option("--thread", log.thread, "only what this thread wrote")->option_text("HEX");
     command->add_option("--since", log.since, "from this time on: 06/15 or 06/15 14:02:11")
         ->option_text("TIME");
@@ -212,7 +237,7 @@ void addLogCommand(CLI::App& app, Context& context) {
     command->add_option("--search", log.search, "only lines with this text")->option_text("TEXT");
     command->add_flag("--summary", log.summary,
                       "the first and the last line, errors by code, gaps, starts, and the options");
-    command->add_flag("-f,--follow", log.follow, "go on with what is written to FILE later");
+    command->add_flag("-f,--follow", log.follow, "go on with what is written later");
     command->add_option("--set", options->settings, "set an option; may be repeated")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);

@@ -2,24 +2,22 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <deque>
-#include <filesystem>
 #include <map>
-#include <memory>
 #include <ostream>
 #include <set>
-#include <system_error>
 #include <thread>
+#include <utility>
 
 #include "base/Files.h"
 #include "base/Json.h"
 #include "base/Terminal.h"
 #include "base/Text.h"
 #include "base/TraceLog.h"
+#include "commands/LogSources.h"
 
 namespace qel::cli {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -132,24 +130,17 @@ class Summary {
     std::vector<Gap> gaps_;
 };
 
-// The logs that the command line names: files, and the logs of folders.
-std::vector<std::string> logsOf(const std::vector<std::string>& names) {
-    std::vector<std::string> logs;
-    for (const std::string& name : names) {
-        std::error_code unknown;
-        if (!fs::is_directory(pathOf(name), unknown)) {
-            logs.push_back(name);
-            continue;
-        }
-        std::set<std::string> found;
-        for (const auto& each : fs::directory_iterator(pathOf(name), unknown)) {
-            const std::string file = nameOf(each.path());
-            if (lowerCase(file).ends_with(".log")) found.insert(file);
-        }
-        if (found.empty()) throw InputError(name + ": there is no .log file in this folder");
-        logs.insert(logs.end(), found.begin(), found.end());
-    }
-    return logs;
+// The digits of a thread's number without leading zeros. Throws UsageError for another text.
+std::string threadOf(const std::string& text) {
+    constexpr std::size_t kMostDigits = 16;
+    const std::size_t first = text.find_first_not_of('0');
+    const bool isNumber = text.size() <= kMostDigits &&
+                          text.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos;
+    if (text.empty()) return {};
+    if (!isNumber)
+        throw UsageError("--thread: \"" + text +
+                         "\" is not a thread's number as logs have it, in brackets: 1A2C");
+    return first == std::string::npos ? "0" : lowerCase(text.substr(first));
 }
 
 class LogShow {
@@ -157,38 +148,33 @@ class LogShow {
     LogShow(Context& context, const LogFilesOptions& options)
         : context_(context),
           options_(options),
-          since_(timeOf("--since", options.since, false)),
-          through_(timeOf("--through", options.through, true)),
+          thread_(threadOf(options.thread)),
+          search_(lowerCase(options.search)),
           json_(context.out, "log file", "messages") {
-        for (const std::string& name : logsOf(options.files)) {
-            sources_.push_back({std::make_unique<TraceLog>(name), {}});
-            advance(sources_.back());
-        }
+        const auto since = timeOf("--since", options.since, false);
+        const auto through = timeOf("--through", options.through, true);
+        sources_.emplace(context, options.files, since || through);
+        place(since, through);
     }
 
     void run() {
-        while (Source* source = earliest()) {
-            take(*source->next);
-            advance(*source);
-        }
+        while (const auto message = sources_->next(options_.follow)) take(*message);
         finish();
+        if (sources_->size() == 0) return;
+        if (shown_ == 0) sayNothingFits();
         // Until the program is ended.
-        while (options_.follow) {
+        for (int look = 1; options_.follow; ++look) {
             constexpr std::chrono::milliseconds kLook{300};
-            std::this_thread::sleep_for(kLook);
-            for (Source& source : sources_)
-                while (const auto message = source.log->next())
-                    if (isWanted(*message)) write(*message);
+            constexpr int kLooksAtFolders = 4;
             context_.out.flush();
+            std::this_thread::sleep_for(kLook);
+            if (look % kLooksAtFolders == 0) sources_->lookAgain();
+            while (const auto message = sources_->next(true))
+                if (isWanted(*message)) write(*message);
         }
     }
 
   private:
-    struct Source {
-        std::unique_ptr<TraceLog> log;
-        std::optional<TraceMessage> next;
-    };
-
     // "06/15" as an end is the end of that day.
     static std::optional<std::int64_t> timeOf(const std::string& option, const std::string& text,
                                               bool isEnd) {
@@ -197,37 +183,48 @@ class LogShow {
         std::string whole = text;
         if (isEnd && whole.size() < kLast.size()) whole += kLast.substr(whole.size());
         if (const auto time = traceTime(whole)) return time;
-        throw UsageError(option + ": \"" + text + "\" is not a time as logs have it: 06/15 14:02");
+        throw UsageError(option + ": \"" + text +
+                         "\" is not a time as logs have it: 06/15 or 06/15 14:02, month and day");
     }
 
-    void advance(Source& source) {
-        source.next = source.log->next();
-        // Who follows waits for the rest of a line.
-        if (!source.next && !options_.follow) source.next = source.log->rest();
+    // The times of the command line have no year, those of the logs neither: each is looked for in
+    // the order of the logs, the end after the beginning where there is such a one.
+    void place(std::optional<std::int64_t> since, std::optional<std::int64_t> through) {
+        if (!sources_->span()) return;
+        const auto [first, last] = *sources_->span();
+        if (since) since_ = inLogs(*since, first, last);
+        if (!through) return;
+        if (since_) through_ = after(*through, *since_);
+        if (!since_ || *through_ > last) through_ = inLogs(*through, first, last);
     }
 
-    // Of several processes' logs the message that was written first.
-    Source* earliest() {
-        Source* first = nullptr;
-        for (Source& source : sources_)
-            if (source.next && (first == nullptr || source.next->at < first->next->at))
-                first = &source;
-        return first;
+    static std::int64_t after(std::int64_t time, std::int64_t first) {
+        while (time < first) time += kTraceYear;
+        return time;
     }
 
-    [[nodiscard]] bool isWanted(const TraceMessage& message) const {
-        constexpr std::int64_t kYear = 366 * 24 * kHour;
-        const std::int64_t inYear = message.at % kYear;
+    // The first such time within the logs; outside them, the one that is nearer to them.
+    static std::int64_t inLogs(std::int64_t time, std::int64_t first, std::int64_t last) {
+        const std::int64_t next = after(time, first);
+        if (next <= last) return next;
+        return next - last < first - (next - kTraceYear) ? next : next - kTraceYear;
+    }
+
+    [[nodiscard]] bool isWanted(const TraceMessage& message) {
+        if (!thread_.empty()) {
+            constexpr std::size_t kMostNamed = 20;
+            if (!message.thread.empty() && threads_.size() < kMostNamed)
+                threads_.insert(message.thread);
+            if (message.thread.empty() || threadOf(message.thread) != thread_) return false;
+        }
         if (options_.errors && !message.isError) return false;
-        if (!options_.thread.empty() && lowerCase(options_.thread) != lowerCase(message.thread))
-            return false;
-        if ((since_ && inYear < *since_) || (through_ && inYear > *through_)) return false;
-        return options_.search.empty() ||
-               lowerCase(message.text).find(lowerCase(options_.search)) != std::string::npos;
+        if ((since_ && message.at < *since_) || (through_ && message.at > *through_)) return false;
+        return search_.empty() || lowerCase(message.text).find(search_) != std::string::npos;
     }
 
     void take(const TraceMessage& message) {
         if (!isWanted(message)) return;
+        ++shown_;
         if (options_.summary) {
             summary_.add(message);
         } else if (options_.tail) {
@@ -238,6 +235,26 @@ class LogShow {
         }
     }
 
+    void sayNothingFits() {
+        std::string text = "no line of the log fits";
+        const bool onlyErrors = options_.errors && thread_.empty() && search_.empty();
+        if (onlyErrors && !since_ && !through_) text = "there are no errors in the log";
+        if (since_ && through_ && *through_ < *since_) {
+            text += ": --through is before --since";
+        } else if (!threads_.empty() && !isOneOfThem()) {
+            text += "; its threads are";
+            const char* comma = " ";
+            for (const std::string& thread : threads_) text += std::exchange(comma, ", ") + thread;
+        }
+        context_.say(text);
+    }
+
+    [[nodiscard]] bool isOneOfThem() const {
+        return std::any_of(
+            threads_.begin(), threads_.end(),
+            [this](const std::string& thread) { return threadOf(thread) == thread_; });
+    }
+
     void write(const TraceMessage& message) {
         if (options_.json) {
             json_.add(messageJson(message));
@@ -245,36 +262,42 @@ class LogShow {
         }
         std::ostream& out = context_.out;
         const bool highlight = message.isError && outputHighlights();
-        if (sources_.size() > 1) out << printable(nameOf(pathOf(message.file).filename())) << "  ";
-        if (!message.stamp.empty())
-            out << message.stamp << " [" << printable(message.thread) << "] ";
+        if (sources_->size() > 1) out << printable(sources_->shortName(message.file)) << "  ";
+        if (!message.stamp.empty()) out << message.stamp << ' ';
+        if (!message.thread.empty()) out << '[' << printable(message.thread) << "] ";
         out << (highlight ? "\x1b[31m" : "") << printable(describe(message))
             << (highlight ? "\x1b[0m" : "") << '\n';
     }
 
     void finish() {
         for (const TraceMessage& message : last_) write(message);
-        if (options_.json && options_.summary) {
+        if (options_.json && !options_.summary) json_.finish();
+        if (!options_.summary) return;
+        std::map<std::string, std::string> settings;
+        if (sources_->size() != 0) settings = traceOptionsBeside(sources_->firstName());
+        if (options_.json) {
             Json document = summary_.json();
             document["options"] = Json::object();
-            for (const auto& [key, value] : traceOptionsBeside(sources_.front().log->name()))
+            for (const auto& [key, value] : settings)
                 document["options"][jsonText(key)] = jsonText(value);
             writeJson(context_.out, "log summary", document);
-        } else if (options_.json) {
-            json_.finish();
-        } else if (options_.summary) {
+        } else if (shown_ != 0) {
             summary_.write(context_.out);
-            for (const auto& [key, value] : traceOptionsBeside(sources_.front().log->name()))
+            for (const auto& [key, value] : settings)
                 context_.out << "  option " << printable(key) << " = " << printable(value) << "\n";
         }
     }
 
     Context& context_;
     const LogFilesOptions& options_;
+    std::string thread_;
+    std::string search_;
     std::optional<std::int64_t> since_;
     std::optional<std::int64_t> through_;
-    std::vector<Source> sources_;
+    std::optional<LogSources> sources_;
     Summary summary_;
+    std::uint64_t shown_ = 0;
+    std::set<std::string> threads_;  // of the log, some of them
     std::deque<TraceMessage> last_;
     JsonArrayWriter json_;
 };
@@ -284,6 +307,8 @@ class LogShow {
 void showLogFiles(Context& context, const LogFilesOptions& options) {
     if (options.follow && (options.json || options.summary))
         throw UsageError("--follow shows lines; leave --json and --summary out");
+    if (options.follow && std::any_of(options.files.begin(), options.files.end(), isStandardInput))
+        throw UsageError("--follow needs a file or a folder; standard input is read to its end");
     LogShow(context, options).run();
 }
 
