@@ -9,6 +9,7 @@
 #include "base/Files.h"
 #include "commands/Application.h"
 #include "commands/FirstWords.h"
+#include "commands/ParserWords.h"
 #include "commands/Settings.h"
 #include "platform/Console.h"
 
@@ -46,7 +47,7 @@ int parseAndRun(Context& context, const std::vector<std::string>& words) {
         const bool isUnknown = dynamic_cast<const CLI::ExtrasError*>(&problem) != nullptr ||
                                dynamic_cast<const CLI::RequiredError*>(&problem) != nullptr;
         const std::string text = isUnknown ? qel::cli::unknownWords(app, whole) : "";
-        return usage(context, app, text.empty() ? problem.what() : text);
+        return usage(context, app, text.empty() ? qel::cli::parserWords(app, problem) : text);
     } catch (const qel::cli::UsageError& problem) {
         return usage(context, app, problem.what());
     }

@@ -1,8 +1,10 @@
 #include "base/Moment.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <string_view>
 
 #include "QelUtility/ZQDate.h"
 #include "base/Command.h"
@@ -29,7 +31,12 @@ constexpr std::array<Unit, 5> kUnits = {{{7 * kDaySeconds, "week"},
 }  // namespace
 
 Time readMoment(const std::string& text) {
-    if (text == "today") return dateOf(ZQ_GetCurrentDate());
+    constexpr struct {
+        const char* word;
+        int after;
+    } kDays[] = {{"today", 0}, {"tomorrow", 1}, {"yesterday", -1}};
+    for (const auto& [word, after] : kDays)
+        if (text == word) return dateOf(ZQ_GetCurrentDate() + after);
     if (text == "now") {
         const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
         const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch).count();
@@ -39,7 +46,13 @@ Time readMoment(const std::string& text) {
     try {
         time = Time::read(text);
     } catch (const qelcal::Error& problem) {
-        refuse(text, problem.what());
+        // What does not begin with a year is nothing that is read, not a date with an error in it.
+        constexpr std::string_view kDigits = "0123456789";
+        const std::size_t digits = std::min(text.find_first_not_of(kDigits), text.size());
+        if (digits >= 4) refuse(text, problem.what());
+        refuse(text,
+               "is no date; write 2005-06-15, 20050615, with a time 2005-06-15T08:30, or today, "
+               "tomorrow, yesterday");
     }
     if (time.year < 1900 || time.year > 2499) refuse(text, "the year must be from 1900 to 2499");
     return time;

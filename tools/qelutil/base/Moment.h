@@ -17,8 +17,8 @@ inline constexpr int kLastDay = 219145;               // 31 December 2499
 inline constexpr std::int64_t kUnixEpochDay = 25567;  // 1 January 1970
 inline constexpr std::int64_t kEndOfTime = (kLastDay + std::int64_t{1}) * kDaySeconds;
 
-// Reads what qelcal::Time::read does; "today"; "now" (in UTC). Throws InputError, which says what
-// is wrong: no such day, no such hour.
+// Reads what qelcal::Time::read does; "today", "tomorrow", "yesterday"; "now" (in UTC). Throws
+// InputError, which says what is wrong: no such day, no such hour.
 [[nodiscard]] Time readMoment(const std::string& text);
 
 // The same for the value of a command-line option; throws UsageError, naming the option.

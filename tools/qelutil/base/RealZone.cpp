@@ -104,11 +104,15 @@ std::vector<std::int64_t> clocksOf(const qelcal::Zone& zone, int year) {
 
 }  // namespace
 
-std::optional<qelcal::Zone> realZoneOf(const qelcal::Zone& zone, int year) {
+std::optional<qelcal::Zone> placeOf(const qelcal::Zone& zone) {
     const int number = zone.number();
-    if (number < 1 || number > static_cast<int>(kNames.size()) || year < 1971) return std::nullopt;
-    const auto real = qelcal::Zone::find(kNames.at(static_cast<std::size_t>(number - 1)));
-    if (clocksOf(zone, year) == clocksOf(real, year)) return std::nullopt;
+    if (number < 1 || number > static_cast<int>(kNames.size())) return std::nullopt;
+    return qelcal::Zone::find(kNames.at(static_cast<std::size_t>(number - 1)));
+}
+
+std::optional<qelcal::Zone> realZoneOf(const qelcal::Zone& zone, int year) {
+    auto real = placeOf(zone);
+    if (!real || year < 1971 || clocksOf(zone, year) == clocksOf(*real, year)) return std::nullopt;
     return real;
 }
 

@@ -8,6 +8,10 @@
 
 namespace qel::cli {
 
+// The zone of the IANA database at the first place that a zone of the table names; nothing for
+// other zones.
+[[nodiscard]] std::optional<qelcal::Zone> placeOf(const qelcal::Zone& zone);
+
 // The table keeps the rules of one time for all years. The zone of the IANA database that has the
 // clocks of its first place, when these had other offsets in that year; nothing for other zones.
 [[nodiscard]] std::optional<qelcal::Zone> realZoneOf(const qelcal::Zone& zone, int year);

@@ -24,7 +24,9 @@ qelcal_form formOfName(const std::string& name) {
 
 void RuleArguments::addTo(CLI::App& command) {
     command.add_option("TEXT", text, "The rule, as in the calendar file")->required();
-    command.add_option("--start", start, "The date of the series' first entry, or \"today\"")
+    command
+        .add_option("--start", start,
+                    "The date of the series' first entry, as 2005-06-15, today or tomorrow")
         ->required()
         ->type_name("DATE");
     command.add_option("--from", from, "The form of TEXT; detected if not given")

@@ -3,6 +3,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "QelCalendar/Texts.h"
@@ -40,7 +43,10 @@ Support supportOf(std::string_view set) {
     return set.substr(0, 5) == "8859-" ? Support::Nothing : Support::SystemPage;
 }
 
-const char* wordsOf(Support support) {
+const char* wordsOf(std::string_view set, Support support) {
+    if (set == "8859-1")
+        return "converts; means windows-1252 (the euro sign is byte 80), on Windows the system's "
+               "ANSI set";
     switch (support) {
         case Support::Converts:
             return "converts";
@@ -66,12 +72,18 @@ void listSets(Context& context, bool asJson) {
         if (asJson) {
             document.push_back({{"name", name},
                                 {"converts", support == Support::Converts},
-                                {"note", wordsOf(support)}});
+                                {"note", wordsOf(name, support)}});
         } else {
-            context.out << name << std::string(10 - name.size(), ' ') << wordsOf(support) << '\n';
+            context.out << name << std::string(10 - name.size(), ' ') << wordsOf(name, support)
+                        << '\n';
         }
     }
-    if (asJson) writeJson(context.out, "charset", {{"characterSets", document}});
+    if (asJson)
+        writeJson(context.out, "charset", {{"characterSets", document}});
+    else
+        context.out
+            << "\nand, read with --from, the sets that browsers know by name: windows-1251, "
+               "Shift_JIS,\nEUC-KR, UTF-16 and so on\n";
 }
 
 // One direction of the library's converter, on the level that consumes its whole input or nothing.
@@ -246,7 +258,91 @@ class Conversion {
     std::uint64_t reports_ = 0;
 };
 
-// Into UTF-8 from any set that calendars are read in, line by line.
+// A set whose characters are units of several bytes, such as UTF-16.
+struct WideSet {
+    std::string name;     // with the order of its bytes
+    std::string lineEnd;  // one unit
+};
+
+std::optional<WideSet> wideSetOf(const std::string& name) {
+    using namespace std::string_literals;
+    const WideSet kSets[] = {{"UTF-16LE", "\n\0"s},
+                             {"UTF-16BE", "\0\n"s},
+                             {"UTF-32LE", "\n\0\0\0"s},
+                             {"UTF-32BE", "\0\0\0\n"s}};
+    if (!qelcal::isCharset(name)) return std::nullopt;
+    for (const WideSet& set : kSets)
+        if (qelcal::toUtf8(name, set.lineEnd) == "\n") return set;
+    return std::nullopt;
+}
+
+// The set in the other order of its bytes, when the text begins with the mark of that one.
+WideSet orderedAs(const WideSet& set, std::string_view text) {
+    WideSet other = set;
+    std::reverse(other.lineEnd.begin(), other.lineEnd.end());
+    char& order = other.name[other.name.size() - 2];
+    order = order == 'L' ? 'B' : 'L';
+    std::string mark(set.lineEnd.size(), '\0');
+    mark[0] = '\xFE';
+    mark[1] = '\xFF';
+    // In the bytes of the little order FF FE, of the big one FE FF, with zeros at the greater end.
+    if (order == 'L')
+        std::swap(mark[0], mark[1]);
+    else if (mark.size() > 2)
+        mark = std::string("\0\0\xFE\xFF", 4);
+    return text.starts_with(mark) ? other : set;
+}
+
+// How many characters were replaced by a "?".
+std::size_t replaceSubstitutes(std::string& text) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(kSubstitute, at)) != std::string::npos; ++count)
+        text.replace(at, kSubstitute.size(), 1, kReplacement);
+    return count;
+}
+
+// Into UTF-8 from a wide set.
+class WideReading {
+  public:
+    WideReading(Context& context, WideSet set, std::string name)
+        : context_(context), set_(std::move(set)), name_(std::move(name)) {}
+
+    // The length of the whole lines at the beginning of `text`.
+    [[nodiscard]] std::size_t linesIn(std::string_view text) {
+        if (std::exchange(first_, false)) set_ = orderedAs(set_, text);
+        const std::size_t unit = set_.lineEnd.size();
+        std::size_t end = text.size() / unit * unit;
+        while (end != 0 && text.substr(end - unit, unit) != set_.lineEnd) end -= unit;
+        return end;
+    }
+
+    void convert(std::string_view text, std::size_t, std::ostream& out) {
+        // A text in one piece was not asked for its lines.
+        if (std::exchange(first_, false)) set_ = orderedAs(set_, text);
+        std::string result = qelcal::toUtf8(set_.name, std::string(text));
+        if (!begun_ && result.starts_with(kByteOrderMark)) result.erase(0, kByteOrderMark.size());
+        begun_ = true;
+        faults_ += replaceSubstitutes(result);
+        out << result;
+    }
+
+    void finish() {
+        if (faults_ != 0)
+            context_.error(name_, 0,
+                           "holds what is not " + set_.name + "; a \"?\" is written for each of " +
+                               std::to_string(faults_) + " such places");
+    }
+
+  private:
+    Context& context_;
+    WideSet set_;
+    std::string name_;
+    bool first_ = true;
+    bool begun_ = false;
+    std::size_t faults_ = 0;
+};
+
+// Into UTF-8 from any other set that calendars are read in, line by line.
 class Reading {
   public:
     Reading(Context& context, std::string set, std::string name)
@@ -256,12 +352,7 @@ class Reading {
         for (std::size_t line = firstLine; !text.empty(); ++line) {
             const std::size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
             std::string result = qelcal::toUtf8(set_, std::string(text.substr(0, length)));
-            bool replaced = false;
-            for (std::size_t at; (at = result.find(kSubstitute)) != std::string::npos;) {
-                result.replace(at, kSubstitute.size(), 1, kReplacement);
-                replaced = true;
-            }
-            if (replaced && ++badLines_ <= kMostReports)
+            if (replaceSubstitutes(result) != 0 && ++badLines_ <= kMostReports)
                 context_.error(
                     name_, line,
                     "holds bytes that are not " + set_ + "; a \"?\" is written for each");
@@ -301,32 +392,40 @@ std::string setOfUsualName(const std::string& name) {
     return set == kSets.end() ? std::string() : set->second;
 }
 
-// True for a set that calendars are read in, other than UTF-8. Sets whose line ends are not the
-// byte LF (UTF-16) are not read here.
+// True for a set that calendars are read in, other than UTF-8 and the wide ones.
 bool isRead(const std::string& name) {
     return qelcal::isCharset(name) && qelcal::toUtf8(name, "\n") == "\n" &&
            qelcal::toUtf8(name, "\xC3\xA9") != "\xC3\xA9";
 }
 
-// The name as QelUtility writes it. Throws UsageError for a name that it does not know.
-std::string knownSet(const std::string& name) {
+// The name as QelUtility writes it, of a set for `option`. Throws UsageError for a name that it
+// does not know.
+std::string knownSet(const std::string& option, const std::string& name) {
     if (std::string set = setOfUsualName(name); !set.empty()) return set;
-    std::string known;
-    for (const std::string& each : setNames()) {
+    for (const std::string& each : setNames())
         if (CLI::detail::to_lower(each) == CLI::detail::to_lower(name)) return each;
-        known += (known.empty() ? "" : ", ") + each;
-    }
-    throw UsageError("there is no character set \"" + name + "\"; there are " + known);
+    if (!isRead(name) && !wideSetOf(name))
+        throw UsageError("there is no character set \"" + name +
+                         "\"; `qelutil charset --list` lists some, and --from reads those that "
+                         "browsers know by their names, as windows-1251");
+    throw UsageError(name + (option == "--to"
+                                 ? " can be read but not written; --to takes UTF-8, 8859-1 "
+                                   "(windows-1252), 936 (GB2312) and 950 (Big5)"
+                                 : " can be read into UTF-8 only; leave --to out"));
 }
 
 template <class Conversion>
 void convertAll(Context& context, const Options& options, InputFile& input, Conversion conversion) {
+    const auto afterLastLine = [&](std::string_view text) {
+        if constexpr (std::is_same_v<Conversion, WideReading>)
+            return conversion.linesIn(text);
+        else
+            return text.rfind('\n') + 1;  // no other set has this byte inside a character
+    };
     OutputFile output(context, options.source.output);
     Progress progress(context, input.name(), input.size());
-    // No set here has the byte of a line end inside a character.
     Pieces pieces(input, kPiece, kLongestLine);
     std::string piece;
-    const auto afterLastLine = [](std::string_view text) { return text.rfind('\n') + 1; };
     while (pieces.next(piece, afterLastLine)) {
         conversion.convert(piece, pieces.line(), output.stream());
         progress.update(pieces.bytesTaken());
@@ -340,13 +439,19 @@ void run(Context& context, Options options) {
         listSets(context, options.json);
         return;
     }
-    options.to = knownSet(options.to);
+    options.to = knownSet("--to", options.to);
+    const std::optional<WideSet> wide = wideSetOf(options.from);
+    if (options.to == "UTF-8" && wide) {
+        InputFile input = options.source.open(context);
+        convertAll(context, options, input, WideReading(context, *wide, input.name()));
+        return;
+    }
     if (options.to == "UTF-8" && isRead(options.from)) {
         InputFile input = options.source.open(context);
         convertAll(context, options, input, Reading(context, options.from, input.name()));
         return;
     }
-    options.from = knownSet(options.from);
+    options.from = knownSet("--from", options.from);
     if (options.from == options.to)
         throw UsageError("both sets are " + options.from + "; name another with --from or --to");
     for (const std::string& set : {options.from, options.to}) {
@@ -376,9 +481,9 @@ void addCharsetCommand(CLI::App& app, Context& context) {
         "A character that is invalid in the one set or missing from the other becomes \"?\" and "
         "is\n"
         "reported on standard error with its line; the exit status is then 1. The sets of --list\n"
-        "may also be given by their usual names (windows-1252, GB2312, Big5); --from also reads,\n"
-        "into UTF-8, every set that calendars are read in, by the names that browsers know\n"
-        "(Shift_JIS, KOI8-R).\n"
+        "may also be given by their usual names (windows-1252, GB2312, Big5); 8859-1 means\n"
+        "windows-1252 and has the euro sign. --from also reads, into UTF-8, every set that\n"
+        "calendars are read in, by the names that browsers know (Shift_JIS, KOI8-R, UTF-16).\n"
         "Examples:\n"
         "  qelutil charset --list\n"
         "  qelutil charset --from GB2312 notes.txt -o notes-utf8.txt\n"

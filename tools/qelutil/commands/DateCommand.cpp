@@ -194,7 +194,8 @@ void addDateCommand(CLI::App& app, Context& context) {
     CLI::App* command = app.add_subcommand("date", "Day numbers, date-time texts and durations");
     command->add_option("VALUE", options->values,
                         "a date 20050615 or 2005-06-15, a date-time 20050615T083000Z,\n"
-                        "today, now, a day number 38516, Unix time @1118824200,\n"
+                        "today, tomorrow, yesterday, now, a day number 38516,\n"
+                        "Unix time @1118824200,\n"
                         "a duration P1DT2H or a length 93600s");
     command->add_option("--from", options->form, "treat every VALUE as this")
         ->check(CLI::IsMember({"date", "day", "seconds", "unix", "duration", "length"}));

@@ -112,22 +112,26 @@ void noteStrayExclusions(Context& context, const std::vector<int>& dates, const 
     }
 }
 
+void writeDocument(Context& context, const Options& options, const Range& range,
+                   const std::vector<MarkedDay>& dates) {
+    Json document{{"text", jsonText(options.rule.text)},
+                  {"since", isoDate(range.first)},
+                  {"through", isoDate(range.last)},
+                  {"dates", Json::array()},
+                  {"excluded", Json::array()}};
+    for (const MarkedDay& date : dates)
+        document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
+    writeJson(context.out, "expand", document);
+}
+
 void writeResult(Context& context, const Options& options, const Range& range,
                  const std::vector<MarkedDay>& dates) {
-    if (options.json) {
-        Json document{{"text", jsonText(options.rule.text)},
-                      {"since", isoDate(range.first)},
-                      {"through", isoDate(range.last)},
-                      {"dates", Json::array()},
-                      {"excluded", Json::array()}};
-        for (const MarkedDay& date : dates)
-            document[date.excluded ? "excluded" : "dates"].push_back(isoDate(date.day));
-        writeJson(context.out, "expand", document);
-    } else if (options.calendar) {
+    if (options.json)
+        writeDocument(context, options, range, dates);
+    else if (options.calendar)
         writeDateGrids(context.out, dates);
-    } else {
+    else
         writeDateList(context.out, dates);
-    }
     if (dates.empty()) {
         context.note(
             {}, 0,
@@ -135,8 +139,7 @@ void writeResult(Context& context, const Options& options, const Range& range,
     }
 }
 
-void run(Context& context, const Options& options) {
-    const ReadRules read = readRuleArguments(options.rule);
+void expand(Context& context, const Options& options, const ReadRules& read) {
     writeNotes(context, read);
     const Range range = rangeOf(options, codeDateOf(read.start));
     const std::set<int> excluded = excludedDays(options.excluded);
@@ -149,6 +152,17 @@ void run(Context& context, const Options& options) {
     dates.erase(std::unique(dates.begin(), dates.end()), dates.end());
     noteStrayExclusions(context, dates, range, excluded);
     writeResult(context, options, range, select(dates, range, excluded, options.count));
+}
+
+void run(Context& context, const Options& options) {
+    try {
+        expand(context, options, readRuleArguments(options.rule));
+    } catch (const InputError& problem) {
+        if (!options.json) throw;
+        context.error(problem.what());
+        const Time start = readMomentOf("--start", options.rule.start);
+        writeDocument(context, options, rangeOf(options, codeDateOf(start)), {});
+    }
 }
 
 }  // namespace

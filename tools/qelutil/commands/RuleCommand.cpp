@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <ostream>
 
 #include "base/Json.h"
@@ -130,26 +131,26 @@ bool isRule(const std::string& text) {
 }
 
 void writeRepeats(std::ostream& out, const Explained& explained) {
+    out << "\nAs a repeat record, the library's packed form, it would be\n";
     for (const Repeat& repeat : explained.repeats) {
         if (repeat.code != 0) {
-            line(out, "repeat record", "none: " + repeat.problem);
+            line(out, "record", "none: " + repeat.problem);
             continue;
         }
-        line(out, "repeat record",
+        line(out, "record",
              "type " + std::to_string(repeat.record.type) + ", " +
                  repeatTypeName(repeat.record.type));
         line(out, "", repeatFields(repeat.record));
         const std::string back = ruleBack(repeat.record);
         line(out, "as a rule", isRule(back) ? back : "none: " + back + " is not valid");
     }
-    if (explained.repeats.empty()) line(out, "repeat record", "none");
-    for (const std::string& warning : explained.warnings) line(out, "warning", warning);
+    if (explained.repeats.empty()) line(out, "record", "none");
+    for (const std::string& warning : explained.warnings) line(out, "difference", warning);
 }
 
 void writeText(std::ostream& out, const Explained& explained, const Options& options) {
     out << explained.sentence << "\n\n";
     writeForms(out, explained);
-    writeRepeats(out, explained);
     out << "\n";
     const std::vector<MarkedDay> dates = listed(explained.dates);
     if (options.calendar)
@@ -157,6 +158,7 @@ void writeText(std::ostream& out, const Explained& explained, const Options& opt
     else
         writeDateList(out, dates);
     if (explained.more) out << (options.calendar ? "\n" : "") << "  and so on\n";
+    writeRepeats(out, explained);
 }
 
 Json repeatJson(const Repeat& repeat) {
@@ -208,19 +210,23 @@ void writeOneForm(Context& context, const std::vector<Explained>& all, qelcal_fo
     }
 }
 
-void run(Context& context, const Options& options) {
-    const ReadRules read = readRuleArguments(options.rule);
-    writeNotes(context, read);
+Json documentOf(const Options& options, const Time& start) {
+    return {{"text", jsonText(options.rule.text)},
+            {"form", nullptr},
+            {"start", isoDate(start)},
+            {"complete", false},
+            {"notes", Json::array()},
+            {"rules", Json::array()}};
+}
+
+void writeRules(Context& context, const Options& options, const ReadRules& read) {
     std::vector<Explained> all;
     for (std::size_t rule = 0; rule < read.rules.count(); ++rule)
         all.push_back(explain(read, rule, options.count));
     if (options.json) {
-        Json document{{"text", jsonText(options.rule.text)},
-                      {"form", nameOfForm(read.rules.form())},
-                      {"start", isoDate(read.start)},
-                      {"complete", read.rules.complete()},
-                      {"notes", Json::array()},
-                      {"rules", Json::array()}};
+        Json document = documentOf(options, read.start);
+        document["form"] = nameOfForm(read.rules.form());
+        document["complete"] = read.rules.complete();
         for (const qelcal::Note& note : read.rules.notes())
             document["notes"].push_back(jsonText(note.text));
         for (const Explained& explained : all) document["rules"].push_back(ruleJson(explained));
@@ -233,6 +239,22 @@ void run(Context& context, const Options& options) {
             writeText(context.out, all[i], options);
         }
     }
+}
+
+void run(Context& context, const Options& options) {
+    std::optional<ReadRules> read;
+    try {
+        read = readRuleArguments(options.rule);
+    } catch (const InputError& problem) {
+        if (!options.json) throw;
+        context.error(problem.what());
+        Json document = documentOf(options, readMomentOf("--start", options.rule.start));
+        document["notes"].push_back(jsonText(problem.what()));
+        writeJson(context.out, "rule", document);
+        return;
+    }
+    writeNotes(context, *read);
+    writeRules(context, options, *read);
 }
 
 }  // namespace

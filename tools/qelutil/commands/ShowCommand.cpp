@@ -194,8 +194,10 @@ void addShowCommand(CLI::App& app, Context& context) {
                      "input, the default")
         ->option_text("[FILE|FOLDER...|-]");
     command
-        ->add_option("--since", options->since,
-                     "the first day; without a range every entry is shown once, with its rule")
+        ->add_option(
+            "--since", options->since,
+            "the first day, as 2005-06-15, today or yesterday; without a range every entry\n"
+            "is shown once, with its rule")
         ->option_text("DATE");
     command
         ->add_option("--through", options->through,

@@ -65,9 +65,27 @@ void noteYear(Context& context, const Zone& zone, int year) {
         }
         return;
     }
-    context.note({}, 0,
-                 zone.name() + ": the table's years are 1990 to 2010; in " + std::to_string(year) +
-                     " the offset of the nearest change is used");
+    const auto place = placeOf(zone);
+    context.warning({}, 0,
+                    "the changes of " + std::to_string(year) + " are not known by the name \"" +
+                        zone.name() +
+                        "\": it is of a table that knows those of 1990 to 2010 "
+                        "only" +
+                        (place ? "; use " + place->name() + " for the real ones" : ""));
+}
+
+// Outside its years the table has one offset all year: it is said where that makes a time wrong.
+void noteOffset(Context& context, const Zone& zone, std::int64_t utc) {
+    const int year = momentAt(std::clamp<std::int64_t>(utc, 0, kEndOfTime - 1), true).year;
+    if (zone.knows(year)) return noteYear(context, zone, year);
+    const auto place = placeOf(zone);
+    const std::int64_t wrong = place ? zone.offset(utc) - place->offset(utc) : 0;
+    if (wrong == 0) return;
+    context.warning({}, 0,
+                    "this time is " + durationWords(wrong < 0 ? -wrong : wrong) +
+                        " wrong: the zone \"" + zone.name() +
+                        "\" is of a table that knows the changes of 1990 to 2010 only; use " +
+                        place->name() + " for the real clocks of " + std::to_string(year));
 }
 
 // The offsets of a year: that of the winter, and that of the summer where it has one.
@@ -213,14 +231,14 @@ Conversion convertOne(Context& context, const std::string& text, std::optional<Z
         }
     } else {
         const Zone zone = from ? *from : zoneNamed("local");
-        noteYear(context, zone, result.input.year);
         const qelcal::UtcTime time = zone.toUtc(result.input.seconds());
+        noteOffset(context, zone, time.utc);
         noteKind(context, text, time.occurs, zone);
         result.inputOffset = result.input.seconds() - time.utc;
         utc = later(utc, time.utc - result.input.seconds());
     }
     const Zone target = to ? *to : zoneNamed(isUtc(result.input) ? "local" : "UTC");
-    noteYear(context, target, utc.year);
+    noteOffset(context, target, utc.seconds());
     result.outputOffset = target.offset(utc.seconds());
     result.output = later(utc, result.outputOffset);
     result.output.clock = target.name() == "UTC" ? QELCAL_UTC : QELCAL_FLOATING;
@@ -291,8 +309,8 @@ void changes(Context& context, const Options& options) {
 }
 
 constexpr char kZoneHelp[] =
-    "a zone's number or name, a part of the name, UTC,\na name such as Europe/Berlin,\nor local: "
-    "the computer's own";
+    "a name such as Europe/Berlin, which has the clocks of all\nyears; a number, name or part of a "
+    "name of the library's\ntable, for 1990 to 2010; UTC; local, the computer's own";
 
 void addList(CLI::App* command, const std::shared_ptr<Options>& options, Context& context) {
     CLI::App* listing = command->add_subcommand(
@@ -333,8 +351,8 @@ void addConvert(CLI::App* command, const std::shared_ptr<Options>& options, Cont
         "becomes the computer's time.\n"
         "Examples:\n"
         "  qelutil zone convert 20050615T083000\n"
-        "  qelutil zone convert 20050615T123000Z --to 11\n"
-        "  qelutil zone convert 2005-06-15T08:30 --from kathmandu --to tokyo --json");
+        "  qelutil zone convert 20260715T123000Z --to America/New_York\n"
+        "  qelutil zone convert 2005-06-15T08:30 --from Asia/Kathmandu --to Asia/Tokyo --json");
     conversion->callback([options, &context] { convert(context, *options); });
 }
 
@@ -344,7 +362,7 @@ void addChanges(CLI::App* command, const std::shared_ptr<Options>& options, Cont
     year->add_option("--year", options->year, "the year; this year by default")->type_name("YEAR");
     year->add_flag("--json", options->json, "print the facts as JSON");
     year->footer(
-        "Examples:\n  qelutil zone changes \"eastern time\" --year 2005\n  qelutil zone changes "
+        "Examples:\n  qelutil zone changes America/New_York --year 2030\n  qelutil zone changes "
         "local");
     year->callback([options, &context] { changes(context, *options); });
 }
@@ -357,13 +375,13 @@ void addZoneCommand(CLI::App& app, Context& context) {
         app.add_subcommand("zone", "Time zones: their list, rules, conversions, changes of a year");
     command->require_subcommand(1);
     command->footer(
-        "The zones are those of the library's table, with its rules for 1990 to 2010, and by "
-        "their\n"
-        "whole names those of the IANA time zone database, with the rules of all years.\n"
+        "Names such as Europe/Berlin are those of the IANA time zone database, with the rules of "
+        "all\n"
+        "years. Others are those of the library's table, with its rules for 1990 to 2010.\n"
         "Examples:\n"
         "  qelutil zone list berlin\n"
         "  qelutil zone show Europe/Berlin\n"
-        "  qelutil zone convert 20050615T083000 --from eastern --to berlin\n"
+        "  qelutil zone convert 20260715T083000 --from Europe/Berlin --to America/New_York\n"
         "  qelutil zone changes America/New_York --year 2030");
     addList(command, options, context);
     addShow(command, options, context);
