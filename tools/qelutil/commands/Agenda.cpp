@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <sstream>
 
 #include "base/RuleDates.h"
 #include "base/Terminal.h"
@@ -43,6 +44,12 @@ std::optional<Time> placeOf(const qelcal::Entry& entry) {
 // The first line of a text, as it is shown.
 std::string firstLine(const std::string& text) {
     return printable(std::string_view(text).substr(0, text.find('\n')), kLongestText);
+}
+
+// In the column of titles, as narrow as the terminal; programs read whole lines.
+std::string inColumn(const std::string& text) {
+    if (!outputIsRead()) return text;
+    return wrapped(text, static_cast<std::size_t>(outputWidth()), kWhenColumns + 2);
 }
 
 // Nothing outside the years that calendars have.
@@ -136,7 +143,7 @@ std::string Agenda::whenText(const qelcal::Entry& entry, const std::optional<Tim
 std::string Agenda::moreText(const qelcal::Entry& entry) const {
     std::string more;
     const auto add = [&more](const std::string& text) {
-        if (!text.empty()) more += std::string(kWhenColumns + 2, ' ') + text + "\n";
+        if (!text.empty()) more += text + "\n";
     };
     add(firstLine(entry.text("LOCATION")));
     if (range_.everyDate) return more;
@@ -226,7 +233,10 @@ void Agenda::writeDays(std::ostream& out) const {
         }
         const std::size_t gap =
             line.when.size() < kWhenColumns ? kWhenColumns - line.when.size() : 1;
-        out << "  " << line.when << std::string(gap, ' ') << line.what << "\n" << line.more;
+        out << "  " << line.when << std::string(gap, ' ') << inColumn(line.what) << "\n";
+        std::istringstream more(line.more);
+        for (std::string each; std::getline(more, each);)
+            out << std::string(kWhenColumns + 2, ' ') << inColumn(each) << "\n";
     }
 }
 

@@ -1,8 +1,11 @@
 #include "commands/Application.h"
 
+#include <memory>
+
 #include "QelCalendar/Zones.h"
 #include "base/Terminal.h"
 #include "commands/Commands.h"
+#include "commands/HelpLayout.h"
 
 namespace qel::cli {
 
@@ -46,7 +49,7 @@ void addCommands(CLI::App& app, Context& context) {
                    "qelutil.toml in ~/.config, on Windows in %APPDATA%")
         ->option_text("FILE");
     app.allow_config_extras(CLI::config_extras_mode::error);
-    app.get_formatter()->column_width(30);
+    app.formatter(std::make_shared<HelpLayout>());
     app.footer(
         "Exit status: 0 for success, 1 when some input was invalid, 2 for an invalid "
         "command line.\n\n"
