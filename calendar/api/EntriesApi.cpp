@@ -37,6 +37,21 @@ const qel::calendar::Parameter* parameterAt(const qelcal_entry* entry, size_t pr
                : nullptr;
 }
 
+bool isZoned(const Moment& moment) {
+    return !moment.isDate && moment.clock == qel::calendar::Clock::Zoned;
+}
+
+// A file's zone is that of all its entries, also of those whose times are in UTC or days.
+bool hasZonedTime(const Entry& entry) {
+    for (const auto& each :
+         {entry.start, entry.end, entry.due, entry.completed, entry.recurrenceId})
+        if (each && isZoned(*each)) return true;
+    return std::any_of(entry.dates.begin(), entry.dates.end(), isZoned) ||
+           std::any_of(entry.excluded.begin(), entry.excluded.end(), isZoned) ||
+           std::any_of(entry.alarms.begin(), entry.alarms.end(),
+                       [](const Alarm& alarm) { return alarm.at && isZoned(*alarm.at); });
+}
+
 const std::optional<Moment>* timeSlot(const Entry& entry, int which) {
     switch (which) {
         case QELCAL_START:
@@ -178,8 +193,9 @@ int qelcal_entry_all_day(const qelcal_entry* entry) {
 }
 
 const char* qelcal_entry_zone(const qelcal_entry* entry) {
-    return entry == nullptr || entry->entry.zone == nullptr ? nullptr
-                                                            : entry->entry.zone->id().c_str();
+    if (entry == nullptr || entry->entry.zone == nullptr || !hasZonedTime(entry->entry))
+        return nullptr;
+    return entry->entry.zone->id().c_str();
 }
 
 int qelcal_entry_to_utc(const qelcal_entry* entry, const qelcal_time* time, qelcal_time* utc) {
