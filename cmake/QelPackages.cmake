@@ -10,10 +10,31 @@ set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 
+# Pages link to what is beside them in the sources. Installed, some of it has another place or name, and
+# what is of use only with the sources is no link; tests/package/links finds a link that leads nowhere.
 function(qel_documents folder)
+    set(written ${PROJECT_BINARY_DIR}/packaging/documents)
+    file(GLOB pages RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/README.md
+         ${PROJECT_SOURCE_DIR}/docs/*.md)
+    foreach(page IN LISTS pages)
+        file(READ ${PROJECT_SOURCE_DIR}/${page} text)
+        string(REGEX REPLACE "\\[([^]\n]*)\\]\\((CONTRIBUTING\\.md|docs/man|\\.\\./cmake/[^)\n]*)\\)" "\\1"
+                             text "${text}")
+        if(NOT WIN32)
+            file(RELATIVE_PATH include /${folder}/docs /${CMAKE_INSTALL_INCLUDEDIR})
+            string(REPLACE "](../include/" "](${include}/" text "${text}")
+            string(REPLACE "LICENSE)" "copyright)" text "${text}")
+            string(REPLACE "](CHANGELOG.md)" "](changelog.gz)" text "${text}")
+        endif()
+        file(WRITE ${written}/${page} "${text}")
+        set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+                                                                     ${PROJECT_SOURCE_DIR}/${page})
+    endforeach()
+    install(DIRECTORY ${written}/ DESTINATION ${folder} COMPONENT development)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
             DESTINATION ${folder}
             COMPONENT development
+            REGEX "/docs/[^/]*\\.md$" EXCLUDE
             PATTERN man EXCLUDE
             PATTERN Doxyfile EXCLUDE
             PATTERN CMakeLists.txt EXCLUDE
@@ -34,8 +55,7 @@ if(WIN32)
         endif()
         install(FILES ${file} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library)
     endforeach()
-    install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md
-            DESTINATION . COMPONENT library)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION . COMPONENT library)
     qel_documents(.)
     include(CPack)
     return()
@@ -136,7 +156,6 @@ foreach(component IN LISTS qel_components)
 endforeach()
 
 set(folder ${CMAKE_INSTALL_DATADIR}/doc/libqelutility-dev)
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION ${folder} COMPONENT development)
 qel_documents(${folder})
 install(FILES ${PROJECT_SOURCE_DIR}/examples/phone.vcs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qelutil/examples
         COMPONENT program)
