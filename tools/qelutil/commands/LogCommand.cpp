@@ -218,6 +218,12 @@ void run(Context& context, const Options& options) {
 
 }  // namespace
 
+std::vector<std::string> traceOptionKeys() {
+    std::vector<std::string> keys;
+    for (const TraceOption& option : kOptions) keys.emplace_back(option.key);
+    return keys;
+}
+
 void addLogCommand(CLI::App& app, Context& context) {
     auto options = std::make_shared<Options>();
     LogFilesOptions& log = options->log;

@@ -24,6 +24,9 @@ struct LogFilesOptions {
     bool json = false;
 };
 
+// The names of the options that --set takes.
+[[nodiscard]] std::vector<std::string> traceOptionKeys();
+
 // Throws UsageError and InputError.
 void showLogFiles(Context& context, const LogFilesOptions& options);
 

@@ -1,6 +1,10 @@
 # bash completion for qelutil
 # Written by qelutil_pages from the program's commands; `./dev pages` renews it.
 
+_qelutil_zones() {
+    "${COMP_WORDS[0]}" zone list --iana 2>/dev/null | sed 's/.* //'
+}
+
 _qelutil() {
     local current=${COMP_WORDS[COMP_CWORD]} previous='' command='' options='' words='' files=''
     local -i at
@@ -22,6 +26,10 @@ _qelutil() {
             ;;
         esac
     done
+    case ${command%% *} in
+    '' | convert | show | rule | expand | date | zone | encode | decode | charset | field | status | stream | log | schema) ;;
+    *) command=convert ;;
+    esac
     case $command in
     '')
         options='-h --help --version --color --config'
@@ -38,10 +46,10 @@ _qelutil() {
         -o | --output) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         -d | --output-dir) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$current"); return ;;
         --split) COMPREPLY=(); return ;;
-        --zone) COMPREPLY=(); return ;;
+        --zone) COMPREPLY=($(compgen -W "$(_qelutil_zones)" -- "$current")); return ;;
         --charset) COMPREPLY=(); return ;;
         --count-means) COMPREPLY=($(compgen -W 'dates periods' -- "$current")); return ;;
-        --only) COMPREPLY=(); return ;;
+        --only) COMPREPLY=($(compgen -W 'events todos notes' -- "$current")); return ;;
         --report) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
         --threads) COMPREPLY=(); return ;;
         esac
@@ -54,8 +62,8 @@ _qelutil() {
         --through) COMPREPLY=(); return ;;
         --next) COMPREPLY=(); return ;;
         --search) COMPREPLY=(); return ;;
-        --only) COMPREPLY=(); return ;;
-        --zone) COMPREPLY=(); return ;;
+        --only) COMPREPLY=($(compgen -W 'events todos notes' -- "$current")); return ;;
+        --zone) COMPREPLY=($(compgen -W "$(_qelutil_zones)" -- "$current")); return ;;
         --charset) COMPREPLY=(); return ;;
         esac
         files=1
@@ -99,12 +107,13 @@ _qelutil() {
         ;;
     'zone show')
         options='-h --help --json'
+        words=$(_qelutil_zones)
         ;;
     'zone convert')
         options='-h --help --from --to --json'
         case $previous in
-        --from) COMPREPLY=(); return ;;
-        --to) COMPREPLY=(); return ;;
+        --from) COMPREPLY=($(compgen -W "$(_qelutil_zones)" -- "$current")); return ;;
+        --to) COMPREPLY=($(compgen -W "$(_qelutil_zones)" -- "$current")); return ;;
         esac
         ;;
     'zone changes')
@@ -112,6 +121,7 @@ _qelutil() {
         case $previous in
         --year) COMPREPLY=(); return ;;
         esac
+        words=$(_qelutil_zones)
         ;;
     'encode')
         options='-h --help -t --text -o --output --wrap --value --column'
@@ -167,7 +177,7 @@ _qelutil() {
         --since) COMPREPLY=(); return ;;
         --through) COMPREPLY=(); return ;;
         --search) COMPREPLY=(); return ;;
-        --set) COMPREPLY=(); return ;;
+        --set) COMPREPLY=($(compgen -W 'MaxFileSize= MaxBackupCount= KeepLogFiles= VTraceVerbosity= TracingOptions= LogManagerLevel= LogManagerDetail= RetroactiveTracingBufferSize= SeparateLogForEachProcess= KeepLogFileOpen=' -- "$current")); compopt -o nospace; return ;;
         --tail) COMPREPLY=(); return ;;
         esac
         files=1
@@ -175,7 +185,6 @@ _qelutil() {
     'schema')
         options='-h --help'
         ;;
-    *) files=1 ;;
     esac
     [ "$command" ] || files=1
     case $current in

@@ -7,7 +7,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
     param($current, $line, $cursor)
 
     # Of each command: its options, the values that an option takes, and the words that follow it. What
-    # follows a bar explains the word before it.
+    # follows a bar explains the word before it; the program is asked for its zones.
     $commands = @{
         '' = @{
             Options = @(
@@ -66,7 +66,9 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             )
             Values = @{
                 '--to' = @('ics', 'vcs')
+                '--zone' = @('*zones*')
                 '--count-means' = @('dates', 'periods')
+                '--only' = @('events', 'todos', 'notes')
             }
             Words = @(
             )
@@ -75,7 +77,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Options = @(
                 '-h|Print this help message and exit'
                 '--help|Print this help message and exit'
-                '--since|the first day'
+                '--since|the first day, as 2005-06-15, today or yesterday'
                 '--through|the last day, a year after the first when it is missing'
                 '--next|the next so many from today on, or from --since'
                 '--search|only what has this in its title, text, place or categories'
@@ -86,6 +88,8 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
                 '--json|print each entry with its facts as JSON'
             )
             Values = @{
+                '--only' = @('events', 'todos', 'notes')
+                '--zone' = @('*zones*')
             }
             Words = @(
             )
@@ -94,7 +98,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Options = @(
                 '-h|Print this help message and exit'
                 '--help|Print this help message and exit'
-                '--start|The date of the series'' first entry, or "today"'
+                '--start|The date of the series'' first entry, as 2005-06-15, today or tomorrow'
                 '--from|The form of TEXT'
                 '--count-means|What #10 means in a vCalendar 1.0 rule with several days in a week, month or year'
                 '--to|Print the rule in this form and nothing else'
@@ -114,7 +118,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Options = @(
                 '-h|Print this help message and exit'
                 '--help|Print this help message and exit'
-                '--start|The date of the series'' first entry, or "today"'
+                '--start|The date of the series'' first entry, as 2005-06-15, today or tomorrow'
                 '--from|The form of TEXT'
                 '--count-means|What #10 means in a vCalendar 1.0 rule with several days in a week, month or year'
                 '--since|The first day shown'
@@ -183,17 +187,20 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Values = @{
             }
             Words = @(
+                '*zones*'
             )
         }
         'zone convert' = @{
             Options = @(
                 '-h|Print this help message and exit'
                 '--help|Print this help message and exit'
-                '--from|a zone''s number or name, a part of the name, UTC, a name such as Europe/Berlin, or local'
+                '--from|a name such as Europe/Berlin, which has the clocks of all years'
                 '--to|the zone to convert to, in the same way'
                 '--json|print the facts as JSON'
             )
             Values = @{
+                '--from' = @('*zones*')
+                '--to' = @('*zones*')
             }
             Words = @(
             )
@@ -208,6 +215,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Values = @{
             }
             Words = @(
+                '*zones*'
             )
         }
         'encode' = @{
@@ -310,19 +318,20 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
             Options = @(
                 '-h|Print this help message and exit'
                 '--help|Print this help message and exit'
-                '--errors|of FILE only the errors'
+                '--errors|only the errors'
                 '--thread|only what this thread wrote'
                 '--since|from this time on'
                 '--through|up to and with this time'
                 '--search|only lines with this text'
                 '--summary|the first and the last line, errors by code, gaps, starts, and the options'
-                '-f|go on with what is written to FILE later'
-                '--follow|go on with what is written to FILE later'
+                '-f|go on with what is written later'
+                '--follow|go on with what is written later'
                 '--set|set an option'
                 '--tail|only the last lines'
                 '--json|print the facts as JSON'
             )
             Values = @{
+                '--set' = @('MaxFileSize=', 'MaxBackupCount=', 'KeepLogFiles=', 'VTraceVerbosity=', 'TracingOptions=', 'LogManagerLevel=', 'LogManagerDetail=', 'RetroactiveTracingBufferSize=', 'SeparateLogForEachProcess=', 'KeepLogFileOpen=')
             }
             Words = @(
             )
@@ -349,6 +358,8 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
         }
     }
 
+    if (-not $command -and $previous -and -not $previous.StartsWith('-')) { $command = 'convert' }
+
     $known = $commands[$command]
     $option = ''
     if ($current -match '^(--[a-z-]+)=(.*)$') {
@@ -362,6 +373,10 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
     elseif ($current.StartsWith('-')) { $offered = $known.Options }
     else { $offered = $known.Words }
 
+    if ('*zones*' -in $offered) {
+        $offered = & $line.CommandElements[0].Extent.Text zone list --iana 2>$null |
+            ForEach-Object { ($_ -split ' ')[-1] }
+    }
     foreach ($each in $offered) {
         $word, $explanation = $each -split '\|', 2
         if (-not $word.StartsWith($current, 'Ordinal')) { continue }

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "commands/LogFiles.h"
+
 namespace qel::cli {
 
 namespace {
@@ -38,9 +40,20 @@ void readType(const std::string& type, PageOption& option) {
                               type.substr(dash + 3, end - dash - 3) + ")";
 }
 
+// What can be offered where any text is allowed.
+std::vector<std::string> likelyOf(const PageOption& option) {
+    if (!option.choices.empty()) return option.choices;
+    if (option.argumentName == "events,todos,notes") return split(option.argumentName, ",");
+    if (option.argumentName != "KEY=VALUE") return {};
+    std::vector<std::string> keys = traceOptionKeys();
+    for (std::string& key : keys) key += '=';
+    return keys;
+}
+
 PageOption::Argument argumentOf(const PageOption& option) {
     using Argument = PageOption::Argument;
-    if (!option.choices.empty()) return Argument::Choice;
+    if (!option.likely.empty()) return Argument::Choice;
+    if (option.argumentName == "ZONE" || option.argumentName == "AREA/CITY") return Argument::Zone;
     if (option.argumentName.find("FILE") != std::string::npos) return Argument::File;
     if (option.argumentName == "DIR") return Argument::Folder;
     return Argument::Other;
@@ -67,6 +80,7 @@ PageOption optionOf(const CLI::Option& from) {
     if (option.argumentName.empty())
         option.argumentName = option.positional ? option.names[0] : type.substr(0, type.find(':'));
     if (option.argumentName.empty()) option.argumentName = "VALUE";
+    option.likely = likelyOf(option);
     option.argument = argumentOf(option);
     return option;
 }

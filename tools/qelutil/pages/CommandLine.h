@@ -14,12 +14,13 @@ namespace qel::cli {
 
 struct PageOption {
     // What completes its argument.
-    enum class Argument { None, Choice, File, Folder, Other };
+    enum class Argument { None, Choice, Zone, File, Folder, Other };
 
     std::vector<std::string> names;  // "-o", "--output"; of a positional one its name alone
     Argument argument = Argument::None;
     std::string argumentName;          // "FILE"; empty for a flag
     std::vector<std::string> choices;  // all allowed values; empty where any text is
+    std::vector<std::string> likely;   // values to offer; the choices where there are any
     std::string description;           // one line
     std::string preset;                // the default value, where there is one
     bool positional = false;

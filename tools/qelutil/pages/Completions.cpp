@@ -67,8 +67,11 @@ std::vector<std::string> namesOf(const std::vector<PageCommand>& commands) {
 std::string bashArgument(const PageOption& option) {
     switch (option.argument) {
         case Argument::Choice:
-            return "COMPREPLY=($(compgen -W '" + joined(option.choices, " ") +
-                   "' -- \"$current\"))";
+            return "COMPREPLY=($(compgen -W '" + joined(option.likely, " ") +
+                   "' -- \"$current\"))" +
+                   (option.likely[0].ends_with('=') ? "; compopt -o nospace" : "");
+        case Argument::Zone:
+            return "COMPREPLY=($(compgen -W \"$(_qelutil_zones)\" -- \"$current\"))";
         case Argument::File:
             return "compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- \"$current\")";
         case Argument::Folder:
@@ -92,7 +95,9 @@ std::string bashCommand(const PageCommand& command, const std::string& words) {
     if (!command.commands.empty())
         text += "        words='" + joined(namesOf(command.commands), " ") + "'\n";
     else if (first != nullptr && first->argument == Argument::Choice)
-        text += "        words='" + joined(first->choices, " ") + "'\n        files=1\n";
+        text += "        words='" + joined(first->likely, " ") + "'\n        files=1\n";
+    else if (first != nullptr && first->argument == Argument::Zone)
+        text += "        words=$(_qelutil_zones)\n";
     else if (first != nullptr && first->argument == Argument::File)
         text += "        files=1\n";
     return text + "        ;;\n";
@@ -101,7 +106,12 @@ std::string bashCommand(const PageCommand& command, const std::string& words) {
 std::string zshAction(const PageOption& option) {
     switch (option.argument) {
         case Argument::Choice:
-            return "(" + joined(option.choices, " ") + ")";
+            // After a "=" more is to be typed.
+            return option.likely[0].ends_with('=')
+                       ? "compadd -S \"\" -- " + joined(option.likely, " ")
+                       : "(" + joined(option.likely, " ") + ")";
+        case Argument::Zone:
+            return "_qelutil_zones";
         case Argument::File:
             return "_files";
         case Argument::Folder:
@@ -168,7 +178,10 @@ std::string fishOption(const PageOption& option, const std::string& condition) {
     switch (option.argument) {
         case Argument::Choice:
             text += (option.positional ? std::string(" -a '") : std::string(" -x -a '")) +
-                    joined(option.choices, " ") + "'";
+                    joined(option.likely, " ") + "'";
+            break;
+        case Argument::Zone:
+            text += std::string(option.positional ? " -a '" : " -x -a '") + "(__qelutil_zones)'";
             break;
         case Argument::File:
             text += option.positional ? " -F" : " -r -F";
@@ -197,15 +210,18 @@ std::string powerShellCommand(const PageCommand& command, const std::string& wor
     std::string values;
     std::string own;
     for (const PageOption& option : command.options) {
-        const std::string choices = "'" + joined(option.choices, "', '") + "'";
+        const bool isZone = option.argument == Argument::Zone;
+        const std::string choices =
+            isZone ? "'*zones*'" : "'" + joined(option.likely, "', '") + "'";
         if (option.positional) {
-            for (const std::string& each : option.choices)
+            if (isZone) own += "                '*zones*'\n";
+            for (const std::string& each : option.likely)
                 own += "                '" + each + "|'\n";
             continue;
         }
         for (const std::string& name : option.names) {
             options += powerShellWord(name, option.description);
-            if (option.argument == Argument::Choice)
+            if (option.argument == Argument::Choice || isZone)
                 values += "                '" + name + "' = @(" + choices + ")\n";
         }
     }
@@ -221,6 +237,10 @@ std::string powerShellCommand(const PageCommand& command, const std::string& wor
 std::string bashCompletion(const PageCommand& program) {
     std::string text = std::string("# bash completion for qelutil\n") + kHead +
                        R"(
+_qelutil_zones() {
+    "${COMP_WORDS[0]}" zone list --iana 2>/dev/null | sed 's/.* //'
+}
+
 _qelutil() {
     local current=${COMP_WORDS[COMP_CWORD]} previous='' command='' options='' words='' files=''
     local -i at
@@ -241,13 +261,15 @@ _qelutil() {
             text += "        " + each.name + ")\n            case $previous in\n            " +
                     joined(namesOf(each.commands), " | ") +
                     ") command+=\" $previous\" ;;\n            esac\n            ;;\n";
-    text += "        esac\n    done\n    case $command in\n" + bashCommand(program, "");
+    // A file may stand where a command does: then it is converted.
+    text += "        esac\n    done\n    case ${command%% *} in\n    '' | " +
+            joined(namesOf(program.commands), " | ") +
+            ") ;;\n    *) command=convert ;;\n    esac\n    case $command in\n" +
+            bashCommand(program, "");
     visitCommands(program, "", [&](const PageCommand& command, const std::string& words) {
         text += bashCommand(command, words);
     });
-    // A file may stand where a command does.
-    return text + R"(    *) files=1 ;;
-    esac
+    return text + R"(    esac
     [ "$command" ] || files=1
     case $current in
     -*) COMPREPLY=($(compgen -W "$options" -- "$current")) ;;
@@ -266,17 +288,25 @@ complete -F _qelutil qelutil
 }
 
 std::string zshCompletion(const PageCommand& program) {
-    std::string text = std::string("#compdef qelutil\n") + kHead + R"(
+    std::string text = std::string("#compdef qelutil\n") + kHead +
+                       R"zsh(
+_qelutil_zones() {
+    local -a zones
+    zones=(${(f)"$(_call_program zones qelutil zone list --iana 2>/dev/null)"})
+    compadd -- ${zones##* }
+}
+
 _qelutil() {
     local curcontext=$curcontext state line
     local -a commands
-    _arguments -C -s)";
+    _arguments -C -s)zsh";
     for (const PageOption& option : program.options) text += " \\\n            " + zshSpec(option);
     text +=
         " \\\n            ': :->command' '*:: :->rest'\n    case $state in\n    command)\n       "
         " " +
         zshDescribe(program) +
         "\n        _files\n        ;;\n    rest)\n        case $line[1] in\n";
+    std::string converting;  // what takes a file where a command may stand
     for (const PageCommand& command : program.commands) {
         text += "        " + command.name + ")\n            ";
         if (command.commands.empty())
@@ -284,7 +314,9 @@ _qelutil() {
         else
             text += "_qelutil_" + command.name;
         text += "\n            ;;\n";
+        if (command.name == "convert") converting = zshArguments(command);
     }
+    text += "        *)\n            " + converting + "\n            ;;\n";
     text += "        esac\n        ;;\n    esac\n}\n";
     for (const PageCommand& command : program.commands) {
         if (command.commands.empty()) continue;
@@ -323,6 +355,18 @@ function __qelutil_only
     test (count $words) -eq (math 1 + (count $argv)); and __qelutil_at $argv
 end
 
+function __qelutil_zones
+    qelutil zone list --iana 2>/dev/null | string replace -r '.* ' ''
+end
+
+# True when files are converted: the command says so, or a file stands in its place.
+function __qelutil_converts
+    set -l words (string match -v -r '^(-.*|auto|always|never)$' -- (commandline -opc))
+    test (count $words) -ge 2; or return 1
+    test $words[2] = convert; or not contains -- $words[2] )" +
+                       joined(namesOf(program.commands), " ") + R"(
+end
+
 complete -c qelutil -f
 complete -c qelutil -n '__qelutil_only' -F
 )";
@@ -337,7 +381,8 @@ complete -c qelutil -n '__qelutil_only' -F
         text += "\n";
         commandsOf(command, words);
         for (const PageOption& option : command.options)
-            text += fishOption(option, "__qelutil_at " + words);
+            text += fishOption(option,
+                               words == "convert" ? "__qelutil_converts" : "__qelutil_at " + words);
     });
     return text;
 }
@@ -352,7 +397,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
     param($current, $line, $cursor)
 
     # Of each command: its options, the values that an option takes, and the words that follow it. What
-    # follows a bar explains the word before it.
+    # follows a bar explains the word before it; the program is asked for its zones.
     $commands = @{
 )" + powerShellCommand(program, "");
     visitCommands(program, "", [&](const PageCommand& command, const std::string& words) {
@@ -371,6 +416,8 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
         }
     }
 
+    if (-not $command -and $previous -and -not $previous.StartsWith('-')) { $command = 'convert' }
+
     $known = $commands[$command]
     $option = ''
     if ($current -match '^(--[a-z-]+)=(.*)$') {
@@ -384,6 +431,10 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
     elseif ($current.StartsWith('-')) { $offered = $known.Options }
     else { $offered = $known.Words }
 
+    if ('*zones*' -in $offered) {
+        $offered = & $line.CommandElements[0].Extent.Text zone list --iana 2>$null |
+            ForEach-Object { ($_ -split ' ')[-1] }
+    }
     foreach ($each in $offered) {
         $word, $explanation = $each -split '\|', 2
         if (-not $word.StartsWith($current, 'Ordinal')) { continue }
