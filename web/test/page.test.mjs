@@ -366,4 +366,7 @@ test("goes from a file to its download by keyboard, in German, in the dark and o
     await tabTo("#download");
     const { name } = await download(() => page.keyboard.press("Enter"));
     assert.equal(name, "example.ics");
+    // The month with the longest name.
+    await page.select(".selects select", "8");
+    await fits();
 });
