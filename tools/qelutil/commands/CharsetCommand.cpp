@@ -45,8 +45,7 @@ Support supportOf(std::string_view set) {
 
 const char* wordsOf(std::string_view set, Support support) {
     if (set == "8859-1")
-        return "converts; means windows-1252 (the euro sign is byte 80), on Windows the system's "
-               "ANSI set";
+        return "converts; means windows-1252, with the euro sign (on Windows the ANSI set)";
     switch (support) {
         case Support::Converts:
             return "converts";

@@ -325,7 +325,14 @@ void run(Context& context, const Options& options) {
     for (const std::string& type : options.types)
         if (readers().count(type) == 0)
             throw UsageError("there is no type \"" + type + "\"; there are " + typeNames());
-    InputFile input = options.source.open(context);
+    InputFile input = [&] {
+        try {
+            return options.source.open(context);
+        } catch (const InputError&) {
+            if (options.json) JsonArrayWriter(context.out, "stream", "values").finish();
+            throw;
+        }
+    }();
     Dump(context, input, options.json).run(options.types);
 }
 
