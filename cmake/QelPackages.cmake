@@ -1,6 +1,6 @@
 # What `cpack` makes of an installation: on Linux the Debian packages libqelutility1,
-# libqelutility-dev, libqelcalendar1, libqelcalendar-dev and qelutil; for Windows one zip that runs
-# where it is unpacked.
+# libqelutility-dev, libqelcalendar1, libqelcalendar-dev, qelutil and python3-qelcalendar; for Windows
+# one zip that runs where it is unpacked.
 set(CPACK_PACKAGE_NAME qelutility)
 set(CPACK_PACKAGE_VENDOR "QelUtility")
 set(CPACK_PACKAGE_CONTACT "QelUtility maintainers <maintainers@qelutility.invalid>")
@@ -43,9 +43,15 @@ endfunction()
 
 if(WIN32)
     set(CPACK_GENERATOR ZIP)
-    set(CPACK_PACKAGE_FILE_NAME QelUtility-${PROJECT_VERSION}-win32)
+    set(qel_windows win32)
+    set(qel_libgcc libgcc_s_dw2-1.dll)
+    if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+        set(qel_windows win64)
+        set(qel_libgcc libgcc_s_seh-1.dll)
+    endif()
+    set(CPACK_PACKAGE_FILE_NAME QelUtility-${PROJECT_VERSION}-${qel_windows})
     # The compiler's run-time libraries, and what a reader looks for first, beside the program.
-    foreach(runtime libstdc++-6.dll libgcc_s_dw2-1.dll libwinpthread-1.dll)
+    foreach(runtime libstdc++-6.dll ${qel_libgcc} libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime} OUTPUT_VARIABLE file
                         OUTPUT_STRIP_TRAILING_WHITESPACE)
         if(NOT EXISTS ${file} OR NOT IS_ABSOLUTE ${file})
@@ -70,7 +76,7 @@ endif()
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
-set(qel_components library development calendar calendar_development program)
+set(qel_components library development calendar calendar_development program python)
 set(CPACK_COMPONENTS_ALL ${qel_components})
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -135,6 +141,32 @@ set(CPACK_COMPONENT_PROGRAM_DESCRIPTION
 Turns a phone's vCalendar 1.0 files into iCalendar and back without losing
 anything in silence, explains recurrence rules in words and lists their dates,
 and converts times, texts, character sets and codes.")
+
+# The package of python/ on the shared library, the same for every machine. Debian's interpreters compile
+# what is in their folder when it is installed, by the two scripts.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-qelcalendar)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3:any (>= 3.9~), ${qel_calendar_package} (>= ${qel_deb_version}), tzdata")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/cmake/packaging/python/postinst
+                                              ${PROJECT_SOURCE_DIR}/cmake/packaging/python/prerm)
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "calendars of old phones in Python
+The package qelcalendar: converts vCalendar 1.0 into iCalendar and back and
+reports what changed, reads the entries of either format as objects with the
+times of the standard library, explains recurrence rules in words and lists
+their dates.")
+set(qel_python_folder lib/python3/dist-packages)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/src/qelcalendar DESTINATION ${qel_python_folder} COMPONENT python
+        PATTERN __pycache__ EXCLUDE)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/python/METADATA.in ${PROJECT_BINARY_DIR}/packaging/python/METADATA
+               @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/packaging/python/METADATA
+        DESTINATION ${qel_python_folder}/qelcalendar-${PROJECT_VERSION}.dist-info COMPONENT python)
+install(FILES ${PROJECT_SOURCE_DIR}/python/README.md
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_PYTHON_PACKAGE_NAME} COMPONENT python)
 
 # /usr/share/doc/PACKAGE of each: who may copy it, and what changed. Debian's form of the change log
 # names the version and the date of its entry in CHANGELOG.md.

@@ -1,14 +1,10 @@
 # Runs examples and checks them; with cmake -P:
 #
-#   cmake -DRUNS=SOURCE,PROGRAM,... [-DEMULATOR=PROGRAM] [-DARGUMENT=TEXT] [-DSKIPPED=REASON] -P RunExamples.cmake
+#   cmake -DRUNS=SOURCE,PROGRAM,... [-DEMULATOR=PROGRAM] -P RunExamples.cmake
 #
-# The last lines of each source, comments after "Prints:", are what its program prints. A script's
-# PROGRAM is its interpreter. docs/guide.md holds each source, without those lines, as a code block,
-# and what it prints as the next.
+# The last lines of each source, comments after "Prints:", are what its program prints. docs/guide.md
+# holds each source, without those lines, as a code block, and what it prints as the next.
 cmake_minimum_required(VERSION 3.22)
-if(SKIPPED)
-    message(FATAL_ERROR "SKIPPED: ${SKIPPED}")
-endif()
 file(READ ${CMAKE_CURRENT_LIST_DIR}/../docs/guide.md guide)
 string(REPLACE "\r\n" "\n" guide "${guide}")
 
@@ -17,31 +13,24 @@ list(REMOVE_ITEM runs "")
 set(faults "")
 while(runs)
     list(POP_FRONT runs source program)
-    set(command ${EMULATOR} ${program})
-    set(mark "//")
-    if(source MATCHES "\\.py$")
-        set(command ${program} ${CMAKE_CURRENT_LIST_DIR}/${source} ${ARGUMENT})
-        set(mark "#")
-    endif()
-    execute_process(COMMAND ${command} OUTPUT_VARIABLE printed ERROR_VARIABLE errors RESULT_VARIABLE result)
+    execute_process(COMMAND ${EMULATOR} ${program} OUTPUT_VARIABLE printed ERROR_VARIABLE errors RESULT_VARIABLE result)
     string(REPLACE "\r\n" "\n" printed "${printed}")
 
     file(READ ${CMAKE_CURRENT_LIST_DIR}/${source} text)
     string(REPLACE "\r\n" "\n" text "${text}")
-    string(FIND "${text}" "\n\n${mark} Prints:\n" at)
+    string(FIND "${text}" "\n\n// Prints:\n" at)
     string(SUBSTRING "${text}" 0 ${at} code)
     # What a program prints may be longer than a line of code; the guide shows the program alone.
     string(REPLACE "\n// clang-format off" "" code "${code}")
     string(SUBSTRING "${text}" ${at} -1 stated)
-    string(REPLACE "\n\n${mark} Prints:\n" "\n" stated "${stated}")
-    string(REPLACE "\n${mark} " "\n" stated "${stated}")
+    string(REPLACE "\n\n// Prints:\n" "\n" stated "${stated}")
+    string(REPLACE "\n// " "\n" stated "${stated}")
     string(SUBSTRING "${stated}" 1 -1 stated)
 
     if(NOT result EQUAL 0 OR NOT printed STREQUAL stated)
         string(APPEND faults "${source} ended with ${result} and printed\n${printed}${errors}instead of\n${stated}\n")
     endif()
     string(REGEX MATCH "[a-z]+$" language ${source})
-    string(REPLACE "py" "python" language ${language})
     string(FIND "${guide}" "```${language}\n${code}\n```\n\n```text\n${stated}```\n" at)
     if(at EQUAL -1)
         string(APPEND faults "docs/guide.md does not hold examples/${source} and what it prints, as they are\n")

@@ -1,5 +1,5 @@
 /* A C99 program on QelCalendar alone: converts the calendar that it reads, lists its entries with
- * their next dates and explains a rule. calendar.cpp and calendar_ctypes.py print the same. */
+ * their next dates and explains a rule. calendar.cpp and calendar.py print the same. */
 #include <QelCalendar/qelcalendar.h>
 
 #include "host.h"

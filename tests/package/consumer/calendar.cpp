@@ -1,5 +1,5 @@
 // A C++11 program on QelCalendar alone: converts the calendar that it reads, lists its entries with
-// their next dates and explains a rule. calendar.c and calendar_ctypes.py print the same.
+// their next dates and explains a rule. calendar.c and calendar.py print the same.
 #include <QelCalendar/All.h>
 
 #include <algorithm>

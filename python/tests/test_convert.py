@@ -1,0 +1,192 @@
+"""Conversions: sources, choices, notes, failures, threads."""
+
+from __future__ import annotations
+
+import concurrent.futures
+import io
+import os
+import pathlib
+import pickle
+import stat
+import threading
+import time
+from typing import Any, Callable, Iterator
+
+import pytest
+
+import qelcalendar
+from qelcalendar import CalendarError, CalendarValueError, Converter, Fate, Result, Severity, convert
+
+Native = Callable[..., bytes]
+
+
+class Pipe(io.RawIOBase):
+    """A stream that cannot go back and gives a few bytes at a time."""
+
+    def __init__(self, data: bytes) -> None:
+        self.rest = data
+
+    def readable(self) -> bool:
+        return True
+
+    def read(self, _size: int = -1) -> bytes:
+        piece, self.rest = self.rest[:7], self.rest[7:]
+        return piece
+
+
+def test_gives_the_programs_bytes(golden: list[pathlib.Path], native: Native) -> None:
+    assert golden
+    for path in golden:
+        to = "vcs" if path.suffix == ".ics" else "ics"
+        assert convert(path, to).bytes == native("--to", to, path), path.name
+
+
+def test_takes_every_kind_of_source(phone: pathlib.Path, native: Native, tmp_path: pathlib.Path) -> None:
+    data, expected = phone.read_bytes(), native("--to", "ics", phone)
+    with open(phone, "rb") as file:
+        file.seek(0)
+        sources: list[Any] = [data, bytearray(data), memoryview(data), str(phone), phone, file]
+        sources += [Pipe(data), io.BytesIO(data), [data[:99], memoryview(data)[99:]], (data[i : i + 1] for i in range(len(data)))]
+        for source in sources:
+            assert convert(source, "ics").bytes == expected, source
+    assert b"".join(qelcalendar.convert_pieces(Pipe(data))) == expected
+    assert convert(Pipe(data), one_pass=True).bytes == expected
+    target = tmp_path / "phone.vcs"
+    target.write_bytes(data)
+    target.chmod(0o640)
+    summary = qelcalendar.convert_to(target, target, "ics")
+    assert target.read_bytes() == expected
+    assert stat.S_IMODE(target.stat().st_mode) == 0o640
+    assert (summary.format, summary.entries) == ("ics", 7)
+    written = io.BytesIO()
+    qelcalendar.convert_to(phone, written)
+    assert written.getvalue() == expected
+
+
+def test_makes_every_choice(tmp_path: pathlib.Path, native: Native) -> None:
+    def event(*lines: bytes) -> bytes:
+        return b"\r\n".join([b"BEGIN:VEVENT", b"UID:1", *lines, b"END:VEVENT", b""])
+
+    path = tmp_path / "choices.vcs"
+    path.write_bytes(
+        b"BEGIN:VCALENDAR\r\nVERSION:1.0\r\n"
+        + event(b"SUMMARY:\xcf\xf0\xe8\xe2\xe5\xf2", b"DTSTART:20050615T103000", b"RRULE:W2 MO WE #4")
+        + event(b"SUMMARY:other", b"DTSTART:20050616T103000")
+        + b"BEGIN:VTODO\r\nSUMMARY:do\r\nEND:VTODO\r\nEND:VCALENDAR\r\n"
+    )
+    zone = "zone", "Europe/Berlin"
+    for (name, value), options in {
+        zone: ("--zone", "Europe/Berlin"),
+        ("charset", "windows-1251"): ("--charset", "windows-1251"),
+        ("count_means", "periods"): ("--count-means", "periods"),
+        ("distinct_uids", True): ("--distinct-uids",),
+        ("only", "todos"): ("--only", "todos"),
+        ("only", ("events", "todos")): ("--only", "events,todos"),
+    }.items():
+        choice: dict[str, Any] = {name: value}
+        assert convert(path, "ics", **choice).bytes == native("--to", "ics", *options, path), name
+    # A choice is for one calendar: the next one begins with the defaults.
+    parts: list[bytes] = []
+    with Converter("ics", parts.append) as converter:
+        converter.add(path, only="events", zone="Europe/Berlin")
+        converter.add(path, only="todos")
+        assert converter.finish().entries == 3
+    assert b"Europe/Berlin" in b"".join(parts)
+
+
+def test_describes_what_changed(phone: pathlib.Path) -> None:
+    all_notes: list[qelcalendar.Note] = []
+    converted = convert(phone, on_note=all_notes.append)
+    assert sum(kind.count for kind in converted.notes) == len(all_notes) > 0
+    kinds = {kind.code: kind for kind in qelcalendar.note_kinds()}
+    for kind in converted.notes:
+        row = kinds[kind.code]
+        assert (kind.name, kind.severity, kind.fate) == (row.name, row.severity, row.fate)
+        assert kind.first.meaning == kind.meaning == row.meaning and kind.first.advice == row.advice
+        assert kind.first in all_notes and kind.first.file == str(phone) and kind.first.line > 0
+    bad = convert(b"BEGIN:VCARD\nEND:VCARD\n", name="card")
+    assert (bad.entries, bad.format, bad.errors) == (0, None, 1)
+    [error] = [kind for kind in bad.notes if kind.severity is Severity.ERROR]
+    assert error.first.file == "card" and str(error.first) and error.fate in tuple(Fate)
+
+
+def broken() -> Iterator[bytes]:
+    yield b"BEGIN:VCALENDAR\n"
+    raise OSError("the disk is gone")
+
+
+def full(_piece: object) -> None:
+    raise OSError("the disk is full")
+
+
+def test_raises_what_went_wrong(phone: pathlib.Path, tmp_path: pathlib.Path) -> None:
+    with pytest.raises(CalendarValueError, match="Nowhere/Land") as caught:
+        convert(b"", zone="Nowhere/Land")
+    assert caught.value.code in (Result.INVALID_ARGUMENT, Result.UNKNOWN_NAME)
+    again = pickle.loads(pickle.dumps(caught.value))
+    assert (again.code, again.text) == (caught.value.code, caught.value.text)
+    with pytest.raises(ValueError, match="pdf"):
+        convert(b"", "pdf")
+    with pytest.raises(ValueError, match="NUL"):
+        convert(b"", zone="a\0b")
+    with pytest.raises(FileNotFoundError):
+        convert(tmp_path / "none.vcs")
+    for wrong in ("BEGIN:VCALENDAR\n", io.StringIO("text"), ["text"], [1, 2], 7):
+        with pytest.raises(TypeError):
+            convert(wrong)  # type: ignore[arg-type]
+    with pytest.raises(OSError, match="the disk is gone"):
+        convert(broken())
+    with pytest.raises(OSError, match="the disk is full"):
+        convert(phone, on_note=full)
+    target = tmp_path / "target.ics"
+    target.write_bytes(b"before")
+    with pytest.raises(OSError, match="the disk is gone"):
+        qelcalendar.convert_to(broken(), target)
+    assert target.read_bytes() == b"before" and os.listdir(tmp_path) == ["target.ics"]
+    # An incomplete calendar is not finished.
+    with Converter("ics", full) as converter:
+        with pytest.raises(OSError, match="the disk is full"):
+            converter.add(phone)
+            converter.finish()
+        with pytest.raises(CalendarError) as order:
+            converter.finish()
+    assert order.value.code == Result.WRONG_ORDER
+    with pytest.raises(CalendarError, match="closed"):
+        converter.add(phone)
+
+
+def large(phone: pathlib.Path) -> bytes:
+    lines = phone.read_bytes().splitlines(keepends=True)
+    first = next(i for i, line in enumerate(lines) if line.startswith(b"BEGIN:V") and i > 0)
+    return b"".join(lines[:first] + lines[first:-1] * 400 + lines[-1:])
+
+
+def test_other_threads_run_meanwhile(phone: pathlib.Path) -> None:
+    piece, ticks, seen, done = large(phone), [0], [], threading.Event()
+
+    def tick() -> None:
+        while not done.is_set():
+            ticks[0] += 1
+            time.sleep(0)
+
+    def source() -> Iterator[bytes]:
+        for _ in range(2):
+            seen.append(ticks[0])
+            # The library is within one call for each piece, 256 KiB of it.
+            yield piece[: 1 << 18] if not seen[1:] else b""
+
+    ticker = threading.Thread(target=tick)
+    ticker.start()
+    try:
+        convert(source(), one_pass=True)
+    finally:
+        done.set()
+        ticker.join()
+    assert seen[1] - seen[0] > 20
+
+
+def test_threads_convert_at_the_same_time(phone: pathlib.Path) -> None:
+    data = large(phone)
+    expected = convert(data).bytes
+    with concurrent.futures.ThreadPoolExecutor(4) as pool:
+        assert all(each.bytes == expected for each in pool.map(convert, [data] * 8))
