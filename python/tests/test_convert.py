@@ -8,6 +8,7 @@ import os
 import pathlib
 import pickle
 import stat
+import sys
 import threading
 import time
 from typing import Any, Callable, Iterator
@@ -162,27 +163,25 @@ def large(phone: pathlib.Path) -> bytes:
 
 
 def test_other_threads_run_meanwhile(phone: pathlib.Path) -> None:
-    piece, ticks, seen, done = large(phone), [0], [], threading.Event()
+    data, go, ran, before = large(phone), threading.Event(), [], sys.getswitchinterval()
 
-    def tick() -> None:
-        while not done.is_set():
-            ticks[0] += 1
-            time.sleep(0)
+    def other() -> None:
+        go.wait()
+        ran.append(True)
 
-    def source() -> Iterator[bytes]:
-        for _ in range(2):
-            seen.append(ticks[0])
-            # The library is within one call for each piece, 256 KiB of it.
-            yield piece[: 1 << 18] if not seen[1:] else b""
-
-    ticker = threading.Thread(target=tick)
-    ticker.start()
+    thread = threading.Thread(target=other)
+    thread.start()
+    # No thread is made to give way: the other one runs when this one lets go of the GIL.
+    sys.setswitchinterval(1000)
     try:
-        convert(source(), one_pass=True)
+        go.set()
+        end = time.monotonic() + 20
+        while not ran and time.monotonic() < end:
+            convert(data)
+        assert ran
     finally:
-        done.set()
-        ticker.join()
-    assert seen[1] - seen[0] > 20
+        sys.setswitchinterval(before)
+        thread.join()
 
 
 def test_threads_convert_at_the_same_time(phone: pathlib.Path) -> None:
