@@ -1,10 +1,13 @@
-# qel_version_resource(TARGET FILE DESCRIPTION): what Windows shows as the file's details.
+# qel_version_resource(TARGET FILE DESCRIPTION): what Windows shows as the file's details; a program also
+# says that it knows long paths and that its texts are UTF-8.
 function(qel_version_resource target file description)
     set(QEL_FILE ${file})
     set(QEL_DESCRIPTION ${description})
     set(QEL_FILE_TYPE VFT_APP)
+    set(QEL_MANIFEST "1 24 \"${PROJECT_SOURCE_DIR}/cmake/packaging/program.manifest\"")
     if(file MATCHES "\\.dll$")
         set(QEL_FILE_TYPE VFT_DLL)
+        set(QEL_MANIFEST "")
     endif()
     set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/Version.rc.in ${resource} @ONLY)

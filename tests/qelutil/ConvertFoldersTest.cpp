@@ -2,6 +2,9 @@
 // the report.
 #include <algorithm>
 #include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "Qelutil.h"
 
@@ -85,6 +88,32 @@ TEST_F(ConvertFolders, ResultsBesideWhatWasNamed) {
     writeFile(state_.file("qelutil.toml"), "[convert]\nto = \"doc\"\n");
     EXPECT_TRUE(contains(run({"convert", file}, settings).err, "qelutil.toml: to: doc"));
     EXPECT_EQ(run({"convert", "--help"}, settings).exitCode, 0);
+}
+
+// Windows has functions for paths of 260 characters at most, and lists another folder beyond that.
+TEST_F(ConvertFolders, PathsOfAnyLength) {
+    // Removed one by one, because removing a tree lists it.
+    struct Folders {
+        std::vector<fs::path> made;
+        ~Folders() {
+            std::error_code left;
+            for (; !made.empty(); made.pop_back()) fs::remove(made.back(), left);
+        }
+    } folders;
+    fs::path deep = state_.path() / "deep";
+    for (int i = 0; i < 8; ++i) {
+        fs::create_directory(deep);
+        folders.made.push_back(deep);
+        deep /= std::string(40, 'd');
+    }
+    deep = folders.made.back() / "a.vcs";
+    folders.made.push_back(deep);
+    writeFile(deep.string(), kGood);
+    const std::string result = state_.file("deep.ics");
+    const ProcessResult converted = run({"convert", state_.file("deep"), "-o", result});
+    EXPECT_EQ(converted.exitCode, 0) << converted.err;
+    EXPECT_EQ(run({"convert", deep.string()}).out, run({"convert", phone_ + "/a.vcs"}).out);
+    EXPECT_TRUE(contains(readFile(result), "SUMMARY:Good"));
 }
 
 // Every entry is in one piece, each piece is a calendar with its zones, and what has one UID stays

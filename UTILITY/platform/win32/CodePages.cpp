@@ -31,6 +31,15 @@ CodePageResult resultOf(int count) {
     }
 }
 
+// Page 0 is the system's ANSI page, also in a program whose manifest makes its own one UTF-8.
+std::uint32_t pageOf(std::uint32_t codePage) {
+    if (codePage != CP_ACP || GetACP() != CP_UTF8) return codePage;
+    DWORD page = 0;
+    GetLocaleInfoW(LOCALE_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
+                   reinterpret_cast<wchar_t*>(&page), sizeof(page) / sizeof(wchar_t));
+    return page;
+}
+
 int asCount(std::uint32_t room) {
     return static_cast<int>(std::min(room, kMaxCount));
 }
@@ -47,7 +56,7 @@ CodePageResult decodeCodePage(std::uint32_t codePage, const char* in, std::uint3
     const DecodeFunction decode = loader().decode();
     if (decode == nullptr || length > kMaxCount) return {0, CodePageFailure::kOther};
     SetLastError(0);
-    return resultOf(decode(codePage, 0, in, static_cast<int>(length),
+    return resultOf(decode(pageOf(codePage), 0, in, static_cast<int>(length),
                            reinterpret_cast<wchar_t*>(out), asCount(room)));
 }
 
@@ -58,7 +67,7 @@ CodePageResult encodeCodePage(std::uint32_t codePage, const char16_t* in, std::u
     // Room for nothing is the system's way to ask for the length alone.
     if (room == 0) return {0, CodePageFailure::kNoRoom};
     SetLastError(0);
-    return resultOf(encode(codePage, 0, reinterpret_cast<const wchar_t*>(in),
+    return resultOf(encode(pageOf(codePage), 0, reinterpret_cast<const wchar_t*>(in),
                            static_cast<int>(count), out, asCount(room), nullptr, nullptr));
 }
 

@@ -8,6 +8,7 @@
 
 #include "QelCalendar/Texts.h"
 #include "base/Text.h"
+#include "platform/Files.h"
 
 namespace qel::cli {
 
@@ -76,9 +77,7 @@ OtherFile::Kind kindOf(std::istream& file) {
 }
 
 OtherFile::Kind kindOf(const fs::path& path) {
-    std::error_code unknown;
-    if (fs::is_other(path, unknown)) return OtherFile::Kind::Special;
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(platform::openable(path), std::ios::binary);
     return file ? kindOf(file) : OtherFile::Kind::Unreadable;
 }
 
@@ -124,6 +123,13 @@ class Collector {
     [[nodiscard]] CalendarFiles take() { return std::move(all_); }
 
   private:
+    // A calendar or an archive below a folder.
+    struct Found {
+        std::string below;
+        std::uint64_t size;
+        bool isSpecial;
+    };
+
     static std::uint64_t sizeOf(const fs::path& path) {
         std::error_code unknown;
         const std::uintmax_t size = fs::file_size(path, unknown);
@@ -140,7 +146,7 @@ class Collector {
     bool addFolder(const std::string& root) {
         // Depth needs no bound of its own: links are not followed, and the system bounds a path.
         std::vector<std::string> waiting{""};
-        std::vector<std::string> found;  // below the root
+        std::vector<Found> found;
         const std::size_t others = all_.others.size();
         bool readable = true;
         while (!waiting.empty()) {
@@ -148,17 +154,14 @@ class Collector {
             waiting.pop_back();
             readable &= look(root, folder, waiting, found);
         }
-        std::sort(found.begin(), found.end());
+        std::sort(found.begin(), found.end(),
+                  [](const Found& one, const Found& other) { return one.below < other.below; });
         // The system lists folders in any order.
         std::sort(
             all_.others.begin() + static_cast<std::ptrdiff_t>(others), all_.others.end(),
             [](const OtherFile& one, const OtherFile& other) { return one.name < other.name; });
-        for (const std::string& below : found) {
+        for (const auto& [below, size, isSpecial] : found) {
             const std::string name = inFolder(root, below);
-            const fs::path path = pathOf(name);
-            std::error_code unknown;
-            // Whoever writes to a pipe in a folder may never come.
-            const bool isSpecial = fs::is_other(path, unknown);
             if (isArchiveName(below) && !isSpecial) {
                 addArchive(root, name, below.substr(0, below.rfind('.')) + "/");
                 continue;
@@ -166,7 +169,8 @@ class Collector {
             all_.files.push_back({name,
                                   withoutExtension(below),
                                   root,
-                                  sizeOf(path),
+                                  size,
+                                  // Whoever writes to it may never come.
                                   isSpecial ? name + ": is a pipe or a device, not a file; name it "
                                                      "itself to read it"
                                             : "",
@@ -177,26 +181,25 @@ class Collector {
     }
 
     bool look(const std::string& root, const std::string& folder, std::vector<std::string>& waiting,
-              std::vector<std::string>& found) {
+              std::vector<Found>& found) {
         const std::string folderName = inFolder(root, folder);
         std::error_code failure;
-        fs::directory_iterator each(pathOf(folderName), failure);
-        for (; !failure && each != fs::directory_iterator(); each.increment(failure)) {
-            const std::string name = nameOf(each->path().filename());
+        for (const platform::FolderItem& item : platform::itemsOf(pathOf(folderName), failure)) {
+            const std::string name = nameOf(item.name);
             const std::string below = folder.empty() ? name : folder + "/" + name;
             const std::string whole = inFolder(root, below);
-            std::error_code unknown;
             if (name.starts_with('.')) {
                 all_.others.push_back({whole, OtherFile::Kind::Hidden});
-            } else if (each->is_directory(unknown)) {
-                if (each->is_symlink(unknown))
+            } else if (item.isFolder) {
+                if (item.isLink)
                     all_.others.push_back({whole, OtherFile::Kind::Link});
-                else if (!isExcepted(each->path()))
+                else if (!isExcepted(pathOf(whole)))
                     waiting.push_back(below);
             } else if (!calendarExtension(name).empty() || isArchiveName(name)) {
-                found.push_back(below);
+                found.push_back({below, item.size, item.isOther});
             } else {
-                all_.others.push_back({whole, kindOf(each->path())});
+                all_.others.push_back(
+                    {whole, item.isOther ? OtherFile::Kind::Special : kindOf(pathOf(whole))});
             }
         }
         if (!failure) return true;

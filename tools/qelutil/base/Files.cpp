@@ -100,7 +100,7 @@ InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
     if (fs::is_directory(path, failure))
         throw InputError(name + ": is a directory; name the files in it");
     errno = 0;
-    owned_ = std::make_unique<std::ifstream>(path, std::ios::binary);
+    owned_ = std::make_unique<std::ifstream>(platform::openable(path), std::ios::binary);
     stream_ = owned_.get();
     if (!*owned_) throw InputError(name + ": cannot be read: " + lastReadError());
     context.setInput(platform::identityOf(path));

@@ -12,6 +12,7 @@
 #include "base/Command.h"
 #include "base/Files.h"
 #include "base/Text.h"
+#include "platform/Files.h"
 
 namespace qel::cli {
 
@@ -245,7 +246,9 @@ class MemberStream : public std::istream {
 ZipArchive::ZipArchive(const std::string& name, const std::string& charset)
     : ZipArchive(
           name,
-          [path = pathOf(name)] { return std::make_unique<std::ifstream>(path, std::ios::binary); },
+          [path = platform::openable(pathOf(name))] {
+              return std::make_unique<std::ifstream>(path, std::ios::binary);
+          },
           charset) {}
 
 ZipArchive::ZipArchive(std::string name, Opener opener, const std::string& charset)
@@ -351,7 +354,7 @@ std::unique_ptr<std::istream> ZipArchive::open(const Member& member) const {
 bool isZipArchive(const std::filesystem::path& path) {
     std::error_code failure;
     if (!std::filesystem::is_regular_file(path, failure)) return false;
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(platform::openable(path), std::ios::binary);
     const std::string head = readAt(file, 0, 4);
     return head == "PK\3\4" || head == "PK\5\6";
 }

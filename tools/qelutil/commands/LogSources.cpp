@@ -12,6 +12,7 @@
 #include "base/Files.h"
 #include "base/Spool.h"
 #include "base/Text.h"
+#include "platform/Files.h"
 
 namespace qel::cli {
 
@@ -105,14 +106,13 @@ std::set<std::string> logsIn(const std::string& folder) {
     while (!waiting.empty()) {
         const fs::path next = std::move(waiting.back());
         waiting.pop_back();
-        std::error_code failure;
-        fs::directory_iterator each(next, failure);
-        for (; !failure && each != fs::directory_iterator(); each.increment(failure)) {
-            std::error_code unknown;
-            const std::string name = nameOf(each->path());
-            if (each->is_directory(unknown)) {
-                if (!each->is_symlink(unknown)) waiting.push_back(each->path());
-            } else if (lowerCase(name).ends_with(".log") && each->is_regular_file(unknown)) {
+        std::error_code unreadable;
+        for (const platform::FolderItem& item : platform::itemsOf(next, unreadable)) {
+            const fs::path path = next / item.name;
+            const std::string name = nameOf(path);
+            if (item.isFolder) {
+                if (!item.isLink) waiting.push_back(path);
+            } else if (lowerCase(name).ends_with(".log") && !item.isOther) {
                 found.insert(name);
             }
         }

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
+#include <vector>
 
 namespace qel::cli::platform {
 
@@ -24,6 +26,23 @@ struct FileId {
 [[nodiscard]] std::optional<FileId> identityOf(const std::filesystem::path& path);
 [[nodiscard]] std::optional<FileId> identityOfInput();
 [[nodiscard]] std::optional<FileId> identityOfOutput();
+
+// The path under which the system opens the file, however long it is.
+[[nodiscard]] std::filesystem::path openable(const std::filesystem::path& path);
+
+// What is in a folder.
+struct FolderItem {
+    std::filesystem::path name;  // without its folder
+    bool isFolder = false;       // or a link to one
+    bool isLink = false;
+    bool isOther = false;  // a pipe or a device
+    std::uint64_t size = 0;
+};
+
+// All that is in a folder, in the order of the system, whose path may be of any length. `failure`
+// is set when not all of it can be read.
+[[nodiscard]] std::vector<FolderItem> itemsOf(const std::filesystem::path& folder,
+                                              std::error_code& failure);
 
 // A file open for writing. Everything that can fail throws std::system_error.
 class WritableFile {

@@ -155,6 +155,23 @@ std::optional<FileId> identityOfOutput() {
     return idOf(STDOUT_FILENO);
 }
 
+fs::path openable(const fs::path& path) {
+    return path;
+}
+
+std::vector<FolderItem> itemsOf(const fs::path& folder, std::error_code& failure) {
+    std::vector<FolderItem> items;
+    fs::directory_iterator each(folder, failure);
+    for (; !failure && each != fs::directory_iterator(); each.increment(failure)) {
+        std::error_code unknown;
+        std::uintmax_t size = each->file_size(unknown);
+        if (unknown) size = 0;
+        items.push_back({each->path().filename(), each->is_directory(unknown),
+                         each->is_symlink(unknown), each->is_other(unknown), size});
+    }
+    return items;
+}
+
 WritableFile WritableFile::createIn(const fs::path& folder, const fs::path& like) {
     constexpr int kTries = 100;
     constexpr mode_t kForOwner = 0600;

@@ -7,6 +7,8 @@
 #include <atomic>
 #include <cstdlib>
 #include <mutex>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -30,6 +32,41 @@ HANDLE handleOf(std::intptr_t number) {
 // INVALID_HANDLE_VALUE is -1 as well.
 std::intptr_t numberOf(HANDLE handle) {
     return reinterpret_cast<std::intptr_t>(handle);
+}
+
+// Paths of this length and longer need the prefix that the system knows them by: a folder's path
+// must leave room for a short name.
+constexpr std::size_t kLongPath = MAX_PATH - 12;
+
+// The path as the system takes it, whatever its length.
+std::wstring systemPath(const fs::path& path) {
+    constexpr std::wstring_view kPrefix = L"\\\\?\\";
+    constexpr std::wstring_view kShares = L"\\\\";
+    const std::wstring& name = path.native();
+    if (name.empty() || name.starts_with(kPrefix) || name.starts_with(L"\\\\.\\")) return name;
+    std::wstring full(GetFullPathNameW(name.c_str(), 0, nullptr, nullptr), L'\0');
+    if (full.size() < kLongPath) return name;
+    full.resize(
+        GetFullPathNameW(name.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    if (full.starts_with(kPrefix)) return full;
+    const bool isShare = full.starts_with(kShares);
+    if (isShare) full.replace(0, kShares.size(), L"UNC\\");
+    return std::wstring(kPrefix) + full;
+}
+
+FolderItem itemOf(const WIN32_FIND_DATAW& found) {
+    const auto has = [&](DWORD attribute) { return (found.dwFileAttributes & attribute) != 0; };
+    constexpr unsigned kHalf = 32;
+    FolderItem item;
+    item.name = found.cFileName;
+    item.isFolder = has(FILE_ATTRIBUTE_DIRECTORY);
+    // Clouds and archives mark their files too; those are files.
+    item.isLink =
+        has(FILE_ATTRIBUTE_REPARSE_POINT) && (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK ||
+                                              found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+    item.isOther = has(FILE_ATTRIBUTE_DEVICE);
+    item.size = std::uint64_t{found.nFileSizeHigh} << kHalf | found.nFileSizeLow;
+    return item;
 }
 
 // The names of files that are not finished. The console's thread reads them.
@@ -101,8 +138,8 @@ std::optional<FileId> idOf(HANDLE file) {
 // is open, by the console's thread.
 HANDLE create(const fs::path& path, DWORD flags) {
     const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                    nullptr, CREATE_NEW, flags, nullptr);
+        CreateFileW(systemPath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW, flags, nullptr);
     if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) fail(GetLastError());
     return file;
 }
@@ -112,10 +149,11 @@ HANDLE create(const fs::path& path, DWORD flags) {
 void makeLike(const fs::path& path, const fs::path& like) {
     constexpr SECURITY_INFORMATION kAccess = DACL_SECURITY_INFORMATION;
     DWORD size = 0;
-    GetFileSecurityW(like.c_str(), kAccess, nullptr, 0, &size);
+    const std::wstring model = systemPath(like);
+    GetFileSecurityW(model.c_str(), kAccess, nullptr, 0, &size);
     if (size == 0) return;
     std::vector<unsigned char> access(size);
-    if (GetFileSecurityW(like.c_str(), kAccess, access.data(), size, &size) != 0)
+    if (GetFileSecurityW(model.c_str(), kAccess, access.data(), size, &size) != 0)
         SetFileSecurityW(path.c_str(), kAccess, access.data());
 }
 
@@ -123,10 +161,32 @@ constexpr int kTries = 100;
 
 }  // namespace
 
+fs::path openable(const fs::path& path) {
+    return systemPath(path);
+}
+
+std::vector<FolderItem> itemsOf(const fs::path& folder, std::error_code& failure) {
+    std::vector<FolderItem> items;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW(systemPath(folder / L"*").c_str(), &found);
+    if (search != INVALID_HANDLE_VALUE) {
+        do {
+            const std::wstring_view name = found.cFileName;
+            if (name != L"." && name != L"..") items.push_back(itemOf(found));
+        } while (FindNextFileW(search, &found) != 0);
+    }
+    const DWORD code = GetLastError();
+    if (search != INVALID_HANDLE_VALUE) FindClose(search);
+    // The root of an empty drive has not even itself.
+    if (code != ERROR_NO_MORE_FILES && code != ERROR_FILE_NOT_FOUND)
+        failure.assign(static_cast<int>(code), std::system_category());
+    return items;
+}
+
 std::optional<FileId> identityOf(const fs::path& path) {
-    const HANDLE file =
-        CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const HANDLE file = CreateFileW(systemPath(path).c_str(), 0,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) return std::nullopt;
     const std::optional<FileId> id = idOf(file);
     CloseHandle(file);
@@ -146,7 +206,7 @@ WritableFile WritableFile::createIn(const fs::path& folder, const fs::path& like
     WritableFile file;
     for (int tries = 0; !file.isOpen(); ++tries) {
         if (tries == kTries) fail(ERROR_FILE_EXISTS);
-        file.path_ = folder / randomName();
+        file.path_ = systemPath(folder / randomName());
         const EndWaits wait;
         file.handle_ = numberOf(create(file.path_, FILE_ATTRIBUTE_NORMAL));
         if (file.isOpen()) file.slot_ = enlist(file.path_.c_str());
@@ -166,9 +226,9 @@ WritableFile WritableFile::createNameless(const fs::path& folder) {
 }
 
 WritableFile WritableFile::open(const fs::path& path) {
-    WritableFile file(
-        numberOf(CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                             nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
+    WritableFile file(numberOf(CreateFileW(systemPath(path).c_str(), GENERIC_WRITE,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
     if (!file.isOpen()) fail(GetLastError());
     return file;
 }
@@ -248,7 +308,7 @@ FileId WritableFile::replace(const fs::path& target) {
     makeLike(path_, target);
     close();
     const EndWaits wait;
-    if (MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
+    if (MoveFileExW(path_.c_str(), systemPath(target).c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
         fail(GetLastError());
     if (slot_ < kSlots) unfinished[slot_] = nullptr;
     path_.clear();
