@@ -1,10 +1,10 @@
 # The exported names of a shared library, read from the binary itself. Run with cmake -P:
 #
-#   cmake -DMODE=check|write -DPLATFORM=linux|windows -DLIBRARY=FILE -DLIST=FILE
+#   cmake -DMODE=check|write -DPLATFORM=linux|windows|windows64 -DLIBRARY=FILE -DLIST=FILE
 #         -DTOOL=nm-or-objdump [-DCXXFILT=c++filt] -P Exports.cmake
 #
 # check compares them, name by name, with the checked-in list; write replaces the list, each name
-# followed by a tab and its demangled form. A Windows library must also be one for 32-bit x86.
+# followed by a tab and its demangled form. A Windows library must also be one for that machine.
 cmake_minimum_required(VERSION 3.22)
 
 include(${CMAKE_CURRENT_LIST_DIR}/RunTool.cmake)
@@ -20,8 +20,12 @@ if(PLATFORM STREQUAL "linux")
     endforeach()
 else()
     run_tool(format ${TOOL} -f ${LIBRARY})
-    if(NOT format MATCHES "file format pei-i386")
-        message(FATAL_ERROR "${LIBRARY} is no 32-bit Windows library: ${format}")
+    set(machine pei-i386)
+    if(PLATFORM STREQUAL "windows64")
+        set(machine pei-x86-64)
+    endif()
+    if(NOT format MATCHES "file format ${machine}\n")
+        message(FATAL_ERROR "${LIBRARY} is not of the format ${machine}: ${format}")
     endif()
     run_tool(dump ${TOOL} -p ${LIBRARY})
     # The name table alone: "\t[   0] +base[   1] 0000 ZQ_DateEncode", one line for each export.

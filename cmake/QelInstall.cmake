@@ -27,10 +27,6 @@ endfunction()
 
 qel_install_library(QelUtility library development)
 qel_install_library(QelCalendar calendar calendar_development)
-if(WIN32 AND QEL_BUILD_SHARED AND QEL_DLLTOOL)
-    install(FILES ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/QelCalendar.lib DESTINATION ${CMAKE_INSTALL_LIBDIR}
-            COMPONENT calendar_development)
-endif()
 if(NOT WIN32 AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
     # Outside the loader's own folders QelCalendar finds QelUtility beside itself.
     set_target_properties(QelCalendar PROPERTIES INSTALL_RPATH "$ORIGIN")

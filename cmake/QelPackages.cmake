@@ -50,6 +50,17 @@ if(WIN32)
         set(qel_libgcc libgcc_s_seh-1.dll)
     endif()
     set(CPACK_PACKAGE_FILE_NAME QelUtility-${PROJECT_VERSION}-${qel_windows})
+    # Debuggers alone need the second archive.
+    set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+    set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+    set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
+    foreach(component library development calendar calendar_development program)
+        string(TOUPPER ${component} upper)
+        set(CPACK_COMPONENT_${upper}_GROUP all)
+    endforeach()
+    set(CPACK_COMPONENT_DEBUG_GROUP debug)
+    set(CPACK_ARCHIVE_ALL_FILE_NAME ${CPACK_PACKAGE_FILE_NAME})
+    set(CPACK_ARCHIVE_DEBUG_FILE_NAME ${CPACK_PACKAGE_FILE_NAME}-debug)
     # The compiler's run-time libraries, and what a reader looks for first, beside the program.
     foreach(runtime libstdc++-6.dll ${qel_libgcc} libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime} OUTPUT_VARIABLE file
@@ -59,7 +70,10 @@ if(WIN32)
             find_file(file ${runtime} PATHS ${CMAKE_FIND_ROOT_PATH} PATH_SUFFIXES lib bin NO_CACHE REQUIRED
                       NO_CMAKE_FIND_ROOT_PATH)
         endif()
-        install(FILES ${file} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library)
+        # They come with 20 MB of debug information.
+        set(stripped ${PROJECT_BINARY_DIR}/packaging/${runtime})
+        execute_process(COMMAND ${CMAKE_STRIP} -o ${stripped} ${file} COMMAND_ERROR_IS_FATAL ANY)
+        install(PROGRAMS ${stripped} DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library)
     endforeach()
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION . COMPONENT library)
     qel_documents(.)
@@ -165,7 +179,7 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/packaging/python/METADATA.in ${PROJEC
                @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/packaging/python/METADATA
         DESTINATION ${qel_python_folder}/qelcalendar-${PROJECT_VERSION}.dist-info COMPONENT python)
-install(FILES ${PROJECT_SOURCE_DIR}/python/README.md
+install(FILES ${PROJECT_SOURCE_DIR}/docs/python.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_PYTHON_PACKAGE_NAME} COMPONENT python)
 
 # /usr/share/doc/PACKAGE of each: who may copy it, and what changed. Debian's form of the change log

@@ -82,8 +82,8 @@ QEL_FUZZ_TARGET(data_stream) {
     for (unsigned i = 0; i < count; ++i) kinds[i] = in.choose(17);
     std::string text = in.text();
     CBxDataStream stream;
-    FUZZ_CHECK(
-        stream.Initialize(reinterpret_cast<unsigned char*>(text.data()), text.size(), true) == 0);
+    FUZZ_CHECK(stream.Initialize(reinterpret_cast<unsigned char*>(text.data()),
+                                 static_cast<unsigned long>(text.size()), true) == 0);
     for (unsigned i = 0; i < count; ++i) {
         try {
             readOne(stream, kinds[i]);
