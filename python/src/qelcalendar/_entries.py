@@ -317,9 +317,7 @@ class Calendar:
     def __len__(self) -> int:
         return len(self.entries)
 
-    def occurrences(
-        self, since: Optional[Moment] = None, through: Optional[Moment] = None
-    ) -> list[tuple[When, Entry]]:
+    def occurrences(self, since: Moment, through: Moment) -> list[tuple[When, Entry]]:
         """What takes place from `since` through `through`, by the clocks on the wall, in one pass."""
         found = [
             (when, entry) for entry in self.entries for when in entry.occurrences(since, through)
