@@ -111,7 +111,7 @@ void addConvertCommand(CLI::App& app, Context& context) {
         ->check(CLI::Range(1, 64))
         ->option_text("N");
     command->add_flag("--json", options->json,
-                      "print what became of each file as JSON; see docs/json/");
+                      "print what became of each file as JSON; see `qelutil schema`");
     command->add_flag("-v,--verbose", options->verbose,
                       "also report how irregular input was read, and show every message");
     command->footer(

@@ -17,6 +17,17 @@ function __qelutil_only
     test (count $words) -eq (math 1 + (count $argv)); and __qelutil_at $argv
 end
 
+function __qelutil_zones
+    qelutil zone list --iana 2>/dev/null | string replace -r '.* ' ''
+end
+
+# True when files are converted: the command says so, or a file stands in its place.
+function __qelutil_converts
+    set -l words (string match -v -r '^(-.*|auto|always|never)$' -- (commandline -opc))
+    test (count $words) -ge 2; or return 1
+    test $words[2] = convert; or not contains -- $words[2] convert show rule expand date zone encode decode charset field status stream log schema
+end
+
 complete -c qelutil -f
 complete -c qelutil -n '__qelutil_only' -F
 complete -c qelutil -n '__qelutil_at' -s h -l help -d 'Print this help message and exit'
@@ -38,41 +49,41 @@ complete -c qelutil -n '__qelutil_only' -a stream -d 'Show the values of a seria
 complete -c qelutil -n '__qelutil_only' -a log -d 'The trace log: where it is, its options, its last lines; and logs of others'
 complete -c qelutil -n '__qelutil_only' -a schema -d 'Prints the JSON Schema of what commands print with --json'
 
-complete -c qelutil -n '__qelutil_at convert' -s h -l help -d 'Print this help message and exit'
-complete -c qelutil -n '__qelutil_at convert' -F
-complete -c qelutil -n '__qelutil_at convert' -l to -x -a 'ics vcs' -d 'ics for iCalendar, vcs for vCalendar 1.0'
-complete -c qelutil -n '__qelutil_at convert' -s o -l output -r -F -d 'the file to write, whole or not at all'
-complete -c qelutil -n '__qelutil_at convert' -s d -l output-dir -x -a '(__fish_complete_directories)' -d 'the folder to write to, a file for each file'
-complete -c qelutil -n '__qelutil_at convert' -l split -x -d 'write calendars of at most so many bytes, FILE-1.ics and so on'
-complete -c qelutil -n '__qelutil_at convert' -l beside -d 'write each result beside its file, under a name that is free, with a report'
-complete -c qelutil -n '__qelutil_at convert' -l zone -x -d 'the time zone of times that name none, as Europe/Berlin'
-complete -c qelutil -n '__qelutil_at convert' -l charset -x -d 'the character set of text that names none, as Shift_JIS or windows-1251'
-complete -c qelutil -n '__qelutil_at convert' -l count-means -x -a 'dates periods' -d 'what #10 means in a phone\'s rule with several days in a week, month or year'
-complete -c qelutil -n '__qelutil_at convert' -l only -x -d 'take entries of these kinds alone, with commas between several'
-complete -c qelutil -n '__qelutil_at convert' -l distinct-uids -d 'give an entry another UID when an earlier one with other content has it'
-complete -c qelutil -n '__qelutil_at convert' -l overwrite -d 'replace files that the folder of --output-dir already has'
-complete -c qelutil -n '__qelutil_at convert' -l strict -d 'treat warnings and losses as errors'
-complete -c qelutil -n '__qelutil_at convert' -s n -l dry-run -d 'write no calendar, and show what would become of each file'
-complete -c qelutil -n '__qelutil_at convert' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
-complete -c qelutil -n '__qelutil_at convert' -l open -d 'show the report when it is written'
-complete -c qelutil -n '__qelutil_at convert' -l threads -x -d 'how many files are worked on at a time, at most'
-complete -c qelutil -n '__qelutil_at convert' -l json -d 'print what became of each file as JSON'
-complete -c qelutil -n '__qelutil_at convert' -s v -l verbose -d 'also report how irregular input was read, and show every message'
+complete -c qelutil -n '__qelutil_converts' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_converts' -F
+complete -c qelutil -n '__qelutil_converts' -l to -x -a 'ics vcs' -d 'ics for iCalendar, vcs for vCalendar 1.0'
+complete -c qelutil -n '__qelutil_converts' -s o -l output -r -F -d 'the file to write, whole or not at all'
+complete -c qelutil -n '__qelutil_converts' -s d -l output-dir -x -a '(__fish_complete_directories)' -d 'the folder to write to, a file for each file'
+complete -c qelutil -n '__qelutil_converts' -l split -x -d 'write calendars of at most so many bytes, FILE-1.ics and so on'
+complete -c qelutil -n '__qelutil_converts' -l beside -d 'write each result beside its file, under a name that is free, with a report'
+complete -c qelutil -n '__qelutil_converts' -l zone -x -a '(__qelutil_zones)' -d 'the time zone of times that name none, as Europe/Berlin'
+complete -c qelutil -n '__qelutil_converts' -l charset -x -d 'the character set of text that names none, as Shift_JIS or windows-1251'
+complete -c qelutil -n '__qelutil_converts' -l count-means -x -a 'dates periods' -d 'what #10 means in a phone\'s rule with several days in a week, month or year'
+complete -c qelutil -n '__qelutil_converts' -l only -x -a 'events todos notes' -d 'take entries of these kinds alone, with commas between several'
+complete -c qelutil -n '__qelutil_converts' -l distinct-uids -d 'give an entry another UID when an earlier one with other content has it'
+complete -c qelutil -n '__qelutil_converts' -l overwrite -d 'replace files that the folder of --output-dir already has'
+complete -c qelutil -n '__qelutil_converts' -l strict -d 'treat warnings and losses as errors'
+complete -c qelutil -n '__qelutil_converts' -s n -l dry-run -d 'write no calendar, and show what would become of each file'
+complete -c qelutil -n '__qelutil_converts' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
+complete -c qelutil -n '__qelutil_converts' -l open -d 'show the report when it is written'
+complete -c qelutil -n '__qelutil_converts' -l threads -x -d 'how many files are worked on at a time, at most'
+complete -c qelutil -n '__qelutil_converts' -l json -d 'print what became of each file as JSON'
+complete -c qelutil -n '__qelutil_converts' -s v -l verbose -d 'also report how irregular input was read, and show every message'
 
 complete -c qelutil -n '__qelutil_at show' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at show' -F
-complete -c qelutil -n '__qelutil_at show' -l since -x -d 'the first day'
+complete -c qelutil -n '__qelutil_at show' -l since -x -d 'the first day, as 2005-06-15, today or yesterday'
 complete -c qelutil -n '__qelutil_at show' -l through -x -d 'the last day, a year after the first when it is missing'
 complete -c qelutil -n '__qelutil_at show' -l next -x -d 'the next so many from today on, or from --since (1 to 100000)'
 complete -c qelutil -n '__qelutil_at show' -l search -x -d 'only what has this in its title, text, place or categories'
-complete -c qelutil -n '__qelutil_at show' -l only -x -d 'only entries of these kinds, with commas between several'
-complete -c qelutil -n '__qelutil_at show' -l zone -x -d 'the zone in which times are shown, as Europe/Berlin, and that of times without one'
+complete -c qelutil -n '__qelutil_at show' -l only -x -a 'events todos notes' -d 'only entries of these kinds, with commas between several'
+complete -c qelutil -n '__qelutil_at show' -l zone -x -a '(__qelutil_zones)' -d 'the zone in which times are shown, as Europe/Berlin, and that of times without one'
 complete -c qelutil -n '__qelutil_at show' -l charset -x -d 'the character set of text that names none'
 complete -c qelutil -n '__qelutil_at show' -l calendar -d 'month grids with the days marked'
 complete -c qelutil -n '__qelutil_at show' -l json -d 'print each entry with its facts as JSON'
 
 complete -c qelutil -n '__qelutil_at rule' -s h -l help -d 'Print this help message and exit'
-complete -c qelutil -n '__qelutil_at rule' -l start -x -d 'The date of the series\' first entry, or "today"'
+complete -c qelutil -n '__qelutil_at rule' -l start -x -d 'The date of the series\' first entry, as 2005-06-15, today or tomorrow'
 complete -c qelutil -n '__qelutil_at rule' -l from -x -a 'v10 ical positional' -d 'The form of TEXT'
 complete -c qelutil -n '__qelutil_at rule' -l count-means -x -a 'dates periods' -d 'What #10 means in a vCalendar 1.0 rule with several days in a week, month or year'
 complete -c qelutil -n '__qelutil_at rule' -l to -x -a 'v10 ical positional' -d 'Print the rule in this form and nothing else'
@@ -81,7 +92,7 @@ complete -c qelutil -n '__qelutil_at rule' -l calendar -d 'Show the dates in mon
 complete -c qelutil -n '__qelutil_at rule' -l json -d 'Print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at expand' -s h -l help -d 'Print this help message and exit'
-complete -c qelutil -n '__qelutil_at expand' -l start -x -d 'The date of the series\' first entry, or "today"'
+complete -c qelutil -n '__qelutil_at expand' -l start -x -d 'The date of the series\' first entry, as 2005-06-15, today or tomorrow'
 complete -c qelutil -n '__qelutil_at expand' -l from -x -a 'v10 ical positional' -d 'The form of TEXT'
 complete -c qelutil -n '__qelutil_at expand' -l count-means -x -a 'dates periods' -d 'What #10 means in a vCalendar 1.0 rule with several days in a week, month or year'
 complete -c qelutil -n '__qelutil_at expand' -l since -x -d 'The first day shown'
@@ -110,14 +121,16 @@ complete -c qelutil -n '__qelutil_at zone list' -l iana -d 'only the IANA time z
 complete -c qelutil -n '__qelutil_at zone list' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at zone show' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at zone show' -a '(__qelutil_zones)'
 complete -c qelutil -n '__qelutil_at zone show' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at zone convert' -s h -l help -d 'Print this help message and exit'
-complete -c qelutil -n '__qelutil_at zone convert' -l from -x -d 'a zone\'s number or name, a part of the name, UTC, a name such as Europe/Berlin, or local'
-complete -c qelutil -n '__qelutil_at zone convert' -l to -x -d 'the zone to convert to, in the same way'
+complete -c qelutil -n '__qelutil_at zone convert' -l from -x -a '(__qelutil_zones)' -d 'a name such as Europe/Berlin, which has the clocks of all years'
+complete -c qelutil -n '__qelutil_at zone convert' -l to -x -a '(__qelutil_zones)' -d 'the zone to convert to, in the same way'
 complete -c qelutil -n '__qelutil_at zone convert' -l json -d 'print the facts as JSON'
 
 complete -c qelutil -n '__qelutil_at zone changes' -s h -l help -d 'Print this help message and exit'
+complete -c qelutil -n '__qelutil_at zone changes' -a '(__qelutil_zones)'
 complete -c qelutil -n '__qelutil_at zone changes' -l year -x -d 'the year'
 complete -c qelutil -n '__qelutil_at zone changes' -l json -d 'print the facts as JSON'
 
@@ -162,14 +175,14 @@ complete -c qelutil -n '__qelutil_at stream' -l json -d 'print the facts as JSON
 
 complete -c qelutil -n '__qelutil_at log' -s h -l help -d 'Print this help message and exit'
 complete -c qelutil -n '__qelutil_at log' -F
-complete -c qelutil -n '__qelutil_at log' -l errors -d 'of FILE only the errors'
+complete -c qelutil -n '__qelutil_at log' -l errors -d 'only the errors'
 complete -c qelutil -n '__qelutil_at log' -l thread -x -d 'only what this thread wrote'
 complete -c qelutil -n '__qelutil_at log' -l since -x -d 'from this time on'
 complete -c qelutil -n '__qelutil_at log' -l through -x -d 'up to and with this time'
 complete -c qelutil -n '__qelutil_at log' -l search -x -d 'only lines with this text'
 complete -c qelutil -n '__qelutil_at log' -l summary -d 'the first and the last line, errors by code, gaps, starts, and the options'
-complete -c qelutil -n '__qelutil_at log' -s f -l follow -d 'go on with what is written to FILE later'
-complete -c qelutil -n '__qelutil_at log' -l set -x -d 'set an option'
+complete -c qelutil -n '__qelutil_at log' -s f -l follow -d 'go on with what is written later'
+complete -c qelutil -n '__qelutil_at log' -l set -x -a 'MaxFileSize= MaxBackupCount= KeepLogFiles= VTraceVerbosity= TracingOptions= LogManagerLevel= LogManagerDetail= RetroactiveTracingBufferSize= SeparateLogForEachProcess= KeepLogFileOpen=' -d 'set an option'
 complete -c qelutil -n '__qelutil_at log' -l tail -x -d 'only the last lines'
 complete -c qelutil -n '__qelutil_at log' -l json -d 'print the facts as JSON'
 

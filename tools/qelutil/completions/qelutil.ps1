@@ -79,7 +79,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
                 '--help|Print this help message and exit'
                 '--since|the first day, as 2005-06-15, today or yesterday'
                 '--through|the last day, a year after the first when it is missing'
-                '--next|the next so many from today on, or from --since'
+                '--next|the next so many from today on, or from --since (1 to 100000)'
                 '--search|only what has this in its title, text, place or categories'
                 '--only|only entries of these kinds, with commas between several'
                 '--zone|the zone in which times are shown, as Europe/Berlin, and that of times without one'
