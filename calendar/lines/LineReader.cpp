@@ -285,7 +285,7 @@ void LineReader::passOver() {
     while (isPassedOver()) {
         lastEnd_.skipRest(chunk_, at_);
         // What begins in another way may be the rest of the line.
-        if (at_ == chunk_.size() || !isCapital(chunk_[at_]) || !takeWhole()) break;
+        if (!beginsProperty(chunk_.substr(at_)) || !takeWhole()) break;
         any = true;
     }
     if (any) nameAhead();
