@@ -19,7 +19,7 @@ enum class CalendarFormat { ICalendar, VCalendar10 };
 struct ConvertedEntry {
     static constexpr std::size_t kMostNotes = 1000;
 
-    const Entry& entry;           // as it was read
+    Entry& entry;                 // as it was read; the observer may move it away
     CalendarFormat target;        // what it was written as
     std::span<const Note> notes;  // about this entry, as they were reported; kMostNotes at most
     std::uint64_t moreNotes = 0;  // beyond them

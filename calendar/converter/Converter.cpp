@@ -579,12 +579,14 @@ void Converter::take(HeldFile file) {
     const std::uint64_t before = counts_.calendars;
     for (HeldFile::Item& item : file.items) {
         counts_.calendars = before + item.calendars;
-        if (auto* const note = std::get_if<Note>(&item.what))
-            sink_(std::move(*note));
-        else if (const auto* const calendar = std::get_if<HeldCalendar>(&item.what))
-            takeCalendar(*calendar, file.distinctUids);
+        if (item.note != nullptr)
+            sink_(std::move(*item.note));
+        else if (item.calendar != nullptr)
+            takeCalendar(*item.calendar, file.distinctUids);
         else
-            takeEntry(std::get<HeldEntry>(item.what), lines);
+            takeEntry(*item.entry, lines);
+        // Notes and entries are not needed twice.
+        item = {};
     }
     counts_.calendars = before + file.calendars;
 }
@@ -596,7 +598,7 @@ void Converter::takeCalendar(const HeldCalendar& calendar, bool distinctUids) {
 }
 
 void Converter::takeEntry(HeldEntry& held, bool lines) {
-    const Entry& entry = held.entry;
+    Entry& entry = held.entry;
     ++counts_.entries;
     counts_.alarms += entry.alarms.size();
     heldEntry_ = &held;

@@ -38,9 +38,11 @@ class EntryStream::Catcher final : public ConversionObserver {
     }
 
     void entryConverted(const ConvertedEntry& converted) override {
-        entries.push_back({converted.entry, {converted.notes.begin(), converted.notes.end()}});
+        const std::size_t line = converted.entry.line;
+        entries.push_back(
+            {std::move(converted.entry), {converted.notes.begin(), converted.notes.end()}});
         for (Note& note : pending_)
-            if (note.line < converted.entry.line) keepOutside(std::move(note));
+            if (note.line < line) keepOutside(std::move(note));
         pending_.clear();
     }
 

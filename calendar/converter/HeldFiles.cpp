@@ -13,7 +13,8 @@ class FileHolder::Writer final : public EntryWriter {
     explicit Writer(FileHolder& holder)
         : EntryWriter(nowhere_, [](const Note&) {}), holder_(holder), nowhere_(nullptr) {}
     void calendar(const std::vector<EntryProperty>& properties) override {
-        holder_.add(HeldCalendar{*holder_.converter_.target(), properties});
+        holder_.add().calendar =
+            std::make_unique<HeldCalendar>(HeldCalendar{*holder_.converter_.target(), properties});
     }
     void write(const Entry&) override {}
     void finish() override {}
@@ -24,21 +25,25 @@ class FileHolder::Writer final : public EntryWriter {
 };
 
 FileHolder::FileHolder(Choices choices, bool lines)
-    : lines_(lines),
-      converter_(std::make_unique<Writer>(*this), [this](Note note) { add(std::move(note)); }) {
+    : lines_(lines), converter_(std::make_unique<Writer>(*this), [this](Note note) {
+          add().note = std::make_unique<Note>(std::move(note));
+      }) {
     converter_.choose(std::move(choices));
     converter_.observe(this);
 }
 
-template <class What>
-void FileHolder::add(What what) {
-    files_.back().items.push_back({calendars(), std::move(what)});
+HeldFile::Item& FileHolder::add() {
+    HeldFile::Item& item = files_.back().items.emplace_back();
+    item.calendars = calendars();
+    return item;
 }
 
 void FileHolder::beginFile(const std::string& name) {
     if (!files_.empty()) files_.back().calendars = calendars();
     calendarsBefore_ = converter_.counts().calendars;
-    files_.push_back({name, converter_.choices().distinctUids, {}});
+    HeldFile& file = files_.emplace_back();
+    file.name = name;
+    file.distinctUids = converter_.choices().distinctUids;
 }
 
 std::vector<HeldFile> FileHolder::take() {
@@ -47,11 +52,13 @@ std::vector<HeldFile> FileHolder::take() {
 }
 
 void FileHolder::entryConverted(const ConvertedEntry& converted) {
-    add(HeldEntry{converted.entry,
-                  {converted.notes.begin(), converted.notes.end()},
-                  converted.moreNotes,
-                  std::string(converted.source),
-                  converted.sourceCut});
+    auto held = std::make_unique<HeldEntry>();
+    held->entry = std::move(converted.entry);
+    held->notes.assign(converted.notes.begin(), converted.notes.end());
+    held->moreNotes = converted.moreNotes;
+    held->source = converted.source;
+    held->sourceCut = converted.sourceCut;
+    add().entry = std::move(held);
 }
 
 }  // namespace qel::calendar

@@ -4,9 +4,9 @@
 #define QEL_CALENDAR_CONVERTER_HELDFILES_H
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "calendar/converter/ConversionObserver.h"
@@ -22,18 +22,21 @@ struct HeldCalendar {
 struct HeldEntry {
     Entry entry;
     std::vector<Note> notes;  // of its reading, as ConvertedEntry has them
-    std::uint64_t moreNotes;
+    std::uint64_t moreNotes = 0;
     std::string source;
-    bool sourceCut;
+    bool sourceCut = false;
 };
 
 struct HeldFile {
+    // One of the three.
     struct Item {
-        std::uint64_t calendars;  // of the file that had begun
-        std::variant<Note, HeldCalendar, HeldEntry> what;
+        std::uint64_t calendars = 0;  // of the file that had begun
+        std::unique_ptr<Note> note;
+        std::unique_ptr<HeldCalendar> calendar;
+        std::unique_ptr<HeldEntry> entry;
     };
     std::string name;
-    bool distinctUids;
+    bool distinctUids = false;
     std::vector<Item> items;
     std::uint64_t calendars = 0;  // of the file
 };
@@ -56,8 +59,7 @@ class FileHolder final : private ConversionObserver {
 
     [[nodiscard]] bool wantsLines() const override { return lines_; }
     void entryConverted(const ConvertedEntry& converted) override;
-    template <class What>
-    void add(What what);
+    [[nodiscard]] HeldFile::Item& add();
     [[nodiscard]] std::uint64_t calendars() const {
         return converter_.counts().calendars - calendarsBefore_;
     }
