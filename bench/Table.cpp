@@ -76,12 +76,7 @@ void Table::ReportRuns(const std::vector<Run>& runs) {
             GetErrorStream() << run.benchmark_name() << ": " << run.error_message << '\n';
             continue;
         }
-#ifdef QEL_BENCH_WALL_TIME
-        const double seconds = run.real_accumulated_time;
-#else
-        const double seconds = run.cpu_accumulated_time;
-#endif
-        times_[run.run_name.function_name].push_back(seconds * 1e9 /
+        times_[run.run_name.function_name].push_back(run.cpu_accumulated_time * 1e9 /
                                                      static_cast<double>(run.iterations));
     }
 }
