@@ -120,7 +120,7 @@ std::optional<Duration> takeDurationPart(std::string_view& text, bool inTime,
     return Duration{number * unit->days, number * unit->seconds};
 }
 
-// The number of two digits; 100 or more when they are none.
+// The number of two digits; 100 or more when one is not a digit.
 unsigned twoDigits(const char* text) {
     const unsigned tens = static_cast<unsigned char>(text[0]) - unsigned{'0'};
     const unsigned ones = static_cast<unsigned char>(text[1]) - unsigned{'0'};

@@ -177,7 +177,7 @@ std::vector<FolderItem> itemsOf(const fs::path& folder, std::error_code& failure
     }
     const DWORD code = GetLastError();
     if (search != INVALID_HANDLE_VALUE) FindClose(search);
-    // The root of an empty drive has not even itself.
+    // An empty drive lists nothing, not even ".".
     if (code != ERROR_NO_MORE_FILES && code != ERROR_FILE_NOT_FOUND)
         failure.assign(static_cast<int>(code), std::system_category());
     return items;
