@@ -109,7 +109,7 @@ class ConvertRun {
     // today from a phone's files, whatever lies beside them. Else the other one than a file's own.
     [[nodiscard]] std::string usualTarget() const {
         if (!eachAlone() && !isStandardOutput(options_.output)) {
-            const std::string named = calendarExtension(options_.output);
+            std::string named = calendarExtension(options_.output);
             if (!named.empty()) return named;
         }
         const bool fromPhone =
