@@ -99,7 +99,7 @@ std::string timesGiven(const std::vector<std::string>& part) {
 }  // namespace
 
 std::string parserWords(const CLI::App& app, const CLI::ParseError& problem) {
-    const std::string text = problem.what();
+    std::string text = problem.what();
     if (dynamic_cast<const CLI::ExtrasError*>(&problem) != nullptr) return unexpected(app);
     using Parts = std::vector<std::string>;
     const auto known = [&](std::string_view pattern, const auto& words) {

@@ -35,7 +35,7 @@ std::string refusalOf(const CLI::Option& option, std::string value) {
     auto& checks = const_cast<CLI::Option&>(option);
     for (int i = 0;; ++i) {
         try {
-            const std::string refusal = (*checks.get_validator(i))(value);
+            std::string refusal = (*checks.get_validator(i))(value);
             if (!refusal.empty()) return refusal;
         } catch (const CLI::OptionNotFound&) {
             return {};
