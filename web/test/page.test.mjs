@@ -308,6 +308,11 @@ test("stays alive with a large file, can be cancelled, and hands it out in piece
     await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
     assert.equal((await page.$$("#printed li")).length, 1);
     await page.evaluate(() => dispatchEvent(new Event("afterprint")));
+    // The dialog comes at once: the report is done before somebody would need it.
+    await page.evaluate(() => {
+        const later = globalThis.setTimeout;
+        globalThis.setTimeout = (call) => later(call);
+    });
     await page.$eval("#report", (button) => button.click());
     await page.waitForFunction(() => {
         const dialog = document.getElementById("busy");
