@@ -40,7 +40,7 @@ TEST(Forks, AChildTracesAndWritesNothingOfItsParent) {
         for (int thread = 0; thread < 3; ++thread)
             running.emplace_back([&done, thread] {
                 for (int i = 0; !done; ++i) {
-                    BxTrace_Tracef("thread %d line %d\n", thread, i);
+                    BxTrace_Tracef("thread %d line %d.\n", thread, i);
                     if (i % 8 == 0) BxTrace_SetOptionValue("Other", "Key", i);
                 }
             });
@@ -62,8 +62,9 @@ TEST(Forks, AChildTracesAndWritesNothingOfItsParent) {
         for (const std::string& name : trace.files())
             if (name.rfind("trace", 0) == 0)
                 for (const std::string& line : trace.messages(name)) ++lines[line];
+        // A line is cut in two where one retroactive buffer ends; only whole ones are counted.
         for (const auto& [line, times] : lines)
-            if (line.rfind("thread ", 0) == 0) ASSERT_EQ(times, 1) << line;
+            if (line.rfind("thread ", 0) == 0 && line.back() == '.') ASSERT_EQ(times, 1) << line;
         for (int child = 0; child < kChildren; ++child)
             EXPECT_EQ(lines["child " + std::to_string(child)], 1);
     }
