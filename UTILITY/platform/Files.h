@@ -17,13 +17,7 @@ extern const char kPathSeparator;
 [[nodiscard]] std::size_t directoryLength(const char* path) noexcept;
 
 // Streams that are not inherited by child processes; null with errno set when there is none. New
-// files are made for the user alone. Reading and writing: binary, regular files only. Messages:
-// text mode; every write lands at the file's end, and others may rename and remove the file
-// meanwhile. `size` is the file's size at that moment, -1 when it is not known; the stream has no
-// position to ask for or to change.
-[[nodiscard]] std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept;
-// Whether what such a stream holds in its buffer reaches the file in one write.
-[[nodiscard]] bool messagesAreWhole() noexcept;
+// files are made for the user alone. Binary, regular files only.
 [[nodiscard]] std::FILE* openForRead(const char* path) noexcept;
 [[nodiscard]] std::FILE* openForWrite(const char* path) noexcept;
 // Whether two processes that append at the same moment never write over each other.
@@ -31,12 +25,19 @@ extern const char kPathSeparator;
 // Whether the file has nothing after its last line end. True also when that cannot be known.
 [[nodiscard]] bool endsInLine(const char* path) noexcept;
 
-// A file that stays open for appending, in text mode: -1 when it cannot be opened. Where the system
-// can forbid it, nobody renames or removes it meanwhile.
+// Files for appending, in text mode, that child processes do not inherit: -1 when one cannot be
+// opened. New ones are made for the user alone. Every write lands at the file's end.
+//
+// For one message: others may rename and remove the file meanwhile. `size` becomes the file's size
+// at that moment, -1 when it is not known.
+[[nodiscard]] int openForMessage(const char* path, std::int64_t* size) noexcept;
+// One that stays open: where the system can forbid it, nobody renames or removes it meanwhile.
 [[nodiscard]] int openHeld(const char* path) noexcept;
 // How many of the bytes reached the file; less than `size` when it takes no more.
 [[nodiscard]] std::size_t appendTo(int file, const char* data, std::size_t size) noexcept;
-void closeHeld(int file) noexcept;
+// Whether appendTo() is one write of the system's, with no other process's bytes in the middle.
+[[nodiscard]] bool messagesAreWhole() noexcept;
+void closeAppended(int file) noexcept;
 // Whether it is still the file of that name.
 [[nodiscard]] bool stillNamed(int file, const char* path) noexcept;
 

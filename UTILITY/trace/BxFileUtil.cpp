@@ -58,11 +58,10 @@ void appendToUserLog(const char* message) {
     platform::PathLock lock;
     if (!platform::messagesAreWhole()) (void)lock.acquire(path.c_str(), kLockMilliseconds);
     std::int64_t size = -1;
-    std::FILE* log = platform::openForMessage(path.c_str(), &size);
-    if (log == nullptr) return;
-    std::setvbuf(log, nullptr, _IONBF, 0);
-    std::fwrite(entry.data(), 1, entry.size(), log);
-    std::fclose(log);
+    const int log = platform::openForMessage(path.c_str(), &size);
+    if (log < 0) return;
+    (void)platform::appendTo(log, entry.data(), entry.size());
+    platform::closeAppended(log);
 }
 
 }  // namespace

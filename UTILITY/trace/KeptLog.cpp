@@ -103,7 +103,7 @@ void KeptLog::closeBeforeRotation(const char* path) noexcept {
 void KeptLog::close() noexcept {
     if (file_ == kNoFile) return;
     (void)flush();
-    platform::closeHeld(file_);
+    platform::closeAppended(file_);
     file_ = kNoFile;
 }
 

@@ -83,7 +83,7 @@ MessageLog::Lock::~Lock() {
 
 bool MessageLog::Target::put(const char* text, std::size_t length) const noexcept {
     if (kept != nullptr) return kept->put(text, length);
-    return stream != nullptr && std::fwrite(text, 1, length, stream) == length;
+    return stream != nullptr && stream->put(text, length);
 }
 
 int MessageLog::write(const char* text, std::uint32_t mask, const char*& failure) noexcept {
@@ -245,8 +245,9 @@ bool MessageLog::open(std::size_t room, Target& target) {
     }
     if (retro_.takeTraces()) return true;
     if (!directoryWritable()) return false;
-    target.stream = openForMessage(path, room);
-    return target.stream != nullptr;
+    if (!openForMessage(path, room)) return false;
+    target.stream = &stream_;
+    return true;
 }
 
 // Whether the log ends in a part of a line, as a full disk or a process that was killed leaves it.
@@ -259,7 +260,7 @@ bool MessageLog::cutLineDue(const char* path) noexcept {
     return !platform::endsInLine(path);
 }
 
-std::FILE* MessageLog::openForMessage(const char* path, std::size_t room) {
+bool MessageLog::openForMessage(const char* path, std::size_t room) {
     const bool sizeDue = sizeCheck_.countOpen();
     // A message that is one write lands whole at the log's end, wherever the log has been renamed
     // to by then, so only those who rotate or begin a log make the others wait. On other systems
@@ -268,28 +269,27 @@ std::FILE* MessageLog::openForMessage(const char* path, std::size_t room) {
         const bool safe = platform::appendsAreAtomic();
         const LockResult lock =
             fileLock_.acquire(path, safe ? kAppendWaitMilliseconds : kWaitMilliseconds);
-        if (lock == LockResult::kTimedOut && !safe) return nullptr;
+        if (lock == LockResult::kTimedOut && !safe) return false;
         if (sizeDue && limitUnlessLocked(path, lock)) sizeCheck_.examined();
     }
     const bool cutLine = cutLineDue(path);
     std::int64_t length = -1;
-    std::FILE* stream = stream_.open(path, room, &length);
-    if (stream == nullptr) {
+    if (!stream_.open(path, room, &length)) {
         ++failedOpens_;
         fileLock_.release();
-        return nullptr;
+        return false;
     }
     if (length < kShortestBannered && !fileLock_.held() &&
         fileLock_.acquire(path, kAppendWaitMilliseconds) == LockResult::kLocked)
         length = platform::fileSize(path);  // another process may have begun the log meanwhile
-    const Target target{stream, nullptr};
+    const Target target{&stream_, nullptr};
     if (cutLine) (void)target.put("\n", 1);
     if (length < kShortestBannered || firstBanner_) {
         firstBanner_ = false;
         writeBanner(target);
     }
     reportFailedOpens(target);
-    return stream;
+    return true;
 }
 
 bool MessageLog::openKept(const char* path) {
@@ -329,7 +329,7 @@ bool MessageLog::limitUnlessLocked(const char* path, LockResult lock) {
 bool MessageLog::close(const Target& target) {
     if (target.kept != nullptr) return target.kept->end(settings_.flushesEveryMessage() || ending_);
     if (target.stream == nullptr) return true;
-    const bool written = stream_.close(target.stream);
+    const bool written = stream_.close();
     fileLock_.release();
     return written;
 }

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 
 #include "platform/LockResult.h"
 #include "platform/PathLock.h"
@@ -83,7 +82,7 @@ class MessageLog {
     // Where a message goes: the stream that is opened for it, the log that is kept open, or to the
     // retroactive buffers alone.
     struct Target {
-        std::FILE* stream = nullptr;
+        MessageStream* stream = nullptr;
         KeptLog* kept = nullptr;
 
         [[nodiscard]] bool put(const char* text, std::size_t length) const noexcept;
@@ -98,7 +97,7 @@ class MessageLog {
     void writeBanner(const Target& target);
     void reportFailedOpens(const Target& target);
     bool open(std::size_t room, Target& target);
-    std::FILE* openForMessage(const char* path, std::size_t room);
+    bool openForMessage(const char* path, std::size_t room);
     [[nodiscard]] bool cutLineDue(const char* path) noexcept;
     bool openKept(const char* path);
     bool openKeptLocked(const char* path, platform::LockResult lock);

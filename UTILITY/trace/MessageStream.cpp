@@ -1,6 +1,8 @@
 #include "trace/MessageStream.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 #include "platform/Files.h"
 
@@ -12,23 +14,49 @@ constexpr std::size_t kBannerRoom = 4096;  // more than all that comes before th
 
 }  // namespace
 
-std::FILE* MessageStream::open(const char* path, std::size_t room, std::int64_t* size) noexcept {
-    std::FILE* stream = platform::openForMessage(path, size);
-    if (stream == nullptr) return nullptr;
+bool MessageStream::open(const char* path, std::size_t room, std::int64_t* size) noexcept {
+    // What a thread that ended in the middle of a message has left.
+    if (file_ != kNoFile) (void)close();
+    file_ = platform::openForMessage(path, size);
+    if (file_ == kNoFile) return false;
     if (room > kBuffer - kBannerRoom)
         longBuffer_ = static_cast<char*>(std::malloc(room + kBannerRoom));
-    const bool ownBlock = longBuffer_ != nullptr;
-    std::setvbuf(stream, ownBlock ? longBuffer_ : buffer_, _IOFBF,
-                 ownBlock ? room + kBannerRoom : kBuffer);
-    return stream;
+    text_ = longBuffer_ != nullptr ? longBuffer_ : buffer_;
+    room_ = longBuffer_ != nullptr ? room + kBannerRoom : kBuffer;
+    used_ = 0;
+    failed_ = false;
+    return true;
 }
 
-bool MessageStream::close(std::FILE* stream) noexcept {
-    const bool written = std::ferror(stream) == 0;
-    const bool closed = std::fclose(stream) == 0;
+bool MessageStream::put(const char* data, std::size_t length) noexcept {
+    while (length > 0 && !failed_) {
+        const std::size_t count = std::min(length, room_ - used_);
+        std::memcpy(text_ + used_, data, count);
+        used_ += count;
+        data += count;
+        length -= count;
+        if (length > 0) writeOut();
+    }
+    return !failed_;
+}
+
+void MessageStream::writeOut() noexcept {
+    if (platform::appendTo(file_, text_, used_) < used_) failed_ = true;
+    used_ = 0;
+}
+
+bool MessageStream::close() noexcept {
+    if (!failed_) writeOut();
+    platform::closeAppended(file_);
     std::free(longBuffer_);
+    forget();
+    return !failed_;
+}
+
+void MessageStream::forget() noexcept {
+    file_ = kNoFile;
     longBuffer_ = nullptr;
-    return written && closed;
+    used_ = 0;
 }
 
 }  // namespace qel::trace

@@ -27,22 +27,20 @@ TEST(Files, AppendingStreamsMeetAtTheEndAndSurviveARename) {
     const TempDir dir;
     const std::string path = dir.file("a");
     std::int64_t size = -1;
-    std::FILE* one = openForMessage(path.c_str(), &size);
-    std::FILE* two = openForMessage(path.c_str(), &size);
-    ASSERT_TRUE(one != nullptr && two != nullptr);
+    const int one = openForMessage(path.c_str(), &size);
+    const int two = openForMessage(path.c_str(), &size);
+    ASSERT_TRUE(one >= 0 && two >= 0);
     const FileIdentity before = fileIdentity(path.c_str());
     EXPECT_TRUE(before.known);
     for (int i = 0; i < 3; ++i) {
-        std::fputs("1", one);
-        std::fflush(one);
-        std::fputs("2", two);
-        std::fflush(two);
+        EXPECT_EQ(appendTo(one, "1", 1), 1U);
+        EXPECT_EQ(appendTo(two, "2", 1), 1U);
     }
     EXPECT_EQ(renameFile(path.c_str(), dir.file("b").c_str()), 0);
     EXPECT_EQ(fileIdentity(dir.file("b").c_str()), before);
-    std::fputs("end", one);
-    std::fclose(one);
-    std::fclose(two);
+    EXPECT_EQ(appendTo(one, "end", 3), 3U);
+    closeAppended(one);
+    closeAppended(two);
     EXPECT_EQ(readFile(dir.file("b")), "121212end");
     EXPECT_FALSE(fileExists(path.c_str()));
     EXPECT_FALSE(fileIdentity(path.c_str()).known);
@@ -52,7 +50,7 @@ TEST(Files, AppendingStreamsMeetAtTheEndAndSurviveARename) {
 
 TEST(Files, NewOnesAreTheUsersOwn) {
     const TempDir dir;
-    closeHeld(openHeld(dir.file("log").c_str()));
+    closeAppended(openHeld(dir.file("log").c_str()));
     std::fclose(openForWrite(dir.file("saved").c_str()));
     ASSERT_TRUE(writeProfile(dir.file("options").c_str(), "s", "k", "v"));
     ASSERT_TRUE(createDirectory(dir.file("folder").c_str()));

@@ -41,17 +41,6 @@ std::FILE* openStream(const char* path, int flags, const char* mode, bool regula
 
 constexpr int kAppending = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
 
-// A stream over a handle alone. The C library's own kind asks the system for the handle's mode and
-// position before the first byte, which would be half of what a trace line costs.
-ssize_t writeWhole(void* cookie, const char* data, std::size_t size) noexcept {
-    const int handle = static_cast<int>(reinterpret_cast<std::intptr_t>(cookie));
-    return static_cast<ssize_t>(appendTo(handle, data, size));
-}
-
-int closeHandle(void* cookie) noexcept {
-    return close(static_cast<int>(reinterpret_cast<std::intptr_t>(cookie)));
-}
-
 FileIdentity identityOf(const struct stat& status) noexcept {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
             true};
@@ -89,16 +78,12 @@ std::size_t directoryLength(const char* path) noexcept {
     return length;
 }
 
-std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept {
+int openForMessage(const char* path, std::int64_t* size) noexcept {
     const int handle = open(path, kAppending, kPrivateFile);
-    if (handle < 0) return nullptr;
     struct stat status {};
-    *size = fstat(handle, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : -1;
-    const cookie_io_functions_t calls{nullptr, writeWhole, nullptr, closeHandle};
-    std::FILE* stream =
-        fopencookie(reinterpret_cast<void*>(static_cast<std::intptr_t>(handle)), "a", calls);
-    if (stream == nullptr) close(handle);
-    return stream;
+    if (handle >= 0)
+        *size = fstat(handle, &status) == 0 ? static_cast<std::int64_t>(status.st_size) : -1;
+    return handle;
 }
 
 std::FILE* openForRead(const char* path) noexcept {
@@ -157,7 +142,7 @@ std::size_t appendTo(int file, const char* data, std::size_t size) noexcept {
     return written;
 }
 
-void closeHeld(int file) noexcept {
+void closeAppended(int file) noexcept {
     close(file);
 }
 

@@ -105,10 +105,10 @@ bool messagesAreWhole() noexcept {
     return false;
 }
 
-std::FILE* openForMessage(const char* path, std::int64_t* size) noexcept {
-    std::FILE* stream = streamOver(openAppending(path, kShareAll), "at");
-    if (stream != nullptr) *size = _filelengthi64(_fileno(stream));
-    return stream;
+int openForMessage(const char* path, std::int64_t* size) noexcept {
+    const int file = openAppending(path, kShareAll);
+    if (file >= 0) *size = _filelengthi64(file);
+    return file;
 }
 
 std::FILE* openForRead(const char* path) noexcept {
@@ -145,7 +145,7 @@ std::size_t appendTo(int file, const char* data, std::size_t size) noexcept {
     return written;
 }
 
-void closeHeld(int file) noexcept {
+void closeAppended(int file) noexcept {
     _close(file);
 }
 
