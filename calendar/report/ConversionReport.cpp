@@ -133,8 +133,11 @@ void ConversionReport::join(ConversionReport& part) {
 }
 
 void ConversionReport::finish(const std::string& remark, const Write& head) {
-    put(Held::What::Other, pageEnd());
     const std::vector<FileOutcome>& files = tally_.files();
+    const bool importable = std::any_of(files.begin(), files.end(), [](const FileOutcome& each) {
+        return each.output.ends_with(".ics");
+    });
+    put(Held::What::Other, pageEnd(importable));
     const Totals totals = tally_.totals();
     head(pageBegin(remark, totals));
     head(filesLeftOut(files));

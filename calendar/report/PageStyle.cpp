@@ -41,8 +41,8 @@ border-radius:2rem;background:var(--card);cursor:pointer;font-size:.9375rem}
 .pick:focus-visible+label{outline:3px solid var(--mark);outline-offset:2px}
 #some:checked~#entries .fine,#few:checked~#entries .fine,#few:checked~#entries .changed,#bad:checked~#entries .fine,
 #bad:checked~#entries article:not(.serious){display:none}
-#some:checked~#entries section:not(:has(.changed,.lost,.about)),#bad:checked~#entries section:not(:has(.serious,.about)),
-#few:checked~#entries section:not(:has(.lost,.about)){display:none}
+#some:checked~#entries section:not(:has(.changed,.lost,.about)),#bad:checked~#entries section:not(:has(.serious)),
+#few:checked~#entries section:not(:has(.lost)){display:none}
 article{display:grid;grid-template-columns:minmax(0,1fr) auto;gap:.25rem 1.5rem;background:var(--card);
 border:1px solid var(--line);border-left:4px solid var(--good);border-radius:.5rem .75rem .75rem .5rem;
 padding:1rem 1.25rem;margin:0 0 .75rem;content-visibility:auto;contain-intrinsic-size:auto 13rem}

@@ -296,15 +296,30 @@ std::string entryLine(const ReportEntry& entry) {
 std::string fileEnd(const NoteList& notes) {
     std::string text;
     if (!notes.shown.empty()) {
-        text = "<div class=about><p class=soft>About the file itself</p>";
+        // The filters show a file without entries of their kind for its own messages of that kind.
+        const auto any = [&](auto fits) {
+            return std::any_of(notes.shown.begin(), notes.shown.end(), fits);
+        };
+        const bool serious =
+            any([](const Note& each) { return each.severity() != Severity::Note; });
+        const bool lost = any([](const Note& each) { return each.fate() == Fate::Lost; });
+        text = std::string("<div class='about") + (serious ? " serious" : "") +
+               (lost ? " lost" : "") + "'><p class=soft>About the file itself</p>";
         addNoteList(text, notes, {});
         text += "</div>";
     }
     return text + "</section>\n";
 }
 
-std::string pageEnd() {
-    return "</div></main><footer><p>Converted: the entry is in the result. Changed: a message says "
+std::string pageEnd(bool importable) {
+    const char* import =
+        "<p>To bring the result into a calendar. Google Calendar: Settings, Import &amp; export, "
+        "on "
+        "a computer. Apple Calendar: File, Import. Thunderbird: the menu, Import, Calendar. "
+        "Outlook: File, Open &amp; Export, Import/Export. Take a new calendar for it: that can be "
+        "removed again as a whole.</p>";
+    return std::string("</div></main><footer>") + (importable ? import : "") +
+           "<p>Converted: the entry is in the result. Changed: a message says "
            "what "
            "was corrected or kept under another name. Not carried over: part of the entry is "
            "missing from the result.</p><p>In the months, days on which an entry takes place are "

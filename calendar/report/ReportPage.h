@@ -49,7 +49,8 @@ struct ReportEntry {
 // The same in one line, for an entry without a message.
 [[nodiscard]] std::string entryLine(const ReportEntry& entry);
 [[nodiscard]] std::string fileEnd(const NoteList& notes);
-[[nodiscard]] std::string pageEnd();
+// `importable`: there are results that calendar programs import.
+[[nodiscard]] std::string pageEnd(bool importable);
 
 }  // namespace qel::calendar
 
