@@ -144,6 +144,12 @@ TEST_F(ConvertFolders, PiecesOfALimitedSize) {
                   .exitCode,
               0);
     EXPECT_TRUE(has("a.ics"));
+    for (const char* size : {"0", "-5", "1.5M", "99999999999G", "x", ""})
+        EXPECT_EQ(run({"convert", state_.file("a.vcs"), "-o", out, "--split", size}).exitCode, 2)
+            << size;
+    EXPECT_TRUE(contains(run({"show", ""}).err, "the name of a file is empty"));
+    const std::string twice = run({"convert", phone_ + "/a.vcs", phone_ + "//a.vcs"}).out;
+    EXPECT_EQ(twice.find("BEGIN:VEVENT"), twice.rfind("BEGIN:VEVENT"));
 }
 
 TEST_F(ConvertFolders, AResultForEachFile) {

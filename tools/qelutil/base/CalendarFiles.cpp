@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <istream>
+#include <set>
 #include <system_error>
 
 #include "QelCalendar/Texts.h"
@@ -92,8 +93,16 @@ class Collector {
             all_.files.push_back({name, {}, {}, 0, {}, {}, 0});
             return;
         }
+        if (name.empty()) {
+            all_.files.push_back({name, {}, {}, 0, kEmptyName, {}, 0});
+            return;
+        }
         const fs::path path = pathOf(name);
         std::error_code unknown;
+        if (!named_.insert(fs::absolute(path, unknown).lexically_normal()).second) {
+            context_.warning(name, 0, "is named twice; it is read once");
+            return;
+        }
         const std::string place = withoutExtension(nameOf(path.filename()));
         const std::size_t before = all_.files.size();
         if (fs::is_directory(path, unknown)) {
@@ -264,6 +273,7 @@ class Collector {
     fs::path except_;
     const std::string& charset_;
     CalendarFiles all_;
+    std::set<fs::path> named_;  // on the command line
 };
 
 }  // namespace

@@ -63,11 +63,11 @@ std::string nameOf(const fs::path& path) {
 }
 
 bool isStandardInput(const std::string& name) {
-    return name.empty() || name == "-";
+    return name == "-";
 }
 
 bool isStandardOutput(const std::string& name) {
-    return isStandardInput(name) || name == "/dev/stdout";
+    return name == "-" || name == "/dev/stdout";
 }
 
 bool isOneFile(const std::string& name, const std::string& other) {
@@ -95,6 +95,7 @@ InputFile::InputFile(Context& context, const std::string& name) : name_(name) {
         name_ = kStandardInput;
         return;
     }
+    if (name.empty()) throw InputError(kEmptyName);
     const fs::path path = pathOf(name);
     std::error_code failure;
     if (fs::is_directory(path, failure))
@@ -197,6 +198,7 @@ OutputFile::OutputFile(Context& context, const std::string& name) : context_(con
         stream_ = &context.out;
         return;
     }
+    if (name.empty()) throw OutputError(kEmptyName);
     target_ = behindLinks(pathOf(name));
     std::error_code failure;
     if (fs::is_directory(target_, failure))

@@ -20,12 +20,13 @@ namespace qel::cli {
 
 // What an InputFile on standard input is called in messages.
 inline constexpr char kStandardInput[] = "standard input";
+inline constexpr char kEmptyName[] = "the name of a file is empty";
 
 [[nodiscard]] std::filesystem::path pathOf(const std::string& utf8Name);
 // As the program writes names: UTF-8, with "/".
 [[nodiscard]] std::string nameOf(const std::filesystem::path& path);
 
-// True for "-" and nothing.
+// True for "-".
 [[nodiscard]] bool isStandardInput(const std::string& name);
 // The same, and the system's own name of standard output.
 [[nodiscard]] bool isStandardOutput(const std::string& name);
@@ -34,7 +35,8 @@ inline constexpr char kStandardInput[] = "standard input";
 [[nodiscard]] bool isOneFile(const std::string& name, const std::string& other);
 
 // A file or standard input, open for reading. The constructor throws InputError, which names the
-// file and says why it cannot be read, when there is no such file or it is a directory.
+// file and says why it cannot be read, when there is no such file, its name is empty, or it is a
+// directory.
 class InputFile {
   public:
     InputFile(Context& context, const std::string& name);

@@ -1,6 +1,12 @@
 // qelutil convert: vCalendar 1.0 files to iCalendar and back.
+#include <charconv>
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <system_error>
+#include <utility>
 
+#include "base/Text.h"
 #include "base/Workers.h"
 #include "commands/Commands.h"
 #include "commands/ConvertRun.h"
@@ -8,6 +14,27 @@
 namespace qel::cli {
 
 namespace {
+
+// Makes "5M" the number of its bytes. Gives what is wrong with it, or nothing.
+std::string bytesOf(std::string& text) {
+    constexpr std::uint64_t kMost = std::uint64_t{1} << 50;
+    std::uint64_t number = 0;
+    const char* last = text.data() + text.size();
+    const auto [end, failure] = std::from_chars(text.data(), last, number);
+    const std::string unit = lowerCase(std::string(end, last));
+    std::uint64_t factor = 0;
+    if (unit.empty() || unit == "b") factor = 1;
+    for (const auto& [letter, size] :
+         {std::pair("k", 1000ULL), std::pair("m", 1000000ULL), std::pair("g", 1000000000ULL)})
+        if (unit == letter || unit == std::string(letter) + "b") factor = size;
+    if (failure != std::errc() || factor == 0 || number > kMost / factor)
+        return "\"" + printable(text, 100) +
+               "\" is not a size; write a whole number of bytes, or one with K, M or G after it: "
+               "500K, 5M";
+    if (number == 0) return "a calendar of 0 bytes holds nothing; 1M is what many importers take";
+    text = std::to_string(number * factor);
+    return {};
+}
 
 // Where the results go.
 void addOutputOptions(CLI::App* command, ConvertOptions& options) {
@@ -37,7 +64,7 @@ void addOutputOptions(CLI::App* command, ConvertOptions& options) {
         ->add_option("--split", options.split,
                      "write calendars of at most so many bytes, FILE-1.ics and so on: 1M, 500K;\n"
                      "some importers take no more")
-        ->transform(CLI::AsSizeValue(true))
+        ->transform(CLI::Validator(bytesOf, {}))
         ->option_text("SIZE")
         ->needs(output);
     command

@@ -109,12 +109,6 @@ std::string parserWords(const CLI::App& app, const CLI::ParseError& problem) {
     const std::string own[] = {
         known("%: Value % not in range % to %", outOfRange),
         known("%: % not in {%}", notAMember),
-        known("%: % unit not recognized.%",
-              [](const Parts& part) {
-                  return part[0] + ": " + inQuotes(part[1]) +
-                         " is not a size; write a number of bytes, or one with K, M or G after "
-                         "it: 500K, 5M";
-              }),
         known("%: Value % could not be converted to UINT",
               [](const Parts& part) {
                   return part[0] + ": " + inQuotes(part[1]) + " is not a whole number";

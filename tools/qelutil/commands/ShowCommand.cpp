@@ -225,10 +225,12 @@ void addShowCommand(CLI::App& app, Context& context) {
         ->add_option("--charset", options->charset,
                      "the character set of text that names none; see convert")
         ->option_text("NAME");
-    command->add_flag("--calendar", options->calendar,
-                      "month grids with the days marked; without a range the\n"
-                      "first date of each series");
-    command->add_flag("--json", options->json, "print each entry with its facts as JSON");
+    CLI::Option* calendar =
+        command->add_flag("--calendar", options->calendar,
+                          "month grids with the days marked; without a range the\n"
+                          "first date of each series");
+    command->add_flag("--json", options->json, "print each entry with its facts as JSON")
+        ->excludes(calendar);
     command->footer(
         "Examples:\n"
         "  qelutil show phone.vcs\n"
