@@ -4,13 +4,13 @@
 #define QEL_DATES_DECIMALFIELD_H
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "dates/DateTimeFields.h"
 #include "platform/AsciiText.h"
+#include "platform/ByteOrder.h"
 
 namespace qel::dates {
 
@@ -49,12 +49,12 @@ inline void putDateTime(char* buffer, const DateTimeFields& fields, char last) n
         return std::uint64_t{static_cast<unsigned char>(digits[0])} |
                std::uint64_t{static_cast<unsigned char>(digits[1])} << 8;
     };
-    const std::uint64_t words[2] = {pair(fields.year / 100) | pair(fields.year % 100) << 16 |
-                                        pair(fields.month) << 32 | pair(fields.day) << 48,
-                                    std::uint64_t{'T'} | pair(fields.hour) << 8 |
-                                        pair(fields.minute) << 24 | pair(fields.second) << 40 |
-                                        std::uint64_t{static_cast<unsigned char>(last)} << 56};
-    static_assert(std::endian::native == std::endian::little);
+    const std::uint64_t words[2] = {
+        platform::firstByteLowest(pair(fields.year / 100) | pair(fields.year % 100) << 16 |
+                                  pair(fields.month) << 32 | pair(fields.day) << 48),
+        platform::firstByteLowest(std::uint64_t{'T'} | pair(fields.hour) << 8 |
+                                  pair(fields.minute) << 24 | pair(fields.second) << 40 |
+                                  std::uint64_t{static_cast<unsigned char>(last)} << 56)};
     std::memcpy(buffer, words, sizeof words);
 }
 

@@ -2,6 +2,8 @@
 #ifndef QEL_PLATFORM_THREAD_END_H
 #define QEL_PLATFORM_THREAD_END_H
 
+#include <cstdint>
+
 namespace qel::platform {
 
 // Calls a function for an object that a thread keeps when that thread ends. A thread_local object
@@ -23,7 +25,7 @@ class ThreadEnd {
     void watch(void* object) const noexcept;
 
   private:
-    unsigned key_ = 0;
+    std::uintptr_t key_ = 0;
     bool usable_ = false;
 };
 

@@ -109,6 +109,7 @@ TEST(PathLock, HasOneHolderPerPath) {
         // Going out of scope gives it back.
     }).join();
     EXPECT_EQ(mine.acquire(path.c_str(), 1000), LockResult::kLocked);
+    mine.release();
     EXPECT_TRUE(std::filesystem::is_empty(dir.path())) << "no lock file";
 }
 

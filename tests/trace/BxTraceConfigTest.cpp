@@ -22,7 +22,11 @@ using Lines = std::vector<std::string>;
 
 std::string programPath() {
     char program[512];
+#ifdef QEL_PORTABLE_POSIX
+    EXPECT_FALSE(qel::platform::processPath(program, sizeof program));  // POSIX does not know it
+#else
     EXPECT_TRUE(qel::platform::processPath(program, sizeof program));
+#endif
     return program;
 }
 

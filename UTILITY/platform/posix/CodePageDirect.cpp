@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 
+#include "platform/ByteOrder.h"
 #include "platform/CodePages.h"
 #include "platform/posix/CodePageCharacters.h"
 #include "platform/posix/CodePageTables.h"
@@ -21,11 +22,9 @@ std::uint32_t copyAscii(const unsigned char* in, char* out) {
     std::memcpy(words.data(), in, kChunk);
     std::memcpy(out, words.data(), kChunk);
     for (std::uint32_t i = 0; i < 2; ++i) {
-        const std::uint64_t high = words[i] & 0x8080808080808080U;
+        const std::uint64_t high = firstByteLowest(words[i]) & 0x8080808080808080U;
         if (high == 0) continue;
-        const int bits = std::endian::native == std::endian::little ? std::countr_zero(high)
-                                                                    : std::countl_zero(high);
-        return i * 8 + static_cast<std::uint32_t>(bits) / 8;
+        return i * 8 + static_cast<std::uint32_t>(std::countr_zero(high)) / 8;
     }
     return kChunk;
 }
@@ -78,12 +77,13 @@ inline Place fromUtf8Run(const unsigned char* in, std::uint32_t length, Page& pa
     std::uint32_t word = 0;
     while (length - place.at >= sizeof word && room - place.size >= 2) {
         std::memcpy(&word, in + place.at, sizeof word);
+        word = firstByteLowest(word);
         const std::uint32_t point = (word & 0x0F) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F);
         if ((word & 0xC0C0F0) != 0x8080E0 || !isThreeBytes(point)) break;
         const auto* row = page.codes(point >> 8);
         if (row == nullptr || (*row)[point & 0xFF] < 0x100) break;
         const std::uint16_t code = (*row)[point & 0xFF];
-        const auto bytes = static_cast<std::uint16_t>(code << 8 | code >> 8);
+        const auto bytes = firstByteLowest(static_cast<std::uint16_t>(code << 8 | code >> 8));
         std::memcpy(out + place.size, &bytes, sizeof bytes);
         place.at += 3;
         place.size += 2;
@@ -100,14 +100,14 @@ inline Place toUtf8Run(const unsigned char* in, std::uint32_t length, Page& page
         const auto* row = singles[pair[0]] == 0 ? page.pairs(pair[0]) : nullptr;
         if (row == nullptr || !isThreeBytes((*row)[pair[1]])) break;
         const std::uint32_t point = (*row)[pair[1]];
-        word = 0x8080E0 | point >> 12 | (point << 2 & 0x3F00) | (point & 0x3F) << 16;
+        word =
+            firstByteLowest(0x8080E0 | point >> 12 | (point << 2 & 0x3F00) | (point & 0x3F) << 16);
         std::memcpy(out + place.size, &word, sizeof word);
         place.at += 2;
         place.size += 3;
     }
     return place;
 }
-static_assert(std::endian::native == std::endian::little);
 
 std::uint32_t fromUtf8(const unsigned char* in, std::uint32_t length, Page& page, char* out,
                        std::uint32_t room) {

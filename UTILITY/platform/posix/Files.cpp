@@ -107,7 +107,17 @@ std::int64_t fileSize(const char* path) noexcept {
 std::int64_t changeStamp(const char* path) noexcept {
     struct stat status {};
     if (stat(path, &status) != 0) return -1;
+#if defined(QEL_HAS_ST_CTIM)
     return std::int64_t{status.st_ctim.tv_sec} * 1000000000 + status.st_ctim.tv_nsec;
+#elif defined(QEL_HAS_ST_CTIMESPEC)
+    return std::int64_t{status.st_ctimespec.tv_sec} * 1000000000 + status.st_ctimespec.tv_nsec;
+#else
+    // Of two changes within a second, those show that make the file another or of another size.
+    const auto other =
+        static_cast<std::uint64_t>(status.st_ino) * 31 + static_cast<std::uint64_t>(status.st_size);
+    return std::int64_t{status.st_ctime} * 1000000000 +
+           static_cast<std::int64_t>(other % 1000000000);
+#endif
 }
 
 FileIdentity fileIdentity(const char* path) noexcept {

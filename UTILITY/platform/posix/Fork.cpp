@@ -26,15 +26,21 @@ bool watchForks(void (*before)(), void (*inParent)(), void (*inChild)()) noexcep
                [] {
                    watchers.before();
                    holdTraceMutex();
+                   holdPathLocks();
                    holdLocalClock();
+                   holdLocks();
                },
                [] {
+                   releaseLocks();
                    releaseLocalClock();
+                   releasePathLocks();
                    releaseTraceMutex();
                    watchers.inParent();
                },
                [] {
+                   renewLocks();
                    releaseLocalClock();
+                   releasePathLocks();
                    renewTraceMutex();
                    watchers.inChild();
                }) == 0;

@@ -12,6 +12,13 @@ void renewTraceMutex() noexcept;
 void holdLocalClock() noexcept;
 void releaseLocalClock() noexcept;
 
+void holdLocks() noexcept;
+void releaseLocks() noexcept;
+void renewLocks() noexcept;
+
+void holdPathLocks() noexcept;
+void releasePathLocks() noexcept;
+
 }  // namespace qel::platform
 
 #endif

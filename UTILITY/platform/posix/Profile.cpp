@@ -130,9 +130,20 @@ bool writeAll(int handle, std::string_view text) noexcept {
     return true;
 }
 
+// A new file of a name that ends in the template's letters; -1 where none can be made.
+int newFile(std::string& name) noexcept {
+#ifdef QEL_HAS_MKOSTEMP
+    return mkostemp(name.data(), O_CLOEXEC);
+#else
+    const int handle = mkstemp(name.data());
+    if (handle >= 0) (void)!fcntl(handle, F_SETFD, FD_CLOEXEC);
+    return handle;
+#endif
+}
+
 bool replaceFile(const std::string& path, std::string_view text) {
     std::string temporary = path + ".XXXXXX";
-    const int handle = mkostemp(temporary.data(), O_CLOEXEC);
+    const int handle = newFile(temporary);
     if (handle < 0) return false;
     struct stat status {};
     if (stat(path.c_str(), &status) == 0) (void)!fchmod(handle, status.st_mode & 0777);

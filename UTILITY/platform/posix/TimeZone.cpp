@@ -16,6 +16,9 @@
 #include "platform/Process.h"
 #include "platform/posix/PosixZoneRule.h"
 
+// POSIX leaves its declaration to the program; where the system has one too, it is the same.
+extern "C" char** environ;
+
 namespace qel::platform {
 
 namespace {
@@ -81,7 +84,18 @@ TimeZoneDescription presentOffset() {
     TimeZoneDescription zone;
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    if (localtime_r(&now, &local) != nullptr) zone.bias = static_cast<int>(-local.tm_gmtoff / 60);
+    if (localtime_r(&now, &local) == nullptr) return zone;
+#ifdef QEL_HAS_TM_GMTOFF
+    zone.bias = static_cast<int>(-local.tm_gmtoff / 60);
+#else
+    std::tm world{};
+    if (gmtime_r(&now, &world) == nullptr) return zone;
+    const int later = local.tm_year != world.tm_year ? local.tm_year - world.tm_year
+                                                     : local.tm_yday - world.tm_yday;
+    // At most one day apart.
+    const int days = (later > 0 ? 1 : 0) - (later < 0 ? 1 : 0);
+    zone.bias = -((days * 24 + local.tm_hour - world.tm_hour) * 60 + local.tm_min - world.tm_min);
+#endif
     return zone;
 }
 

@@ -4,6 +4,8 @@
 
 #include <pthread.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdint>
 #include <ctime>
 
@@ -54,7 +56,9 @@ class RecursiveTimedMutex {
     void initialise() noexcept {
         pthread_condattr_t attributes;
         pthread_condattr_init(&attributes);
+#ifdef QEL_HAS_PTHREAD_CONDATTR_SETCLOCK
         pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+#endif
         pthread_cond_init(&released_, &attributes);
         pthread_condattr_destroy(&attributes);
     }
@@ -64,11 +68,9 @@ class RecursiveTimedMutex {
     void wait(std::uint32_t milliseconds) noexcept {
         const std::int64_t start = now();
         const std::int64_t end = start + std::int64_t{milliseconds} * 1000000;
-        const std::timespec until{static_cast<std::time_t>(end / 1000000000),
-                                  static_cast<long>(end % 1000000000)};
         bool impatient = false;
         while (depth_ > 0 || (impatient_ > 0 && !impatient)) {
-            if (pthread_cond_timedwait(&released_, &guard_, &until) != 0) break;
+            if (!waitUntil(end)) break;
             if (!impatient && now() - start > kPatience) {
                 impatient = true;
                 ++impatient_;
@@ -77,13 +79,36 @@ class RecursiveTimedMutex {
         if (impatient) --impatient_;
     }
 
-    static std::int64_t now() noexcept {
+    // Waits for a release, or for nothing at all; false when the time is up.
+    bool waitUntil(std::int64_t end) noexcept {
+#ifdef QEL_HAS_PTHREAD_CONDATTR_SETCLOCK
+        const std::timespec until = timeOf(end);
+        return pthread_cond_timedwait(&released_, &guard_, &until) == 0;
+#else
+        // The wall clock may be set meanwhile, so it measures short waits alone.
+        const std::int64_t left = end - now();
+        if (left <= 0) return false;
+        const std::timespec until = timeOf(now(CLOCK_REALTIME) + std::min(left, kShortWait));
+        const int failure = pthread_cond_timedwait(&released_, &guard_, &until);
+        return failure == 0 || failure == ETIMEDOUT;
+#endif
+    }
+
+    static std::timespec timeOf(std::int64_t nanoseconds) noexcept {
+        return {static_cast<std::time_t>(nanoseconds / 1000000000),
+                static_cast<long>(nanoseconds % 1000000000)};
+    }
+
+    static std::int64_t now(clockid_t clock = CLOCK_MONOTONIC) noexcept {
         std::timespec time{};
-        clock_gettime(CLOCK_MONOTONIC, &time);
+        clock_gettime(clock, &time);
         return std::int64_t{time.tv_sec} * 1000000000 + time.tv_nsec;
     }
 
     static constexpr std::int64_t kPatience = 5000000;  // nanoseconds
+#ifndef QEL_HAS_PTHREAD_CONDATTR_SETCLOCK
+    static constexpr std::int64_t kShortWait = 10000000;
+#endif
 
     pthread_mutex_t guard_ = PTHREAD_MUTEX_INITIALIZER;
     pthread_cond_t released_{};

@@ -3,20 +3,21 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 
 namespace qel::platform {
 
 namespace {
 
-constexpr unsigned kMostKeys = 4;
+constexpr std::size_t kMostKeys = 4;
 
-std::atomic<unsigned> nextKey{0};
+std::atomic<std::size_t> nextKey{0};
 std::array<std::atomic<ThreadEnd::Call>, kMostKeys> calls{};
 
 struct Watched {
     std::array<void*, kMostKeys> objects{};
     ~Watched() {
-        for (unsigned key = 0; key < kMostKeys; ++key) {
+        for (std::size_t key = 0; key < kMostKeys; ++key) {
             const ThreadEnd::Call call = calls[key];
             if (call != nullptr && objects[key] != nullptr) call(objects[key]);
         }

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 #include "support/TempDir.h"
@@ -26,8 +28,14 @@ namespace {
     ::close(error);
     if (options.closeOutput) ::close(1);
     if (!options.directory.empty() && ::chdir(options.directory.c_str()) != 0) ::_exit(126);
-    ::execv(words[0], words);
+    ::execvp(words[0], words);
     ::_exit(127);
+}
+
+// The command that runs programs of the machine that this is built for; empty where it runs them.
+std::vector<std::string> emulator() {
+    std::istringstream words(QEL_TEST_EMULATOR);
+    return {std::istream_iterator<std::string>(words), {}};
 }
 
 }  // namespace
@@ -39,7 +47,8 @@ ProcessResult runProcess(const std::string& program, const std::vector<std::stri
     const std::string out = options.outputTo.empty() ? files.file("out") : options.outputTo;
     const std::string err = files.file("err");
     writeFile(in, options.input);
-    std::vector<std::string> texts = {program};
+    std::vector<std::string> texts = emulator();
+    texts.push_back(program);
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> words;
     for (std::string& text : texts) words.push_back(text.data());

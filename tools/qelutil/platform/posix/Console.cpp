@@ -16,14 +16,23 @@
 #include <cstring>
 #include <filesystem>
 
+// POSIX leaves its declaration to the program; where the system has one too, it is the same.
+extern "C" char** environ;
+
 namespace qel::cli::platform {
 
 namespace {
 
+#if defined(TIOCGWINSZ) && !defined(QEL_PORTABLE_POSIX)
 int columnsOf(int stream) {
     winsize size{};
     return ::ioctl(stream, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
+#else
+int columnsOf(int /*stream*/) {
+    return 0;
+}
+#endif
 
 }  // namespace
 
@@ -108,15 +117,17 @@ bool showFile(const std::filesystem::path& file) {
 
 int firstWeekday() {
     int first = 1;
-#ifdef _NL_TIME_FIRST_WEEKDAY
+#if defined(_NL_TIME_FIRST_WEEKDAY) && !defined(QEL_PORTABLE_POSIX)
     const locale_t locale = ::newlocale(LC_TIME_MASK, "", nullptr);
     if (locale == nullptr) return first;
     // A day counted from another one, which the locale gives as a date.
     const char* offset = ::nl_langinfo_l(_NL_TIME_FIRST_WEEKDAY, locale);
-    const auto origin =
-        reinterpret_cast<std::uintptr_t>(::nl_langinfo_l(_NL_TIME_WEEK_1STDAY, locale));
-    constexpr std::uintptr_t kMonday = 19971201;
-    first = (offset[0] - 1 + (static_cast<std::uint32_t>(origin) == kMonday ? 1 : 0)) % 7 + 1;
+    // The date is a number in the first bytes of what is a pointer elsewhere.
+    const char* const date = ::nl_langinfo_l(_NL_TIME_WEEK_1STDAY, locale);
+    std::uint32_t origin = 0;
+    std::memcpy(&origin, &date, sizeof origin);
+    constexpr std::uint32_t kMonday = 19971201;
+    first = (offset[0] - 1 + (origin == kMonday ? 1 : 0)) % 7 + 1;
     ::freelocale(locale);
 #endif
     return first;
