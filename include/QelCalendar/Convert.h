@@ -156,7 +156,7 @@ class Converter {
     void finish(int result) {
         if (state_->problem) {
             std::exception_ptr problem;
-            problem.swap(state_->problem);
+            std::swap(problem, state_->problem);
             std::rethrow_exception(problem);
         }
         detail::check(result);
