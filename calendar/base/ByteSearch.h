@@ -39,6 +39,50 @@ template <char... kSearched>
     return at;
 }
 
+// How many capitals, digits and "-" a text begins with, of which names nearly always consist.
+[[nodiscard]] inline std::size_t capitalsLength(std::string_view text) {
+    std::size_t length = 0;
+#if defined(__SSE2__)
+    constexpr std::size_t kBlock = 16;
+    if (text.size() >= kBlock) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data()));
+        const auto isFrom = [bytes](char first, char last) {
+            return _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(first - 1))),
+                                 _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(last + 1))));
+        };
+        const __m128i found = _mm_or_si128(_mm_or_si128(isFrom('A', 'Z'), isFrom('0', '9')),
+                                           _mm_cmpeq_epi8(bytes, _mm_set1_epi8('-')));
+        const auto others = ~static_cast<unsigned>(_mm_movemask_epi8(found));
+        length = static_cast<std::size_t>(std::countr_zero(others));
+        if (length < kBlock) return length;
+    }
+#endif
+    const auto isOne = [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
+    };
+    while (length < text.size() && isOne(text[length])) ++length;
+    return length;
+}
+
+// The first line feed, carriage return or byte beyond ASCII from `at` on, else the text's size.
+[[nodiscard]] inline std::size_t findLineEndOrBeyondAscii(std::string_view text, std::size_t at) {
+#if defined(__SSE2__)
+    constexpr std::size_t kBlock = 16;
+    const __m128i feed = _mm_set1_epi8('\n');
+    const __m128i carriage = _mm_set1_epi8('\r');
+    for (; at + kBlock <= text.size(); at += kBlock) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+        const __m128i ends =
+            _mm_or_si128(_mm_cmpeq_epi8(bytes, feed), _mm_cmpeq_epi8(bytes, carriage));
+        // The mask has the highest bit of each byte: that of a match, or of one beyond ASCII.
+        if (const int mask = _mm_movemask_epi8(_mm_or_si128(ends, bytes)); mask != 0)
+            return at + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask)));
+    }
+#endif
+    while (at < text.size() && text[at] != '\n' && text[at] != '\r' && (text[at] & 0x80) == 0) ++at;
+    return at;
+}
+
 template <char... kSearched>
 [[nodiscard]] bool hasAny(std::string_view text) {
     return findAny<kSearched...>(text) != text.size();

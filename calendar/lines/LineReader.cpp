@@ -1,13 +1,13 @@
 #include "calendar/lines/LineReader.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/Text.h"
 #include "calendar/lines/Property.h"
 
@@ -33,6 +33,9 @@ std::size_t softBreak(std::string_view text, std::size_t begin) {
     return end > begin && text[end - 1] == '=' ? end - 1 : std::string_view::npos;
 }
 
+// Says that a text needs no guess; what is in it is believed.
+constexpr std::string_view kUtf8Label = "CHARSET=UTF-8";
+
 bool isCapital(char c) {
     return c >= 'A' && c <= 'Z';
 }
@@ -41,16 +44,6 @@ bool hasLowerCase(std::string_view text) {
     return std::any_of(
         text.begin(), text.end(), [](char c) { return c >= 'a' && c <= 'z'; });
 }
-
-// The capitals, digits and "-" of which names nearly always consist.
-constexpr auto kUsualNameCharacters = [] {
-    std::array<bool, 256> table{};
-    for (std::size_t each = 0; each < table.size(); ++each) {
-        const char c = static_cast<char>(each);
-        table[each] = (c >= 'A' && c <= 'Z') || isDigit(c) || c == '-';
-    }
-    return table;
-}();
 
 // False for a line that surely has no name of those that takesBareLines() looks for.
 bool mayBeText(std::string_view line) {
@@ -74,12 +67,15 @@ bool mayBeText(std::string_view line) {
     }
 }
 
-// True for NAME: and NAME; in capitals, as properties nearly always begin.
+// How long the name is in NAME: or NAME; in capitals, as properties nearly always begin; else 0.
+std::size_t usualNameLength(std::string_view line) {
+    const std::size_t length = capitalsLength(line);
+    const bool begins = length < line.size() && (line[length] == ':' || line[length] == ';');
+    return begins ? length : 0;
+}
+
 bool beginsProperty(std::string_view line) {
-    const char* at = line.data();
-    const char* const end = at + line.size();
-    while (at != end && kUsualNameCharacters[static_cast<unsigned char>(*at)]) ++at;
-    return at != end && at != line.data() && (*at == ':' || *at == ';');
+    return usualNameLength(line) != 0;
 }
 
 // The name that a line begins with, as far as it has the form NAME: or NAME;PARAMETER: of one.
@@ -272,23 +268,60 @@ bool LineReader::takeWhole() {
     return true;
 }
 
-bool LineReader::isPassedOver() const {
-    if (!hasAhead_ || !pieces_.empty() || ahead_.empty()) return false;
-    const char first = ahead_.front();
-    return isCapital(first) && first != 'B' && first != 'E' && marks_.nameEnd == marks_.colon &&
-           marks_.colon != std::string_view::npos && at_ < chunk_.size() && isAscii(ahead_);
+// Where the line ends that `text` begins with, where it is one to pass over; else 0. `name` is how
+// long its name is.
+std::size_t LineReader::passedLength(std::string_view text, std::size_t name) {
+    const char first = text.front();
+    if (!isCapital(first) || first == 'B' || first == 'E') return 0;
+    std::size_t colon = name;
+    bool soft = false;
+    if (text[name] == ';') {
+        colon = findAny<':', '"', '\n', '\r'>(text, name);
+        if (colon == text.size() || text[colon] != ':') return 0;
+        const std::string_view head = text.substr(0, colon);
+        const LineEncoding encoding = encodingBefore(colon, head);
+        soft = encoding == LineEncoding::QuotedPrintable;
+        if (encoding == LineEncoding::Base64 || (soft && head.find(kUtf8Label) == head.npos))
+            return 0;
+    }
+    std::size_t end = findLineEndOrBeyondAscii(text, colon);
+    if (end != text.size() && (text[end] & 0x80) != 0) {
+        const std::size_t beyond = end;
+        end = findAny<'\n', '\r'>(text, end);
+        if (colon != name || !isUtf8(text.substr(beyond, end - beyond))) return 0;
+    }
+    if (end == text.size()) return 0;
+    return soft && softBreak(text.substr(0, end), colon) != std::string_view::npos ? 0 : end;
 }
 
 void LineReader::passOver() {
-    if (inLine_ || inPhysical_) return;
-    bool any = false;
-    while (isPassedOver()) {
-        lastEnd_.skipRest(chunk_, at_);
+    if (inLine_ || inPhysical_ || !hasAhead_ || !pieces_.empty() || ahead_.empty()) return;
+    const char* const bytes = chunk_.data();
+    auto at = static_cast<std::size_t>(ahead_.data() - bytes);
+    std::size_t before = at;
+    std::size_t number = aheadNumber_;
+    for (std::size_t name = usualNameLength(chunk_.substr(at)); name != 0;) {
+        const std::size_t length = passedLength(chunk_.substr(at), name);
+        if (length == 0) break;
+        std::size_t next = at + length;
+        if (bytes[next] == '\r') ++next;
+        if (next >= chunk_.size() || bytes[next] != '\n') break;
+        ++next;
         // What begins in another way may be the rest of the line.
-        if (!beginsProperty(chunk_.substr(at_)) || !takeWhole()) break;
-        any = true;
+        name = usualNameLength(chunk_.substr(next));
+        if (name == 0) break;
+        before = std::exchange(at, next);
+        ++number;
     }
-    if (any) nameAhead();
+    if (number == aheadNumber_) return;
+    // The last line may go on in the next piece: then the one before it is read as others are.
+    const auto lookAt = [this](std::size_t place, std::size_t placeNumber) {
+        at_ = place;
+        aheadNumber_ = placeNumber - 1;
+        lastEnd_.begin('\n');
+        return takeWhole();
+    };
+    if (lookAt(at, number) || lookAt(before, number - 1)) nameAhead();
 }
 
 LineReader::Result LineReader::nextPhysical() {

@@ -60,8 +60,10 @@ class LineReader {
     // text over lines that are not properties.
     [[nodiscard]] Result next();
 
-    // Passes over lines of ASCII that are by themselves, begin with a capital other than B and E
-    // and have no parameters; for a caller who looks for other ones. next() goes on after them.
+    // Passes over lines of ASCII that are by themselves and begin with a capital other than B and
+    // E, unless their value is in Base64, or quoted-printable without CHARSET=UTF-8; and over such
+    // lines of UTF-8 without parameters. For a caller who looks for other ones: next() goes on
+    // after them.
     void passOver();
 
     // Until next() is called again; the caller may change it. Its text may be a view of the bytes
@@ -82,7 +84,7 @@ class LineReader {
     void start(std::string_view bytes);
     void decodeUtf16();
     [[nodiscard]] bool takeWhole();
-    [[nodiscard]] bool isPassedOver() const;
+    [[nodiscard]] static std::size_t passedLength(std::string_view text, std::size_t name);
     [[nodiscard]] bool takePiece();
     void markAhead();
     void nameAhead();
