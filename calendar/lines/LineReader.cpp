@@ -374,12 +374,22 @@ LineReader::Result LineReader::next() {
         beginLine();
     }
     for (;;) {
-        const Result result = nextPhysical();
-        if (result == Result::NeedMore) {
+        if (takeWhole()) {
+            nameAhead();
+            // Nearly all lines are by themselves, as the name of the next one shows.
+            if (!joined_ && encoding_ == LineEncoding::Plain && aheadId_ != PropertyName::Unknown &&
+                line_.colon != std::string_view::npos) {
+                inLine_ = false;
+                line_.quotedPrintable = false;
+                return Result::Line;
+            }
+        } else if (const Result result = nextPhysical(); result == Result::NeedMore) {
             line_.text.keep();
             return result;
+        } else if (result == Result::End) {
+            break;
         }
-        if (result == Result::End || !join()) break;
+        if (!join()) break;
     }
     finishLine();
     return Result::Line;
