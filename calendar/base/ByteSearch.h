@@ -39,6 +39,37 @@ template <char... kSearched>
     return at;
 }
 
+// The first place from `at` on that holds one of the characters, a control character or a byte
+// beyond ASCII, else the text's size.
+template <char... kSearched>
+[[nodiscard]] std::size_t findAnyOrUnprintable(std::string_view text, std::size_t at) {
+#if defined(__SSE2__)
+    constexpr std::size_t kBlock = 16;
+    const auto maskAt = [text](std::size_t begin) {
+        const __m128i bytes =
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + begin));
+        // Bytes beyond ASCII are negative here.
+        __m128i found = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')),
+                                     _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\x7f')));
+        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kSearched)))), ...);
+        return static_cast<unsigned>(_mm_movemask_epi8(found));
+    };
+    for (; at + kBlock <= text.size(); at += kBlock)
+        if (const unsigned mask = maskAt(at); mask != 0)
+            return at + static_cast<std::size_t>(std::countr_zero(mask));
+    if (at < text.size() && text.size() >= kBlock) {
+        // The last block has bytes that have been looked at.
+        const std::size_t begin = text.size() - kBlock;
+        const unsigned mask = maskAt(begin) >> (at - begin);
+        return mask == 0 ? text.size() : at + static_cast<std::size_t>(std::countr_zero(mask));
+    }
+#endif
+    while (at < text.size() && text[at] >= ' ' && text[at] < '\x7f' &&
+           ((text[at] != kSearched) && ...))
+        ++at;
+    return at;
+}
+
 // How many capitals, digits and "-" a text begins with, of which names nearly always consist.
 [[nodiscard]] inline std::size_t capitalsLength(std::string_view text) {
     std::size_t length = 0;

@@ -7,7 +7,9 @@
 namespace qel::calendar {
 
 std::vector<MarkedMonth> monthsOf(std::span<const MarkedDay> days) {
+    constexpr std::size_t kUsual = 6;
     std::vector<MarkedMonth> months;
+    months.reserve(kUsual);
     while (!days.empty()) {
         const Civil first = civilOf(days.front().day);
         const int next =

@@ -1,8 +1,7 @@
 #include "calendar/converter/SourceLines.h"
 
-#include <algorithm>
-
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 
 namespace qel::calendar {
 
@@ -12,19 +11,11 @@ namespace {
 constexpr std::size_t kMostHeld = std::size_t{8} << 20;
 constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
-// Looked at together for either of the two: about a line.
-constexpr std::size_t kStretch = 128;
-
 }  // namespace
 
 std::size_t findLineEnd(std::string_view text, std::size_t at) {
-    for (; at < text.size(); at += kStretch) {
-        const std::string_view stretch = text.substr(at, kStretch);
-        const std::size_t feed = stretch.find('\n');
-        const std::size_t end = std::min(stretch.substr(0, feed).find('\r'), feed);
-        if (end != std::string_view::npos) return at + end;
-    }
-    return std::string_view::npos;
+    const std::size_t end = findAny<'\n', '\r'>(text, at);
+    return end == text.size() ? std::string_view::npos : end;
 }
 
 void SourceLines::add(std::string_view bytes) {

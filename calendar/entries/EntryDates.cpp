@@ -82,6 +82,7 @@ class Series {
             goesOn_ = goesOn_ || !excludes;
         }
         if (!excludes) {
+            occurrences_.reserve(occurrences_.size() + days.size());
             for (const int day : days) add(atStartsTime(day));
             return;
         }
@@ -272,6 +273,7 @@ EntryDays markedDays(const Entry& entry, std::size_t most) {
     Series series(entry, most, kLastYear);
     series.excludeListed();
     std::vector<MarkedDay>& days = result.days;
+    days.reserve(series.occurrences().size());
     for (const auto& [day, second, excluded] : series.occurrences())
         if (days.empty() || days.back().day != day)
             days.push_back({day, excluded});

@@ -21,6 +21,7 @@ constexpr std::size_t kMostArticles = 2000;
 // The first lines of an entry's bytes, each ended by "\n" alone.
 std::string plainLines(std::string_view bytes) {
     std::string text;
+    text.reserve(std::min(bytes.size(), kMostText) + 1);
     while (!bytes.empty() && text.size() <= kMostText) {
         std::size_t end = std::min(findLineEnd(bytes, 0), bytes.size());
         text.append(bytes.substr(0, end)).append("\n");

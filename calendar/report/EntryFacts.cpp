@@ -18,14 +18,14 @@ namespace {
 constexpr std::size_t kMostDays = 500;
 constexpr std::size_t kMostDaysOfEndless = 31 * kMostMonths + 1;
 
-std::string dateWords(int day) {
+void addDateWords(std::string& text, int day) {
     const Civil civil = civilOf(day);
-    return std::string(weekdayName(weekdayOf(day))) + ", " + std::to_string(civil.day) + " " +
-           std::string(monthName(civil.month)) + " " + std::to_string(civil.year);
+    text.append(weekdayName(weekdayOf(day))).append(", ").append(std::to_string(civil.day));
+    text.append(" ").append(monthName(civil.month)).append(" ");
+    text += std::to_string(civil.year);
 }
 
-std::string timeWords(int second) {
-    std::string text;
+void addTimeWords(std::string& text, int second) {
     const auto add = [&text](int number) {
         text += static_cast<char>('0' + number / 10);
         text += static_cast<char>('0' + number % 10);
@@ -33,14 +33,16 @@ std::string timeWords(int second) {
     add(second / 3600);
     text += ':';
     add(second / 60 % 60);
-    if (second % 60 == 0) return text;
+    if (second % 60 == 0) return;
     text += ':';
     add(second % 60);
-    return text;
 }
 
-std::string momentText(const Moment& moment) {
-    return dateWords(moment.day) + (moment.isDate ? "" : ", " + timeWords(moment.second));
+void addMoment(std::string& text, const Moment& moment) {
+    addDateWords(text, moment.day);
+    if (moment.isDate) return;
+    text += ", ";
+    addTimeWords(text, moment.second);
 }
 
 std::string clockText(const Entry& entry, const Moment& moment) {
@@ -55,19 +57,25 @@ std::string clockText(const Entry& entry, const Moment& moment) {
 }
 
 std::string whenText(const Entry& entry) {
+    constexpr std::size_t kUsual = 80;
     std::string text;
+    text.reserve(kUsual);
     if (entry.start) {
-        text = momentText(*entry.start);
+        addMoment(text, *entry.start);
         if (const auto last = lastMoment(entry)) {
-            const bool sameDay = last->day == entry.start->day && !last->isDate;
-            text += " to " + (sameDay ? timeWords(last->second) : momentText(*last));
+            text += " to ";
+            if (last->day == entry.start->day && !last->isDate)
+                addTimeWords(text, last->second);
+            else
+                addMoment(text, *last);
         }
         text += clockText(entry, *entry.start);
         if (entry.start->isDate) text += ", all day";
     }
     if (entry.due) {
-        text += (text.empty() ? "due " : "; due ") + momentText(*entry.due) +
-                clockText(entry, *entry.due);
+        text += text.empty() ? "due " : "; due ";
+        addMoment(text, *entry.due);
+        text += clockText(entry, *entry.due);
     }
     return text;
 }
@@ -76,18 +84,19 @@ std::string whenText(const Entry& entry) {
 // blank, which stays then.
 std::vector<std::string> valuesOf(std::string_view lines, std::string_view name, bool ofPhone) {
     std::vector<std::string> values;
-    bool inside = false;
-    while (!lines.empty()) {
+    const auto takeLine = [&lines] {
         const std::size_t end = std::min(lines.find('\n'), lines.size());
         std::string_view line = lines.substr(0, end);
         lines.remove_prefix(std::min(end + 1, lines.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
-        if (inside && line.starts_with(' ')) {
-            values.back() += line.substr(ofPhone ? 0 : 1);
-            continue;
-        }
-        inside = line.starts_with(name) && line.substr(name.size()).starts_with(':');
-        if (inside) values.emplace_back(line.substr(name.size() + 1));
+        return line;
+    };
+    for (std::size_t at = lines.find(name); at != lines.npos; at = lines.find(name)) {
+        const bool begins = at == 0 || lines[at - 1] == '\n';
+        lines.remove_prefix(at + name.size());
+        if (!begins || !lines.starts_with(':')) continue;
+        values.emplace_back(takeLine().substr(1));
+        while (lines.starts_with(' ')) values.back() += takeLine().substr(ofPhone ? 0 : 1);
     }
     return values;
 }

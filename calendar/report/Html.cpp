@@ -1,7 +1,6 @@
 #include "calendar/report/Html.h"
 
-#include <array>
-
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/Text.h"
 
 namespace qel::calendar {
@@ -26,32 +25,30 @@ std::string_view referenceOf(char c) {
     }
 }
 
-// What is to be done with a byte: printable() has a look at texts that have others than ASCII.
-enum class Treatment : unsigned char { None, Reference, Look };
-
-constexpr std::array<Treatment, 256> kTreatments = [] {
-    std::array<Treatment, 256> all{};
-    for (std::size_t byte = 0; byte < all.size(); ++byte)
-        if (byte < ' ' || byte > '~') all[byte] = Treatment::Look;
-    for (const char c : {'&', '<', '>', '"', '\''})
-        all[static_cast<unsigned char>(c)] = Treatment::Reference;
-    return all;
-}();
-
-Treatment treatmentOf(char c) {
-    return kTreatments[static_cast<unsigned char>(c)];
+// How long the character is that `text` begins with, where printable() surely leaves it as it is;
+// else 0. It has a look at those among which there are some that nobody sees.
+std::size_t plainLength(std::string_view text) {
+    const char lead = text.front();
+    return lead == '\xC2' || lead == '\xD8' || lead == '\xE2' ? 0 : utf8CharacterLength(text);
 }
 
-// False at a byte that needs a look, where `looks`.
+// False at what printable() has a look at, where `looks`.
 bool addEscaped(std::string& page, std::string_view text, bool looks) {
     std::size_t begin = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const Treatment treatment = treatmentOf(text[at]);
-        if (treatment == Treatment::None) continue;
-        if (treatment == Treatment::Look && looks) return false;
-        if (treatment == Treatment::Look) continue;
-        page.append(text.substr(begin, at - begin)).append(referenceOf(text[at]));
-        begin = at + 1;
+    for (std::size_t at = 0;;) {
+        at = looks ? findAnyOrUnprintable<'&', '<', '>', '"', '\''>(text, at)
+                   : findAny<'&', '<', '>', '"', '\''>(text, at);
+        if (at == text.size()) break;
+        const std::string_view reference = referenceOf(text[at]);
+        if (!reference.empty()) {
+            page.append(text.substr(begin, at - begin)).append(reference);
+            begin = ++at;
+            continue;
+        }
+        const bool beyondAscii = (text[at] & 0x80) != 0;
+        const std::size_t length = beyondAscii ? plainLength(text.substr(at)) : 0;
+        if (length == 0) return false;
+        at += length;
     }
     page.append(text.substr(begin));
     return true;

@@ -11,13 +11,22 @@ namespace qel::calendar {
 
 namespace {
 
-// Of days that are not marked, by their numbers.
-constexpr std::string_view kPlainCells[] = {
-    "",       "<td>1",  "<td>2",  "<td>3",  "<td>4",  "<td>5",  "<td>6",  "<td>7",
-    "<td>8",  "<td>9",  "<td>10", "<td>11", "<td>12", "<td>13", "<td>14", "<td>15",
-    "<td>16", "<td>17", "<td>18", "<td>19", "<td>20", "<td>21", "<td>22", "<td>23",
-    "<td>24", "<td>25", "<td>26", "<td>27", "<td>28", "<td>29", "<td>30", "<td>31",
-};
+// Of all days, where none is marked.
+constexpr std::string_view kPlainCells =
+    "<td>1<td>2<td>3<td>4<td>5<td>6<td>7<td>8<td>9<td>10<td>11<td>12<td>13<td>14<td>15<td>16"
+    "<td>17<td>18<td>19<td>20<td>21<td>22<td>23<td>24<td>25<td>26<td>27<td>28<td>29<td>30<td>31";
+
+// Bytes of a month's table with a few marks.
+constexpr std::size_t kUsualTable = 512;
+
+// Where the cell of a day begins in it.
+constexpr std::size_t placeOfCell(int number) {
+    const int bytes = 5 * (number - 1) + (number > 10 ? number - 10 : 0);
+    return static_cast<std::size_t>(bytes);
+}
+static_assert(kPlainCells.substr(placeOfCell(9), 5) == "<td>9" &&
+              kPlainCells.substr(placeOfCell(11)).starts_with("<td>11") &&
+              placeOfCell(32) == kPlainCells.size());
 
 int columnOf(int day, int weekStart) {
     return (weekdayOf(day) + 7 - weekStart) % 7;
@@ -30,8 +39,10 @@ void addDay(std::string& text, int number) {
 }
 
 void addWeekdayHeads(std::string& text, int weekStart) {
-    for (int column = 0; column < 7; ++column)
-        text.append("<th>").append(weekdayName((weekStart + column - 1) % 7 + 1).substr(0, 2));
+    constexpr std::string_view kTwoWeeks =
+        "<th>Su<th>Mo<th>Tu<th>We<th>Th<th>Fr<th>Sa<th>Su<th>Mo<th>Tu<th>We<th>Th<th>Fr<th>Sa";
+    constexpr std::size_t kHead = 6;
+    text += kTwoWeeks.substr(static_cast<std::size_t>(weekStart - 1) * kHead, 7 * kHead);
 }
 
 // The table's marks in words, for screen readers; `first` is the month's first day.
@@ -64,16 +75,24 @@ void addMonthTable(std::string& text, const MarkedMonth& month, int weekStart) {
     int column = columnOf(first, weekStart);
     if (column > 0) text.append("<td colspan=").append(std::to_string(column)).append(">");
     auto mark = month.days.begin();
-    for (int number = 1; number <= length; ++number, ++column) {
+    for (int number = 1; number <= length;) {
+        const bool marks = mark != month.days.end() && mark->day >= first + number - 1;
+        const int marked = marks ? mark->day - first + 1 : length + 1;
         if (number > 1 && column % 7 == 0) text += "<tr>";
-        if (mark == month.days.end() || mark->day != first + number - 1) {
-            text += kPlainCells[static_cast<std::size_t>(number)];
+        if (number == marked) {
+            text += mark->excluded ? "<td class=x><s>" : "<td class=o><b>";
+            addDay(text, number);
+            text += mark->excluded ? "</s>" : "</b>";
+            ++mark;
+            ++number;
+            ++column;
             continue;
         }
-        text += mark->excluded ? "<td class=x><s>" : "<td class=o><b>";
-        addDay(text, number);
-        text += mark->excluded ? "</s>" : "</b>";
-        ++mark;
+        // Those up to the next mark, the week's end or the month's.
+        const int next = std::min({marked, number + 7 - column % 7, length + 1});
+        text += kPlainCells.substr(placeOfCell(number), placeOfCell(next) - placeOfCell(number));
+        column += next - number;
+        number = next;
     }
     text += "</table>\n";
 }
@@ -84,7 +103,9 @@ MonthTables monthTables(std::span<const MarkedDay> days, bool more, std::size_t 
                         int weekStart) {
     MonthTables tables;
     std::size_t left = 0;
-    for (const MarkedMonth& month : monthsOf(days)) {
+    const std::vector<MarkedMonth> months = monthsOf(days);
+    tables.html.reserve(std::min(months.size(), most) * kUsualTable);
+    for (const MarkedMonth& month : months) {
         if (tables.count < most) {
             addMonthTable(tables.html, month, weekStart);
             ++tables.count;

@@ -51,6 +51,8 @@ class Expander {
           setPositions_(rule.setPositions),
           first_(dayNumber(start.year, start.month, start.day)),
           last_(dayNumber(std::min(limits.lastYear, 2499), 12, 31)) {
+        for (const RuleDay& each : rule.days)
+            weekdays_ |= 1U << static_cast<unsigned>(each.weekday);
         readUntil();
     }
 
@@ -192,12 +194,12 @@ class Expander {
         const std::int64_t week = first_ - (weekdayOf(first_) - weekStart + 7) % 7 + period * 7;
         if (week > last_) return false;
         const bool byDate = monthDays_.any() || yearDays_.any();
-        for (int each = 0; each < 7; ++each) {
-            const int day = static_cast<int>(week) + each;
-            if (rule_.days.empty() ? byDate || weekdayOf(day) == weekdayOf(first_)
-                                   : weekdayNamed(day))
-                days.push_back(day);
-        }
+        unsigned wanted = weekdays_;
+        if (rule_.days.empty())
+            wanted = byDate ? ~0U : 1U << static_cast<unsigned>(weekdayOf(first_));
+        for (int each = 0; each < 7; ++each)
+            if ((wanted >> static_cast<unsigned>((weekStart - 1 + each) % 7 + 1) & 1U) != 0)
+                days.push_back(static_cast<int>(week) + each);
         return true;
     }
 
@@ -324,9 +326,7 @@ class Expander {
     }
 
     bool weekdayNamed(int day) const {
-        const int weekday = weekdayOf(day);
-        return std::any_of(rule_.days.begin(), rule_.days.end(),
-                           [&](const RuleDay& each) { return each.weekday == weekday; });
+        return (weekdays_ >> static_cast<unsigned>(weekdayOf(day)) & 1U) != 0;
     }
 
     std::vector<int> chosen(const std::vector<int>& days) const {
@@ -348,6 +348,7 @@ class Expander {
     Members setPositions_;
     int first_;
     int last_;
+    unsigned weekdays_ = 0;  // of the rule's days, a bit each
     bool done_ = false;
     std::vector<int> found_;
 };
