@@ -14,6 +14,9 @@ namespace qel::calendar {
 
 using Action = Alarm::Action;
 
+AlarmReader::AlarmReader(EntryReader& reader)
+    : reader_(reader), alarm_(reader.entry_.alarms.emplace_back()) {}
+
 void AlarmReader::takeComponent(const Component& component) {
     alarm_.line = component.number;
     alarm_.hasText = false;
@@ -31,10 +34,9 @@ void AlarmReader::takeComponent(const Component& component) {
         reader_.report(Note(NoteCode::AlarmWithoutTrigger, component.number));
         usable_ = false;
     }
-    if (!usable_) return;
+    if (!usable_) return reader_.entry_.alarms.pop_back();
     takeAttachment();
     restore();
-    reader_.entry_.alarms.push_back(std::move(alarm_));
 }
 
 void AlarmReader::takeProperty(const ContentLine& line) {
@@ -185,7 +187,10 @@ void AlarmReader::takeLine(const ContentLine& line) {
     std::string_view rest = binary ? line.value : reader_.text(line);
     const std::string_view when = trimmed(nextField(rest, ';'));
     const auto at = reader_.moment(line, when);
-    if (!at) return reportTimeless(line, when, rest);
+    if (!at) {
+        reader_.entry_.alarms.pop_back();
+        return reportTimeless(line, when, rest);
+    }
     alarm_.at = *at;
     if (at->isDate) {
         alarm_.at->isDate = false;
@@ -210,7 +215,6 @@ void AlarmReader::takeLine(const ContentLine& line) {
             return each.name == "VALUE" &&
                    (equalsIgnoreCase(each.value, "URL") || equalsIgnoreCase(each.value, "URI"));
         });
-    reader_.entry_.alarms.push_back(std::move(alarm_));
 }
 
 void AlarmReader::reportTimeless(const ContentLine& line, std::string_view when,

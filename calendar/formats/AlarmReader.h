@@ -13,7 +13,7 @@ class EntryReader;
 // Of one alarm: either function adds it to the reader's entry, or reports why not.
 class AlarmReader {
   public:
-    explicit AlarmReader(EntryReader& reader) : reader_(reader) {}
+    explicit AlarmReader(EntryReader& reader);
 
     // A VALARM.
     void takeComponent(const Component& component);
@@ -34,7 +34,7 @@ class AlarmReader {
     void reportTimeless(const ContentLine& line, std::string_view when, std::string_view rest);
 
     EntryReader& reader_;
-    Alarm alarm_;
+    Alarm& alarm_;  // the entry's last one, which goes again where it is of no use
     bool hasTrigger_ = false;
     bool hasAction_ = false;  // the one that counts comes yet
     bool usable_ = true;

@@ -239,11 +239,11 @@ void ICalSettling::settleRules() {
     for (const EntryRule& each : settled_.read().rules) {
         for (const Rule& rule : each.rules) {
             std::string text = ruleText(rule, each.exclude);
+            if (each.exclude && exception.empty()) exception = text;
             if (text.empty())
                 addNote(NoteCode::EntryRuleNotWritable, {}, each.line);
             else
-                settled_.rules.push_back({each.exclude ? kException : "RRULE", text});
-            if (each.exclude && exception.empty()) exception = text;
+                settled_.rules.push_back({each.exclude ? kException : "RRULE", std::move(text)});
         }
     }
     if (!exception.empty()) settleExceptions(exception);

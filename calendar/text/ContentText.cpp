@@ -146,7 +146,7 @@ void addUnfolded(std::string& out, LineName name, const std::vector<Parameter>& 
     out += ':';
     if (isReady(value, how))
         out += value;
-    else if (how == Value::Escaped)
+    else if (how == Value::Escaped && hasAny<'\\', ';', ',', '\n'>(value))
         addWithoutControls(out, escapeICalendar(value));
     else
         addWithoutControls(out, value);

@@ -52,8 +52,11 @@ std::string escapeICalendar(std::string_view text) {
 }
 
 std::vector<std::string> splitICalendarList(std::string_view text) {
-    if (!hasAny<'\\', ','>(text)) return {std::string(text)};
     std::vector<std::string> items;
+    if (!hasAny<'\\', ','>(text)) {
+        items.emplace_back(text);
+        return items;
+    }
     std::size_t begin = 0;
     for (std::size_t at = 0; at <= text.size(); ++at) {
         if (at < text.size() && text[at] == '\\') {
@@ -94,8 +97,11 @@ std::string escapeVCalendar(std::string_view text, std::string_view separators) 
 }
 
 std::vector<std::string> splitVCalendar(std::string_view text, std::string_view separators) {
-    if (!hasAny<';', ',', '\\'>(text)) return {std::string(text)};
     std::vector<std::string> fields;
+    if (!hasAny<';', ',', '\\'>(text)) {
+        fields.emplace_back(text);
+        return fields;
+    }
     fields.reserve(4);
     fields.emplace_back();
     for (std::size_t at = 0; at < text.size(); ++at)
