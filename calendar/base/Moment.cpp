@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -337,15 +336,18 @@ std::optional<int> parseUtcOffset(std::string_view text) {
 
 std::string formatUtcOffset(int seconds, bool colon) {
     const int total = std::abs(seconds);
-    char text[40];
-    std::snprintf(text, sizeof text, "%c%02d%s%02d", seconds < 0 ? '-' : '+', total / 3600,
-                  colon ? ":" : "", total / 60 % 60);
-    std::string result = text;
-    if (total % 60 != 0) {
-        std::snprintf(text, sizeof text, "%s%02d", colon ? ":" : "", total % 60);
-        result += text;
-    }
-    return result;
+    std::string text(1, seconds < 0 ? '-' : '+');
+    const auto add = [&text](int number) {
+        if (number < 10) text += '0';
+        text += std::to_string(number);
+    };
+    add(total / 3600);
+    if (colon) text += ':';
+    add(total / 60 % 60);
+    if (total % 60 == 0) return text;
+    if (colon) text += ':';
+    add(total % 60);
+    return text;
 }
 
 }  // namespace qel::calendar

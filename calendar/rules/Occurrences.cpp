@@ -250,9 +250,12 @@ class Expander {
 
     // BYMONTHDAY, or all days, for isAllowed to choose from.
     void addNamed(int first, int length, std::vector<int>& days) const {
-        for (int each = 1; each <= length; ++each)
-            if (!monthDays_.any() || monthDays_.names(each, length))
-                days.push_back(first + each - 1);
+        if (!monthDays_.any())
+            for (int each = 0; each < length; ++each) days.push_back(first + each);
+        for (const int each : rule_.monthDays) {
+            const int day = each < 0 ? each + length + 1 : each;
+            if (day >= 1 && day <= length) days.push_back(first + day - 1);
+        }
     }
 
     void addYearDays(int year, std::vector<int>& days) const {
