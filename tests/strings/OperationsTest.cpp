@@ -117,8 +117,8 @@ TEST(StringOperations, InAnyOrderKeepTheirTextInsideItsLength) {
                   static_cast<int>(random() % (step % 8 == 0 ? 200 : 12)));
         const int length = s.GetLength();
         const int n = static_cast<int>(random() % static_cast<unsigned>(length + 3)) - 1;
-        const auto& [name, operation] =
-            *std::next(kOperations.begin(), random() % kOperations.size());
+        const auto& [name, operation] = *std::next(
+            kOperations.begin(), static_cast<std::ptrdiff_t>(random() % kOperations.size()));
         if (name == "copy from n" && (n < 0 || n > length)) continue;
         operation({s, with, n, static_cast<int>(random() % 12) - 1});
         ASSERT_LE(std::strlen(s), static_cast<std::size_t>(s.GetLength())) << name;
