@@ -331,17 +331,75 @@ TEST(Interface, PartsAreJoinedInOrder) {
     EXPECT_EQ(qelcal_report_part(held.get()), nullptr);
 }
 
+// Null for every pointer, 0 for every number.
+template <class Result, class... Arguments>
+Result withNothing(Result (*call)(Arguments...)) {
+    return call(Arguments{}...);
+}
+
 TEST(Interface, NullHandlesAreAnswered) {
     qelcal_note_kind kind;
     EXPECT_EQ(qelcal_note_kind_at(qelcal_note_kind_count(), &kind), QELCAL_INVALID_ARGUMENT);
-    EXPECT_EQ(qelcal_reader_write(nullptr, "", 0), QELCAL_INVALID_ARGUMENT);
-    EXPECT_EQ(qelcal_converter_finish(nullptr), QELCAL_INVALID_ARGUMENT);
-    EXPECT_EQ(qelcal_report_new(nullptr, nullptr), nullptr);
-    EXPECT_EQ(qelcal_entry_zone(nullptr), nullptr);
-    EXPECT_EQ(qelcal_rules_count(nullptr), 0U);
+    const int refused[] = {
+        withNothing(qelcal_note_kind_at),       withNothing(qelcal_reader_scan),
+        withNothing(qelcal_reader_write),       withNothing(qelcal_reader_end),
+        withNothing(qelcal_reader_next),        withNothing(qelcal_reader_choose),
+        withNothing(qelcal_converter_on_note),  withNothing(qelcal_converter_on_entry),
+        withNothing(qelcal_converter_choose),   withNothing(qelcal_converter_begin_file),
+        withNothing(qelcal_converter_scan),     withNothing(qelcal_converter_write),
+        withNothing(qelcal_converter_end_file), withNothing(qelcal_converter_finish),
+        withNothing(qelcal_converter_join),     withNothing(qelcal_converter_counts),
+        withNothing(qelcal_converter_report),   withNothing(qelcal_report_week_start),
+        withNothing(qelcal_report_add_file),    withNothing(qelcal_report_join),
+        withNothing(qelcal_report_result),      withNothing(qelcal_report_finish),
+        withNothing(qelcal_rules_read),         withNothing(qelcal_rules_read_counting),
+        withNothing(qelcal_rules_record),       withNothing(qelcal_rules_dates),
+        withNothing(qelcal_entry_time),         withNothing(qelcal_entry_duration),
+        withNothing(qelcal_entry_to_utc),       withNothing(qelcal_entry_date),
+        withNothing(qelcal_entry_occurrences),  withNothing(qelcal_entry_alarm),
+        withNothing(qelcal_time_read),          withNothing(qelcal_time_write),
+        withNothing(qelcal_time_add),           withNothing(qelcal_duration_read),
+        withNothing(qelcal_duration_write),     withNothing(qelcal_zone_find),
+        withNothing(qelcal_zone_to_utc),        withNothing(qelcal_zone_offset),
+        withNothing(qelcal_zone_changes),       withNothing(qelcal_text_to_utf8),
+        withNothing(qelcal_printable)};
+    for (std::size_t i = 0; i < std::size(refused); ++i)
+        EXPECT_EQ(refused[i], QELCAL_INVALID_ARGUMENT) << "the function with number " << i;
+    for (const std::size_t count :
+         {withNothing(qelcal_entry_property_count), withNothing(qelcal_entry_value_count),
+          withNothing(qelcal_entry_parameter_count), withNothing(qelcal_entry_rule_count),
+          withNothing(qelcal_entry_date_count), withNothing(qelcal_entry_alarm_count),
+          withNothing(qelcal_entry_note_count), withNothing(qelcal_entry_line),
+          withNothing(qelcal_note_line), withNothing(qelcal_note_value_count),
+          withNothing(qelcal_reader_note_count), withNothing(qelcal_rules_count),
+          withNothing(qelcal_rules_note_count), withNothing(qelcal_rules_record_count),
+          withNothing(qelcal_rules_record_note_count), withNothing(qelcal_rules_text_count)})
+        EXPECT_EQ(count, 0U);
     for (const char* text :
-         {qelcal_entry_uid(nullptr), qelcal_note_text(nullptr), qelcal_result_text(-1)})
+         {withNothing(qelcal_entry_uid), withNothing(qelcal_note_text),
+          withNothing(qelcal_note_name), withNothing(qelcal_note_file),
+          withNothing(qelcal_note_value), withNothing(qelcal_entry_property_name),
+          withNothing(qelcal_entry_value), withNothing(qelcal_entry_parameter_name),
+          withNothing(qelcal_entry_parameter_value), withNothing(qelcal_rules_text),
+          withNothing(qelcal_rules_words), qelcal_result_text(-1)})
         EXPECT_STREQ(text, "");
+    for (const void* nothing : {static_cast<const void*>(withNothing(qelcal_report_new)),
+                                static_cast<const void*>(withNothing(qelcal_report_part)),
+                                static_cast<const void*>(withNothing(qelcal_converter_part)),
+                                static_cast<const void*>(withNothing(qelcal_entry_zone)),
+                                static_cast<const void*>(withNothing(qelcal_entry_text)),
+                                static_cast<const void*>(withNothing(qelcal_entry_rules)),
+                                static_cast<const void*>(withNothing(qelcal_entry_note)),
+                                static_cast<const void*>(withNothing(qelcal_reader_note)),
+                                static_cast<const void*>(withNothing(qelcal_rules_note))})
+        EXPECT_EQ(nothing, nullptr);
+    EXPECT_EQ(withNothing(qelcal_note_code_of) + withNothing(qelcal_entry_kind_of) +
+                  withNothing(qelcal_entry_all_day) + withNothing(qelcal_rules_form) +
+                  withNothing(qelcal_rules_complete) + withNothing(qelcal_time_weekday) +
+                  static_cast<int>(withNothing(qelcal_time_seconds)),
+              0);
+    for (int result = QELCAL_OK; result <= QELCAL_INTERNAL; ++result)
+        EXPECT_STRNE(qelcal_result_text(result), "") << result;
     qelcal_reader_free(nullptr);
     qelcal_converter_free(nullptr);
     qelcal_report_free(nullptr);
