@@ -89,7 +89,7 @@ TEST(BxTraceConfig, WithoutTheEnvironmentTheHostsProfileDirectoryCounts) {
 
 TEST(BxTraceConfig, OptionsAreReadWithTheirSignsBasesAndLimits) {
     const FreshTrace trace({"VTraceVerbosity= -7 ", "TracingOptions=0x8000000F",
-                            "MaxFileSize=12abc", "MaxBackupCount=99999999999",
+                            "MaxFileSize=+12abc", "MaxBackupCount=99999999999",
                             "KeepLogFiles=", "LogManagerLevel=xyz", "LogManagerDetail=FFFFFFFFF"});
     EXPECT_EQ(static_cast<std::uint32_t>(BxTrace_GetTracingOptions()), 0x8000000FU);
     EXPECT_LT(BxTrace_GetTracingOptions(), 0) << "32 bits, sign-extended";
