@@ -1,9 +1,11 @@
 #include "calendar/text/ContentValue.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "calendar/base/Ascii.h"
 #include "calendar/base/Text.h"
+#include "calendar/charsets/CharacterSet.h"
 #include "calendar/text/CharacterSets.h"
 #include "calendar/text/TextCodec.h"
 
@@ -49,13 +51,19 @@ std::string unlabelledText(const ContentLine& line) {
 
 bool isBinary(const ContentLine& line, std::string_view unlabelled) {
     if (!isBase64(line)) return false;
-    const auto bytes = undoBase64(line.value);
+    auto bytes = undoBase64(line.value);
     if (!bytes) return false;
+    const std::string_view set = trimmed(line.parameter("CHARSET"));
+    const CharacterSet* const known = findCharacterSet(set);
+    if (known != nullptr && changesAscii(*known)) {
+        // Before they are decoded, wide units and shifts look like control characters.
+        std::string text;
+        if (decode(*known, *bytes, text) == 0) bytes = std::move(text);
+    }
     const bool controls = std::any_of(bytes->begin(), bytes->end(), [](char c) {
         return isBlank(c) && c != ' ' && c != '\t' && c != '\n' && c != '\r' && c != '\x1b';
     });
-    return controls || (unlabelled.empty() && isUnlabelled(trimmed(line.parameter("CHARSET"))) &&
-                        !isUtf8(*bytes));
+    return controls || (unlabelled.empty() && isUnlabelled(set) && !isUtf8(*bytes));
 }
 
 std::string decodedValue(const ContentLine& line, std::string_view unlabelled,
