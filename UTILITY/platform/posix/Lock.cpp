@@ -58,14 +58,14 @@ class SharedMutex {
 };
 
 template <typename T>
-constexpr bool kFits = sizeof(T) <= kLockSize && alignof(T) <= kLockAlignment;
+constexpr bool kFits = sizeof(T) <= kLockSize;
 
 #ifdef QEL_PORTABLE_POSIX
 using Mutex = SharedMutex;
 #else
 using Mutex = std::conditional_t<kFits<OwnMutex>, OwnMutex, SharedMutex>;
 #endif
-static_assert(kFits<Mutex>);
+static_assert(kFits<Mutex> && alignof(Mutex) <= kLockAlignment);
 
 Mutex& mutexIn(void* storage) noexcept {
     return *static_cast<Mutex*>(storage);
