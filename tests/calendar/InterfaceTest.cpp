@@ -190,6 +190,19 @@ TEST(Interface, EntriesThatLackSomething) {
     const qelcal::Entry zoneless = reader.next();
     EXPECT_EQ(zoneless.zone(), "");
     EXPECT_THROW(zoneless.utc(zoneless.time(QELCAL_START)), qelcal::Error);
+    const qelcal_entry* const entry = zoneless.get();
+    qelcal_time time = Time::read("20050615");
+    qelcal_alarm alarm;
+    for (const int refused :
+         {qelcal_entry_time(entry, QELCAL_START, nullptr), qelcal_entry_time(entry, 99, &time),
+          qelcal_entry_duration(entry, nullptr), qelcal_entry_to_utc(entry, &time, nullptr),
+          qelcal_entry_to_utc(entry, nullptr, &time), qelcal_entry_date(entry, 0, 0, &time),
+          qelcal_entry_occurrences(entry, nullptr, nullptr, 1, nullptr, nullptr),
+          qelcal_entry_alarm(entry, 0, &alarm), qelcal_entry_alarm(entry, 0, nullptr)})
+        EXPECT_EQ(refused, QELCAL_INVALID_ARGUMENT);
+    EXPECT_EQ(qelcal_entry_text(entry, nullptr), nullptr);
+    EXPECT_EQ(qelcal_entry_parameter_count(entry, 99), 0U);
+    EXPECT_STREQ(qelcal_entry_parameter_value(entry, 99, 0), "");
     EXPECT_FALSE(reader.next());
 }
 
