@@ -1,5 +1,8 @@
 #include "calendar/rules/RuleReader.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "calendar/base/Ascii.h"
 #include "calendar/base/ByteSearch.h"
 #include "calendar/rules/RuleReadICalendar.h"
@@ -26,6 +29,18 @@ void markLostRules(std::vector<Note>& notes) {
                 break;
         }
     }
+}
+
+// Larger numbers are read as the largest. No series gets as far as that, so no date changes.
+void noteLargeNumbers(std::string_view text, RuleReading& reading) {
+    constexpr int kLargest = std::numeric_limits<int>::max();
+    constexpr std::string_view kAsText = "2147483647";
+    const auto isLarge = [](const Rule& rule) {
+        return rule.count == kLargest || rule.interval == kLargest;
+    };
+    if (std::any_of(reading.rules.begin(), reading.rules.end(), isLarge) &&
+        text.find(kAsText) == std::string_view::npos)
+        reading.notes.push_back(Note(NoteCode::RuleNumberLarge, 0, {kAsText}));
 }
 
 }  // namespace
@@ -66,6 +81,7 @@ RuleReading readRules(std::string_view text, RuleForm form, const std::optional<
             break;
     }
     if (!reading.rules.empty()) markLostRules(reading.notes);
+    noteLargeNumbers(text, reading);
     return reading;
 }
 
