@@ -27,6 +27,7 @@
 #include "commands/FileConversion.h"
 #include "commands/ReportFile.h"
 #include "platform/Console.h"
+#include "platform/RandomName.h"
 
 namespace qel::cli {
 
@@ -71,6 +72,14 @@ class RunReport {
     ReportFile file_;
     qelcal::Report page_;
 };
+
+// A file of this name in a new temporary folder, which only this person can read.
+std::string temporaryPlace(const std::string& name) {
+    const fs::path folder = fs::temp_directory_path() / platform::randomName().substr(1);
+    fs::create_directory(folder);
+    fs::permissions(folder, fs::perms::owner_all);
+    return nameOf(folder / pathOf(name).filename());
+}
 
 class ConvertRun {
   public:
@@ -130,9 +139,18 @@ class ConvertRun {
                 !isStandardInput(first.name))
                 return;
             reportName_ = beside_.reportFor(first);
-            makeFolderOf(reportName_);
+            try {
+                makeFolderOf(reportName_);
+                report_.emplace(context_, reportName_);
+            } catch (const OutputError&) {
+                if (!options_.open) throw;
+                // Who sees no terminal learns from the report alone that the folder takes nothing.
+                reportName_ = temporaryPlace(reportName_);
+                report_.emplace(context_, reportName_);
+            }
+        } else if (!reportName_.empty()) {
+            report_.emplace(context_, reportName_);
         }
-        if (!reportName_.empty()) report_.emplace(context_, reportName_);
     }
 
     // No result may take the place of a file that is read, whatever its name there.
@@ -572,8 +590,9 @@ class ConvertRun {
     }
 
     void finishReport() {
-        // Nobody asked by name for the report of `--beside`, and nothing was converted.
-        const bool needless = options_.report.empty() && written().empty();
+        // Nobody asked for the report of `--beside`, and nothing was converted. Who sees no
+        // terminal learns from it why.
+        const bool needless = options_.report.empty() && !options_.open && written().empty();
         if (needless) report_.reset();
         try {
             if (report_) report_->finish(remark(), outcomes_);
