@@ -39,8 +39,11 @@ class QelUtility(ConanFile):
             self.requires("nlohmann_json/[>=3.11 <4]")
             self.requires("zlib/[>=1.2.13 <2]")
 
-    def validate(self):
+    def validate_build(self):
+        # The headers need C++11 alone.
         check_min_cppstd(self, 20)
+
+    def validate(self):
         if self.settings.compiler == "msvc":
             raise ConanInvalidConfiguration("MSVC can call the libraries but not build them; MinGW can")
 
@@ -71,13 +74,17 @@ class QelUtility(ConanFile):
     def package_info(self):
         # CMake projects use the package's own files, which know both libraries.
         self.cpp_info.set_property("cmake_find_mode", "none")
-        self.cpp_info.builddirs = [os.path.join("lib", "cmake", "QelUtility")]
+        # CMakeToolchain looks for the folder at the components, CMakeConfigDeps at the package.
+        folders = [os.path.join("lib", "cmake", "QelUtility")]
+        self.cpp_info.builddirs = folders
         utility = self.cpp_info.components["utility"]
+        utility.builddirs = folders
         utility.libs = ["QelUtility"]
         utility.requires = ["openssl::crypto"]
         utility.set_property("pkg_config_name", "qelutility")
         calendar = self.cpp_info.components["calendar"]
         calendar.libs = ["QelCalendar"]
+        calendar.builddirs = folders
         calendar.requires = ["utility"]
         calendar.set_property("pkg_config_name", "qelcalendar")
         if not self.options.shared:
