@@ -7,6 +7,7 @@ import io
 import os
 import pathlib
 import pickle
+import signal
 import stat
 import sys
 import threading
@@ -154,6 +155,73 @@ def test_raises_what_went_wrong(phone: pathlib.Path, tmp_path: pathlib.Path) -> 
     assert order.value.code == Result.WRONG_ORDER
     with pytest.raises(CalendarError, match="closed"):
         converter.add(phone)
+
+
+class Late(Exception):
+    pass
+
+
+def late(*_: object) -> None:
+    raise Late
+
+
+def test_loses_nothing_to_signals(phone: pathlib.Path) -> None:
+    data, name = large(phone), phone.name
+    [daily] = qelcalendar.rule("FREQ=DAILY", start="2005-06-15")
+    whole = qelcalendar.Calendar.read(phone).entries[0]
+    calls: list[Callable[[], object]] = [
+        lambda: convert(data, name=name),
+        lambda: list(daily.dates(through="2300-01-01")),
+        lambda: list(whole.occurrences()),
+    ]
+    expected = [each() for each in calls]
+    before, raised = signal.signal(signal.SIGALRM, late), 0
+    try:
+        for i in range(90):
+            signal.setitimer(signal.ITIMER_REAL, 0.0003 + i * 0.0037 % 0.1)
+            try:
+                assert calls[i % 3]() == expected[i % 3]
+                time.sleep(0.2)
+            except Late:
+                raised += 1
+        assert raised == 90
+    finally:
+        signal.setitimer(signal.ITIMER_REAL, 0)
+        signal.signal(signal.SIGALRM, before)
+
+
+def test_refuses_a_converter_in_use(phone: pathlib.Path) -> None:
+    def again(_note: object) -> None:
+        for use in (lambda: converter.add(phone), converter.finish):
+            with pytest.raises(CalendarError, match="in use") as caught:
+                use()
+            assert caught.value.code == Result.WRONG_ORDER
+
+    with Converter("ics", on_note=again) as converter:
+        converter.add(phone)
+        assert converter.finish().entries == 7
+    closing = Converter("ics", on_note=lambda _note: closing.close())
+    with pytest.raises(CalendarError, match="closed"):
+        closing.add(phone)
+        closing.finish()
+    elsewhere = Converter("ics", lambda _piece: None)
+    thread = threading.Timer(0.02, elsewhere.close)
+    thread.start()
+    with pytest.raises(CalendarError, match="closed"):
+        while True:
+            elsewhere.add(large(phone))
+    thread.join()
+    # A source that cannot be opened changes nothing; one that fails later leaves half a calendar.
+    with Converter("ics") as converter:
+        for wrong in ("none.vcs", 7, io.StringIO("text")):
+            with pytest.raises((OSError, TypeError)):
+                converter.add(wrong)  # type: ignore[arg-type]
+        converter.add(phone)
+        with pytest.raises(OSError, match="the disk is gone"):
+            converter.add(broken())
+        for use in (lambda: converter.add(phone), converter.finish):
+            with pytest.raises(CalendarError, match="incomplete"):
+                use()
 
 
 def large(phone: pathlib.Path) -> bytes:

@@ -4,14 +4,17 @@ from __future__ import annotations
 
 import contextlib
 import ctypes
+import itertools
 import os
 import secrets
+import threading
 from dataclasses import dataclass
-from typing import Any, BinaryIO, Callable, Generator, Iterable, Optional, Union
+from typing import Any, BinaryIO, Callable, Generator, Iterable, Iterator, Optional, Union
 
 from . import _library
+from ._calls import Stop, apart
 from ._errors import checked, encoded, failure
-from ._input import Input, Source, choose, chosen
+from ._input import PIECE, Input, Source, choose, chosen
 from ._library import Counts, NoteFn, Result, WriteFn, call
 from ._notes import KindOfNote, Note, kind_of_note, note_of
 
@@ -50,12 +53,68 @@ class Converted(Summary):
         return self.bytes.decode("utf-8")
 
 
+class _Native:
+    """The library's converter; it lasts as long as a call uses it, beyond `close` too."""
+
+    handle: Any = None
+
+    def __init__(self, to: int, writes: bool, every_note: bool) -> None:
+        stop = self.stop = Stop()
+        ready: list[Union[bytes, Note, int]] = []
+        self.ready = ready
+        """Bytes, notes and, of notes whose kind is known, their codes."""
+        known: set[int] = set()
+
+        def write(_context: Any, address: int, size: int) -> int:
+            try:
+                ready.append(ctypes.string_at(address, size))
+                return stop.asked
+            except BaseException as problem:  # it may not pass through the library
+                return stop.failed(problem)
+
+        def note(_context: Any, handle: Any) -> int:
+            try:
+                code = call("note_code_of", handle)
+                ready.append(note_of(handle) if every_note or code not in known else code)
+                known.add(code)
+                return stop.asked
+            except BaseException as problem:
+                return stop.failed(problem)
+
+        # The callbacks must last as long as the converter.
+        self._write = WriteFn(write) if writes else WriteFn(0)
+        self._note = NoteFn(note)
+        self.handle = call("converter_new", to, self._write, None)
+        if not self.handle:
+            raise MemoryError
+        checked("converter_on_note", self.handle, self._note, None)
+
+    def __del__(self) -> None:
+        call("converter_free", self.handle)
+
+    def run(self, steps: tuple[tuple[Any, ...], ...]) -> list[Union[bytes, Note, int]]:
+        """Calls the library's functions, and gives what their callbacks received."""
+
+        def work() -> None:
+            for name, *arguments in steps:
+                result = call("converter_" + name, self.handle, *arguments)
+                if result != Result.OK:
+                    raise self.stop.problem or failure(result)
+
+        apart(self.stop, work)
+        ready = self.ready[:]
+        self.ready.clear()
+        return ready
+
+
 class Converter:
     """Converts any number of calendars into one. A `with` statement frees it early.
 
     `to` is "ics" (iCalendar), "vcs" (vCalendar 1.0) or None, the other format than the first
-    calendar's. `output` receives the result in pieces, `on_note` every note at once; an exception of
-    either ends the conversion and comes out of the call that was under way.
+    calendar's. `output` receives the result in pieces, `on_note` every note, both soon after the input
+    that they come from. What they raise ends the conversion and comes out of the call that was under
+    way, as Ctrl-C does; the calendar then stays incomplete, and later calls say so. One call at a time
+    may use a converter; only `close` may come at any time.
     """
 
     def __init__(
@@ -65,55 +124,58 @@ class Converter:
         *,
         on_note: Optional[Callable[[Note], object]] = None,
     ) -> None:
-        self._handle: Any = None
-        if to not in _FORMATS:
+        if to not in tuple(_FORMATS):
             raise ValueError(f'to is "ics", "vcs" or None, not {to!r}')
-        self._problem: Optional[BaseException] = None
+        self._output = output
+        self._on_note = on_note
         self._kinds: dict[int, KindOfNote] = {}
+        self._incomplete = False
+        self._busy = threading.Lock()
+        self._native: Optional[_Native] = _Native(
+            _FORMATS[to], output is not None, on_note is not None
+        )
 
-        def write(_context: Any, address: int, size: int) -> int:
-            return self._guarded(output, ctypes.string_at(address, size))
-
-        def note(_context: Any, handle: Any) -> int:
-            return self._guarded(self._noted, handle, on_note)
-
-        # The callbacks must last as long as the converter.
-        self._write = WriteFn(write) if output is not None else WriteFn(0)
-        self._note = NoteFn(note)
-        self._handle = call("converter_new", _FORMATS[to], self._write, None)
-        if not self._handle:
-            raise MemoryError
-        checked("converter_on_note", self._handle, self._note, None)
-
-    def _guarded(self, function: Any, *arguments: Any) -> int:
+    @contextlib.contextmanager
+    def _used(self) -> Iterator[None]:
+        if not self._busy.acquire(blocking=False):
+            raise failure(Result.WRONG_ORDER, "the converter is in use")
         try:
-            function(*arguments)
-        except BaseException as problem:  # it may not pass through the library
-            self._problem = problem
-            return 1
-        return 0
+            yield
+        finally:
+            self._busy.release()
 
-    def _noted(self, handle: Any, on_note: Optional[Callable[[Note], object]]) -> None:
-        code = call("note_code_of", handle)
-        kind = self._kinds.get(code)
-        if kind is None or on_note is not None:
-            note = note_of(handle)
-            if on_note is not None:
-                on_note(note)
-            if kind is None:
-                self._kinds[code] = kind_of_note(note)
-                return
-        kind.count += 1
-
-    def _call(self, name: str, *arguments: Any) -> None:
-        if not self._handle:
+    def _unclosed(self) -> _Native:
+        native = self._native
+        if native is None:
             raise failure(Result.WRONG_ORDER, "the converter is closed")
-        result = call("converter_" + name, self._handle, *arguments)
-        if self._problem is not None:
-            problem, self._problem = self._problem, None
-            raise problem
-        if result != Result.OK:
-            raise failure(result)
+        return native
+
+    def _complete(self) -> _Native:
+        native = self._unclosed()
+        if self._incomplete:
+            raise failure(
+                Result.WRONG_ORDER, "the calendar is incomplete: an exception ended its conversion"
+            )
+        return native
+
+    def _run(self, *steps: tuple[Any, ...]) -> None:
+        for each in self._unclosed().run(steps):
+            if not isinstance(each, bytes):
+                self._noted(each)
+            elif self._output is not None:
+                self._output(each)
+
+    def _noted(self, note: Union[Note, int]) -> None:
+        if isinstance(note, int):
+            self._kinds[note].count += 1
+            return
+        kind = self._kinds.get(note.code)
+        if kind is None:
+            self._kinds[note.code] = kind_of_note(note)
+        else:
+            kind.count += 1
+        if self._on_note is not None:
+            self._on_note(note)
 
     def add(
         self,
@@ -136,26 +198,39 @@ class Converter:
     def _steps(
         self, source: Source, name: Optional[str], choices: dict[int, bytes], one_pass: bool
     ) -> Generator[None, None, None]:
-        if not self._handle:
-            raise failure(Result.WRONG_ORDER, "the converter is closed")
-        file = Input(source, name)
-        choose("converter", self._handle, choices)
-        self._call("begin_file", encoded(file.name))
-        if not one_pass:
-            for piece in file.pieces(True):
-                self._call("scan", piece, len(piece))
-        for piece in file.pieces(False):
-            self._call("write", piece, len(piece))
-            yield
-        self._call("end_file")
+        with self._used():
+            native = self._complete()
+            file = Input(source, name)
+            passes = [("scan", file.pieces(True))] if not one_pass else []
+            passes.append(("write", file.pieces(False)))
+            steps: list[tuple[Any, ...]] = [("begin_file", encoded(file.name))]
+            # A source that cannot be opened leaves the converter as it is.
+            head = list(itertools.islice(passes[0][1], 1))
+            choose("converter", native.handle, choices)
+            self._incomplete = True
+            size = 0
+            for step, pieces in passes:
+                for piece in itertools.chain(head, pieces):
+                    steps.append((step, piece, len(piece)))
+                    size += len(piece)
+                    if one_pass or size >= PIECE:
+                        self._run(*steps)
+                        steps, size = [], 0
+                        yield
+                head = []
+            self._run(*steps, ("end_file",))
+            self._incomplete = False
 
     def finish(self) -> Summary:
         """Ends the calendar, passes on what is left of it, and closes the converter."""
-        self._call("finish")
-        counts = Counts()
-        self._call("counts", counts)
-        target = call("converter_target", self._handle)
-        self.close()
+        with self._used():
+            native = self._complete()
+            self._incomplete = True
+            self._run(("finish",))
+            counts = Counts()
+            checked("converter_counts", native.handle, counts)
+            target = call("converter_target", native.handle)
+            self.close()
         return Summary(
             format=_NAMES.get(target),
             notes=tuple(self._kinds[code] for code in sorted(self._kinds)),
@@ -163,18 +238,13 @@ class Converter:
         )
 
     def close(self) -> None:
-        """Frees it, finished or not."""
-        handle, self._handle = self._handle, None
-        if handle:
-            call("converter_free", handle)
+        """Frees it, finished or not, at the end of a call that is under way."""
+        self._native = None
 
     def __enter__(self) -> Converter:
         return self
 
     def __exit__(self, *_: object) -> None:
-        self.close()
-
-    def __del__(self) -> None:
         self.close()
 
 

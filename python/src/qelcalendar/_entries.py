@@ -10,6 +10,7 @@ from dataclasses import dataclass, field
 from typing import Any, Callable, Generator, Iterable, Iterator, Mapping, Optional, Union
 
 from . import _library
+from ._calls import Stop, apart
 from ._errors import checked, failure
 from ._input import Input, Source, choose, chosen
 from ._library import Result, Time, call, text
@@ -124,8 +125,8 @@ class Entry:
         return in_batches(self._fetch, since, through)
 
 
-WithEntry = Callable[[Callable[[Any], Any]], Any]
-"""Calls a function with the library's entry, which lasts as long as the call."""
+WithEntry = Callable[[Callable[[Stop, Any], Any]], Any]
+"""Calls a function with the library's entry, which lasts as long as the call, by `apart`."""
 
 
 def _entry_of(handle: Any, with_entry: WithEntry) -> Entry:
@@ -139,8 +140,8 @@ def _entry_of(handle: Any, with_entry: WithEntry) -> Entry:
     has_duration = call("entry_duration", handle, seconds) == Result.OK
 
     def fetch(since: Any, through: Any, most: int) -> Any:
-        def use(entry: Any) -> Any:
-            found = collected("entry_occurrences", entry, since, through, most)
+        def use(stop: Stop, entry: Any) -> Any:
+            found = collected(stop, "entry_occurrences", entry, since, through, most)
             return [(time, clock.when(entry, time)) for time in found]
 
         return with_entry(use)
@@ -220,10 +221,10 @@ def _rules(handle: Any, with_entry: WithEntry, clock: EntryClock, start: Optiona
 
         def fetches(number: int, index: int = index) -> Fetch:
             def fetch(since: Any, through: Any, most: int) -> Any:
-                def use(entry: Any) -> Any:
+                def use(stop: Stop, entry: Any) -> Any:
                     bounds = [on_clock(each, first.clock, zone) for each in (since, through)]
                     owner = call("entry_rules", entry, index)
-                    found = collected("rules_dates", owner, number, *bounds, most)
+                    found = collected(stop, "rules_dates", owner, number, *bounds, most)
                     return [(time, clock.when(entry, time)) for time in found]
 
                 return with_entry(use)
@@ -238,6 +239,7 @@ class _Reading:
 
     def __init__(self, source: Input, choices: dict[int, bytes], one_pass: bool) -> None:
         self.index = -1
+        self.lock = threading.Lock()
         self.handle = ctypes.c_void_p()
         self._reader = call("reader_new")
         if not self._reader:
@@ -253,14 +255,17 @@ class _Reading:
 
     def advance(self) -> bool:
         """Takes the next entry, if there is one."""
+        index, self.index = self.index, -1  # of none, should a signal handler raise
+        with self.lock:
+            found = self._next()
+        self.index = index + 1  # at the end too, where the last entry is gone
+        return found
+
+    def _next(self) -> bool:
         while True:
             result = call("reader_next", self._reader, self.handle)
-            if result == Result.OK:
-                self.index += 1
-                return True
-            if result == Result.END:
-                self.index += 1  # the last entry is gone too
-                return False
+            if result in (Result.OK, Result.END):
+                return bool(result == Result.OK)
             if result != Result.NEED_INPUT:
                 raise failure(result)
             piece = next(self._pieces, None)
@@ -291,12 +296,13 @@ class Calendar:
         self._data = data
         self._choices = choices
         self._lock = threading.Lock()
-        self._reading = self._begun()
+        reading = self._begun()
         entries = []
-        while self._reading.advance():
-            entries.append(_entry_of(self._reading.handle, self._entry(self._reading.index)))
+        while reading.advance():
+            entries.append(_entry_of(reading.handle, self._entry(reading.index)))
         self.entries = tuple(entries)
-        self.notes = tuple(self._reading.notes())
+        self.notes = tuple(reading.notes())
+        self._reading: Optional[_Reading] = reading
 
     @classmethod
     def read(
@@ -329,13 +335,23 @@ class Calendar:
 
     def _entry(self, index: int) -> WithEntry:
         # The library's entry lasts until its reader goes on. Going forward needs no second pass.
-        def with_entry(use: Callable[[Any], Any]) -> Any:
-            with self._lock:
-                if self._reading.index > index:
-                    self._reading = self._begun()
-                while self._reading.index < index:
-                    self._reading.advance()
-                return use(self._reading.handle)
+        def with_entry(use: Callable[[Stop, Any], Any]) -> Any:
+            stop = Stop()
+
+            def work() -> Any:
+                with self._lock:
+                    reading, self._reading = self._reading, None  # a call that fails drops it
+                    if reading is None or reading.index > index:
+                        reading = self._begun()
+                    while reading.index < index:
+                        if stop.asked:
+                            raise failure(Result.STOPPED)
+                        reading.advance()
+                    found = use(stop, reading.handle)
+                    self._reading = reading
+                    return found
+
+            return apart(stop, work)
 
         return with_entry
 
@@ -363,13 +379,23 @@ def entries(
     reading = _Reading(Input(source, None), chosen(zone, charset, count_means, False, only), one_pass)
 
     def of(index: int) -> WithEntry:
-        def with_entry(use: Callable[[Any], Any]) -> Any:
-            if reading.index != index:
-                raise failure(
-                    Result.WRONG_ORDER,
-                    "an entry's dates are there until the next one is taken; Calendar.read keeps them",
-                )
-            return use(reading.handle)
+        def with_entry(use: Callable[[Stop, Any], Any]) -> Any:
+            stop = Stop()
+
+            def checked_index() -> None:
+                if reading.index != index:
+                    raise failure(
+                        Result.WRONG_ORDER,
+                        "an entry's dates are there until the next one is taken; Calendar.read keeps them",
+                    )
+
+            def work() -> Any:
+                with reading.lock:
+                    checked_index()
+                    return use(stop, reading.handle)
+
+            checked_index()
+            return apart(stop, work)
 
         return with_entry
 

@@ -12,16 +12,16 @@ from ._errors import checked, encoded
 Source = Union[bytes, bytearray, memoryview, str, "os.PathLike[str]", BinaryIO, Iterable[bytes]]
 """A calendar: its bytes, the path of a file, a binary file object, or pieces of bytes of any size."""
 
-_PIECE = 1 << 18
+PIECE = 1 << 18
 
 
 def _cut(data: Any) -> Iterator[bytes]:
     view = memoryview(data).cast("B")
-    if isinstance(data, bytes) and len(data) <= _PIECE:
+    if isinstance(data, bytes) and len(data) <= PIECE:
         yield data
         return
-    for at in range(0, len(view), _PIECE):
-        yield bytes(view[at : at + _PIECE])
+    for at in range(0, len(view), PIECE):
+        yield bytes(view[at : at + PIECE])
 
 
 class Input:
@@ -98,7 +98,7 @@ def _seekable(file: Any) -> bool:
 
 def _read(file: Any) -> Iterator[bytes]:
     while True:
-        piece = file.read(_PIECE)
+        piece = file.read(PIECE)
         if not piece:
             return
         if isinstance(piece, str):

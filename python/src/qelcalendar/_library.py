@@ -75,7 +75,7 @@ class Counts(ctypes.Structure):
 
 
 NoteFn = CFUNCTYPE(c_int, c_void_p, c_void_p)
-TimeFn = CFUNCTYPE(c_int, c_void_p, POINTER(Time))
+TimeFn = CFUNCTYPE(c_int, c_void_p, c_void_p)
 WriteFn = CFUNCTYPE(c_int, c_void_p, c_void_p, c_size_t)
 
 _time = POINTER(Time)

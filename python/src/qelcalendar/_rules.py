@@ -4,10 +4,12 @@ from __future__ import annotations
 
 import ctypes
 import datetime as dt
+import threading
 from dataclasses import dataclass, field
 from typing import Any, Iterator, Optional
 
 from . import _library
+from ._calls import Stop, apart
 from ._errors import checked, encoded
 from ._library import call, text
 from ._notes import Note, note_of
@@ -64,6 +66,7 @@ class _Handle:
 
     def __init__(self, handle: Any) -> None:
         self.handle = handle
+        self.lock = threading.Lock()
 
     def __del__(self) -> None:
         call("rules_free", self.handle)
@@ -113,8 +116,13 @@ def rule(value: str, *, start: Moment, count_means: Optional[str] = None) -> lis
     def fetches(number: int) -> Fetch:
         def fetch(since: Any, through: Any, most: int) -> list[tuple[_library.Time, When]]:
             bounds = [on_clock(each, first.clock, zone) for each in (since, through)]
-            times = collected("rules_dates", owner.handle, number, *bounds, most)
-            return [(time, when_of(time, zone)) for time in times]
+            stop = Stop()
+
+            def work() -> list[_library.Time]:
+                with owner.lock:
+                    return collected(stop, "rules_dates", owner.handle, number, *bounds, most)
+
+            return [(time, when_of(time, zone)) for time in apart(stop, work)]
 
         return fetch
 

@@ -8,7 +8,8 @@ import functools
 import zoneinfo
 from typing import Any, Callable, Iterator, Optional, Union
 
-from ._errors import checked, encoded
+from ._calls import Stop
+from ._errors import checked, encoded, failure
 from ._library import FLOATING, UTC, ZONED, Result, Time, TimeFn, call
 
 When = Union[dt.date, dt.datetime]
@@ -95,16 +96,22 @@ class EntryClock:
         return local.replace(tzinfo=fixed)
 
 
-def collected(name: str, *arguments: Any) -> list[Time]:
-    """All times that qelcal_NAME hands to its callback."""
-    times: list[Time] = []
+def collected(stop: Stop, name: str, *arguments: Any) -> list[Time]:
+    """All times that qelcal_NAME hands to its callback, in a call of `apart`."""
+    times: list[bytes] = []
+    size = ctypes.sizeof(Time)
 
-    def take(_context: Any, time: Any) -> int:
-        times.append(Time.from_buffer_copy(time.contents))
-        return 0
+    def take(_context: Any, address: int) -> int:
+        try:
+            times.append(ctypes.string_at(address, size))
+            return stop.asked
+        except BaseException as problem:  # it may not pass through the library
+            return stop.failed(problem)
 
-    checked(name, *arguments, TimeFn(take), None)
-    return times
+    result = call(name, *arguments, TimeFn(take), None)
+    if result != Result.OK:
+        raise stop.problem or failure(result)
+    return [Time.from_buffer_copy(each) for each in times]
 
 
 _FIRST_BATCH = 32
