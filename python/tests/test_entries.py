@@ -61,7 +61,23 @@ def test_keeps_moments_where_zones_differ() -> None:
     assert own == wall.replace(tzinfo=dt.timezone(dt.timedelta(minutes=90)))
     assert isinstance(own, dt.datetime) and own.tzname() == "Own/Zone"
     assert york == wall.replace(tzinfo=zoneinfo.ZoneInfo("America/New_York"))
-    assert local == wall
+    assert local == wall and isinstance(york, dt.datetime)
+    # A series' bounds are moments on the file's own clock, in summer too.
+    changes = ["BEGIN:VTIMEZONE", "TZID:Own/Summer"]
+    for part, month, before, after in ("STANDARD", 10, "+0530", "+0430"), ("DAYLIGHT", 3, "+0430", "+0530"):
+        changes += [f"BEGIN:{part}", f"DTSTART:1970{month:02}25T030000", f"RRULE:FREQ=YEARLY;BYMONTH={month};BYDAY=-1SU"]
+        changes += [f"TZOFFSETFROM:{before}", f"TZOFFSETTO:{after}", f"END:{part}"]
+    series = event("DTSTART;TZID=Own/Summer:20050115T100000", "RRULE:FREQ=DAILY")
+    [summer] = Calendar.read(calendar(*changes, "END:VTIMEZONE", *series))
+    moment, second = dt.datetime(2005, 7, 1, 4, 30, tzinfo=UTC), dt.timedelta(seconds=1)
+    for dates in (summer.occurrences, summer.rules[0].dates):
+        assert list(dates(moment, moment)) == [moment]
+        assert not list(dates(moment + second, moment - second + dt.timedelta(days=1)))
+        assert next(dates(dt.datetime.min.replace(tzinfo=BERLIN))) == summer.start
+        assert next(dates(None, dt.datetime.max.replace(tzinfo=york.tzinfo))) == summer.start
+    # The ends of time have the zone's offset.
+    west = calendar(*event("DTSTART;TZID=America/New_York:99991231T235959"), *event("DTSTART;TZID=Asia/Tokyo:00010101T000000"))
+    assert [str(entry.start)[-6:-3] for entry in Calendar.read(west)] == ["-05", "+09"]
     # 2:30 comes twice in October, and never in March.
     twice = calendar(*event("DTSTART;TZID=Europe/Berlin:20051030T023000"), *event("DTSTART;TZID=Europe/Berlin:20050327T023000"))
     moments = [entry.start for entry in Calendar.read(twice)]
@@ -128,6 +144,19 @@ def test_explains_rules() -> None:
     assert next(endless.dates(since=winter)) == winter
     [none] = rule("FREQ=YEARLY;BYWEEKNO=20;BYDAY=MO", start="2005-06-06")
     assert none.vcalendar == () and none.reasons["vcalendar"]
+    # An end in UTC is a moment, whatever the start's clock shows.
+    york, tokyo = zoneinfo.ZoneInfo("America/New_York"), zoneinfo.ZoneInfo("Asia/Tokyo")
+    for zone, text, last in (
+        (york, "FREQ=DAILY;UNTIL=20050617T103000Z", 16),
+        (york, "D1 20050617T103000Z", 16),
+        (york, "RRULE:FREQ=DAILY;UNTIL=20050617T143000Z", 17),
+        (tokyo, "FREQ=DAILY;UNTIL=20050617T013000Z", 17),
+        (tokyo, "FREQ=DAILY;UNTIL=20050617T012959Z", 16),
+        (UTC, "FREQ=DAILY;UNTIL=20050617T103000Z", 17),
+    ):
+        [ending] = rule(text, start=dt.datetime(2005, 6, 15, 10, 30, tzinfo=zone))
+        assert [when.day for when in ending] == list(range(15, last + 1)), (zone, text)
+        assert ending.words.endswith("UTC")
     counted = [len(list(rule("W1 MO WE #4", start="20050606", count_means=how)[0])) for how in ("dates", "periods")]
     assert counted[0] == 4 < counted[1]
     with pytest.raises(CalendarValueError, match="SOMETIMES") as caught:

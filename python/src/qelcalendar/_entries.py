@@ -15,7 +15,7 @@ from ._errors import checked, failure
 from ._input import Input, Source, choose, chosen
 from ._library import Result, Time, call, text
 from ._notes import Note, note_of
-from ._rules import Rule, on_clock, rules_of
+from ._rules import Rule, rules_of
 from ._times import EntryClock, Fetch, Moment, When, collected, in_batches, wall
 
 
@@ -133,7 +133,6 @@ def _entry_of(handle: Any, with_entry: WithEntry) -> Entry:
     zone = call("entry_zone", handle)
     clock = EntryClock(text(zone))
     times = {name: _time(handle, clock, which) for name, which in _TIMES.items()}
-    start = times["start"]
     properties = tuple(_properties(handle))
     first = {each.name: each.values[0] for each in reversed(properties)}
     seconds = ctypes.c_int64()
@@ -156,7 +155,7 @@ def _entry_of(handle: Any, with_entry: WithEntry) -> Entry:
         all_day=bool(call("entry_all_day", handle)),
         zone=None if zone is None else text(zone),
         duration=dt.timedelta(seconds=seconds.value) if has_duration else None,
-        rules=tuple(_rules(handle, with_entry, clock, start)),
+        rules=tuple(_rules(handle, with_entry, clock)),
         dates=_dates(handle, clock, 0),
         excluded=_dates(handle, clock, 1),
         alarms=tuple(_alarms(handle, clock)),
@@ -210,8 +209,7 @@ def _alarms(handle: Any, clock: EntryClock) -> Iterator[Alarm]:
         )
 
 
-def _rules(handle: Any, with_entry: WithEntry, clock: EntryClock, start: Optional[When]) -> Iterator[Rule]:
-    zone = start.tzinfo if isinstance(start, dt.datetime) else None
+def _rules(handle: Any, with_entry: WithEntry, clock: EntryClock) -> Iterator[Rule]:
     first = Time()
     call("entry_time", handle, _TIMES["start"], first)
     for index in range(call("entry_rule_count", handle)):
@@ -222,16 +220,15 @@ def _rules(handle: Any, with_entry: WithEntry, clock: EntryClock, start: Optiona
         def fetches(number: int, index: int = index) -> Fetch:
             def fetch(since: Any, through: Any, most: int) -> Any:
                 def use(stop: Stop, entry: Any) -> Any:
-                    bounds = [on_clock(each, first.clock, zone) for each in (since, through)]
                     owner = call("entry_rules", entry, index)
-                    found = collected(stop, "rules_dates", owner, number, *bounds, most)
+                    found = collected(stop, "rules_dates", owner, number, since, through, most)
                     return [(time, clock.when(entry, time)) for time in found]
 
                 return with_entry(use)
 
             return fetch
 
-        yield from rules_of(rules, bool(call("entry_rule_excludes", handle, index)), fetches)
+        yield from rules_of(rules, bool(call("entry_rule_excludes", handle, index)), first.clock, fetches)
 
 
 class _Reading:

@@ -4,6 +4,8 @@ from __future__ import annotations
 
 import ctypes
 import datetime as dt
+import functools
+import re
 import threading
 from dataclasses import dataclass, field
 from typing import Any, Iterator, Optional
@@ -13,7 +15,7 @@ from ._calls import Stop, apart
 from ._errors import checked, encoded
 from ._library import call, text
 from ._notes import Note, note_of
-from ._times import Fetch, Moment, When, collected, in_batches, time_of, when_of
+from ._times import Fetch, Moment, When, collected, in_batches, time_of, wall, when_of
 
 _FORMS = {
     "vcalendar": _library.FORM_VCALENDAR,
@@ -48,11 +50,12 @@ class Rule:
     notes: tuple[Note, ...]
     """How its text was understood."""
     _fetch: Fetch = field(repr=False)
+    _zoned: bool = field(repr=False)
 
     def dates(self, since: Optional[Moment] = None, through: Optional[Moment] = None) -> Iterator[When]:
         """Its dates, ascending, those from `since` through `through`, calculated as they are asked
         for: a series without an end goes on to the year 2499. The start is always the first."""
-        return in_batches(self._fetch, since, through)
+        return in_batches(self._fetch, since, through, self._zoned)
 
     def __iter__(self) -> Iterator[When]:
         return self.dates()
@@ -72,8 +75,9 @@ class _Handle:
         call("rules_free", self.handle)
 
 
-def rules_of(handle: Any, excludes: bool, fetches: Any) -> list[Rule]:
-    """The rules of one text; `fetches` makes the Fetch of one by its number."""
+def rules_of(handle: Any, excludes: bool, clock: int, fetches: Any) -> list[Rule]:
+    """The rules of one text; `fetches` makes the Fetch of one by its number. `clock` is that of
+    the start."""
     notes = tuple(note_of(call("rules_note", handle, i)) for i in range(call("rules_note_count", handle)))
     made = []
     for number in range(call("rules_count", handle)):
@@ -94,6 +98,7 @@ def rules_of(handle: Any, excludes: bool, fetches: Any) -> list[Rule]:
                 yields_start=bool(call("rules_yields_start", handle, number)),
                 notes=notes,
                 _fetch=fetches(number),
+                _zoned=clock == _library.ZONED,
                 **texts,
             )
         )
@@ -108,33 +113,47 @@ def rule(value: str, *, start: Moment, count_means: Optional[str] = None) -> lis
     """
     first = time_of(start)
     zone = start.tzinfo if isinstance(start, dt.datetime) else None
-    address = ctypes.c_void_p()
     meant = None if count_means is None else encoded(count_means)
-    checked("rules_read_counting", encoded(value), _library.FORM_ANY, first, meant, address)
-    owner = _Handle(address)
+
+    def read(text: str) -> _Handle:
+        address = ctypes.c_void_p()
+        checked("rules_read_counting", encoded(text), _library.FORM_ANY, first, meant, address)
+        return _Handle(address)
+
+    described = owner = read(value)
+    if zone is not None and first.clock == _library.ZONED:
+        on_wall = _UTC_TIME.sub(functools.partial(_on_wall, zone), value)
+        if on_wall != value:
+            owner = read(on_wall)
 
     def fetches(number: int) -> Fetch:
         def fetch(since: Any, through: Any, most: int) -> list[tuple[_library.Time, When]]:
-            bounds = [on_clock(each, first.clock, zone) for each in (since, through)]
             stop = Stop()
 
             def work() -> list[_library.Time]:
                 with owner.lock:
-                    return collected(stop, "rules_dates", owner.handle, number, *bounds, most)
+                    return collected(stop, "rules_dates", owner.handle, number, since, through, most)
 
             return [(time, when_of(time, zone)) for time in apart(stop, work)]
 
         return fetch
 
-    return rules_of(owner.handle, False, fetches)
+    return rules_of(described.handle, False, first.clock, fetches)
 
 
-def on_clock(time: Any, clock: int, zone: Optional[dt.tzinfo]) -> Any:
-    """A bound of a range on the start's clock."""
-    if time is None or time.is_date or time.clock != _library.UTC or clock != _library.ZONED:
-        return time
-    moment = when_of(time, None)
-    assert isinstance(moment, dt.datetime)
-    local = time_of(moment.astimezone(zone))
-    local.clock = clock
-    return local
+# The library compares the end of a rule with the clock on the wall: it does not know the start's zone.
+_UTC_TIME = re.compile(r"(?<!\w)\d{4}-?\d\d-?\d\dT\d\d:?\d\d(?::?\d\d)?Z(?!\w)", re.ASCII | re.IGNORECASE)
+
+
+def _on_wall(zone: dt.tzinfo, match: re.Match[str]) -> str:
+    """A time of UTC as what the zone's clock shows, if it is one."""
+    text, time = match[0], _library.Time()
+    if call("time_read", encoded(text), time) != _library.Result.OK:
+        return text
+    try:
+        local = wall(time).replace(tzinfo=dt.timezone.utc).astimezone(zone)
+    except OverflowError:
+        return text
+    if local.fold:  # the hour that comes twice is over: its first pass, which dates are in, is earlier
+        local += dt.timedelta(hours=1)
+    return f"{local:%Y%m%dT%H%M%S}".rjust(15, "0")

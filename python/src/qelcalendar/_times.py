@@ -44,8 +44,24 @@ def moment_of(value: Optional[Moment]) -> Optional[Time]:
     if value is None:
         return None
     if isinstance(value, dt.datetime) and value.tzinfo is not None:
-        value = value.astimezone(dt.timezone.utc)
+        try:
+            value = value.astimezone(dt.timezone.utc)
+        except OverflowError:  # of datetime.min or max
+            end = dt.datetime.min if value.year < 5000 else dt.datetime.max
+            value = end.replace(tzinfo=dt.timezone.utc)
     return time_of(value)
+
+
+def _widened(bound: Optional[Time], days: int) -> tuple[Optional[Time], Optional[dt.datetime]]:
+    """A bound of UTC as one of wall clocks that is some days wider, and the moment that it is."""
+    if bound is None or bound.is_date or bound.clock != UTC:
+        return bound, None
+    wide = Time()
+    moment = wall(bound).replace(tzinfo=dt.timezone.utc)
+    if call("time_add", bound, days * 86400, wide) != Result.OK:
+        return None, moment
+    wide.clock = ZONED
+    return wide, moment
 
 
 def wall(time: Time) -> dt.datetime:
@@ -88,6 +104,8 @@ class EntryClock:
         if call("entry_to_utc", entry, time, utc) != Result.OK:
             return known
         offset = local - wall(utc)
+        if min(wall(utc) - dt.datetime.min, dt.datetime.max - wall(utc)) < dt.timedelta(days=1):
+            return known  # UTC ends in these years too, so the offset is not the zone's
         if self._zone is not None and known.utcoffset() == offset:
             return known
         if abs(offset) >= dt.timedelta(days=1):
@@ -122,13 +140,26 @@ Fetch = Callable[[Optional[Time], Optional[Time], int], "list[tuple[Time, When]]
 """At most so many times from one moment through another."""
 
 
-def in_batches(fetch: Fetch, since: Optional[Moment], through: Optional[Moment]) -> Iterator[When]:
-    """Times as they are asked for, in batches that grow."""
+def in_batches(
+    fetch: Fetch, since: Optional[Moment], through: Optional[Moment], on_walls: bool = False
+) -> Iterator[When]:
+    """Times as they are asked for, in batches that grow. `on_walls`: they are those of a zone, and
+    `fetch` compares nothing but clocks on the wall."""
     first, last = moment_of(since), moment_of(through)
+    low: Optional[dt.datetime] = None
+    high: Optional[dt.datetime] = None
+    if on_walls:
+        first, low = _widened(first, -1)
+        last, high = _widened(last, 1)
     most = _FIRST_BATCH
     while True:
         batch = fetch(first, last, most)
         for _, when in batch:
+            if isinstance(when, dt.datetime) and when.tzinfo is not None:
+                if low is not None and when < low:
+                    continue
+                if high is not None and when > high:
+                    continue
             yield when
         if len(batch) < most:
             return
