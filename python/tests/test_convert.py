@@ -2,8 +2,10 @@
 
 from __future__ import annotations
 
+import array
 import concurrent.futures
 import io
+import mmap
 import os
 import pathlib
 import pickle
@@ -12,6 +14,7 @@ import stat
 import sys
 import threading
 import time
+import zoneinfo
 from typing import Any, Callable, Iterator
 
 import pytest
@@ -36,10 +39,20 @@ class Pipe(io.RawIOBase):
         return piece
 
 
+class Waiting(Pipe):
+    """A stream that has nothing yet and does not wait."""
+
+    def __init__(self) -> None:
+        super().__init__(b"")
+
+    def read(self, _size: int = -1) -> Any:
+        return None
+
+
 def test_gives_the_programs_bytes(golden: list[pathlib.Path], native: Native) -> None:
     assert golden
     for path in golden:
-        to = "vcs" if path.suffix == ".ics" else "ics"
+        to: Any = "vcs" if path.suffix == ".ics" else "ics"
         assert convert(path, to).bytes == native("--to", to, path), path.name
 
 
@@ -49,6 +62,8 @@ def test_takes_every_kind_of_source(phone: pathlib.Path, native: Native, tmp_pat
         file.seek(0)
         sources: list[Any] = [data, bytearray(data), memoryview(data), str(phone), phone, file]
         sources += [Pipe(data), io.BytesIO(data), [data[:99], memoryview(data)[99:]], (data[i : i + 1] for i in range(len(data)))]
+        sources += [mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ), array.array("B", data)]
+        sources += [sources[-2], memoryview(bytes(byte for byte in data for _ in "ab"))[::2]]
         for source in sources:
             assert convert(source, "ics").bytes == expected, source
     assert b"".join(qelcalendar.convert_pieces(Pipe(data))) == expected
@@ -60,6 +75,14 @@ def test_takes_every_kind_of_source(phone: pathlib.Path, native: Native, tmp_pat
     assert target.read_bytes() == expected
     assert stat.S_IMODE(target.stat().st_mode) == 0o640
     assert (summary.format, summary.entries) == ("ics", 7)
+    link = tmp_path / "link.ics"
+    link.symlink_to(target.name)
+    qelcalendar.convert_to(data, link)
+    assert link.is_symlink() and target.read_bytes() == expected
+    nowhere = tmp_path / "nowhere" / "phone.ics"
+    with pytest.raises(FileNotFoundError, match="nowhere/phone.ics") as missing:
+        qelcalendar.convert_to(data, nowhere)
+    assert missing.value.filename == str(nowhere)
     written = io.BytesIO()
     qelcalendar.convert_to(phone, written)
     assert written.getvalue() == expected
@@ -84,6 +107,9 @@ def test_makes_every_choice(tmp_path: pathlib.Path, native: Native) -> None:
         ("distinct_uids", True): ("--distinct-uids",),
         ("only", "todos"): ("--only", "todos"),
         ("only", ("events", "todos")): ("--only", "events,todos"),
+        ("only", (qelcalendar.Kind.EVENT, "todos")): ("--only", "events,todos"),
+        ("only", qelcalendar.Kind.TODO): ("--only", "todos"),
+        ("zone", zoneinfo.ZoneInfo("Europe/Berlin")): ("--zone", "Europe/Berlin"),
     }.items():
         choice: dict[str, Any] = {name: value}
         assert convert(path, "ics", **choice).bytes == native("--to", "ics", *options, path), name
@@ -106,6 +132,7 @@ def test_describes_what_changed(phone: pathlib.Path) -> None:
         assert (kind.name, kind.severity, kind.fate) == (row.name, row.severity, row.fate)
         assert kind.first.meaning == kind.meaning == row.meaning and kind.first.advice == row.advice
         assert kind.first in all_notes and kind.first.file == str(phone) and kind.first.line > 0
+        assert str(kind).startswith(kind.first.text) and (f"({kind.count} times)" in str(kind)) == (kind.count > 1)
     bad = convert(b"BEGIN:VCARD\nEND:VCARD\n", name="card")
     assert (bad.entries, bad.format, bad.errors) == (0, None, 1)
     [error] = [kind for kind in bad.notes if kind.severity is Severity.ERROR]
@@ -128,9 +155,17 @@ def test_raises_what_went_wrong(phone: pathlib.Path, tmp_path: pathlib.Path) -> 
     again = pickle.loads(pickle.dumps(caught.value))
     assert (again.code, again.text) == (caught.value.code, caught.value.text)
     with pytest.raises(ValueError, match="pdf"):
-        convert(b"", "pdf")
-    with pytest.raises(ValueError, match="NUL"):
+        convert(b"", "pdf")  # type: ignore[arg-type]
+    with pytest.raises(CalendarValueError, match="NUL"):
         convert(b"", zone="a\0b")
+    with pytest.raises(ValueError, match="only is"):
+        convert(b"", only=[])
+    with pytest.raises(BlockingIOError):
+        convert(Waiting())
+    choices: Any = ({"zone": 1}, {"charset": b"utf-8"}, {"count_means": 1}, {"only": 5}, {"only": [5]}, {"name": b"x"})
+    for choice in choices:
+        with pytest.raises(TypeError, match=next(iter(choice)) + " is"):
+            convert(b"", **choice)
     with pytest.raises(FileNotFoundError):
         convert(tmp_path / "none.vcs")
     for wrong in ("BEGIN:VCALENDAR\n", io.StringIO("text"), ["text"], [1, 2], 7):

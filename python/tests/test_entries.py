@@ -2,9 +2,11 @@
 
 from __future__ import annotations
 
+import copy
 import datetime as dt
 import itertools
 import pathlib
+import pickle
 import random
 import zoneinfo
 from concurrent.futures import ThreadPoolExecutor
@@ -16,6 +18,7 @@ from qelcalendar import Calendar, CalendarError, CalendarValueError, Kind, Resul
 
 BERLIN = zoneinfo.ZoneInfo("Europe/Berlin")
 UTC = dt.timezone.utc
+HOW: tuple[Any, Any] = "dates", "periods"
 
 
 def calendar(*lines: str, version: str = "2.0") -> bytes:
@@ -46,6 +49,11 @@ def test_describes_entries(phone: pathlib.Path) -> None:
     assert len(read) == len(streamed) and any(entry.notes for entry in read)
     assert Calendar.read(phone, only="todos").entries[0].title == tax.title
     assert [note.name for note in Calendar.read(b"nothing").notes] != []
+    assert repr(read) == f"<Calendar of 7 entries, {len(read.notes)} notes>"
+    for each in (read, meeting, meeting.rules[0]):
+        assert copy.deepcopy(copy.copy(each)) is each
+        with pytest.raises(TypeError, match="read them again"):
+            pickle.dumps(each)
 
 
 def test_keeps_moments_where_zones_differ() -> None:
@@ -77,7 +85,10 @@ def test_keeps_moments_where_zones_differ() -> None:
         assert next(dates(None, dt.datetime.max.replace(tzinfo=york.tzinfo))) == summer.start
     # The ends of time have the zone's offset.
     west = calendar(*event("DTSTART;TZID=America/New_York:99991231T235959"), *event("DTSTART;TZID=Asia/Tokyo:00010101T000000"))
-    assert [str(entry.start)[-6:-3] for entry in Calendar.read(west)] == ["-05", "+09"]
+    assert [getattr(entry.start, "tzinfo", None) for entry in Calendar.read(west)] == [
+        zoneinfo.ZoneInfo("America/New_York"),
+        zoneinfo.ZoneInfo("Asia/Tokyo"),
+    ]
     # 2:30 comes twice in October, and never in March.
     twice = calendar(*event("DTSTART;TZID=Europe/Berlin:20051030T023000"), *event("DTSTART;TZID=Europe/Berlin:20050327T023000"))
     moments = [entry.start for entry in Calendar.read(twice)]
@@ -157,10 +168,14 @@ def test_explains_rules() -> None:
         [ending] = rule(text, start=dt.datetime(2005, 6, 15, 10, 30, tzinfo=zone))
         assert [when.day for when in ending] == list(range(15, last + 1)), (zone, text)
         assert ending.words.endswith("UTC")
-    counted = [len(list(rule("W1 MO WE #4", start="20050606", count_means=how)[0])) for how in ("dates", "periods")]
-    assert counted[0] == 4 < counted[1]
+    [dates], [periods] = (rule("W1 MO WE #4", start="20050606", count_means=how) for how in HOW)
+    assert len(list(dates)) == 4 < len(list(periods))
     with pytest.raises(CalendarValueError, match="SOMETIMES") as caught:
         rule("FREQ=SOMETIMES", start="2005-06-06")
     assert caught.value.code == Result.INVALID_TEXT
+    wrong: Any = (b"D1", "20050606"), ("D1", None), ("D1", dt.time(1))
+    for invalid, start in wrong:
+        with pytest.raises(TypeError, match="not "):
+            rule(invalid, start=start)
     with pytest.raises(CalendarValueError, match="31"):
         rule("W1", start="2005-06-31")

@@ -9,16 +9,18 @@ import os
 import secrets
 import threading
 from dataclasses import dataclass
-from typing import Any, BinaryIO, Callable, Generator, Iterable, Iterator, Optional, Union
+from typing import Any, BinaryIO, Callable, Generator, Iterator, Literal, Optional, Union
 
 from . import _library
 from ._calls import Stop, apart
 from ._errors import checked, encoded, failure
-from ._input import PIECE, Input, Source, choose, chosen
+from ._input import PIECE, CountMeans, Input, Only, Source, Zone, choose, chosen
 from ._library import Counts, NoteFn, Result, WriteFn, call
 from ._notes import KindOfNote, Note, kind_of_note, note_of
 
-_FORMATS = {None: _library.OTHER, "ics": _library.ICALENDAR, "vcs": _library.VCALENDAR}
+Format = Literal["ics", "vcs"]
+
+_FORMATS: dict[Optional[str], int] = {None: _library.OTHER, "ics": _library.ICALENDAR, "vcs": _library.VCALENDAR}
 _NAMES = {_library.ICALENDAR: "ics", _library.VCALENDAR: "vcs"}
 
 
@@ -119,12 +121,12 @@ class Converter:
 
     def __init__(
         self,
-        to: Optional[str] = None,
+        to: Optional[Format] = None,
         output: Optional[Callable[[bytes], object]] = None,
         *,
         on_note: Optional[Callable[[Note], object]] = None,
     ) -> None:
-        if to not in tuple(_FORMATS):
+        if to not in tuple(_FORMATS):  # a tuple, for what has no hash
             raise ValueError(f'to is "ics", "vcs" or None, not {to!r}')
         self._output = output
         self._on_note = on_note
@@ -182,11 +184,11 @@ class Converter:
         source: Source,
         *,
         name: Optional[str] = None,
-        zone: Optional[str] = None,
+        zone: Optional[Zone] = None,
         charset: Optional[str] = None,
-        count_means: Optional[str] = None,
+        count_means: Optional[CountMeans] = None,
         distinct_uids: bool = False,
-        only: Union[str, Iterable[str], None] = None,
+        only: Optional[Only] = None,
         one_pass: bool = False,
     ) -> None:
         """Converts one calendar. The choices are those of `convert`."""
@@ -250,14 +252,14 @@ class Converter:
 
 def convert_pieces(
     source: Source,
-    to: Optional[str] = None,
+    to: Optional[Format] = None,
     *,
     name: Optional[str] = None,
-    zone: Optional[str] = None,
+    zone: Optional[Zone] = None,
     charset: Optional[str] = None,
-    count_means: Optional[str] = None,
+    count_means: Optional[CountMeans] = None,
     distinct_uids: bool = False,
-    only: Union[str, Iterable[str], None] = None,
+    only: Optional[Only] = None,
     one_pass: bool = False,
     on_note: Optional[Callable[[Note], object]] = None,
 ) -> Generator[bytes, None, Summary]:
@@ -283,14 +285,14 @@ def convert_pieces(
 
 def convert(
     source: Source,
-    to: Optional[str] = None,
+    to: Optional[Format] = None,
     *,
     name: Optional[str] = None,
-    zone: Optional[str] = None,
+    zone: Optional[Zone] = None,
     charset: Optional[str] = None,
-    count_means: Optional[str] = None,
+    count_means: Optional[CountMeans] = None,
     distinct_uids: bool = False,
-    only: Union[str, Iterable[str], None] = None,
+    only: Optional[Only] = None,
     one_pass: bool = False,
     on_note: Optional[Callable[[Note], object]] = None,
 ) -> Converted:
@@ -298,12 +300,13 @@ def convert(
 
     :param to: "ics" (iCalendar) or "vcs" (vCalendar 1.0); by default the other than the input's
     :param name: the input's name, for its notes; by default the path
-    :param zone: the zone of local times that name none: "Europe/Berlin"
+    :param zone: the zone of local times that name none: "Europe/Berlin", or a ZoneInfo
     :param charset: the character set of texts that name none: "windows-1251"
     :param count_means: what the number after # counts in a vCalendar rule with several days in a
         period: "dates", the default, or "periods"
     :param distinct_uids: gives another UID to an entry whose UID an earlier one has
-    :param only: the kinds of entries that are read, "events", "todos", "notes" or several of them
+    :param only: the kinds of entries that are read, "events", "todos", "notes", a `Kind`, or several
+        of them
     :param one_pass: converts while the input comes. Else it is gone through twice, if need be from
         memory, so that zones which are described after their entries are found, and texts that name
         no character set are compared with one another before one is guessed
@@ -328,33 +331,53 @@ def convert(
 def convert_to(
     source: Source,
     target: Union[str, "os.PathLike[str]", BinaryIO],
-    to: Optional[str] = None,
-    **options: Any,
+    to: Optional[Format] = None,
+    *,
+    name: Optional[str] = None,
+    zone: Optional[Zone] = None,
+    charset: Optional[str] = None,
+    count_means: Optional[CountMeans] = None,
+    distinct_uids: bool = False,
+    only: Optional[Only] = None,
+    one_pass: bool = False,
+    on_note: Optional[Callable[[Note], object]] = None,
 ) -> Summary:
     """Converts a calendar into a file, which a path names, or into a binary file object. A file of
-    that name is replaced at the end of a conversion that succeeds, and may be the source itself. The
-    options are those of `convert`."""
+    that name, or the one that a symbolic link of that name leads to, is replaced at the end of a
+    conversion that succeeds, and may be the source itself. The options are those of `convert`."""
+
+    def written(write: Callable[[bytes], object]) -> Summary:
+        with Converter(to, write, on_note=on_note) as converter:
+            converter.add(
+                source,
+                name=name,
+                zone=zone,
+                charset=charset,
+                count_means=count_means,
+                distinct_uids=distinct_uids,
+                only=only,
+                one_pass=one_pass,
+            )
+            return converter.finish()
+
     if not isinstance(target, (str, os.PathLike)):
-        return _written(source, target.write, to, options)
-    unfinished = os.path.join(
-        os.path.dirname(os.path.abspath(target)), f".qelcalendar-{secrets.token_hex(8)}"
-    )
+        if not hasattr(target, "write"):
+            raise TypeError(
+                f"the target is a path or a binary file object, not {type(target).__name__}"
+            )
+        return written(target.write)
+    path = os.path.realpath(os.fsdecode(target))
+    unfinished = os.path.join(os.path.dirname(path), f".qelcalendar-{secrets.token_hex(8)}")
     try:
         with open(unfinished, "xb") as file:
-            summary = _written(source, file.write, to, options)
+            summary = written(file.write)
         with contextlib.suppress(FileNotFoundError):
-            os.chmod(unfinished, os.stat(target).st_mode & 0o777)
-        os.replace(unfinished, target)
-    except BaseException:
+            os.chmod(unfinished, os.stat(path).st_mode & 0o777)
+        os.replace(unfinished, path)
+    except BaseException as problem:
         with contextlib.suppress(FileNotFoundError):
             os.unlink(unfinished)
+        if isinstance(problem, OSError) and problem.filename == unfinished:
+            raise OSError(problem.errno, problem.strerror, os.fspath(target)) from None
         raise
     return summary
-
-
-def _written(
-    source: Source, write: Callable[[bytes], object], to: Optional[str], options: dict[str, Any]
-) -> Summary:
-    with Converter(to, write, on_note=options.pop("on_note", None)) as converter:
-        converter.add(source, **options)
-        return converter.finish()

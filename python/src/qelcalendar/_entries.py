@@ -4,27 +4,18 @@ from __future__ import annotations
 
 import ctypes
 import datetime as dt
-import enum
 import threading
 from dataclasses import dataclass, field
-from typing import Any, Callable, Generator, Iterable, Iterator, Mapping, Optional, Union
+from typing import Any, Callable, Generator, Iterator, Mapping, Optional
 
 from . import _library
 from ._calls import Stop, apart
-from ._errors import checked, failure
-from ._input import Input, Source, choose, chosen
+from ._errors import Unpicklable, checked, failure
+from ._input import CountMeans, Input, Kind as Kind, Only, Source, Zone, choose, chosen
 from ._library import Result, Time, call, text
 from ._notes import Note, note_of
 from ._rules import Rule, rules_of
 from ._times import EntryClock, Fetch, Moment, When, collected, in_batches, wall
-
-
-class Kind(str, enum.Enum):
-    """What an entry is."""
-
-    EVENT = "event"
-    TODO = "to-do"
-    NOTE = "note"
 
 
 _KINDS = {1: Kind.EVENT, 2: Kind.TODO, 3: Kind.NOTE}
@@ -71,7 +62,7 @@ class Alarm:
 
 
 @dataclass(frozen=True, eq=False)
-class Entry:
+class Entry(Unpicklable):
     """An event, a to-do or a note. Absent texts are empty, absent times None.
 
     Its dates and those of its rules are calculated as they are asked for, from the calendar that it
@@ -279,7 +270,7 @@ class _Reading:
         ]
 
 
-class Calendar:
+class Calendar(Unpicklable):
     """A calendar in memory: its entries and what there is to say about them.
 
     `Calendar.read` makes it. Iterating over it gives its entries. Several threads may use one.
@@ -306,16 +297,19 @@ class Calendar:
         cls,
         source: Source,
         *,
-        zone: Optional[str] = None,
+        zone: Optional[Zone] = None,
         charset: Optional[str] = None,
-        count_means: Optional[str] = None,
-        only: Union[str, Iterable[str], None] = None,
+        count_means: Optional[CountMeans] = None,
+        only: Optional[Only] = None,
     ) -> Calendar:
         """Reads a calendar of either format. The choices are those of `convert`."""
         return cls(Input(source, None).whole(), chosen(zone, charset, count_means, False, only))
 
     def __iter__(self) -> Iterator[Entry]:
         return iter(self.entries)
+
+    def __repr__(self) -> str:
+        return f"<Calendar of {len(self.entries)} entries, {len(self.notes)} notes>"
 
     def __len__(self) -> int:
         return len(self.entries)
@@ -362,10 +356,10 @@ def _wall(when: When) -> dt.datetime:
 def entries(
     source: Source,
     *,
-    zone: Optional[str] = None,
+    zone: Optional[Zone] = None,
     charset: Optional[str] = None,
-    count_means: Optional[str] = None,
-    only: Union[str, Iterable[str], None] = None,
+    count_means: Optional[CountMeans] = None,
+    only: Optional[Only] = None,
     one_pass: bool = False,
 ) -> Generator[Entry, None, list[Note]]:
     """The entries of a calendar, one after another, in bounded memory. The choices are those of

@@ -2,9 +2,12 @@
 
 from __future__ import annotations
 
-from typing import Any
+from typing import Any, TypeVar
 
 from ._library import Result, call, text
+
+
+_T = TypeVar("_T")
 
 
 class CalendarError(Exception):
@@ -21,6 +24,22 @@ class CalendarError(Exception):
 
 class CalendarValueError(CalendarError, ValueError):
     """An argument that the library does not take: an unknown zone, a text that is no rule."""
+
+
+class Unpicklable:
+    """Objects that never change and need the calendar or the rule that they come from."""
+
+    def __copy__(self: _T) -> _T:
+        return self
+
+    def __deepcopy__(self: _T, _memo: Any) -> _T:
+        return self
+
+    def __reduce__(self) -> Any:
+        raise TypeError(
+            f"{type(self).__name__} cannot be pickled: its dates are calculated by the library; "
+            "pickle the calendar's bytes or the rule's text, and read them again"
+        )
 
 
 _VALUES = {Result.INVALID_ARGUMENT, Result.INVALID_TEXT, Result.UNKNOWN_NAME}
@@ -41,6 +60,8 @@ def checked(name: str, *arguments: Any) -> None:
 
 def encoded(value: str) -> bytes:
     """A text for the library, whose texts end at the first NUL."""
+    if not isinstance(value, str):
+        raise TypeError(f"a str is expected, not {value!r}")
     if "\0" in value:
-        raise ValueError("a text for the library contains no NUL character")
+        raise CalendarValueError(Result.INVALID_ARGUMENT, "the text contains a NUL character")
     return value.encode("utf-8", "surrogateescape")

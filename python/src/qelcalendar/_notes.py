@@ -129,6 +129,9 @@ class KindOfNote:
     count: int
     first: Note
 
+    def __str__(self) -> str:
+        return self.first.text if self.count == 1 else f"{self.first.text} ({self.count} times)"
+
 
 def kind_of_note(first: Note) -> KindOfNote:
     """A count that begins with one note."""

@@ -12,7 +12,8 @@ from typing import Any, Iterator, Optional
 
 from . import _library
 from ._calls import Stop, apart
-from ._errors import checked, encoded
+from ._errors import Unpicklable, checked, encoded
+from ._input import CountMeans
 from ._library import call, text
 from ._notes import Note, note_of
 from ._times import Fetch, Moment, When, collected, in_batches, time_of, wall, when_of
@@ -25,7 +26,7 @@ _FORMS = {
 
 
 @dataclass(frozen=True, eq=False)
-class Rule:
+class Rule(Unpicklable):
     """A recurrence rule: its texts in three forms, its words and its dates.
 
     A form mostly has one text, several where it needs several, none where it cannot express the
@@ -105,7 +106,7 @@ def rules_of(handle: Any, excludes: bool, clock: int, fetches: Any) -> list[Rule
     return made
 
 
-def rule(value: str, *, start: Moment, count_means: Optional[str] = None) -> list[Rule]:
+def rule(value: str, *, start: Moment, count_means: Optional[CountMeans] = None) -> list[Rule]:
     """The rules of a text of any form, mostly one, for a series that begins at `start`.
 
     `count_means` says what the number after # counts in a vCalendar rule with several days in a

@@ -31,6 +31,8 @@ def time_of(value: Moment) -> Time:
         time = Time()
         checked("time_read", encoded(value), time)
         return time
+    if not isinstance(value, dt.date):
+        raise TypeError(f"a time is a date, a datetime or a text, not {value!r}")
     if not isinstance(value, dt.datetime):
         return Time(value.year, value.month, value.day, 0, 0, 0, 1, FLOATING)
     clock = FLOATING if value.tzinfo is None else UTC if _is_utc(value.tzinfo) else ZONED
