@@ -168,6 +168,9 @@ def test_explains_rules() -> None:
         [ending] = rule(text, start=dt.datetime(2005, 6, 15, 10, 30, tzinfo=zone))
         assert [when.day for when in ending] == list(range(15, last + 1)), (zone, text)
         assert ending.words.endswith("UTC")
+    for hour, minute, count in ((2, 10, 2), (2, 50, 2), (3, 0, 1), (3, 10, 1)):  # 2:15, for the second time
+        [ending] = rule("D1 20051030T011500Z", start=dt.datetime(2005, 10, 29, hour, minute, tzinfo=BERLIN))
+        assert len(list(ending)) == count, (hour, minute)
     [dates], [periods] = (rule("W1 MO WE #4", start="20050606", count_means=how) for how in HOW)
     assert len(list(dates)) == 4 < len(list(periods))
     with pytest.raises(CalendarValueError, match="SOMETIMES") as caught:

@@ -146,6 +146,10 @@ def rule(value: str, *, start: Moment, count_means: Optional[CountMeans] = None)
 _UTC_TIME = re.compile(r"(?<!\w)\d{4}-?\d\d-?\d\dT\d\d:?\d\d(?::?\d\d)?Z(?!\w)", re.ASCII | re.IGNORECASE)
 
 
+def _comes_twice(local: dt.datetime) -> bool:
+    return local.replace(fold=0).utcoffset() != local.replace(fold=1).utcoffset()
+
+
 def _on_wall(zone: dt.tzinfo, match: re.Match[str]) -> str:
     """A time of UTC as what the zone's clock shows, if it is one."""
     text, time = match[0], _library.Time()
@@ -153,8 +157,10 @@ def _on_wall(zone: dt.tzinfo, match: re.Match[str]) -> str:
         return text
     try:
         local = wall(time).replace(tzinfo=dt.timezone.utc).astimezone(zone)
+        if local.fold:  # dates are in the first pass of an hour that comes twice: all of it is earlier
+            local, minute = local.replace(second=59), dt.timedelta(minutes=1)
+            while _comes_twice(local + minute):
+                local += minute
     except OverflowError:
         return text
-    if local.fold:  # the hour that comes twice is over: its first pass, which dates are in, is earlier
-        local += dt.timedelta(hours=1)
     return f"{local:%Y%m%dT%H%M%S}".rjust(15, "0")
