@@ -97,12 +97,21 @@ ProcessResult runProcess(const std::string& program, const std::vector<std::stri
     startup.hStdError = openInherited(err, GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
     const std::wstring directory = wide(options.directory);
-    const BOOL started = CreateProcessW(
-        path.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_UNICODE_ENVIRONMENT,
-        environment.data(), directory.empty() ? nullptr : directory.c_str(), &startup, &process);
+    // Wine now and then fails to start a process, once in some thousand times, with an error that
+    // Windows does not give here; the next attempt succeeds.
+    BOOL started = FALSE;
+    DWORD error = ERROR_INTERNAL_ERROR;
+    for (int attempt = 0; started == 0 && error == ERROR_INTERNAL_ERROR && attempt < 5; ++attempt) {
+        started =
+            CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
+                           CREATE_UNICODE_ENVIRONMENT, environment.data(),
+                           directory.empty() ? nullptr : directory.c_str(), &startup, &process);
+        error = GetLastError();
+    }
     for (const HANDLE each : {startup.hStdInput, startup.hStdOutput, startup.hStdError})
         if (each != INVALID_HANDLE_VALUE) CloseHandle(each);
-    if (started == 0) throw std::runtime_error("cannot start " + program);
+    if (started == 0)
+        throw std::runtime_error("cannot start " + program + ": error " + std::to_string(error));
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD code = 0;
     GetExitCodeProcess(process.hProcess, &code);
