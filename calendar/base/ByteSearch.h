@@ -13,17 +13,54 @@
 
 namespace qel::calendar {
 
-// The first place from `at` on that holds one of the characters, else the text's size.
+// What is looked for: whether a byte is `one` of them, and `marks`, which sets the highest bit of
+// each of them in sixteen bytes.
 template <char... kSearched>
-[[nodiscard]] std::size_t findAny(std::string_view text, std::size_t at = 0) {
+struct AnyOf {
+    [[nodiscard]] static bool one(char c) { return ((c == kSearched) || ...); }
+#if defined(__SSE2__)
+    [[nodiscard]] static __m128i marks(__m128i bytes) {
+        __m128i found = _mm_setzero_si128();
+        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kSearched)))), ...);
+        return found;
+    }
+#endif
+};
+
+template <char... kSearched>
+struct AnyOrUnprintable {
+    [[nodiscard]] static bool one(char c) {
+        return c < ' ' || c >= '\x7f' || AnyOf<kSearched...>::one(c);
+    }
+#if defined(__SSE2__)
+    [[nodiscard]] static __m128i marks(__m128i bytes) {
+        // Bytes beyond ASCII are negative here.
+        return _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')),
+                            AnyOf<'\x7f', kSearched...>::marks(bytes));
+    }
+#endif
+};
+
+template <char... kSearched>
+struct AnyOrBeyondAscii {
+    [[nodiscard]] static bool one(char c) { return (c & 0x80) != 0 || AnyOf<kSearched...>::one(c); }
+#if defined(__SSE2__)
+    // A byte beyond ASCII has its highest bit set.
+    [[nodiscard]] static __m128i marks(__m128i bytes) {
+        return _mm_or_si128(bytes, AnyOf<kSearched...>::marks(bytes));
+    }
+#endif
+};
+
+// The first place from `at` on of a byte that is looked for, else the text's size.
+template <typename Searched>
+[[nodiscard]] std::size_t findFirst(std::string_view text, std::size_t at) {
 #if defined(__SSE2__)
     constexpr std::size_t kBlock = 16;
     const auto maskAt = [text](std::size_t begin) {
         const __m128i bytes =
             _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + begin));
-        __m128i found = _mm_setzero_si128();
-        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kSearched)))), ...);
-        return static_cast<unsigned>(_mm_movemask_epi8(found));
+        return static_cast<unsigned>(_mm_movemask_epi8(Searched::marks(bytes)));
     };
     for (; at + kBlock <= text.size(); at += kBlock)
         if (const unsigned mask = maskAt(at); mask != 0)
@@ -35,39 +72,26 @@ template <char... kSearched>
         return mask == 0 ? text.size() : at + static_cast<std::size_t>(std::countr_zero(mask));
     }
 #endif
-    while (at < text.size() && ((text[at] != kSearched) && ...)) ++at;
+    while (at < text.size() && !Searched::one(text[at])) ++at;
     return at;
+}
+
+// The first place from `at` on that holds one of the characters, else the text's size.
+template <char... kSearched>
+[[nodiscard]] std::size_t findAny(std::string_view text, std::size_t at = 0) {
+    return findFirst<AnyOf<kSearched...>>(text, at);
 }
 
 // The first place from `at` on that holds one of the characters, a control character or a byte
 // beyond ASCII, else the text's size.
 template <char... kSearched>
 [[nodiscard]] std::size_t findAnyOrUnprintable(std::string_view text, std::size_t at) {
-#if defined(__SSE2__)
-    constexpr std::size_t kBlock = 16;
-    const auto maskAt = [text](std::size_t begin) {
-        const __m128i bytes =
-            _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + begin));
-        // Bytes beyond ASCII are negative here.
-        __m128i found = _mm_or_si128(_mm_cmplt_epi8(bytes, _mm_set1_epi8(' ')),
-                                     _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\x7f')));
-        ((found = _mm_or_si128(found, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(kSearched)))), ...);
-        return static_cast<unsigned>(_mm_movemask_epi8(found));
-    };
-    for (; at + kBlock <= text.size(); at += kBlock)
-        if (const unsigned mask = maskAt(at); mask != 0)
-            return at + static_cast<std::size_t>(std::countr_zero(mask));
-    if (at < text.size() && text.size() >= kBlock) {
-        // The last block has bytes that have been looked at.
-        const std::size_t begin = text.size() - kBlock;
-        const unsigned mask = maskAt(begin) >> (at - begin);
-        return mask == 0 ? text.size() : at + static_cast<std::size_t>(std::countr_zero(mask));
-    }
-#endif
-    while (at < text.size() && text[at] >= ' ' && text[at] < '\x7f' &&
-           ((text[at] != kSearched) && ...))
-        ++at;
-    return at;
+    return findFirst<AnyOrUnprintable<kSearched...>>(text, at);
+}
+
+// The first line feed, carriage return or byte beyond ASCII from `at` on, else the text's size.
+[[nodiscard]] inline std::size_t findLineEndOrBeyondAscii(std::string_view text, std::size_t at) {
+    return findFirst<AnyOrBeyondAscii<'\n', '\r'>>(text, at);
 }
 
 // How many capitals, digits and "-" a text begins with, of which names nearly always consist.
@@ -93,25 +117,6 @@ template <char... kSearched>
     };
     while (length < text.size() && isOne(text[length])) ++length;
     return length;
-}
-
-// The first line feed, carriage return or byte beyond ASCII from `at` on, else the text's size.
-[[nodiscard]] inline std::size_t findLineEndOrBeyondAscii(std::string_view text, std::size_t at) {
-#if defined(__SSE2__)
-    constexpr std::size_t kBlock = 16;
-    const __m128i feed = _mm_set1_epi8('\n');
-    const __m128i carriage = _mm_set1_epi8('\r');
-    for (; at + kBlock <= text.size(); at += kBlock) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
-        const __m128i ends =
-            _mm_or_si128(_mm_cmpeq_epi8(bytes, feed), _mm_cmpeq_epi8(bytes, carriage));
-        // The mask has the highest bit of each byte: that of a match, or of one beyond ASCII.
-        if (const int mask = _mm_movemask_epi8(_mm_or_si128(ends, bytes)); mask != 0)
-            return at + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(mask)));
-    }
-#endif
-    while (at < text.size() && text[at] != '\n' && text[at] != '\r' && (text[at] & 0x80) == 0) ++at;
-    return at;
 }
 
 template <char... kSearched>
