@@ -28,7 +28,7 @@ class Members {
     }
 
   private:
-    static constexpr int kMost = 367;
+    static constexpr int kMost = 366;  // days of a leap year
     static std::size_t placeOf(int value) {
         const int place = value + kMost;
         return static_cast<std::size_t>(place);
