@@ -36,10 +36,14 @@ endfunction()
 function(qel_bill_of_materials kind folder component)
     set(file ${PROJECT_BINARY_DIR}/packaging/qelutility.spdx.json)
     get_filename_component(zones ${QEL_TZDATA} DIRECTORY)
+    unset(left_out)
+    if(NOT QEL_BUILD_PROGRAM)
+        set(left_out qelutil=none)
+    endif()
     execute_process(
         COMMAND
             ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/cmake/packaging/sbom ${kind} ${PROJECT_VERSION} ${file}
-            gcc=${CMAKE_CXX_COMPILER_VERSION} ${PROJECT_SOURCE_DIR} ${zones} ${OPENSSL_INCLUDE_DIR}
+            gcc=${CMAKE_CXX_COMPILER_VERSION} ${left_out} ${PROJECT_SOURCE_DIR} ${zones} ${OPENSSL_INCLUDE_DIR}
             ${ZLIB_INCLUDE_DIRS} ${CMAKE_FIND_ROOT_PATH}/include ${QEL_CLI11_DIR} ${QEL_JSON_DIR}
             COMMAND_ERROR_IS_FATAL ANY)
     install(FILES ${file} DESTINATION ${folder} COMPONENT ${component})
