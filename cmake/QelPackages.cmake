@@ -40,11 +40,13 @@ function(qel_bill_of_materials kind folder component)
     if(NOT QEL_BUILD_PROGRAM)
         set(left_out qelutil=none)
     endif()
+    set(includes ${CMAKE_FIND_ROOT_PATH})
+    list(TRANSFORM includes APPEND /include)
     execute_process(
         COMMAND
             ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/cmake/packaging/sbom ${kind} ${PROJECT_VERSION} ${file}
             gcc=${CMAKE_CXX_COMPILER_VERSION} ${left_out} ${PROJECT_SOURCE_DIR} ${zones} ${OPENSSL_INCLUDE_DIR}
-            ${ZLIB_INCLUDE_DIRS} ${CMAKE_FIND_ROOT_PATH}/include ${QEL_CLI11_DIR} ${QEL_JSON_DIR}
+            ${ZLIB_INCLUDE_DIRS} ${includes} ${QEL_CLI11_DIR} ${QEL_JSON_DIR}
             COMMAND_ERROR_IS_FATAL ANY)
     install(FILES ${file} DESTINATION ${folder} COMPONENT ${component})
 endfunction()
