@@ -308,7 +308,8 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntry) {
         calendar("SUMMARY:<script>alert('1')</script>&\r\nRNUM:3\r\nno <property>\r\n"
                  "EXDATE:20050617T083000\r\nRRULE:D1 #5\r\n"));
     const std::string page = state_.file("report.html");
-    const ProcessResult result = run({"convert", phone_, "-d", out_, "--report", page});
+    const ProcessResult result =
+        run({"convert", phone_, "-d", out_, "--report", page, "--zone", "Asia/Tokyo"});
     EXPECT_EQ(result.exitCode, 1);
     const std::string text = read("report.html");
     for (const char* says :
@@ -316,7 +317,8 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntry) {
           "every 2 weeks on Wednesday, 10 times", "<code>W2 WE #10</code>", "June 2005",
           "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>", "X-VCAL-RNUM",
           "no &lt;property&gt;", "is not a property", "not all carried over",
-          "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n"})
+          "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n",
+          "Times without a zone are those of Asia/Tokyo."})
         EXPECT_TRUE(contains(text, says));
     for (const char* never : {"<script>alert", "http:", "https:", "src=", "url("})
         EXPECT_FALSE(contains(text, never));
