@@ -16,9 +16,12 @@ constexpr char kNoTimes[] = "times of day in a rule";
 constexpr char kNoMix[] = "this combination of days";
 constexpr char kNoSetPositions[] = "a choice from the days of a period";
 
+// Of a weekday in a month.
+constexpr int kMostPosition = 5;
+
 std::vector<RuleDay> atEveryPosition(const std::vector<RuleDay>& days) {
     std::vector<RuleDay> result;
-    for (int position = 1; position <= 5; ++position)
+    for (int position = 1; position <= kMostPosition; ++position)
         for (const RuleDay& day : days)
             if (day.position == 0) addOnce(result, {position, day.weekday});
     for (const RuleDay& day : days)
@@ -246,16 +249,59 @@ std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start)
     return text + " " + (isDate ? shape.until.substr(0, 8) + "T000000" : shape.until);
 }
 
-// True for a rule that has one of the format's shapes as it is, and whose text surely is read as
-// the same dates: every day, or weekdays of every week.
-bool isPlain(const Rule& rule) {
-    const bool daily = rule.frequency == Frequency::Daily && rule.days.empty();
-    if (!daily && rule.frequency != Frequency::Weekly) return false;
-    if (rule.interval != 1 || !rule.until.empty() || anyPosition(rule.days)) return false;
-    const auto isEmpty = [&](auto list) { return (rule.*list).empty(); };
-    return isEmpty(&Rule::monthDays) && isEmpty(&Rule::yearDays) && isEmpty(&Rule::weekNumbers) &&
-           isEmpty(&Rule::months) && isEmpty(&Rule::setPositions) && isEmpty(&Rule::hours) &&
-           isEmpty(&Rule::minutes) && isEmpty(&Rule::seconds);
+// True where no list of the rule has items but `list`; without one, its weekdays may.
+bool hasOnly(const Rule& rule, std::vector<int> Rule::*list) {
+    for (const auto each : {&Rule::monthDays, &Rule::yearDays, &Rule::weekNumbers, &Rule::months,
+                            &Rule::setPositions, &Rule::hours, &Rule::minutes, &Rule::seconds})
+        if (each != list && !(rule.*each).empty()) return false;
+    return rule.days.empty() || list == nullptr;
+}
+
+// True for a rule that has one of the format's shapes as it is.
+bool hasShape(const Rule& rule) {
+    const auto isPosition = [](const RuleDay& day) {
+        return day.position != 0 && std::abs(day.position) <= kMostPosition;
+    };
+    switch (rule.frequency) {
+        case Frequency::Daily:
+            return hasOnly(rule, nullptr) && rule.days.empty();
+        case Frequency::Weekly:
+            return hasOnly(rule, nullptr) && !anyPosition(rule.days);
+        case Frequency::Monthly:
+            if (rule.days.empty())
+                return !rule.monthDays.empty() && hasOnly(rule, &Rule::monthDays);
+            return hasOnly(rule, nullptr) &&
+                   std::all_of(rule.days.begin(), rule.days.end(), isPosition);
+        case Frequency::Yearly:
+            return rule.months.empty() ? !rule.yearDays.empty() && hasOnly(rule, &Rule::yearDays)
+                                       : hasOnly(rule, &Rule::months);
+    }
+    return false;
+}
+
+// True where weeks begin on the day that is assumed when the text is read, or where that does not
+// matter.
+bool hasUsualWeeks(const Rule& rule) {
+    if (rule.frequency != Frequency::Weekly || rule.interval == 1) return true;
+    const bool sunday =
+        rule.days.size() > 1 && std::any_of(rule.days.begin(), rule.days.end(),
+                                            [](const RuleDay& day) { return day.weekday == 1; });
+    return rule.weekStart == (sunday ? 1 : 2) || (rule.weekStart == 0 && !sunday);
+}
+
+// True where the end, when it is read, means the same last day.
+bool hasUsualEnd(const Rule& rule, const RuleStart& start) {
+    if (rule.until.empty()) return true;
+    const bool utc = rule.until.back() == 'Z';
+    if (start.isDate) return !utc && start.onlyClock != Clock::Utc;
+    if (start.onlyClock && utc != (*start.onlyClock == Clock::Utc)) return false;
+    // Midnight is read as the whole of that day.
+    return rule.until.size() == 8 || rule.until.substr(9, 6) != "000000";
+}
+
+// True for a rule that can be written as it is and is surely read as the same dates: most are.
+bool isPlain(const Rule& rule, const std::optional<RuleStart>& start) {
+    return hasShape(rule) && hasUsualWeeks(rule) && (!start || hasUsualEnd(rule, *start));
 }
 
 // Compares 400 dates or 60 years.
@@ -272,7 +318,7 @@ bool sameDates(const Rule& one, const Rule& other, const RuleStart& start) {
 
 VCalendarRule vCalendarTexts(const Rule& rule, const std::optional<RuleStart>& start) {
     VCalendarRule result;
-    if (isPlain(rule)) {
+    if (isPlain(rule, start)) {
         result.texts.push_back(writeShape(rule, start));
         return result;
     }

@@ -165,6 +165,48 @@ class Random {
         return {civil.year, civil.month, civil.day, 0, true};
     }
 
+    // Of any time of day and clock.
+    RuleStart timedStart() {
+        RuleStart result = start();
+        result.isDate = oneOf(4);
+        if (result.isDate) return result;
+        result.secondOfDay = oneOf(4) ? 0 : between(0, kDaySeconds - 1);
+        if (oneOf(2)) result.utcOffset = between(-12, 12) * 3600;
+        if (result.utcOffset == 0 && oneOf(2))
+            result.onlyClock = oneOf(2) ? Clock::Utc : Clock::Floating;
+        return result;
+    }
+
+    // Of the shapes that vCalendar 1.0 has, with any end.
+    Rule shape(const RuleStart& start) {
+        Rule rule;
+        rule.frequency = static_cast<Frequency>(between(0, 3));
+        rule.interval = between(1, 3);
+        if (rule.frequency == Frequency::Weekly) addDays(rule);
+        if (rule.frequency == Frequency::Monthly && oneOf(2)) addDays(rule);
+        if (rule.frequency == Frequency::Monthly && rule.days.empty())
+            rule.monthDays = numbers(4, 1, 31, true);
+        if (rule.frequency == Frequency::Yearly && oneOf(2)) rule.months = numbers(4, 1, 12, false);
+        if (rule.frequency == Frequency::Yearly && rule.months.empty())
+            rule.yearDays = numbers(4, 1, 366, true);
+        if (oneOf(3)) rule.weekStart = between(1, 7);
+        if (oneOf(3)) rule.count = between(1, 20);
+        if (rule.count == 0 && !oneOf(3)) rule.until = end(start);
+        return rule;
+    }
+
+    // In any of the forms, some at the time of day of the start, at midnight or beside them.
+    std::string end(const RuleStart& start) {
+        Moment until{dayNumber(start.year, start.month, start.day), 0, oneOf(3), Clock::Floating};
+        until.day += between(0, oneOf(2) ? 60 : 2000);
+        if (until.isDate) return formatMoment(until);
+        const int second = (start.secondOfDay - start.utcOffset * between(0, 1)) + between(-1, 1);
+        until.second =
+            oneOf(3) ? between(0, 1) * (kDaySeconds - 1) : (second + 2 * kDaySeconds) % kDaySeconds;
+        if (oneOf(2)) until.clock = Clock::Utc;
+        return formatMoment(until);
+    }
+
     Rule rule() {
         Rule rule;
         rule.frequency = static_cast<Frequency>(between(0, 3));
@@ -257,6 +299,26 @@ TEST(RandomRules, HaveTheDatesOfTheModelInEachForm) {
     }
     EXPECT_GT(inVCalendar, 300);
     EXPECT_GT(inRecords, 1000);
+}
+
+// The writer knows of most of these, without reading them, that they are read as the same dates.
+TEST(RandomRules, OfTheShapesOfVCalendarAreReadAgainWithTheirDates) {
+    constexpr int kRounds = 20000;
+    Random random;
+    int written = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        const RuleStart start = random.timedStart();
+        const Rule rule = random.shape(start);
+        const std::vector<std::string> texts = vCalendarTexts(rule, start).texts;
+        if (texts.empty()) continue;
+        ++written;
+        const std::vector<Rule> again = readRules(texts[0], RuleForm::VCalendar10, start).rules;
+        ASSERT_EQ(again.size(), 1U) << texts[0];
+        ASSERT_EQ(again[0].endless(), rule.endless()) << texts[0];
+        ASSERT_EQ(datesOf(again[0], start), datesOf(rule, start))
+            << texts[0] << " of " << iCalendarText(rule);
+    }
+    EXPECT_GT(written, kRounds / 2);
 }
 
 }  // namespace
