@@ -58,15 +58,25 @@ std::string ICalEntry::uid() const {
     return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
 }
 
-void ICalEntry::addMoment(PropertyName name, const Moment& moment,
-                          std::vector<Parameter> parameters) {
-    if (moment.isDate) {
-        parameters.insert(parameters.begin(), {"VALUE", "DATE"});
-    } else if (moment.clock == Clock::Zoned && entry_.zone != nullptr) {
-        parameters.insert(parameters.begin(), {"TZID", entry_.zone->id()});
-        usesZone_ = true;
-    }
-    addICalendarLine(lines_, name, parameters, MomentText(moment));
+const std::vector<Parameter>& ICalEntry::parametersOf(bool isDate, Clock clock) {
+    static const std::vector<Parameter> kNone;
+    static const std::vector<Parameter> kDate{{"VALUE", "DATE"}};
+    if (isDate) return kDate;
+    if (clock != Clock::Zoned || entry_.zone == nullptr) return kNone;
+    if (zoneName_.empty()) zoneName_.push_back({"TZID", entry_.zone->id()});
+    return zoneName_;
+}
+
+void ICalEntry::addMoment(PropertyName name, const Moment& moment) {
+    addICalendarLine(lines_, name, parametersOf(moment.isDate, moment.clock), MomentText(moment));
+}
+
+void ICalEntry::addRecurrenceId() {
+    if (!entry_.recurrenceId) return;
+    const Moment& moment = *entry_.recurrenceId;
+    std::vector<Parameter> parameters = parametersOf(moment.isDate, moment.clock);
+    if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
+    addICalendarLine(lines_, PropertyName::RecurrenceId, parameters, MomentText(moment));
 }
 
 void ICalEntry::addUtc(PropertyName name, const std::optional<Moment>& moment) {
@@ -96,11 +106,7 @@ void ICalEntry::addDates() {
     addUtc(PropertyName::Created, entry_.created);
     addUtc(PropertyName::LastModified, entry_.modified);
     if (entry_.kind == EntryKind::Todo) addUtc(PropertyName::Completed, entry_.completed);
-    if (entry_.recurrenceId) {
-        std::vector<Parameter> parameters;
-        if (entry_.thisAndFuture) parameters.push_back({"RANGE", "THISANDFUTURE"});
-        addMoment(PropertyName::RecurrenceId, *entry_.recurrenceId, parameters);
-    }
+    addRecurrenceId();
 }
 
 void ICalEntry::addDuration() {
@@ -152,14 +158,7 @@ void ICalEntry::addDateList(std::string_view name, const std::vector<Moment>& da
     for (const Form& form : kForms) {
         const std::string items = itemsOf(dates, inUtc, form.isDate, form.clock);
         if (items.empty()) continue;
-        std::vector<Parameter> parameters;
-        if (form.isDate) {
-            parameters.push_back({"VALUE", "DATE"});
-        } else if (form.clock == Clock::Zoned && entry_.zone != nullptr) {
-            parameters.push_back({"TZID", entry_.zone->id()});
-            usesZone_ = true;
-        }
-        addICalendarLine(lines_, name, parameters, items);
+        addICalendarLine(lines_, name, parametersOf(form.isDate, form.clock), items);
     }
 }
 

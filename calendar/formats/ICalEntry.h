@@ -28,10 +28,13 @@ class ICalEntry {
     // converted. REQUIRES: addLines().
     [[nodiscard]] std::string uid() const;
     // True when a line names the entry's zone.
-    [[nodiscard]] bool usesZone() const { return usesZone_; }
+    [[nodiscard]] bool usesZone() const { return !zoneName_.empty(); }
 
   private:
-    void addMoment(PropertyName name, const Moment& moment, std::vector<Parameter> parameters = {});
+    // VALUE or TZID, as a date or a time on that clock needs it.
+    [[nodiscard]] const std::vector<Parameter>& parametersOf(bool isDate, Clock clock);
+    void addMoment(PropertyName name, const Moment& moment);
+    void addRecurrenceId();
     // Properties that iCalendar has in UTC only.
     void addUtc(PropertyName name, const std::optional<Moment>& moment);
     void addDates();
@@ -48,7 +51,7 @@ class ICalEntry {
     const Entry& entry_;
     std::string& lines_;
     std::string& alarmLines_;
-    bool usesZone_ = false;
+    std::vector<Parameter> zoneName_;  // empty until a line names the zone
 };
 
 }  // namespace qel::calendar

@@ -13,6 +13,24 @@ namespace qel::calendar {
 
 namespace {
 
+// Of a parameter that is given twice the first one counts.
+void dropRepeated(std::vector<Parameter>& parameters) {
+    // So few are compared with each other sooner than their names are sorted.
+    constexpr std::size_t kFew = 16;
+    const bool few = parameters.size() <= kFew;
+    std::set<std::string> names;
+    auto end = parameters.begin();
+    for (auto each = end; each != parameters.end(); ++each) {
+        const auto isSame = [&](const Parameter& other) { return other.name == each->name; };
+        const bool known =
+            few ? std::any_of(parameters.begin(), end, isSame) : !names.insert(each->name).second;
+        if (known) continue;
+        if (end != each) *end = std::move(*each);
+        ++end;
+    }
+    parameters.erase(end, parameters.end());
+}
+
 bool isICalendarParameter(std::string_view name) {
     static constexpr std::string_view kNames[] = {
         "ALTREP",   "CN",     "CUTYPE",   "DELEGATED-FROM", "DELEGATED-TO", "DIR",    "FMTTYPE",
@@ -207,12 +225,8 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     CalendarAddress address = addressFromVCalendar(value);
     if (!address.name.empty()) parameters.insert(parameters.begin(), {"CN", address.name});
     if (addressToVCalendar(address) != value) parameters.push_back({"X-VCAL-ADDRESS", value});
-    // Of a parameter that is given twice the first one counts.
-    std::vector<Parameter> once;
-    std::set<std::string> names;
-    for (const Parameter& each : parameters)
-        if (names.insert(each.name).second) once.push_back(each);
-    addPerson(line, address.uri, std::move(once));
+    dropRepeated(parameters);
+    addPerson(line, address.uri, std::move(parameters));
 }
 
 void VCalReader::settleTimes() {

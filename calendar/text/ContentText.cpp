@@ -46,43 +46,43 @@ void addName(std::string& out, LineName written) {
     for (std::size_t at = 0; at < name.size(); ++at) begin[at] = nameCharacter(begin[at]);
 }
 
-bool needsQuotes(std::string_view value) {
-    return value.find_first_of(":;,") != std::string_view::npos;
-}
-
 // RFC 6868 escapes the characters that a parameter value cannot contain.
-std::string parameterText(std::string_view value, bool alwaysQuoted) {
-    std::string text;
+void addParameterEscaped(std::string& out, std::string_view value) {
     for (const char c : value)
         if (c == '^')
-            text += "^^";
+            out += "^^";
         else if (c == '"')
-            text += "^'";
+            out += "^'";
         else if (c == '\n')
-            text += "^n";
+            out += "^n";
         else if (!isBlank(c) || c == ' ' || c == '\t')
-            text += c;
-    return alwaysQuoted || needsQuotes(text) ? "\"" + text + "\"" : text;
+            out += c;
 }
 
-// Values that are lists stay lists.
-std::string parameterListText(const Parameter& parameter) {
-    if (parameter.name != "MEMBER" && parameter.name != "DELEGATED-TO" &&
-        parameter.name != "DELEGATED-FROM")
-        return parameterText(parameter.value, false);
-    std::string text;
-    for (std::string_view rest = parameter.value; !rest.empty();) {
-        if (!text.empty()) text += ',';
-        text += parameterText(nextField(rest, ','), true);
-    }
-    return text;
+void addParameterValue(std::string& out, std::string_view value, bool alwaysQuoted) {
+    const bool quoted = alwaysQuoted || hasAny<':', ';', ','>(value);
+    if (quoted) out += '"';
+    if (findAnyOrUnprintable<'^', '"'>(value, 0) == value.size())
+        out += value;
+    else
+        addParameterEscaped(out, value);
+    if (quoted) out += '"';
+}
+
+// True for a parameter whose value is a list of addresses.
+bool isAddressList(std::string_view name) {
+    return name == "MEMBER" || name == "DELEGATED-TO" || name == "DELEGATED-FROM";
 }
 
 void addParameter(std::string& out, const Parameter& parameter) {
     out += ';';
     addName(out, parameter.name);
     out += '=';
-    out += parameterListText(parameter);
+    if (!isAddressList(parameter.name)) return addParameterValue(out, parameter.value, false);
+    for (std::string_view rest = parameter.value; !rest.empty();) {
+        addParameterValue(out, nextField(rest, ','), true);
+        if (!rest.empty()) out += ',';
+    }
 }
 
 // The characters of a text that must be escaped or looked at in a value.
