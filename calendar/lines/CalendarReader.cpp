@@ -73,7 +73,7 @@ LineReader::Result CalendarReader::readLine() {
         if (result != Result::Line) return result;
         if (passesOver(lines_.line()))
             showText();
-        else if (parseLine())
+        else if (!addUsual(lines_.line()) && parseLine())
             return Result::Line;
     }
 }
@@ -325,14 +325,29 @@ void CalendarReader::reportUnclosed(NoteCode code, std::string_view next) {
     report(code, open_.back()->number, {head(open_.back()->name), head(next)});
 }
 
+// Adds a property of an entry as nearly all are. False for any other line.
+bool CalendarReader::addUsual(const RawLine& raw) {
+    if (!raw.usual || !inEntry() || skippedDepth_ != 0) return false;
+    if (raw.id == PropertyName::Begin || raw.id == PropertyName::End) return false;
+    std::vector<ContentLine>& lines = open_.back()->properties;
+    parseUsualLine(raw, lines.emplace_back());
+    keepLast(lines);
+    return true;
+}
+
 void CalendarReader::addProperty(Component& owner) {
-    entrySize_ += costOf(line_);
-    if (entrySize_ <= kLargestEntry) {
-        line_.moveTo(texts_);
-        owner.properties.push_back(std::move(line_));
-    } else if (!std::exchange(entryFull_, true)) {
-        report(NoteCode::EntryTooLarge, line_.number, {std::to_string(kLargestEntry >> 20)});
-    }
+    owner.properties.push_back(std::move(line_));
+    keepLast(owner.properties);
+}
+
+// Keeps the text of the last line, unless the entry is full.
+void CalendarReader::keepLast(std::vector<ContentLine>& lines) {
+    ContentLine& line = lines.back();
+    entrySize_ += costOf(line);
+    if (entrySize_ <= kLargestEntry) return line.moveTo(texts_);
+    if (!std::exchange(entryFull_, true))
+        report(NoteCode::EntryTooLarge, line.number, {std::to_string(kLargestEntry >> 20)});
+    lines.pop_back();
 }
 
 }  // namespace qel::calendar

@@ -88,7 +88,9 @@ class CalendarReader {
     std::optional<Item> takeEnd(const std::string& name);
     Item endFile();
     void reportUnclosed(NoteCode code, std::string_view next = {});
+    bool addUsual(const RawLine& raw);
     void addProperty(Component& owner);
+    void keepLast(std::vector<ContentLine>& lines);
     void reportOutside();
     void report(NoteCode code, std::size_t line,
                 std::initializer_list<std::string_view> values = {});

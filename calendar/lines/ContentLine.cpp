@@ -111,6 +111,13 @@ void takeRestOfZone(ContentLine& line) {
     takeParameters(rest, line);
 }
 
+// Takes the parameters of a line whose value is known.
+void takeHead(std::string_view head, ContentLine& line) {
+    if (head.empty()) return;
+    takeParameters(head, line);
+    if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
+}
+
 // Takes the group off a name, "item1.SUMMARY", where a property of calendars is left.
 void dropGroup(RawLine& raw, ContentLine& line) {
     if (line.name.starts_with("X-")) return;
@@ -158,6 +165,16 @@ void ContentLine::moveTo(Arena& texts) {
     value = texts.keep(value);
 }
 
+void parseUsualLine(const RawLine& raw, ContentLine& line) {
+    const std::string_view text = raw.text.view();
+    line.number = raw.number;
+    line.id = raw.id;
+    line.name = propertyOf(raw.id).name;
+    line.value = text.substr(raw.colon + 1);
+    if (raw.nameEnd < raw.colon)
+        takeHead(text.substr(raw.nameEnd + 1, raw.colon - raw.nameEnd - 1), line);
+}
+
 bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     line.wrapped = (!raw.folds.empty() || !raw.indents.empty()) && unfold(raw, style);
     line.number = raw.number;
@@ -179,8 +196,7 @@ bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line) {
     }
     const std::string_view text = raw.text.view();
     line.value = text.substr(colon + 1);
-    if (!head.empty()) takeParameters(head, line);
-    if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
+    takeHead(head, line);
     // The blanks around a colon are not the text's.
     if (line.untidy && colon > 0 && isFoldBlank(text[colon - 1]))
         line.value.remove_prefix(std::min(line.value.find_first_not_of(" \t"), line.value.size()));

@@ -41,6 +41,9 @@ struct ContentLine {
     void moveTo(Arena& texts);
 };
 
+// Of a usual line, whose text stays as it is. REQUIRES: raw.usual, and `line` as it was made.
+void parseUsualLine(const RawLine& raw, ContentLine& line);
+
 // False when `raw` is not a property: it has no colon or no valid name. `line` refers to the text
 // of `raw`, which is unfolded in place, its name in capitals.
 [[nodiscard]] bool parseContentLine(RawLine& raw, FoldStyle style, ContentLine& line);

@@ -381,6 +381,7 @@ LineReader::Result LineReader::next() {
                 line_.colon != std::string_view::npos) {
                 inLine_ = false;
                 line_.quotedPrintable = false;
+                line_.usual = line_.id != PropertyName::Unknown && !line_.cut && !line_.indented;
                 return Result::Line;
             }
         } else if (const Result result = nextPhysical(); result == Result::NeedMore) {
@@ -402,6 +403,7 @@ void LineReader::beginLine() {
     line_.swallowed = 0;
     line_.group = 0;
     line_.bare = 0;
+    line_.usual = false;
     line_.openEnd = false;
     line_.indented = false;
     line_.number = aheadNumber_;

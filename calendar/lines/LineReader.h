@@ -35,6 +35,8 @@ struct RawLine {
     std::size_t colon = 0;        // the one before the value; npos without one
     std::size_t bare = 0;         // lines that were joined although nothing folds them
     bool quotedPrintable = false;
+    // A line by itself as nearly all are: of a known name, with a colon, and none of what follows.
+    bool usual = false;
     bool cut = false;       // longer than kLongestLine; the rest was skipped
     bool openEnd = false;   // a soft line break of quoted-printable with nothing after it
     bool indented = false;  // from the next line on, blanks begin lines that are not folded
