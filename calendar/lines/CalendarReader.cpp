@@ -68,7 +68,7 @@ LineReader::Result CalendarReader::readLine() {
     using Result = LineReader::Result;
     if (std::exchange(pending_, false)) return Result::Line;
     for (;;) {
-        if (contents_ == Contents::OfZones && inEntry() && !inZone_) lines_.passOver();
+        if (contents_ == Contents::OfZones && inEntry() && !inZone_) passOver();
         const Result result = lines_.next();
         if (result != Result::Line) return result;
         if (passesOver(lines_.line()))
@@ -76,6 +76,12 @@ LineReader::Result CalendarReader::readLine() {
         else if (!addUsual(lines_.line()) && parseLine())
             return Result::Line;
     }
+}
+
+void CalendarReader::passOver() {
+    const bool isBare = open_.size() == 1 && skippedDepth_ == 0 && component_.properties.empty() &&
+                        component_.children.empty() && isTopEntry(component_.name);
+    lines_.passOver(isBare ? std::string_view(component_.name) : std::string_view());
 }
 
 FoldStyle CalendarReader::foldStyle() const {

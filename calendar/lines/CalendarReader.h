@@ -73,6 +73,8 @@ class CalendarReader {
     bool parseLine();
     void reportUntidy(const RawLine& raw);
     [[nodiscard]] bool passesOver(const RawLine& raw) const;
+    // Over what changes nothing of the entry that is read.
+    void passOver();
     void showText();
     [[nodiscard]] FoldStyle foldStyle() const;
     std::optional<Item> takeLine();

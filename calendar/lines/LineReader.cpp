@@ -110,6 +110,44 @@ bool beginsGrouped(std::string_view line) {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
+// The marks that are passed over two at a time, because together they change nothing: those of an
+// alarm, with its lines, and the end of an entry with the beginning of the next one.
+class PassedMarks {
+  public:
+    // Without an entry's name only those of alarms.
+    explicit PassedMarks(std::string_view entry) {
+        if (entry.empty()) return;
+        entryEnd_.append("END:").append(entry);
+        entryBegin_.append("BEGIN:").append(entry);
+    }
+
+    // The length of the mark that `text` begins with; 0 for one that cannot be passed over here.
+    [[nodiscard]] std::size_t take(std::string_view text) {
+        const std::string_view mark = open()                          ? awaited_
+                                      : text.starts_with(kAlarmBegin) ? kAlarmBegin
+                                                                      : entryEnd_;
+        const bool isLine = !mark.empty() && text.size() > mark.size() && text.starts_with(mark) &&
+                            (text[mark.size()] == '\r' || text[mark.size()] == '\n');
+        if (!isLine) return 0;
+        awaited_ = open()                ? std::string_view()
+                   : mark == kAlarmBegin ? kAlarmEnd
+                                         : std::string_view(entryBegin_);
+        return mark.size();
+    }
+
+    // True after the first of two.
+    [[nodiscard]] bool open() const { return !awaited_.empty(); }
+    [[nodiscard]] bool betweenEntries() const { return open() && awaited_ == entryBegin_; }
+
+  private:
+    static constexpr std::string_view kAlarmBegin = "BEGIN:VALARM";
+    static constexpr std::string_view kAlarmEnd = "END:VALARM";
+
+    std::string entryEnd_;
+    std::string entryBegin_;
+    std::string_view awaited_;
+};
+
 }  // namespace
 
 bool isComponentMark(std::string_view line) {
@@ -294,34 +332,43 @@ std::size_t LineReader::passedLength(std::string_view text, std::size_t name) {
     return soft && softBreak(text.substr(0, end), colon) != std::string_view::npos ? 0 : end;
 }
 
-void LineReader::passOver() {
+void LineReader::passOver(std::string_view entry) {
     if (inLine_ || inPhysical_ || !hasAhead_ || !pieces_.empty() || ahead_.empty()) return;
+    struct Place {
+        std::size_t at;
+        std::size_t number;  // of the line that begins there
+    };
     const char* const bytes = chunk_.data();
-    auto at = static_cast<std::size_t>(ahead_.data() - bytes);
-    std::size_t before = at;
-    std::size_t number = aheadNumber_;
-    for (std::size_t name = usualNameLength(chunk_.substr(at)); name != 0;) {
-        const std::size_t length = passedLength(chunk_.substr(at), name);
+    Place place{static_cast<std::size_t>(ahead_.data() - bytes), aheadNumber_};
+    Place before = place;
+    PassedMarks marks(entry);
+    bool open = false;  // the mark that must follow has not been passed over
+    for (std::size_t name = usualNameLength(chunk_.substr(place.at)); name != 0;) {
+        const std::string_view text = chunk_.substr(place.at);
+        std::size_t length = marks.betweenEntries() ? 0 : passedLength(text, name);
+        if (length == 0) length = marks.take(text);
         if (length == 0) break;
-        std::size_t next = at + length;
+        std::size_t next = place.at + length;
         if (bytes[next] == '\r') ++next;
         if (next >= chunk_.size() || bytes[next] != '\n') break;
         ++next;
         // What begins in another way may be the rest of the line.
         name = usualNameLength(chunk_.substr(next));
         if (name == 0) break;
-        before = std::exchange(at, next);
-        ++number;
+        if (!open) before = place;
+        place = {next, place.number + 1};
+        open = marks.open();
     }
-    if (number == aheadNumber_) return;
+    if (open) place = before;
+    if (place.number == aheadNumber_) return;
     // The last line may go on in the next piece: then the one before it is read as others are.
-    const auto lookAt = [this](std::size_t place, std::size_t placeNumber) {
-        at_ = place;
-        aheadNumber_ = placeNumber - 1;
+    const auto lookAt = [this](const Place& line) {
+        at_ = line.at;
+        aheadNumber_ = line.number - 1;
         lastEnd_.begin('\n');
         return takeWhole();
     };
-    if (lookAt(at, number) || lookAt(before, number - 1)) nameAhead();
+    if (lookAt(place) || lookAt(before)) nameAhead();
 }
 
 LineReader::Result LineReader::nextPhysical() {

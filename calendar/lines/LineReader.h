@@ -64,9 +64,10 @@ class LineReader {
 
     // Passes over lines of ASCII that are by themselves and begin with a capital other than B and
     // E, unless their value is in Base64, or quoted-printable without CHARSET=UTF-8; and over such
-    // lines of UTF-8 without parameters. For a caller who looks for other ones: next() goes on
-    // after them.
-    void passOver();
+    // lines of UTF-8 without parameters; over whole alarms of such lines; and over the end of an
+    // entry of the name `entry` with the beginning of another one. For a caller who looks for other
+    // ones: next() goes on after them.
+    void passOver(std::string_view entry);
 
     // Until next() is called again; the caller may change it. Its text may be a view of the bytes
     // that were written last.

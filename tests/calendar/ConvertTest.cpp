@@ -57,6 +57,34 @@ TEST(Convert, TheExampleIsFine) {
     EXPECT_EQ(differenceInPieces(example), "");
 }
 
+// The first reading passes over entries that it does not need, and must not miss a zone after them.
+TEST(Convert, FindsZonesAfterEntriesOfAnySort) {
+    const std::string zone =
+        "BEGIN:VTIMEZONE\r\nTZID:Own\r\nBEGIN:STANDARD\r\nDTSTART:19700101T000000\r\n"
+        "TZOFFSETFROM:+0545\r\nTZOFFSETTO:+0545\r\nEND:STANDARD\r\nEND:VTIMEZONE\r\n";
+    const std::string alarm = "BEGIN:VALARM\r\nACTION:DISPLAY\r\nTRIGGER:-PT5M\r\n";
+    const std::string begin = "BEGIN:VEVENT\r\nDTSTART;TZID=Own:20050615T093000\r\nUID:";
+    const std::string end = "END:VEVENT\r\n";
+    for (const std::string& entries :
+         {begin + "1\r\n" + end + begin + "2\r\n" + end,
+          begin + "1\r\n" + alarm + "END:VALARM\r\n" + end + begin + "2\r\n" + end,
+          begin + "1\r\n" + alarm + end + begin + "2\r\n" + alarm,
+          begin + "1\r\n" + alarm + "X-A;ENCODING=BASE64:\r\n YQ==\r\nEND:VALARM\r\n" + end,
+          begin + "1\r\n" + end + "BEGIN:VTODO\r\nUID:2\r\nEND:VTODO\r\n",
+          begin + "1\r\n" + end + begin + "2\r\n" + alarm + alarm + "END:VALARM\r\n"}) {
+        SCOPED_TRACE(entries);
+        const auto calendar = [](const std::string& content) {
+            return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + content + "END:VCALENDAR\r\n";
+        };
+        const std::string expected = toVCalendar(calendar(zone + entries)).out;
+        EXPECT_NE(expected.find("\nTZ:+05"), std::string::npos);
+        for (std::size_t piece = 1; piece < 64; ++piece)
+            EXPECT_EQ(convertText(calendar(entries + zone), CalendarFormat::VCalendar10, piece).out,
+                      expected)
+                << piece;
+    }
+}
+
 TEST(Convert, CharacterSets) {
     for (Row& row : list("calendar/character-sets.txt")) {
         SCOPED_TRACE(row["parameters"] + ":" + row["bytes"]);
