@@ -24,19 +24,19 @@ bool separates(char c) {
     return isBlank(c) || c == '.' || c == ',';
 }
 
-std::vector<std::string_view> tokensOf(std::string_view text) {
-    std::vector<std::string_view> tokens;
-    tokens.reserve(8);
-    std::size_t at = 0;
-    while (at < text.size()) {
-        while (at < text.size() && separates(text[at])) ++at;
-        const std::size_t begin = at;
-        while (at < text.size() && !separates(text[at])) ++at;
-        std::string_view token = text.substr(begin, at - begin);
+// Takes the next token off `rest`; "" when there is none.
+std::string_view nextToken(std::string_view& rest) {
+    std::string_view token;
+    while (token.empty() && !rest.empty()) {
+        std::size_t begin = 0;
+        while (begin < rest.size() && separates(rest[begin])) ++begin;
+        std::size_t end = begin;
+        while (end < rest.size() && !separates(rest[end])) ++end;
+        token = rest.substr(begin, end - begin);
+        rest.remove_prefix(end);
         while (!token.empty() && token.back() == ';') token.remove_suffix(1);
-        if (!token.empty()) tokens.push_back(token);
     }
-    return tokens;
+    return token;
 }
 
 enum class Kind { Daily, Weekly, ByPosition, ByMonthDay, ByMonth, ByYearDay };
@@ -47,31 +47,36 @@ struct Head {
     bool bareMonth;  // "M1": neither MP nor MD
 };
 
+// Of one or two letters, "W" or "MP"; nothing for those that begin no rule.
+std::optional<Kind> kindOf(std::string_view letters) {
+    const char second = letters.size() == 2 ? toUpper(letters[1]) : '\0';
+    switch (toUpper(letters[0])) {
+        case 'D':
+            return second == '\0' ? std::optional(Kind::Daily) : std::nullopt;
+        case 'W':
+            return second == '\0' ? std::optional(Kind::Weekly) : std::nullopt;
+        case 'M':
+            if (second == 'P') return Kind::ByPosition;
+            return second == 'D' || second == '\0' ? std::optional(Kind::ByMonthDay) : std::nullopt;
+        case 'Y':
+            if (second == 'D') return Kind::ByYearDay;
+            return second == 'M' || second == '\0' ? std::optional(Kind::ByMonth) : std::nullopt;
+        default:
+            return std::nullopt;
+    }
+}
+
 // "W2", "MP", "D1"; nothing for a token that does not begin a rule.
 std::optional<Head> readHead(std::string_view token) {
-    struct Code {
-        char first;
-        char second;  // 0 without one
-        Kind kind;
-    };
-    static constexpr Code kCodes[] = {{'D', 0, Kind::Daily},        {'W', 0, Kind::Weekly},
-                                      {'M', 'P', Kind::ByPosition}, {'M', 'D', Kind::ByMonthDay},
-                                      {'M', 0, Kind::ByMonthDay},   {'Y', 'M', Kind::ByMonth},
-                                      {'Y', 0, Kind::ByMonth},      {'Y', 'D', Kind::ByYearDay}};
     constexpr std::size_t kLongestCode = 2;
     std::size_t digits = 0;
     while (digits < token.size() && !isDigit(token[digits])) ++digits;
     if (digits == 0 || digits > kLongestCode) return std::nullopt;
-    const char first = toUpper(token[0]);
-    const char second = digits == 2 ? toUpper(token[1]) : '\0';
+    const auto kind = kindOf(token.substr(0, digits));
     const std::string_view number = token.substr(digits);
-    for (const Code& each : kCodes) {
-        if (first != each.first || second != each.second) continue;
-        if (!number.empty() && !allDigits(number)) return std::nullopt;
-        return Head{each.kind, number.empty() ? 1 : std::max(*parseInt(number), 1),
-                    first == 'M' && second == '\0'};
-    }
-    return std::nullopt;
+    if (!kind || (!number.empty() && !allDigits(number))) return std::nullopt;
+    return Head{*kind, number.empty() ? 1 : std::max(*parseInt(number), 1),
+                digits == 1 && toUpper(token[0]) == 'M'};
 }
 
 // "3", "3+", "+3", "3-", "-3"; "LD" is -1.
@@ -342,17 +347,18 @@ class RuleParser {
 
 void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& start,
                         CountMeans countMeans, RuleReading& reading) {
-    const std::vector<std::string_view> tokens = tokensOf(text);
-    if (tokens.empty()) return;
+    std::string_view rest = text;
+    std::string_view token = nextToken(rest);
+    if (token.empty()) return;
     const bool dots = hasAny<'.', ','>(text);
-    std::optional<Head> head = readHead(tokens.front());
+    std::optional<Head> head = readHead(token);
     if (!head) {
         reading.notes.emplace_back(NoteCode::RuleNotRecognised);
         reading.complete = false;
         return;
     }
     std::size_t rules = 0;
-    for (std::size_t at = 0; at < tokens.size();) {
+    while (!token.empty()) {
         if (++rules > kMostRulesInText) {
             reading.notes.push_back(
                 Note(NoteCode::RuleTooMany, 0, {std::to_string(kMostRulesInText)}));
@@ -360,10 +366,10 @@ void readVCalendarRules(std::string_view text, const std::optional<RuleStart>& s
             return;
         }
         RuleParser parser(*head, start, reading);
-        for (++at; at < tokens.size(); ++at) {
-            head = readHead(tokens[at]);
+        for (token = nextToken(rest); !token.empty(); token = nextToken(rest)) {
+            head = readHead(token);
             if (head) break;
-            if (!parser.takeEnd(tokens[at])) parser.takeModifier(tokens[at]);
+            if (!parser.takeEnd(token)) parser.takeModifier(token);
         }
         parser.finish(countMeans);
     }
