@@ -13,6 +13,9 @@
 
 namespace qel::calendar {
 
+// Names are compared with "..."sv: of texts of different lengths nothing else is looked at then.
+using std::string_view_literals::operator""sv;
+
 [[nodiscard]] constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }

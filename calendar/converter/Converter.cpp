@@ -197,8 +197,9 @@ class Converter::File {
     void takeProperty() {
         ContentLine& line = reader_.property();
         decodeParameters(line, choices_.characterSet);
-        if (line.id == PropertyName::Version || line.name == "PRODID" || line.name == "CALSCALE") {
-            if (line.name == "CALSCALE" && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
+        if (line.id == PropertyName::Version || line.name == "PRODID"sv ||
+            line.name == "CALSCALE"sv) {
+            if (line.name == "CALSCALE"sv && !equalsIgnoreCase(trimmed(line.value), "GREGORIAN"))
                 report(Note(NoteCode::CalendarScaleUnknown, line.number,
                             {line.value.substr(0, kLongestName)}));
             return;
@@ -251,7 +252,7 @@ class Converter::File {
             name.erase(0, kICalendarPrefix.size());
         else if (!known && !name.starts_with("X-"))
             name = std::string(kVCalendarPrefix) + name;
-        const auto type = name == "METHOD" || name == "URL" || name == "SOURCE"
+        const auto type = name == "METHOD"sv || name == "URL"sv || name == "SOURCE"sv
                               ? EntryProperty::Type::Raw
                               : EntryProperty::Type::Text;
         header_.push_back({name, parametersFromVCalendar(line), type, value, {}, line.number});
@@ -289,7 +290,7 @@ class Converter::File {
             });
         if (organized) return;
         std::erase_if(header_, [this](const EntryProperty& each) {
-            if (each.name != "METHOD") return false;
+            if (each.name != "METHOD"sv) return false;
             report(Note(NoteCode::MethodWithoutOrganizer, each.line,
                         {each.name, each.value().substr(0, kLongestName)}));
             return true;
@@ -308,7 +309,7 @@ class Converter::File {
         Component& component = reader_.component();
         std::string uid = uids_.uidOf(component);
         decodeParameters(component, choices_.characterSet);
-        if (component.name == "VTIMEZONE") {
+        if (component.name == "VTIMEZONE"sv) {
             owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
             return;
         }
@@ -319,7 +320,7 @@ class Converter::File {
         }
         FileZone& fileZone = zoneOf(component);
         EntryReader* reader = &iCalReader_;
-        if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE")
+        if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE"sv)
             reader = &vCalReader_;
         Entry* const entry = reader->read(component, fileZone.zone());
         if (entry == nullptr) return;
@@ -351,8 +352,8 @@ class Converter::File {
     }
 
     [[nodiscard]] bool isChosen(std::string_view component) const {
-        if (component == "VEVENT") return choices_.only.events;
-        return component == "VTODO" ? choices_.only.todos : choices_.only.notes;
+        if (component == "VEVENT"sv) return choices_.only.events;
+        return component == "VTODO"sv ? choices_.only.todos : choices_.only.notes;
     }
 
     // Null without a zone, and when `name` says all of it.
@@ -496,7 +497,7 @@ class Converter::Scan {
             if (item == Item::CalendarProperty) weigh(reader_.property());
             if (item != Item::Entry) continue;
             for (const ContentLine& line : reader_.component().properties) weigh(line);
-            if (reader_.component().name != "VTIMEZONE") continue;
+            if (reader_.component().name != "VTIMEZONE"sv) continue;
             decodeParameters(reader_.component(), "");
             zones_.add(zoneFromVTimezone(reader_.component(), silent_));
         }

@@ -107,7 +107,7 @@ void AlarmReader::takeAddress(const ContentLine& line) {
     alarm_.address = std::string(trimmed(reader_.text(line)));
     if (startsWithIgnoreCase(alarm_.address, "mailto:")) alarm_.address.erase(0, 7);
     for (const Parameter& each : line.parameters)
-        if (!each.name.empty() && each.name != "ENCODING" && each.name != "CHARSET")
+        if (!each.name.empty() && each.name != "ENCODING"sv && each.name != "CHARSET"sv)
             alarm_.addressParameters.push_back(each);
 }
 
@@ -120,7 +120,7 @@ void AlarmReader::takeOther(const ContentLine& line, EntryProperty::Type type) {
     else
         // The value is decoded.
         std::erase_if(other.parameters, [](const Parameter& each) {
-            return each.name == "ENCODING" || each.name == "CHARSET" ||
+            return each.name == "ENCODING"sv || each.name == "CHARSET"sv ||
                    (each.name.empty() && isEncodingWord(each.value));
         });
     other.text = other.type == EntryProperty::Type::Raw ? std::string(trimmed(text))
@@ -132,11 +132,11 @@ void AlarmReader::takeAttachment() {
     if (alarm_.action != Action::Audio && alarm_.action != Action::Procedure) return;
     const auto attachment =
         std::find_if(alarm_.others.begin(), alarm_.others.end(),
-                     [](const EntryProperty& each) { return each.name == "ATTACH"; });
+                     [](const EntryProperty& each) { return each.name == "ATTACH"sv; });
     if (attachment == alarm_.others.end()) return;
     const bool binary = std::any_of(
         attachment->parameters.begin(), attachment->parameters.end(), [](const Parameter& each) {
-            return each.name == "ENCODING" && equalsIgnoreCase(each.value, "BASE64");
+            return each.name == "ENCODING"sv && equalsIgnoreCase(each.value, "BASE64");
         });
     alarm_.text = attachment->value();
     if (binary) alarm_.parameters = {{"VALUE", "INLINE"}, {"ENCODING", "BASE64"}};
@@ -203,7 +203,7 @@ void AlarmReader::takeLine(const ContentLine& line) {
         else if (alarm_.action == Action::Email && each.name.starts_with(kICalendarPrefix))
             alarm_.addressParameters.push_back(
                 {each.name.substr(kICalendarPrefix.size()), each.value});
-        else if (each.name != "CHARSET" && !(each.name == "ENCODING" && !binary) &&
+        else if (each.name != "CHARSET"sv && !(each.name == "ENCODING"sv && !binary) &&
                  !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);
     if (!readAlarmFields(alarm_))
@@ -212,7 +212,7 @@ void AlarmReader::takeLine(const ContentLine& line) {
     // A URI can be recognised as one.
     if (isUri(alarm_.text))
         std::erase_if(alarm_.parameters, [](const Parameter& each) {
-            return each.name == "VALUE" &&
+            return each.name == "VALUE"sv &&
                    (equalsIgnoreCase(each.value, "URL") || equalsIgnoreCase(each.value, "URI"));
         });
 }

@@ -99,7 +99,7 @@ class ActionLines {
         const CalendarAddress address = addressFromVCalendar(alarm_.address);
         std::vector<Parameter> parameters = alarm_.addressParameters;
         const bool hasName = std::any_of(parameters.begin(), parameters.end(),
-                                         [](const Parameter& each) { return each.name == "CN"; });
+                                         [](const Parameter& each) { return each.name == "CN"sv; });
         if (!address.name.empty() && !hasName) parameters.push_back({"CN", address.name});
         addICalendarLine(out_, "ATTENDEE", parameters, address.uri);
         addICalendarLine(out_, "SUMMARY", {},
@@ -194,7 +194,7 @@ void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm)
     std::vector<Parameter> parameters = alarm.parameters;
     const bool takesUri = alarm.action == Action::Audio || alarm.action == Action::Procedure;
     const auto kind = std::find_if(parameters.begin(), parameters.end(),
-                                   [](const Parameter& each) { return each.name == "VALUE"; });
+                                   [](const Parameter& each) { return each.name == "VALUE"sv; });
     if (takesUri && isUri(alarm.text) && (kind == parameters.end() || kind->value.empty()))
         parameters.push_back({"VALUE", "URL"});
     // iCalendar gets the entry's own again where there is no other one.

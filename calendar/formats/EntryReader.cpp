@@ -88,7 +88,7 @@ Entry* EntryReader::read(const Component& component, const ZonePtr& zone) {
     takeRecurrence();
     if (daysOfUtc_) settleDaysOfUtc();
     for (const Component& child : component.children)
-        if (child.name == "VALARM")
+        if (child.name == "VALARM"sv)
             AlarmReader(*this).takeComponent(child);
         else
             report(Note(NoteCode::EntryPartUnknown, child.number, {child.name}));
@@ -106,11 +106,11 @@ bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
     entry_.line = component.number;
     entry_.zone = zone;
     if (zone == nullptr && ruleForm() == RuleForm::VCalendar10) entry_.zone = chosenZone_;
-    if (component.name == "VEVENT") {
+    if (component.name == "VEVENT"sv) {
         entry_.kind = EntryKind::Event;
-    } else if (component.name == "VTODO") {
+    } else if (component.name == "VTODO"sv) {
         entry_.kind = EntryKind::Todo;
-    } else if (component.name == "VJOURNAL" || component.name == "VNOTE") {
+    } else if (component.name == "VJOURNAL"sv || component.name == "VNOTE"sv) {
         entry_.kind = EntryKind::Journal;
     } else {
         report(Note(NoteCode::EntryComponentUnknown, component.number, {component.name}));
@@ -662,7 +662,7 @@ void EntryReader::addPerson(const ContentLine& line, std::string_view value,
     };
     std::string address(trimmed(value));
     const auto name = std::find_if(parameters.begin(), parameters.end(),
-                                   [](const Parameter& each) { return each.name == "CN"; });
+                                   [](const Parameter& each) { return each.name == "CN"sv; });
     if (name != parameters.end() && startsWithIgnoreCase(trimmed(name->value), kScheme)) {
         const std::string_view mail = withoutScheme(name->value);
         if (withoutScheme(address).empty()) address = std::string(kScheme) + std::string(mail);
@@ -675,7 +675,7 @@ void EntryReader::addPerson(const ContentLine& line, std::string_view value,
         address = kNoMail;
     }
     const auto isName = [](const Parameter& each) {
-        return each.name == "CN" && !trimmed(each.value).empty();
+        return each.name == "CN"sv && !trimmed(each.value).empty();
     };
     // Nobody.
     if (withoutScheme(address).empty() ||
@@ -707,7 +707,7 @@ void EntryReader::carryRaw(const ContentLine& line, NoteCode why) {
 std::vector<Parameter> EntryReader::carriedParameters(const ContentLine& line) const {
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
-        if (each.name == "ENCODING" || each.name == "CHARSET") continue;
+        if (each.name == "ENCODING"sv || each.name == "CHARSET"sv) continue;
         if (each.name.empty() && (equalsIgnoreCase(each.value, "QUOTED-PRINTABLE") ||
                                   equalsIgnoreCase(each.value, "BASE64")))
             continue;

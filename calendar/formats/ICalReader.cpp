@@ -15,8 +15,8 @@ namespace {
 std::vector<Parameter> ownParameters(const ContentLine& line, bool binary) {
     std::vector<Parameter> parameters;
     for (const Parameter& each : line.parameters) {
-        if (each.name == "ENCODING" || each.name == "CHARSET" || each.name.empty()) continue;
-        if (each.name == "VALUE" &&
+        if (each.name == "ENCODING"sv || each.name == "CHARSET"sv || each.name.empty()) continue;
+        if (each.name == "VALUE"sv &&
             (binary || equalsIgnoreCase(each.value, "URI") || equalsIgnoreCase(each.value, "TEXT")))
             continue;
         parameters.push_back(each);

@@ -31,7 +31,7 @@ std::string keptName(std::string_view name) {
 
 // A rule that recurs within the day: a Rule cannot express it, but iCalendar can.
 bool isFineRule(const EntryProperty& property) {
-    return property.name == "X-ICAL-RRULE" &&
+    return property.name == "X-ICAL-RRULE"sv &&
            (startsWithIgnoreCase(property.value(), "FREQ=HOURLY") ||
             startsWithIgnoreCase(property.value(), "FREQ=MINUTELY") ||
             startsWithIgnoreCase(property.value(), "FREQ=SECONDLY"));

@@ -35,7 +35,7 @@ std::string MadeUids::uidOf(const Component& component) {
         component.properties.begin(), component.properties.end(), [](const ContentLine& line) {
             return line.id == PropertyName::Uid && !trimmed(line.value).empty();
         });
-    if (given || component.name == "VTIMEZONE") return {};
+    if (given || component.name == "VTIMEZONE"sv) return {};
     std::string bytes;
     addBytes(bytes, component);
     const std::string digest = digestOf(bytes);

@@ -36,11 +36,11 @@ std::string nameInVCalendar(const std::string& name, PropertyName id) {
 std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& parameters) {
     std::vector<Parameter> result;
     for (const Parameter& each : parameters)
-        if (each.name == "X-VCAL-PARAMETER")
+        if (each.name == "X-VCAL-PARAMETER"sv)
             result.push_back({"", each.value});
         else if (each.name.starts_with(kVCalendarPrefix))
             result.push_back({each.name.substr(kVCalendarPrefix.size()), each.value});
-        else if (each.name.starts_with("X-") || each.name == "LANGUAGE")
+        else if (each.name.starts_with("X-") || each.name == "LANGUAGE"sv)
             result.push_back(each);
         else
             result.push_back({std::string(kICalendarPrefix) + each.name, each.value});
@@ -59,12 +59,12 @@ void VCalEntry::addNoteLines() {
     addUid();
     std::string body;
     for (const EntryProperty& each : entry_.properties)
-        if (each.name == "DESCRIPTION") body += (body.empty() ? "" : "\n\n") + each.value();
+        if (each.name == "DESCRIPTION"sv) body += (body.empty() ? "" : "\n\n") + each.value();
     line("BODY", {}, body);
     addDates();
     addRecurrence();
     for (const EntryProperty& property : entry_.properties)
-        if (property.name != "DESCRIPTION") addProperty(property);
+        if (property.name != "DESCRIPTION"sv) addProperty(property);
     addAlarms();
 }
 
@@ -156,7 +156,7 @@ void VCalEntry::addProperty(const EntryProperty& property) {
     const std::string& name = property.name;
     const PropertyName id = property.id();
     // Without a value, parsers of the time take the next line for it.
-    if (name == "X-VCAL-COMPONENT" || property.value().empty()) return;
+    if (name == "X-VCAL-COMPONENT"sv || property.value().empty()) return;
     if (property.type == EntryProperty::Type::Base64 && id != PropertyName::Attach)
         addBytes(nameInVCalendar(name, id), property);
     else if (id == PropertyName::Status)
@@ -241,15 +241,15 @@ void VCalEntry::addAttendee(const EntryProperty& property) {
     std::string_view name;
     std::string_view address;
     for (const Parameter& each : property.parameters) {
-        if (each.name == "CN") {
+        if (each.name == "CN"sv) {
             name = each.value;
-        } else if (each.name == "X-VCAL-ADDRESS") {
+        } else if (each.name == "X-VCAL-ADDRESS"sv) {
             address = each.value;
-        } else if (each.name == "RSVP") {
+        } else if (each.name == "RSVP"sv) {
             parameters.push_back({"RSVP", equalsIgnoreCase(each.value, "TRUE") ? "YES" : "NO"});
-        } else if (each.name == "ROLE") {
+        } else if (each.name == "ROLE"sv) {
             if (ownRole.empty()) addWord("ROLE", roleToVCalendar(each.value), each, parameters);
-        } else if (each.name == "PARTSTAT") {
+        } else if (each.name == "PARTSTAT"sv) {
             if (ownStatus.empty())
                 addWord("STATUS", participationToVCalendar(each.value), each, parameters);
         } else {

@@ -45,7 +45,7 @@ std::vector<Parameter> parametersFromVCalendar(const ContentLine& line) {
     if (line.parameters.empty()) return parameters;
     std::string bare;
     for (const Parameter& each : line.parameters) {
-        if (each.name == "ENCODING" || each.name == "CHARSET") continue;
+        if (each.name == "ENCODING"sv || each.name == "CHARSET"sv) continue;
         if (each.name.empty()) {
             if (isEncodingWord(each.value)) continue;
             bare += (bare.empty() ? "" : ",") + each.value;
@@ -116,7 +116,7 @@ void VCalReader::takeClass(const ContentLine& line) {
 void VCalReader::takeText(const ContentLine& line) {
     using Type = EntryProperty::Type;
     const std::string_view name = line.name;
-    if (line.id == PropertyName::Body && entry_.component == "VNOTE") {
+    if (line.id == PropertyName::Body && entry_.component == "VNOTE"sv) {
         add(line, "DESCRIPTION", Type::Text, text(line), parametersFromVCalendar(line));
     } else if (name.starts_with(kICalendarPrefix)) {
         // A property of iCalendar that has been carried here.
@@ -189,7 +189,7 @@ void VCalReader::takeAttachment(const ContentLine& line) {
                        kind == "INLINE" || kind.empty();
     if (known)
         std::erase_if(parameters,
-                      [](const Parameter& each) { return each.name == "X-VCAL-VALUE"; });
+                      [](const Parameter& each) { return each.name == "X-VCAL-VALUE"sv; });
     if (isBase64(line)) {
         const auto clean = cleanBase64(line.value);
         if (!clean)
@@ -210,11 +210,11 @@ void VCalReader::takeAttendee(const ContentLine& line) {
     const std::string value(trimmed(text(line)));
     std::vector<Parameter> parameters;
     for (const Parameter& each : parametersFromVCalendar(line)) {
-        if (each.name == "X-VCAL-ROLE") {
+        if (each.name == "X-VCAL-ROLE"sv) {
             addRoleFromVCalendar(each.value, parameters);
-        } else if (each.name == "X-VCAL-STATUS") {
+        } else if (each.name == "X-VCAL-STATUS"sv) {
             addParticipationFromVCalendar(each.value, entry_.kind, parameters);
-        } else if (each.name == "X-VCAL-RSVP") {
+        } else if (each.name == "X-VCAL-RSVP"sv) {
             const bool yes =
                 equalsIgnoreCase(each.value, "YES") || equalsIgnoreCase(each.value, "TRUE");
             parameters.push_back({"RSVP", yes ? "TRUE" : "FALSE"});

@@ -72,7 +72,7 @@ void VCalSettling::settleDuration() {
 
 void VCalSettling::reportTransparency() {
     for (const EntryProperty& each : entry().properties)
-        if (each.name == "TRANSP" && transparencyToVCalendar(each.value()).empty())
+        if (each.name == "TRANSP"sv && transparencyToVCalendar(each.value()).empty())
             addNote(NoteCode::TransparencyKept, each.line, {each.value(), "X-ICAL-TRANSP"});
 }
 
@@ -109,7 +109,7 @@ void VCalSettling::settleRules() {
             if (texts.texts.empty()) settleInexpressible(each, rule, start, texts.reason);
         }
     }
-    const auto isException = [](const SettledRule& rule) { return rule.name == "EXRULE"; };
+    const auto isException = [](const SettledRule& rule) { return rule.name == "EXRULE"sv; };
     if (!entry().excluded.empty() &&
         std::any_of(settled_.rules.begin(), settled_.rules.end(), isException))
         dropListedExceptions();
@@ -154,7 +154,7 @@ void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
 
 void VCalSettling::reportStatus() {
     for (const EntryProperty& each : entry().properties)
-        if (each.name == "STATUS" && equalsIgnoreCase(each.value(), "CANCELLED"))
+        if (each.name == "STATUS"sv && equalsIgnoreCase(each.value(), "CANCELLED"))
             addNote(NoteCode::CancellationKept, each.line, {"X-ICAL-STATUS"});
 }
 

@@ -184,9 +184,9 @@ CalendarReader::Item CalendarReader::endFile() {
 std::optional<CalendarReader::Item> CalendarReader::takeOutside() {
     if (line_.id == PropertyName::Begin) {
         const std::string name = componentName(line_);
-        if (name == "VCALENDAR") return beginCalendar(false);
+        if (name == "VCALENDAR"sv) return beginCalendar(false);
         if (isTopEntry(name)) {
-            if (name != "VNOTE") report(NoteCode::EntryOutsideCalendar, line_.number, {name});
+            if (name != "VNOTE"sv) report(NoteCode::EntryOutsideCalendar, line_.number, {name});
             return beginCalendar(true);
         }
     }
@@ -226,13 +226,13 @@ CalendarReader::Item CalendarReader::endCalendar() {
 std::optional<CalendarReader::Item> CalendarReader::takeInCalendar() {
     if (line_.id == PropertyName::End) {
         const std::string name = componentName(line_);
-        if (name == "VCALENDAR" || name.empty()) return endCalendar();
+        if (name == "VCALENDAR"sv || name.empty()) return endCalendar();
         report(NoteCode::EndWithoutBegin, line_.number, {head(name)});
         return std::nullopt;
     }
     if (line_.id == PropertyName::Begin) {
         std::string name = componentName(line_);
-        if (name != "VCALENDAR") {
+        if (name != "VCALENDAR"sv) {
             beginEntry(std::move(name));
             return std::nullopt;
         }
@@ -257,7 +257,7 @@ void CalendarReader::beginEntry(std::string name) {
     component_.children.clear();
     component_.name = std::move(name);
     component_.number = line_.number;
-    inZone_ = component_.name == "VTIMEZONE";
+    inZone_ = component_.name == "VTIMEZONE"sv;
     entrySize_ = 0;
     entryFull_ = false;
     skippedDepth_ = 0;
@@ -281,7 +281,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeInEntry() {
     }
     const std::string name = componentName(line_);
     if (line_.id == PropertyName::End) return takeEnd(name);
-    if (name == "VCALENDAR" || isTopEntry(name)) {
+    if (name == "VCALENDAR"sv || isTopEntry(name)) {
         reportUnclosed(NoteCode::ComponentNotClosedBeforeNext, name);
         pending_ = true;
         return endEntry();
@@ -305,7 +305,7 @@ void CalendarReader::beginChild(const std::string& name) {
 }
 
 std::optional<CalendarReader::Item> CalendarReader::takeEnd(const std::string& name) {
-    if (skippedDepth_ > 0 && name != "VCALENDAR") {
+    if (skippedDepth_ > 0 && name != "VCALENDAR"sv) {
         --skippedDepth_;
         return std::nullopt;
     }
@@ -318,7 +318,7 @@ std::optional<CalendarReader::Item> CalendarReader::takeEnd(const std::string& n
         if (open_.empty()) return Item::Entry;
         return std::nullopt;
     }
-    if (name == "VCALENDAR") {
+    if (name == "VCALENDAR"sv) {
         reportUnclosed(NoteCode::ComponentNotClosedInCalendar);
         pending_ = true;
         return endEntry();

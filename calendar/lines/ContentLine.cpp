@@ -63,10 +63,12 @@ std::string_view nextParameter(std::string_view& head) {
     return parameter;
 }
 
-// Takes quotes off and undoes RFC 6868: ^n, ^' and ^^.
-std::string parameterValue(std::string_view text) {
-    if (!hasAny<'"', '^'>(text)) return std::string(text);
-    std::string value;
+// Adds a value without its quotes, and undoes RFC 6868: ^n, ^' and ^^.
+void addParameterValue(std::string& value, std::string_view text) {
+    if (!hasAny<'"', '^'>(text)) {
+        value.append(text);
+        return;
+    }
     for (std::size_t at = 0; at < text.size(); ++at) {
         if (text[at] == '"') continue;
         if (text[at] == '^' && at + 1 < text.size()) {
@@ -79,22 +81,21 @@ std::string parameterValue(std::string_view text) {
         }
         value += text[at];
     }
-    return value;
 }
 
 void takeParameters(std::string_view head, ContentLine& line) {
     constexpr std::size_t kUsual = 4;
     line.parameters.reserve(kUsual);
     while (!head.empty()) {
-        const std::string_view parameter = nextParameter(head);
-        const std::size_t equals = parameter.find('=');
-        if (trimmed(parameter).empty()) continue;
-        if (equals == std::string_view::npos) {
-            line.parameters.push_back({"", parameterValue(trimmed(parameter))});
-        } else {
-            line.parameters.push_back({upper(trimmed(parameter.substr(0, equals))),
-                                       parameterValue(trimmed(parameter.substr(equals + 1)))});
+        std::string_view value = trimmed(nextParameter(head));
+        if (value.empty()) continue;
+        Parameter& parameter = line.parameters.emplace_back();
+        if (const std::size_t equals = value.find('='); equals != std::string_view::npos) {
+            parameter.name.append(trimmed(value.substr(0, equals)));
+            for (char& c : parameter.name) c = toUpper(c);
+            value = trimmed(value.substr(equals + 1));
         }
+        addParameterValue(parameter.value, value);
     }
 }
 
@@ -107,7 +108,9 @@ void takeRestOfZone(ContentLine& line) {
         return;
     std::string_view rest = line.value.substr(0, last);
     line.value.remove_prefix(last + 1);
-    line.parameters.back().value += ":" + parameterValue(trimmed(nextParameter(rest)));
+    std::string& zone = line.parameters.back().value;
+    zone += ':';
+    addParameterValue(zone, trimmed(nextParameter(rest)));
     takeParameters(rest, line);
 }
 
@@ -115,7 +118,7 @@ void takeRestOfZone(ContentLine& line) {
 void takeHead(std::string_view head, ContentLine& line) {
     if (head.empty()) return;
     takeParameters(head, line);
-    if (!line.parameters.empty() && line.parameters.back().name == "TZID") takeRestOfZone(line);
+    if (!line.parameters.empty() && line.parameters.back().name == "TZID"sv) takeRestOfZone(line);
 }
 
 // Takes the group off a name, "item1.SUMMARY", where a property of calendars is left.

@@ -17,7 +17,7 @@ bool hasEncoding(const ContentLine& line, std::string_view encoding) {
     return std::any_of(
         line.parameters.begin(), line.parameters.end(),
         [encoding](const Parameter& each) {
-            return (each.name.empty() || each.name == "ENCODING") &&
+            return (each.name.empty() || each.name == "ENCODING"sv) &&
                    equalsIgnoreCase(each.value, encoding);
         });
 }
@@ -34,12 +34,13 @@ bool isEncoded(const ContentLine& line) {
 }
 
 bool isPlainText(const ContentLine& line) {
-    return isPrintableAscii(line.value) &&
-           std::none_of(
-               line.parameters.begin(), line.parameters.end(),
-               [](const Parameter& each) {
-                   return each.name.empty() || each.name == "ENCODING" || each.name == "CHARSET";
-               });
+    return isPrintableAscii(line.value) && std::none_of(
+                                               line.parameters.begin(), line.parameters.end(),
+                                               [](const Parameter& each) {
+                                                   return each.name.empty() ||
+                                                          each.name == "ENCODING"sv ||
+                                                          each.name == "CHARSET"sv;
+                                               });
 }
 
 std::string unlabelledText(const ContentLine& line) {
