@@ -85,33 +85,24 @@ void addParameter(std::string& out, const Parameter& parameter) {
     }
 }
 
-// The characters of a text that must be escaped or looked at in a value.
-enum : unsigned char { kEscape = 1, kOther = 2 };
-constexpr auto kTextCharacters = [] {
-    std::array<unsigned char, 256> table{};
-    for (std::size_t each = 0; each < table.size(); ++each)
-        if (each < ' ' || each > '~') table[each] = kOther;
-    for (const char c : {'\\', ';', ','}) table[static_cast<unsigned char>(c)] = kEscape;
+// The characters of a text that are neither escaped nor left out.
+constexpr auto kReadyCharacters = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t each = ' '; each <= '~'; ++each)
+        table[each] = each != '\\' && each != ';' && each != ',';
     return table;
 }();
 
-// Which of them a text has.
-unsigned charactersOf(std::string_view text) {
+bool needsNoEscape(std::string_view text) {
     constexpr std::size_t kShort = 16;
-    unsigned found = 0;
-    if (text.size() < kShort) {
-        for (const char c : text) found |= kTextCharacters[static_cast<unsigned char>(c)];
-        return found;
-    }
-    if (!isPrintableAscii(text)) found |= kOther;
-    if (hasAny<'\\', ';', ','>(text)) found |= kEscape;
-    return found;
+    if (text.size() >= kShort) return isPrintableAscii(text) && !hasAny<'\\', ';', ','>(text);
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return kReadyCharacters[static_cast<unsigned char>(c)]; });
 }
 
 // True for a value that is written as it is.
 bool isReady(std::string_view value, Value how) {
-    const unsigned found = charactersOf(value);
-    return found == 0 || (found == kEscape && how == Value::AsItIs);
+    return how == Value::AsItIs ? isPrintableAscii(value) : needsNoEscape(value);
 }
 
 // A value that was copied from the input can contain anything. A line end within it would begin
