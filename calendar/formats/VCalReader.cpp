@@ -107,7 +107,7 @@ void VCalReader::takeList(const ContentLine& line) {
 
 void VCalReader::takeClass(const ContentLine& line) {
     const std::string value = upper(trimmed(text(line)));
-    if (value == "PUBLIC" || value == "PRIVATE" || value == "CONFIDENTIAL")
+    if (value == "PUBLIC"sv || value == "PRIVATE"sv || value == "CONFIDENTIAL"sv)
         add(line, line.name, EntryProperty::Type::Text, value, parametersFromVCalendar(line));
     else if (!value.empty())
         carry(line, NoteCode::EntryClassUnknown, value);

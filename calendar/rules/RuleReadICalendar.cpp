@@ -141,16 +141,12 @@ class PartReader {
     void dropOrdinals() {
         const bool byWeek = !rule_.weekNumbers.empty();
         if (rule_.frequency == Frequency::Monthly ||
-            (rule_.frequency == Frequency::Yearly && !byWeek))
+            (rule_.frequency == Frequency::Yearly && !byWeek) || !anyPosition(rule_.days))
             return;
         std::vector<RuleDay> days;
-        bool dropped = false;
-        for (const RuleDay& day : rule_.days) {
-            dropped = dropped || day.position != 0;
-            addOnce(days, {0, day.weekday});
-        }
-        rule_.days = days;
-        if (dropped) reading_.notes.emplace_back(NoteCode::RulePositionsIgnored);
+        for (const RuleDay& day : rule_.days) addOnce(days, {0, day.weekday});
+        rule_.days = std::move(days);
+        reading_.notes.emplace_back(NoteCode::RulePositionsIgnored);
     }
 
     // A weekday on one of the days 8 to 14 is the second one of its month. Records and

@@ -221,18 +221,23 @@ void addNumber(std::string& text, int number, bool plus = false) {
         text += '+';
 }
 
-// " 1+ MO TU 2- SU": each position once, with its weekdays from Sunday to Saturday.
+// " MO TU": those with the position, from Sunday to Saturday.
+void addWeekdays(std::string& text, const std::vector<RuleDay>& days, int position) {
+    for (int weekday = 1; weekday <= 7; ++weekday) {
+        if (std::find(days.begin(), days.end(), RuleDay{position, weekday}) == days.end()) continue;
+        text += ' ';
+        text += weekdayCode(weekday);
+    }
+}
+
+// " 1+ MO TU 2- SU": each position once, with its weekdays.
 void addDays(std::string& text, const std::vector<RuleDay>& days) {
+    if (!anyPosition(days)) return addWeekdays(text, days, 0);
     std::vector<int> positions;
     for (const RuleDay& day : days) addOnce(positions, day.position);
     for (const int position : positions) {
         if (position != 0) addNumber(text, position, true);
-        for (int weekday = 1; weekday <= 7; ++weekday) {
-            if (std::find(days.begin(), days.end(), RuleDay{position, weekday}) == days.end())
-                continue;
-            text += ' ';
-            text += weekdayCode(weekday);
-        }
+        addWeekdays(text, days, position);
     }
 }
 
@@ -241,12 +246,22 @@ std::string writeShape(const Rule& shape, const std::optional<RuleStart>& start)
     std::string text(codeOf(shape));
     text += std::to_string(shape.interval);
     addDays(text, shape.days);
-    for (const auto list : {&Rule::monthDays, &Rule::yearDays, &Rule::months})
+    for (const auto list : {&Rule::monthDays, &Rule::yearDays, &Rule::months}) {
+        if ((shape.*list).empty()) continue;
         for (const int number : inCalendarOrder(shape.*list)) addNumber(text, number);
-    if (shape.until.empty()) return text + " #" + std::to_string(shape.count);
+    }
+    if (shape.until.empty()) {
+        text += " #";
+        text += std::to_string(shape.count);
+        return text;
+    }
+    text += ' ';
     // Phones expect a date-time even where the series has no time of day.
-    const bool isDate = shape.until.size() == 8 || (start && start->isDate);
-    return text + " " + (isDate ? shape.until.substr(0, 8) + "T000000" : shape.until);
+    if (shape.until.size() == 8 || (start && start->isDate))
+        text.append(shape.until, 0, 8).append("T000000");
+    else
+        text += shape.until;
+    return text;
 }
 
 // True where no list of the rule has items but `list`; without one, its weekdays may.
