@@ -575,6 +575,7 @@ void EntryReader::readRuleLines() {
 }
 
 void EntryReader::settleUntil(Rule& rule, const ContentLine& line) {
+    if (rule.until.empty()) return;
     const Moment& start = *entry_.start;
     const auto until = parseMoment(rule.until);
     if (!until || until->isDate || (entry_.zone == nullptr && until->clock != start.clock)) return;

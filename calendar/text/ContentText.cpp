@@ -119,6 +119,15 @@ void addWithoutControls(std::string& out, std::string_view value) {
     }
 }
 
+std::string withCarriageReturns(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        if (c == '\n') result += '\r';
+        result += c;
+    }
+    return result;
+}
+
 // Adds a line of known length that is written as it is.
 void addShort(std::string& out, std::string_view name, std::string_view value,
               std::string_view lineEnd) {
@@ -228,11 +237,8 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
     if (!isAscii(value)) out += ";CHARSET=UTF-8";
     out += ";ENCODING=QUOTED-PRINTABLE:";
     std::string text;
-    for (const char c : value) {
-        if (c == '\n') text += '\r';
-        text += c;
-    }
-    out += quotedPrintable(text, out.size() - begin);
+    if (value.find('\n') != std::string_view::npos) value = text = withCarriageReturns(value);
+    out += quotedPrintable(value, out.size() - begin);
 }
 
 std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
