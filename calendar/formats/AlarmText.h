@@ -39,7 +39,7 @@ void addICalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm,
 // the entry lacks.
 [[nodiscard]] std::optional<Moment> vCalendarAlarmTime(const Entry& entry, const Alarm& alarm);
 
-// Adds the alarm's line of vCalendar 1.0; the last line is not ended.
+// Adds the alarm's line of vCalendar 1.0, ended.
 // REQUIRES: vCalendarAlarmTime() gives one.
 void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm);
 

@@ -71,7 +71,6 @@ void VCalEntry::addNoteLines() {
 void VCalEntry::line(LineName name, const std::vector<Parameter>& parameters,
                      std::string_view value) {
     addVCalendarLine(lines_, name, parameters, value);
-    lines_ += "\r\n";
 }
 
 void VCalEntry::addUid() {
@@ -275,7 +274,6 @@ void VCalEntry::addBytes(std::string_view name, const EntryProperty& property) {
     parameters.push_back({"VALUE", "INLINE"});
     parameters.push_back({"ENCODING", "BASE64"});
     lines_ += vCalendarBase64(name, parameters, property.value());
-    lines_ += "\r\n";
 }
 
 void VCalEntry::addAttachment(const EntryProperty& property) {
@@ -293,10 +291,7 @@ void VCalEntry::addAttachment(const EntryProperty& property) {
 }
 
 void VCalEntry::addAlarms() {
-    for (const Alarm& alarm : entry_.alarms) {
-        addVCalendarAlarm(lines_, entry_, alarm);
-        lines_ += "\r\n";
-    }
+    for (const Alarm& alarm : entry_.alarms) addVCalendarAlarm(lines_, entry_, alarm);
 }
 
 }  // namespace qel::calendar

@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::size_t kWidth = 75;
 constexpr std::size_t kLongestPlain = 990;
+constexpr std::string_view kLineEnd = "\r\n";
 
 // A character in the form that a name allows: a capital, a digit or "-".
 constexpr char nameCharacter(char c) {
@@ -128,15 +129,14 @@ std::string withCarriageReturns(std::string_view text) {
     return result;
 }
 
-// Adds a line of known length that is written as it is.
-void addShort(std::string& out, std::string_view name, std::string_view value,
-              std::string_view lineEnd) {
+// Adds a line of known length that is written as it is, and ends it.
+void addShort(std::string& out, std::string_view name, std::string_view value) {
     const std::size_t begin = out.size();
-    out.resize(begin + name.size() + 1 + value.size() + lineEnd.size());
+    out.resize(begin + name.size() + 1 + value.size() + kLineEnd.size());
     char* at = std::copy(name.begin(), name.end(), out.data() + begin);
     *at++ = ':';
     at = std::copy(value.begin(), value.end(), at);
-    std::copy(lineEnd.begin(), lineEnd.end(), at);
+    std::copy(kLineEnd.begin(), kLineEnd.end(), at);
 }
 
 void addUnfolded(std::string& out, LineName name, const std::vector<Parameter>& parameters,
@@ -176,7 +176,7 @@ void addICalendarLine(std::string& out, LineName name, const std::vector<Paramet
                       std::string_view value, Value how) {
     if (name.known() && parameters.empty() && name.text().size() + 1 + value.size() <= kWidth &&
         isReady(value, how))
-        return addShort(out, name.text(), value, "\r\n");
+        return addShort(out, name.text(), value);
     const std::size_t begin = out.size();
     addUnfolded(out, name, parameters, value, how);
     if (out.size() - begin > kWidth) {
@@ -211,7 +211,7 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
     const bool bare = printable && (value.empty() || (value.front() != ' ' && value.back() != ' '));
     if (name.known() && bare && parameters.empty() &&
         name.text().size() + 1 + value.size() <= kWidth)
-        return addShort(out, name.text(), value, "");
+        return addShort(out, name.text(), value);
     std::string converted;
     if (!printable && !isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
     const std::size_t begin = out.size();
@@ -232,6 +232,7 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
     if (bare && out.size() - begin + 1 + value.size() <= room) {
         out += ':';
         out += value;
+        out += kLineEnd;
         return;
     }
     if (!isAscii(value)) out += ";CHARSET=UTF-8";
@@ -239,12 +240,14 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
     std::string text;
     if (value.find('\n') != std::string_view::npos) value = text = withCarriageReturns(value);
     out += quotedPrintable(value, out.size() - begin);
+    out += kLineEnd;
 }
 
 std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
                           std::string_view value) {
     std::string line;
     addVCalendarLine(line, name, parameters, value);
+    line.resize(line.size() - kLineEnd.size());
     return line;
 }
 
@@ -258,8 +261,9 @@ std::string vCalendarBase64(std::string_view name, const std::vector<Parameter>&
     for (std::size_t at = 0; at < value.size(); at += kLine) {
         text += "  ";
         text += value.substr(at, kLine);
-        text += "\r\n";
+        text += kLineEnd;
     }
+    text += kLineEnd;
     return text;
 }
 

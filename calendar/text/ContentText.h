@@ -44,14 +44,15 @@ void addFolded(std::string& out, std::string_view line);
 [[nodiscard]] std::string unfolded(std::string_view lines);
 
 // Adds a vCalendar 1.0 property with a text value: one line, or several with quoted-printable soft
-// line breaks. The last one is not ended.
+// line breaks. Every line is ended.
 void addVCalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
                       std::string_view value);
+// The same by itself; the last line is not ended.
 [[nodiscard]] std::string vCalendarLine(std::string_view name,
                                         const std::vector<Parameter>& parameters,
                                         std::string_view value);
-// A vCalendar 1.0 property with a Base64 value, which is written on lines of its own. Every line is
-// ended.
+// A vCalendar 1.0 property with a Base64 value, which is written on lines of its own, and the empty
+// line after them. Every line is ended.
 [[nodiscard]] std::string vCalendarBase64(std::string_view name,
                                           const std::vector<Parameter>& parameters,
                                           std::string_view value);
