@@ -431,8 +431,8 @@ void EntryReader::takeBytes(const ContentLine& line) {
 
 void EntryReader::takeUid(const ContentLine& line) {
     const std::string_view uid = text(line);
-    if (!entry_.uid.empty() && !trimmed(uid).empty())
-        return carry(line, NoteCode::EntryUidTwice, uid);
+    if (trimmed(uid).empty()) return;
+    if (!entry_.uid.empty()) return carry(line, NoteCode::EntryUidTwice, uid);
     entry_.uid = trimmed(ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid)
                                                            : unescapeVCalendar(uid));
 }
