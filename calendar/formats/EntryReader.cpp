@@ -56,6 +56,16 @@ bool isDegrees(std::string_view text, int most) {
     return number < most || (number == most && text.find_first_not_of('0') == text.npos);
 }
 
+// iCalendar demands digits on both sides of a point.
+std::string withDigits(std::string_view degrees) {
+    std::string text(degrees);
+    const std::size_t point = text.find('.');
+    if (point == std::string::npos) return text;
+    if (point + 1 == text.size()) text.pop_back();
+    if (point == 0 || !isDigit(text[point - 1])) text.insert(point, 1, '0');
+    return text;
+}
+
 }  // namespace
 
 void dropBlankItems(std::vector<std::string>& items) {
@@ -642,9 +652,8 @@ void EntryReader::takePosition(const ContentLine& line, std::vector<Parameter> p
     const bool asICalendar = isDegrees(first, kMostLatitude) && isDegrees(second, kMostLongitude);
     if (!asICalendar && !(isDegrees(first, kMostLongitude) && isDegrees(second, kMostLatitude)))
         return carry(line, NoteCode::EntryPositionInvalid, value);
-    std::string position(asICalendar ? first : second);
-    position += ';';
-    position += asICalendar ? second : first;
+    const std::string position =
+        withDigits(asICalendar ? first : second) + ';' + withDigits(asICalendar ? second : first);
     const bool changed = ruleForm() == RuleForm::VCalendar10 || !asICalendar;
     if (changed && !std::exchange(reportedOrder_, true))
         report(
