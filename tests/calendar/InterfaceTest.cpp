@@ -419,6 +419,181 @@ TEST(Interface, NullHandlesAreAnswered) {
     qelcal_rules_free(nullptr);
 }
 
+int QELCALENDAR_CALL ignore(void*, const char*, std::size_t) {
+    return 0;
+}
+
+int QELCALENDAR_CALL ignoreDate(void*, const qelcal_time*) {
+    return 0;
+}
+
+TEST(Interface, EveryFieldOfATimeIsChecked) {
+    const qelcal::Rules rules("D1 #3", Time::read("20050615"));
+    const std::string text = calendarOf({"DTSTART:20050615T090000Z\r\n"});
+    qelcal::Reader reader;
+    reader.write(text.data(), text.size());
+    const qelcal::Entry entry = reader.next();
+    qelcal_time good = Time::read("20050615T090000");
+    char written[QELCAL_TIME_SIZE];
+    qelcal_rules* read = nullptr;
+    for (const auto field :
+         {&qelcal_time::year, &qelcal_time::month, &qelcal_time::day, &qelcal_time::hour,
+          &qelcal_time::minute, &qelcal_time::second, &qelcal_time::clock})
+        for (const int value : {-1, 10000}) {
+            qelcal_time bad = good;
+            bad.*field = value;
+            for (const int refused :
+                 {qelcal_time_write(&bad, written), qelcal_time_add(&bad, 1, &good),
+                  qelcal_rules_read("D1 #3", QELCAL_FORM_ANY, &bad, &read),
+                  qelcal_rules_dates(rules.get(), 0, &bad, nullptr, 0, ignoreDate, nullptr),
+                  qelcal_rules_dates(rules.get(), 0, nullptr, &bad, 0, ignoreDate, nullptr),
+                  qelcal_entry_occurrences(entry.get(), &bad, nullptr, 0, ignoreDate, nullptr),
+                  qelcal_entry_occurrences(entry.get(), nullptr, &bad, 0, ignoreDate, nullptr),
+                  qelcal_entry_to_utc(entry.get(), &bad, &good)})
+                EXPECT_EQ(refused, QELCAL_INVALID_ARGUMENT);
+        }
+    EXPECT_EQ(qelcal_time_add(&good, -std::int64_t{800000} * 86400, &good),
+              QELCAL_INVALID_ARGUMENT);
+}
+
+TEST(Interface, EveryArgumentIsChecked) {
+    qelcal_time time = Time::read("20050615T090000");
+    std::int64_t number = 0;
+    std::size_t count = 0;
+    qelcal_rules* read = nullptr;
+    const qelcal::Rules rules("D1 #3", time);
+    const std::unique_ptr<qelcal_reader, decltype(&qelcal_reader_free)> readerOwner(
+        qelcal_reader_new(), &qelcal_reader_free);
+    qelcal_reader* reader = readerOwner.get();
+    const std::unique_ptr<qelcal_converter, decltype(&qelcal_converter_free)> converterOwner(
+        qelcal_converter_new(QELCAL_OTHER, nullptr, nullptr), &qelcal_converter_free);
+    qelcal_converter* converter = converterOwner.get();
+    const std::unique_ptr<qelcal_converter, decltype(&qelcal_converter_free)> partOwner(
+        qelcal_converter_part(converter), &qelcal_converter_free);
+    qelcal_converter* part = partOwner.get();
+    qelcal::Report page([](const char*, std::size_t) {});
+    const qelcal::Report other([](const char*, std::size_t) {});
+    qelcal_report* report = page.get();
+    ASSERT_EQ(qelcal_report_add_file(report, "one"), QELCAL_OK);
+    const int zones = static_cast<int>(qelcal_zone_count());
+    const int refused[] = {
+        qelcal_time_read("20050615", nullptr),
+        qelcal_time_write(&time, nullptr),
+        qelcal_time_add(&time, 1, nullptr),
+        qelcal_duration_read("P1D", nullptr),
+        qelcal_zone_find("Berlin", nullptr),
+        qelcal_zone_to_utc(zones + 1, 0, &number, nullptr),
+        qelcal_zone_to_utc(1, -1, &number, nullptr),
+        qelcal_zone_offset(-1, 0, &number),
+        qelcal_zone_offset(1, Time::read("25000101").seconds(), &number),
+        qelcal_zone_changes(-1, 2005, nullptr, 0, &count),
+        qelcal_zone_changes(1, 2005, nullptr, 0, nullptr),
+        qelcal_zone_changes(1, 2005, nullptr, 1, &count),
+        qelcal_text_to_utf8("utf-8", "a", 1, nullptr, nullptr, nullptr),
+        qelcal_text_to_utf8("utf-8", nullptr, 1, ignore, nullptr, nullptr),
+        qelcal_printable(nullptr, 1, 0, ignore, nullptr),
+        qelcal_rules_read("D1", QELCAL_FORM_ANY, nullptr, nullptr),
+        qelcal_rules_read("D1", 99, nullptr, &read),
+        qelcal_rules_read_counting("D1", QELCAL_FORM_ANY, nullptr, "weeks", &read),
+        qelcal_rules_record(rules.get(), 0, 0, nullptr, nullptr),
+        qelcal_rules_dates(rules.get(), 0, nullptr, nullptr, 0, nullptr, nullptr),
+        qelcal_reader_scan(reader, nullptr, 1),
+        qelcal_reader_write(reader, nullptr, 1),
+        qelcal_reader_next(reader, nullptr),
+        qelcal_reader_choose(reader, 99, ""),
+        qelcal_reader_choose(reader, QELCAL_CHOOSE_ZONE, "Atlantis"),
+        qelcal_reader_choose(reader, QELCAL_CHOOSE_DISTINCT_UIDS, "maybe"),
+        qelcal_converter_choose(converter, QELCAL_CHOOSE_ONLY, "events,dreams"),
+        qelcal_converter_join(converter, nullptr),
+        qelcal_converter_join(converter, converter),
+        qelcal_converter_join(part, part),
+        qelcal_converter_on_note(part, nullptr, nullptr),
+        qelcal_converter_on_entry(part, nullptr, nullptr, 0),
+        qelcal_converter_scan(converter, nullptr, 1),
+        qelcal_converter_write(converter, nullptr, 1),
+        qelcal_converter_counts(converter, nullptr),
+        qelcal_report_week_start(report, 0),
+        qelcal_report_week_start(report, 8),
+        qelcal_report_add_file(report, nullptr),
+        qelcal_report_join(report, nullptr),
+        qelcal_report_join(report, report),
+        qelcal_report_join(report, other.get()),
+        qelcal_report_result(report, 0, nullptr, ""),
+        qelcal_report_result(report, 0, "", nullptr),
+        qelcal_report_finish(report, nullptr, ignore, nullptr),
+        qelcal_report_finish(report, "", nullptr, nullptr)};
+    for (std::size_t i = 0; i < std::size(refused); ++i)
+        EXPECT_EQ(refused[i], QELCAL_INVALID_ARGUMENT) << "the call with number " << i;
+    EXPECT_EQ(qelcal_converter_part(part), nullptr);
+    EXPECT_EQ(qelcal_converter_new(QELCAL_OTHER - 1, ignore, nullptr), nullptr);
+    EXPECT_EQ(qelcal_reader_choose(reader, QELCAL_CHOOSE_CHARSET, "no-such-set"),
+              QELCAL_UNKNOWN_NAME);
+    // Nothing of nothing is allowed, and a choice without a value is the usual one.
+    for (const int done :
+         {qelcal_reader_choose(reader, QELCAL_CHOOSE_COUNT_MEANS, "dates"),
+          qelcal_reader_choose(reader, QELCAL_CHOOSE_ONLY, "todos,notes"),
+          qelcal_reader_choose(reader, QELCAL_CHOOSE_DISTINCT_UIDS, nullptr),
+          qelcal_reader_choose(reader, QELCAL_CHOOSE_DISTINCT_UIDS, "no"),
+          qelcal_reader_scan(reader, nullptr, 0), qelcal_reader_write(reader, nullptr, 0),
+          qelcal_text_to_utf8("utf-8", nullptr, 0, ignore, nullptr, nullptr),
+          qelcal_printable(nullptr, 0, 0, ignore, nullptr),
+          qelcal_zone_to_utc(1, 0, &number, nullptr)})
+        EXPECT_EQ(done, QELCAL_OK);
+    EXPECT_EQ(qelcal_is_utf8(nullptr, 0) + qelcal_is_utf8(nullptr, 1), 1);
+    EXPECT_EQ(qelcal_zone_knows(1, 1) + qelcal_zone_knows(-1, 2005) + qelcal_charset_known(nullptr),
+              0);
+    EXPECT_STREQ(qelcal_kind_text(-1), "");
+    EXPECT_EQ(qelcal_converter_target(nullptr), QELCAL_OTHER);
+    int replaced = 2;
+    EXPECT_EQ(qelcal_text_to_utf8("ascii", "\xE9", 1, ignore, nullptr, &replaced), QELCAL_OK);
+    EXPECT_EQ(replaced, 1);
+}
+
+TEST(Interface, CallsOutOfOrderAreRefused) {
+    const std::string phone = phoneFile();
+    qelcal::Reader reader;
+    reader.scan(phone.data(), phone.size());
+    EXPECT_THROW(reader.choose(QELCAL_CHOOSE_ZONE, "Europe/Berlin"), qelcal::Error);
+    reader.end();
+    EXPECT_THROW(reader.choose(QELCAL_CHOOSE_ZONE, ""), qelcal::Error);
+    EXPECT_THROW(reader.write(phone.data(), 1), qelcal::Error);
+    const auto nothing = [](const char*, std::size_t) {};
+    qelcal::Report report(nothing);
+    qelcal::Report done(nothing);
+    done.finish("", nothing);
+    qelcal::Report part = report.part();
+    qelcal::Converter converter(QELCAL_OTHER, {});
+    EXPECT_EQ(converter.target(), QELCAL_OTHER);
+    converter.reportTo(nullptr);
+    EXPECT_THROW(converter.reportTo(&done), qelcal::Error);
+    EXPECT_THROW(done.finish("", nothing), qelcal::Error);
+    EXPECT_THROW(done.addFile("a"), qelcal::Error);
+    EXPECT_THROW(done.join(part), qelcal::Error);
+    converter.reportTo(&report);
+    converter.beginFile("a");
+    EXPECT_THROW(converter.choose(QELCAL_CHOOSE_ZONE, ""), qelcal::Error);
+    converter.write(phone.data(), phone.size());
+    EXPECT_THROW(converter.reportTo(nullptr), qelcal::Error);
+    EXPECT_THROW(converter.onEntry([](const qelcal::Converted&) {}, false), qelcal::Error);
+    EXPECT_THROW(report.addFile("b"), qelcal::Error);
+    EXPECT_THROW(report.join(part), qelcal::Error);
+    EXPECT_THROW(report.finish("", nothing), qelcal::Error);
+    // While its file is open, nobody else's goes into the report.
+    qelcal::Converter second(QELCAL_VCALENDAR, {});
+    second.reportTo(&report);
+    qelcal::Converter files = second.part();
+    files.beginFile("b");
+    files.endFile();
+    EXPECT_THROW(second.join(files), qelcal::Error);
+    EXPECT_THROW(converter.join(files), qelcal::Error);
+    converter.endFile();
+    EXPECT_EQ(converter.target(), QELCAL_ICALENDAR);
+    second.join(files);
+    report.join(part);
+    EXPECT_THROW(report.join(part), qelcal::Error);
+    report.finish("", nothing);
+}
+
 TEST(Interface, ConvertersRefuseCallsOutOfOrder) {
     EXPECT_EQ(qelcal_converter_new(99, nullptr, nullptr), nullptr);
     const std::string phone = phoneFile();

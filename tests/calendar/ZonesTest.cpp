@@ -82,5 +82,26 @@ TEST(Zones, OfEntries) {
     }
 }
 
+// A name that says the offset alone is that of a phone's lines, which say it too.
+TEST(Zones, NamesOfTheirOwnGoToAPhone) {
+    for (const auto& [name, own] : {std::pair("TZ+0100", false),
+                                    {"TZ-0530", false},
+                                    {"TZ-0530-0123abcd", false},
+                                    {"TZ-Home", true},
+                                    {"UT+0100", true},
+                                    {"TZ10100", true},
+                                    {"TZ+010", true}}) {
+        const std::string id(name);
+        const Conversion result = toVCalendar(
+            "BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VTIMEZONE\nTZID:" + id +
+            "\nBEGIN:STANDARD\nDTSTART:19700101T000000\nTZOFFSETFROM:-0530\nTZOFFSETTO:-0530\n"
+            "END:STANDARD\nEND:VTIMEZONE\nBEGIN:VEVENT\nDTSTART;TZID=" +
+            id + ":20050601T090000\nEND:VEVENT\nEND:VCALENDAR\n");
+        EXPECT_NE(result.out.find("TZ:-05:30\r\n"), std::string::npos) << result.out;
+        EXPECT_EQ(result.out.find("X-ICAL-TZID:" + id + "\r\n") != std::string::npos, own)
+            << result.out;
+    }
+}
+
 }  // namespace
 }  // namespace qel::test

@@ -85,6 +85,10 @@ TEST_F(ConvertFolders, ResultsBesideWhatWasNamed) {
     const ProcessResult defaults = run({"convert", file}, settings);
     EXPECT_FALSE(contains(defaults.out, "BEGIN:VEVENT"));
     EXPECT_TRUE(contains(defaults.err, "[convrt]"));
+    writeFile(state_.file("qelutil.toml"), "[convert]\nthreads = 2\n");
+    EXPECT_EQ(run({"convert", file, file}, settings).exitCode, 0);
+    writeFile(state_.file("qelutil.toml"), "[convert]\nthreads = 65\n");
+    EXPECT_TRUE(contains(run({"convert", file}, settings).err, "qelutil.toml: threads: "));
     writeFile(state_.file("qelutil.toml"), "[convert]\nto = \"doc\"\n");
     EXPECT_TRUE(contains(run({"convert", file}, settings).err, "qelutil.toml: to: doc"));
     EXPECT_EQ(run({"convert", "--help"}, settings).exitCode, 0);
