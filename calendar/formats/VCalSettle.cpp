@@ -144,11 +144,16 @@ void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
             moment.day = day;
             if (moment != *changed.start || owner.exclude) list.push_back(moment);
         }
-        addNote(NoteCode::RuleAsDates, owner.line, {reason, text, std::to_string(days.size())});
+        addNote(NoteCode::RuleAsDates, owner.line,
+                {reason, text, std::to_string(days.size()),
+                 owner.exclude ? "the exceptions are" : "the repetition is"});
         return;
     }
     const std::string_view name = owner.exclude ? "X-ICAL-EXRULE" : "X-ICAL-RRULE";
-    addNote(NoteCode::RuleKeptForICalendar, owner.line, {reason, text, name});
+    addNote(
+        NoteCode::RuleKeptForICalendar, owner.line,
+        {reason, text, name,
+         owner.exclude ? "dates that the series leaves out show" : "the entry does not repeat"});
     settled_.rules.push_back({name, std::move(text)});
 }
 
