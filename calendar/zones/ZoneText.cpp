@@ -157,9 +157,13 @@ VCalendarZone vCalendarZone(const Zone& zone, int first, int last, int until) {
 }
 
 bool hasOwnName(const Zone& zone) {
-    const std::string& id = zone.id();
-    return !(id.size() >= 7 && id.starts_with("TZ") && (id[2] == '+' || id[2] == '-') &&
-             allDigits(std::string_view(id).substr(3, 4)));
+    const std::string_view id = zone.id();
+    if (!id.starts_with("TZ+") && !id.starts_with("TZ-")) return true;
+    const std::size_t digits = std::min(id.find_first_not_of("0123456789", 3), id.size()) - 3;
+    // A digest of the DAYLIGHT lines may follow the offset.
+    const std::string_view rest = id.substr(3 + digits);
+    const bool madeUp = rest.empty() || (rest.size() == 9 && rest.front() == '-');
+    return !madeUp || (digits != 4 && digits != 6);
 }
 
 }  // namespace qel::calendar

@@ -88,6 +88,7 @@ TEST(Zones, NamesOfTheirOwnGoToAPhone) {
                                     {"TZ-0530", false},
                                     {"TZ-0530-0123abcd", false},
                                     {"TZ-Home", true},
+                                    {"TZ+0100 Home", true},
                                     {"UT+0100", true},
                                     {"TZ10100", true},
                                     {"TZ+010", true}}) {
