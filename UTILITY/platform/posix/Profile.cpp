@@ -36,22 +36,37 @@ std::string_view unquote(std::string_view value) noexcept {
     return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
+// A file that is closed however its reader ends.
+class OpenFile {
+  public:
+    explicit OpenFile(const char* path) noexcept
+        : handle_(open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {}
+    ~OpenFile() {
+        if (handle_ >= 0) close(handle_);
+    }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    [[nodiscard]] int get() const noexcept { return handle_; }
+
+  private:
+    int handle_;
+};
+
 enum class ReadResult { kRead, kMissing, kFailed };
 
 ReadResult readWhole(const char* path, std::string& text) {
-    const int handle = open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
-    if (handle < 0) return errno == ENOENT ? ReadResult::kMissing : ReadResult::kFailed;
+    const OpenFile file(path);
+    if (file.get() < 0) return errno == ENOENT ? ReadResult::kMissing : ReadResult::kFailed;
     struct stat status {};
-    bool good = fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    bool good = fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
     char block[4096];
     while (good) {
-        const ssize_t count = read(handle, block, sizeof block);
+        const ssize_t count = read(file.get(), block, sizeof block);
         if (count == 0) break;
         if (count < 0 && errno == EINTR) continue;
         good = count > 0 && text.size() + static_cast<std::size_t>(count) <= kMostBytes;
         if (good) text.append(block, static_cast<std::size_t>(count));
     }
-    close(handle);
     return good ? ReadResult::kRead : ReadResult::kFailed;
 }
 
