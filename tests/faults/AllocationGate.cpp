@@ -20,21 +20,10 @@ namespace {
 constinit std::atomic<long> live{0};
 
 // Plain data: a thread's first look at them must not allocate.
+constinit thread_local Fault armed = Fault::kMemory;
 constinit thread_local int left = 0;  // allocations until the refused one; 0: not armed
 constinit thread_local bool refusesRest = false;
 constinit thread_local int refused = 0;
-
-bool refuses() noexcept {
-    if (left == 0) return false;
-    if (left > 1) {
-        --left;
-        return false;
-    }
-    if (refused > 0 && !refusesRest) return false;
-    ++refused;
-    errno = ENOMEM;
-    return true;
-}
 
 void* counted(void* block) noexcept {
     if (block != nullptr) live.fetch_add(1, std::memory_order_relaxed);
@@ -43,13 +32,26 @@ void* counted(void* block) noexcept {
 
 }  // namespace
 
-void armAllocations(int n, Refusal refusal) noexcept {
+bool refuses(Fault fault) noexcept {
+    if (left == 0 || fault != armed) return false;
+    if (left > 1) {
+        --left;
+        return false;
+    }
+    if (refused > 0 && !refusesRest) return false;
+    ++refused;
+    errno = fault == Fault::kMemory ? ENOMEM : fault == Fault::kCalls ? EIO : EINTR;
+    return true;
+}
+
+void arm(Fault fault, int n, Refusal refusal) noexcept {
+    armed = fault;
     refusesRest = refusal == Refusal::kRest;
     refused = 0;
     left = n;
 }
 
-int disarmAllocations() noexcept {
+int disarm() noexcept {
     left = 0;
     return refused;
 }
@@ -61,8 +63,17 @@ long liveBlocks() noexcept {
 }  // namespace qel::test
 
 using qel::test::counted;
-using qel::test::refuses;
 
+namespace {
+
+bool refuses() noexcept {
+    return qel::test::refuses(qel::test::Fault::kMemory);
+}
+
+}  // namespace
+
+// Seen by the system's libraries too, whatever the compiler hides of a program.
+#pragma GCC visibility push(default)
 extern "C" {
 
 void* malloc(std::size_t size) noexcept {
@@ -103,3 +114,4 @@ void free(void* block) noexcept {
     __libc_free(block);
 }
 }
+#pragma GCC visibility pop

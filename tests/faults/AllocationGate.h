@@ -2,7 +2,7 @@
 // a thread that has armed it, refuses one allocation or all from one on. It stands in for the C
 // library's allocator, and so under the library's strings, under operator new and under what the
 // system's own libraries allocate. glibc only, and not under a sanitizer, which has a gate of its
-// own.
+// own. Where SystemGate.cpp is linked in, system calls about files go through it in the same way.
 #ifndef QEL_TESTS_FAULTS_ALLOCATIONGATE_H
 #define QEL_TESTS_FAULTS_ALLOCATIONGATE_H
 
@@ -12,10 +12,16 @@ namespace qel::test {
 // kRest: the n-th and all after it, as when there is none left.
 enum class Refusal { kOne, kRest };
 
-// From here to disarm, the calling thread's n-th allocation (from 1) is refused.
-void armAllocations(int n, Refusal refusal) noexcept;
+// kCalls: a call fails as on a broken disk. kInterrupted: a call that may wait is interrupted.
+enum class Fault { kMemory, kCalls, kInterrupted };
+
+// From here to disarm, the calling thread's n-th allocation or call (from 1) is refused.
+void arm(Fault fault, int n, Refusal refusal) noexcept;
 // Returns how many were refused.
-int disarmAllocations() noexcept;
+int disarm() noexcept;
+
+// For the gates: whether the thread's next allocation or call is refused; sets errno then.
+[[nodiscard]] bool refuses(Fault fault) noexcept;
 
 // The blocks that all threads have in use.
 [[nodiscard]] long liveBlocks() noexcept;

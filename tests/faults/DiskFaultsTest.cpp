@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -13,6 +15,7 @@
 
 #include "QelUtility/BxTrace.h"
 #include "support/TempDir.h"
+#include "trace/BxFileUtilInternal.h"
 #include "trace/FreshTrace.h"
 
 namespace {
@@ -181,6 +184,12 @@ TEST(DiskFaults, ADirectoryThatBecomesReadOnlyStopsRotationAlone) {
     expectAccepted(trace, 0, accepted);
     EXPECT_EQ(BxTrace_MusicalBackups(nullptr, 2), 0);
     expectAccepted(trace, 0, accepted);
+}
+
+TEST(DiskFaults, APipeHasNoSize) {
+    std::FILE* const pipe = popen("true", "r");
+    EXPECT_EQ(BxFile_GetFileSize(pipe), ULONG_MAX);
+    pclose(pipe);
 }
 
 TEST(DiskFaults, FilesThatVanishAreMadeAnew) {

@@ -8,7 +8,11 @@
 // refused, then with its second and so on, until it completes without a refusal; once with that
 // allocation alone refused and once with all that follow too. Each field of what it leaves is as in
 // the whole outcome, or one of those that were named. Each run is on a thread of its own, so that
-// what a thread keeps is made and freed in it. After each run as many blocks are in use as before.
+// what a thread keeps is made and freed in it. After each run as many blocks are in use, and as
+// many files open, as before.
+//
+// The same is done to the system calls about files that it makes. One that is interrupted, and not
+// refused, leaves the whole outcome.
 #ifndef QEL_TESTS_FAULTS_EXHAUSTION_H
 #define QEL_TESTS_FAULTS_EXHAUSTION_H
 
@@ -24,21 +28,27 @@
 
 namespace qel::test {
 
+// What is refused in a run.
+struct Plan {
+    Fault fault;
+    int n;
+    Refusal refusal;
+};
+
 class Attempt {
   public:
-    Attempt(int n, Refusal refusal) : n_(n), refusal_(refusal) {}
+    explicit Attempt(const Plan& plan) : plan_(plan) {}
 
     // Calls the library with the gate armed; once in an attempt. An `int` that it throws is kept,
     // any other exception is a failure of the test.
     void armed(const std::function<void()>& call);
 
-    // How many allocations were refused.
+    // How many allocations or calls were refused.
     [[nodiscard]] int refused() const { return refused_; }
     [[nodiscard]] int thrown() const { return thrown_; }
 
   private:
-    int n_;
-    Refusal refusal_;
+    Plan plan_;
     int refused_ = 0;
     int thrown_ = 0;
 };
@@ -49,6 +59,11 @@ struct Operation {
     const char* name;  // letters, digits and "_"
     Outcome starved;
     std::function<Outcome(Attempt& attempt)> run;
+    Outcome broken = {};  // more that a field may be when a call was refused
+
+    [[nodiscard]] Operation orBroken(const Outcome& outcome) const {
+        return {name, starved, run, outcome};
+    }
 };
 
 // A null string, which an empty one is not.

@@ -3,9 +3,11 @@
 #include <exception>
 #include <new>
 #include <thread>
+#include <utility>
 
 #include "QelUtility/BxTrace.h"
 #include "faults/Exhaustion.h"
+#include "support/Resources.h"
 
 namespace qel::test {
 
@@ -16,6 +18,7 @@ constexpr int kMostAllocations = 20000;
 
 long operations = 0;
 long refusals = 0;
+long refusedCalls = 0;
 
 // Prints what the whole program has tried.
 class Totals : public testing::Environment {
@@ -23,8 +26,8 @@ class Totals : public testing::Environment {
     // The log's paths and options are found at its first use and kept.
     void SetUp() override { BxTrace_Error("faults_test", __LINE__, 0, QEL_FAILED); }
     void TearDown() override {
-        std::printf("[ exhaustion ] %ld operations, %ld allocations refused\n", operations,
-                    refusals);
+        std::printf("[ exhaustion ] %ld operations, %ld allocations and %ld calls refused\n",
+                    operations, refusals, refusedCalls);
     }
 };
 
@@ -32,12 +35,13 @@ const testing::Environment* const totals = testing::AddGlobalTestEnvironment(new
 
 // Returns the number of allocations that were refused. Without a `whole` outcome to be held
 // against, the outcome is put there.
-int runOnce(const Operation& operation, int n, Refusal refusal, Outcome& whole) {
+int runOnce(const Operation& operation, const Plan& plan, Outcome& whole) {
     int refused = 0;
     std::thread([&] {
-        SCOPED_TRACE("allocation " + std::to_string(n) +
-                     (refusal == Refusal::kOne ? " refused" : " and all after it refused"));
-        Attempt attempt(n, refusal);
+        const char* const what[] = {"allocation ", "call ", "interrupted call "};
+        SCOPED_TRACE(what[static_cast<int>(plan.fault)] + std::to_string(plan.n) +
+                     (plan.refusal == Refusal::kOne ? " refused" : " and all after it refused"));
+        Attempt attempt(plan);
         const Outcome outcome = operation.run(attempt);
         refused = attempt.refused();
         if (whole.empty()) {
@@ -46,10 +50,12 @@ int runOnce(const Operation& operation, int n, Refusal refusal, Outcome& whole) 
         }
         ASSERT_EQ(outcome.size(), whole.size());
         for (std::size_t i = 0; i < whole.size(); ++i) {
-            const auto& other = operation.starved;
-            EXPECT_TRUE(
-                outcome[i] == whole[i] ||
-                (refused > 0 && std::find(other.begin(), other.end(), outcome[i]) != other.end()))
+            Outcome other = operation.starved;
+            if (plan.fault == Fault::kCalls)
+                other.insert(other.end(), operation.broken.begin(), operation.broken.end());
+            EXPECT_TRUE(outcome[i] == whole[i] ||
+                        (refused > 0 && plan.fault != Fault::kInterrupted &&
+                         std::find(other.begin(), other.end(), outcome[i]) != other.end()))
                 << "field " << i << ": \"" << outcome[i] << "\" for \"" << whole[i] << "\"";
         }
     }).join();
@@ -60,7 +66,7 @@ int runOnce(const Operation& operation, int n, Refusal refusal, Outcome& whole) 
 
 void Attempt::armed(const std::function<void()>& call) {
     const char* escaped = nullptr;
-    armAllocations(n_, refusal_);
+    arm(plan_.fault, plan_.n, plan_.refusal);
     try {
         call();
     } catch (int code) {
@@ -70,7 +76,7 @@ void Attempt::armed(const std::function<void()>& call) {
     } catch (const std::exception&) {
         escaped = "std::exception";
     }
-    refused_ = disarmAllocations();
+    refused_ = disarm();
     if (escaped != nullptr) ADD_FAILURE() << escaped << " escaped";
 }
 
@@ -83,21 +89,27 @@ TEST_P(Exhaustion, IsSurvived) {
     ++operations;
     // This also makes, before blocks are counted, what a process keeps for its life.
     Outcome whole;
-    ASSERT_EQ(runOnce(operation, kMostAllocations, Refusal::kOne, whole), 0);
-    for (const Refusal refusal : {Refusal::kOne, Refusal::kRest}) {
+    ASSERT_EQ(runOnce(operation, {Fault::kMemory, kMostAllocations, Refusal::kOne}, whole), 0);
+    for (const auto& [fault, refusal] : {std::pair(Fault::kMemory, Refusal::kOne),
+                                         {Fault::kMemory, Refusal::kRest},
+                                         {Fault::kCalls, Refusal::kOne},
+                                         {Fault::kCalls, Refusal::kRest},
+                                         {Fault::kInterrupted, Refusal::kOne}}) {
         for (int n = 1;; ++n) {
             ASSERT_LT(n, kMostAllocations);
             const long before = liveBlocks();
-            const int refused = runOnce(operation, n, refusal, whole);
+            const std::size_t files = openHandles();
+            const int refused = runOnce(operation, {fault, n, refusal}, whole);
             if (liveBlocks() != before) {
                 // What is made once and kept does not grow a second time.
                 const long after = liveBlocks();
-                runOnce(operation, n, refusal, whole);
-                ASSERT_EQ(liveBlocks(), after) << "blocks left behind by allocation " << n;
+                runOnce(operation, {fault, n, refusal}, whole);
+                ASSERT_EQ(liveBlocks(), after) << "blocks left behind by number " << n;
             }
+            ASSERT_EQ(openHandles(), files) << "files left open by number " << n;
             if (HasFailure()) return;
             if (refused == 0) break;
-            refusals += refused;
+            (fault == Fault::kMemory ? refusals : refusedCalls) += refused;
         }
     }
 }

@@ -18,8 +18,8 @@ int armedMain(int argc, char** argv, char** environment) {
     const char* const n = std::getenv("QEL_TEST_REFUSE");
     const bool rest = std::getenv("QEL_TEST_REFUSE_REST") != nullptr;
     if (n != nullptr)
-        qel::test::armAllocations(std::atoi(n),
-                                  rest ? qel::test::Refusal::kRest : qel::test::Refusal::kOne);
+        qel::test::arm(qel::test::Fault::kMemory, std::atoi(n),
+                       rest ? qel::test::Refusal::kRest : qel::test::Refusal::kOne);
     return programMain(argc, argv, environment);
 }
 
