@@ -103,8 +103,9 @@ std::int32_t neighbourDay(std::int32_t date, int step) {
 
 // "%8dT%02d%02d"; returns the position for its terminator.
 char* writeZoneTime(std::int32_t date, int hour, int minute, char (&text)[kTextRoom]) {
-    const bool ordinary = date >= 10000000 && date <= 99999999 && hour >= 0 && hour <= 99 &&
-                          minute >= 0 && minute <= 99;
+    // No date here has more than eight digits.
+    const bool ordinary =
+        date >= 10000000 && hour >= 0 && hour <= 99 && minute >= 0 && minute <= 99;
     if (!ordinary) {
         return text + std::snprintf(text, sizeof text, "%8ldT%02d%02d", static_cast<long>(date),
                                     hour, minute);

@@ -164,7 +164,8 @@ int QELUTILITY_CALL ZQ_AlphaToCodeTime(const char* text) {
     int second = 0;
     int code = 0;
     qel::dates::ZQ_AlphaToTime(text, &hour, &minute, &second);
-    return qel::dates::ZQ_TimeEncode(hour, minute, second, &code) == 0 ? code : 0;
+    qel::dates::ZQ_TimeEncode(hour, minute, second, &code);
+    return code;
 }
 
 char* QELUTILITY_CALL ZQ_CodeDateToAlpha(int code, char* buffer) {

@@ -28,8 +28,8 @@ char* pastOneLineBreak(char* text) {
 // The position after the "=" of the boundary parameter, or null. `separator` is the ";" before the
 // parameters.
 const char* findBoundary(const char* separator, const char* lineEnd) {
-    const char* at = separator;
-    while (*at != '\0') {
+    // Behind the separator, then behind each "=".
+    for (const char* at = separator;;) {
         at = pastSpace(at + 1);
         if (at >= lineEnd) return nullptr;
         const char* equals = std::strchr(at, '=');
@@ -39,7 +39,6 @@ const char* findBoundary(const char* separator, const char* lineEnd) {
         if (platform::equalNoCase(name, kParameterName)) return equals + 1;
         at = equals;
     }
-    return nullptr;
 }
 
 // The boundary that begins at `start`, behind the "=".

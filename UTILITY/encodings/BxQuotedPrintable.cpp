@@ -71,7 +71,6 @@ class Encoder {
                 sink_.put(text_ + position_, size);
                 column_ += size;
                 position_ += size;
-                afterSoftBreak_ = false;
             } else {
                 putUnit();
             }
@@ -80,9 +79,9 @@ class Encoder {
     }
 
   private:
-    // The number of bytes of a line break that stays one, or 0.
+    // The number of bytes of a line break that stays one, or 0. REQUIRES: at < length_
     std::size_t hardBreakAt(std::size_t at) const {
-        if (breaks_ == LineBreaks::kData || at >= length_) return 0;
+        if (breaks_ == LineBreaks::kData) return 0;
         if (text_[at] == '\n') return 1;
         return text_[at] == '\r' && at + 1 < length_ && text_[at + 1] == '\n' ? 2 : 0;
     }
@@ -90,9 +89,10 @@ class Encoder {
     bool lineEndsAt(std::size_t at) const { return at >= length_ || hardBreakAt(at) != 0; }
 
     // The number of bytes from here that are written unchanged without a test of each: plain
-    // ones that fit before the soft break's column, without blanks at either end of a line.
+    // ones that fit before the soft break's column, without blanks at a line's end. What follows a
+    // soft break has been written together with it.
     std::size_t plainRun() const {
-        if (column_ >= kMaxLine - 1 || (afterSoftBreak_ && isBlank(text_[position_]))) return 0;
+        if (column_ >= kMaxLine - 1) return 0;
         const unsigned char* const first = text_ + position_;
         const std::size_t most = std::min(kMaxLine - 1 - column_, length_ - position_);
         std::size_t size = 0;

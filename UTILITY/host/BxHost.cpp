@@ -48,9 +48,10 @@ std::atomic<BxHostTextSource> profileDirectorySource{nullptr};
 std::atomic<BxHostTextSource> modelIdSource{nullptr};
 
 // True when all of a text that took `length` characters has gone into the buffer; else empties it.
+// REQUIRES: size > 0
 bool whole(char* buffer, unsigned long size, int length) {
-    if (length >= 0 && static_cast<unsigned long>(length) < size) return true;
-    if (size > 0) buffer[0] = '\0';
+    if (static_cast<unsigned long>(length) < size) return true;
+    buffer[0] = '\0';
     return false;
 }
 

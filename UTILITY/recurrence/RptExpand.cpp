@@ -146,12 +146,10 @@ int QELUTILITY_CALL Unfold_Repeat(ZQTR_REPEAT* repeat, int wanted, int anchor, i
 }
 
 int QELUTILITY_CALL Unfold_HasOccurrence(int from, int to, int anchor, ZQTR_REPEAT* repeat) {
-    DateBlock list{};
+    DateBlock list{nullptr, 0, DATEBLOCK_MAXIMUM, DATEBLOCK_STEP};
     int valid = 0;
     int total = 0;
-    int result = DateBlock_Init(&list, 0, DATEBLOCK_STEP, DATEBLOCK_MAXIMUM);
-    if (result == QEL_OK)
-        result = Unfold_Repeat(repeat, 1, anchor, from, to, &list, &valid, &total);
+    const int result = Unfold_Repeat(repeat, 1, anchor, from, to, &list, &valid, &total);
     DateBlock_Free(&list);
     if (result != QEL_OK) return fail(__LINE__, result, result);
     return valid > 0 ? 1 : 0;

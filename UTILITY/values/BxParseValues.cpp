@@ -161,9 +161,9 @@ CBxParseValues::~CBxParseValues() = default;
 
 int CBxParseValues::BuildSymbolArray(const char* text) {
     m_cursor = text;
-    int result = QEL_OK;
-    while (result == QEL_OK) result = GetNextSymbol();
-    return result == QEL_END_OF_INPUT ? QEL_OK : result;
+    while (GetNextSymbol() == QEL_OK) {
+    }
+    return QEL_OK;
 }
 
 int CBxParseValues::GetNextSymbol() {
@@ -195,9 +195,9 @@ CBxParsePairValues::~CBxParsePairValues() = default;
 
 int CBxParsePairValues::BuildSymbolArray(const char* text) {
     m_cursor = text;
-    int result = QEL_OK;
-    while (result == QEL_OK) result = GetNextSymbol();
-    return result == QEL_END_OF_INPUT ? QEL_OK : result;
+    while (GetNextSymbol() == QEL_OK) {
+    }
+    return QEL_OK;
 }
 
 int CBxParsePairValues::GetNextSymbol() {

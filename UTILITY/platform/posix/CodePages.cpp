@@ -142,12 +142,12 @@ CodePageResult decodePage(Page& page, const unsigned char* in, std::uint32_t len
     std::uint32_t at = 0;
     std::uint32_t count = 0;
     while (at < length) {
-        if (count == room) return failed(CodePageFailure::kNoRoom);
         if (in[at] < 0x80) {
             if (!passAscii<widenAscii>(in, length, at, out, room, count))
                 return failed(CodePageFailure::kNoRoom);
             continue;
         }
+        if (count == room) return failed(CodePageFailure::kNoRoom);
         const std::uint32_t size = pageCharacter(page, *singles, in + at, length - at, out[count]);
         if (size == 0) return failed(CodePageFailure::kInvalid);
         at += size;

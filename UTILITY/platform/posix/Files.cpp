@@ -204,7 +204,7 @@ bool userStateDirectory(char* out, std::size_t room) noexcept {
         }
         if (home[0] != '/') return false;
         const int length = std::snprintf(path, sizeof path, "%s/.local/state", home);
-        if (length < 0 || static_cast<std::size_t>(length) >= sizeof path) return false;
+        if (static_cast<std::size_t>(length) >= sizeof path) return false;
     }
     if (!createDirectories(path)) return false;
     const std::size_t length = std::strlen(path);

@@ -17,7 +17,7 @@ bool RegistryKey::open(const char* profileDirectory, const char* key, Open how) 
         std::strchr(key, ']') != nullptr)
         return false;
     const int length = std::snprintf(file_, sizeof file_, "%s/registry.ini", profileDirectory);
-    const bool fits = length > 0 && static_cast<std::size_t>(length) < sizeof file_;
+    const bool fits = static_cast<std::size_t>(length) < sizeof file_;
     if (!fits || (how == Open::kExisting && !fileExists(file_))) {
         file_[0] = '\0';
         return false;
@@ -35,7 +35,7 @@ void RegistryKey::close() noexcept {
 bool RegistryKey::set(const char* name, const char* text) noexcept {
     char quoted[1024];
     const int length = std::snprintf(quoted, sizeof quoted, "\"%s\"", text);
-    const bool fits = length > 0 && static_cast<std::size_t>(length) < sizeof quoted;
+    const bool fits = static_cast<std::size_t>(length) < sizeof quoted;
     return file_[0] != '\0' && fits && writeProfile(file_, section_, name, quoted);
 }
 

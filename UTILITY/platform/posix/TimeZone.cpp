@@ -72,7 +72,7 @@ RuleText currentRuleText() {
                            ? std::snprintf(path, sizeof path, "%s", value)
                            : std::snprintf(path, sizeof path, "%s/%s",
                                            folder != nullptr ? folder : kZoneFolder, value);
-    const bool fits = length >= 0 && static_cast<std::size_t>(length) < sizeof path;
+    const bool fits = static_cast<std::size_t>(length) < sizeof path;
     RuleText rule = fits ? ruleTextOfFile(path) : RuleText();
     if (rule.text[0] == '\0' && !named) std::snprintf(rule.text, sizeof rule.text, "%s", value);
     return rule;
