@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "QelUtility/BxTimezones.h"
+#include "platform/Process.h"
 #include "platform/posix/PosixZoneRule.h"
 #include "support/Tables.h"
 #include "support/TempDir.h"
@@ -45,6 +46,8 @@ TEST(PosixZoneRule, BecomesADescription) {
     ASSERT_TRUE(parsePosixZoneRule("XXX3YYY,J60/0,59/0", 2028, leap));
     EXPECT_EQ(show(leap.daylightDate), "2028-3-1/0:0:0");
     EXPECT_EQ(show(leap.standardDate), "2028-2-29/0:0:0");
+    ASSERT_TRUE(parsePosixZoneRule("XXX3YYY,J59/0,J365/0", 2028, leap));
+    EXPECT_EQ(show(leap.daylightDate), "2028-2-28/0:0:0");
 }
 
 TEST(PosixZoneRule, RefusesWhatIsNoWholeRule) {
@@ -110,6 +113,7 @@ TEST(CurrentZone, FollowsTheVariable) {
         EXPECT_EQ(localOf("20051030T005959Z"), "20051030T025959");
         EXPECT_EQ(localOf("20051030T010000Z"), "20051030T020000");
         EXPECT_EQ(utcOf("20050615T998000"), "20050614T220000Z");  // no such minute: midnight
+        EXPECT_EQ(utcOf("20050615T086000"), "20050614T220000Z");
         EXPECT_EQ(utcOf("20050615T083099"), "20050615T063139Z");
     }
     {
@@ -138,6 +142,21 @@ TEST(CurrentZone, NoticesEveryChangeOfTheEnvironment) {
     ::unsetenv("QEL_FIRST");  // as many variables as before, TZ in the place of the last
     ::setenv("TZ", "EST5", 1);
     EXPECT_EQ(here(), "20050301T170000Z");
+    qel::platform::sleepMilliseconds(20);  // the clock ticks on, the zone stays
+    EXPECT_EQ(here(), "20050301T170000Z");
+    // One year after the other in a zone that has both halves.
+    ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    CBxTimeZoneUtility zone;
+    zone.Initialize();
+    for (const auto& [local, utc] : {std::pair{"20050615T083000", "20050615T063000Z"},
+                                     {"20051215T083000", "20051215T073000Z"},
+                                     {"20060615T083000", "20060615T063000Z"},
+                                     {"20050615T083000", "20050615T063000Z"}})
+        EXPECT_EQ(zone.LocalToUTC(local), std::string(utc));
+    ::setenv("TZ", "EST5", 1);
+    EXPECT_EQ(here(), "20050301T170000Z");
+    ::setenv("TZ", ("<" + std::string(60, 'E') + ">5").c_str(), 1);
+    EXPECT_EQ(here(), "20050301T170000Z");
     ::setenv("TZ", "EST4", 1);
     EXPECT_EQ(here(), "20050301T160000Z");
     char own[] = "TZ=EST3";
@@ -148,11 +167,18 @@ TEST(CurrentZone, NoticesEveryChangeOfTheEnvironment) {
     ::unsetenv("QEL_LAST");
     EXPECT_EQ(here(), "20050301T140000Z");
     char other[] = "TZ=EST1";
-    char* others[] = {other, nullptr};
+    char* others[] = {other, nullptr, nullptr};
     char** const before = std::exchange(environ, others);
     EXPECT_EQ(here(), "20050301T130000Z");
     others[0] = nullptr;
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(here(), system);
+    char last[] = "QEL_LAST=1";
+    others[0] = last;
     EXPECT_EQ(here(), system);
+    others[1] = own;
+    EXPECT_EQ(here(), "20050301T140000Z") << "behind the last one";
+    environ = nullptr;
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(here(), system);
     environ = before;
     ::unsetenv("TZ");
     EXPECT_EQ(here(), system);
@@ -166,12 +192,27 @@ TEST(CurrentZone, ReadsTheLastLineOfAZoneFile) {
     // Files that hold no rule, or are none: the C library's own idea of the offset, here UTC.
     for (const std::string& content :
          {head + "\n\n", std::string("TZif\0binary\nNPT-5:45\n", 21), std::string("TZif2"),
-          std::string("TZif2\n\nNPT-5:45"), std::string("no zone\nNPT-5:45\n"), std::string()}) {
+          std::string("TZif2\n\nNPT-5:45"), std::string("TZif2NPT-5:45\n"),
+          std::string("no zone\nNPT-5:45\n"), std::string()}) {
         variable.writeZoneFile("Here/There", content);
         EXPECT_EQ(utcOf("20050301T001000"), "20050301T001000Z");
     }
-    const ZoneVariable folder(":/");
-    EXPECT_EQ(utcOf("20050301T001000"), "20050301T001000Z");
+    // A file that is replaced, and one without a rule, count after a tick of the clock.
+    ::unsetenv("TZDIR");
+    const qel::test::TempDir dir;
+    ::setenv("TZ", dir.file("z").c_str(), 1);
+    for (const auto& [rule, utc] : {std::pair{"NPT-5:45", "20050228T182500Z"},
+                                    {"EST5", "20050301T051000Z"},
+                                    {"", "20050301T001000Z"},
+                                    {"", "20050301T001000Z"}}) {
+        qel::test::writeFile(dir.file("z"), head + "\n" + rule + "\n");
+        qel::platform::sleepMilliseconds(20);
+        EXPECT_EQ(utcOf("20050301T001000"), utc);
+    }
+    for (const std::string& name : {std::string(":/"), ":" + std::string(5000, 'n')}) {
+        const ZoneVariable none(name);
+        EXPECT_EQ(utcOf("20050301T001000"), "20050301T001000Z");
+    }
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
         int code;
     } rows[] = {{"0930", 34200}, {"2359", 86340}, {"0000", 0}, {"093000", 0}, {"235959", 0},
                 {"2400", 0},     {"0960", 0},     {"930", 0},  {"-130", 0},   {" 9 5", 32700},
-                {"ab30", 1800},  {"", 0},         {nullptr, 0}};
+                {"ab30", 1800},  {"09-1", 0},     {"", 0},     {nullptr, 0}};
     for (const auto& row : rows)
         EXPECT_EQ(ZQ_AlphaToCodeTime(row.text), row.code) << (row.text ? row.text : "null");
     int hour = -1;
@@ -104,6 +104,10 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
     int second = 42;
     qel::dates::ZQ_AlphaToTime("", &hour, &minute, &second);
     EXPECT_TRUE(hour == 0 && minute == 0 && second == 42);
+    qel::dates::ZQ_AlphaToTime(nullptr, &hour, &minute, &second);
+    EXPECT_TRUE(hour == 0 && minute == 0 && second == 42);
+    for (const int bad : {-1, 60}) EXPECT_EQ(qel::dates::ZQ_TimeEncode(1, 1, bad, &hour), -1);
+    EXPECT_EQ(hour, 0);
     qel::dates::ZQ_AlphaToTime("123456", &hour, &minute, &second);
     EXPECT_TRUE(hour == 12 && minute == 34 && second == 56);
 
@@ -115,6 +119,7 @@ TEST(AlphaTime, TakesFourDigitsAndWritesSix) {
     char date[9];
     EXPECT_STREQ(qel::dates::ZQ_DateToAlpha(-1, 100, 10000, date), "99999999");
     EXPECT_STREQ(qel::dates::ZQ_DateToAlpha(1, 2, 3, date), "00030102");
+    EXPECT_STREQ(qel::dates::ZQ_DateToAlpha(1, 2, -3, date), "99990102");
 }
 
 TEST(Clock, ReadsAPresentDay) {

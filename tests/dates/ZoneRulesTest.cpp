@@ -85,8 +85,12 @@ TEST(ZoneRules, SurviveWhatNamesNoDate) {
     const std::int64_t june = fileTime("20050615T000000");
     for (const ZoneChangeMoment& bad :
          {rule(0, 1, 0, 2), rule(13, 1, 0, 2), rule(3, 0, 0, 2), rule(3, 6, 0, 2), rule(3, 1, 7, 2),
-          rule(3, 1, 0, 24), ZoneChangeMoment{0, 3, 0, 1, 0, 60, 0, 0},
-          ZoneChangeMoment{0, 3, 0, 1, 0, 0, 0, 1000}}) {
+          rule(3, 1, 0, 24), rule(3, 1, 0, -1), ZoneChangeMoment{0, 3, 0, 1, 0, 60, 0, 0},
+          ZoneChangeMoment{0, 3, 0, 1, 0, -1, 0, 0}, ZoneChangeMoment{0, 3, 0, 1, 0, 0, 60, 0},
+          ZoneChangeMoment{0, 3, 0, 1, 0, 0, -1, 0}, ZoneChangeMoment{0, 3, 0, 1, 0, 0, 0, 1000},
+          ZoneChangeMoment{0, 3, 0, 1, 0, 0, 0, -1}, ZoneChangeMoment{2005, 0, 0, 1, 0, 0, 0, 0},
+          ZoneChangeMoment{2005, 13, 0, 1, 0, 0, 0, 0},
+          ZoneChangeMoment{2005, 3, 0, 0, 0, 0, 0, 0}}) {
         TimeZoneDescription zone = kBerlin;
         zone.daylightDate = bad;
         EXPECT_FALSE(qel::dates::isDaylightTime(june, zone, 0));

@@ -133,6 +133,8 @@ TEST(CharConv, RefusesThePartsOf8859AndWhatIsNotInitialised) {
 TEST(CharConv, TheDescriptorLevelHasItsCodes) {
     CBxCharConvSvcs converter;
     _iconv_info* const failure = converter.iconv_open("", "936");
+    EXPECT_EQ(converter.iconv_open("936", ""), failure);
+    EXPECT_EQ(converter.iconv_open("936", nullptr), failure);
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(failure), UINTPTR_MAX);
     EXPECT_EQ(converter.LastError(), 22);
     EXPECT_EQ(converter.iconv_close(nullptr), -1);
@@ -159,7 +161,11 @@ TEST(CharConv, TheDescriptorLevelHasItsCodes) {
     EXPECT_EQ(converter.iconv(cd, &reset, &inLeft, &out, &outLeft), 0U);
     EXPECT_EQ(converter.iconv(nullptr, &in, &inLeft, &out, &outLeft), kFailed);
     EXPECT_EQ(converter.iconv(failure, &in, &inLeft, &out, &outLeft), kFailed);
+    char* noRoom = nullptr;
     EXPECT_EQ(converter.iconv(cd, &in, &inLeft, nullptr, &outLeft), kFailed);
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &noRoom, &outLeft), kFailed);
+    EXPECT_EQ(converter.iconv(cd, &in, nullptr, &out, &outLeft), kFailed);
+    EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, nullptr), kFailed);
     EXPECT_EQ(converter.LastError(), 9);
     for (outLeft = 0; outLeft < 2; ++outLeft) {
         EXPECT_EQ(converter.iconv(cd, &in, &inLeft, &out, &outLeft), kFailed) << outLeft;
@@ -200,6 +206,7 @@ TEST(CharConv, AByteOrderMarkBecomesATrailingNul) {
                         "\xEF\xBB\xBF"
                         "ab"),
               std::string("ab\0", 3));
+    if (kStrict) EXPECT_EQ(converted("8859-1", "UTF-8", "\xEF\xBF\xBE?"), std::string("?\0", 2));
     CBxCharConvSvcs converter;
     ASSERT_EQ(converter.InitializeTo("8859-1"), 0);
     VStr text("\xEF\xBB\xBFZ\xC3\xBC");
@@ -249,7 +256,8 @@ TEST(CharConv, ResynchronisesBehindWhatItCannotDecode) {
 
 // Skipping in one step does what trying byte by byte does, for every short text of awkward bytes.
 TEST(CharConv, SkipsAsTryingEachByteWould) {
-    const std::string pool = "a@\x81\xFE\xFF\xC3\xA9\xF0\x9F";
+    using namespace std::string_literals;
+    const std::string pool = "a@\0\x81\xFE\xFF\xC3\xA9\xE0\xE4\xBD\xED\xF0\x9F\xF4\x90"s;
     for (const std::uint32_t page : {0U, 936U, 950U, 65001U}) {
         std::uint32_t state = page + 1;
         for (int round = 0; round < 3000; ++round) {
@@ -271,6 +279,92 @@ TEST(CharConv, SkipsAsTryingEachByteWould) {
                 << page << " " << testing::PrintToString(text);
         }
     }
+}
+
+// Texts of all kinds of characters in a row, as far as the page has them: in one step as in two,
+// and with less room than they take no byte is written past it.
+TEST(CharConv, MixedTextsKeepToTheirRoom) {
+    namespace platform = qel::platform;
+    if (!kStrict) GTEST_SKIP() << "the system's own code pages";
+    const std::vector<std::string> pool{"a",
+                                        "sixteen letters ..",
+                                        " ",
+                                        "\xC3\xA9",
+                                        "\xE2\x82\xAC",
+                                        "\xE4\xBD\xA0",
+                                        "\xE5\xA5\xBD",
+                                        "\xEE\x80\x80",
+                                        "\xF0\x9F\x98\x80",
+                                        "\xC2\x80",
+                                        "\xEF\xBD\xA1"};
+    std::uint32_t state = 1;
+    for (int round = 0; round < 4000; ++round) {
+        std::string text;
+        for (int i = 0; i < 1 + round % 12; ++i) {
+            state = state * 1664525 + 1013904223;
+            text += pool[(state >> 16) % pool.size()];
+        }
+        for (const std::uint32_t page : {0U, 936U, 950U, 65001U}) {
+            SCOPED_TRACE(std::to_string(page) + " " + text);
+            const auto length = static_cast<std::uint32_t>(text.size());
+            std::vector<char16_t> units(length);
+            const auto decoded =
+                platform::decodeCodePage(65001, text.data(), length, units.data(), length);
+            ASSERT_EQ(decoded.failure, platform::CodePageFailure::kNone);
+            std::string two(3 * length, '~');
+            const auto whole =
+                platform::encodeCodePage(page, units.data(), decoded.count, two.data(), 3 * length);
+            ASSERT_EQ(whole.failure, platform::CodePageFailure::kNone);
+            two.resize(whole.count);
+            std::vector<char16_t> back(whole.count);
+            const auto again =
+                platform::decodeCodePage(page, two.data(), whole.count, back.data(), whole.count);
+            ASSERT_EQ(again.failure, platform::CodePageFailure::kNone);
+            if (page == 65001) EXPECT_EQ(two, text);
+            const std::uint32_t less = 1 + state % 5;
+            // To the page and from it, in rooms that are enough and in some that are not.
+            for (const bool to : {true, false}) {
+                const std::string& from = to ? text : two;
+                std::string other = to ? two : text;
+                if (!to) {
+                    std::vector<char> utf8(3 * again.count);
+                    const auto size = static_cast<std::uint32_t>(utf8.size());
+                    other.assign(
+                        utf8.data(),
+                        platform::encodeCodePage(65001, back.data(), again.count, utf8.data(), size)
+                            .count);
+                }
+                const auto most = static_cast<std::uint32_t>(other.size());
+                for (const std::uint32_t room : {most + 9, most, most - std::min(less, most)}) {
+                    std::string one(room + 1, '~');
+                    const auto written = platform::convertCodePage(
+                        to ? 65001 : page, to ? page : 65001, from.data(),
+                        static_cast<std::uint32_t>(from.size()), one.data(), room);
+                    EXPECT_EQ(one[room], '~');
+                    if (written != 0) EXPECT_EQ(one.substr(0, written), other);
+                    if (room < most) EXPECT_EQ(written, 0U);
+                }
+            }
+            if (whole.count > less) {
+                EXPECT_EQ(platform::encodeCodePage(page, units.data(), decoded.count, two.data(),
+                                                   whole.count - less)
+                              .failure,
+                          platform::CodePageFailure::kNoRoom);
+            }
+            if (again.count > less) {
+                EXPECT_EQ(platform::decodeCodePage(page, two.data(), whole.count, back.data(),
+                                                   again.count - less)
+                              .failure,
+                          platform::CodePageFailure::kNoRoom);
+            }
+        }
+    }
+    const char16_t half[] = {0xD800, 'a'};
+    char out[8];
+    EXPECT_EQ(platform::encodeCodePage(65001, half, 2, out, 8).count, 2U);
+    EXPECT_EQ(std::string(out, 2), "?a");
+    EXPECT_EQ(platform::undecodablePrefix(1, "\xFF\xFF", 2), 1U) << "no such page";
+    EXPECT_EQ(platform::undecodablePrefix(936, "\xFF", 1), 1U);
 }
 
 TEST(CharConv, LongHostileTextsTakeLinearTime) {

@@ -81,6 +81,15 @@ const Operation kStrings[] = {
          owner <<= block;
          return seen(together(block == nullptr ? kNull : "block", capacity));
      }},
+    {"Create",
+     {"none"},
+     [](Attempt& attempt) {
+         VStr* made = nullptr;
+         attempt.armed([&] { made = VStr_Create("text"); });
+         const std::string is = made == nullptr ? "none" : VStr_Text(made);
+         VStr_Destroy(made);
+         return seen(is);
+     }},
 };
 INSTANTIATE_TEST_SUITE_P(Strings, Exhaustion, testing::ValuesIn(kStrings), operationName);
 

@@ -23,6 +23,11 @@ bool failing(char* buffer, unsigned long size) {
     return false;
 }
 
+bool empty(char* buffer, unsigned long) {
+    buffer[0] = '\0';
+    return true;
+}
+
 TEST(BxHost, TheHostGivesTheProfileDirectoryAndTheModel) {
     char buffer[260] = "old";
     ASSERT_TRUE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
@@ -42,10 +47,13 @@ TEST(BxHost, TheHostGivesTheProfileDirectoryAndTheModel) {
         EXPECT_TRUE(get(buffer, sizeof buffer));
         EXPECT_STREQ(buffer, "/profiles/anna");
     }
-    for (const BxHostTextSource source : {&unterminated, &failing}) {
+    for (const BxHostTextSource source : {&unterminated, &failing, &empty}) {
         BxHost_SetProfileDirectorySource(source);
-        EXPECT_FALSE(GetProfileDirectoryWithUserName(buffer, sizeof buffer));
-        EXPECT_STREQ(buffer, "");
+        BxHost_SetModelIDSource(source);
+        for (const BxHostTextSource get : {&GetProfileDirectoryWithUserName, &GetCurrentModelID}) {
+            EXPECT_FALSE(get(buffer, sizeof buffer));
+            EXPECT_STREQ(buffer, "");
+        }
     }
     BxHost_SetModelIDSource(nullptr);
     BxHost_SetProfileDirectorySource(nullptr);

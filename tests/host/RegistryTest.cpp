@@ -7,6 +7,10 @@
 #include "QelUtility/BxHost.h"
 #include "QelUtility/IRMonitorManager.h"
 #include "host/ScratchRegistry.h"
+#include "platform/Files.h"
+#include "platform/Process.h"
+#include "support/Environment.h"
+#include "support/TempDir.h"
 
 namespace {
 
@@ -43,7 +47,18 @@ TEST(Registry, ValuesComeBackAsTheyWereSet) {
     EXPECT_FALSE(key.get("Missing", small, sizeof small));
     key.close();
     EXPECT_FALSE(key.set("Value", "closed"));
+    EXPECT_FALSE(key.get("Value", small, sizeof small));
+    EXPECT_FALSE(key.get("Value", small, 0));
     EXPECT_FALSE(key.open("", "", RegistryKey::Open::kCreate));
+    if (qel::platform::kPathSeparator == '\\') return;
+    // What does not fit into a profile file or its path.
+    const std::string far(2000, 'f');
+    EXPECT_FALSE(key.open("/tmp", "", RegistryKey::Open::kCreate));
+    EXPECT_FALSE(key.open("/tmp", "a]b", RegistryKey::Open::kCreate));
+    EXPECT_FALSE(key.open("/tmp", far.c_str(), RegistryKey::Open::kCreate));
+    EXPECT_FALSE(key.open(("/tmp/" + far).c_str(), "key", RegistryKey::Open::kCreate));
+    ASSERT_TRUE(openScratch(key, scratch, RegistryKey::Open::kCreate));
+    EXPECT_FALSE(key.set("Value", far.c_str()));
 }
 
 TEST(TransportSelection, IsWrittenBelowTheRegistryRootAndReadBack) {
@@ -79,6 +94,34 @@ TEST(TransportSelection, IsWrittenBelowTheRegistryRootAndReadBack) {
     EXPECT_TRUE(manager->isIRSelected());
     key.set("Selected_Transport", "3 and so on, too long");
     EXPECT_FALSE(manager->isIRSelected());
+
+    if (qel::platform::kPathSeparator == '/') {
+        // Without a place for it nothing is selected: the folder cannot be made.
+        const qel::test::TempDir dir;
+        qel::test::writeFile(dir.file("QelUtility"), "");
+        char state[4096];
+        ASSERT_TRUE(qel::platform::environment("XDG_STATE_HOME", state, sizeof state));
+        for (const std::string& place : {dir.file("QelUtility/below"), dir.path().string()}) {
+            qel::test::setEnvironment("XDG_STATE_HOME", place);
+            char directory[512] = "old";
+            EXPECT_FALSE(GetProfileDirectoryWithUserName(directory, sizeof directory));
+            EXPECT_STREQ(directory, "");
+            manager->selectIR();
+            EXPECT_FALSE(manager->isIRSelected());
+        }
+        qel::test::setEnvironment("XDG_STATE_HOME", state);
+    }
+
+    // A root that is longer than any key: nothing is selected.
+    const std::string longest(255, 'x');
+    BxHost_SetRegistryRoot(nullptr);
+    for (const BxHostString each : {BXHOST_COMPANY, BXHOST_PRODUCT})
+        BxHost_SetString(each, longest.c_str());
+    manager->selectIR();
+    EXPECT_FALSE(manager->isIRSelected());
+    manager->deselectIR();
+    for (const BxHostString each : {BXHOST_COMPANY, BXHOST_PRODUCT})
+        BxHost_SetString(each, nullptr);
     manager->Release();
 }
 

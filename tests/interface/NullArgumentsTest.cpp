@@ -87,6 +87,14 @@ TEST(NullArguments, OfTheHostCodecsAndFilesAreErrors) {
 }
 
 TEST(NullArguments, OfTextsAndStreamsAreEmpty) {
+    for (const char* each : {static_cast<const char*>(nullptr), "", "made"}) {
+        VStr* const made = VStr_Create(each);
+        ASSERT_NE(made, nullptr);
+        EXPECT_STREQ(VStr_Text(made), each != nullptr ? each : "");
+        VStr_Destroy(made);
+    }
+    EXPECT_STREQ(VStr_Text(nullptr), "");
+    VStr_Destroy(nullptr);
     VStr text("text");
     EXPECT_TRUE(text.SpanIncluding(nullptr).IsEmpty());
     EXPECT_TRUE(text.Copy(nullptr).IsEmpty());

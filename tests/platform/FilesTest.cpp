@@ -14,6 +14,7 @@
 #include "platform/Process.h"
 #include "platform/Profile.h"
 #include "platform/TraceMutex.h"
+#include "support/Environment.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -85,8 +86,49 @@ TEST(Files, TheDirectoryIsCutOffAtTheLastSeparator) {
     EXPECT_EQ(directoryLength(""), 0U);
     char small[3];
     EXPECT_FALSE(currentDirectory(small, sizeof small) && std::strlen(small) > 2);
-    EXPECT_FALSE(processPath(small, sizeof small));
+    for (const std::size_t room : {std::size_t{0}, sizeof small}) {
+        EXPECT_FALSE(processPath(small, room));
+        EXPECT_FALSE(modulePath(small, room));
+        EXPECT_FALSE(userStateDirectory(small, room));
+    }
     EXPECT_STREQ(small, "");
+    EXPECT_FALSE(environment("PATH", small, 0));
+    EXPECT_FALSE(currentDirectory(small, 0));
+    char here[4096];
+    ASSERT_TRUE(currentDirectory(here, sizeof here));
+    EXPECT_EQ(std::filesystem::path(here), std::filesystem::current_path());
+}
+
+// XDG base directories: an absolute one of the variable, or the one in the home folder.
+TEST(Files, TheUsersStateHasAPlace) {
+    if (kPathSeparator == '\\') GTEST_SKIP() << "the system knows its place";
+    const TempDir dir;
+    writeFile(dir.file("file"), "");
+    char state[4096];
+    char home[4096];
+    (void)environment("XDG_STATE_HOME", state, sizeof state);
+    (void)environment("HOME", home, sizeof home);
+    const std::string far(5000, 'h');
+    const struct {
+        std::string state, home, place;
+    } rows[] = {{dir.file("a/b"), "", dir.file("a/b")},
+                {"relative", dir.file("home"), dir.file("home/.local/state")},
+                {"", dir.file("home"), dir.file("home/.local/state")},
+                {"", "relative", ""},
+                {"", "/" + far.substr(0, 4090), ""},
+                {dir.file("file/a"), "", ""},
+                {dir.file("file"), "", ""}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.state + " " + row.home);
+        qel::test::setEnvironment("XDG_STATE_HOME", row.state);
+        qel::test::setEnvironment("HOME", row.home);
+        char place[4096] = "old";
+        EXPECT_EQ(userStateDirectory(place, sizeof place), !row.place.empty());
+        EXPECT_EQ(place, row.place);
+        if (!row.place.empty()) EXPECT_TRUE(std::filesystem::is_directory(row.place));
+    }
+    qel::test::setEnvironment("XDG_STATE_HOME", state);
+    qel::test::setEnvironment("HOME", home);
 }
 
 TEST(PathLock, HasOneHolderPerPath) {
@@ -111,6 +153,10 @@ TEST(PathLock, HasOneHolderPerPath) {
     EXPECT_EQ(mine.acquire(path.c_str(), 1000), LockResult::kLocked);
     mine.release();
     EXPECT_TRUE(std::filesystem::is_empty(dir.path())) << "no lock file";
+    mine.abandon();
+    EXPECT_EQ(mine.acquire("in the current folder", 1000), LockResult::kLocked);
+    EXPECT_EQ(mine.acquire((std::string(5000, 'd') + "/x.log").c_str(), 0),
+              kPathSeparator == '/' ? LockResult::kUnavailable : LockResult::kLocked);
 }
 
 TEST(TraceMutex, IsRecursiveAndTimed) {
@@ -149,6 +195,18 @@ TEST(FormatText, TakesBothSpellingsOf64BitsAndNothingElseForOne) {
     EXPECT_STREQ(out, "   7|ab|");
     EXPECT_EQ(format(out, 4, "%s", "abcdef"), 6);
     EXPECT_STREQ(out, "abc");
+    // A format of any length.
+    const std::string far(2000, 'f');
+    EXPECT_EQ(format(out, sizeof out, ("%I64d" + far).c_str(), 7LL), 2001);
+    EXPECT_STREQ(out, ("7" + far.substr(0, 62)).c_str());
+    EXPECT_EQ(format(out, 0, "%I64d", 7LL), 1);
+    EXPECT_EQ(format(out, sizeof out, "%I32d", 7), 1);
+    if (kPathSeparator == '/') {
+        // No character of the locale "C".
+        EXPECT_LT(format(out, sizeof out, "a %ls", L"\x20AC"), 0);
+        EXPECT_STREQ(out, "");
+        EXPECT_LT(format(out, 0, "a %ls", L"\x20AC"), 0);
+    }
     EXPECT_EQ(format(out, sizeof out, nullptr), 6);
     EXPECT_STREQ(out, "(null)");
 }

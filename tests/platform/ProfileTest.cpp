@@ -42,6 +42,8 @@ TEST(Profile, ReadsNamesWithoutCaseAndValuesWithoutBlanksAndQuotes) {
               "Empty=\r\n"
               "Equals=a=b;c\r\n"
               "Twice=first\r\nTwice=second\r\n"
+              "no key and no section\r\n"
+              "[Last\r\n"
               "[Last]\r\nNoLineEnd=end");
     EXPECT_EQ(get(path, "SECTION", "key with BLANKS"), "a value");
     EXPECT_EQ(get(path, "section", "double"), "  in quotes ");
@@ -57,6 +59,8 @@ TEST(Profile, ReadsNamesWithoutCaseAndValuesWithoutBlanksAndQuotes) {
     EXPECT_EQ(get(dir.file("missing.ini"), "last", "NoLineEnd"), "");
     char small[4];
     readProfile(path.c_str(), "section", "Equals", small, sizeof small);
+    EXPECT_STREQ(small, "a=b");
+    readProfile(path.c_str(), "section", "single", small, 0);
     EXPECT_STREQ(small, "a=b");
 }
 
@@ -102,6 +106,18 @@ TEST(Profile, LeavesAloneWhatIsNoProfileFile) {
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path()))
         ++entries;
     EXPECT_EQ(entries, 1U) << "no file is left behind";
+
+    // Nor is a file of more than 4 MiB, or one that would become that.
+    if (qel::platform::kPathSeparator == '\\') return;
+    const std::string path = dir.file("large.ini");
+    const std::string full = "[s]\nk=v\n" + std::string((4U << 20) - 8, ';');
+    writeFile(path, full);
+    EXPECT_EQ(get(path, "s", "k"), "v");
+    EXPECT_FALSE(writeProfile(path.c_str(), "s", "k", "longer"));
+    EXPECT_EQ(get(path, "s", "k"), "v");
+    writeFile(path, full + ";");
+    EXPECT_FALSE(writeProfile(path.c_str(), "s", "k", "x"));
+    EXPECT_EQ(get(path, "s", "k"), "");
 }
 
 // A name that would be read back as another is refused: it would be added again with every write.
@@ -113,6 +129,7 @@ TEST(Profile, RefusesNamesThatWouldNotReadBack) {
         EXPECT_FALSE(writeProfile(path.c_str(), "s", key, "v")) << key;
     for (const char* section : {"a]b", "a\nb"})
         EXPECT_FALSE(writeProfile(path.c_str(), section, "k", "v")) << section;
+    EXPECT_FALSE(writeProfile(path.c_str(), "s", "k", "a\nb"));
     EXPECT_EQ(readFile(path), "");
 }
 

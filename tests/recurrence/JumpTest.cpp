@@ -33,9 +33,14 @@ ZQTR_REPEAT randomRecord(Random& random, bool isOdd) {
     repeat.interval = random.oneIn(9) ? random.between(1, 32767) : random.between(1, 14);
     repeat.unitCount = 1;
     repeat.month = isOdd ? random.between(-1, 14) : random.between(1, 12);
-    repeat.weekOfMonth = isOdd ? random.between(-2, 16) : random.between(1, 14);
+    const bool isBefore = isOdd && random.oneIn(3);  // numbers below the first
+    repeat.weekOfMonth = isBefore ? random.between(-2, 0)
+                         : isOdd  ? random.between(1, 16)
+                                  : random.between(1, 14);
     repeat.dayOfWeek = isOdd ? random.between(-9, 16) : random.between(1, 7);
-    repeat.dayOfMonth = isOdd ? random.between(-2, 400) : random.between(1, 92);
+    repeat.dayOfMonth = isBefore ? random.between(-2, 0)
+                        : isOdd  ? random.between(1, 400)
+                                 : random.between(1, 92);
     if (repeat.type == REPEAT_MONTHLY_KIND || repeat.type == REPEAT_YEARLY_KIND) {
         repeat.dayOfMonth = isOdd ? random.between(0, 6) : random.between(1, 5);
         repeat.dayOfWeek = isOdd ? random.between(7, 11) : random.between(8, 10);

@@ -94,6 +94,7 @@ TEST(Unfold, HasOccurrenceCountsWhatIsNotExcluded) {
     EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050331), code(20050301), &record), 0);
     EXPECT_EQ(Unfold_HasOccurrence(code(20050301), code(20050401), code(20050301), &record), 1);
     EXPECT_EQ(Unfold_HasOccurrence(0, 0, 0, nullptr), 2024);
+    EXPECT_EQ(WeekOfMonth(-1), 1);
     EXPECT_EQ(WeekOfMonth(code(20050307)), 1);
     EXPECT_EQ(WeekOfMonth(code(20050308)), 2);
 }

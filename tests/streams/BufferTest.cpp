@@ -121,6 +121,24 @@ TEST(Buffer, AfterDisposeNothingStaleIsBelieved) {
     }
 }
 
+// Nothing is read of what is too long, and nothing changed.
+TEST(DataStream, WhatIsLongerThanAStreamIsRefused) {
+    const qel::test::TraceCapture trace;
+    CBxDataStream stream;
+    stream << "abc";
+    constexpr unsigned long kLong = 0x80000000UL;
+    char text[] = "x";
+    EXPECT_EQ(thrownBy([&] { stream.ReplaceBuffer(bytes("x"), kLong); }), 2001);
+    EXPECT_EQ(thrownBy([&] { stream.AppendRawBytes(bytes("x"), kLong); }), 2001);
+    EXPECT_EQ(thrownBy([&] { stream.AddToBuf(text, INT_MAX); }), 2001);
+    EXPECT_TRUE(trace.hasError("2147483647.2001", "BxDataStream"));
+    stream.AddToBuf(text, -1);
+    stream.AddToBuf(nullptr, 1);
+    EXPECT_EQ(contentOf(stream), "abc");
+    EXPECT_EQ(stream.Write(const_cast<unsigned char*>(stream.Storage()), 0), 0);
+    EXPECT_EQ(contentOf(stream), "abc|");
+}
+
 TEST(DataStream, InitializeReadsOrAppends) {
     CBxDataStream stream;
     EXPECT_EQ(stream.Initialize("12"), 0);
@@ -215,6 +233,19 @@ TEST(DataStream, TextHelpers) {
     EXPECT_STREQ(separated, "a");
     EXPECT_STREQ(separated + 2, "b\037c");
     stream.Replace1FWithNull(separated);
+    stream.Replace1FWithNull(nullptr);
+    EXPECT_EQ(stream.CBxstrcpy(nullptr, "whole"), nullptr);
+    EXPECT_EQ(stream.CBxstrcpy(text, nullptr), text);
+    EXPECT_STREQ(text, "whole");
+
+    initialize(stream, "ab|c|d");
+    stream >> text >> static_cast<char*>(nullptr) >> separated;
+    EXPECT_STREQ(text, "ab");
+    EXPECT_STREQ(separated, "d");
+    stream.Empty();
+    ::testing::internal::CaptureStdout();
+    stream.PrintAllBytes();
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "\n");
 }
 
 TEST(IntList, ReadsMinusOneOutside) {

@@ -51,6 +51,7 @@ TEST(DataStream, NumbersInTheirWidths) {
     checkNumber<long long>(0xFFFFFFFFLL, "ffffffff");
     checkNumber<unsigned long long>(0x8000000000000000ULL, "8000000000000000");
     checkNumber<bool>(false, "");
+    checkNumber<bool>(true, "1");
 }
 
 TEST(DataStream, LongsBeyond32BitsAreRefused) {

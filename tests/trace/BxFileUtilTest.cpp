@@ -108,6 +108,7 @@ TEST(BxFileCopy, LosesNeitherSourceNorTargetByAFailure) {
     EXPECT_EQ(readFile(from), "new") << "onto itself";
     EXPECT_EQ(BxFile_CopyFile(from.c_str(), dir.path().string().c_str(), false), -1);
     EXPECT_EQ(BxFile_CopyFile(nullptr, to.c_str(), false), -1);
+    EXPECT_EQ(BxFile_CopyFile(from.c_str(), nullptr, false), -1);
 }
 
 TEST(BxFileSize, OfStreamsAndPaths) {
@@ -122,6 +123,7 @@ TEST(BxFileSize, OfStreamsAndPaths) {
     EXPECT_EQ(BxFile_GetFileSize(stream), 5U);
     EXPECT_EQ(std::fgetc(stream), '2');
     std::fclose(stream);
+    EXPECT_EQ(BxFile_GetFileSize(nullptr), ULONG_MAX);
 }
 
 // --- The user's log -----------------------------------------------------------------------------
@@ -146,6 +148,7 @@ TEST(UserLog, AppendsDatedEntries) {
     BxHost_SetProfileDirectorySource(&giveProfile);
     WriteToUserLog("Sync 100% %s done");
     WriteToUserLog(std::string(300000, 'm').c_str());
+    WriteToUserLog(nullptr);
     std::string text = readFile(dir.file("SyncML.log"));
     std::erase(text, '\r');
     constexpr std::size_t kDateLength = 17;  // "11/21/26 14:15:25"
@@ -154,7 +157,8 @@ TEST(UserLog, AppendsDatedEntries) {
     std::string head = "\n-";
     for (int i = 1; i < 40; ++i) head += " -";
     head += "\nOn DATE\n";
-    EXPECT_EQ(text, head + "Sync 100% %s done \n" + head + std::string(300000, 'm') + " \n");
+    EXPECT_EQ(text, head + "Sync 100% %s done \n" + head + std::string(300000, 'm') + " \n" + head +
+                        "(null) \n");
 
     // A folder that is not there: the entry is lost in silence.
     profileDirectory = dir.file("missing");

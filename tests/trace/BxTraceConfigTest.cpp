@@ -12,6 +12,7 @@
 #include "support/Contains.h"
 #include "support/Environment.h"
 #include "support/TraceCapture.h"
+#include "trace/BxTraceInternal.h"
 #include "trace/FreshTrace.h"
 
 namespace {
@@ -52,6 +53,32 @@ TEST(BxTraceConfig, FirstLoadFindsItsFilesAndFillsInTheDefaults) {
     }
 }
 
+// The name of the log changes what follows from it, but for the options that are loaded.
+TEST(BxTraceConfig, TheLogCanBeGivenAnotherName) {
+    using namespace qel::trace;
+    const FreshTrace trace;
+    EXPECT_TRUE(BxTrace_ForceInitialization());
+    for (const char* none : {static_cast<const char*>(nullptr), ""}) {
+        BxTrace_SetLogFileName(none);
+        EXPECT_EQ(BxTrace_GetLogFilePath(), trace.file("trace.log"));
+    }
+    for (const auto& [name, log] : {std::pair{"other", "other.log"},
+                                    {"b.lOG", "b.lOG"},
+                                    {"b.lag", "b.lag.log"},
+                                    {"b.loc", "b.loc.log"},
+                                    {"b.aog", "b.aog.log"},
+                                    {"blog", "blog.log"}}) {
+        BxTrace_SetLogFileName(trace.file(name).c_str());
+        EXPECT_EQ(BxTrace_GetLogFilePath(), trace.file(log));
+        EXPECT_EQ(BxTrace_Trace00(name), 0);
+        EXPECT_EQ(trace.messages(log), Lines{name});
+    }
+    // A name without a folder is in the current one.
+    BxTrace_SetLogFileName("c.x");
+    EXPECT_STREQ(BxTrace_GetLogFilePath(), "c.x.log");
+    EXPECT_STREQ(BxTrace_GetRunDirWithTrailingBackslash(), "");
+}
+
 std::string profileOfTheTest;
 
 bool profileSource(char* buffer, unsigned long size) {
@@ -65,8 +92,13 @@ TEST(BxTraceConfig, WithoutTheEnvironmentTheHostsProfileDirectoryCounts) {
     qel::test::setEnvironment("BX_ERR_LOG_FILE_PATH", "");
     BxHost_SetProfileDirectorySource(&profileSource);
     profileOfTheTest = trace.file("");
-    profileOfTheTest.pop_back();
     BxTrace_GetTracingOptions();
+    EXPECT_EQ(BxTrace_GetLogFilePath(), trace.file("BxTrace.log"));
+    profileOfTheTest.pop_back();
+    trace.restart();
+    int option = 7;
+    BxTrace_GetOptionValue("LogSettings", "MaxBackupCount", option);  // loads what it needs
+    EXPECT_EQ(option, 3);
     EXPECT_EQ(BxTrace_GetLogFilePath(), trace.file("BxTrace.log"));
     EXPECT_EQ(BxTrace_GetOptionsFilePath(), trace.file("BxOptions.opt"));
 
@@ -89,8 +121,8 @@ TEST(BxTraceConfig, WithoutTheEnvironmentTheHostsProfileDirectoryCounts) {
 
 TEST(BxTraceConfig, OptionsAreReadWithTheirSignsBasesAndLimits) {
     const FreshTrace trace({"VTraceVerbosity= -7 ", "TracingOptions=0x8000000F",
-                            "MaxFileSize=+12abc", "MaxBackupCount=99999999999",
-                            "KeepLogFiles=", "LogManagerLevel=xyz", "LogManagerDetail=FFFFFFFFF"});
+                            "MaxFileSize=+12abc", "MaxBackupCount=99999999999", "KeepLogFiles=",
+                            "LogManagerLevel=\" \v\t7z\"", "LogManagerDetail=FFFFFFFFF"});
     EXPECT_EQ(static_cast<std::uint32_t>(BxTrace_GetTracingOptions()), 0x8000000FU);
     EXPECT_LT(BxTrace_GetTracingOptions(), 0) << "32 bits, sign-extended";
     const qel::trace::Settings& s = trace.settings();
@@ -98,12 +130,13 @@ TEST(BxTraceConfig, OptionsAreReadWithTheirSignsBasesAndLimits) {
     EXPECT_EQ(s.maxFileSize, 12);
     EXPECT_EQ(s.maxBackupCount, INT_MAX);
     EXPECT_EQ(s.keepLogFiles, 1) << "an empty value is filled in";
-    EXPECT_EQ(s.logManagerLevel, 0);
+    EXPECT_EQ(s.logManagerLevel, 7);
     EXPECT_EQ(s.logManagerDetail, -1);
     int value = -2;
     BxTrace_GetHexOptionValue("Other", "New", value);
     BxTrace_GetOptionValue("Other", "New decimal", value);
     BxTrace_GetOptionValue(nullptr, "x", value);
+    BxTrace_GetOptionValue("x", nullptr, value);
     BxTrace_SetOptionValue("x", nullptr, 1);
     EXPECT_EQ(value, -2);
     BxTrace_SetHexOptionValue("Other", "Hex", 0xAB);

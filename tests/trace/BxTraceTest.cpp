@@ -7,8 +7,11 @@
 #include <filesystem>
 #include <string>
 
+#include "platform/Files.h"
 #include "support/Contains.h"
 #include "support/TraceCapture.h"
+#include "trace/BxTraceInternal.h"
+#include "trace/ErrorId.h"
 #include "trace/FreshTrace.h"
 #include "trace/RetroBuffers.h"
 #include "trace/Stamp.h"
@@ -42,6 +45,33 @@ TEST(BxTraceErrors, EachFormWritesItsDetailsAndReturnsTheCode) {
                    ".-2147483648.-2147483648 at " + huge.substr(0, 256) + " line -2147483648"}));
 }
 
+// An identifier behind each error that does not name it itself.
+TEST(BxTraceErrors, CarryTheErrorIdOnce) {
+    using namespace qel::trace;
+    const FreshTrace trace;
+    char id[qel::trace::ErrorId::kRoom] = "old";
+    EXPECT_FALSE(BxTrace_GetErrorID(id, sizeof id));
+    BxTrace_SetErrorID((std::string(64, 'i') + "cut").c_str());
+    EXPECT_TRUE(BxTrace_GetErrorID(id, sizeof id));
+    EXPECT_EQ(id, std::string(64, 'i'));
+    EXPECT_FALSE(BxTrace_GetErrorID(id, 0));
+    EXPECT_FALSE(BxTrace_GetErrorID(nullptr, sizeof id));
+    BxTrace_SetErrorID("sync 7");
+    EXPECT_EQ(BxTrace_ErrorIfFailure("S", 5, 1, 2015), 2015);
+    EXPECT_EQ(BxTrace_Error_S("S", 6, "in sync 7", 2001), 2001);
+    BxTrace_SetErrorID(nullptr);
+    for (const int success : {0, 2014, 2018, 2037, 2042}) {
+        EXPECT_EQ(BxTrace_IsFailureCode(success), success & ~0xFF);
+        EXPECT_EQ(BxTrace_ErrorIfFailure("S", 7, 1, success), success);
+    }
+    for (const int failure : {1, -1, 2015, 2043})
+        EXPECT_EQ(BxTrace_IsFailureCode(failure), (failure & ~0xFF) + 1);
+    Lines lines = trace.messages();
+    for (std::string& line : lines) line.erase(0, line.find("Error"));
+    EXPECT_EQ(lines,
+              (Lines{"Error 1.2015 at S line 5, ID= sync 7", "Error in sync 7.2001 at S line 6"}));
+}
+
 TEST(BxTrace, EveryLineHasAPrefixAndTheLastAnEnd) {
     const FreshTrace trace;
     BxTrace_Trace00("banner first");
@@ -52,6 +82,18 @@ TEST(BxTrace, EveryLineHasAPrefixAndTheLastAnEnd) {
     EXPECT_EQ(maskStamps(trace.text().substr(start)),
               "<prefix>: two\n<prefix>: lines\n<prefix>: ended\n<prefix>: \n<prefix>: \n"
               "<prefix>: x\n<prefix>: (null)\n");
+}
+
+// Where the options say so, a message that cannot be written is shown to the user.
+TEST(BxTrace, AFailureIsShownWhereTheOptionsSaySo) {
+    if (qel::platform::kPathSeparator == '\\') GTEST_SKIP() << "a box that waits for a click";
+    for (const bool shown : {false, true}) {
+        FreshTrace trace({shown ? "TracingOptions=80000001" : "TracingOptions=1"});
+        std::filesystem::create_directory(trace.file("trace.log"));
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(BxTrace_Trace00("lost"), -1);
+        EXPECT_EQ(contains(testing::internal::GetCapturedStderr(), "OpenLogFile failed"), shown);
+    }
 }
 
 TEST(BxTrace, StampsOfOneMillisecondAreNumbered) {
@@ -82,6 +124,12 @@ TEST(BxTrace, FormatsAreBoundedAndKnow64Bits) {
                                        huge.substr(0, 99999), huge.substr(0, 1024), "(null)"}));
     EXPECT_EQ(BxTrace_Trace1("File", 9, huge.c_str()), 0);
     EXPECT_TRUE(contains(trace.messages().back(), ": " + huge.substr(0, 190) + " at File line 9"));
+}
+
+TEST(BxTrace, NullTextsAreShown) {
+    const FreshTrace trace;
+    EXPECT_EQ(BxTrace_Trace1(nullptr, 3, nullptr), 0);
+    EXPECT_TRUE(trace.messages().back().ends_with(": (null) at (null) line 3"));
 }
 
 TEST(BxTrace, LevelsAndMasksDecide) {
