@@ -233,6 +233,11 @@ TEST(Interface, RulesInEveryForm) {
         EXPECT_EQ(rules.text(QELCAL_FORM_POSITIONAL), each.positional);
         EXPECT_EQ(qelcal_rules_record_count(rules.get(), 0), 1U);
     }
+    // What a record cannot hold is known whatever was asked for before.
+    const Time start = Time::read("20050615T090000");
+    EXPECT_NE(qelcal::Rules("FREQ=DAILY;BYHOUR=9,11", start).reason(QELCAL_FORM_POSITIONAL), "");
+    const qelcal::Rules hours("FREQ=DAILY;BYHOUR=9,11", start);
+    EXPECT_EQ(qelcal_rules_record_note_count(hours.get(), 0), 1U);
     _rruleRepeat record;
     const qelcal::Rules free("MD1 #0");
     EXPECT_EQ(free.words(), "");

@@ -21,6 +21,16 @@ TEST_F(CharsetCommandTest, WhatCannotBeConvertedIsNamedByItsLine) {
     EXPECT_TRUE(contains(decoded.err, "in.txt:1: holds bytes that are not 936"));
     EXPECT_TRUE(contains(decoded.err, "in.txt:2: "));
 
+    // More than is read at once.
+    std::string pairs;
+    std::string characters;
+    for (int i = 0; i < 60000; ++i) {
+        pairs += "\xC4\xE3\n";
+        characters += "\xE4\xBD\xA0\n";
+    }
+    const ProcessResult large = runWithInput({"charset", "--from", "936"}, pairs);
+    EXPECT_TRUE(large.out == characters) << large.err;
+
     // The other way, a byte that is not UTF-8 and a character that has no place there.
     const ProcessResult encoded =
         runWithInput({"charset", "--to", "936"}, "a\xFF\xF0\x9F\x98\x80\xE4\xBD\xA0\n");

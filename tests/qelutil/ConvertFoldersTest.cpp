@@ -318,14 +318,19 @@ TEST_F(ConvertFolders, TheReportShowsEveryEntry) {
     const std::string text = read("report.html");
     for (const char* says :
          {"&lt;script&gt;alert(&#39;1&#39;)&lt;/script&gt;&amp;", "every day, 5 times",
-          "every 2 weeks on Wednesday, 10 times", "<code>W2 WE #10</code>", "June 2005",
+          "every 2 weeks on Wednesday, 10 times", "<code>W2 WE #10</code>", "<caption>June 2005",
           "<td class=o><b>15</b><td class=o><b>16</b><td class=x><s>17</s>", "X-VCAL-RNUM",
           "no &lt;property&gt;", "is not a property", "not all carried over",
           "<dt>Entries<dd>3</div>", "RRULE:D1 #5\n",
           "Times without a zone are those of Asia/Tokyo."})
         EXPECT_TRUE(contains(text, says));
-    for (const char* never : {"<script>alert", "http:", "https:", "src=", "url("})
+    for (const char* never : {"<script>alert", "http:", "https:", "src=", "url(", "Files left out"})
         EXPECT_FALSE(contains(text, never));
+    put("other/hourly.ics",
+        "BEGIN:VCALENDAR\nVERSION:2.0\nBEGIN:VEVENT\nDTSTART:20050615T083000\n"
+        "RRULE:FREQ=DAILY;BYHOUR=8,9;COUNT=9000\nEND:VEVENT\nEND:VCALENDAR\n");
+    run({"convert", state_.file("other/hourly.ics"), "-n", "--report", state_.file("hourly.html")});
+    EXPECT_TRUE(contains(read("hourly.html"), "none: times of day in a rule"));
     fails(1, {"convert", phone_, "-n", "--report", state_.file("no/such/report.html")},
           "cannot be written");
     fails(2, {"convert", phone_, "--report", page, "-o", page}, "name the same file");
