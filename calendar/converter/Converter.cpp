@@ -249,7 +249,7 @@ class Converter::File {
         const bool known =
             property.standsIn(Property::kCalendar) && property.isOf(Property::kICalendar);
         if (name.starts_with(kICalendarPrefix))
-            name.erase(0, kICalendarPrefix.size());
+            name = restoredName(line.name, kICalendarPrefix);
         else if (!known && !name.starts_with("X-"))
             name = std::string(kVCalendarPrefix) + name;
         const auto type = name == "METHOD"sv || name == "URL"sv || name == "SOURCE"sv

@@ -9,6 +9,16 @@
 
 namespace qel::calendar {
 
+std::string_view restoredName(std::string_view name, std::string_view prefix) {
+    static constexpr std::string_view kNever[] = {"",       "BEGIN",    "END",    "VERSION",
+                                                  "PRODID", "ENCODING", "CHARSET"};
+    const std::string_view own = name.substr(prefix.size());
+    const bool isOne =
+        std::any_of(std::begin(kNever), std::end(kNever),
+                    [&](std::string_view each) { return equalsIgnoreCase(own, each); });
+    return isOne ? name : own;
+}
+
 void Entry::clear() {
     kind = EntryKind::Event;
     component.clear();

@@ -25,6 +25,9 @@ enum class EntryKind { Event, Todo, Journal };
 // is CONTACT in iCalendar. Parameters are carried in the same way.
 inline constexpr std::string_view kVCalendarPrefix = "X-VCAL-";
 inline constexpr std::string_view kICalendarPrefix = "X-ICAL-";
+// The own name of what has one of these prefixes. The whole name where the own one would be
+// structure, or would change how a value is read: nothing that was carried has had such a name.
+[[nodiscard]] std::string_view restoredName(std::string_view name, std::string_view prefix);
 // The name of the zone that TZ and DAYLIGHT describe in a vCalendar 1.0 file.
 inline constexpr std::string_view kZoneName = "X-ICAL-TZID";
 

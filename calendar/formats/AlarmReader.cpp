@@ -202,7 +202,7 @@ void AlarmReader::takeLine(const ContentLine& line) {
             alarm_.summary = each.value;
         else if (alarm_.action == Action::Email && each.name.starts_with(kICalendarPrefix))
             alarm_.addressParameters.push_back(
-                {each.name.substr(kICalendarPrefix.size()), each.value});
+                {std::string(restoredName(each.name, kICalendarPrefix)), each.value});
         else if (each.name != "CHARSET"sv && !(each.name == "ENCODING"sv && !binary) &&
                  !(each.name.empty() && isEncodingWord(each.value) && !binary))
             alarm_.parameters.push_back(each);

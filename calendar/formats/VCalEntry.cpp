@@ -27,7 +27,10 @@ bool isOwn(PropertyName id) {
 
 // A property's name in vCalendar 1.0, with a prefix where it has none of its own.
 std::string nameInVCalendar(const std::string& name, PropertyName id) {
-    if (name.starts_with(kVCalendarPrefix)) return name.substr(kVCalendarPrefix.size());
+    // A zone of its own changes the times of an entry.
+    if (name == "X-VCAL-TZ"sv || name == "X-VCAL-DAYLIGHT"sv) return name;
+    if (name.starts_with(kVCalendarPrefix))
+        return std::string(restoredName(name, kVCalendarPrefix));
     return isOwn(id) || name.starts_with("X-") ? name : std::string(kICalendarPrefix) + name;
 }
 
@@ -39,7 +42,7 @@ std::vector<Parameter> parametersToVCalendar(const std::vector<Parameter>& param
         if (each.name == "X-VCAL-PARAMETER"sv)
             result.push_back({"", each.value});
         else if (each.name.starts_with(kVCalendarPrefix))
-            result.push_back({each.name.substr(kVCalendarPrefix.size()), each.value});
+            result.push_back({std::string(restoredName(each.name, kVCalendarPrefix)), each.value});
         else if (each.name.starts_with("X-") || each.name == "LANGUAGE"sv)
             result.push_back(each);
         else

@@ -50,7 +50,8 @@ std::vector<Parameter> parametersFromVCalendar(const ContentLine& line) {
             if (isEncodingWord(each.value)) continue;
             bare += (bare.empty() ? "" : ",") + each.value;
         } else if (each.name.starts_with(kICalendarPrefix)) {
-            parameters.push_back({each.name.substr(kICalendarPrefix.size()), each.value});
+            parameters.push_back(
+                {std::string(restoredName(each.name, kICalendarPrefix)), each.value});
         } else if (each.name.starts_with("X-") || isICalendarParameter(each.name)) {
             parameters.push_back(each);
         } else {
@@ -120,7 +121,7 @@ void VCalReader::takeText(const ContentLine& line) {
         add(line, "DESCRIPTION", Type::Text, text(line), parametersFromVCalendar(line));
     } else if (name.starts_with(kICalendarPrefix)) {
         // A property of iCalendar that has been carried here.
-        const std::string_view own = name.substr(kICalendarPrefix.size());
+        const std::string_view own = restoredName(name, kICalendarPrefix);
         const Property& property = propertyOf(propertyName(own));
         // The entry has its dates and its UID; these are others.
         const bool keepsName = property.held == HeldAs::Date || property.id == PropertyName::Uid;

@@ -122,7 +122,7 @@ void VCalWriter::open(const ZonePtr& zone, int firstYear, int lastYear) {
     }
     for (const EntryProperty& each : header_) {
         const std::string name = each.name.starts_with(kVCalendarPrefix)
-                                     ? each.name.substr(kVCalendarPrefix.size())
+                                     ? std::string(restoredName(each.name, kVCalendarPrefix))
                                  : each.name.starts_with("X-") || each.name == "GEO"
                                      ? each.name
                                      : std::string(kICalendarPrefix) + each.name;
