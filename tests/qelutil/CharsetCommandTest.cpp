@@ -24,7 +24,7 @@ TEST_F(CharsetCommandTest, WhatCannotBeConvertedIsNamedByItsLine) {
     // More than is read at once.
     std::string pairs;
     std::string characters;
-    for (int i = 0; i < 60000; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         pairs += "\xC4\xE3\n";
         characters += "\xE4\xBD\xA0\n";
     }
