@@ -238,6 +238,14 @@ TEST(Interface, RulesInEveryForm) {
     EXPECT_NE(qelcal::Rules("FREQ=DAILY;BYHOUR=9,11", start).reason(QELCAL_FORM_POSITIONAL), "");
     const qelcal::Rules hours("FREQ=DAILY;BYHOUR=9,11", start);
     EXPECT_EQ(qelcal_rules_record_note_count(hours.get(), 0), 1U);
+    // A rule by itself is on no line.
+    std::string many;
+    for (int i = 0; i < 2000; ++i) many += "D1 #2 ";
+    for (const std::string& text : {std::string("D1 #99999999999"), many}) {
+        const std::vector<qelcal::Note> notes = qelcal::Rules(text).notes();
+        ASSERT_FALSE(notes.empty());
+        for (const qelcal::Note& note : notes) EXPECT_EQ(note.line, 0U) << note.text;
+    }
     _rruleRepeat record;
     const qelcal::Rules free("MD1 #0");
     EXPECT_EQ(free.words(), "");
