@@ -342,7 +342,7 @@ void LineReader::passOver(std::string_view entry) {
     Place place{static_cast<std::size_t>(ahead_.data() - bytes), aheadNumber_};
     Place before = place;
     PassedMarks marks(entry);
-    bool open = false;  // the mark that must follow has not been passed over
+    bool open = false;  // the next line must be the mark that belongs to the last one
     for (std::size_t name = usualNameLength(chunk_.substr(place.at)); name != 0;) {
         const std::string_view text = chunk_.substr(place.at);
         std::size_t length = marks.betweenEntries() ? 0 : passedLength(text, name);

@@ -24,7 +24,7 @@ bool separates(char c) {
     return isBlank(c) || c == '.' || c == ',';
 }
 
-// Takes the next token off `rest`; "" when there is none.
+// Takes the next token off `rest`; "" at its end.
 std::string_view nextToken(std::string_view& rest) {
     std::string_view token;
     while (token.empty() && !rest.empty()) {
