@@ -78,7 +78,7 @@ struct Alarm {
     bool hasText = true;  // false: iCalendar requires one, so a substitute is written
     std::string address;  // to whom Email goes, without "mailto:"
     std::string summary;  // of Email
-    std::vector<Parameter> addressParameters;  // of its ATTENDEE
+    std::vector<Parameter> targetParameters;  // of its ATTENDEE or ATTACH
 
     // Of a vCalendar 1.0 alarm: what followed its time, and its parameters, unchanged.
     bool fromVCalendar = false;

@@ -108,7 +108,7 @@ void AlarmReader::takeAddress(const ContentLine& line) {
     if (startsWithIgnoreCase(alarm_.address, "mailto:")) alarm_.address.erase(0, 7);
     for (const Parameter& each : line.parameters)
         if (!each.name.empty() && each.name != "ENCODING"sv && each.name != "CHARSET"sv)
-            alarm_.addressParameters.push_back(each);
+            alarm_.targetParameters.push_back(each);
 }
 
 void AlarmReader::takeOther(const ContentLine& line, EntryProperty::Type type) {
@@ -140,6 +140,11 @@ void AlarmReader::takeAttachment() {
         });
     alarm_.text = attachment->value();
     if (binary) alarm_.parameters = {{"VALUE", "INLINE"}, {"ENCODING", "BASE64"}};
+    for (const Parameter& each : attachment->parameters) {
+        const bool usual = binary || equalsIgnoreCase(each.value, "URI");
+        if (!each.name.empty() && each.name != "ENCODING"sv && !(each.name == "VALUE"sv && usual))
+            alarm_.targetParameters.push_back(each);
+    }
     alarm_.others.erase(attachment);
 }
 
@@ -161,7 +166,7 @@ bool AlarmReader::restoreAs(Action action) {
     restored.fromEnd = alarm_.fromEnd;
     restored.line = alarm_.line;
     restored.summary = alarm_.summary;
-    restored.addressParameters = alarm_.addressParameters;
+    restored.targetParameters = alarm_.targetParameters;
     restored.fields = own->value();
     for (const Parameter& each : own->parameters) {
         const bool carried = each.name.starts_with(kVCalendarPrefix);
@@ -200,8 +205,8 @@ void AlarmReader::takeLine(const ContentLine& line) {
     for (const Parameter& each : line.parameters)
         if (alarm_.action == Action::Email && each.name == kMailSummary)
             alarm_.summary = each.value;
-        else if (alarm_.action == Action::Email && each.name.starts_with(kICalendarPrefix))
-            alarm_.addressParameters.push_back(
+        else if (alarm_.action != Action::Display && each.name.starts_with(kICalendarPrefix))
+            alarm_.targetParameters.push_back(
                 {std::string(restoredName(each.name, kICalendarPrefix)), each.value});
         else if (each.name != "CHARSET"sv && !(each.name == "ENCODING"sv && !binary) &&
                  !(each.name.empty() && isEncodingWord(each.value) && !binary))

@@ -1,6 +1,7 @@
 #include "calendar/formats/AlarmText.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "calendar/base/Ascii.h"
@@ -30,6 +31,12 @@ std::vector<Parameter> carriedParameters(const std::vector<Parameter>& parameter
             {name.starts_with("X-") ? name : std::string(kVCalendarPrefix) + name, each.value});
     }
     return carried;
+}
+
+// What vCalendar 1.0 keeps of the address, or of the sound or procedure, in parameters.
+void addTargetParameters(std::vector<Parameter>& parameters, const Alarm& alarm) {
+    for (const Parameter& each : alarm.targetParameters)
+        parameters.push_back({std::string(kICalendarPrefix) + each.name, each.value});
 }
 
 bool isBinary(const Alarm& alarm) {
@@ -87,6 +94,8 @@ class ActionLines {
 
     // What a reader of these lines gets, as far as vCalendar 1.0 can express it.
     [[nodiscard]] const Alarm& written() const { return written_; }
+    // True where these lines have the address, the sound or the procedure.
+    [[nodiscard]] bool hasTarget() const { return hasTarget_; }
 
   private:
     void addDescription() {
@@ -97,11 +106,12 @@ class ActionLines {
     void addEmail() {
         out_ += "ACTION:EMAIL\r\n";
         const CalendarAddress address = addressFromVCalendar(alarm_.address);
-        std::vector<Parameter> parameters = alarm_.addressParameters;
+        std::vector<Parameter> parameters = alarm_.targetParameters;
         const bool hasName = std::any_of(parameters.begin(), parameters.end(),
                                          [](const Parameter& each) { return each.name == "CN"sv; });
         if (!address.name.empty() && !hasName) parameters.push_back({"CN", address.name});
         addICalendarLine(out_, "ATTENDEE", parameters, address.uri);
+        hasTarget_ = true;
         addICalendarLine(out_, "SUMMARY", {},
                          alarm_.summary.empty() ? summary_ : std::string_view(alarm_.summary),
                          Value::Escaped);
@@ -111,19 +121,26 @@ class ActionLines {
 
     void addSound() {
         if (isBinary(alarm_)) {
-            if (const auto clean = cleanBase64(alarm_.text); clean && !clean->empty())
-                addICalendarLine(out_, "ATTACH", {{"ENCODING", "BASE64"}, {"VALUE", "BINARY"}},
-                                 *clean);
+            const auto clean = cleanBase64(alarm_.text);
+            if (!clean || clean->empty()) return;
+            std::vector<Parameter> parameters = alarm_.targetParameters;
+            parameters.push_back({"ENCODING", "BASE64"});
+            parameters.push_back({"VALUE", "BINARY"});
+            addICalendarLine(out_, "ATTACH", parameters, *clean);
         } else if (isUri(alarm_.text)) {
-            addICalendarLine(out_, "ATTACH", {}, alarm_.text);
+            addICalendarLine(out_, "ATTACH", alarm_.targetParameters, alarm_.text);
             written_.text = alarm_.text;
+        } else {
+            return;
         }
+        hasTarget_ = true;
     }
 
     std::string& out_;
     const Alarm& alarm_;
     std::string_view summary_;
     Alarm written_;
+    bool hasTarget_ = false;
 };
 
 }  // namespace
@@ -155,9 +172,11 @@ void addICalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm,
     for (const EntryProperty& other : alarm.others)
         addICalendarLine(out, other.name, other.parameters, valueText(other));
     // What these lines cannot say goes beside them.
+    std::vector<Parameter> parameters = carriedParameters(alarm.parameters);
+    if (!action.hasTarget()) addTargetParameters(parameters, alarm);
     if (alarm.fromVCalendar &&
-        (writeAlarmFields(action.written()) != alarm.fields || !alarm.parameters.empty()))
-        addICalendarLine(out, keptName(alarm), carriedParameters(alarm.parameters),
+        (writeAlarmFields(action.written()) != alarm.fields || !parameters.empty()))
+        addICalendarLine(out, keptName(alarm), parameters,
                          escapeICalendar(alarm.fields.empty() ? ";" : alarm.fields));
     out += "END:VALARM\r\n";
 }
@@ -165,8 +184,11 @@ void addICalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm,
 EntryProperty keptAlarm(const Alarm& alarm) {
     std::string value = alarm.at ? formatMoment(*alarm.at) : "";
     if (!alarm.fields.empty()) value += ";" + alarm.fields;
+    std::vector<Parameter> parameters = carriedParameters(alarm.parameters);
+    if (!alarm.summary.empty()) parameters.push_back({std::string(kMailSummary), alarm.summary});
+    addTargetParameters(parameters, alarm);
     return {keptName(alarm),
-            carriedParameters(alarm.parameters),
+            std::move(parameters),
             EntryProperty::Type::Raw,
             escapeICalendar(value),
             {},
@@ -202,8 +224,7 @@ void addVCalendarAlarm(std::string& out, const Entry& entry, const Alarm& alarm)
     if (alarm.action == Alarm::Action::Email && !alarm.summary.empty() &&
         alarm.summary != (own == nullptr ? kReminder : std::string_view(own->value())))
         parameters.push_back({std::string(kMailSummary), alarm.summary});
-    for (const Parameter& each : alarm.addressParameters)
-        parameters.push_back({std::string(kICalendarPrefix) + each.name, each.value});
+    addTargetParameters(parameters, alarm);
     // In binary the fields before the sound are on the first line.
     if (isBinary(alarm))
         out += vCalendarBase64(name, parameters, value);

@@ -237,7 +237,10 @@ TEST(Convert, WhatVCalendarLacksIsKeptOrNamed) {
         for (const std::string& kept : split(row["kept"], '\n'))
             EXPECT_TRUE(holds(result.out, kept)) << kept << " in\n" << result.out;
         EXPECT_TRUE(row["message"].empty() || result.tells(row["message"]));
-        EXPECT_EQ(faultOf(toICalendar(result.out).out), "");
+        const std::string back = toICalendar(result.out).out;
+        for (const std::string& kept : split(row["back"], '\n'))
+            EXPECT_TRUE(holds(back, kept)) << kept << " in\n" << back;
+        EXPECT_EQ(faultOf(back), "");
     }
 }
 
