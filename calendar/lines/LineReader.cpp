@@ -108,6 +108,13 @@ bool beginsGrouped(std::string_view line) {
     return false;
 }
 
+// The property that a line is of; Unknown for a name that is not in capitals.
+PropertyName nameIn(std::string_view line, const LineMarks& marks) {
+    const bool named =
+        !line.empty() && isCapital(line.front()) && marks.nameEnd != std::string_view::npos;
+    return named ? propertyName(line.substr(0, marks.nameEnd)) : PropertyName::Unknown;
+}
+
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 // The marks that are passed over two at a time, because together they change nothing: those of an
@@ -281,9 +288,7 @@ void LineReader::markAhead() {
 }
 
 void LineReader::nameAhead() {
-    const bool named =
-        !ahead_.empty() && isCapital(ahead_.front()) && marks_.nameEnd != std::string_view::npos;
-    aheadId_ = named ? propertyName(ahead_.substr(0, marks_.nameEnd)) : PropertyName::Unknown;
+    aheadId_ = nameIn(ahead_, marks_);
 }
 
 // The next physical line where all of it is in the chunk, as nearly all are. What its name is
@@ -412,7 +417,43 @@ void LineReader::append(std::string_view text) {
     line_.text.append(text.substr(0, room));
 }
 
+// Takes a line that is by itself, as the known name of the next one shows. Both are whole in the
+// chunk, as nearly all are. False, and nothing is changed, for any other line.
+bool LineReader::takeUsual() {
+    if (inLine_ || inPhysical_ || !hasAhead_ || aheadId_ == PropertyName::Unknown ||
+        marks_.colon == std::string_view::npos || aheadCut_ || !pieces_.empty() ||
+        !lastEnd_.isWhole())
+        return false;
+    if (marks_.nameEnd < marks_.colon &&
+        encodingBefore(marks_.colon, ahead_) != LineEncoding::Plain)
+        return false;
+    const std::string_view rest(chunk_.data() + at_, chunk_.size() - at_);
+    const LineMarks marks = marksOf(rest);
+    if (marks.end == rest.size()) return false;
+    const std::string_view next(rest.data(), marks.end);
+    const PropertyName id = nameIn(next, marks);
+    if (id == PropertyName::Unknown) return false;
+    if (!line_.usual) clearLine();
+    line_.usual = true;
+    line_.quotedPrintable = false;
+    line_.cut = false;
+    line_.number = aheadNumber_;
+    line_.text.refer(ahead_);
+    line_.id = aheadId_;
+    line_.nameEnd = marks_.nameEnd;
+    line_.colon = marks_.colon;
+    encoding_ = LineEncoding::Plain;
+    at_ += marks.end;
+    lastEnd_.take(chunk_, at_);
+    ahead_ = next;
+    marks_ = marks;
+    aheadId_ = id;
+    ++aheadNumber_;
+    return true;
+}
+
 LineReader::Result LineReader::next() {
+    if (takeUsual()) return Result::Line;
     if (!inLine_) {
         while (!hasAhead_ || (aheadId_ == PropertyName::Unknown && trimmed(ahead_).empty())) {
             const Result result = nextPhysical();
@@ -423,14 +464,6 @@ LineReader::Result LineReader::next() {
     for (;;) {
         if (takeWhole()) {
             nameAhead();
-            // Nearly all lines are by themselves, as the name of the next one shows.
-            if (!joined_ && encoding_ == LineEncoding::Plain && aheadId_ != PropertyName::Unknown &&
-                line_.colon != std::string_view::npos) {
-                inLine_ = false;
-                line_.quotedPrintable = false;
-                line_.usual = line_.id != PropertyName::Unknown && !line_.cut && !line_.indented;
-                return Result::Line;
-            }
         } else if (const Result result = nextPhysical(); result == Result::NeedMore) {
             line_.text.keep();
             return result;
@@ -443,17 +476,20 @@ LineReader::Result LineReader::next() {
     return Result::Line;
 }
 
-void LineReader::beginLine() {
+// A usual line leaves nothing behind.
+void LineReader::clearLine() {
     line_.folds.clear();
     line_.indents.clear();
     line_.indentShown = false;
     line_.swallowed = 0;
     line_.group = 0;
     line_.bare = 0;
-    line_.usual = false;
     line_.openEnd = false;
     line_.indented = false;
-    line_.number = aheadNumber_;
+}
+
+// What stands before a line's name.
+void LineReader::trimAhead() {
     // Files that were put together have marks within.
     while (!ahead_.empty() && ahead_.front() == kUtf8Mark.front() && ahead_.starts_with(kUtf8Mark))
         ahead_.remove_prefix(kUtf8Mark.size());
@@ -463,19 +499,27 @@ void LineReader::beginLine() {
         indented_ = true;
     }
     if (ahead_.size() != marks_.end) markAhead();
+}
+
+void LineReader::beginLine() {
+    if (!line_.usual) clearLine();
+    line_.usual = false;
+    line_.number = aheadNumber_;
+    // A known name begins its line.
+    if (aheadId_ == PropertyName::Unknown) trimAhead();
     line_.text.refer(ahead_);
     if (!pieces_.empty()) line_.text.keep();
     line_.cut = aheadCut_;
     line_.colon = marks_.colon;
     line_.nameEnd = marks_.nameEnd;
     line_.id = aheadId_;
-    width_ = line_.text.size();
-    headEnd_ = line_.colon == std::string::npos ? 0 : width_;
+    width_ = ahead_.size();
+    headEnd_ = marks_.colon == std::string::npos ? 0 : width_;
     pieceBegin_ = 0;
     softBreaks_ = 0;
     emptyLines_ = 0;
     encoding_ =
-        line_.nameEnd < line_.colon ? encodingBefore(line_.colon, ahead_) : LineEncoding::Plain;
+        marks_.nameEnd < marks_.colon ? encodingBefore(marks_.colon, ahead_) : LineEncoding::Plain;
     inLine_ = true;
     joined_ = false;
 }

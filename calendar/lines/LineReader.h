@@ -93,6 +93,9 @@ class LineReader {
     void nameAhead();
     [[nodiscard]] Result nextPhysical();
     [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
+    [[nodiscard]] bool takeUsual();
+    void clearLine();
+    void trimAhead();
     void beginLine();
     [[nodiscard]] bool join();
     [[nodiscard]] bool joinSoft(std::size_t soft);
