@@ -46,6 +46,18 @@ std::string timeOfDay(const Moment& moment) {
     return moment.isDate ? "" : time.substr(9, 2) + ":" + time.substr(11, 2);
 }
 
+// True where an entry keeps what the parameter says, or its value was read by it.
+bool isUsed(const Parameter& parameter, const ContentLine& line) {
+    const std::string_view name = parameter.name;
+    if (name.empty()) return isEncodingWord(parameter.value);
+    if (name == "VALUE"sv || name == "ENCODING"sv || name == "CHARSET"sv) return true;
+    const bool isTrigger = line.id == PropertyName::Trigger;
+    if (name == "TZID"sv) return isTrigger || propertyOf(line.id).held == HeldAs::Date;
+    if (name == "RANGE"sv && equalsIgnoreCase(parameter.value, "THISANDFUTURE"))
+        return line.id == PropertyName::RecurrenceId || line.id == PropertyName::XRecurrenceId;
+    return name == "X-VCAL-FLOATING"sv || (isTrigger && name == "RELATED"sv);
+}
+
 // A decimal number from -most to most.
 bool isDegrees(std::string_view text, int most) {
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
@@ -443,6 +455,7 @@ void EntryReader::takeUid(const ContentLine& line) {
     const std::string_view uid = text(line);
     if (trimmed(uid).empty()) return;
     if (!entry_.uid.empty()) return carry(line, NoteCode::EntryUidTwice, uid);
+    reportParameters(line);
     entry_.uid = trimmed(ruleForm() == RuleForm::ICalendar ? unescapeICalendar(uid)
                                                            : unescapeVCalendar(uid));
 }
@@ -514,9 +527,20 @@ std::optional<Duration> EntryReader::duration(const ContentLine& line, std::stri
     return result;
 }
 
+void EntryReader::reportParameters(const ContentLine& line) {
+    std::string unused;
+    for (const Parameter& each : line.parameters)
+        if (!isUsed(each, line))
+            unused += (unused.empty() ? "" : ", ") + (each.name.empty() ? each.value : each.name);
+    if (!unused.empty())
+        report(Note(NoteCode::ParametersLeftOut, line.number,
+                    {line.name, std::string_view(unused).substr(0, kLongestExcerpt)}));
+}
+
 void EntryReader::takeDuration(const ContentLine& line) {
     entry_.duration = duration(line, line.value);
-    if (!entry_.duration) carry(line, NoteCode::EntryDurationInvalid, line.value);
+    if (!entry_.duration) return carry(line, NoteCode::EntryDurationInvalid, line.value);
+    reportParameters(line);
 }
 
 void EntryReader::takeDate(const ContentLine& line, std::optional<Moment>& slot) {
@@ -533,6 +557,7 @@ void EntryReader::takeDate(const ContentLine& line, std::optional<Moment>& slot)
         carry(line, NoteCode::EntryDateTwice);
     } else {
         slot = read;
+        reportParameters(line);
         if (&slot == &entry_.recurrenceId)
             entry_.thisAndFuture = equalsIgnoreCase(line.parameter("RANGE"), "THISANDFUTURE");
     }
@@ -577,6 +602,7 @@ void EntryReader::readRuleLines() {
             if (!trimmed(line.value).empty()) carry(line);
             continue;
         }
+        reportParameters(line);
         if (isVCalendar && !start->isDate)
             for (Rule& rule : reading.rules) settleUntil(rule, line);
         entry_.rules.push_back(
@@ -620,6 +646,7 @@ bool EntryReader::rulesYield(const Moment& start) const {
 }
 
 void EntryReader::takeDateList(const ContentLine& line) {
+    reportParameters(line);
     const bool excluded = line.id == PropertyName::ExDate;
     bool period = false;
     std::size_t invalid = 0;

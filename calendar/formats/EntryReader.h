@@ -100,6 +100,8 @@ class EntryReader {
     friend class AlarmReader;
 
     void takeLine(const ContentLine& line);
+    // Parameters of a line of which an entry keeps the value alone.
+    void reportParameters(const ContentLine& line);
     void takeDate(const ContentLine& line, std::optional<Moment>& slot);
     void takeDuration(const ContentLine& line);
     // A duration, tidy or not; `text` is of `line`.

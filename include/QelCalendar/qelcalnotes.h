@@ -208,6 +208,9 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_RULE_NUMBER_LARGE = 357,
     /**< The rule contains a number that is too large to be kept as it is. The series has the same
      * dates with the number that was taken. */
+    QELCAL_NOTE_PARAMETERS_LEFT_OUT = 358,
+    /**< The line says more about a date, a rule, an identifier or an alarm than calendars have room
+     * for. Its value is converted. */
     QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
     /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
      * local times, without a time zone. */
