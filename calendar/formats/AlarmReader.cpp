@@ -51,24 +51,24 @@ void AlarmReader::takeProperty(const ContentLine& line) {
             if (const auto snooze = reader_.duration(line, line.value))
                 alarm_.snooze = snooze->total();
             else
-                takeOther(line, EntryProperty::Type::Text);
-            return;
+                return takeOther(line, EntryProperty::Type::Text);
+            return reader_.reportParameters(line);
         case Name::Repeat:
             alarm_.repeat = parseInt(trimmed(line.value));
-            if (!alarm_.repeat) takeOther(line, EntryProperty::Type::Text);
-            return;
+            if (!alarm_.repeat) return takeOther(line, EntryProperty::Type::Text);
+            return reader_.reportParameters(line);
         case Name::Description:
             if (alarm_.hasText || alarm_.action == Action::Audio ||
                 alarm_.action == Action::Procedure)
                 return takeOther(line, EntryProperty::Type::Text);
             alarm_.text = unescapeICalendar(reader_.text(line));
             alarm_.hasText = true;
-            return;
+            return reader_.reportParameters(line);
         case Name::Summary:
             if (alarm_.action != Action::Email || !alarm_.summary.empty())
                 return takeOther(line, EntryProperty::Type::Text);
             alarm_.summary = unescapeICalendar(reader_.text(line));
-            return;
+            return reader_.reportParameters(line);
         case Name::Attendee:
             return alarm_.action == Action::Email ? takeAddress(line)
                                                   : takeOther(line, EntryProperty::Type::Raw);
@@ -80,6 +80,7 @@ void AlarmReader::takeProperty(const ContentLine& line) {
 }
 
 void AlarmReader::takeAction(const ContentLine& line) {
+    reader_.reportParameters(line);
     alarm_.actionName = upper(trimmed(line.value));
     alarm_.action = alarm_.actionName == "AUDIO"       ? Action::Audio
                     : alarm_.actionName == "DISPLAY"   ? Action::Display
@@ -90,6 +91,7 @@ void AlarmReader::takeAction(const ContentLine& line) {
 
 void AlarmReader::takeTrigger(const ContentLine& line) {
     if (std::exchange(hasTrigger_, true)) return takeOther(line, EntryProperty::Type::Text);
+    reader_.reportParameters(line);
     if (const auto duration = reader_.duration(line, line.value)) {
         alarm_.offset = duration->total();
         alarm_.fromEnd = equalsIgnoreCase(line.parameter("RELATED"), "END");

@@ -63,7 +63,9 @@ void VCalEntry::addNoteLines() {
     std::string body;
     for (const EntryProperty& each : entry_.properties)
         if (each.name == "DESCRIPTION"sv) body += (body.empty() ? "" : "\n\n") + each.value();
-    line("BODY", {}, body);
+    const EntryProperty* const first = entry_.find("DESCRIPTION");
+    const std::vector<Parameter> none;
+    line("BODY", first == nullptr ? none : parametersToVCalendar(first->parameters), body);
     addDates();
     addRecurrence();
     for (const EntryProperty& property : entry_.properties)

@@ -29,6 +29,7 @@ class VCalSettling {
         settleRules();
         reportStatus();
         reportTransparency();
+        reportJoinedTexts();
         settleAlarms();
         return std::move(settled_);
     }
@@ -42,6 +43,7 @@ class VCalSettling {
 
     void settleDuration();
     void reportTransparency();
+    void reportJoinedTexts();
     // The rule's end on the start's clock.
     [[nodiscard]] std::string untilText(const std::string& until) const;
     void settleRules();
@@ -74,6 +76,19 @@ void VCalSettling::reportTransparency() {
     for (const EntryProperty& each : entry().properties)
         if (each.name == "TRANSP"sv && transparencyToVCalendar(each.value()).empty())
             addNote(NoteCode::TransparencyKept, each.line, {each.value(), "X-ICAL-TRANSP"});
+}
+
+// The texts of a note become one, with the parameters of the first.
+void VCalSettling::reportJoinedTexts() {
+    const EntryProperty* const first = entry().find("DESCRIPTION");
+    if (first == nullptr || entry().kind != EntryKind::Journal) return;
+    for (const EntryProperty& each : entry().properties) {
+        if (each.name != "DESCRIPTION"sv || each.parameters == first->parameters) continue;
+        std::string names;
+        for (const Parameter& own : each.parameters)
+            names += (names.empty() ? "" : ", ") + own.name;
+        if (!names.empty()) addNote(NoteCode::ParametersLeftOut, each.line, {each.name, names});
+    }
 }
 
 std::string VCalSettling::untilText(const std::string& until) const {
