@@ -21,7 +21,8 @@ constexpr int kLastDay = dayNumber(kLastYear, 12, 31);
 constexpr std::size_t kUnlimited = kLastDay - dayNumber(1, 1, 1) + 2;
 // Days of one occurrence that are marked after its first.
 constexpr int kLongestSpan = 31;
-// Dates of all rules together among which those of the rules of exceptions are looked for.
+// Dates of all rules together, and of lists, among which those of the rules of exceptions are
+// looked for.
 constexpr std::size_t kMostLookedAt = 8000;
 
 // On the start's clock.
@@ -89,7 +90,14 @@ class Series {
         lastException_ = std::max(lastException_, isCut ? kLastDay : days.back());
         // An exception does not begin with the start by itself.
         if (!yieldsStart(rule, start)) days.erase(days.begin());
-        for (const int day : days) exclude(atStartsTime(day));
+        for (const int day : days) excludeOn(day, rule, start);
+    }
+
+    // What the rule takes out of that day: an occurrence at another time of day is another one.
+    void excludeOn(int day, const Rule& rule, const RuleStart& start) {
+        auto each = std::lower_bound(occurrences_.begin(), occurrences_.end(), Occurrence{day, 0});
+        for (; each != occurrences_.end() && each->day == day; ++each)
+            each->excluded = each->excluded || recursAt(rule, start, each->second);
     }
 
     [[nodiscard]] Moment inClock(const Moment& date) const {
@@ -262,6 +270,18 @@ Exclusions excludedByRules(const Entry& entry, std::size_t most) {
         result.dates.push_back(moment);
     }
     return result;
+}
+
+bool isAtOtherTimes(const Entry& entry, const Rule& exception) {
+    const RuleStart start = entry.ruleStart();
+    if (recursAt(exception, start, start.secondOfDay)) return false;
+    if (entry.dates.size() > kMostLookedAt) return false;
+    for (const EntryRule& each : entry.rules)
+        for (const Rule& rule : each.rules)
+            if (!each.exclude && rule.hasTimes()) return false;
+    return std::none_of(entry.dates.begin(), entry.dates.end(), [&](const Moment& date) {
+        return recursAt(exception, start, entry.inClockOf(*entry.start, date).second);
+    });
 }
 
 EntryDays markedDays(const Entry& entry, std::size_t most) {

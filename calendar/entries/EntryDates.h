@@ -35,6 +35,10 @@ struct Exclusions {
 // The dates of the entry that its rules of exceptions (EXRULE) take out. REQUIRES: start.
 [[nodiscard]] Exclusions excludedByRules(const Entry& entry, std::size_t most);
 
+// True for a rule of exceptions that takes nothing out: it recurs at times of day at which the
+// entry has no occurrence. Not looked for where thousands of dates are added. REQUIRES: start.
+[[nodiscard]] bool isAtOtherTimes(const Entry& entry, const Rule& exception);
+
 struct EntryDays {
     std::vector<MarkedDay> days;  // ascending, each once
     bool more = false;            // the series goes on after them

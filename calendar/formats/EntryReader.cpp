@@ -15,6 +15,7 @@
 #include "calendar/formats/Vocabulary.h"
 #include "calendar/rules/Occurrences.h"
 #include "calendar/rules/RuleReader.h"
+#include "calendar/rules/RuleWriteICalendar.h"
 #include "calendar/text/ContentValue.h"
 #include "calendar/text/Escapes.h"
 #include "calendar/text/TransferEncodings.h"
@@ -56,6 +57,20 @@ bool isUsed(const Parameter& parameter, const ContentLine& line) {
     if (name == "RANGE"sv && equalsIgnoreCase(parameter.value, "THISANDFUTURE"))
         return line.id == PropertyName::RecurrenceId || line.id == PropertyName::XRecurrenceId;
     return name == "X-VCAL-FLOATING"sv || (isTrigger && name == "RELATED"sv);
+}
+
+// About the rules of exceptions that take nothing out.
+std::vector<Note> idleExceptions(const Entry& entry) {
+    std::vector<Note> notes;
+    for (const EntryRule& each : entry.rules) {
+        if (!each.exclude) continue;
+        const auto isIdle = [&](const Rule& rule) { return isAtOtherTimes(entry, rule); };
+        const auto idle = std::find_if(each.rules.begin(), each.rules.end(), isIdle);
+        if (idle != each.rules.end())
+            notes.push_back(Note(NoteCode::ExceptionMatchesNothing, each.line,
+                                 {iCalendarText(*idle), "0", "EXRULE", timeOfDay(*entry.start)}));
+    }
+    return notes;
 }
 
 // A decimal number from -most to most.
@@ -270,8 +285,7 @@ void EntryReader::rememberSeries() {
         return;
     bool oneTime = entry_.dates.empty();
     for (const EntryRule& each : entry_.rules)
-        for (const Rule& rule : each.rules)
-            oneTime = oneTime && rule.hours.empty() && rule.minutes.empty() && rule.seconds.empty();
+        for (const Rule& rule : each.rules) oneTime = oneTime && !rule.hasTimes();
     seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone, oneTime};
 }
 
@@ -313,11 +327,9 @@ Moment EntryReader::onDayOfSeries(const Moment& date, const Moment& meant,
 
 bool EntryReader::rulesKeepTime() const {
     if (entry_.rules.size() < ruleLines_.size()) return false;
-    const auto ownTimes = [](const Rule& rule) {
-        return !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
-    };
-    return std::none_of(entry_.rules.begin(), entry_.rules.end(), [&](const EntryRule& each) {
-        return std::any_of(each.rules.begin(), each.rules.end(), ownTimes);
+    return std::none_of(entry_.rules.begin(), entry_.rules.end(), [](const EntryRule& each) {
+        return std::any_of(each.rules.begin(), each.rules.end(),
+                           [](const Rule& rule) { return rule.hasTimes(); });
     });
 }
 
@@ -386,6 +398,7 @@ void EntryReader::takeRecurrence() {
             return entry_.inClockOf(*entry_.start, date) == *entry_.start;
         });
     settleExcluded();
+    for (Note& note : idleExceptions(entry_)) report(std::move(note));
     reportAdditional();
     rememberSeries();
 }

@@ -37,13 +37,21 @@ bool isFineRule(const EntryProperty& property) {
             startsWithIgnoreCase(property.value(), "FREQ=SECONDLY"));
 }
 
-bool hasTimes(const Rule& rule) {
-    return !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
+// True where several rules have times of day of their own: only those of the start are followed.
+bool exceptsOtherTimes(const Entry& entry) {
+    const auto haveTimes = [&entry](bool exclude) {
+        return std::any_of(entry.rules.begin(), entry.rules.end(), [&](const EntryRule& each) {
+            return each.exclude == exclude &&
+                   std::any_of(each.rules.begin(), each.rules.end(),
+                               [](const Rule& rule) { return rule.hasTimes(); });
+        });
+    };
+    return haveTimes(false) && haveTimes(true);
 }
 
 // True for a rule without an occurrence on its start.
 bool isOdd(const Rule& rule, const RuleStart& start) {
-    return !hasTimes(rule) && !yieldsStart(rule, start);
+    return !rule.hasTimes() && !yieldsStart(rule, start);
 }
 
 class ICalSettling {
@@ -264,11 +272,13 @@ void ICalSettling::settleExceptions(const std::string& rule) {
     const auto owner = std::find_if(entry().rules.begin(), entry().rules.end(),
                                     [](const EntryRule& each) { return each.exclude; });
     const std::string count = std::to_string(found.dates.size());
-    if (found.more)
+    if (exceptsOtherTimes(entry()))
+        addNote(NoteCode::ExceptionTimesMissing, {rule, kException}, owner->line);
+    else if (found.more)
         addNote(NoteCode::ExceptionRuleCut,
                 {rule, count, kException, formatMoment({found.through, 0, true, Clock::Floating})},
                 owner->line);
-    else
+    else if (!found.dates.empty())
         addNote(NoteCode::ExceptionRuleAsDates, {rule, count, kException}, owner->line);
     if (found.dates.empty()) return;
     std::vector<Moment>& excluded = settled_.change().excluded;

@@ -146,11 +146,10 @@ void VCalSettling::dropListedExceptions() {
 void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
                                        const RuleStart& start, const std::string& reason) {
     std::string text = iCalendarText(rule);
-    const bool times = !rule.hours.empty() || !rule.minutes.empty() || !rule.seconds.empty();
     RuleLimits limits;
     limits.most = kMostDates + 1;
     const std::vector<int> days =
-        rule.endless() || times ? std::vector<int>() : expandRule(rule, start, limits);
+        rule.endless() || rule.hasTimes() ? std::vector<int>() : expandRule(rule, start, limits);
     if (!days.empty() && days.size() <= kMostDates) {
         Entry& changed = settled_.change();
         std::vector<Moment>& list = owner.exclude ? changed.excluded : changed.dates;
@@ -165,10 +164,12 @@ void VCalSettling::settleInexpressible(const EntryRule& owner, const Rule& rule,
         return;
     }
     const std::string_view name = owner.exclude ? "X-ICAL-EXRULE" : "X-ICAL-RRULE";
-    addNote(
-        NoteCode::RuleKeptForICalendar, owner.line,
-        {reason, text, name,
-         owner.exclude ? "dates that the series leaves out show" : "the entry does not repeat"});
+    // That it takes nothing out was reported when it was read.
+    if (!owner.exclude || !isAtOtherTimes(entry(), rule))
+        addNote(NoteCode::RuleKeptForICalendar, owner.line,
+                {reason, text, name,
+                 owner.exclude ? "dates that the series leaves out show"
+                               : "the entry does not repeat"});
     settled_.rules.push_back({name, std::move(text)});
 }
 

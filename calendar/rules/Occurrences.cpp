@@ -386,4 +386,16 @@ bool yieldsStart(const Rule& rule, const RuleStart& start) {
     return Expander(rule, start, limits).yieldsStart();
 }
 
+bool recursAt(const Rule& rule, const RuleStart& start, int second) {
+    if (start.isDate) return true;
+    const auto has = [](const std::vector<int>& own, int wanted, int ofStart) {
+        return own.empty() ? wanted == ofStart
+                           : std::find(own.begin(), own.end(), wanted) != own.end();
+    };
+    const int own = start.secondOfDay;
+    return has(rule.hours, second / 3600, own / 3600) &&
+           has(rule.minutes, second / 60 % 60, own / 60 % 60) &&
+           has(rule.seconds, second % 60, own % 60);
+}
+
 }  // namespace qel::calendar

@@ -30,6 +30,9 @@ struct RuleLimits {
 // June 2005, or an end before it.
 [[nodiscard]] bool yieldsStart(const Rule& rule, const RuleStart& start);
 
+// True where the rule, on its days, has an occurrence at that second of the day.
+[[nodiscard]] bool recursAt(const Rule& rule, const RuleStart& start, int second);
+
 }  // namespace qel::calendar
 
 #endif

@@ -41,6 +41,10 @@ struct Rule {
     bool operator==(const Rule&) const = default;
 
     [[nodiscard]] bool endless() const { return count == 0 && until.empty(); }
+    // Its own times of day, in place of the start's.
+    [[nodiscard]] bool hasTimes() const {
+        return !hours.empty() || !minutes.empty() || !seconds.empty();
+    }
 };
 
 // The date and time of day that a series starts on, on the clock of its rule.

@@ -211,6 +211,9 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_PARAMETERS_LEFT_OUT = 358,
     /**< The line says more about a date, a rule, an identifier or an alarm than calendars have room
      * for. Its value is converted. */
+    QELCAL_NOTE_EXCEPTION_TIMES_MISSING = 359,
+    /**< The series is at several times of a day, and a rule takes some of them out. The dates at
+     * the start's time of day are taken out one by one, the others are not. */
     QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
     /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
      * local times, without a time zone. */

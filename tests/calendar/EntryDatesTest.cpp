@@ -40,14 +40,17 @@ std::string daysOf(const Entry& entry, std::size_t most) {
 TEST(EntryDates, RulesListsAndExclusionsMakeOneSeries) {
     const Entry entry = eventWith(
         "DTSTART:20050615T083000\nRRULE:FREQ=DAILY;COUNT=6\nEXRULE:FREQ=DAILY;INTERVAL=5;COUNT=2\n"
-        "RDATE:20050616T120000,20050616T083000,20050630T083000\nEXDATE:20050616T083000\n"
+        "RDATE:20050616T120000,20050616T083000,20050629T120000,20050630T083000\n"
+        "EXRULE:FREQ=DAILY;BYHOUR=9\nEXRULE:FREQ=DAILY;BYMONTHDAY=29;BYHOUR=7,12;BYMINUTE=0\n"
+        "EXDATE:20050616T083000\n"
         "EXDATE:20050617\nEXDATE:20050618T090000\nDURATION:PT1H\n");
-    // The exclusions of 15 and 20 June are EXRULE's, an EXDATE at another time excludes nothing.
+    // The exclusions of 15, 20 and 29 June are EXRULE's; a date or a rule at another time excludes
+    // nothing.
     EXPECT_EQ(datesOf(entry, {}),
               "20050616T120000 20050618T083000 20050619T083000 "
               "20050630T083000");
     EXPECT_EQ(daysOf(entry, 100),
-              "(20050615) (20050616) (20050617) 20050618 20050619 (20050620) 20050630 ");
+              "(20050615) (20050616) (20050617) 20050618 20050619 (20050620) (20050629) 20050630 ");
 }
 
 TEST(EntryDates, ARangeIsCutFromTheWholeSeries) {
