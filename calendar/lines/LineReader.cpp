@@ -108,11 +108,11 @@ bool beginsGrouped(std::string_view line) {
     return false;
 }
 
-// The property that a line is of; Unknown for a name that is not in capitals.
-PropertyName nameIn(std::string_view line, const LineMarks& marks) {
-    const bool named =
-        !line.empty() && isCapital(line.front()) && marks.nameEnd != std::string_view::npos;
-    return named ? propertyName(line.substr(0, marks.nameEnd)) : PropertyName::Unknown;
+// The property that a line is of, with which `text` begins; Unknown for a name that is not in
+// capitals.
+PropertyName nameIn(std::string_view text, const LineMarks& marks) {
+    const bool named = marks.nameEnd < text.size() && isCapital(text.front());
+    return named ? propertyName(text, marks.nameEnd) : PropertyName::Unknown;
 }
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
@@ -338,6 +338,9 @@ std::size_t LineReader::passedLength(std::string_view text, std::size_t name) {
 }
 
 void LineReader::passOver(std::string_view entry) {
+    // Lines to be passed over need no index.
+    leaveIndex();
+    passesOver_ = true;
     if (inLine_ || inPhysical_ || !hasAhead_ || !pieces_.empty() || ahead_.empty()) return;
     struct Place {
         std::size_t at;
@@ -417,43 +420,66 @@ void LineReader::append(std::string_view text) {
     line_.text.append(text.substr(0, room));
 }
 
-// Takes a line that is by itself, as the known name of the next one shows. Both are whole in the
-// chunk, as nearly all are. False, and nothing is changed, for any other line.
-bool LineReader::takeUsual() {
-    if (inLine_ || inPhysical_ || !hasAhead_ || aheadId_ == PropertyName::Unknown ||
-        marks_.colon == std::string_view::npos || aheadCut_ || !pieces_.empty() ||
-        !lastEnd_.isWhole())
+// The line that comes after those of the index, as if each of them had been looked at alone.
+void LineReader::leaveIndex() {
+    if (indexed_ == 0) return;
+    const IndexedLine& last = index_[indexAt_];
+    ahead_ = chunk_.substr(last.begin, last.marks.end);
+    marks_ = last.marks;
+    aheadId_ = last.id;
+    at_ = last.next;
+    indexed_ = indexAt_ = 0;
+}
+
+// Finds the lines from the next one on that are by themselves, as the known name of the line after
+// each of them shows. All of them are whole in the chunk. False without one.
+bool LineReader::fillIndex() {
+    leaveIndex();
+    if (inLine_ || inPhysical_ || !hasAhead_ || aheadId_ == PropertyName::Unknown || aheadCut_ ||
+        passesOver_ || !pieces_.empty() || !lastEnd_.isWhole())
         return false;
-    if (marks_.nameEnd < marks_.colon &&
-        encodingBefore(marks_.colon, ahead_) != LineEncoding::Plain)
+    const char* const bytes = chunk_.data();
+    IndexedLine line{static_cast<std::size_t>(ahead_.data() - bytes), at_, marks_, aheadId_};
+    for (;;) {
+        index_[indexed_++] = line;
+        const LineMarks& marks = line.marks;
+        if (marks.colon == std::string_view::npos || indexed_ == index_.size()) break;
+        if (marks.nameEnd < marks.colon &&
+            encodingBefore(marks.colon, {bytes + line.begin, marks.end}) != LineEncoding::Plain)
+            break;
+        const std::string_view rest(bytes + line.next, chunk_.size() - line.next);
+        line.begin = line.next;
+        line.marks = marksOf(rest);
+        if (line.marks.end == rest.size()) break;
+        line.id = nameIn(rest, line.marks);
+        if (line.id == PropertyName::Unknown) break;
+        line.next += line.marks.end;
+        lastEnd_.take(chunk_, line.next);
+        if (!lastEnd_.isWhole()) break;
+    }
+    lastEnd_.begin('\n');
+    if (indexed_ < 2) {
+        indexed_ = 0;
         return false;
-    const std::string_view rest(chunk_.data() + at_, chunk_.size() - at_);
-    const LineMarks marks = marksOf(rest);
-    if (marks.end == rest.size()) return false;
-    const std::string_view next(rest.data(), marks.end);
-    const PropertyName id = nameIn(next, marks);
-    if (id == PropertyName::Unknown) return false;
+    }
     if (!line_.usual) clearLine();
     line_.usual = true;
     line_.quotedPrintable = false;
     line_.cut = false;
-    line_.number = aheadNumber_;
-    line_.text.refer(ahead_);
-    line_.id = aheadId_;
-    line_.nameEnd = marks_.nameEnd;
-    line_.colon = marks_.colon;
     encoding_ = LineEncoding::Plain;
-    at_ += marks.end;
-    lastEnd_.take(chunk_, at_);
-    ahead_ = next;
-    marks_ = marks;
-    aheadId_ = id;
-    ++aheadNumber_;
     return true;
 }
 
 LineReader::Result LineReader::next() {
-    if (takeUsual()) return Result::Line;
+    if (indexAt_ + 1 < indexed_ || fillIndex()) {
+        const IndexedLine& line = index_[indexAt_++];
+        line_.number = aheadNumber_++;
+        line_.text.refer({chunk_.data() + line.begin, line.marks.end});
+        line_.id = line.id;
+        line_.nameEnd = line.marks.nameEnd;
+        line_.colon = line.marks.colon;
+        return Result::Line;
+    }
     if (!inLine_) {
         while (!hasAhead_ || (aheadId_ == PropertyName::Unknown && trimmed(ahead_).empty())) {
             const Result result = nextPhysical();

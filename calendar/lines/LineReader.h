@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_LINES_LINEREADER_H
 #define QEL_CALENDAR_LINES_LINEREADER_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -93,7 +94,8 @@ class LineReader {
     void nameAhead();
     [[nodiscard]] Result nextPhysical();
     [[nodiscard]] static LineEncoding encodingBefore(std::size_t colon, std::string_view text);
-    [[nodiscard]] bool takeUsual();
+    void leaveIndex();
+    [[nodiscard]] bool fillIndex();
     void clearLine();
     void trimAhead();
     void beginLine();
@@ -129,6 +131,21 @@ class LineReader {
     bool hasAhead_ = false;
     bool inPhysical_ = false;   // its end has not come yet
     bool anyPhysical_ = false;  // its beginning has
+
+    // Usual lines that were found together, in the chunk. The last one only shows that the one
+    // before it is by itself. While there are any, what is known of the line ahead is not that of
+    // ahead_.
+    struct IndexedLine {
+        std::size_t begin = 0;
+        std::size_t next = 0;  // after its end
+        LineMarks marks;
+        PropertyName id = PropertyName::Unknown;
+    };
+    static constexpr std::size_t kMostIndexed = 64;
+    std::array<IndexedLine, kMostIndexed> index_;
+    std::size_t indexed_ = 0;
+    std::size_t indexAt_ = 0;  // the next one
+    bool passesOver_ = false;
 
     RawLine line_;
     LineEncoding encoding_ = LineEncoding::Plain;

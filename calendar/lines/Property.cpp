@@ -19,6 +19,8 @@ using P = Property;
 constexpr std::uint8_t kEntries = P::kEvent | P::kTodo | P::kJournal;
 constexpr std::uint8_t kBoth = P::kICalendar | P::kVCalendar;
 
+}  // namespace
+
 constexpr Property kProperties[] = {
     {Name::Unknown, "", Type::Text, Held::Other, 0, 0, false},
     {Name::Begin, "BEGIN", Type::Text, Held::Other, 0, kBoth, false},
@@ -110,6 +112,9 @@ constexpr Property kProperties[] = {
     {Name::Transp, "TRANSP", Type::Text, Held::Property, P::kEvent, kBoth, true},
     {Name::Url, "URL", Type::Raw, Held::Property, kEntries | P::kCalendar, kBoth, true},
 };
+
+namespace {
+
 static_assert(
     [] {
         std::size_t next = 0;
@@ -131,28 +136,28 @@ constexpr std::size_t slotOf(std::string_view name) {
            kSlots;
 }
 
-std::uint32_t fourBytes(const char* text) {
-    std::uint32_t word = 0;
-    std::memcpy(&word, text, sizeof word);
-    return word;
-}
+// A name followed by zeros. Names are short: calling a function takes longer than to compare two
+// words.
+constexpr std::size_t kLongestName = 16;
+struct NameBlock {
+    std::array<char, kLongestName> bytes{};
+};
 
-// Names are short: calling a function takes longer than the comparison. REQUIRES: not empty.
-bool isSame(std::string_view one, std::string_view other) {
-    if (one.size() != other.size()) return false;
-    const std::size_t size = one.size();
-    if (size >= 4 && size < 8)
-        return fourBytes(one.data()) == fourBytes(other.data()) &&
-               fourBytes(one.data() + size - 4) == fourBytes(other.data() + size - 4);
-    if (size >= 8) {
-        for (std::size_t at = 0; at + 8 < size; at += 8)
-            if (eightBytes(one.data() + at) != eightBytes(other.data() + at)) return false;
-        return eightBytes(one.data() + size - 8) == eightBytes(other.data() + size - 8);
-    }
-    for (std::size_t at = 0; at < size; ++at)
-        if (one[at] != other[at]) return false;
-    return true;
-}
+constexpr auto kBlocks = [] {
+    std::array<NameBlock, std::size(kProperties)> blocks{};
+    for (std::size_t each = 0; each < blocks.size(); ++each)
+        for (std::size_t at = 0; at < kProperties[each].name.size(); ++at)
+            blocks[each].bytes[at] = kProperties[each].name[at];
+    return blocks;
+}();
+
+// All bits of as many bytes as the row says.
+constexpr auto kMasks = [] {
+    std::array<NameBlock, kLongestName + 1> masks{};
+    for (std::size_t length = 0; length < masks.size(); ++length)
+        for (std::size_t at = 0; at < length; ++at) masks[length].bytes[at] = '\xFF';
+    return masks;
+}();
 
 // Each name's number at its slot; elsewhere 0.
 constexpr auto kTable = [] {
@@ -171,14 +176,23 @@ static_assert(
 
 }  // namespace
 
-const Property& propertyOf(PropertyName name) {
-    return kProperties[static_cast<std::size_t>(name)];
+PropertyName propertyName(std::string_view text, std::size_t length) {
+    if (length == 0 || length > kLongestName) return PropertyName::Unknown;
+    const std::size_t found = kTable[slotOf(text.substr(0, length))];
+    const char* const name = kBlocks[found].bytes.data();
+    if (text.size() < kLongestName) {
+        const bool same = kProperties[found].name == text.substr(0, length);
+        return same ? static_cast<PropertyName>(found) : PropertyName::Unknown;
+    }
+    const char* const mask = kMasks[length].bytes.data();
+    const std::uint64_t first = eightBytes(text.data()) & eightBytes(mask);
+    const std::uint64_t rest = eightBytes(text.data() + 8) & eightBytes(mask + 8);
+    const bool same = first == eightBytes(name) && rest == eightBytes(name + 8);
+    return same ? static_cast<PropertyName>(found) : PropertyName::Unknown;
 }
 
 PropertyName propertyName(std::string_view name) {
-    if (name.empty()) return PropertyName::Unknown;
-    const Property& found = kProperties[kTable[slotOf(name)]];
-    return isSame(found.name, name) ? found.id : PropertyName::Unknown;
+    return propertyName(name, name.size());
 }
 
 }  // namespace qel::calendar

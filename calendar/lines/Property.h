@@ -3,6 +3,7 @@
 #ifndef QEL_CALENDAR_LINES_PROPERTY_H
 #define QEL_CALENDAR_LINES_PROPERTY_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -133,10 +134,15 @@ struct Property {
 };
 
 // Unknown has no place and no format.
-[[nodiscard]] const Property& propertyOf(PropertyName name);
+extern const Property kProperties[];
+[[nodiscard]] inline const Property& propertyOf(PropertyName name) {
+    return kProperties[static_cast<std::size_t>(name)];
+}
 
 // `name` is in capitals, as all names are here; Unknown for one that is not in the table.
 [[nodiscard]] PropertyName propertyName(std::string_view name);
+// The same for the name in the first `length` bytes of `text`, which is quicker where more follows.
+[[nodiscard]] PropertyName propertyName(std::string_view text, std::size_t length);
 
 }  // namespace qel::calendar
 
