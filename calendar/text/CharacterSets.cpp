@@ -186,6 +186,8 @@ std::string toUtf8(std::string text, std::string_view set, std::string_view unla
     const std::string_view taken = unlabelled.empty() ? "windows-1252" : unlabelled;
     if (saysUtf8)
         notes.push_back(Note(NoteCode::TextNotUtf8, 0, {taken}));
+    else if (unlabelled.empty() && !set.empty())
+        notes.push_back(Note(NoteCode::TextNotAscii, 0, {taken, set}));
     else if (unlabelled.empty())
         notes.emplace_back(NoteCode::CharacterSetMissing);
     return unlabelled.empty() ? fromWindows1252(text)

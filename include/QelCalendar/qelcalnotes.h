@@ -214,6 +214,9 @@ typedef enum qelcal_note_code {
     QELCAL_NOTE_EXCEPTION_TIMES_MISSING = 359,
     /**< The series is at several times of a day, and a rule takes some of them out. The dates at
      * the start's time of day are taken out one by one, the others are not. */
+    QELCAL_NOTE_TEXT_NOT_ASCII = 360,
+    /**< The file says that this text has nothing but plain letters, digits and signs, but it has
+     * other bytes too. Most such texts are in the character set of Western European Windows. */
     QELCAL_NOTE_UTC_OFFSET_INVALID = 401,
     /**< The file gives its distance from UTC in a form that cannot be read. Its times are kept as
      * local times, without a time zone. */
