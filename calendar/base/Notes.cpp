@@ -1,7 +1,10 @@
 #include "calendar/base/Notes.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
@@ -20,6 +23,17 @@ constexpr NoteKind kKinds[] = {
 static_assert(std::is_sorted(std::begin(kKinds), std::end(kKinds),
                              [](const NoteKind& a, const NoteKind& b) { return a.code <= b.code; }),
               "numbers ascend, and each stands once");
+
+// The rows by their numbers; elsewhere kNoRow.
+constexpr std::size_t kNumbers = 1000;
+constexpr std::uint16_t kNoRow = 0xFFFF;
+constexpr auto kRows = [] {
+    std::array<std::uint16_t, kNumbers> rows{};
+    rows.fill(kNoRow);
+    for (std::size_t row = 0; row < std::size(kKinds); ++row)
+        rows[static_cast<std::size_t>(kKinds[row].code)] = static_cast<std::uint16_t>(row);
+    return rows;
+}();
 
 // The value that `hole`, the inside of "{0}", "{q0}" or "{+0}", asks for.
 std::string valueFor(std::string_view hole, const std::vector<std::string>& values) {
@@ -40,11 +54,9 @@ std::span<const NoteKind> noteKinds() {
 }
 
 const NoteKind& noteKind(NoteCode code) {
-    const NoteKind* const found =
-        std::lower_bound(std::begin(kKinds), std::end(kKinds), code,
-                         [](const NoteKind& kind, NoteCode wanted) { return kind.code < wanted; });
-    assert(found != std::end(kKinds) && found->code == code);
-    return *found;
+    const std::size_t row = kRows[static_cast<std::size_t>(code)];
+    assert(row != kNoRow);
+    return kKinds[row];
 }
 
 std::string_view severityName(Severity severity) {

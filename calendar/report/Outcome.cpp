@@ -25,21 +25,22 @@ void Tally::addFile(std::string name) {
 
 void Tally::note(const Note& note) {
     OutcomeCounts& counts = files_.back().counts;
-    if (note.severity() == Severity::Warning) ++counts.warnings;
-    if (note.severity() == Severity::Error) ++counts.errors;
-    if (note.fate() == Fate::Lost) ++counts.lost;
-    if (note.severity() == Severity::Note) return;
-    add({note, files_.size(), 1});
+    const NoteKind& kind = noteKind(note.code);
+    if (kind.severity == Severity::Warning) ++counts.warnings;
+    if (kind.severity == Severity::Error) ++counts.errors;
+    if (kind.fate == Fate::Lost) ++counts.lost;
+    if (kind.severity == Severity::Note) return;
+    if (NoteGroup* const known = groupOf(note.code))
+        ++known->count;
+    else
+        groups_.push_back({note, files_.size(), 1});
 }
 
-void Tally::add(const NoteGroup& group) {
-    const auto known = std::find_if(
-        groups_.begin(), groups_.end(),
-        [&group](const NoteGroup& each) { return each.first.code == group.first.code; });
-    if (known != groups_.end())
-        known->count += group.count;
-    else
-        groups_.push_back(group);
+NoteGroup* Tally::groupOf(NoteCode code) {
+    const auto known = std::find_if(groups_.begin(), groups_.end(), [code](const NoteGroup& each) {
+        return each.first.code == code;
+    });
+    return known == groups_.end() ? nullptr : &*known;
 }
 
 void Tally::join(const Tally& other) {
@@ -47,7 +48,10 @@ void Tally::join(const Tally& other) {
     files_.insert(files_.end(), other.files_.begin(), other.files_.end());
     for (NoteGroup group : other.groups_) {
         group.file += before;
-        add(group);
+        if (NoteGroup* const known = groupOf(group.first.code))
+            known->count += group.count;
+        else
+            groups_.push_back(std::move(group));
     }
 }
 

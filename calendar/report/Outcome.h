@@ -71,7 +71,8 @@ class Tally : public ConversionObserver {
     [[nodiscard]] std::vector<NoteGroup> worthALook() const;
 
   private:
-    void add(const NoteGroup& group);
+    // Null without one.
+    [[nodiscard]] NoteGroup* groupOf(NoteCode code);
 
     std::vector<FileOutcome> files_;
     std::vector<NoteGroup> groups_;  // in the order of their first notes

@@ -38,6 +38,8 @@ class Converter {
     using Output = std::function<void(const char* bytes, std::size_t size)>;
     /// Receives a note.
     using OnNote = std::function<void(const Note& note)>;
+    /// Receives a note of the C interface, which is valid during the call. Not null.
+    using OnNoteHandle = std::function<void(const qelcal_note* note)>;
     /// Receives an entry after its conversion.
     using OnEntry = std::function<void(const Converted& converted)>;
 
@@ -49,6 +51,11 @@ class Converter {
 
     /// From now on `note` (empty: nobody) receives every note at once.
     void onNote(OnNote note) {
+        if (!note) return onNoteHandle({});
+        onNoteHandle([note](const qelcal_note* each) { note(Note(each)); });
+    }
+    /// The same without a copy, for those who look at few notes. It takes the place of onNote.
+    void onNoteHandle(OnNoteHandle note) {
         state_->note = std::move(note);
         detail::check(qelcal_converter_on_note(
             converter_.get(), state_->note ? &State::report : nullptr, state_.get()));
@@ -132,7 +139,7 @@ class Converter {
         }
         static int QELCALENDAR_CALL report(void* context, const qelcal_note* note) {
             State& state = *static_cast<State*>(context);
-            return state.guarded([&] { state.note(Note(note)); });
+            return state.guarded([&] { state.note(note); });
         }
         static int QELCALENDAR_CALL convert(void* context, const qelcal_converted* converted) {
             State& state = *static_cast<State*>(context);
@@ -145,7 +152,7 @@ class Converter {
         }
 
         Output output;
-        OnNote note;
+        OnNoteHandle note;
         OnEntry entry;
         std::exception_ptr problem;
     };

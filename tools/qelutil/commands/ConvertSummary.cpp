@@ -51,16 +51,16 @@ std::uint64_t contactsIn(const std::vector<OtherFile>& others) {
 
 }  // namespace
 
-void FileOutcome::take(const qelcal::Note& note, bool verbose) {
-    if (!verbose && note.severity == QELCAL_NOTE) {
+void FileOutcome::take(const qelcal_note* note, bool verbose) {
+    if (!verbose && qelcal_note_severity(note) == QELCAL_NOTE) {
         ++hidden;
         return;
     }
     const auto group = std::find_if(shown.begin(), shown.end(), [&](const NoteGroup& each) {
-        return !verbose && each.first.code == note.code;
+        return !verbose && each.first.code == qelcal_note_code_of(note);
     });
     if (group == shown.end()) {
-        shown.push_back({note, 1});
+        shown.push_back({qelcal::Note(note), 1});
     } else {
         ++group->count;
         ++hidden;

@@ -32,7 +32,7 @@ struct FileOutcome {
 
     // Adds a note of the file. `verbose`: every note is shown by itself, those of severity "note"
     // included.
-    void take(const qelcal::Note& note, bool verbose);
+    void take(const qelcal_note* note, bool verbose);
     // Entries that are in a result.
     [[nodiscard]] std::uint64_t converted() const { return reason.empty() ? counts.entries : 0; }
     // No warning and no error.

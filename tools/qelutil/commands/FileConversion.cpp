@@ -57,7 +57,7 @@ void choose(qelcal::Converter& converter, const ConvertOptions& options) {
 void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
               const std::function<FileOutcome&()>& current) {
     choose(converter, options);
-    converter.onNote([current, verbose = options.verbose](const qelcal::Note& note) {
+    converter.onNoteHandle([current, verbose = options.verbose](const qelcal_note* note) {
         current().take(note, verbose);
     });
     if (!options.json) return;
