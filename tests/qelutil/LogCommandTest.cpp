@@ -123,6 +123,7 @@ TEST_F(LogCommandTest, CountsFromTheBeginningOfTheLogs) {
                   .out,
               "01/02 00:00:00.000 [0001] b\n");
     fails(1, {"log", "-"}, "a calendar, not a trace log", "BEGIN:VCALENDAR\nEND:VCALENDAR\n");
+    fails(1, {"log", "-"}, "a page with a calendar in it", "<p>\nBEGIN:VCALENDAR\nEND:VCALENDAR\n");
     fails(1, {"log", "-"}, "the options of a trace log", "[LogSettings]\nMaxFileSize=7\n");
     // Without a name, this computer's log.
     EXPECT_TRUE(contains(run({"log", "--errors"}, at("logs/phones/old/b.log")).out, "Error 7"));

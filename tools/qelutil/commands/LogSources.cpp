@@ -5,6 +5,7 @@
 #include <fstream>
 #include <istream>
 #include <streambuf>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -53,6 +54,12 @@ bool isOptions(const std::string& text) {
     return lower.starts_with("[logsettings]") || lower.find("\n[logsettings]") != std::string::npos;
 }
 
+// A report, a message or another web page may have a calendar in it.
+bool isPage(std::string_view head) {
+    const std::size_t first = head.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && head[first] == '<';
+}
+
 // Throws InputError for a file that is certainly no trace log; `head` is the beginning of it.
 void checkIsLog(Context& context, const std::string& name, const std::string& head) {
     if (looksLikeTrace(head)) return;
@@ -70,8 +77,11 @@ void checkIsLog(Context& context, const std::string& name, const std::string& he
                 "right file?");
             return;
         case QELCAL_KIND_CALENDAR:
-            throw InputError(name +
-                             ": this is a calendar, not a trace log; `qelutil show` reads it");
+            throw InputError(
+                name + (isPage(head)
+                            ? ": this is a page with a calendar in it, not a trace log; `qelutil "
+                              "show` reads the calendar"
+                            : ": this is a calendar, not a trace log; `qelutil show` reads it"));
         default:
             throw InputError(name + ": this is not a trace log: it is " + qelcal_kind_text(kind));
     }
