@@ -18,7 +18,8 @@ class NoWriter final : public EntryWriter {
   public:
     NoWriter() : EntryWriter(nowhere_, [](const Note&) {}), nowhere_(nullptr) {}
     void calendar(const std::vector<EntryProperty>&) override {}
-    void write(const Entry&) override {}
+    void draft(const Entry&, EntryDraft&) const override {}
+    void add(EntryDraft&) override {}
     void finish() override {}
 
   private:

@@ -16,7 +16,8 @@ class FileHolder::Writer final : public EntryWriter {
         holder_.add().calendar =
             std::make_unique<HeldCalendar>(HeldCalendar{*holder_.converter_.target(), properties});
     }
-    void write(const Entry&) override {}
+    void draft(const Entry&, EntryDraft&) const override {}
+    void add(EntryDraft&) override {}
     void finish() override {}
 
   private:

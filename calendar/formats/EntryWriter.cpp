@@ -29,17 +29,17 @@ void EntryWriter::beginEntry() {
     entryBegin_ = text_.size();
 }
 
-EntryWriter::Verdict EntryWriter::judge(const Entry& entry,
-                                        std::initializer_list<std::string_view> content) {
+EntryWriter::Verdict EntryWriter::judge(const EntryDraft& draft) {
+    const Entry& entry = draft.settled->entry();
     // The same entry of two files has the same made UID.
     const bool made = entry.uid.empty();
-    const std::string& own = made ? entry.madeUid : entry.uid;
+    const std::string& own = made ? draft.settled->read().madeUid : entry.uid;
     if (own.empty()) return {};
     std::string instance;
     if (entry.recurrenceId)
         instance = formatMoment(entry.toUtc(*entry.recurrenceId).value_or(*entry.recurrenceId));
     const ContentDigest key = contentDigest({own, instance, entry.component});
-    const ContentDigest body = contentDigest(content);
+    const ContentDigest& body = draft.content;
     const ContentDigest all{key.low ^ body.low, key.high + body.high};
     const WrittenEntries::Found found = written_.add(key, all);
     if (found == WrittenEntries::Found::Same) {

@@ -1,21 +1,32 @@
-// From entries to a file of either format, one entry after the other. One thread.
+// From entries to a file of either format, one entry after the other. One thread, but for draft().
 #ifndef QEL_CALENDAR_FORMATS_ENTRYWRITER_H
 #define QEL_CALENDAR_FORMATS_ENTRYWRITER_H
 
 #include <cstddef>
 #include <functional>
-#include <initializer_list>
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "calendar/base/Notes.h"
 #include "calendar/entries/Entry.h"
+#include "calendar/formats/SettledEntry.h"
 #include "calendar/formats/WrittenEntries.h"
 
 namespace qel::calendar {
+
+// What a writer makes of an entry by itself. To be used again for the next entry: its texts keep
+// their memory.
+struct EntryDraft {
+    std::optional<SettledEntry> settled;
+    std::string lines;       // the entry's own
+    std::string alarmLines;  // iCalendar alone has them apart
+    ContentDigest content;   // of all that makes two entries the same
+    bool usesZone = false;   // a line names the entry's zone
+};
 
 class EntryWriter {
   public:
@@ -30,7 +41,16 @@ class EntryWriter {
     virtual void calendar(const std::vector<EntryProperty>& properties) = 0;
     // Writes the entry and reports what the format cannot express. One with the UID and the content
     // of an earlier one is not written again.
-    virtual void write(const Entry& entry) = 0;
+    void write(const Entry& entry) {
+        draft(entry, draft_);
+        add(draft_);
+        draft_.settled.reset();
+    }
+    // The same in two steps. The first one may be done by any thread, whatever the others do, for
+    // entries to come; the second one is done in their order. `entry` must last until then; only
+    // its madeUid may be changed in between.
+    virtual void draft(const Entry& entry, EntryDraft& draft) const = 0;
+    virtual void add(EntryDraft& draft) = 0;
     // From here on an entry with the UID of an earlier one and other content gets a new UID.
     void makeUidsDistinct(bool distinct) {
         distinctUids_ = distinct;
@@ -53,13 +73,12 @@ class EntryWriter {
         for (Note& note : notes) sink_(std::move(note));
     }
     void report(Note note) { sink_(std::move(note)); }
-    // What is to be done with an entry whose content, in the format's words, is `content`.
+    // What is to be done with an entry.
     struct Verdict {
         bool twice = false;
         std::string uid;  // a new one; "" to keep the entry's own
     };
-    [[nodiscard]] Verdict judge(const Entry& entry,
-                                std::initializer_list<std::string_view> content);
+    [[nodiscard]] Verdict judge(const EntryDraft& draft);
     // Reports the properties of a later calendar that the open one lacks.
     void reportDifferent(const std::vector<std::string>& have,
                          const std::vector<std::string>& lines,
@@ -75,6 +94,7 @@ class EntryWriter {
   private:
     std::ostream& out_;
     NoteSink sink_;
+    EntryDraft draft_;            // of the entry that is being written
     std::string text_;            // that waits for flush()
     std::size_t entryBegin_ = 0;  // in text_
     bool keepsEntryLines_ = false;

@@ -6,7 +6,6 @@
 #include "calendar/formats/AlarmText.h"
 #include "calendar/formats/EntryWriter.h"
 #include "calendar/text/ContentText.h"
-#include "calendar/text/Digest.h"
 #include "calendar/text/Escapes.h"
 
 namespace qel::calendar {
@@ -50,12 +49,6 @@ void ICalEntry::addLines() {
     for (const Alarm& alarm : entry_.alarms)
         addICalendarAlarm(alarmLines_, entry_, alarm,
                           hasSummary ? std::string_view(summary->value()) : kReminder);
-}
-
-std::string ICalEntry::uid() const {
-    if (!entry_.uid.empty()) return entry_.uid;
-    if (!entry_.madeUid.empty()) return entry_.madeUid;
-    return digestOf(unfolded(lines_) + unfolded(alarmLines_)) + "@qelutil";
 }
 
 const std::vector<Parameter>& ICalEntry::parametersOf(bool isDate, Clock clock) {

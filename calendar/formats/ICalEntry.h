@@ -24,9 +24,6 @@ class ICalEntry {
         : settled_(settled), entry_(settled.entry()), lines_(lines), alarmLines_(alarmLines) {}
 
     void addLines();
-    // The entry's own, or one made of its lines: the same entry gives the same, whenever it is
-    // converted. REQUIRES: addLines().
-    [[nodiscard]] std::string uid() const;
     // True when a line names the entry's zone.
     [[nodiscard]] bool usesZone() const { return !zoneName_.empty(); }
 

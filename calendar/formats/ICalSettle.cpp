@@ -56,9 +56,9 @@ bool isOdd(const Rule& rule, const RuleStart& start) {
 
 class ICalSettling {
   public:
-    explicit ICalSettling(const Entry& entry) : settled_(entry) {}
+    explicit ICalSettling(SettledEntry& settled) : settled_(settled) {}
 
-    SettledEntry settle() {
+    void settle() {
         settleStart();
         settleEnd();
         settleDue();
@@ -69,7 +69,6 @@ class ICalSettling {
         settleRules();
         settleProperties();
         settleAlarms();
-        return std::move(settled_);
     }
 
   private:
@@ -112,7 +111,7 @@ class ICalSettling {
     [[nodiscard]] bool allowed(const EntryProperty& property);
     void settleAlarms();
 
-    SettledEntry settled_;
+    SettledEntry& settled_;
     bool odd_ = false;  // a rule that adds dates does not yield the start
     std::bitset<static_cast<std::size_t>(kLastPropertyName) + 1> seen_;  // that may stand once
 };
@@ -341,8 +340,8 @@ void ICalSettling::settleAlarms() {
 
 }  // namespace
 
-SettledEntry settledForICalendar(const Entry& entry) {
-    return ICalSettling(entry).settle();
+void settleForICalendar(SettledEntry& settled) {
+    ICalSettling(settled).settle();
 }
 
 }  // namespace qel::calendar

@@ -6,9 +6,10 @@
 
 namespace qel::calendar {
 
-// `entry` as iCalendar allows it: an event has a start, ends come after starts, properties stand
-// where they may and as often as they may. What has no place there becomes an X-VCAL- property.
-[[nodiscard]] SettledEntry settledForICalendar(const Entry& entry);
+// Puts the entry in the order that iCalendar demands: an event has a start, ends come after starts,
+// properties stand where they may and as often as they may. What has no place there becomes an
+// X-VCAL- property.
+void settleForICalendar(SettledEntry& settled);
 
 }  // namespace qel::calendar
 

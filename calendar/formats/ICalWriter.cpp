@@ -8,6 +8,7 @@
 #include "calendar/formats/ICalEntry.h"
 #include "calendar/formats/ICalSettle.h"
 #include "calendar/text/ContentText.h"
+#include "calendar/text/Digest.h"
 #include "calendar/zones/ZoneText.h"
 
 namespace qel::calendar {
@@ -20,6 +21,16 @@ constexpr std::size_t kMostZones = 1000;
 constexpr int kUsualFirstYear = 1970;
 // So long the clocks of two zones have to agree for a series without an end.
 constexpr int kLastYearCompared = 2099;
+
+// The entry's own, or one made of its lines: the same entry gives the same, whenever it is
+// converted.
+std::string uidOf(const EntryDraft& draft) {
+    const Entry& read = draft.settled->read();
+    const std::string& own = draft.settled->entry().uid;
+    if (!own.empty()) return own;
+    if (!read.madeUid.empty()) return read.madeUid;
+    return digestOf(unfolded(draft.lines) + unfolded(draft.alarmLines)) + "@qelutil";
+}
 
 }  // namespace
 
@@ -53,32 +64,37 @@ void ICalWriter::close() {
     open_ = false;
 }
 
-void ICalWriter::write(const Entry& read) {
-    SettledEntry settled = settledForICalendar(read);
-    report(std::move(settled.notes));
-    const Entry& entry = settled.entry();
-    lines_.clear();
-    alarmLines_.clear();
-    ICalEntry formatted(settled, lines_, alarmLines_);
+void ICalWriter::draft(const Entry& read, EntryDraft& draft) const {
+    settleForICalendar(draft.settled.emplace(read));
+    draft.lines.clear();
+    draft.alarmLines.clear();
+    ICalEntry formatted(*draft.settled, draft.lines, draft.alarmLines);
     formatted.addLines();
+    draft.usesZone = formatted.usesZone();
     // An export has a DTSTAMP of its own, on the first line.
-    const std::string_view content =
-        std::string_view(lines_).substr(std::min(lines_.find('\n'), lines_.size()));
-    const Verdict verdict = judge(entry, {content, alarmLines_});
+    const std::string_view lines = draft.lines;
+    const std::string_view content = lines.substr(std::min(lines.find('\n'), lines.size()));
+    draft.content = contentDigest({content, draft.alarmLines});
+}
+
+void ICalWriter::add(EntryDraft& draft) {
+    report(std::move(draft.settled->notes));
+    const Entry& entry = draft.settled->entry();
+    const Verdict verdict = judge(draft);
     if (verdict.twice) return beginEntry();
-    if (zones_.size() >= kMostZones || (formatted.usesZone() && !holdsZoneOf(entry))) close();
+    if (zones_.size() >= kMostZones || (draft.usesZone && !holdsZoneOf(entry))) close();
     open();
-    if (formatted.usesZone()) writeZoneOf(entry);
+    if (draft.usesZone) writeZoneOf(entry);
     const char* name = entry.kind == EntryKind::Event  ? "VEVENT"
                        : entry.kind == EntryKind::Todo ? "VTODO"
                                                        : "VJOURNAL";
     beginEntry();
     text() += "BEGIN:";
     put(name);
-    addICalendarLine(text(), "UID", {}, verdict.uid.empty() ? formatted.uid() : verdict.uid,
+    addICalendarLine(text(), "UID", {}, verdict.uid.empty() ? uidOf(draft) : verdict.uid,
                      Value::Escaped);
-    text() += lines_;
-    text() += alarmLines_;
+    text() += draft.lines;
+    text() += draft.alarmLines;
     text() += "END:";
     put(name);
 }

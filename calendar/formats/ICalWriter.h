@@ -17,7 +17,8 @@ class ICalWriter final : public EntryWriter {
   public:
     using EntryWriter::EntryWriter;
     void calendar(const std::vector<EntryProperty>& properties) override;
-    void write(const Entry& entry) override;
+    void draft(const Entry& entry, EntryDraft& draft) const override;
+    void add(EntryDraft& draft) override;
     void finish() override;
 
   private:
@@ -37,10 +38,6 @@ class ICalWriter final : public EntryWriter {
         int since;  // the year from which on its description is right
     };
     std::map<std::string, DescribedZone, std::less<>> zones_;  // in the open calendar, by TZID
-    // The folded lines of the entry that is being written, and those of its alarms. Members, so
-    // that the next entry uses the same memory.
-    std::string lines_;
-    std::string alarmLines_;
 };
 
 }  // namespace qel::calendar

@@ -22,16 +22,15 @@ constexpr std::size_t kMostDates = 500;
 
 class VCalSettling {
   public:
-    explicit VCalSettling(const Entry& entry) : settled_(entry) {}
+    explicit VCalSettling(SettledEntry& settled) : settled_(settled) {}
 
-    SettledEntry settle() {
+    void settle() {
         settleDuration();
         settleRules();
         reportStatus();
         reportTransparency();
         reportJoinedTexts();
         settleAlarms();
-        return std::move(settled_);
     }
 
   private:
@@ -57,7 +56,7 @@ class VCalSettling {
     }
     void settleAlarms();
 
-    SettledEntry settled_;
+    SettledEntry& settled_;
 };
 
 // The days of a duration are of the wall clock, the rest is elapsed time.
@@ -202,8 +201,8 @@ void VCalSettling::settleAlarms() {
 
 }  // namespace
 
-SettledEntry settledForVCalendar(const Entry& entry) {
-    return VCalSettling(entry).settle();
+void settleForVCalendar(SettledEntry& settled) {
+    VCalSettling(settled).settle();
 }
 
 }  // namespace qel::calendar

@@ -6,10 +6,10 @@
 
 namespace qel::calendar {
 
-// `entry` as vCalendar 1.0 can express it: a duration becomes an end; a rule that the format cannot
-// express becomes a list of dates, or an X-ICAL- property where it has too many; alarms that the
-// format cannot express are removed.
-[[nodiscard]] SettledEntry settledForVCalendar(const Entry& entry);
+// Makes of the entry what vCalendar 1.0 can express: a duration becomes an end; a rule that the
+// format cannot express becomes a list of dates, or an X-ICAL- property where it has too many;
+// alarms that the format cannot express are removed.
+void settleForVCalendar(SettledEntry& settled);
 
 }  // namespace qel::calendar
 

@@ -77,13 +77,13 @@ void VCalWriter::reportEndOfLines(const Entry& entry) {
                  {std::to_string(lastYear_), entry.zone->id()})});
 }
 
-void VCalWriter::writeNote() {
+void VCalWriter::writeNote(const std::string& lines) {
     close();
     any_ = true;
     beginEntry();
     put("BEGIN:VNOTE");
     put("VERSION:1.1");
-    text() += lines_;
+    text() += lines;
     put("END:VNOTE");
 }
 
@@ -138,27 +138,32 @@ void VCalWriter::close() {
     open_ = false;
 }
 
-void VCalWriter::write(const Entry& read) {
-    SettledEntry settled = settledForVCalendar(read);
-    report(std::move(settled.notes));
-    addLines(settled);
+void VCalWriter::draft(const Entry& read, EntryDraft& draft) const {
+    settleForVCalendar(draft.settled.emplace(read));
+    addLines(draft);
     // An export has a DTSTAMP of its own, and may have made the UID, which comes first.
-    std::string_view lines = lines_;
+    std::string_view lines = draft.lines;
     if (!read.uid.empty()) lines.remove_prefix(lines.find('\n') + 1);
     const std::size_t stamp = std::min(lines.find("X-ICAL-DTSTAMP:"), lines.size());
     const std::size_t rest = std::min(lines.find('\n', stamp), lines.size());
     // What a local time means stands in the calendar's lines and not in the entry's.
     const std::string_view zone =
         read.zone != nullptr && uses(read, Clock::Zoned) ? read.zone->id() : std::string_view();
-    const Verdict verdict =
-        judge(settled.entry(), {lines.substr(0, stamp), lines.substr(rest), zone});
+    draft.content = contentDigest({lines.substr(0, stamp), lines.substr(rest), zone});
+}
+
+void VCalWriter::add(EntryDraft& draft) {
+    SettledEntry& settled = *draft.settled;
+    const Entry& read = settled.read();
+    report(std::move(settled.notes));
+    const Verdict verdict = judge(draft);
     if (verdict.twice) return beginEntry();
     // This format demands no UID of an entry that came without one.
     if (!verdict.uid.empty() && !read.uid.empty()) {
         settled.change().uid = verdict.uid;
-        addLines(settled);
+        addLines(draft);
     }
-    if (read.kind == EntryKind::Journal) return writeNote();
+    if (read.kind == EntryKind::Journal) return writeNote(draft.lines);
     openFor(read);
     const EntryProperty* component = settled.entry().find("X-VCAL-COMPONENT");
     const bool isEvent = read.kind == EntryKind::Event ||
@@ -167,16 +172,16 @@ void VCalWriter::write(const Entry& read) {
     beginEntry();
     text() += "BEGIN:";
     put(name);
-    text() += lines_;
+    text() += draft.lines;
     if (readsAsDays(settled.entry(), zone_)) put("X-ALLDAY:0");
     text() += "END:";
     put(name);
 }
 
-void VCalWriter::addLines(const SettledEntry& settled) {
-    lines_.clear();
-    VCalEntry formatted(settled, lines_);
-    if (settled.entry().kind == EntryKind::Journal)
+void VCalWriter::addLines(EntryDraft& draft) {
+    draft.lines.clear();
+    VCalEntry formatted(*draft.settled, draft.lines);
+    if (draft.settled->entry().kind == EntryKind::Journal)
         formatted.addNoteLines();
     else
         formatted.addLines();

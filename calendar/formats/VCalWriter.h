@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "calendar/formats/EntryWriter.h"
-#include "calendar/formats/SettledEntry.h"
 
 namespace qel::calendar {
 
@@ -15,7 +14,8 @@ class VCalWriter final : public EntryWriter {
   public:
     using EntryWriter::EntryWriter;
     void calendar(const std::vector<EntryProperty>& properties) override;
-    void write(const Entry& entry) override;
+    void draft(const Entry& entry, EntryDraft& draft) const override;
+    void add(EntryDraft& draft) override;
     void finish() override;
 
   private:
@@ -23,17 +23,15 @@ class VCalWriter final : public EntryWriter {
     void openFor(const Entry& entry);
     void open(const ZonePtr& zone, int firstYear, int lastYear);
     void close();
-    // The entry's own lines into lines_.
-    void addLines(const SettledEntry& settled);
+    // The entry's own lines.
+    static void addLines(EntryDraft& draft);
     // Of a journal.
-    void writeNote();
+    void writeNote(const std::string& lines);
     void reportEndOfLines(const Entry& entry);
 
     std::vector<EntryProperty> header_;
     std::vector<std::string> headerLines_;
     std::string method_;  // in them: it is about all entries of its calendar
-    // Of the entry that is being written. A member, so that the next entry uses the same memory.
-    std::string lines_;
     bool open_ = false;
     bool any_ = false;
     ZonePtr zone_;
