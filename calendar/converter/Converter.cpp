@@ -343,7 +343,7 @@ class Converter::File {
         ConvertedEntry converted{*entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
         if (wantsLines_) {
             const SourceLines::Lines lines =
-                source_.entry(entry->line, entry->component, kMostSource);
+                source_.entry(entry->line, reader_.lastLine(), kMostSource);
             converted.source = lines.text;
             converted.sourceCut = lines.cut;
             converted.written = owner_.writer().entryLines();

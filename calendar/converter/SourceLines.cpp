@@ -11,6 +11,22 @@ namespace {
 constexpr std::size_t kMostHeld = std::size_t{8} << 20;
 constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
+// The next line of `text`, without its end; `at` is after that then. False when there is none.
+bool nextLine(std::string_view text, std::size_t& at, LineEnd& lastEnd, std::string_view& line) {
+    lastEnd.skipRest(text, at);
+    if (lastEnd.takeEmptyLine(text, at)) {
+        line = {};
+        return true;
+    }
+    const std::size_t end = findLineEnd(text, at);
+    if (end == std::string_view::npos) return false;
+    line = text.substr(at, end - at);
+    at = end + 1;
+    lastEnd.begin(text[end]);
+    lastEnd.skipRest(text, at);
+    return true;
+}
+
 }  // namespace
 
 std::size_t findLineEnd(std::string_view text, std::size_t at) {
@@ -20,7 +36,9 @@ std::size_t findLineEnd(std::string_view text, std::size_t at) {
 
 void SourceLines::add(std::string_view bytes) {
     if (unusable_) return;
-    unusable_ = bytes.find('\0') != std::string_view::npos;
+    const std::size_t nul = bytes.find('\0');
+    unusable_ = nul != std::string_view::npos;
+    bytes = bytes.substr(0, nul);
     if (held_.size() - at_ > kMostHeld) {
         std::string_view line;
         while (next(line)) {
@@ -40,36 +58,40 @@ void SourceLines::add(std::string_view bytes) {
     held_ += bytes;
 }
 
-// The next line without its end; at_ is after that then. False when there is none.
+void SourceLines::goOn(std::size_t number) {
+    held_.clear();
+    at_ = 0;
+    number_ = number;
+    lastEnd_ = {};
+}
+
+// The next line of held_; at_ is after that then. False when there is none.
 bool SourceLines::next(std::string_view& line) {
-    lastEnd_.skipRest(held_, at_);
-    if (lastEnd_.takeEmptyLine(held_, at_)) {
-        line = {};
-        ++number_;
-        return true;
-    }
-    const std::size_t end = findLineEnd(held_, at_);
-    if (end == std::string::npos) return false;
-    line = std::string_view(held_).substr(at_, end - at_);
-    at_ = end + 1;
-    lastEnd_.begin(held_[end]);
-    lastEnd_.skipRest(held_, at_);
+    if (!nextLine(held_, at_, lastEnd_, line)) return false;
     ++number_;
     return true;
 }
 
-SourceLines::Lines SourceLines::entry(std::size_t number, std::string_view component,
-                                      std::size_t most) {
-    if (unusable_ || number < number_) return {};
+SourceLines::Lines SourceLines::entry(std::size_t first, std::size_t last, std::size_t most) {
+    if (first < number_) return {};
     std::string_view line;
-    while (number_ < number && next(line)) {
+    while (number_ < first && next(line)) {
     }
     lastEnd_.skipRest(held_, at_);
-    const std::string last = "END:" + std::string(component);
     const std::size_t begin = at_;
-    bool cut = true;
-    while (cut && at_ - begin < most && next(line)) cut = !equalsIgnoreCase(trimmed(line), last);
-    return {std::string_view(held_).substr(begin, at_ - begin), cut};
+    while (number_ <= last && at_ - begin < most && next(line)) {
+    }
+    if (unusable_ && number_ <= last && at_ - begin < most) return {};
+    return {std::string_view(held_).substr(begin, at_ - begin), number_ <= last};
+}
+
+SourceLines::Lines SourceLines::firstOf(std::string_view text, std::size_t count,
+                                        std::size_t most) {
+    std::string_view line;
+    std::size_t at = 0;
+    LineEnd lastEnd;
+    while (count > 0 && at < most && nextLine(text, at, lastEnd, line)) --count;
+    return {text.substr(0, at), count != 0};
 }
 
 }  // namespace qel::calendar

@@ -24,11 +24,18 @@ class SourceLines {
     // Takes the next bytes of the file, before the converter's reader gets them.
     void add(std::string_view bytes);
 
-    // The lines from `number` to the one that ends `component`, or the first of them that are
-    // `most` bytes together. Empty when they are no longer kept: lines before the last entry asked
-    // for are dropped, and so are all of a file in UTF-16 or with a line of megabytes.
-    // REQUIRES: the entry has been added to its end, and numbers ascend from call to call.
-    [[nodiscard]] Lines entry(std::size_t number, std::string_view component, std::size_t most);
+    // The lines from number `first` to `last`, or the first of them that are `most` bytes together.
+    // Empty when they are no longer kept: lines before the last entry asked for are dropped, and so
+    // are all of a file in UTF-16 or with a line of megabytes.
+    // REQUIRES: these lines have been added, and numbers ascend from call to call.
+    [[nodiscard]] Lines entry(std::size_t first, std::size_t last, std::size_t most);
+    // The same of the first `count` lines of `text`. Any thread.
+    [[nodiscard]] static Lines firstOf(std::string_view text, std::size_t count, std::size_t most);
+
+    // False when no lines are kept any more, whatever comes.
+    [[nodiscard]] bool isUsable() const { return !unusable_; }
+    // What is added next begins with line `number`; all before it are dropped.
+    void goOn(std::size_t number);
 
   private:
     [[nodiscard]] bool next(std::string_view& line);

@@ -58,6 +58,21 @@ bool CalendarReader::passesOver(const RawLine& raw) const {
     return first != 'B' && first != 'E';
 }
 
+std::optional<CalendarReader::Place> CalendarReader::place() const {
+    if (!inCalendar_ || inEntry() || pending_ || !lines_.isBetween()) return std::nullopt;
+    return Place{version_, lines_.isIndented()};
+}
+
+void CalendarReader::goOn(const Place& place, std::size_t lines) {
+    lines_.goOn(lines, place.indented);
+    open_.clear();
+    version_ = place.version;
+    isICalendar_ = version_ == "2.0";
+    inCalendar_ = true;
+    pending_ = false;
+    ended_ = false;
+}
+
 void CalendarReader::report(NoteCode code, std::size_t line,
                             std::initializer_list<std::string_view> values) {
     sink_(Note(code, line, values));

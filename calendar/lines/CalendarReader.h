@@ -54,6 +54,27 @@ class CalendarReader {
     // The file ends after what was written.
     void end() { lines_.end(); }
 
+    // Where a calendar goes on after a component of it, or before the first one.
+    struct Place {
+        std::string version;    // of the calendar
+        bool indented = false;  // lines of the file that are not folded
+        friend bool operator==(const Place&, const Place&) = default;
+    };
+    // What is written next begins with a line that begins or ends a component, without blanks in
+    // front of it: no line before it goes on there.
+    void endLine() { lines_.endLine(); }
+    // After that, when next() has asked for more. Nothing elsewhere: within a component, or outside
+    // calendars.
+    [[nodiscard]] std::optional<Place> place() const;
+    // Reads from `place` on, in another reader's file, after so many lines. What was written before
+    // is forgotten.
+    void goOn(const Place& place, std::size_t lines);
+    // So many lines, components from their beginning to their end, come before what is written
+    // next. REQUIRES: place() is not nothing.
+    void skip(std::size_t lines) { lines_.skip(lines); }
+    // Physical lines that have been read or skipped.
+    [[nodiscard]] std::size_t lines() const { return lines_.lines(); }
+
     // The next item. Begin and end of calendars come in pairs, also where the file has none or
     // lacks one. An entry that takes more than kLargestEntry bytes is cut there, with an error.
     [[nodiscard]] Item next();
@@ -61,6 +82,10 @@ class CalendarReader {
     // Until the next item is asked for.
     [[nodiscard]] ContentLine& property() { return line_; }
     [[nodiscard]] Component& component() { return component_; }
+    // The number of its last physical line.
+    [[nodiscard]] std::size_t lastLine() const {
+        return ended_ ? lines_.lines() : line_.number - (pending_ ? 1 : 0);
+    }
     // "1.0", "2.0", ... as the current calendar says; "" before its VERSION.
     [[nodiscard]] const std::string& version() const { return version_; }
     // True while an entry is read: a note that is reported now may be about it.

@@ -206,9 +206,34 @@ void LineReader::end() {
     ended_ = true;
 }
 
+bool LineReader::isBetween() const {
+    return started_ && fileEncoding_ == FileEncoding::Bytes && lineEnds_ && lastEnd_.isWhole() &&
+           at_ == chunk_.size() && !inLine_ && !hasAhead_ && !anyPhysical_;
+}
+
+void LineReader::goOn(std::size_t lines, bool indented) {
+    chunk_ = {};
+    at_ = 0;
+    fileEncoding_ = FileEncoding::Bytes;
+    started_ = true;
+    ended_ = false;
+    lineEnds_ = true;
+    lastEnd_ = {};
+    hasAhead_ = false;
+    inPhysical_ = false;
+    anyPhysical_ = false;
+    inLine_ = false;
+    joined_ = false;
+    line_.usual = false;
+    indexed_ = indexAt_ = 0;
+    aheadNumber_ = lines;
+    indented_ = indented;
+}
+
 void LineReader::take(std::string_view bytes) {
     chunk_ = bytes;
     at_ = 0;
+    lineEnds_ = false;
     if (fileEncoding_ != FileEncoding::Bytes) decodeUtf16();
 }
 
@@ -396,7 +421,7 @@ LineReader::Result LineReader::nextPhysical() {
     for (;;) {
         lastEnd_.skipRest(chunk_, at_);
         if (at_ == chunk_.size()) {
-            if (!ended_) return Result::NeedMore;
+            if (!ended_ && !(lineEnds_ && inLine_)) return Result::NeedMore;
             break;
         }
         anyPhysical_ = true;

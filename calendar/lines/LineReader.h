@@ -55,6 +55,18 @@ class LineReader {
     void write(std::string_view bytes);
     // The file ends after what was written.
     void end();
+    // The next byte that is written begins a line which is not joined to what is before it.
+    void endLine() { lineEnds_ = true; }
+    // True when that was said, and all lines before have been read. Never in UTF-16.
+    [[nodiscard]] bool isBetween() const;
+    // Physical lines that have been read or skipped.
+    [[nodiscard]] std::size_t lines() const { return aheadNumber_; }
+    // What is written next comes after so many lines more. REQUIRES: isBetween().
+    void skip(std::size_t lines) { aheadNumber_ += lines; }
+    // Whether blanks begin lines of this file that are not folded.
+    [[nodiscard]] bool isIndented() const { return indented_; }
+    // Forgets all, and goes on after `lines` lines of a file that is not in UTF-16.
+    void goOn(std::size_t lines, bool indented);
 
     // Reads the next line that is not blank into line(). Line ends are LF, CR LF, CR and CR CR LF.
     // A UTF-8 byte-order mark is skipped; UTF-16 with a mark, or that begins with "B", is read as
@@ -117,6 +129,7 @@ class LineReader {
     FileEncoding fileEncoding_ = FileEncoding::Bytes;
     bool started_ = false;  // the encoding is known
     bool ended_ = false;
+    bool lineEnds_ = false;  // after chunk_
     LineEnd lastEnd_;
     std::string halfUnit_;  // bytes of UTF-16 that wait for the rest of their character
 
