@@ -119,6 +119,30 @@ template <char... kSearched>
     return length;
 }
 
+// How often a text has a character.
+[[nodiscard]] inline std::size_t countOf(std::string_view text, char c) {
+    std::size_t count = 0;
+    std::size_t at = 0;
+#if defined(__SSE2__)
+    constexpr std::size_t kBlock = 16;
+    constexpr std::size_t kMostBlocks = 255;  // which a byte can count
+    while (at + kBlock <= text.size()) {
+        __m128i counts = _mm_setzero_si128();
+        for (std::size_t block = 0; block < kMostBlocks && at + kBlock <= text.size(); ++block) {
+            const __m128i bytes =
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+            counts = _mm_sub_epi8(counts, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)));
+            at += kBlock;
+        }
+        const __m128i sums = _mm_sad_epu8(counts, _mm_setzero_si128());
+        count += static_cast<std::size_t>(_mm_cvtsi128_si32(sums)) +
+                 static_cast<std::size_t>(_mm_extract_epi16(sums, 4));
+    }
+#endif
+    for (; at < text.size(); ++at) count += text[at] == c ? 1 : 0;
+    return count;
+}
+
 template <char... kSearched>
 [[nodiscard]] bool hasAny(std::string_view text) {
     return findAny<kSearched...>(text) != text.size();

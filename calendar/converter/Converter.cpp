@@ -6,15 +6,16 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
+#include "calendar/base/ByteSearch.h"
 #include "calendar/base/Days.h"
+#include "calendar/converter/Ahead.h"
+#include "calendar/converter/FileScan.h"
 #include "calendar/converter/FileZone.h"
 #include "calendar/converter/HeldFiles.h"
-#include "calendar/converter/Namesakes.h"
 #include "calendar/converter/SourceLines.h"
-#include "calendar/formats/ICalReader.h"
+#include "calendar/converter/Span.h"
+#include "calendar/converter/Turn.h"
 #include "calendar/formats/ICalWriter.h"
-#include "calendar/formats/MadeUids.h"
-#include "calendar/formats/VCalReader.h"
 #include "calendar/formats/VCalWriter.h"
 #include "calendar/lines/CalendarReader.h"
 #include "calendar/text/ContentValue.h"
@@ -27,23 +28,19 @@ namespace qel::calendar {
 
 namespace {
 
-// Memory for zones, far more than all zones of the world take; beyond it a zone counts as not
-// described.
-constexpr std::size_t kMostZoneBytes = std::size_t{64} << 20;
 // Bytes of a name or a value that a note mentions.
 constexpr std::size_t kLongestName = 200;
 // Properties of a calendar itself that are kept.
 constexpr std::size_t kMostHeader = 200;
-// Bytes of an entry's source that an observer is given.
-constexpr std::size_t kMostSource = std::size_t{64} << 10;
+// Bytes that a thread reads before their turn, at least.
+constexpr std::size_t kSpan = std::size_t{8} << 10;
 // Bytes that are read at once.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
 
-// Calls `write` for the bytes in pieces of at most kPiece.
-template <class Write>
-void inPieces(std::string_view bytes, const Write& write) {
-    for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kPiece)))
-        write(bytes.substr(0, kPiece));
+// True for components that entries are made of.
+bool isEntry(std::string_view component) {
+    return component == "VEVENT"sv || component == "VTODO"sv || component == "VJOURNAL"sv ||
+           component == "VNOTE"sv;
 }
 
 // True for an entry that has what only iCalendar has, and nothing that only vCalendar 1.0 has.
@@ -63,42 +60,15 @@ bool looksLikeICalendar(const Component& component) {
 
 }  // namespace
 
-class ZoneStore {
-  public:
-    void add(const ZonePtr& zone) {
-        if (zone == nullptr) return;
-        const std::size_t cost = zone->cost();
-        if (bytes_ + cost > kMostZoneBytes) return;
-        // The same name may be described twice; the later one counts from there on.
-        ZonePtr& place = known.described[zone->id()];
-        bytes_ += cost - (place == nullptr ? 0 : place->cost());
-        place = zone;
-    }
-
-    void clear() {
-        known.described.clear();
-        bytes_ = 0;
-    }
-
-    KnownZones known;
-    ZoneNamings namings;
-
-  private:
-    std::size_t bytes_ = 0;
-};
-
-// One file on its way through.
+// One file on its way through: calendars and their zones, entries in the order of their lines.
 class Converter::File {
   public:
     File(Converter& owner, std::string name)
         : owner_(owner),
           name_(std::move(name)),
           choices_(withGuess(owner.choices_, owner.guess_)),
-          observer_(owner.observer_),
-          wantsLines_(observer_ != nullptr && observer_->wantsLines()),
-          reader_(noteSink()),
-          vCalReader_(owner.zones_->known, choices_, noteSink()),
-          iCalReader_(owner.zones_->known, choices_, noteSink()) {}
+          turn_(owner, name_, choices_),
+          reader_(noteSink()) {}
 
     void reportGuess() {
         if (owner_.guess_ && owner_.choices_.characterSet.empty())
@@ -106,28 +76,32 @@ class Converter::File {
                         {owner_.guess_->set, owner_.guess_->letters}));
     }
 
-    // REQUIRES: at most kPiece bytes, so that what is kept of them stays small.
-    void write(std::string_view piece) {
-        if (wantsLines_) source_.add(piece);
-        reader_.write(piece);
-        takeItems();
+    void write(std::string_view bytes) {
+        if (owner_.threads_ > 1 && bytes.size() >= owner_.largePiece_) {
+            if (ahead_ == nullptr)
+                ahead_ = std::make_unique<Ahead<Span, SpanReader>>(
+                    owner_.threads_, std::min(owner_.largePiece_, kSpan),
+                    [this](std::size_t member) {
+                        return std::make_unique<SpanReader>(choices_, member);
+                    });
+            here_.reset();
+            bytes = ahead_->read(bytes, *this);
+            here_.reset();
+            given_.reset();
+        }
+        writePieces(bytes);
     }
 
     void end() {
         reader_.end();
         takeItems();
-        if (shifting_ != 0)
-            report(Note(NoteCode::UtcSeriesShifts, firstShifting_, {std::to_string(shifting_)}));
+        turn_.endFile();
         if (notChosen_ != 0)
             report(Note(NoteCode::EntriesNotChosen, firstNotChosen_, {std::to_string(notChosen_)}));
     }
 
-    // Passes a note on, and keeps it until the entry that it may be about is written.
-    void report(Note note) {
-        note.file = name_;
-        if (observer_ != nullptr) keep(note);
-        owner_.sink_(std::move(note));
-    }
+    // What the entry that is written reports.
+    void reportInTurn(Note note) { turn_.report(std::move(note)); }
 
   private:
     static Choices withGuess(Choices choices, const std::optional<GuessedSet>& guess) {
@@ -135,27 +109,104 @@ class Converter::File {
         return choices;
     }
 
+    void report(Note note) {
+        const std::size_t entryLine =
+            inEntry_ || reader_.inEntry() ? reader_.component().number : aheadLine_;
+        turn_.report(std::move(note), entryLine);
+    }
+
     [[nodiscard]] NoteSink noteSink() {
         return [this](Note note) { report(std::move(note)); };
     }
 
-    void keep(const Note& note) {
-        if (notes_.size() == ConvertedEntry::kMostNotes) {
-            // What is outside entries may have given any number of notes.
-            if (!inEntry_ && !reader_.inEntry())
-                notes_.clear();
-            else if (notes_.front().line < reader_.component().number)
-                dropNotesBefore(reader_.component().number);
+    // At most kPiece bytes at once, so that what is kept of them stays small.
+    void writePieces(std::string_view bytes) {
+        for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), kPiece))) {
+            const std::string_view piece = bytes.substr(0, kPiece);
+            if (turn_.wantsLines()) source_.add(piece);
+            reader_.write(piece);
+            takeItems();
         }
-        if (notes_.size() < ConvertedEntry::kMostNotes)
-            notes_.push_back(note);
-        else
-            ++moreNotes_;
     }
 
-    void dropNotesBefore(std::size_t line) {
-        std::erase_if(
-            notes_, [line](const Note& note) { return note.line < line; });
+    // Several threads read entries before their turn; what Ahead asks for.
+    friend class Ahead<Span, SpanReader>;
+    [[nodiscard]] bool isBetween() { return findHere(nullptr); }
+    [[nodiscard]] std::size_t lines() const { return reader_.lines(); }
+
+    void begin(Span& span, std::size_t lines) {
+        // Else what held last: mostly the next calendar is like the one before.
+        if (findHere(nullptr)) given_ = here_;
+        span.context = given_;
+        span.linesBefore = lines;
+    }
+
+    void take(Span& span) {
+        if (span.steps.empty()) return readAlone(span.bytes);
+        for (const Span::Step& step : span.steps)
+            if (step.work == nullptr || !isRight(span, step))
+                readAlone(step.bytes);
+            else
+                takeStep(step);
+    }
+
+    void readAlone(std::string_view bytes) {
+        writePieces(bytes);
+        reader_.endLine();
+        takeItems();
+        here_.reset();
+    }
+
+    // True when what was read before its turn is what would be read now.
+    [[nodiscard]] bool isRight(const Span& span, const Span::Step& step) {
+        if (here_ == nullptr && !findHere(&step)) return false;
+        return (here_ == span.context || here_->allows(*span.context)) &&
+               reader_.lines() + 1 == step.work->line;
+    }
+
+    void takeStep(const Span::Step& step) {
+        EntryWork& work = *step.work;
+        for (const auto& [note, entryLine] : step.notes) turn_.report(note, entryLine);
+        if (!work.chosen && notChosen_++ == 0) firstNotChosen_ = work.line;
+        work.zone = &zone_;
+        turn_.take(work);
+        turn_.endComponent();
+        reader_.skip(step.lines);
+        if (turn_.wantsLines()) source_.goOn(reader_.lines() + 1);
+    }
+
+    // What the entries from here on depend on, into here_. False where they cannot be read before
+    // their turn. `step` is the one that follows, where it is known.
+    [[nodiscard]] bool findHere(const Span::Step* step) {
+        if (here_ != nullptr) return true;
+        const std::optional<CalendarReader::Place> place = reader_.place();
+        if (!place || (turn_.wantsLines() && !source_.isUsable())) return false;
+        if (!settled_) {
+            // What is wrong with the entry's lines is reported before what settle() reports.
+            if (step == nullptr || !step->notes.empty() || !isSettledWithoutEntry()) return false;
+            aheadLine_ = step->work->line;
+            settle();
+            aheadLine_ = 0;
+        }
+        SpanContext here;
+        here.place = *place;
+        here.vCalendar = isVCalendar() && !iCalendarUnsaid_;
+        here.zone = zone_;
+        here.described = owner_.zones_->known.described;
+        here.zonesChanged = owner_.zones_->changes();
+        here.reported = turn_.reader(here.vCalendar).reported();
+        here.writer = &owner_.writer();
+        here.wantsLines = turn_.wantsLines();
+        here_ = std::make_shared<const SpanContext>(std::move(here));
+        return true;
+    }
+
+    // True when settle() does not look at the entry that follows.
+    [[nodiscard]] bool isSettledWithoutEntry() const {
+        return !reader_.version().empty() && !iCalendarUnsaid_ &&
+               std::none_of(
+                   header_.begin(), header_.end(),
+                   [](const EntryProperty& each) { return each.name == "METHOD"sv; });
     }
 
     void takeItems() {
@@ -182,7 +233,7 @@ class Converter::File {
     }
 
     void beginCalendar() {
-        ++owner_.counts_.calendars;
+        turn_.beginCalendar();
         tz_.reset();
         iCalendarUnsaid_ = false;
         daylight_.clear();
@@ -273,13 +324,10 @@ class Converter::File {
         }
         ZonePtr made;
         if (tz_) made = zoneOfLines(*tz_, daylight_, zoneName_);
-        zone_ =
-            FileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_, vCalReader_.chosenZone(),
-                     owner_.zones_->namings, owner_.zones_->known.world);
+        zone_ = fileZone(std::move(made), tz_ ? tz_->number : 0, zoneName_);
         if (!owner_.to_)
             owner_.to_ = isVCalendar() ? CalendarFormat::ICalendar : CalendarFormat::VCalendar10;
-        owner_.writer().makeUidsDistinct(choices_.distinctUids);
-        owner_.writer().calendar(header_);
+        turn_.calendar(header_);
     }
 
     // An invitation, an answer or a publication names its organizer (RFC 5546 section 3.2).
@@ -301,59 +349,44 @@ class Converter::File {
         inEntry_ = true;
         convertComponent();
         inEntry_ = false;
-        notes_.clear();
-        moreNotes_ = 0;
+        turn_.endComponent();
     }
 
     void convertComponent() {
         Component& component = reader_.component();
-        std::string uid = uids_.uidOf(component);
-        decodeParameters(component, choices_.characterSet);
         if (component.name == "VTIMEZONE"sv) {
-            owner_.zones_->add(zoneFromVTimezone(component, noteSink()));
+            decodeParameters(component, choices_.characterSet);
+            const ZonePtr zone = zoneFromVTimezone(component, noteSink());
+            // Whoever reads ahead looks at the zones that are known.
+            if (ahead_ != nullptr) ahead_->giveUp();
+            owner_.zones_->add(zone);
             return;
         }
+        EntryWork& work = work_;
+        work.line = component.number;
+        work.component = &component;
+        work.prepared = false;
+        work.source = {};
+        const bool ownZone = hasZoneLines(component);
+        if (!settled_ || ownZone) prepare(work, choices_);
         settle(&component);
-        if (!isChosen(component.name)) {
-            if (notChosen_++ == 0) firstNotChosen_ = component.number;
-            return;
+        work.chosen = isChosen(choices_, component.name);
+        if (!work.chosen && notChosen_++ == 0) firstNotChosen_ = component.number;
+        if (work.chosen) {
+            work.vCalendar = (isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE"sv;
+            work.zone = ownZone ? &zoneOf(component) : &zone_;
+            findSource(work);
         }
-        FileZone& fileZone = zoneOf(component);
-        EntryReader* reader = &iCalReader_;
-        if ((isVCalendar() && !iCalendarUnsaid_) || component.name == "VNOTE"sv)
-            reader = &vCalReader_;
-        Entry* const entry = reader->read(component, fileZone.zone());
-        if (entry == nullptr) return;
-        fileZone.settle(*entry, noteSink());
-        if (const auto date = namesakes_.differs(*entry, owner_.zones_->known.world))
-            report(Note(NoteCode::ZoneDiffersFromName, entry->line,
-                        {formatMoment(*date), entry->zone->id()}));
-        countShifting(*entry);
-        entry->madeUid = std::move(uid);
-        ++owner_.counts_.entries;
-        owner_.counts_.alarms += entry->alarms.size();
-        if (observer_ == nullptr) {
-            owner_.writer().write(*entry);
-            return;
-        }
-        // Notes about lines before the entry are about the calendar, or about what was left out.
-        dropNotesBefore(entry->line);
-        owner_.writer().keepEntryLines(wantsLines_);
-        owner_.writer().write(*entry);
-        ConvertedEntry converted{*entry, *owner_.to_, notes_, moreNotes_, {}, false, {}};
-        if (wantsLines_) {
-            const SourceLines::Lines lines =
-                source_.entry(entry->line, reader_.lastLine(), kMostSource);
-            converted.source = lines.text;
-            converted.sourceCut = lines.cut;
-            converted.written = owner_.writer().entryLines();
-        }
-        observer_->entryConverted(converted);
+        turn_.take(work);
     }
 
-    [[nodiscard]] bool isChosen(std::string_view component) const {
-        if (component == "VEVENT"sv) return choices_.only.events;
-        return component == "VTODO"sv ? choices_.only.todos : choices_.only.notes;
+    void findSource(EntryWork& work) {
+        const Component& component = *work.component;
+        if (!turn_.wantsLines() || !isEntry(component.name)) return;
+        const SourceLines::Lines lines =
+            source_.entry(component.number, reader_.lastLine(), kMostSource);
+        work.source = lines.text;
+        work.sourceCut = lines.cut;
     }
 
     // Null without a zone, and when `name` says all of it.
@@ -383,7 +416,12 @@ class Converter::File {
         return zoneFromVCalendar(line, daylight, noteSink());
     }
 
-    // The zone of an entry: its own TZ line, where it has one.
+    [[nodiscard]] FileZone fileZone(ZonePtr made, std::size_t line, const std::string& name) {
+        return FileZone(std::move(made), line, name, turn_.reader(true).chosenZone(),
+                        owner_.zones_->namings, owner_.zones_->known.world);
+    }
+
+    // The zone of an entry that has TZ or DAYLIGHT lines of its own.
     [[nodiscard]] FileZone& zoneOf(const Component& component) {
         const ContentLine* tz = nullptr;
         std::vector<ContentLine> daylight;
@@ -395,7 +433,6 @@ class Converter::File {
             if (line.id == PropertyName::Daylight && daylight.size() < kMostHeader)
                 daylight.push_back(line);
         }
-        if (tz == nullptr && daylight.empty()) return zone_;
         if (tz == nullptr && tz_) tz = &*tz_;
         if (tz == nullptr) {
             for (const ContentLine& line : daylight)
@@ -408,17 +445,8 @@ class Converter::File {
         // Mostly all entries of a file have the same lines.
         if (made == nullptr || entryZone_.zone() == nullptr ||
             entryZone_.zone()->id() != made->id())
-            entryZone_ = FileZone(std::move(made), tz->number, name, vCalReader_.chosenZone(),
-                                  owner_.zones_->namings, owner_.zones_->known.world);
+            entryZone_ = fileZone(std::move(made), tz->number, name);
         return entryZone_;
-    }
-
-    void countShifting(const Entry& entry) {
-        if (entry.zone != nullptr || !entry.start || entry.start->isDate ||
-            entry.start->clock != Clock::Utc || !entry.recurs() ||
-            !owner_.zones_->known.described.empty())
-            return;
-        if (shifting_++ == 0) firstShifting_ = entry.line;
     }
 
     void endCalendar() {
@@ -435,12 +463,9 @@ class Converter::File {
     Converter& owner_;
     const std::string name_;
     const Choices choices_;
-    ConversionObserver* const observer_;
-    const bool wantsLines_;
+    Turn turn_;
     SourceLines source_;
     CalendarReader reader_;
-    VCalReader vCalReader_;
-    ICalReader iCalReader_;
     Arena texts_;  // of tz_ and daylight_
     std::optional<ContentLine> tz_;
     std::vector<ContentLine> daylight_;
@@ -452,61 +477,14 @@ class Converter::File {
     FileZone zone_;                 // of tz_ and daylight_
     FileZone entryZone_;            // of the last entry that had lines of its own
     bool zoneNameReported_ = false;
-    Namesakes namesakes_;
-    std::uint64_t shifting_ = 0;  // series in UTC, in a file without a zone
-    std::size_t firstShifting_ = 0;
     std::uint64_t notChosen_ = 0;  // entries of kinds that nobody wants
     std::size_t firstNotChosen_ = 0;
-    MadeUids uids_;
-    // For the observer, since the last entry.
-    std::vector<Note> notes_;
-    std::uint64_t moreNotes_ = 0;
-    bool inEntry_ = false;  // one has been read and is converted
-};
-
-// A file that is read for its zones, and for the character set of texts that name none.
-class Converter::Scan {
-  public:
-    explicit Scan(ZoneStore& zones) : zones_(zones) {
-        reader_.watchTexts([this](const ContentLine& line) { weigh(line); });
-    }
-
-    void write(std::string_view piece) {
-        reader_.write(piece);
-        takeZones();
-    }
-
-    void end() {
-        reader_.end();
-        takeZones();
-    }
-
-    [[nodiscard]] std::optional<GuessedSet> guess() const { return guess_.result(); }
-
-  private:
-    void weigh(const ContentLine& line) {
-        if (const std::string text = unlabelledText(line); !text.empty())
-            guess_.add(text, line.number);
-    }
-
-    void takeZones() {
-        using Item = CalendarReader::Item;
-        for (;;) {
-            const Item item = reader_.next();
-            if (item == Item::NeedMore || item == Item::End) return;
-            if (item == Item::CalendarProperty) weigh(reader_.property());
-            if (item != Item::Entry) continue;
-            for (const ContentLine& line : reader_.component().properties) weigh(line);
-            if (reader_.component().name != "VTIMEZONE"sv) continue;
-            decodeParameters(reader_.component(), "");
-            zones_.add(zoneFromVTimezone(reader_.component(), silent_));
-        }
-    }
-
-    ZoneStore& zones_;
-    const NoteSink silent_ = [](const Note&) {};
-    CharsetGuess guess_;
-    CalendarReader reader_{silent_, CalendarReader::Contents::OfZones};
+    EntryWork work_;                                  // of the entry that is converted
+    bool inEntry_ = false;                            // one has been read and is converted
+    std::size_t aheadLine_ = 0;                       // of an entry that was read before its turn
+    std::unique_ptr<Ahead<Span, SpanReader>> ahead_;  // from the first large piece on
+    std::shared_ptr<const SpanContext> here_;         // null when something may have changed
+    std::shared_ptr<const SpanContext> given_;        // of the last span
 };
 
 Converter::Converter(std::ostream& out, std::optional<CalendarFormat> to, NoteSink sink)
@@ -524,7 +502,7 @@ void Converter::beginFile(const std::string& name) {
 
 void Converter::write(std::string_view bytes) {
     assert(file_ != nullptr);
-    inPieces(bytes, [this](std::string_view piece) { file_->write(piece); });
+    file_->write(bytes);
 }
 
 void Converter::endFile() {
@@ -536,13 +514,13 @@ void Converter::endFile() {
 }
 
 void Converter::beginScan() {
-    scan_ = std::make_unique<Scan>(*zones_);
+    scan_ = std::make_unique<FileScan>(*zones_, threads_, largePiece_);
     guess_.reset();
 }
 
 void Converter::scan(std::string_view bytes) {
     assert(scan_ != nullptr);
-    inPieces(bytes, [this](std::string_view piece) { scan_->write(piece); });
+    scan_->write(bytes);
 }
 
 void Converter::endScan() {
@@ -553,7 +531,7 @@ void Converter::endScan() {
 }
 
 void Converter::report(Note note) {
-    if (file_ != nullptr) return file_->report(std::move(note));
+    if (file_ != nullptr) return file_->reportInTurn(std::move(note));
     if (heldName_ != nullptr) note.file = *heldName_;
     if (heldEntry_ != nullptr && observer_ != nullptr) {
         if (heldEntry_->notes.size() < ConvertedEntry::kMostNotes)

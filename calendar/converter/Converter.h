@@ -1,5 +1,5 @@
-// Whole files: reader, entries, writer. Memory holds one entry and the zones of the file. One
-// thread.
+// Whole files: reader, entries, writer. Memory holds one entry, or a few batches of them, and the
+// zones of the file. One thread, which others may help within a call.
 #ifndef QEL_CALENDAR_CONVERTER_CONVERTER_H
 #define QEL_CALENDAR_CONVERTER_CONVERTER_H
 
@@ -19,6 +19,7 @@
 namespace qel::calendar {
 
 class EntryWriter;
+class FileScan;
 struct HeldCalendar;
 struct HeldEntry;
 struct HeldFile;
@@ -61,6 +62,16 @@ class Converter {
     // the converter or the next call of this.
     void observe(ConversionObserver* observer) { observer_ = observer; }
 
+    // So many threads, with the caller's, work on pieces of `from` bytes or more; they end before
+    // each write() does. Output, notes and entries come on the caller's thread, in the same order
+    // as with one. For the files that follow. REQUIRES: at least 1, and an `out`.
+    void useThreads(std::size_t most, std::size_t from = kLargePiece) {
+        threads_ = most;
+        largePiece_ = from;
+    }
+    // For so many bytes it pays to start threads.
+    static constexpr std::size_t kLargePiece = std::size_t{256} << 10;
+
     // For the files that follow.
     void choose(Choices choices) { choices_ = std::move(choices); }
     [[nodiscard]] const Choices& choices() const { return choices_; }
@@ -74,7 +85,7 @@ class Converter {
 
   private:
     class File;
-    class Scan;
+    class Turn;
 
     void report(Note note);
     EntryWriter& writer();
@@ -89,9 +100,11 @@ class Converter {
     std::unique_ptr<EntryWriter> writer_;
     std::unique_ptr<class ZoneStore> zones_;
     ConvertCounts counts_;
+    std::size_t threads_ = 1;
+    std::size_t largePiece_ = kLargePiece;
     ConversionObserver* observer_ = nullptr;
     std::unique_ptr<File> file_;
-    std::unique_ptr<Scan> scan_;
+    std::unique_ptr<FileScan> scan_;
     // Of take().
     const std::string* heldName_ = nullptr;
     HeldEntry* heldEntry_ = nullptr;  // that is being written

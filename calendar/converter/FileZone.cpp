@@ -44,26 +44,29 @@ FileZone::FileZone(ZonePtr made, std::size_t line, const std::string& name, cons
     zone_ = naming_->made();
 }
 
-void FileZone::settle(Entry& entry, const NoteSink& sink) {
-    if (naming_ == nullptr || entry.zone != zone_) return;
-    if (!isLocal(entry.start) && !isLocal(entry.end) && !isLocal(entry.due)) return;
-    const bool lines = zone_->parts().daylight.has_value();
-    if (!lines && naming_->wanted() == nullptr) return;
-    ZonePtr named = naming_->zoneFrom(firstYearOf(entry));
+FileZone::Settled FileZone::settle(const Entry& entry) const {
+    if (naming_ == nullptr || entry.zone != zone_) return {};
+    if (!isLocal(entry.start) && !isLocal(entry.end) && !isLocal(entry.due)) return {};
+    if (!zone_->parts().daylight && naming_->wanted() == nullptr) return {};
+    const ZonePtr* named = naming_->zoneFrom(firstYearOf(entry));
     Years years{};
     if (named == nullptr) {
         years = yearsOf(entry, kLastYear);
-        named = naming_->zoneFor(years.first, years.last);
+        named = &naming_->zoneFor(years.first, years.last);
     }
-    if (named == zone_) {
+    if (*named == zone_) return {nullptr, true, years};
+    return {named, false, years};
+}
+
+void FileZone::report(const Settled& settled, const Entry& entry, const NoteSink& sink) {
+    if (settled.kept) {
         if (chosen_ != nullptr && !std::exchange(chosenReported_, true))
             sink(Note(NoteCode::ChosenZoneDiffers, line_, {chosen_->id()}));
-        if (lines) reportYears(entry, years, sink);
-        return;
+        if (zone_->parts().daylight) reportYears(entry, settled.years, sink);
+    } else if (settled.named != nullptr && chosen_ == nullptr &&
+               !std::exchange(nameReported_, true)) {
+        sink(Note(NoteCode::ZoneRecognised, line_, {entry.zone->id()}));
     }
-    if (chosen_ == nullptr && !std::exchange(nameReported_, true))
-        sink(Note(NoteCode::ZoneRecognised, line_, {named->id()}));
-    entry.zone = named;
 }
 
 void FileZone::reportYears(const Entry& entry, const Years& years, const NoteSink& sink) {

@@ -1,5 +1,5 @@
 // The zone that TZ and DAYLIGHT of a vCalendar 1.0 file describe, and the one that its entries get.
-// One thread.
+// One thread, but for what is constant.
 #ifndef QEL_CALENDAR_CONVERTER_FILEZONE_H
 #define QEL_CALENDAR_CONVERTER_FILEZONE_H
 
@@ -24,9 +24,19 @@ class FileZone {
 
     // For reading the entries.
     [[nodiscard]] const ZonePtr& zone() const { return zone_; }
-    // Gives an entry of this zone the zone of the database where that is meant. What is assumed is
-    // reported once.
-    void settle(Entry& entry, const NoteSink& sink);
+    struct Settled {
+        const ZonePtr* named = nullptr;  // the zone of the database that is meant, as long as this
+        bool kept = false;               // the entry keeps the zone of the lines,
+        Years years{};                   // and has dates in these years
+    };
+    // What zone an entry of this zone gets.
+    [[nodiscard]] Settled settle(const Entry& entry) const;
+    // True when settle() does the same with both.
+    [[nodiscard]] bool isLike(const FileZone& other) const {
+        return zone_ == other.zone_ && naming_ == other.naming_;
+    }
+    // Reports what was assumed about it, once.
+    void report(const Settled& settled, const Entry& entry, const NoteSink& sink);
 
   private:
     void reportYears(const Entry& entry, const Years& years, const NoteSink& sink);

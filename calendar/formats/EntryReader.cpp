@@ -139,6 +139,8 @@ bool EntryReader::beginEntry(const Component& component, const ZonePtr& zone) {
     ruleLines_.clear();
     dateLines_.clear();
     texts_.clear();
+    dependsOnOthers_ = false;
+    series_.reset();
     entry_.component = component.name;
     entry_.line = component.number;
     entry_.zone = zone;
@@ -253,6 +255,7 @@ void EntryReader::startSeriesAtDue() {
 
 void EntryReader::settleRecurrenceId() {
     if (!entry_.recurrenceId) return;
+    dependsOnOthers_ = true;
     const auto series = seriesStarts_.find(entry_.uid);
     if (series == seriesStarts_.end()) return reportUnknownSeries();
     const auto& [start, zone, oneTime] = series->second;
@@ -279,14 +282,18 @@ void EntryReader::reportUnknownSeries() {
         report(Note(NoteCode::ReplacedDateUncertain, entry_.line, {formatMoment(date)}));
 }
 
-void EntryReader::rememberSeries() {
+void EntryReader::noteSeries() {
     if (!entry_.recurs() || entry_.uid.empty() || entry_.recurrenceId ||
         entry_.uid.size() > kLongestZone || seriesStarts_.size() >= kMostSeries)
         return;
     bool oneTime = entry_.dates.empty();
     for (const EntryRule& each : entry_.rules)
         for (const Rule& rule : each.rules) oneTime = oneTime && !rule.hasTimes();
-    seriesStarts_[entry_.uid] = {*entry_.start, entry_.zone, oneTime};
+    series_ = {*entry_.start, entry_.zone, oneTime};
+}
+
+void EntryReader::remember(const std::string& uid, SeriesStart&& series) {
+    if (seriesStarts_.size() < kMostSeries) seriesStarts_[uid] = std::move(series);
 }
 
 std::set<int> EntryReader::daysOfSeries() const {
@@ -400,7 +407,7 @@ void EntryReader::takeRecurrence() {
     settleExcluded();
     for (Note& note : idleExceptions(entry_)) report(std::move(note));
     reportAdditional();
-    rememberSeries();
+    noteSeries();
 }
 
 void EntryReader::takeLine(const ContentLine& line) {
@@ -485,8 +492,10 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     auto result = parseMoment(value);
     if (!result || result->isDate || result->clock == Clock::Utc) return result;
     const std::string_view id = line.parameter("TZID");
-    ZonePtr zone = entry_.zone == nullptr ? chosenZone_ : entry_.zone;
-    if (!id.empty()) zone = zoneNamed(line, id);
+    // Not a copy: threads that count the users of one zone wait for each other.
+    const ZonePtr& zone = !id.empty()              ? zoneNamed(line, id)
+                          : entry_.zone == nullptr ? chosenZone_
+                                                   : entry_.zone;
     if (zone == nullptr) return result;
     if (isUtc(*zone)) {
         result->clock = Clock::Utc;
@@ -502,14 +511,19 @@ std::optional<Moment> EntryReader::moment(const ContentLine& line, std::string_v
     return result;
 }
 
-ZonePtr EntryReader::zoneNamed(const ContentLine& line, std::string_view id) {
-    const auto described = zones_.described.find(id);
-    if (described != zones_.described.end()) return described->second;
-    const auto known = undescribed_.find(id);
-    return known != undescribed_.end() ? known->second : undescribedZone(line, id);
+const ZonePtr& EntryReader::zoneNamed(const ContentLine& line, std::string_view id) {
+    const auto described = zones_.described->find(id);
+    if (described != zones_.described->end()) return described->second;
+    const ZonesById& undescribed = *reported_->undescribed;
+    const auto known = undescribed.find(id);
+    if (known != undescribed.end()) return known->second;
+    named_ = undescribedZone(line, id);
+    return named_;
 }
 
 ZonePtr EntryReader::undescribedZone(const ContentLine& line, std::string_view id) {
+    dependsOnOthers_ = true;
+    if (ahead_) return nullptr;
     ZonePtr zone;
     const std::string_view shown = id.substr(0, kLongestExcerpt);
     if (const auto meant = worldZoneMeant(id)) {
@@ -519,8 +533,10 @@ ZonePtr EntryReader::undescribedZone(const ContentLine& line, std::string_view i
         report(Note(NoteCode::EntryZoneUnknown, line.number, {line.name, shown}));
     }
     // A file with more of them is not a calendar but an attack on this memory.
-    if (undescribed_.size() < kMostUnknownZones && id.size() <= kLongestZone)
-        undescribed_.emplace(id, zone);
+    if (own_.undescribed->size() >= kMostUnknownZones || id.size() > kLongestZone) return zone;
+    if (own_.undescribed.use_count() > 1)
+        own_.undescribed = std::make_shared<ZonesById>(*own_.undescribed);
+    own_.undescribed->emplace(id, zone);
     return zone;
 }
 
@@ -695,10 +711,13 @@ void EntryReader::takePosition(const ContentLine& line, std::vector<Parameter> p
     const std::string position =
         withDigits(asICalendar ? first : second) + ';' + withDigits(asICalendar ? second : first);
     const bool changed = ruleForm() == RuleForm::VCalendar10 || !asICalendar;
-    if (changed && !std::exchange(reportedOrder_, true))
+    if (changed && !reported_->positionOrder) {
+        dependsOnOthers_ = true;
+        own_.positionOrder = true;
         report(
             Note(asICalendar ? NoteCode::PositionLatitudeFirst : NoteCode::PositionLongitudeFirst,
                  line.number, {value.substr(0, kLongestExcerpt)}));
+    }
     add(line, line.name, EntryProperty::Type::Raw, position, std::move(parameters));
 }
 

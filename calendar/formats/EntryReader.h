@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -21,10 +22,19 @@
 
 namespace qel::calendar {
 
+using ZonesById = std::map<std::string, ZonePtr, std::less<>>;
+
 // The zones that a file may name.
 struct KnownZones {
-    std::map<std::string, ZonePtr, std::less<>> described;  // in the file, by TZID
+    const ZonesById* described;  // in the file, by TZID
     WorldZones world;
+};
+
+// The start of a series, for the entries that replace single dates of it.
+struct SeriesStart {
+    Moment start;
+    ZonePtr zone;
+    bool oneTime = true;  // all of its dates are at the start's time of day
 };
 
 // Reads the entries of one file. A zone that the file does not describe is reported once.
@@ -40,6 +50,26 @@ class EntryReader {
     // for other components, which are reported. `zone` is the one of the calendar's TZ line, or
     // null.
     [[nodiscard]] Entry* read(const Component& component, const ZonePtr& zone);
+
+    // Of what was reported once for the file: it is not reported again.
+    struct Reported {
+        // By TZID; null for one that means no zone. It may be shared, and is not changed then.
+        std::shared_ptr<ZonesById> undescribed = std::make_shared<ZonesById>();
+        bool positionOrder = false;
+    };
+    [[nodiscard]] const Reported& reported() const { return *reported_; }
+
+    // From here on this reader reads entries before their turn, where `reported`, which must
+    // outlive that, is known of the ones before.
+    void readAhead(const Reported& reported) {
+        reported_ = &reported;
+        ahead_ = true;
+    }
+    // True when the entry that was read last depends on more than that: what was read is of no use.
+    [[nodiscard]] bool dependsOnOthers() const { return dependsOnOthers_; }
+    // The series that the entry read last is, which the file's own reader is given in its turn.
+    [[nodiscard]] std::optional<SeriesStart>& series() { return series_; }
+    void remember(const std::string& uid, SeriesStart&& series);
 
     // The zone that was chosen for times without one, or null.
     [[nodiscard]] const ZonePtr& chosenZone() const { return chosenZone_; }
@@ -88,7 +118,7 @@ class EntryReader {
     [[nodiscard]] bool hasRecurrence() const { return !ruleLines_.empty() || !dateLines_.empty(); }
 
     [[nodiscard]] const Choices& choices() const { return choices_; }
-    [[nodiscard]] bool fileDescribesZones() const { return !zones_.described.empty(); }
+    [[nodiscard]] bool fileDescribesZones() const { return !zones_.described->empty(); }
     // A series in UTC moves to the clock of the entry's zone.
     void moveSeriesToZone();
     // False where a rule has no date on its start, were that `start`.
@@ -111,7 +141,8 @@ class EntryReader {
     [[nodiscard]] std::vector<Parameter> carriedParameters(const ContentLine& line) const;
     void keepDecoded(const ContentLine& line, std::vector<ContentLine>& lines);
     void takeDateList(const ContentLine& line);
-    [[nodiscard]] ZonePtr zoneNamed(const ContentLine& line, std::string_view id);
+    // Until the next call.
+    [[nodiscard]] const ZonePtr& zoneNamed(const ContentLine& line, std::string_view id);
     [[nodiscard]] ZonePtr undescribedZone(const ContentLine& line, std::string_view id);
     [[nodiscard]] std::string carriedName(const ContentLine& line) const;
     [[nodiscard]] bool beginEntry(const Component& component, const ZonePtr& zone);
@@ -125,7 +156,7 @@ class EntryReader {
     [[nodiscard]] Moment onLocalClock(const Moment& moment) const;
     void settleRecurrenceId();
     void reportUnknownSeries();
-    void rememberSeries();
+    void noteSeries();
     // Gives dates of the series that are in another form than its start the start's.
     // False where a rule has times of day of its own or is not understood: any time may be one of
     // its occurrences.
@@ -146,27 +177,24 @@ class EntryReader {
     KnownZones& zones_;
     const Choices& choices_;
     ZonePtr chosenZone_;
+    ZonePtr named_;  // by the last TZID that was not known
     NoteSink sink_;
-    bool daysOfUtc_ = false;      // the entry's days are guessed from times in UTC
-    bool reportedOrder_ = false;  // of positions
+    bool daysOfUtc_ = false;  // the entry's days are guessed from times in UTC
+    Reported own_;
+    const Reported* reported_ = &own_;
+    bool ahead_ = false;
+    bool dependsOnOthers_ = false;
+    std::optional<SeriesStart> series_;
     std::vector<ContentLine> ruleLines_;
     std::vector<ContentLine> dateLines_;
     Arena texts_;  // decoded ones, of the entry that is read
-    // By TZID; null for one that means no zone. All of them have been reported.
-    std::map<std::string, ZonePtr, std::less<>> undescribed_;
-    // The starts of series by UID, for the entries that replace single dates of them.
-    struct SeriesStart {
-        Moment start;
-        ZonePtr zone;
-        bool oneTime = true;  // all of its dates are at the start's time of day
-    };
     struct HashOfText {
         using is_transparent = void;
         std::size_t operator()(std::string_view text) const {
             return std::hash<std::string_view>()(text);
         }
     };
-    std::unordered_map<std::string, SeriesStart, HashOfText, std::equal_to<>> seriesStarts_;
+    std::unordered_map<std::string, SeriesStart, HashOfText, std::equal_to<>> seriesStarts_;  // UID
 };
 
 // Takes the blanks off the items of a list, and those away that are nothing else.

@@ -30,7 +30,7 @@ void addBytes(std::string& bytes, const Component& component) {
 
 }  // namespace
 
-std::string MadeUids::uidOf(const Component& component) {
+std::string digestForUid(const Component& component) {
     const bool given = std::any_of(
         component.properties.begin(), component.properties.end(), [](const ContentLine& line) {
             return line.id == PropertyName::Uid && !trimmed(line.value).empty();
@@ -38,7 +38,11 @@ std::string MadeUids::uidOf(const Component& component) {
     if (given || component.name == "VTIMEZONE"sv) return {};
     std::string bytes;
     addBytes(bytes, component);
-    const std::string digest = digestOf(bytes);
+    return digestOf(bytes);
+}
+
+std::string MadeUids::uidOf(const std::string& digest, std::size_t line) {
+    if (digest.empty()) return {};
     const auto found = seen_.find(digest);
     std::string suffix;
     if (found != seen_.end())
@@ -46,7 +50,7 @@ std::string MadeUids::uidOf(const Component& component) {
     else if (seen_.size() < kMost)
         seen_.emplace(digest, 1);
     else
-        suffix = "-line" + std::to_string(component.number);
+        suffix = "-line" + std::to_string(line);
     return digest + suffix + "@qelutil";
 }
 

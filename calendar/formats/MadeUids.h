@@ -1,4 +1,4 @@
-// UIDs for entries that have none. One thread.
+// UIDs for entries that have none. One thread, where nothing else is said.
 #ifndef QEL_CALENDAR_FORMATS_MADEUIDS_H
 #define QEL_CALENDAR_FORMATS_MADEUIDS_H
 
@@ -10,14 +10,16 @@
 
 namespace qel::calendar {
 
+// A digest of the bytes of the entry's properties, as they are before any decoding: how lines end
+// and are folded, and DTSTAMP, which says when the file was made, do not matter. So the same entry
+// has the same one in every export, on every system. "" when the entry has a UID. Any thread.
+[[nodiscard]] std::string digestForUid(const Component& component);
+
 class MadeUids {
   public:
-    // The UID of an entry of one file. It depends on the bytes of the entry's properties alone, as
-    // they are before any decoding: how lines end and are folded, and DTSTAMP, which says when the
-    // file was made, do not matter. So the same entry has the same UID in every export, on every
-    // system. Later entries with the same bytes in the same file get a number as well. ""
-    // when the entry has a UID.
-    [[nodiscard]] std::string uidOf(const Component& component);
+    // The UID of an entry of one file that begins on `line`, made of its digest. Later entries with
+    // the same bytes in the same file get a number as well. "" for "".
+    [[nodiscard]] std::string uidOf(const std::string& digest, std::size_t line);
 
     // Entries that are compared by their bytes; later ones get a UID from their line.
     static constexpr std::size_t kMost = 20000;

@@ -27,8 +27,8 @@ class ZoneNaming {
     // the one that was made.
     [[nodiscard]] const ZonePtr& zoneFor(int first, int last) const;
     // The same for an entry from `first` on without regard to its end; null where that matters.
-    [[nodiscard]] ZonePtr zoneFrom(int first) const {
-        return first >= firstSteadyYear_ ? candidates_.front() : nullptr;
+    [[nodiscard]] const ZonePtr* zoneFrom(int first) const {
+        return first >= firstSteadyYear_ ? &candidates_.front() : nullptr;
     }
 
   private:

@@ -62,6 +62,49 @@ std::vector<std::filesystem::path> publicFiles(const std::string& kind) {
     return files;
 }
 
+namespace {
+
+class Transcript final : public ConversionObserver {
+  public:
+    [[nodiscard]] bool wantsLines() const override { return true; }
+    void entryConverted(const ConvertedEntry& each) override {
+        text << "entry " << each.entry.line << " with " << each.notes.size() << " notes and "
+             << each.moreNotes << "\n"
+             << each.source << (each.sourceCut ? "..." : "") << each.written;
+    }
+    void add(const Note& note) {
+        text << note.file << ":" << note.line << ": " << static_cast<int>(note.code) << " "
+             << note.text() << "\n";
+    }
+
+    std::ostringstream text;
+};
+
+// All that a conversion says, in its order: notes, entries with their lines, the result, counts.
+// The text comes in pieces of that size; threads work on those of `from` bytes or more.
+std::string transcriptOf(const std::string& text, CalendarFormat to, std::size_t piece,
+                         std::size_t threads, std::size_t from, const Choices& choices) {
+    Transcript transcript;
+    std::ostringstream out;
+    Converter converter(out, to, [&](const Note& note) { transcript.add(note); });
+    converter.observe(&transcript);
+    converter.choose(choices);
+    converter.useThreads(threads, from);
+    converter.beginScan();
+    converter.scan(text);
+    converter.endScan();
+    converter.beginFile("test");
+    for (std::size_t at = 0; at < text.size(); at += piece)
+        converter.write(std::string_view(text).substr(at, piece));
+    converter.endFile();
+    converter.finish();
+    const ConvertCounts& counts = converter.counts();
+    return transcript.text.str() + out.str() + std::to_string(counts.calendars) + " " +
+           std::to_string(counts.entries) + " " + std::to_string(counts.alarms);
+}
+
+}  // namespace
+
 std::string differenceInPieces(const std::string& text) {
     for (const CalendarFormat to : {CalendarFormat::ICalendar, CalendarFormat::VCalendar10}) {
         const Conversion whole = convertText(text, to, text.size());
@@ -71,6 +114,28 @@ std::string differenceInPieces(const std::string& text) {
             for (const Severity each : {Severity::Note, Severity::Warning, Severity::Error})
                 same = same && parts.texts(each) == whole.texts(each);
             if (!same) return "pieces of " + std::to_string(piece) + " bytes";
+        }
+        if (std::string difference = differenceByThreads(text, to, 509); !difference.empty())
+            return difference;
+    }
+    return {};
+}
+
+std::string differenceByThreads(const std::string& text, CalendarFormat to, std::size_t piece,
+                                const Choices& choices) {
+    for (const std::size_t size : {text.size(), piece}) {
+        const std::string one = transcriptOf(text, to, size, 1, 1, choices);
+        for (const std::size_t threads : {2u, 3u}) {
+            // Spans of one entry, and of several.
+            const std::size_t from = threads == 2 ? 1 : std::min<std::size_t>(size, 5000);
+            const std::string many = transcriptOf(text, to, size, threads, from, choices);
+            const auto [first, second] =
+                std::mismatch(one.begin(), one.end(), many.begin(), many.end());
+            if (first == one.end() && second == many.end()) continue;
+            const auto at = static_cast<std::size_t>(first - one.begin());
+            const std::size_t begin = at - std::min<std::size_t>(at, 200);
+            return std::to_string(threads) + " threads, pieces of " + std::to_string(size) + ": " +
+                   one.substr(begin, 400) + "\ninstead\n" + many.substr(begin, 400);
         }
     }
     return {};

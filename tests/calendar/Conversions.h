@@ -30,7 +30,12 @@ struct Conversion {
                                      const calendar::Choices& choices = {});
 // The public calendar files of that kind, "vcs" or "ics"; none where they are not present.
 [[nodiscard]] std::vector<std::filesystem::path> publicFiles(const std::string& kind);
-// "" when the file gives the same result and the same notes in pieces of any size.
+// "" when several threads say what one says, of the whole text and of pieces of that size.
+[[nodiscard]] std::string differenceByThreads(const std::string& text, calendar::CalendarFormat to,
+                                              std::size_t piece,
+                                              const calendar::Choices& choices = {});
+// "" when the file gives the same result and the same notes in pieces of any size, and with several
+// threads.
 [[nodiscard]] std::string differenceInPieces(const std::string& text);
 [[nodiscard]] Conversion toICalendar(const std::string& text);
 [[nodiscard]] Conversion toVCalendar(const std::string& text);
