@@ -303,6 +303,16 @@ int qelcal_converter_choose(qelcal_converter* converter, int choice, const char*
     });
 }
 
+int qelcal_converter_threads(qelcal_converter* converter, int most) {
+    if (converter == nullptr) return refuseNull();
+    if (converter->holder != nullptr) return refusePart();
+    if (most < 1 || most > QELCAL_MOST_THREADS)
+        return api::fail(QELCAL_INVALID_ARGUMENT, "a converter uses 1 to 64 threads");
+    if (inFile(*converter)) return refuseOrder("a file has begun; its threads are chosen before");
+    converter->converter.useThreads(static_cast<size_t>(most));
+    return QELCAL_OK;
+}
+
 int qelcal_converter_report(qelcal_converter* converter, qelcal_report* report) {
     if (converter == nullptr) return refuseNull();
     if (converter->holder != nullptr) return refusePart();

@@ -79,6 +79,9 @@ class Converter {
     void choose(qelcal_choice choice, const std::string& value) {
         detail::check(qelcal_converter_choose(converter_.get(), choice, value.c_str()));
     }
+    /// From the next file on `most` threads work on each large piece given to write(), this one
+    /// among them; callbacks are called on this one, in the same order as with one.
+    void threads(int most) { detail::check(qelcal_converter_threads(converter_.get(), most)); }
     /// Begins a file; its notes have `name`.
     void beginFile(const std::string& name) {
         finish(qelcal_converter_begin_file(converter_.get(), name.c_str()));

@@ -547,6 +547,17 @@ QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_on_entry(qelcal_converter*
  * when the value is not one that it can have. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_choose(qelcal_converter* converter,
                                                              int choice, const char* value);
+/** The most threads of qelcal_converter_threads(). */
+#define QELCAL_MOST_THREADS 64
+/** From the next file on so many threads work on it, at most, the caller's among them; 1 at first.
+ * They begin and end within a call of qelcal_converter_write() that is given 256 KB or more: give
+ * it megabytes. Output, notes and entries come as with one thread: the same, in the same order, on
+ * the caller's thread, before the call returns. Memory stays bounded. Where the system has no more
+ * threads to give, those that there are do it. A child process that is forked within a callback
+ * must not return to the converter. QELCAL_INVALID_ARGUMENT unless `most` is 1 to
+ * QELCAL_MOST_THREADS. */
+QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_threads(qelcal_converter* converter,
+                                                              int most);
 /** Begins a file; its notes have `name`, which may be empty. */
 QELCALENDAR_API int QELCALENDAR_CALL qelcal_converter_begin_file(qelcal_converter* converter,
                                                                  const char* name);

@@ -367,28 +367,28 @@ TEST(Interface, NullHandlesAreAnswered) {
     qelcal_note_kind kind;
     EXPECT_EQ(qelcal_note_kind_at(qelcal_note_kind_count(), &kind), QELCAL_INVALID_ARGUMENT);
     const int refused[] = {
-        withNothing(qelcal_note_kind_at),       withNothing(qelcal_reader_scan),
-        withNothing(qelcal_reader_write),       withNothing(qelcal_reader_end),
-        withNothing(qelcal_reader_next),        withNothing(qelcal_reader_choose),
-        withNothing(qelcal_converter_on_note),  withNothing(qelcal_converter_on_entry),
-        withNothing(qelcal_converter_choose),   withNothing(qelcal_converter_begin_file),
-        withNothing(qelcal_converter_scan),     withNothing(qelcal_converter_write),
-        withNothing(qelcal_converter_end_file), withNothing(qelcal_converter_finish),
-        withNothing(qelcal_converter_join),     withNothing(qelcal_converter_counts),
-        withNothing(qelcal_converter_report),   withNothing(qelcal_report_week_start),
-        withNothing(qelcal_report_add_file),    withNothing(qelcal_report_join),
-        withNothing(qelcal_report_result),      withNothing(qelcal_report_finish),
-        withNothing(qelcal_rules_read),         withNothing(qelcal_rules_read_counting),
-        withNothing(qelcal_rules_record),       withNothing(qelcal_rules_dates),
-        withNothing(qelcal_entry_time),         withNothing(qelcal_entry_duration),
-        withNothing(qelcal_entry_to_utc),       withNothing(qelcal_entry_date),
-        withNothing(qelcal_entry_occurrences),  withNothing(qelcal_entry_alarm),
-        withNothing(qelcal_time_read),          withNothing(qelcal_time_write),
-        withNothing(qelcal_time_add),           withNothing(qelcal_duration_read),
-        withNothing(qelcal_duration_write),     withNothing(qelcal_zone_find),
-        withNothing(qelcal_zone_to_utc),        withNothing(qelcal_zone_offset),
-        withNothing(qelcal_zone_changes),       withNothing(qelcal_text_to_utf8),
-        withNothing(qelcal_printable)};
+        withNothing(qelcal_note_kind_at),        withNothing(qelcal_reader_scan),
+        withNothing(qelcal_reader_write),        withNothing(qelcal_reader_end),
+        withNothing(qelcal_reader_next),         withNothing(qelcal_reader_choose),
+        withNothing(qelcal_converter_on_note),   withNothing(qelcal_converter_on_entry),
+        withNothing(qelcal_converter_choose),    withNothing(qelcal_converter_begin_file),
+        withNothing(qelcal_converter_scan),      withNothing(qelcal_converter_write),
+        withNothing(qelcal_converter_end_file),  withNothing(qelcal_converter_finish),
+        withNothing(qelcal_converter_join),      withNothing(qelcal_converter_counts),
+        withNothing(qelcal_converter_report),    withNothing(qelcal_converter_threads),
+        withNothing(qelcal_report_week_start),   withNothing(qelcal_report_add_file),
+        withNothing(qelcal_report_join),         withNothing(qelcal_report_result),
+        withNothing(qelcal_report_finish),       withNothing(qelcal_rules_read),
+        withNothing(qelcal_rules_read_counting), withNothing(qelcal_rules_record),
+        withNothing(qelcal_rules_dates),         withNothing(qelcal_entry_time),
+        withNothing(qelcal_entry_duration),      withNothing(qelcal_entry_to_utc),
+        withNothing(qelcal_entry_date),          withNothing(qelcal_entry_occurrences),
+        withNothing(qelcal_entry_alarm),         withNothing(qelcal_time_read),
+        withNothing(qelcal_time_write),          withNothing(qelcal_time_add),
+        withNothing(qelcal_duration_read),       withNothing(qelcal_duration_write),
+        withNothing(qelcal_zone_find),           withNothing(qelcal_zone_to_utc),
+        withNothing(qelcal_zone_offset),         withNothing(qelcal_zone_changes),
+        withNothing(qelcal_text_to_utf8),        withNothing(qelcal_printable)};
     for (std::size_t i = 0; i < std::size(refused); ++i)
         EXPECT_EQ(refused[i], QELCAL_INVALID_ARGUMENT) << "the function with number " << i;
     for (const std::size_t count :
@@ -629,6 +629,30 @@ TEST(Interface, ConvertersRefuseCallsOutOfOrder) {
     qelcal_counts counts;
     EXPECT_EQ(qelcal_converter_counts(converter, &counts), QELCAL_OK);
     EXPECT_EQ(counts.entries, 7U);
+}
+
+TEST(Interface, ThreadsShareAFile) {
+    std::string calendars;
+    for (int i = 0; i < 400; ++i) calendars += phoneFile();
+    const auto convert = [&](int threads) {
+        std::string all;
+        qelcal::Converter converter(
+            QELCAL_OTHER, [&](const char* bytes, std::size_t size) { all.append(bytes, size); });
+        converter.threads(threads);
+        converter.onNote([&](const qelcal::Note& note) { all += note.text; });
+        converter.beginFile("");
+        EXPECT_THROW(converter.threads(1), qelcal::Error);
+        converter.scan(calendars.data(), calendars.size());
+        converter.write(calendars.data(), calendars.size());
+        converter.endFile();
+        converter.finish();
+        return all;
+    };
+    EXPECT_EQ(convert(3) == convert(1), true);
+    qelcal::Converter converter(QELCAL_OTHER, {});
+    for (const int wrong : {0, -1, QELCAL_MOST_THREADS + 1})
+        EXPECT_THROW(converter.threads(wrong), qelcal::Error);
+    EXPECT_THROW(converter.part().threads(2), qelcal::Error);
 }
 
 TEST(Interface, WhatACallbackThrowsComesOut) {

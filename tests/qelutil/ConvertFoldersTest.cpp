@@ -386,5 +386,33 @@ TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoes) {
     }
 }
 
+// From one file and from a pipe: it is read in larger pieces after the first megabyte.
+TEST_F(ConvertFolders, ManyThreadsDoWhatOneDoesWithALargeFile) {
+    std::string entries;
+    for (int i = 0; i < 30000; ++i)
+        entries += "BEGIN:VEVENT\r\nUID:" + std::to_string(i - i % 9) +
+                   "\r\nSUMMARY:" + std::to_string(i) +
+                   "\r\nDTSTART:20050615T083000\r\nRRULE:D1 #3\r\nEND:VEVENT\r\n";
+    put("large.vcs", calendar(entries));
+    const auto all = [&](const std::string& threads) {
+        std::string text;
+        for (const char* each : {"large.ics", "r.html"}) fs::remove(state_.path() / each);
+        const std::string large = state_.file("large.vcs");
+        const std::string result = state_.file("large.ics");
+        for (const std::vector<std::string>& words :
+             {std::vector<std::string>{"convert", large, "-o", result, "--threads", threads,
+                                       "--report", state_.file("r.html"), "--json"},
+              {"convert", large, "-n", "--threads", threads, "-v"}}) {
+            const ProcessResult done = run(words);
+            text += std::to_string(done.exitCode) + done.out + done.err;
+        }
+        text += runWithInput({"convert", "--threads", threads}, readFile(result)).out;
+        return text + readFile(result) + readFile(state_.file("r.html"));
+    };
+    const std::string one = all("1");
+    EXPECT_GT(one.size(), 9000000U);
+    EXPECT_EQ(one == all("3"), true);
+}
+
 }  // namespace
 }  // namespace qel::test

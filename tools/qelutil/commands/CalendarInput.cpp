@@ -1,5 +1,7 @@
 #include "commands/CalendarInput.h"
 
+#include <algorithm>
+#include <exception>
 #include <string_view>
 #include <vector>
 
@@ -10,6 +12,8 @@ namespace qel::cli {
 namespace {
 
 constexpr std::size_t kPiece = std::size_t{64} << 10;
+constexpr std::size_t kLargePiece = std::size_t{2} << 20;
+constexpr std::uint64_t kLargeFrom = std::uint64_t{256} << 10;
 
 // Calls `take` for all bytes of `input`, until it returns false.
 template <class Input, class Take>
@@ -18,6 +22,38 @@ void readAll(Input& input, Take take) {
     std::uint64_t done = 0;
     while (const std::size_t got = input.read(buffer.data(), buffer.size()))
         if (!take(buffer.data(), got, done += got)) return;
+}
+
+// Fills `buffer` where the input has so much. What was read before a failure counts: the next call
+// has the failure.
+template <class Input>
+std::size_t fill(Input& input, std::vector<char>& buffer, std::exception_ptr& failure) {
+    if (failure != nullptr) std::rethrow_exception(failure);
+    std::size_t size = 0;
+    try {
+        while (size < buffer.size()) {
+            const std::size_t got =
+                input.read(buffer.data() + size, std::min(kPiece, buffer.size() - size));
+            if (got == 0) break;
+            size += got;
+        }
+    } catch (const InputError&) {
+        if (size == 0) throw;
+        failure = std::current_exception();
+    }
+    return size;
+}
+
+// The same with pieces of kLargePiece after the first ones.
+template <class Input, class Take>
+void readLarge(Input& input, Take take) {
+    std::vector<char> buffer(kPiece);
+    std::exception_ptr failure;
+    std::uint64_t done = 0;
+    while (const std::size_t got = fill(input, buffer, failure)) {
+        take(buffer.data(), got, done += got);
+        if (done >= kLargeFrom) buffer.resize(kLargePiece);
+    }
 }
 
 // Reads `input` up to where a calendar or an entry begins. Without one it throws what the file's
@@ -65,23 +101,24 @@ CalendarInput::CalendarInput(Context& context, const CalendarFile& file)
 }
 
 void CalendarInput::read(const Take& scan, const Take& write) {
-    const auto all = [](const Take& take) {
-        return [&take](const char* bytes, std::size_t size, std::uint64_t done) {
+    const auto all = [this](auto& input, const Take& take) {
+        if (large_) return readLarge(input, take);
+        readAll(input, [&take](const char* bytes, std::size_t size, std::uint64_t done) {
             take(bytes, size, done);
             return true;
-        };
+        });
     };
     if (!spool_) {
         InputFile first = file_.open(context_);
-        readAll(first, all(scan));
-        readAll(input_, all(write));
+        all(first, scan);
+        all(input_, write);
         return;
     }
     if (kept_) {
-        readAll(*spool_, all(scan));
+        all(*spool_, scan);
         spool_->rewind();
     }
-    readAll(*spool_, all(write));
+    all(*spool_, write);
 }
 
 }  // namespace qel::cli

@@ -23,6 +23,9 @@ class CalendarInput {
     // says what the file seems to be.
     CalendarInput(Context& context, const CalendarFile& file);
 
+    // Has read() give larger pieces after the first megabyte, which several threads can share.
+    void useLargePieces() { large_ = true; }
+
     // For messages.
     [[nodiscard]] const std::string& name() const { return input_.name(); }
 
@@ -37,6 +40,7 @@ class CalendarInput {
     InputFile input_;
     std::optional<Spool> spool_;  // of what can be read only once
     bool kept_ = false;           // by the spool
+    bool large_ = false;
 };
 
 }  // namespace qel::cli

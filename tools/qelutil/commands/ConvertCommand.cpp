@@ -133,8 +133,9 @@ void addConvertCommand(CLI::App& app, Context& context) {
     command
         ->add_option(
             "--threads", options->threads,
-            "how many files are worked on at a time, at most; as many as this computer has\n"
-            "cores when it is missing. The results are the same with any number")
+            "how many threads work at most, on several files or on one large file; as many as\n"
+            "this computer has cores when it is missing. The results are the same with any\n"
+            "number")
         ->check(CLI::Range(1, 64))
         ->option_text("N");
     command->add_flag("--json", options->json,

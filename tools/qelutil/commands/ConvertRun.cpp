@@ -97,6 +97,9 @@ class ConvertRun {
         openReport();
         summary_ =
             found.anyFolder || files_.size() > 1 || eachAlone() || options_.dryRun || report_;
+        if (std::none_of(files_.begin(), files_.end(),
+                         [this](const CalendarFile& each) { return isAhead(each, !eachAlone()); }))
+            options_.fileThreads = options_.threads;
         std::uint64_t size = 0;
         for (const CalendarFile& each : files_) size += each.size;
         Progress progress(context_, "", size);
@@ -236,7 +239,7 @@ class ConvertRun {
                 [&] {
                     if (read) return takeRead(converter, *read, outcome);
                     readFile(
-                        context_, converter, file, outcome,
+                        context_, converter, file, outcome, options_.fileThreads,
                         [&](std::uint64_t done) { progress_->update(before + done); });
                 });
         } catch (...) {

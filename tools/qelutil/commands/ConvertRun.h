@@ -23,7 +23,8 @@ struct ConvertOptions {
     std::string only;
     bool distinctUids = false;
     unsigned threads = 1;
-    std::size_t split = 0;  // bytes of one result at most; 0: all in one
+    unsigned fileThreads = 1;  // of them, those that work on one file
+    std::size_t split = 0;     // bytes of one result at most; 0: all in one
     bool beside = false;
     bool open = false;
     bool overwrite = false;

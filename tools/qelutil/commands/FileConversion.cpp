@@ -30,7 +30,7 @@ void convertInto(AloneFile& alone, Context& context, const ConvertOptions& optio
     listenTo(converter, options, [&alone]() -> FileOutcome& { return alone.outcome; });
     if (report != nullptr) converter.reportTo(report);
     alone.problem = convertFile(options, converter, alone.outcome, [&] {
-        readFile(context, converter, file, alone.outcome, onProgress);
+        readFile(context, converter, file, alone.outcome, options.fileThreads, onProgress);
     });
     if (!alone.problem.empty()) return;
     alone.toPhone = converter.target() == QELCAL_VCALENDAR;
@@ -57,6 +57,7 @@ void choose(qelcal::Converter& converter, const ConvertOptions& options) {
 void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
               const std::function<FileOutcome&()>& current) {
     choose(converter, options);
+    converter.threads(static_cast<int>(options.fileThreads));
     converter.onNoteHandle([current, verbose = options.verbose](const qelcal_note* note) {
         current().take(note, verbose);
     });
@@ -67,8 +68,9 @@ void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
 }
 
 void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
-              FileOutcome& outcome, const OnProgress& onProgress) {
+              FileOutcome& outcome, unsigned threads, const OnProgress& onProgress) {
     CalendarInput input(context, file);
+    if (threads > 1) input.useLargePieces();
     converter.beginFile(input.name());
     outcome.begun = true;
     try {
@@ -135,7 +137,7 @@ ReadFile readAhead(Context& context, IdleParts& parts, const CalendarFile& file)
     FileOutcome outcome;
     try {
         read.part.emplace(parts.take());
-        readFile(context, *read.part, file, outcome, [](std::uint64_t) {});
+        readFile(context, *read.part, file, outcome, 1, [](std::uint64_t) {});
     } catch (...) {
         read.failure = std::current_exception();
     }

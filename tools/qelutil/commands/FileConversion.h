@@ -35,9 +35,9 @@ void listenTo(qelcal::Converter& converter, const ConvertOptions& options,
 using OnProgress = std::function<void(std::uint64_t done)>;
 
 // Reads `file` into `converter`; `outcome` has its name. Throws InputError when it cannot be read;
-// what was read before is converted.
+// what was read before is converted. `threads` of the converter work on it.
 void readFile(Context& context, qelcal::Converter& converter, const CalendarFile& file,
-              FileOutcome& outcome, const OnProgress& onProgress);
+              FileOutcome& outcome, unsigned threads, const OnProgress& onProgress);
 
 // What `read`, which is one of those here, converts of a file; `outcome` gets its counts. Gives the
 // reason why the file has no part in the result, or nothing; throws what ends the whole result.

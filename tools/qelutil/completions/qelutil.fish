@@ -66,7 +66,7 @@ complete -c qelutil -n '__qelutil_converts' -l strict -d 'treat warnings and los
 complete -c qelutil -n '__qelutil_converts' -s n -l dry-run -d 'write no calendar, and show what would become of each file'
 complete -c qelutil -n '__qelutil_converts' -l report -r -F -d 'a page that shows for every entry what was converted, what changed and what could not be carried over'
 complete -c qelutil -n '__qelutil_converts' -l open -d 'show the report when it is written'
-complete -c qelutil -n '__qelutil_converts' -l threads -x -d 'how many files are worked on at a time, at most'
+complete -c qelutil -n '__qelutil_converts' -l threads -x -d 'how many threads work at most, on several files or on one large file'
 complete -c qelutil -n '__qelutil_converts' -l json -d 'print what became of each file as JSON'
 complete -c qelutil -n '__qelutil_converts' -s v -l verbose -d 'also report how irregular input was read, and show every message'
 

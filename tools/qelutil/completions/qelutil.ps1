@@ -59,7 +59,7 @@ Register-ArgumentCompleter -Native -CommandName 'qelutil', 'qelutil.exe' -Script
                 '--dry-run|write no calendar, and show what would become of each file'
                 '--report|a page that shows for every entry what was converted, what changed and what could not be carried over'
                 '--open|show the report when it is written'
-                '--threads|how many files are worked on at a time, at most'
+                '--threads|how many threads work at most, on several files or on one large file'
                 '--json|print what became of each file as JSON'
                 '-v|also report how irregular input was read, and show every message'
                 '--verbose|also report how irregular input was read, and show every message'
