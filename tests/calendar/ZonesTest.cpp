@@ -75,6 +75,9 @@ TEST(Zones, OfEntries) {
         for (const std::string& line : split(row["result"], '\n'))
             EXPECT_NE(std::find(lines.begin(), lines.end(), line), lines.end()) << line << " in\n"
                                                                                 << result.out;
+        for (const std::string& line : split(row["without"], '\n'))
+            EXPECT_TRUE(line.empty() || std::find(lines.begin(), lines.end(), line) == lines.end())
+                << line;
         for (const std::string& message : split(row["message"], '\n'))
             EXPECT_TRUE(result.tells(message)) << message;
         if (row["message"].empty())
