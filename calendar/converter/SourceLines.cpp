@@ -43,12 +43,10 @@ void SourceLines::add(std::string_view bytes) {
         std::string_view line;
         while (next(line)) {
         }
-        // A line that does not end: no entry shows it.
+        // A line that does not end: its beginning is forgotten.
         if (held_.size() - at_ > kMostHeld) {
-            unusable_ = true;
             held_ = {};
             at_ = 0;
-            return;
         }
     }
     if (at_ >= kForgetFrom) {

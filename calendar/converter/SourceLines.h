@@ -26,7 +26,7 @@ class SourceLines {
 
     // The lines from number `first` to `last`, or the first of them that are `most` bytes together.
     // Empty when they are no longer kept: lines before the last entry asked for are dropped, and so
-    // are all of a file in UTF-16 or with a line of megabytes.
+    // are those of an entry with a line of megabytes and all of a file in UTF-16.
     // REQUIRES: these lines have been added, and numbers ascend from call to call.
     [[nodiscard]] Lines entry(std::size_t first, std::size_t last, std::size_t most);
     // The same of the first `count` lines of `text`. Any thread.

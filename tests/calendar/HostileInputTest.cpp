@@ -120,8 +120,11 @@ TEST(HostileInput, EverythingThatIsLongIsReadAtOnce) {
     std::string zones;
     for (int each = 0; each < 20000; ++each)
         zones += "DAYLIGHT:TRUE;+02;20050327T010000Z;20051030T010000Z\r\n";
+    std::string lines;
+    for (int each = 0; each < 900000; ++each) lines += "X-A:1\r\n";
     const std::string inEntry[] = {"SUMMARY:" + megabytes,
                                    megabytes,
+                                   lines + "LOCATION:past all bounds",
                                    nested,
                                    folds,
                                    blanks,
@@ -141,6 +144,7 @@ TEST(HostileInput, EverythingThatIsLongIsReadAtOnce) {
         EXPECT_EQ(result.counts.entries, 1u);
         EXPECT_EQ(faultOf(result.out), "");
         EXPECT_LT(result.messages.size(), 20u);
+        EXPECT_EQ(result.out.find("past all bounds"), std::string::npos);
     }
     EXPECT_EQ(toICalendar(calendar("TZ:+01\r\n" + zones + kEvent)).counts.entries, 1u);
     EXPECT_EQ(toICalendar(calendar(std::string(1 << 20, '\0') + "\r\n" + kEvent)).counts.entries,
