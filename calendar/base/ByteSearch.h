@@ -71,6 +71,19 @@ template <typename Searched>
         const unsigned mask = maskAt(begin) >> (at - begin);
         return mask == 0 ? text.size() : at + static_cast<std::size_t>(std::countr_zero(mask));
     }
+    constexpr std::size_t kHalf = 8;
+    if (text.size() >= kHalf && text.size() < kBlock && at == 0) {
+        // The second half has bytes of the first one.
+        const auto halfAt = [text](std::size_t begin) {
+            return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text.data() + begin));
+        };
+        const std::size_t second = text.size() - kHalf;
+        const __m128i bytes = _mm_unpacklo_epi64(halfAt(0), halfAt(second));
+        const auto mask = static_cast<unsigned>(_mm_movemask_epi8(Searched::marks(bytes)));
+        if (mask == 0) return text.size();
+        const auto first = static_cast<std::size_t>(std::countr_zero(mask));
+        return first < kHalf ? first : second + first - kHalf;
+    }
 #endif
     while (at < text.size() && !Searched::one(text[at])) ++at;
     return at;

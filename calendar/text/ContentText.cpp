@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 
 #include "calendar/base/Ascii.h"
@@ -32,6 +33,13 @@ constexpr auto kOddInName = [] {
     return table;
 }();
 
+// True for a text that is not a name as it is.
+bool isOdd(std::string_view name) {
+    unsigned odd = name.empty() ? 1 : 0;
+    for (const char c : name) odd |= kOddInName[static_cast<unsigned char>(c)];
+    return odd != 0;
+}
+
 void addName(std::string& out, LineName written) {
     std::string_view name = written.text();
     if (written.known()) {
@@ -40,9 +48,7 @@ void addName(std::string& out, LineName written) {
     }
     if (name.empty()) name = "X";
     out += name;
-    unsigned odd = 0;
-    for (const char c : name) odd |= kOddInName[static_cast<unsigned char>(c)];
-    if (odd == 0) return;
+    if (!isOdd(name)) return;
     char* const begin = out.data() + (out.size() - name.size());
     for (std::size_t at = 0; at < name.size(); ++at) begin[at] = nameCharacter(begin[at]);
 }
@@ -86,24 +92,10 @@ void addParameter(std::string& out, const Parameter& parameter) {
     }
 }
 
-// The characters of a text that are neither escaped nor left out.
-constexpr auto kReadyCharacters = [] {
-    std::array<bool, 256> table{};
-    for (std::size_t each = ' '; each <= '~'; ++each)
-        table[each] = each != '\\' && each != ';' && each != ',';
-    return table;
-}();
-
-bool needsNoEscape(std::string_view text) {
-    constexpr std::size_t kShort = 16;
-    if (text.size() >= kShort) return isPrintableAscii(text) && !hasAny<'\\', ';', ','>(text);
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return kReadyCharacters[static_cast<unsigned char>(c)]; });
-}
-
 // True for a value that is written as it is.
 bool isReady(std::string_view value, Value how) {
-    return how == Value::AsItIs ? isPrintableAscii(value) : needsNoEscape(value);
+    if (how == Value::AsItIs) return isPrintableAscii(value);
+    return findAnyOrUnprintable<'\\', ';', ','>(value, 0) == value.size();
 }
 
 // A value that was copied from the input can contain anything. A line end within it would begin
@@ -129,14 +121,61 @@ std::string withCarriageReturns(std::string_view text) {
     return result;
 }
 
-// Adds a line of known length that is written as it is, and ends it.
-void addShort(std::string& out, std::string_view name, std::string_view value) {
-    const std::size_t begin = out.size();
-    out.resize(begin + name.size() + 1 + value.size() + kLineEnd.size());
-    char* at = std::copy(name.begin(), name.end(), out.data() + begin);
+// Copies a few bytes, which takes less time than calling a function for it, and gives the place
+// after them.
+char* putShort(char* to, std::string_view text) {
+    const char* const from = text.data();
+    const std::size_t size = text.size();
+    // The last block may have bytes of the one before it.
+    if (size >= 16) {
+        for (std::size_t at = 0; at + 16 < size; at += 16) std::memcpy(to + at, from + at, 16);
+        std::memcpy(to + size - 16, from + size - 16, 16);
+    } else if (size >= 8) {
+        std::memcpy(to, from, 8);
+        std::memcpy(to + size - 8, from + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(to, from, 4);
+        std::memcpy(to + size - 4, from + size - 4, 4);
+    } else {
+        for (std::size_t at = 0; at < size; ++at) to[at] = from[at];
+    }
+    return to + size;
+}
+
+// How much of a line its parameters take. More than kWidth with one that is not written as it is.
+std::size_t lengthOf(const std::vector<Parameter>& parameters) {
+    std::size_t length = 0;
+    for (const Parameter& each : parameters) {
+        const bool plain =
+            !isOdd(each.name) && !isAddressList(each.name) &&
+            findAnyOrUnprintable<'^', '"', ':', ';', ','>(each.value, 0) == each.value.size();
+        if (!plain) return kWidth + 1;
+        length += 2 + each.name.size() + each.value.size();
+    }
+    return length;
+}
+
+// Adds a line whose value is written as it is, and ends it. False where it has to be folded or its
+// parameters have to be changed.
+bool addShort(std::string& out, std::string_view name, const std::vector<Parameter>& parameters,
+              std::string_view value) {
+    const std::size_t least = name.size() + 1 + value.size();
+    if (least > kWidth) return false;
+    if (!parameters.empty() && least + lengthOf(parameters) > kWidth) return false;
+    char line[kWidth + kLineEnd.size()];
+    char* at = putShort(line, name);
+    for (const Parameter& each : parameters) {
+        *at++ = ';';
+        at = putShort(at, each.name);
+        *at++ = '=';
+        at = putShort(at, each.value);
+    }
     *at++ = ':';
-    at = std::copy(value.begin(), value.end(), at);
-    std::copy(kLineEnd.begin(), kLineEnd.end(), at);
+    at = putShort(at, value);
+    *at++ = '\r';
+    *at++ = '\n';
+    out.append(line, static_cast<std::size_t>(at - line));
+    return true;
 }
 
 void addUnfolded(std::string& out, LineName name, const std::vector<Parameter>& parameters,
@@ -174,9 +213,8 @@ void addFolded(std::string& out, std::string_view line) {
 
 void addICalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
                       std::string_view value, Value how) {
-    if (name.known() && parameters.empty() && name.text().size() + 1 + value.size() <= kWidth &&
-        isReady(value, how))
-        return addShort(out, name.text(), value);
+    if (name.known() && isReady(value, how) && addShort(out, name.text(), parameters, value))
+        return;
     const std::size_t begin = out.size();
     addUnfolded(out, name, parameters, value, how);
     if (out.size() - begin > kWidth) {
@@ -209,9 +247,7 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
                       std::string_view value) {
     const bool printable = isPrintableAscii(value);
     const bool bare = printable && (value.empty() || (value.front() != ' ' && value.back() != ' '));
-    if (name.known() && bare && parameters.empty() &&
-        name.text().size() + 1 + value.size() <= kWidth)
-        return addShort(out, name.text(), value);
+    if (name.known() && bare && addShort(out, name.text(), parameters, value)) return;
     std::string converted;
     if (!printable && !isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
     const std::size_t begin = out.size();
