@@ -83,9 +83,28 @@ void addParameterValue(std::string& value, std::string_view text) {
     }
 }
 
+// Parameters without quotes, escapes and blanks, as nearly all are.
+void takePlainParameters(std::string_view head, ContentLine& line) {
+    while (!head.empty()) {
+        std::string_view value = nextField(head, ';');
+        if (value.empty()) continue;
+        Parameter& parameter = line.parameters.emplace_back();
+        if (const std::size_t equals = value.find('='); equals != std::string_view::npos) {
+            const std::string_view name = value.substr(0, equals);
+            parameter.name.append(name);
+            if (capitalsLength(name) != name.size())
+                for (char& c : parameter.name) c = toUpper(c);
+            value.remove_prefix(equals + 1);
+        }
+        parameter.value.append(value);
+    }
+}
+
 void takeParameters(std::string_view head, ContentLine& line) {
     constexpr std::size_t kUsual = 4;
     line.parameters.reserve(kUsual);
+    if (findAnyOrUnprintable<'"', '^', ' '>(head, 0) == head.size())
+        return takePlainParameters(head, line);
     while (!head.empty()) {
         std::string_view value = trimmed(nextParameter(head));
         if (value.empty()) continue;
