@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -29,7 +30,10 @@ Workers::Workers(unsigned threads, std::size_t count, Job job)
         threads_.reserve(threads);
         while (threads_.size() < std::min<std::size_t>(threads, count))
             threads_.emplace_back([this] { work(); });
-    } catch (const std::system_error&) {  // those that there are do all of it
+    } catch (const std::system_error&) {
+        // Those that there are do all of it.
+    } catch (const std::bad_alloc&) {
+        // So they do; with them still running, an exception here would end the program.
     }
 }
 
