@@ -211,10 +211,13 @@ void addFolded(std::string& out, std::string_view line) {
     out += line;
 }
 
-void addICalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
-                      std::string_view value, Value how) {
-    if (name.known() && isReady(value, how) && addShort(out, name.text(), parameters, value))
-        return;
+namespace {
+
+// Any line of iCalendar. By itself, because the others need none of the room that this takes on
+// the stack, and nearly all lines are others.
+[[gnu::noinline]] void addAnyICalendar(std::string& out, LineName name,
+                                       const std::vector<Parameter>& parameters,
+                                       std::string_view value, Value how) {
     const std::size_t begin = out.size();
     addUnfolded(out, name, parameters, value, how);
     if (out.size() - begin > kWidth) {
@@ -223,6 +226,15 @@ void addICalendarLine(std::string& out, LineName name, const std::vector<Paramet
         addFolded(out, line);
     }
     out += "\r\n";
+}
+
+}  // namespace
+
+void addICalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value, Value how) {
+    if (name.known() && isReady(value, how) && addShort(out, name.text(), parameters, value))
+        return;
+    addAnyICalendar(out, name, parameters, value, how);
 }
 
 std::string iCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,
@@ -243,11 +255,12 @@ std::string unfolded(std::string_view lines) {
     return text;
 }
 
-void addVCalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
-                      std::string_view value) {
-    const bool printable = isPrintableAscii(value);
-    const bool bare = printable && (value.empty() || (value.front() != ' ' && value.back() != ' '));
-    if (name.known() && bare && addShort(out, name.text(), parameters, value)) return;
+namespace {
+
+// Any line of vCalendar 1.0, as addAnyICalendar. `bare`: the value needs no encoding.
+[[gnu::noinline]] void addAnyVCalendar(std::string& out, LineName name,
+                                       const std::vector<Parameter>& parameters,
+                                       std::string_view value, bool printable, bool bare) {
     std::string converted;
     if (!printable && !isUtf8(value)) value = converted = utf8OrWindows1252(std::string(value));
     const std::size_t begin = out.size();
@@ -277,6 +290,16 @@ void addVCalendarLine(std::string& out, LineName name, const std::vector<Paramet
     if (value.find('\n') != std::string_view::npos) value = text = withCarriageReturns(value);
     out += quotedPrintable(value, out.size() - begin);
     out += kLineEnd;
+}
+
+}  // namespace
+
+void addVCalendarLine(std::string& out, LineName name, const std::vector<Parameter>& parameters,
+                      std::string_view value) {
+    const bool printable = isPrintableAscii(value);
+    const bool bare = printable && (value.empty() || (value.front() != ' ' && value.back() != ' '));
+    if (name.known() && bare && addShort(out, name.text(), parameters, value)) return;
+    addAnyVCalendar(out, name, parameters, value, printable, bare);
 }
 
 std::string vCalendarLine(std::string_view name, const std::vector<Parameter>& parameters,

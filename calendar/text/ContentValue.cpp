@@ -34,13 +34,10 @@ bool isEncoded(const ContentLine& line) {
 }
 
 bool isPlainText(const ContentLine& line) {
-    return isPrintableAscii(line.value) && std::none_of(
-                                               line.parameters.begin(), line.parameters.end(),
-                                               [](const Parameter& each) {
-                                                   return each.name.empty() ||
-                                                          each.name == "ENCODING"sv ||
-                                                          each.name == "CHARSET"sv;
-                                               });
+    for (const Parameter& each : line.parameters)
+        if (each.name.empty() || each.name == "ENCODING"sv || each.name == "CHARSET"sv)
+            return false;
+    return isPrintableAscii(line.value);
 }
 
 std::string unlabelledText(const ContentLine& line) {
