@@ -202,6 +202,7 @@ void addOwnTypes() {
 // A daily rule of 100 occurrences. The conversions step it themselves, so that beside them stand
 // the steps alone.
 void addCounts() {
+    static constexpr int kSteps = 100;
     static const Series kDaily{"", 0, "DAILY;;100;1;", "", "20050615"};
     static _rruleRepeat rule;
     BxUtil_PositionaltoRRULE(kDaily.positional, &rule, nullptr);
@@ -209,7 +210,7 @@ void addCounts() {
     const auto steps = [] {
         int next = -1;
         int previous = -1;
-        for (int i = 0; i < kAgreed; ++i) ZQRepeatNextDate(&repeat, &next, &previous);
+        for (int i = 0; i < kSteps; ++i) ZQRepeatNextDate(&repeat, &next, &previous);
         benchmark::DoNotOptimize(next);
     };
     const auto same = [] {
@@ -217,7 +218,7 @@ void addCounts() {
         VStr exclusions;
         VStr start;
         int flags = 0;
-        return repeat.endDate == repeat.startDate + kAgreed - 1 &&
+        return repeat.endDate == repeat.startDate + kSteps - 1 &&
                BxUtil_BxRepeatToRRule(&repeat, &back, exclusions, start, 0, &flags) >= 0;
     };
     Comparison({"rule to repeat record, the end of 100 steps", 0, "100 steps"}, same)
