@@ -126,6 +126,8 @@ class Converter::File {
             if (turn_.wantsLines()) source_.add(piece);
             reader_.write(piece);
             takeItems();
+            if (turn_.wantsLines())
+                source_.forget(reader_.inEntry() ? reader_.component().number : reader_.lines());
         }
     }
 

@@ -7,8 +7,6 @@ namespace qel::calendar {
 
 namespace {
 
-// More than this is not kept between two entries.
-constexpr std::size_t kMostHeld = std::size_t{8} << 20;
 constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
 // The next line of `text`, without its end; `at` is after that then. False when there is none.
@@ -56,6 +54,12 @@ void SourceLines::add(std::string_view bytes) {
     held_ += bytes;
 }
 
+void SourceLines::forget(std::size_t number) {
+    std::string_view line;
+    while (number_ < number && next(line)) {
+    }
+}
+
 void SourceLines::goOn(std::size_t number) {
     held_.clear();
     at_ = 0;
@@ -80,7 +84,10 @@ SourceLines::Lines SourceLines::entry(std::size_t first, std::size_t last, std::
     while (number_ <= last && at_ - begin < most && next(line)) {
     }
     if (unusable_ && number_ <= last && at_ - begin < most) return {};
-    return {std::string_view(held_).substr(begin, at_ - begin), number_ <= last};
+    const Lines lines{std::string_view(held_).substr(begin, at_ - begin), number_ <= last};
+    while (number_ <= last && next(line)) {
+    }
+    return at_ - begin > kMostHeld ? Lines() : lines;
 }
 
 SourceLines::Lines SourceLines::firstOf(std::string_view text, std::size_t count,

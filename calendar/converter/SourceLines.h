@@ -25,17 +25,21 @@ class SourceLines {
     void add(std::string_view bytes);
 
     // The lines from number `first` to `last`, or the first of them that are `most` bytes together.
-    // Empty when they are no longer kept: lines before the last entry asked for are dropped, and so
-    // are those of an entry with a line of megabytes and all of a file in UTF-16.
-    // REQUIRES: these lines have been added, and numbers ascend from call to call.
+    // Empty where they are more than kMostHeld together, and in UTF-16.
+    // REQUIRES: these lines have been added and not forgotten, and numbers ascend from call to
+    // call.
     [[nodiscard]] Lines entry(std::size_t first, std::size_t last, std::size_t most);
     // The same of the first `count` lines of `text`. Any thread.
     [[nodiscard]] static Lines firstOf(std::string_view text, std::size_t count, std::size_t most);
 
     // False when no lines are kept any more, whatever comes.
     [[nodiscard]] bool isUsable() const { return !unusable_; }
+    // Nobody will ask for lines before `number`.
+    void forget(std::size_t number);
     // What is added next begins with line `number`; all before it are dropped.
     void goOn(std::size_t number);
+
+    static constexpr std::size_t kMostHeld = std::size_t{8} << 20;
 
   private:
     [[nodiscard]] bool next(std::string_view& line);
