@@ -2,6 +2,7 @@
 #ifndef QEL_CALENDAR_CONVERTER_AHEAD_H
 #define QEL_CALENDAR_CONVERTER_AHEAD_H
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <functional>
@@ -52,8 +53,9 @@ class Ahead {
   private:
     // Spans for each thread: enough to do while one of them takes long.
     static constexpr std::size_t kSpans = 4;
-    // A span of a larger entry is read alone, in pieces.
-    static constexpr std::size_t kLargestSpan = std::size_t{1} << 20;
+    // A span of a larger entry is read alone: what is made of its bytes may take a hundred times
+    // their memory.
+    static constexpr std::size_t kLargestEntry = std::size_t{32} << 10;
 
     // While it lives there are threads.
     struct Call {
@@ -115,7 +117,7 @@ std::string_view Ahead<Span, Reader>::read(std::string_view bytes, Owner& owner)
         if (end == bytes.npos) break;
         const std::string_view some = bytes.substr(0, end);
         bytes.remove_prefix(end);
-        if (!isKnown || some.size() > kLargestSpan) {
+        if (!isKnown || some.size() > std::max(kLargestEntry, 4 * size_)) {
             while (!isEmpty()) takeFirst(owner);
             owner.readAlone(some);
             continue;

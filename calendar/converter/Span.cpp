@@ -12,8 +12,9 @@ namespace qel::calendar {
 
 namespace {
 
-// Places that are kept for the next span.
+// Places that are kept for the next span, unless this one had more bytes.
 constexpr std::size_t kMostPlaces = 100;
+constexpr std::size_t kUsual = std::size_t{16} << 10;
 // Zones that are counted by each thread.
 constexpr std::size_t kMostZones = 100;
 
@@ -26,6 +27,8 @@ bool SpanContext::allows(const SpanContext& other) const {
 
 void Span::clear() {
     steps.clear();
+    // What entries take does not depend on their bytes alone.
+    if (bytes.size() > kUsual) places.clear();
     for (auto& each : places)
         if (each.size() > kMostPlaces) each.resize(kMostPlaces);
     context.reset();
