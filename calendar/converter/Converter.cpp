@@ -161,9 +161,11 @@ class Converter::File {
 
     // True when what was read before its turn is what would be read now.
     [[nodiscard]] bool isRight(const Span& span, const Span::Step& step) {
-        if (here_ == nullptr && !findHere(&step)) return false;
-        return (here_ == span.context || here_->allows(*span.context)) &&
-               reader_.lines() + 1 == step.work->line;
+        if (reader_.lines() + 1 != step.work->line) return false;
+        // An entry that will be read once more must not settle the calendar before that.
+        if (here_ == nullptr && (reader_.place() != span.context->place || !findHere(&step)))
+            return false;
+        return here_ == span.context || here_->allows(*span.context);
     }
 
     void takeStep(const Span::Step& step) {

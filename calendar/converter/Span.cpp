@@ -119,9 +119,10 @@ bool SpanReader::readEntry(Span& span, std::string_view bytes) {
         work.source = source.text;
         work.sourceCut = source.cut;
     }
-    // Nothing but blank lines may come after it.
+    // Nothing but blank lines may come after it, and it must leave the file as it was.
     const std::size_t notes = lineNotes_.size();
-    if (reader_.next() != Item::NeedMore || !reader_.place() || lineNotes_.size() != notes)
+    if (reader_.next() != Item::NeedMore || reader_.place() != context.place ||
+        lineNotes_.size() != notes)
         return false;
     ++used_;
     span.steps.push_back({bytes, &work, reader_.lines() - before, std::move(lineNotes_)});

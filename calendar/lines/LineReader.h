@@ -55,9 +55,10 @@ class LineReader {
     void write(std::string_view bytes);
     // The file ends after what was written.
     void end();
-    // The next byte that is written begins a line which is not joined to what is before it.
-    void endLine() { lineEnds_ = true; }
-    // True when that was said, and all lines before have been read. Never in UTF-16.
+    // The next byte that is written begins a line which is not joined to what is before it. Nothing
+    // in UTF-16, where lines begin elsewhere.
+    void endLine() { lineEnds_ = fileEncoding_ == FileEncoding::Bytes; }
+    // True when that was said, and all lines before have been read.
     [[nodiscard]] bool isBetween() const;
     // Physical lines that have been read or skipped.
     [[nodiscard]] std::size_t lines() const { return aheadNumber_; }

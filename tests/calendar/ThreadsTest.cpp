@@ -114,6 +114,30 @@ TEST(Threads, SayWhatOneSaysOfLargeEntries) {
     EXPECT_EQ(differenceByThreads(text, CalendarFormat::ICalendar, kPiece), "");
 }
 
+// Within a span of one thread the file becomes another one than what the next spans were read as.
+TEST(Threads, SayWhatOneSaysOfFilesThatChange) {
+    const std::string begin = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n";
+    std::string entries;
+    for (int i = 0; i < 60; ++i)
+        entries +=
+            "BEGIN:VEVENT\r\nUID:u" + std::to_string(i) +
+            "\r\nDTSTART:20240101T090000\r\nDESCRIPTION:one two\r\n   three\r\nEND:VEVENT\r\n";
+    const std::string indented = "BEGIN:VEVENT\r\n UID:a\r\n DTSTART:20240101\r\nEND:VEVENT\r\n";
+    const std::string wrapped =
+        "BEGIN:VEVENT\r\nUID:w\r\nDTSTART:20240101T000000\r\nDESCRIPTION:Please bring the large "
+        "documents and the presentation for\r\n yesterday with everybody whom you know from "
+        "departments\r\n elsewherepublicationsarelong to the large meeting room that\r\n "
+        "somethinglongerthanthatislonger here\r\nEND:VEVENT\r\n";
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : begin + "END:VCALENDAR\r\n") utf16 += {c, '\0'};
+    const std::string later = "END:VCALENDAR\r\n" + begin + "X-WR-CALNAME:Two\r\n" + wrapped;
+    for (const std::string& each :
+         {begin + entries + indented + entries,
+          "BEGIN:VCALENDAR\r\nVERSION:1.0\r\nX-WR-CALNAME:One\r\n" + entries + later + entries,
+          utf16 + begin + entries})
+        EXPECT_EQ(differenceByThreads(each, CalendarFormat::VCalendar10, kPiece), "");
+}
+
 // Who receives something, and refuses it, is called by one thread alone, and ends the conversion at
 // the same place.
 TEST(Threads, StopWhereOneStops) {
