@@ -1,4 +1,5 @@
-// Spans of a file that several threads read before their turn. One thread owns it.
+// Several threads read a file ahead, in spans, which their owner takes in the order of the file.
+// One thread owns it.
 #ifndef QEL_CALENDAR_CONVERTER_AHEAD_H
 #define QEL_CALENDAR_CONVERTER_AHEAD_H
 
@@ -17,33 +18,38 @@
 
 namespace qel::calendar {
 
-// A `Span` has `bytes`, and clear(), after which nobody has read it. A `Reader` has read(Span&),
-// which may throw; then the span is cleared.
+// A `Span` has `bytes`, and clear(), which makes it one that was not read. A `Reader` has
+// read(Span&); when that throws, the span is cleared.
 template <typename Span, typename Reader>
 class Ahead {
   public:
-    // A reader for each thread; `member` is another number for each of them.
+    // Makes the reader of one thread; threads are numbered by `member`.
     using MakeReader = std::function<std::unique_ptr<Reader>(std::size_t member)>;
 
-    // So many threads, with the owner's. A span has at least `size` bytes: enough to take longer
-    // than it takes to hand them to another thread, and few enough for a processor's nearer memory.
+    // `threads` counts the owner's too. A span has at least `size` bytes: enough that reading them
+    // takes longer than handing them over, and few enough to stay in a core's cache.
     Ahead(std::size_t threads, std::size_t size, const MakeReader& makeReader) : size_(size) {
         while (readers_.size() < threads) readers_.push_back(makeReader(readers_.size()));
         while (spans_.size() < kSpans * threads) spans_.push_back(std::make_unique<Span>());
     }
 
-    // Has threads read the bytes in spans, and gives these to `owner` in their order: take(Span&).
-    // The threads end before this does. What cannot be read before its turn goes to the owner's
-    // readAlone(), from one cut to another. Gives what is after the last cut.
+    // Cuts the bytes into spans, has them read, and passes them to the owner in order. The threads
+    // end before this returns. Returns the bytes after the last cut, which nobody has read.
     //
-    // The owner's isBetween() says whether it knows what a span needs to know of what is before it,
-    // once that has been read; lines() is how many lines were read; begin(Span&, lines) tells a
-    // span what is known of what is before it, as far as that is known by now. What was wrong with
-    // that the owner sees when it takes the span.
+    // The owner has these functions, which are called on its own thread:
+    //   isBetween()         true when the file stands between two entries, and enough of it is
+    //   known
+    //                       to read on from there
+    //   lines()             how many lines of the file it has read
+    //   begin(span, lines)  fills in what a span's reader has to know: a guess, while spans before
+    //   it
+    //                       have not been taken. `lines` come before it.
+    //   take(span)          uses what was read, or reads the bytes again where the guess was wrong
+    //   readAlone(bytes)    reads bytes that were not read ahead, up to a cut
     template <typename Owner>
     [[nodiscard]] std::string_view read(std::string_view bytes, Owner& owner);
 
-    // At any time: reads no more of what was given, and returns when nobody reads.
+    // Stops reading ahead what was given so far, and returns when no thread reads. At any time.
     void giveUp() {
         if (!crew_) return;
         from_.store(given_, std::memory_order_relaxed);
@@ -51,13 +57,12 @@ class Ahead {
     }
 
   private:
-    // Spans for each thread: enough to do while one of them takes long.
+    // Spans for each thread, so that all are busy while one span takes long.
     static constexpr std::size_t kSpans = 4;
-    // A span of a larger entry is read alone: what is made of its bytes may take a hundred times
-    // their memory.
+    // A larger entry is not read ahead: in memory it may be a hundred times its size.
     static constexpr std::size_t kLargestEntry = std::size_t{32} << 10;
 
-    // While it lives there are threads.
+    // The threads run while it lives.
     struct Call {
         explicit Call(Ahead& owner) : ahead(owner) {
             ahead.given_ = 0;
@@ -85,7 +90,7 @@ class Ahead {
         crew_->take();
         owner.take(*spans_[taken_++ % spans_.size()]);
     }
-    // What cannot be read for want of memory is read in its turn, which says so.
+    // When memory ends the span counts as unread; reading it in its turn reports that.
     void readSpan(std::size_t number, std::size_t member) {
         Span& span = *spans_[number % spans_.size()];
         try {
@@ -96,11 +101,11 @@ class Ahead {
     }
 
     const std::size_t size_;
-    // Each number's span has its place in turn.
+    // Span number n is at n modulo their count.
     std::vector<std::unique_ptr<Span>> spans_;
     std::size_t given_ = 0;
     std::size_t taken_ = 0;
-    std::atomic<std::size_t> from_ = 0;             // those below this number are not read any more
+    std::atomic<std::size_t> from_ = 0;             // spans below this number are not read any more
     std::vector<std::unique_ptr<Reader>> readers_;  // of each member of the crew
     std::optional<Crew> crew_;
 };

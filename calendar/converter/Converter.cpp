@@ -32,7 +32,7 @@ namespace {
 constexpr std::size_t kLongestName = 200;
 // Properties of a calendar itself that are kept.
 constexpr std::size_t kMostHeader = 200;
-// Bytes that a thread reads before their turn, at least.
+// The least bytes that a thread reads ahead.
 constexpr std::size_t kSpan = std::size_t{8} << 10;
 // Bytes that are read at once.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
@@ -131,13 +131,13 @@ class Converter::File {
         }
     }
 
-    // Several threads read entries before their turn; what Ahead asks for.
+    // What Ahead needs of its owner.
     friend class Ahead<Span, SpanReader>;
     [[nodiscard]] bool isBetween() { return findHere(nullptr); }
     [[nodiscard]] std::size_t lines() const { return reader_.lines(); }
 
     void begin(Span& span, std::size_t lines) {
-        // Else what held last: mostly the next calendar is like the one before.
+        // Otherwise the last one: mostly the next calendar is like the one before.
         if (findHere(nullptr)) given_ = here_;
         span.context = given_;
         span.linesBefore = lines;
@@ -159,10 +159,10 @@ class Converter::File {
         here_.reset();
     }
 
-    // True when what was read before its turn is what would be read now.
+    // True when reading the entry now would give what was read ahead.
     [[nodiscard]] bool isRight(const Span& span, const Span::Step& step) {
         if (reader_.lines() + 1 != step.work->line) return false;
-        // An entry that will be read once more must not settle the calendar before that.
+        // Settling the calendar reports; an entry that is read again reports its lines first.
         if (here_ == nullptr && (reader_.place() != span.context->place || !findHere(&step)))
             return false;
         return here_ == span.context || here_->allows(*span.context);
@@ -179,8 +179,8 @@ class Converter::File {
         if (turn_.wantsLines()) source_.goOn(reader_.lines() + 1);
     }
 
-    // What the entries from here on depend on, into here_. False where they cannot be read before
-    // their turn. `step` is the one that follows, where it is known.
+    // Sets here_ to what the entries from here on depend on. False where that is unknown. `step` is
+    // the entry that follows, or null.
     [[nodiscard]] bool findHere(const Span::Step* step) {
         if (here_ != nullptr) return true;
         const std::optional<CalendarReader::Place> place = reader_.place();
@@ -361,7 +361,7 @@ class Converter::File {
         if (component.name == "VTIMEZONE"sv) {
             decodeParameters(component, choices_.characterSet);
             const ZonePtr zone = zoneFromVTimezone(component, noteSink());
-            // Whoever reads ahead looks at the zones that are known.
+            // Threads that read ahead look at the known zones.
             if (ahead_ != nullptr) ahead_->giveUp();
             owner_.zones_->add(zone);
             return;

@@ -32,7 +32,7 @@ struct EntryWork {
     bool sourceCut = false;
 
     // What is made of it.
-    Entry* entry = nullptr;  // null where the component is none
+    Entry* entry = nullptr;  // null when the component is not an entry
     std::vector<Note> notes;
     std::optional<SeriesStart> series;
     FileZone::Settled settled;

@@ -42,7 +42,7 @@ class FileScan {
         std::size_t linesBefore = 0;  // in the file, as it was guessed
         std::vector<Text> texts;
         std::vector<ZonePtr> zones;
-        // After it; nothing when it has not been read, or ends within something.
+        // Where the file stands after it; empty when it was not read, or ends within a component.
         std::optional<CalendarReader::Place> end;
         std::size_t lines = 0;
     };

@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::size_t kForgetFrom = std::size_t{64} << 10;
 
-// The next line of `text`, without its end; `at` is after that then. False when there is none.
+// Sets `line` to the next line of `text` without its end, and `at` to the one after it. False
+// without a whole line.
 bool nextLine(std::string_view text, std::size_t& at, LineEnd& lastEnd, std::string_view& line) {
     lastEnd.skipRest(text, at);
     if (lastEnd.takeEmptyLine(text, at)) {
@@ -67,7 +68,7 @@ void SourceLines::goOn(std::size_t number) {
     lastEnd_ = {};
 }
 
-// The next line of held_; at_ is after that then. False when there is none.
+// The next line of held_.
 bool SourceLines::next(std::string_view& line) {
     if (!nextLine(held_, at_, lastEnd_, line)) return false;
     ++number_;

@@ -1,6 +1,6 @@
-// A part of a calendar file that begins and ends between components, which a thread reads before
-// its turn. It guesses that all before it changes nothing of what it knows of the file; who takes
-// it in its turn sees whether that was so, and reads anew what was not.
+// A part of a calendar file, from one entry's beginning to another's, that a thread reads ahead.
+// Its reader assumes that nothing before it changes what is known of the file. Whoever takes it in
+// its turn checks that, and reads again what was read by a wrong assumption.
 #ifndef QEL_CALENDAR_CONVERTER_SPAN_H
 #define QEL_CALENDAR_CONVERTER_SPAN_H
 
@@ -28,19 +28,19 @@ struct SpanContext {
     const EntryWriter* writer = nullptr;
     bool wantsLines = false;
 
-    // True when what was read where `other` holds is right here too. What was reported in the
-    // meantime does not matter: who reads ahead reports nothing of that.
+    // True when entries that were read in `other` are right in this one too. `reported` may differ:
+    // an entry that would report something of it is not read ahead.
     [[nodiscard]] bool allows(const SpanContext& other) const;
 };
 
 struct Span {
-    // The lines from one cut to the next, or to a later one.
+    // The lines from one cut to the next.
     struct Step {
         std::string_view bytes;
-        // Of one entry, that was read; null for what is to be read in its turn.
+        // The entry that was read from them; null when they are to be read in their turn.
         EntryWork* work = nullptr;
         std::size_t lines = 0;  // of the entry
-        // What is wrong with its lines, and where the entry begins that each note is about, or 0.
+        // What its lines reported, and the first line of the entry that each note is about, or 0.
         std::vector<std::pair<Note, std::size_t>> notes;
     };
 
@@ -53,20 +53,20 @@ struct Span {
         Entry entry;
     };
 
-    // Its bytes last until it is cleared.
+    // The bytes must outlive what was read.
     std::string_view bytes;
     std::size_t linesBefore = 0;  // in the file, as it was guessed
     std::shared_ptr<const SpanContext> context;
     std::vector<Step> steps;
 
-    // Of each thread that may read it: memory goes back faster where it came from.
+    // By the thread that reads: memory is freed faster by the thread that allocated it.
     std::vector<std::vector<std::unique_ptr<Place>>> places;
 };
 
 // Reads spans. One thread.
 class SpanReader {
   public:
-    // `member` is a number by itself for each thread. REQUIRES: `choices` outlives the reader.
+    // `member` numbers the thread. REQUIRES: `choices` outlives the reader.
     SpanReader(const Choices& choices, std::size_t member);
 
     // Fills its steps.

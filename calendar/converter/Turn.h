@@ -1,5 +1,5 @@
-// What of a file's conversion goes in the order of its lines: notes, counts, UIDs, the writer. One
-// thread.
+// The part of a file's conversion that follows the order of its lines: notes, counts, UIDs, the
+// writer. One thread.
 #ifndef QEL_CALENDAR_CONVERTER_TURN_H
 #define QEL_CALENDAR_CONVERTER_TURN_H
 
@@ -33,7 +33,7 @@ class Converter::Turn {
     void calendar(const std::vector<EntryProperty>& header);
     // An entry, read before its turn or not.
     void take(EntryWork& work);
-    // After each component, also after one that is no entry.
+    // After each component, entry or not.
     void endComponent();
     void endFile();
 
