@@ -437,7 +437,8 @@ LineReader::Result LineReader::nextPhysical() {
 
 void LineReader::append(std::string_view text) {
     // A fold costs memory too, however little there is between two of them.
-    constexpr std::size_t kFoldCost = 4 * sizeof(std::size_t);
+    // The same on every system, so that all cut a line at the same place.
+    constexpr std::size_t kFoldCost = 32;
     const std::size_t folds = line_.folds.size() + line_.indents.size();
     const std::size_t used = line_.text.size() + folds * kFoldCost;
     const std::size_t room = kLongestLine - std::min(used, kLongestLine);
