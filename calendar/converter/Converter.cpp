@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "calendar/base/Ascii.h"
-#include "calendar/base/ByteSearch.h"
 #include "calendar/base/Days.h"
 #include "calendar/converter/Ahead.h"
 #include "calendar/converter/FileScan.h"

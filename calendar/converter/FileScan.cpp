@@ -11,6 +11,7 @@ namespace {
 
 // Bytes that are read at once.
 constexpr std::size_t kPiece = std::size_t{64} << 10;
+// The least bytes that a thread reads ahead.
 constexpr std::size_t kSpan = std::size_t{64} << 10;
 
 void dropNote(const Note&) {}
@@ -97,7 +98,7 @@ void FileScan::keep(std::vector<Text>& texts, std::vector<ZonePtr>& zones) {
 }
 
 void FileScan::begin(Span& span, std::size_t lines) {
-    // Else the next calendar is mostly like the one before.
+    // Otherwise the last one: mostly the next calendar is like the one before.
     if (const auto place = reader_.lines.place()) place_ = place;
     span.begin = place_;
     span.linesBefore = lines;

@@ -24,8 +24,8 @@ struct LineMarks {
 // Of the line at the beginning of `text`. The same on every processor.
 [[nodiscard]] inline LineMarks marksOf(std::string_view text) {
 #if defined(__SSE2__)
-    // Each block of sixteen bytes is looked at once, for everything. Whatever has not ended before
-    // the last bytes of a chunk, which are no block, is left to marksByParts.
+    // One look at each block of sixteen bytes finds everything. A line that ends in the last bytes
+    // of a chunk, too few for a block, is left to marksByParts.
     constexpr std::size_t kBlock = 16;
     constexpr std::size_t kNowhere = std::string_view::npos;
     LineMarks marks{0, kNowhere, kNowhere};
